@@ -1,0 +1,32 @@
+#pragma once
+
+// Paths and whole-file writing. Inside the program a path is UTF-8 text; it becomes a std::filesystem::path only here,
+// because std::filesystem::path("narrow") means different things on different systems.
+
+#include "EASY_GUI/services/failure.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace korvane
+{
+
+[[nodiscard]] std::filesystem::path toPath(std::string_view utf8);
+[[nodiscard]] std::string toUtf8(const std::filesystem::path& path);
+
+// The folder of the running executable, with a trailing separator; UTF-8. Computed once.
+[[nodiscard]] const std::string& executableFolder();
+
+// The path itself when it exists; else the path of the entry whose components equal it without regard to ASCII case
+// (configuration values are held in lower case, disks may be case-sensitive); nothing found: the path unchanged.
+[[nodiscard]] std::string existingPathAnyCase(const std::string& path);
+
+// Replaces the file at path by the bytes: written to a temporary file beside it, flushed to disk, then renamed over
+// it. On failure what stood there before still stands and the temporary file is gone.
+[[nodiscard]] bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, failure& why);
+[[nodiscard]] bool writeWholeFile(const std::string& path, std::string_view bytes, failure& why);
+
+} // namespace korvane

@@ -1,0 +1,57 @@
+#include "EASY_GUI/services/memory_file.h"
+
+#include "EASY_GUI/services/file_system.h"
+
+#include <cstring>
+#include <fstream>
+#include <new>
+
+namespace korvane
+{
+
+memory_file::memory_file(std::size_t size_bytes)
+    : m_bytes(std::make_unique_for_overwrite<std::byte[]>(size_bytes)), m_size(size_bytes)
+{}
+
+memory_file::memory_file(std::span<const std::byte> bytes) : memory_file(bytes.size())
+{
+    if (!bytes.empty())
+        std::memcpy(m_bytes.get(), bytes.data(), bytes.size());
+}
+
+memory_file::memory_file(std::string_view bytes) : memory_file(std::as_bytes(std::span(bytes))) {}
+
+bool memory_file::read(const std::string& path, failure& why)
+{
+    std::error_code error;
+    const std::filesystem::path file = toPath(path);
+    const auto status = std::filesystem::status(file, error);
+    if (!std::filesystem::exists(status))
+        return fail(why, failure_kind::not_found, "the file does not exist", path);
+    if (std::filesystem::is_directory(status))
+        return fail(why, failure_kind::unreadable, "this is a folder, not a file", path);
+
+    std::ifstream in(file, std::ios::binary | std::ios::ate);
+    const std::streamoff size = in ? static_cast<std::streamoff>(in.tellg()) : -1;
+    if (size < 0)
+        return fail(why, failure_kind::unreadable, "the file cannot be opened for reading", path);
+
+    try
+    {
+        memory_file content(static_cast<std::size_t>(size));
+        in.seekg(0);
+        in.read(reinterpret_cast<char*>(content.m_bytes.get()), size);
+        if (in.gcount() != size)
+            return fail(why, failure_kind::unreadable,
+                        "only " + std::to_string(in.gcount()) + " of " + std::to_string(size) + " bytes could be read",
+                        path);
+        *this = std::move(content);
+    }
+    catch (const std::bad_alloc&)
+    {
+        return fail(why, failure_kind::unreadable, "not enough memory for " + std::to_string(size) + " bytes", path);
+    }
+    return true;
+}
+
+} // namespace korvane

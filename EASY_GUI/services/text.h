@@ -1,0 +1,34 @@
+#pragma once
+
+// Text helpers. Texts inside the program are UTF-8; texts from game files are bytes until they are shown.
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace korvane
+{
+
+// ASCII letters only: other bytes belong to multi-byte characters and are kept.
+[[nodiscard]] std::string toLower(std::string_view text);
+[[nodiscard]] bool equalsIgnoringCase(std::string_view left, std::string_view right);
+[[nodiscard]] bool endsWithIgnoringCase(std::string_view text, std::string_view ending);
+
+// True for well-formed UTF-8 (no overlong forms, no surrogates).
+[[nodiscard]] bool isUtf8(std::string_view text);
+// What to show of a text from a file: the text when it is UTF-8, else its bytes read as Latin-1.
+[[nodiscard]] std::string displayText(std::string_view bytes);
+[[nodiscard]] std::string utf8FromUtf16(std::u16string_view text); // unpaired surrogates become U+FFFD
+[[nodiscard]] std::u16string utf16FromUtf8(std::string_view text); // malformed bytes become U+FFFD
+
+// The part of a fixed-width field before its first zero.
+[[nodiscard]] std::string_view untilZero(std::span<const std::byte> field);
+
+// The last component of a path with '\' or '/' separators.
+[[nodiscard]] std::string_view fileName(std::string_view path);
+
+// The shortest decimal text that reads back to the same value; "nan", "inf", "-inf".
+[[nodiscard]] std::string floatText(float value);
+
+} // namespace korvane

@@ -1,0 +1,38 @@
+#pragma once
+
+// The port through which portable code speaks to the person in front of the program. The window program shows message
+// boxes and pickers, the console program prints, tests record and answer. Texts are UTF-8.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace korvane
+{
+
+enum class prompt_icon { information, warning, error };
+
+struct file_filter
+{
+    std::string label;   // "Rigid Model v2 Files (*.rigid_model_v2)"
+    std::string pattern; // "*.rigid_model_v2"
+};
+
+class user_prompt
+{
+public:
+    virtual ~user_prompt() = default;
+
+    // Shows a text with a title and waits until it was read.
+    virtual void show(const std::string& title, const std::string& text, prompt_icon icon) = 0;
+    // A question answered with yes or no.
+    [[nodiscard]] virtual bool confirm(const std::string& title, const std::string& text) = 0;
+    // A path to open or to write; nothing when the person changed their mind.
+    [[nodiscard]] virtual std::optional<std::string> pickOpenPath(const std::string& title,
+                                                                  const std::vector<file_filter>& filters) = 0;
+    [[nodiscard]] virtual std::optional<std::string> pickSavePath(const std::string& title,
+                                                                  const std::vector<file_filter>& filters,
+                                                                  const std::string& default_extension) = 0;
+};
+
+} // namespace korvane

@@ -1,0 +1,39 @@
+# How every target of this project is compiled and linked.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+add_library(korvane_options INTERFACE)
+target_include_directories(korvane_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(korvane_options INTERFACE -Wall -Wextra -Wconversion -Wsign-conversion -Werror)
+if(KORVANE_SANITIZE)
+  target_compile_options(korvane_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
+                                                   -fno-omit-frame-pointer)
+  target_link_options(korvane_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(KORVANE_FUZZ)
+  target_compile_options(korvane_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+if(WIN32)
+  target_compile_definitions(korvane_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
+  target_compile_options(korvane_options INTERFACE -fstack-protector-strong)
+  target_link_options(korvane_options INTERFACE -static -municode -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+endif()
+
+# korvane_library(NAME SOURCE...): one floor's library.
+function(korvane_library name)
+  add_library(${name} STATIC ${ARGN})
+  target_link_libraries(${name} PUBLIC korvane_options)
+endfunction()
+
+# korvane_test(NAME SOURCE...): a GoogleTest program. Each of its tests is a ctest entry natively; under Wine, where a
+# process costs much more than a test, the program is one entry.
+function(korvane_test name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE korvane_options GTest::gtest_main)
+  # GoogleTest's main() is the narrow one.
+  if(WIN32)
+    target_link_options(${name} PRIVATE -mconsole)
+    add_test(NAME ${name} COMMAND ${name})
+  else()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
+  endif()
+endfunction()
