@@ -32,8 +32,10 @@ class byte_reader
 {
 public:
     explicit byte_reader(std::span<const std::byte> bytes, std::uint64_t base_offset = 0)
-        : m_bytes(bytes), m_base(base_offset)
-    {}
+        : m_bytes(bytes)
+        , m_base(base_offset)
+    {
+    }
 
     // Prefix of every field name in a failure: "LOD 0, group 2". Set before the fields of that record are read.
     void enter(std::string context) { m_context = std::move(context); }

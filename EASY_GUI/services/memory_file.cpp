@@ -10,8 +10,10 @@ namespace korvane
 {
 
 memory_file::memory_file(std::size_t size_bytes)
-    : m_bytes(std::make_unique_for_overwrite<std::byte[]>(size_bytes)), m_size(size_bytes)
-{}
+    : m_bytes(std::make_unique_for_overwrite<std::byte[]>(size_bytes))
+    , m_size(size_bytes)
+{
+}
 
 memory_file::memory_file(std::span<const std::byte> bytes) : memory_file(bytes.size())
 {

@@ -10,7 +10,12 @@
 namespace korvane
 {
 
-enum class prompt_icon { information, warning, error };
+enum class prompt_icon
+{
+    information,
+    warning,
+    error
+};
 
 struct file_filter
 {

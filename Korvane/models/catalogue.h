@@ -14,8 +14,8 @@ namespace korvane
 [[nodiscard]] std::string_view versionLabel(std::uint32_t version); // "<error or unknown>" for others than 6, 7, 8
 [[nodiscard]] std::optional<std::string_view> vertexFormatShortLabel(std::uint16_t format);
 [[nodiscard]] std::optional<std::string_view> vertexFormatLongLabel(std::uint16_t format);
-[[nodiscard]] std::string_view materialName(std::uint32_t material_id);      // "<UNKNOWN>" when absent
-[[nodiscard]] std::string_view textureTypeName(std::uint32_t texture_type);  // "[unknown type]" when absent
+[[nodiscard]] std::string_view materialName(std::uint32_t material_id);     // "<UNKNOWN>" when absent
+[[nodiscard]] std::string_view textureTypeName(std::uint32_t texture_type); // "[unknown type]" when absent
 
 struct alpha_mode_entry
 {

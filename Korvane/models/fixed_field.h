@@ -26,8 +26,12 @@ public:
     // The bytes are the field's present content; their number is its width. wide: the text is stored as 16-bit
     // little-endian characters (version 5 texture paths).
     fixed_field(std::uint64_t file_offset, std::span<const std::byte> bytes, field_mode mode, bool wide = false)
-        : m_file_offset(file_offset), m_value(bytes.begin(), bytes.end()), m_mode(mode), m_wide(wide)
-    {}
+        : m_file_offset(file_offset)
+        , m_value(bytes.begin(), bytes.end())
+        , m_mode(mode)
+        , m_wide(wide)
+    {
+    }
 
     // 8-bit text, or UTF-8 for a wide field.
     void setText(std::string_view text);

@@ -42,8 +42,10 @@ class vertex_array
 public:
     vertex_array() = default;
     explicit vertex_array(std::size_t count)
-        : m_records(std::make_unique_for_overwrite<vertex_record[]>(count)), m_count(count)
-    {}
+        : m_records(std::make_unique_for_overwrite<vertex_record[]>(count))
+        , m_count(count)
+    {
+    }
 
     std::span<const vertex_record> records() const { return {m_records.get(), m_count}; }
     std::span<vertex_record> records() { return {m_records.get(), m_count}; }
@@ -60,8 +62,8 @@ struct vertex_store
 {
     std::int32_t vertex_size = -1; // bytes per vertex in the file; -1 when there are no vertices to compute it from
     vertex_array vertices;
-    std::vector<std::uint16_t> indices;     // three per triangle, second and third swapped (winding flip)
-    std::size_t indices_out_of_range = 0;   // indices at or above the number of decoded vertices: check before use
+    std::vector<std::uint16_t> indices;   // three per triangle, second and third swapped (winding flip)
+    std::size_t indices_out_of_range = 0; // indices at or above the number of decoded vertices: check before use
 };
 
 struct attachment_point
@@ -85,8 +87,8 @@ struct lod_header
     std::uint32_t indices_size = 0;  // carried
     std::uint32_t start_offset = 0;  // of the LOD's first group, from the start of the file
     float lod_distance = 100.0f;
-    std::uint32_t lod_index = 0; // versions 7 and 8
-    std::uint32_t kept = 0;      // versions 7 and 8
+    std::uint32_t lod_index = 0;   // versions 7 and 8
+    std::uint32_t kept = 0;        // versions 7 and 8
     std::uint64_t file_offset = 0; // of this record
 };
 
@@ -120,7 +122,7 @@ struct group_data
     std::vector<attachment_point> attachments;
     std::vector<texture_entry> textures;
     std::uint32_t material_flags = 0;
-    std::uint32_t alpha_mode = 0; // as loaded; the edited value is alpha_mode_field's
+    std::uint32_t alpha_mode = 0;     // as loaded; the edited value is alpha_mode_field's
     fixed_field material_flags_field; // width 4, raw
     fixed_field alpha_mode_field;     // width 4, raw
     vertex_store store;

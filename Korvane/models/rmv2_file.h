@@ -63,7 +63,7 @@ public:
     const std::string& name() const { return m_name; } // file name up to its first '.'; empty for bytes from memory
     const std::string& status() const { return m_status; }
     const std::string& log() const { return m_log; }
-    int errorCode() const { return m_error_code; } // 4: the file could not be opened
+    int errorCode() const { return m_error_code; }     // 4: the file could not be opened
     float modelScale() const { return m_model_scale; } // 1 until centred
 
     // The influences of one decoded group; empty for formats without weights. Computed from the image at each call.

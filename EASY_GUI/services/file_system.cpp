@@ -1,0 +1,91 @@
+#include "EASY_GUI/services/file_system.h"
+
+#include "EASY_GUI/services/file_system_platform.h"
+#include "EASY_GUI/services/text.h"
+
+#include <atomic>
+#include <utility>
+
+namespace korvane
+{
+
+std::filesystem::path toPath(std::string_view utf8)
+{
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+std::string toUtf8(const std::filesystem::path& path)
+{
+    const std::u8string text = path.u8string();
+    return std::string(text.begin(), text.end());
+}
+
+const std::string& executableFolder()
+{
+    static const std::string folder = toUtf8(platform::executablePath().parent_path() / "");
+    return folder;
+}
+
+std::string existingPathAnyCase(const std::string& path)
+{
+    std::error_code error;
+    const std::filesystem::path wanted = toPath(path);
+    if (path.empty() || std::filesystem::exists(wanted, error))
+        return path;
+
+    std::filesystem::path found;
+    for (const std::filesystem::path& component : wanted)
+    {
+        std::filesystem::path next = found.empty() ? component : found / component;
+        if (!component.empty() && !std::filesystem::exists(next, error))
+        {
+            const std::string name = toUtf8(component);
+            const auto folder = std::filesystem::directory_iterator(found.empty() ? toPath(".") : found, error);
+            if (error)
+                return path;
+            bool is_found = false;
+            for (auto entry = folder; entry != std::filesystem::directory_iterator(); entry.increment(error))
+            {
+                if (error)
+                    return path;
+                if (equalsIgnoringCase(toUtf8(entry->path().filename()), name))
+                {
+                    next = found / entry->path().filename();
+                    is_found = true;
+                    break;
+                }
+            }
+            if (!is_found)
+                return path;
+        }
+        found = std::move(next);
+    }
+    return toUtf8(found);
+}
+
+bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, failure& why)
+{
+    const std::filesystem::path target = toPath(path);
+    std::error_code error;
+    if (path.empty() || std::filesystem::is_directory(target, error))
+        return fail(why, failure_kind::unwritable,
+                    path.empty() ? "no file name was given" : "this is a folder, not a file", path);
+
+    // Beside the target, so that the rename stays on one volume; numbered, so that two writers do not meet.
+    static std::atomic<unsigned> counter{0};
+    std::filesystem::path temporary = target;
+    temporary += "." + std::to_string(platform::processId()) + "-" + std::to_string(counter++) + ".tmp";
+
+    std::string reason;
+    if (platform::writeFlushed(temporary, bytes, reason) && platform::replaceFile(temporary, target, reason))
+        return true;
+    std::filesystem::remove(temporary, error);
+    return fail(why, failure_kind::unwritable, "the file cannot be written: " + reason, path);
+}
+
+bool writeWholeFile(const std::string& path, std::string_view bytes, failure& why)
+{
+    return writeWholeFile(path, std::as_bytes(std::span(bytes)), why);
+}
+
+} // namespace korvane

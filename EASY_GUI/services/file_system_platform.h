@@ -1,0 +1,23 @@
+#pragma once
+
+// What the file services need of the operating system. One implementation per platform; used by file_system.cpp only.
+
+#include <cstddef>
+#include <filesystem>
+#include <span>
+#include <string>
+
+namespace korvane::platform
+{
+
+[[nodiscard]] std::filesystem::path executablePath();
+[[nodiscard]] unsigned long processId();
+
+// Creates the file, writes all bytes and flushes them to the disk. False: reason says why; the file may be left over.
+[[nodiscard]] bool writeFlushed(const std::filesystem::path& file, std::span<const std::byte> bytes,
+                                std::string& reason);
+// Renames source over target in one step. A target that is read-only is not replaced.
+[[nodiscard]] bool replaceFile(const std::filesystem::path& source, const std::filesystem::path& target,
+                               std::string& reason);
+
+} // namespace korvane::platform

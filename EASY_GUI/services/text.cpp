@@ -1,0 +1,184 @@
+#include "EASY_GUI/services/text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+
+namespace korvane
+{
+
+namespace
+{
+
+char lowerCharacter(char character)
+{
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+constexpr char32_t replacement_character = 0xfffd;
+constexpr char32_t malformed = 0xffffffff;
+
+// The code point at position, which moves behind it; malformed input gives malformed and moves by one byte.
+char32_t decodeUtf8(std::string_view text, std::size_t& position)
+{
+    const auto byteAt = [&](std::size_t index)
+    {
+        return static_cast<unsigned char>(text[index]);
+    };
+    const unsigned char lead = byteAt(position);
+    if (lead < 0x80)
+    {
+        ++position;
+        return lead;
+    }
+    const std::size_t length = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : 2;
+    constexpr char32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (lead < 0xc2 || lead > 0xf4 || length > text.size() - position)
+    {
+        ++position;
+        return malformed;
+    }
+    char32_t code = lead & (0xffu >> (length + 1));
+    for (std::size_t i = 1; i < length; ++i)
+    {
+        const unsigned char next = byteAt(position + i);
+        if ((next & 0xc0) != 0x80)
+        {
+            ++position;
+            return malformed;
+        }
+        code = (code << 6) | (next & 0x3fu);
+    }
+    if (code < smallest[length] || code > 0x10ffff || (code >= 0xd800 && code <= 0xdfff))
+    {
+        ++position;
+        return malformed;
+    }
+    position += length;
+    return code;
+}
+
+void appendUtf8(std::string& text, char32_t code)
+{
+    const auto put = [&](char32_t byte)
+    {
+        text += static_cast<char>(static_cast<unsigned char>(byte));
+    };
+    if (code < 0x80)
+        return put(code);
+    if (code < 0x800)
+        put(0xc0 | (code >> 6));
+    else
+    {
+        if (code < 0x10000)
+            put(0xe0 | (code >> 12));
+        else
+        {
+            put(0xf0 | (code >> 18));
+            put(0x80 | ((code >> 12) & 0x3f));
+        }
+        put(0x80 | ((code >> 6) & 0x3f));
+    }
+    put(0x80 | (code & 0x3f));
+}
+
+} // namespace
+
+std::string toLower(std::string_view text)
+{
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(), lowerCharacter);
+    return lower;
+}
+
+bool equalsIgnoringCase(std::string_view left, std::string_view right)
+{
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char a, char b)
+                      {
+                          return lowerCharacter(a) == lowerCharacter(b);
+                      });
+}
+
+bool endsWithIgnoringCase(std::string_view text, std::string_view ending)
+{
+    return ending.size() <= text.size() && equalsIgnoringCase(text.substr(text.size() - ending.size()), ending);
+}
+
+bool isUtf8(std::string_view text)
+{
+    for (std::size_t position = 0; position < text.size();)
+        if (decodeUtf8(text, position) == malformed)
+            return false;
+    return true;
+}
+
+std::string displayText(std::string_view bytes)
+{
+    if (isUtf8(bytes))
+        return std::string(bytes);
+    std::string text;
+    for (const char byte : bytes)
+        appendUtf8(text, static_cast<unsigned char>(byte));
+    return text;
+}
+
+std::string utf8FromUtf16(std::u16string_view text)
+{
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i)
+    {
+        char32_t code = text[i];
+        const bool is_high = code >= 0xd800 && code <= 0xdbff;
+        if (is_high && i + 1 < text.size() && text[i + 1] >= 0xdc00 && text[i + 1] <= 0xdfff)
+            code = 0x10000 + ((code - 0xd800) << 10) + (text[++i] - char32_t{0xdc00});
+        else if (code >= 0xd800 && code <= 0xdfff)
+            code = replacement_character;
+        appendUtf8(result, code);
+    }
+    return result;
+}
+
+std::u16string utf16FromUtf8(std::string_view text)
+{
+    std::u16string result;
+    for (std::size_t position = 0; position < text.size();)
+    {
+        char32_t code = decodeUtf8(text, position);
+        if (code == malformed)
+            code = replacement_character;
+        if (code >= 0x10000)
+        {
+            result += static_cast<char16_t>(0xd800 + ((code - 0x10000) >> 10));
+            code = 0xdc00 + ((code - 0x10000) & 0x3ff);
+        }
+        result += static_cast<char16_t>(code);
+    }
+    return result;
+}
+
+std::string_view untilZero(std::span<const std::byte> field)
+{
+    const auto end = std::find(field.begin(), field.end(), std::byte{0});
+    return {reinterpret_cast<const char*>(field.data()), static_cast<std::size_t>(end - field.begin())};
+}
+
+std::string_view fileName(std::string_view path)
+{
+    const std::size_t separator = path.find_last_of("\\/");
+    return separator == std::string_view::npos ? path : path.substr(separator + 1);
+}
+
+std::string floatText(float value)
+{
+    if (std::isnan(value))
+        return "nan";
+    if (std::isinf(value))
+        return value > 0 ? "inf" : "-inf";
+    char buffer[64];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    return std::string(buffer, result.ptr);
+}
+
+} // namespace korvane

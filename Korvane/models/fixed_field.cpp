@@ -1,0 +1,68 @@
+#include "Korvane/models/fixed_field.h"
+
+#include "EASY_GUI/services/text.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace korvane
+{
+
+namespace
+{
+
+std::u16string wideUntilZero(std::span<const std::byte> bytes)
+{
+    std::u16string text;
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+    {
+        const auto unit = static_cast<char16_t>(std::to_integer<unsigned>(bytes[i]) |
+                                                (std::to_integer<unsigned>(bytes[i + 1]) << 8));
+        if (unit == 0)
+            break;
+        text += unit;
+    }
+    return text;
+}
+
+} // namespace
+
+void fixed_field::setText(std::string_view text)
+{
+    if (!m_wide)
+        return set(std::as_bytes(std::span(text)));
+    std::u16string units = utf16FromUtf8(text);
+    units.resize(std::min(units.size(), m_value.size() / 2 - 1)); // the last unit stays zero
+    static_assert(std::endian::native == std::endian::little);
+    set(std::as_bytes(std::span(units)));
+}
+
+void fixed_field::setU32(std::uint32_t value)
+{
+    static_assert(std::endian::native == std::endian::little);
+    set(std::as_bytes(std::span(&value, 1)));
+}
+
+void fixed_field::set(std::span<const std::byte> source)
+{
+    if (m_value.empty())
+        return;
+    const std::size_t room = m_mode == field_mode::zero_padded ? m_value.size() - 1 : m_value.size();
+    const auto kept = source.first(std::min(source.size(), room));
+    std::fill(std::copy(kept.begin(), kept.end(), m_value.begin()), m_value.end(), std::byte{0});
+}
+
+std::string fixed_field::text() const
+{
+    return m_wide ? utf8FromUtf16(wideUntilZero(m_value)) : std::string(untilZero(m_value));
+}
+
+std::uint32_t fixed_field::u32() const
+{
+    std::uint32_t value = 0;
+    std::memcpy(&value, m_value.data(), std::min(m_value.size(), sizeof value));
+    return value;
+}
+
+} // namespace korvane
