@@ -17,8 +17,8 @@ std::u16string wideUntilZero(std::span<const std::byte> bytes)
     std::u16string text;
     for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
     {
-        const auto unit = static_cast<char16_t>(std::to_integer<unsigned>(bytes[i]) |
-                                                (std::to_integer<unsigned>(bytes[i + 1]) << 8));
+        const auto unit =
+            static_cast<char16_t>(std::to_integer<unsigned>(bytes[i]) | (std::to_integer<unsigned>(bytes[i + 1]) << 8));
         if (unit == 0)
             break;
         text += unit;

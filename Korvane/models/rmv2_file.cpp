@@ -1,0 +1,158 @@
+#include "Korvane/models/rmv2_file.h"
+
+#include "EASY_GUI/services/text.h"
+#include "Korvane/models/rmv2_reader.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+std::string last_model_error;
+
+struct influence_layout
+{
+    std::size_t count = 0; // recorded influences
+    std::size_t bones = 8; // offsets in the raw vertex
+    std::size_t weights = 0;
+};
+
+influence_layout influenceLayout(std::uint16_t format)
+{
+    if (format == 3)
+        return {2, 8, 10};
+    if (format == 4)
+        return {3, 8, 12}; // the fourth influence is decoded into the vertex but not recorded
+    return {};
+}
+
+} // namespace
+
+const std::string& lastModelError()
+{
+    return last_model_error;
+}
+
+bool rmv2_file::open(const std::string& path, failure& why)
+{
+    m_is_loaded = false;
+    m_error_code = 0;
+    m_path = path;
+    const std::string_view file = fileName(path);
+    m_name = file.substr(0, file.find('.'));
+
+    memory_file image;
+    if (!image.read(path, why))
+    {
+        m_error_code = 4;
+        return false;
+    }
+    m_image = std::move(image);
+    return validateAndDecode(why);
+}
+
+bool rmv2_file::openFromMemory(memory_file image, const std::string& name, failure& why)
+{
+    m_is_loaded = false;
+    m_error_code = 0;
+    m_path = name;
+    m_name.clear();
+    m_image = std::move(image);
+    return validateAndDecode(why);
+}
+
+bool rmv2_file::validateAndDecode(failure& why)
+{
+    m_data = {};
+    m_model_scale = 1.0f;
+    if (m_image.empty())
+        return fail(why, failure_kind::truncated, "the file is empty", m_path);
+
+    failure found;
+    rmv2_reader reader(m_image.bytes(), m_data);
+    bool is_good = reader.readHeader(m_wide_text, found);
+    if (is_good)
+    {
+        m_status = "SUCCESS: File: is valid rigid_model_v2 file!";
+        is_good = reader.readLayout(found);
+    }
+    else
+    {
+        m_status = "ERROR: " + found.what;
+        last_model_error = "ERROR: File is NOT a valid .rigid_model_v2 file!";
+    }
+    m_log += m_status + " \n";
+    if (!is_good)
+    {
+        found.path = m_path;
+        m_data = {};
+        if (!why)
+            why = std::move(found);
+        return false;
+    }
+    reader.decode();
+    m_is_loaded = true;
+    return true;
+}
+
+influence_table rmv2_file::influences(const group_data& group) const
+{
+    influence_table table;
+    const influence_layout layout = influenceLayout(group.header.vertex_format);
+    if (layout.count == 0)
+        return table;
+    const std::size_t vertex_count = group.store.vertices.size();
+    const auto stride = static_cast<std::size_t>(std::max(group.store.vertex_size, 0));
+    const auto raw = m_image.bytes().subspan(static_cast<std::size_t>(group.vertex_data_offset), stride * vertex_count);
+
+    table.by_vertex.resize(vertex_count);
+    for (std::size_t vertex = 0; vertex < vertex_count; ++vertex)
+    {
+        const std::byte* const bytes = raw.data() + vertex * stride;
+        for (std::size_t i = 0; i < layout.count; ++i)
+        {
+            const auto bone = std::to_integer<std::uint32_t>(bytes[layout.bones + i]);
+            auto weight = std::to_integer<unsigned>(bytes[layout.weights + i]);
+            if (layout.count == 2 && i == 1) // two weights: the second is what the first leaves
+                weight = 255 - std::to_integer<unsigned>(bytes[layout.weights]);
+            if (weight == 0)
+                continue;
+            const auto number = static_cast<std::uint32_t>(vertex);
+            table.by_vertex[vertex].push_back({bone, number});
+            const auto [entry, is_new] = table.position_of_bone.try_emplace(bone, table.bones.size());
+            if (is_new)
+                table.bones.push_back({bone, {}, {}});
+            table.bones[entry->second].weights.push_back(static_cast<float>(weight) / 255.0f);
+            table.bones[entry->second].vertices.push_back(number);
+        }
+    }
+    return table;
+}
+
+void rmv2_file::centre(std::size_t lod)
+{
+    if (lod >= m_data.lods.size() || m_data.lods[lod].groups.empty())
+        return;
+    std::vector<group_data>& groups = m_data.lods[lod].groups;
+    glm::vec3 low = groups.front().header.bbox_min;
+    glm::vec3 high = groups.front().header.bbox_max;
+    for (const group_data& group : groups)
+        for (int axis = 0; axis < 3; ++axis)
+        {
+            low[axis] = std::min(low[axis], group.header.bbox_min[axis]);
+            high[axis] = std::max(high[axis], group.header.bbox_max[axis]);
+        }
+    const glm::vec3 extent = high - low;
+    const glm::vec3 offset = -(extent / 2.0f) - low;
+    for (group_data& group : groups)
+        for (vertex_record& vertex : group.store.vertices.records())
+            vertex.position += offset;
+    const float largest = std::max({extent.x, extent.y, extent.z});
+    m_model_scale = largest > 0.0f ? 1.8f / largest : 1.0f;
+}
+
+} // namespace korvane
