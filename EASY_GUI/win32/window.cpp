@@ -1,0 +1,333 @@
+#include "EASY_GUI/win32/window.h"
+
+#include "EASY_GUI/win32/wide_text.h"
+
+#include <exception>
+#include <shellapi.h>
+#include <unordered_map>
+#include <windowsx.h>
+
+namespace korvane
+{
+
+namespace
+{
+
+// The windows of this thread. Messages of a handle that is not in here go to the system's default procedure.
+std::unordered_map<HWND, window*>& windowsByHandle()
+{
+    static thread_local std::unordered_map<HWND, window*> windows;
+    return windows;
+}
+
+void reportException(HWND handle, const char* what)
+{
+    const std::wstring text = toWide(std::string("The program could not finish this action: ") + what);
+    MessageBoxW(handle, text.c_str(), L"Error!", MB_OK | MB_ICONERROR);
+}
+
+mouse_event mouseEvent(WPARAM wparam, LPARAM lparam)
+{
+    mouse_event event;
+    event.at = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
+    event.keys = GET_KEYSTATE_WPARAM(wparam);
+    return event;
+}
+
+std::vector<std::string> droppedPaths(HDROP drop)
+{
+    std::vector<std::string> paths(DragQueryFileW(drop, 0xffffffff, nullptr, 0));
+    for (UINT i = 0; i < paths.size(); ++i)
+    {
+        std::wstring path(DragQueryFileW(drop, i, nullptr, 0) + std::size_t{1}, L'\0');
+        path.resize(DragQueryFileW(drop, i, path.data(), static_cast<UINT>(path.size())));
+        paths[i] = fromWide(path);
+    }
+    DragFinish(drop);
+    return paths;
+}
+
+size_change sizeChange(WPARAM wparam)
+{
+    return wparam == SIZE_MINIMIZED   ? size_change::minimised
+           : wparam == SIZE_MAXIMIZED ? size_change::maximised
+                                      : size_change::restored;
+}
+
+} // namespace
+
+window::~window()
+{
+    // First no message reaches the object any more, then the window goes: derived handlers no longer exist here.
+    const HWND handle = m_handle;
+    detach();
+    if (handle != nullptr)
+        DestroyWindow(handle);
+}
+
+void window::detach()
+{
+    if (m_handle != nullptr)
+        windowsByHandle().erase(m_handle);
+    m_handle = nullptr;
+}
+
+window* window::fromHandle(HWND handle)
+{
+    const auto& windows = windowsByHandle();
+    const auto found = windows.find(handle);
+    return found == windows.end() ? nullptr : found->second;
+}
+
+// One window class for each combination of what a class decides: background, double clicks and icon.
+ATOM window::classFor(const window_settings& settings)
+{
+    static thread_local std::unordered_map<unsigned, ATOM> classes;
+    const unsigned key = (settings.is_opaque ? 1u : 0u) | (settings.wants_repeat_clicks ? 2u : 0u) |
+                         (static_cast<unsigned>(settings.icon) << 2);
+    if (const auto found = classes.find(key); found != classes.end())
+        return found->second;
+
+    const HINSTANCE instance = GetModuleHandleW(nullptr);
+    const std::wstring name = L"korvane_window_" + std::to_wstring(key) + L"_" + std::to_wstring(GetCurrentThreadId());
+    const auto icon = [&](int metric)
+    {
+        const LPCWSTR resource = settings.icon != 0 ? MAKEINTRESOURCEW(settings.icon) : nullptr;
+        const int size = GetSystemMetrics(metric);
+        return resource != nullptr
+                   ? static_cast<HICON>(LoadImageW(instance, resource, IMAGE_ICON, size, size, LR_SHARED))
+                   : LoadIconW(nullptr, IDI_APPLICATION);
+    };
+    WNDCLASSEXW description{};
+    description.cbSize = sizeof(description);
+    description.style = settings.wants_repeat_clicks ? CS_DBLCLKS : 0u;
+    description.lpfnWndProc = &window::windowProcedure;
+    description.hInstance = instance;
+    description.hIcon = icon(SM_CXICON);
+    description.hIconSm = icon(SM_CXSMICON);
+    description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    description.hbrBackground = settings.is_opaque ? nullptr : GetSysColorBrush(COLOR_BTNFACE);
+    description.lpszClassName = name.c_str();
+    const ATOM atom = RegisterClassExW(&description);
+    if (atom != 0)
+        classes.emplace(key, atom);
+    return atom;
+}
+
+bool window::create(const window_settings& settings, failure& why)
+{
+    if (m_handle != nullptr)
+        return fail(why, failure_kind::refused, "the window is open already");
+    const ATOM window_class = classFor(settings);
+    const HWND handle =
+        window_class == 0
+            ? nullptr
+            : CreateWindowExW(settings.extended_style, MAKEINTATOM(window_class), toWide(settings.title).c_str(),
+                              settings.style, settings.x, settings.y, settings.width, settings.height, settings.parent,
+                              settings.menu, GetModuleHandleW(nullptr), this);
+    if (handle == nullptr)
+    {
+        const DWORD code = GetLastError();
+        detach();
+        return fail(why, failure_kind::refused, "the window could not be created (error " + std::to_string(code) + ")");
+    }
+    return true;
+}
+
+void window::destroy()
+{
+    if (m_handle != nullptr)
+        DestroyWindow(m_handle);
+}
+
+void window::show(int how)
+{
+    ShowWindow(m_handle, how);
+}
+
+void window::setTitle(std::string_view title)
+{
+    SetWindowTextW(m_handle, toWide(title).c_str());
+}
+
+std::string window::title() const
+{
+    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(m_handle)) + 1, L'\0');
+    const int length = GetWindowTextW(m_handle, text.data(), static_cast<int>(text.size()));
+    text.resize(static_cast<std::size_t>(length));
+    return fromWide(text);
+}
+
+RECT window::clientRectangle() const
+{
+    RECT rectangle{};
+    GetClientRect(m_handle, &rectangle);
+    return rectangle;
+}
+
+void window::invalidate()
+{
+    InvalidateRect(m_handle, nullptr, TRUE);
+}
+
+unsigned window::dpi() const
+{
+    const unsigned dpi = m_handle != nullptr ? GetDpiForWindow(m_handle) : GetDpiForSystem();
+    return dpi != 0 ? dpi : 96;
+}
+
+LRESULT CALLBACK window::windowProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam)
+{
+    if (message == WM_NCCREATE)
+    {
+        auto* const creating = static_cast<window*>(reinterpret_cast<const CREATESTRUCTW*>(lparam)->lpCreateParams);
+        creating->m_handle = handle;
+        windowsByHandle()[handle] = creating;
+    }
+    window* const target = fromHandle(handle);
+    if (target == nullptr)
+        return DefWindowProcW(handle, message, wparam, lparam);
+    try
+    {
+        const LRESULT result = target->handleMessage(message, wparam, lparam);
+        // The last message of a window. The object may have gone while it was handled: look it up again.
+        if (message == WM_NCDESTROY)
+            if (window* const still = fromHandle(handle); still != nullptr)
+                still->detach();
+        return result;
+    }
+    catch (const std::exception& error)
+    {
+        reportException(handle, error.what());
+    }
+    catch (...)
+    {
+        reportException(handle, "unknown error");
+    }
+    return message == WM_CREATE ? -1 : 0;
+}
+
+LRESULT window::defaultResult(UINT message, WPARAM wparam, LPARAM lparam) const
+{
+    return DefWindowProcW(m_handle, message, wparam, lparam);
+}
+
+bool window::handleMouse(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result)
+{
+    result = 0;
+    mouse_event event = mouseEvent(wparam, lparam);
+    switch (message)
+    {
+    case WM_MOUSEMOVE:
+        return onMouseMove(event);
+    case WM_MOUSEWHEEL:
+        ScreenToClient(m_handle, &event.at);
+        return onMouseWheel(GET_WHEEL_DELTA_WPARAM(wparam), event);
+    case WM_LBUTTONDOWN:
+    case WM_LBUTTONDBLCLK:
+    case WM_LBUTTONUP:
+        event.button = mouse_button::left;
+        break;
+    case WM_RBUTTONDOWN:
+    case WM_RBUTTONDBLCLK:
+    case WM_RBUTTONUP:
+        event.button = mouse_button::right;
+        break;
+    case WM_MBUTTONDOWN:
+    case WM_MBUTTONDBLCLK:
+    case WM_MBUTTONUP:
+        event.button = mouse_button::middle;
+        break;
+    default:
+        return false;
+    }
+    event.is_down = message != WM_LBUTTONUP && message != WM_RBUTTONUP && message != WM_MBUTTONUP;
+    event.is_double = message == WM_LBUTTONDBLCLK || message == WM_RBUTTONDBLCLK || message == WM_MBUTTONDBLCLK;
+    return onMouseButton(event);
+}
+
+LRESULT window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
+{
+    LRESULT result = 0;
+    if (message >= WM_MOUSEFIRST && message <= WM_MOUSELAST)
+        return handleMouse(message, wparam, lparam, result) ? result : defaultResult(message, wparam, lparam);
+
+    switch (message)
+    {
+    case WM_CREATE:
+        return onCreated() ? 0 : -1;
+    case WM_CLOSE:
+        onClose();
+        return 0;
+    case WM_DESTROY:
+        onDestroyed();
+        return 0;
+    case WM_SIZE:
+        onSize(LOWORD(lparam), HIWORD(lparam), sizeChange(wparam));
+        return 0;
+    case WM_COMMAND:
+        if (onCommand(LOWORD(wparam), HIWORD(wparam), reinterpret_cast<HWND>(lparam)))
+            return 0;
+        break;
+    case WM_KEYDOWN:
+        if (onKeyDown(static_cast<unsigned>(wparam), (lparam & (1L << 30)) != 0))
+            return 0;
+        break;
+    case WM_KEYUP:
+        if (onKeyUp(static_cast<unsigned>(wparam)))
+            return 0;
+        break;
+    case WM_CAPTURECHANGED:
+        if (reinterpret_cast<HWND>(lparam) != m_handle)
+            onCaptureLost();
+        return 0;
+    case WM_PAINT:
+        if (onPaint())
+            return 0;
+        break;
+    case WM_ERASEBKGND:
+        if (onEraseBackground(reinterpret_cast<HDC>(wparam)))
+            return 1;
+        break;
+    case WM_ACTIVATE:
+        onActivate(LOWORD(wparam) != WA_INACTIVE);
+        break;
+    case WM_TIMER:
+        if (onTimer(wparam))
+            return 0;
+        break;
+    case WM_CTLCOLORSTATIC:
+    case WM_CTLCOLOREDIT:
+    case WM_CTLCOLORLISTBOX:
+        if (const HBRUSH brush = onControlColour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam)))
+            return reinterpret_cast<LRESULT>(brush);
+        break;
+    case WM_GETMINMAXINFO:
+    {
+        auto& limits = *reinterpret_cast<MINMAXINFO*>(lparam);
+        SIZE smallest{limits.ptMinTrackSize.x, limits.ptMinTrackSize.y};
+        onMinimumSize(smallest);
+        limits.ptMinTrackSize = {smallest.cx, smallest.cy};
+        return 0;
+    }
+    case WM_DROPFILES:
+        onFilesDropped(droppedPaths(reinterpret_cast<HDROP>(wparam)));
+        return 0;
+    case WM_INITMENUPOPUP:
+        onMenuOpening(reinterpret_cast<HMENU>(wparam));
+        break;
+    case WM_DPICHANGED:
+    {
+        const RECT& suggested = *reinterpret_cast<const RECT*>(lparam);
+        SetWindowPos(m_handle, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
+                     suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+        onDpiChanged(HIWORD(wparam));
+        return 0;
+    }
+    default:
+        break;
+    }
+    return defaultResult(message, wparam, lparam);
+}
+
+} // namespace korvane

@@ -1,0 +1,124 @@
+#pragma once
+
+// The base of every window of the program: one window procedure receives the messages, finds the object that owns the
+// handle and calls the member handler. A class derives from window, overrides the handlers that it needs and calls
+// create(). Windows and their handlers belong to the thread that created them. Sizes are pixels; scaled() turns the
+// sizes of a layout made for 96 dots per inch into the pixels of the window's monitor. Texts are UTF-8.
+//
+// Ownership: the object owns the handle. Destroying the object destroys the window; the window may also go first (the
+// user closes it), after which handle() is null and create() may be called again. A derived class whose handlers use
+// its own members calls destroy() in its destructor: the base destructor no longer reaches derived handlers.
+
+#include "EASY_GUI/services/failure.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+#include <windows.h>
+
+namespace korvane
+{
+
+struct window_settings
+{
+    std::string title;
+    DWORD style = WS_OVERLAPPEDWINDOW;
+    DWORD extended_style = 0;
+    int x = CW_USEDEFAULT; // outer rectangle, screen pixels
+    int y = CW_USEDEFAULT;
+    int width = CW_USEDEFAULT;
+    int height = CW_USEDEFAULT;
+    HWND parent = nullptr;            // owner of a top-level window, parent of a WS_CHILD one
+    HMENU menu = nullptr;             // menu bar; owned by the window from then on
+    WORD icon = 0;                    // resource number of the icon; 0: the system's default icon
+    bool is_opaque = false;           // true: the background is never erased (the window draws every pixel itself)
+    bool wants_repeat_clicks = false; // true: double clicks arrive as onMouseButton with is_double set
+};
+
+enum class mouse_button
+{
+    left,
+    right,
+    middle
+};
+
+struct mouse_event
+{
+    POINT at{};                               // client pixels
+    WPARAM keys = 0;                          // MK_LBUTTON, MK_CONTROL, ...
+    mouse_button button = mouse_button::left; // of a press or release
+    bool is_down = false;
+    bool is_double = false;
+};
+
+enum class size_change
+{
+    restored,
+    minimised,
+    maximised
+};
+
+class window
+{
+public:
+    window() = default;
+    window(const window&) = delete;
+    window& operator=(const window&) = delete;
+    virtual ~window();
+
+    [[nodiscard]] bool create(const window_settings& settings, failure& why);
+    void destroy(); // sends WM_DESTROY at once; does nothing without a window
+
+    HWND handle() const { return m_handle; }
+    bool isOpen() const { return m_handle != nullptr; }
+
+    void show(int how = SW_SHOW);
+    void setTitle(std::string_view title);
+    [[nodiscard]] std::string title() const;
+    RECT clientRectangle() const;
+    void invalidate();
+
+    unsigned dpi() const; // of the monitor that shows the window; the system's while there is no window
+    int scaled(int pixels_at_96) const { return MulDiv(pixels_at_96, static_cast<int>(dpi()), 96); }
+
+    // The object that owns the handle; null for windows that are not of this class.
+    static window* fromHandle(HWND handle);
+
+protected:
+    // Handlers. The defaults do what Windows does by default. A handler that throws is reported in a message box and
+    // the message counts as handled: no exception passes through the system's code.
+    virtual bool onCreated() { return true; } // WM_CREATE, handle() is valid; false gives creation up
+    virtual void onClose() { destroy(); }     // WM_CLOSE
+    virtual void onDestroyed() {}             // WM_DESTROY; the handle is still valid, children too
+    virtual void onSize(int /*width*/, int /*height*/, size_change /*change*/) {}                // client pixels
+    virtual bool onCommand(int /*id*/, int /*notification*/, HWND /*control*/) { return false; } // true: handled
+    virtual bool onKeyDown(unsigned /*virtual_key*/, bool /*is_repeat*/) { return false; }       // true: handled
+    virtual bool onKeyUp(unsigned /*virtual_key*/) { return false; }
+    virtual bool onMouseWheel(int /*delta*/, const mouse_event& /*event*/) { return false; } // WHEEL_DELTA per notch
+    virtual bool onMouseButton(const mouse_event& /*event*/) { return false; }
+    virtual bool onMouseMove(const mouse_event& /*event*/) { return false; }
+    virtual void onCaptureLost() {}          // WM_CAPTURECHANGED to another window
+    virtual bool onPaint() { return false; } // true: handled and validated (BeginPaint or ValidateRect)
+    virtual bool onEraseBackground(HDC) { return false; }
+    virtual void onActivate(bool /*is_active*/) {}
+    virtual bool onTimer(UINT_PTR /*id*/) { return false; }
+    virtual HBRUSH onControlColour(HDC, HWND /*control*/) { return nullptr; } // null: the system's colours
+    virtual void onMinimumSize(SIZE& /*outer*/) {}                            // lower limit of the outer size
+    virtual void onFilesDropped(const std::vector<std::string>& /*paths*/) {}
+    virtual void onMenuOpening(HMENU) {} // WM_INITMENUPOPUP
+    // The window moved to a monitor of another density. The window was moved to the suggested rectangle already.
+    virtual void onDpiChanged(unsigned /*dpi*/) {}
+    // Everything else, and the whole table of handlers: override to see messages that have no handler, and call this.
+    virtual LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam);
+
+private:
+    static LRESULT CALLBACK windowProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam);
+    static ATOM classFor(const window_settings& settings);
+    bool handleMouse(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result);
+    LRESULT defaultResult(UINT message, WPARAM wparam, LPARAM lparam) const;
+    void detach();
+
+    HWND m_handle = nullptr;
+};
+
+} // namespace korvane
