@@ -1,0 +1,57 @@
+#pragma once
+
+// What every command of the console program shares: the global options, where results go, and the exit status. A
+// command lives in a file of its own with one function add…Command(app, context), which registers a subcommand; its
+// callback does the work and, when something fails, says so with context.fail().
+
+#include "EASY_GUI/services/failure.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvane
+{
+
+using json = nlohmann::ordered_json; // keys stay in the order in which they were written
+
+class cli_context
+{
+public:
+    // Options that more than one command takes.
+    std::vector<std::string> data_folders; // --data, in order
+    std::string config_path;               // --config; empty: "config.cfg" beside the program
+    bool is_json = false;                  // --json
+    bool is_quiet = false;                 // --quiet
+
+    // Adds --json to a command that has it.
+    void addJsonOption(CLI::App& command);
+
+    // Writes to standard output: bytes as they are.
+    void print(std::string_view text);
+    // One JSON document and a line feed.
+    void printJson(const json& document);
+    // A line for the person at the terminal, on standard error; silent with --quiet.
+    void note(const std::string& text);
+    // Progress of long work, in place on one line; only when standard error is a terminal and --quiet is not given.
+    void progress(const std::string& text);
+
+    // Prints "korvane: " and the failure on standard error and makes the exit status 1.
+    void fail(const failure& why);
+
+    int exitStatus() const { return m_exit_status; }
+
+private:
+    void endProgress();
+
+    int m_exit_status = 0;
+    bool m_has_progress = false;
+};
+
+// A float as JSON: the shortest number that reads back to the same binary32 value, or the text "nan", "inf" or "-inf".
+[[nodiscard]] json jsonNumber(float value);
+
+} // namespace korvane

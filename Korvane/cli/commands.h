@@ -1,0 +1,17 @@
+#pragma once
+
+// Every command of the console program; each is defined in a file of its own.
+
+#include "Korvane/cli/cli_context.h"
+
+namespace korvane
+{
+
+void addInfoCommand(CLI::App& app, cli_context& context);
+void addConfigCommand(CLI::App& app, cli_context& context);
+void addDemoDataCommand(CLI::App& app, cli_context& context);
+#ifdef _WIN32
+void addRenderCommand(CLI::App& app, cli_context& context);
+#endif
+
+} // namespace korvane

@@ -1,0 +1,20 @@
+#include "Korvane/cli/console.h"
+
+#include <unistd.h>
+
+namespace korvane::console
+{
+
+void prepare() {}
+
+std::vector<std::string> arguments(int count, char** values)
+{
+    return count > 0 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
+}
+
+bool isTerminal(std::FILE* stream)
+{
+    return isatty(fileno(stream)) != 0;
+}
+
+} // namespace korvane::console

@@ -1,0 +1,41 @@
+#include "Korvane/cli/console.h"
+
+#include "EASY_GUI/services/text.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+
+#include <shellapi.h>
+
+namespace korvane::console
+{
+
+void prepare()
+{
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
+    SetConsoleOutputCP(CP_UTF8);
+}
+
+std::vector<std::string> arguments(int, char**)
+{
+    // The narrow arguments have lost what the code page cannot express.
+    int count = 0;
+    LPWSTR* const values = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::vector<std::string> result;
+    for (int i = 1; values && i < count; ++i)
+    {
+        const std::wstring value = values[i];
+        result.push_back(utf8FromUtf16(std::u16string(value.begin(), value.end())));
+    }
+    LocalFree(values);
+    return result;
+}
+
+bool isTerminal(std::FILE* stream)
+{
+    return _isatty(_fileno(stream)) != 0;
+}
+
+} // namespace korvane::console

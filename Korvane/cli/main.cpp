@@ -1,0 +1,80 @@
+// The console program: parses the command line, runs one command, returns its exit status (0 done, 1 failed, 2 wrong
+// command line).
+
+#include "EASY_GUI/services/version.h"
+#include "Korvane/cli/commands.h"
+#include "Korvane/cli/console.h"
+
+#include <algorithm>
+#include <exception>
+#include <new>
+
+namespace
+{
+
+using namespace korvane;
+
+std::string oneLine(std::string text)
+{
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
+        text.pop_back();
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
+void addSharedOptions(CLI::App& app, cli_context& context)
+{
+    app.add_option("--config", context.config_path, "The configuration file (default: config.cfg beside the program)")
+        ->type_name("FILE");
+    app.add_flag("--quiet", context.is_quiet, "No progress and no notes on standard error");
+}
+
+int run(const std::vector<std::string>& arguments)
+{
+    cli_context context;
+    CLI::App app("Reads, converts and checks the models, archives and animations of Total War games.", "korvane");
+    app.allow_windows_style_options(false); // a path may begin with '/'
+    app.set_version_flag("--version", std::string(program_name) + " " + std::string(program_version));
+    app.require_subcommand(1);
+    app.fallthrough(); // shared options may stand behind the command, too
+    addSharedOptions(app, context);
+    addInfoCommand(app, context);
+
+    try
+    {
+        std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
+        app.parse(std::move(reversed));
+    }
+    catch (const CLI::Success& success) // --help, --version
+    {
+        app.exit(success);
+        return 0;
+    }
+    catch (const CLI::ParseError& error)
+    {
+        std::fputs(("korvane: " + oneLine(error.what()) + " (see korvane --help)\n").c_str(), stderr);
+        return 2;
+    }
+    return context.exitStatus();
+}
+
+} // namespace
+
+int main(int count, char** values)
+{
+    console::prepare();
+    try
+    {
+        const int status = run(console::arguments(count, values));
+        return std::fflush(stdout) == 0 ? status : 1;
+    }
+    catch (const std::bad_alloc&)
+    {
+        std::fputs("korvane: not enough memory\n", stderr);
+    }
+    catch (const std::exception& error)
+    {
+        std::fputs(("korvane: " + oneLine(error.what()) + "\n").c_str(), stderr);
+    }
+    return 1;
+}
