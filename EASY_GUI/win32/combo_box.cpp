@@ -1,0 +1,57 @@
+#include "EASY_GUI/win32/combo_box.h"
+
+#include "EASY_GUI/win32/wide_text.h"
+
+namespace korvane
+{
+
+bool combo_box::create(HWND parent, int id)
+{
+    return createControl(L"COMBOBOX", parent, id, {}, CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP);
+}
+
+void combo_box::clear()
+{
+    send(CB_RESETCONTENT);
+}
+
+void combo_box::add(std::string_view text, std::uint32_t value)
+{
+    const std::wstring wide = toWide(text);
+    const LRESULT position = send(CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide.c_str()));
+    if (position >= 0)
+        send(CB_SETITEMDATA, static_cast<WPARAM>(position), static_cast<LPARAM>(value));
+}
+
+int combo_box::count() const
+{
+    return static_cast<int>(send(CB_GETCOUNT));
+}
+
+void combo_box::select(int position)
+{
+    send(CB_SETCURSEL, static_cast<WPARAM>(position));
+}
+
+int combo_box::selected() const
+{
+    return static_cast<int>(send(CB_GETCURSEL));
+}
+
+std::uint32_t combo_box::valueOf(int position) const
+{
+    return static_cast<std::uint32_t>(send(CB_GETITEMDATA, static_cast<WPARAM>(position)));
+}
+
+std::string combo_box::textOf(int position) const
+{
+    const LRESULT length = send(CB_GETLBTEXTLEN, static_cast<WPARAM>(position));
+    if (length < 0)
+        return {};
+    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
+    send(CB_GETLBTEXT, static_cast<WPARAM>(position), reinterpret_cast<LPARAM>(text.data()));
+    text.resize(static_cast<std::size_t>(length));
+    return fromWide(text);
+}
+
+} // namespace korvane

@@ -1,0 +1,27 @@
+#pragma once
+
+// A drop-down list of fixed entries, each with a number of its own. A choice by the person arrives at the parent's
+// onCommand with CBN_SELCHANGE; select() by the program sends nothing.
+
+#include "EASY_GUI/win32/control.h"
+
+#include <cstdint>
+
+namespace korvane
+{
+
+class combo_box : public control
+{
+public:
+    [[nodiscard]] bool create(HWND parent, int id);
+
+    void clear();
+    void add(std::string_view text, std::uint32_t value = 0);
+    int count() const;
+    void select(int position); // -1: none
+    int selected() const;      // -1: none
+    std::uint32_t valueOf(int position) const;
+    [[nodiscard]] std::string textOf(int position) const;
+};
+
+} // namespace korvane

@@ -1,0 +1,72 @@
+#include "EASY_GUI/win32/control.h"
+
+#include "EASY_GUI/win32/wide_text.h"
+
+#include <commctrl.h>
+
+namespace korvane
+{
+
+namespace
+{
+constexpr UINT_PTR subclass_id = 1;
+}
+
+control::~control()
+{
+    if (m_handle == nullptr)
+        return;
+    const HWND handle = m_handle;
+    RemoveWindowSubclass(handle, &control::watchDestruction, subclass_id);
+    DestroyWindow(handle);
+}
+
+LRESULT CALLBACK control::watchDestruction(HWND handle, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR,
+                                           DWORD_PTR self)
+{
+    if (message == WM_NCDESTROY)
+    {
+        RemoveWindowSubclass(handle, &control::watchDestruction, subclass_id);
+        reinterpret_cast<control*>(self)->m_handle = nullptr;
+    }
+    return DefSubclassProc(handle, message, wparam, lparam);
+}
+
+bool control::createControl(const wchar_t* class_name, HWND parent, int id, std::string_view text, DWORD style,
+                            DWORD extended_style)
+{
+    m_handle =
+        CreateWindowExW(extended_style, class_name, toWide(text).c_str(), style | WS_CHILD | WS_VISIBLE, 0, 0, 0, 0,
+                        parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
+    return m_handle != nullptr &&
+           SetWindowSubclass(m_handle, &control::watchDestruction, subclass_id, reinterpret_cast<DWORD_PTR>(this)) != 0;
+}
+
+void control::setText(std::string_view text)
+{
+    SetWindowTextW(m_handle, toWide(text).c_str());
+}
+
+std::string control::text() const
+{
+    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(m_handle)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(GetWindowTextW(m_handle, text.data(), static_cast<int>(text.size()))));
+    return fromWide(text);
+}
+
+void control::setFont(const font& used)
+{
+    send(WM_SETFONT, reinterpret_cast<WPARAM>(used.handle()), TRUE);
+}
+
+void control::place(int x, int y, int width, int height)
+{
+    SetWindowPos(m_handle, nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void control::setEnabled(bool is_enabled)
+{
+    EnableWindow(m_handle, is_enabled);
+}
+
+} // namespace korvane

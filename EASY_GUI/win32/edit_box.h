@@ -1,0 +1,27 @@
+#pragma once
+
+// A one-line text field. A read-only one can still be scrolled, selected and copied from.
+
+#include "EASY_GUI/win32/control.h"
+
+namespace korvane
+{
+
+class edit_box : public control
+{
+public:
+    enum class access
+    {
+        read_only,
+        editable
+    };
+
+    [[nodiscard]] bool create(HWND parent, int id, access wanted)
+    {
+        const DWORD style = ES_LEFT | ES_AUTOHSCROLL | WS_TABSTOP;
+        return createControl(L"EDIT", parent, id, {}, wanted == access::read_only ? style | ES_READONLY : style,
+                             WS_EX_CLIENTEDGE);
+    }
+};
+
+} // namespace korvane

@@ -1,0 +1,67 @@
+#include "EASY_GUI/win32/menu.h"
+
+#include "EASY_GUI/win32/wide_text.h"
+
+#include <vector>
+
+namespace korvane
+{
+
+void menu::addItem(int command, std::string_view text)
+{
+    AppendMenuW(m_handle, MF_STRING, static_cast<UINT_PTR>(command), toWide(text).c_str());
+}
+
+void menu::addSeparator()
+{
+    AppendMenuW(m_handle, MF_SEPARATOR, 0, nullptr);
+}
+
+void menu::addSubmenu(const menu& submenu, std::string_view text)
+{
+    AppendMenuW(m_handle, MF_POPUP, reinterpret_cast<UINT_PTR>(submenu.handle()), toWide(text).c_str());
+}
+
+void menu::clear()
+{
+    while (DeleteMenu(m_handle, 0, MF_BYPOSITION))
+    {
+    }
+}
+
+std::string menu::textOf(int position) const
+{
+    const auto place = static_cast<UINT>(position);
+    const int length = GetMenuStringW(m_handle, place, nullptr, 0, MF_BYPOSITION);
+    if (length <= 0)
+        return {};
+    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
+    GetMenuStringW(m_handle, place, text.data(), static_cast<int>(text.size()), MF_BYPOSITION);
+    text.resize(static_cast<std::size_t>(length));
+    return fromWide(text);
+}
+
+bool named_items::setEnabled(HMENU bar, const std::string& name, bool is_enabled) const
+{
+    const auto found = m_commands.find(name);
+    if (found == m_commands.end())
+        return false;
+    return EnableMenuItem(bar, static_cast<UINT>(found->second),
+                          static_cast<UINT>(MF_BYCOMMAND | (is_enabled ? MF_ENABLED : MF_GRAYED))) != -1;
+}
+
+unique_accelerators makeAccelerators(std::span<const shortcut> shortcuts)
+{
+    std::vector<ACCEL> table;
+    for (const shortcut& entry : shortcuts)
+    {
+        ACCEL accelerator{};
+        accelerator.fVirt = static_cast<BYTE>(entry.modifiers | FVIRTKEY);
+        accelerator.key = entry.key;
+        accelerator.cmd = entry.command;
+        table.push_back(accelerator);
+    }
+    return unique_accelerators(CreateAcceleratorTableW(table.data(), static_cast<int>(table.size())));
+}
+
+} // namespace korvane

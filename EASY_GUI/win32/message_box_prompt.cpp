@@ -1,0 +1,94 @@
+#include "EASY_GUI/win32/message_box_prompt.h"
+
+#include "EASY_GUI/win32/com_ptr.h"
+#include "EASY_GUI/win32/wide_text.h"
+
+#include <shobjidl.h>
+
+namespace korvane
+{
+
+namespace
+{
+
+UINT iconFlag(prompt_icon icon)
+{
+    switch (icon)
+    {
+    case prompt_icon::warning:
+        return MB_ICONWARNING;
+    case prompt_icon::error:
+        return MB_ICONERROR;
+    case prompt_icon::information:
+        break;
+    }
+    return MB_ICONINFORMATION;
+}
+
+std::optional<std::string> resultOf(IFileDialog& dialog)
+{
+    com_ptr<IShellItem> item;
+    PWSTR text = nullptr;
+    if (FAILED(dialog.GetResult(item.put())) || FAILED(item->GetDisplayName(SIGDN_FILESYSPATH, &text)))
+        return std::nullopt;
+    const std::string path = fromWide(text);
+    CoTaskMemFree(text);
+    return path;
+}
+
+std::optional<std::string> pick(IFileDialog& dialog, HWND owner, const std::string& title,
+                                const std::vector<file_filter>& filters)
+{
+    std::vector<std::wstring> texts; // label, pattern, label, pattern...
+    for (const file_filter& filter : filters)
+    {
+        texts.push_back(toWide(filter.label));
+        texts.push_back(toWide(filter.pattern));
+    }
+    std::vector<COMDLG_FILTERSPEC> specifications;
+    for (std::size_t i = 0; i < texts.size(); i += 2)
+        specifications.push_back({texts[i].c_str(), texts[i + 1].c_str()});
+    dialog.SetTitle(toWide(title).c_str());
+    if (!specifications.empty())
+        dialog.SetFileTypes(static_cast<UINT>(specifications.size()), specifications.data());
+    FILEOPENDIALOGOPTIONS options = 0;
+    if (SUCCEEDED(dialog.GetOptions(&options)))
+        dialog.SetOptions(options | FOS_FORCEFILESYSTEM);
+    return SUCCEEDED(dialog.Show(owner)) ? resultOf(dialog) : std::nullopt;
+}
+
+} // namespace
+
+void message_box_prompt::show(const std::string& title, const std::string& text, prompt_icon icon)
+{
+    MessageBoxW(m_owner, toWide(text).c_str(), toWide(title).c_str(), MB_OK | iconFlag(icon));
+}
+
+bool message_box_prompt::confirm(const std::string& title, const std::string& text)
+{
+    return MessageBoxW(m_owner, toWide(text).c_str(), toWide(title).c_str(), MB_YESNO | MB_ICONQUESTION) == IDYES;
+}
+
+std::optional<std::string> message_box_prompt::pickOpenPath(const std::string& title,
+                                                            const std::vector<file_filter>& filters)
+{
+    com_ptr<IFileOpenDialog> dialog;
+    if (FAILED(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IFileOpenDialog),
+                                dialog.putVoid())))
+        return std::nullopt;
+    return pick(*dialog.get(), m_owner, title, filters);
+}
+
+std::optional<std::string> message_box_prompt::pickSavePath(const std::string& title,
+                                                            const std::vector<file_filter>& filters,
+                                                            const std::string& default_extension)
+{
+    com_ptr<IFileSaveDialog> dialog;
+    if (FAILED(CoCreateInstance(CLSID_FileSaveDialog, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IFileSaveDialog),
+                                dialog.putVoid())))
+        return std::nullopt;
+    dialog->SetDefaultExtension(toWide(default_extension).c_str());
+    return pick(*dialog.get(), m_owner, title, filters);
+}
+
+} // namespace korvane
