@@ -1,0 +1,210 @@
+#!/usr/bin/env python3
+"""Drives the console program as a user does: arguments, exit status, both outputs, what is left on disk.
+
+Usage: cli_tests.py PROGRAM [--emulator COMMAND] [unittest options]"""
+
+import argparse
+import glob
+import json
+import math
+import os
+import platform
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import model_oracle
+
+program = []
+is_windows = False
+is_sanitized = False
+
+
+def korvane(*arguments, check=None):
+    """Runs the program; returns exit status, standard output and standard error."""
+    done = subprocess.run(program + list(arguments), stdin=subprocess.DEVNULL, capture_output=True, timeout=300)
+    if check is not None and done.returncode != check:
+        raise AssertionError("exit status %d instead of %d: %s" % (done.returncode, check, done.stderr.decode()))
+    return done.returncode, done.stdout, done.stderr
+
+
+def same(actual, expected):
+    """Equal, where floats are compared as binary32 values and NaN and infinities are texts."""
+    if isinstance(expected, float):
+        if math.isnan(expected):
+            return actual == "nan"
+        if math.isinf(expected):
+            return actual == ("inf" if expected > 0 else "-inf")
+        return isinstance(actual, (int, float)) and model_oracle.f32(actual) == model_oracle.f32(expected)
+    if isinstance(expected, list):
+        return len(actual) == len(expected) and all(map(same, actual, expected))
+    return actual == expected
+
+
+class cli_case(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="korvane cli \u00fc ")  # a blank and a letter beyond ASCII
+        self.addCleanup(shutil.rmtree, self.folder)
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def write(self, name, data):
+        with open(self.path(name), "wb") as out:
+            out.write(data)
+        return self.path(name)
+
+    def expect_failure(self, arguments, status, *texts):
+        code, out, err = korvane(*arguments)
+        message = err.decode("utf-8")
+        self.assertEqual(code, status, message)
+        self.assertEqual(out, b"")
+        self.assertTrue(message.startswith("korvane: "), message)
+        self.assertEqual(message.count("\n"), 1, message)
+        for text in texts:
+            self.assertIn(text, message)
+
+
+class command_line(cli_case):
+    def test_wrong_command_lines_end_with_2_and_one_line(self):
+        for arguments in ([], ["no-such-command"], ["info"], ["info", "a", "b"], ["info", "a", "--no-such-option"],
+                          ["--config"]):
+            with self.subTest(arguments=arguments):
+                self.expect_failure(arguments, 2)
+
+    def test_help_and_version(self):
+        for arguments in (["--help"], ["info", "--help"]):
+            out = korvane(*arguments, check=0)[1]
+            self.assertIn(b"info", out)
+            self.assertNotIn(b"\r", out)
+        self.assertEqual(korvane("--version", check=0)[1], b"Korvane 0.5.1a\n")
+
+    def test_a_missing_file_is_named(self):
+        missing = self.path("\u674e\u660e.rigid_model_v2")
+        self.expect_failure(["info", missing], 1, missing if not is_windows else "\u674e\u660e.rigid_model_v2")
+        self.expect_failure(["info", self.folder], 1, "folder")
+
+
+class info(cli_case):
+    @classmethod
+    def setUpClass(cls):
+        cls.demo = tempfile.mkdtemp(prefix="korvane-demo-")
+        cls.addClassCleanup(shutil.rmtree, cls.demo)
+        korvane("demo-data", cls.demo, "--quiet", check=0)
+        cls.models = sorted(glob.glob(os.path.join(cls.demo, "**", "*.rigid_model_v2"), recursive=True))
+
+    def compare(self, actual, expected, where):
+        for key, value in expected.items():
+            if key == "lods" or key == "groups":
+                self.assertEqual(len(actual[key]), len(value), where)
+                for i, (a, e) in enumerate(zip(actual[key], value)):
+                    self.compare(a, e, "%s, %s %d" % (where, key, i))
+            elif key == "vertices":
+                self.assertEqual(len(actual[key]), len(value), where)
+                for i, (a, e) in enumerate(zip(actual[key], value)):
+                    for field in e:
+                        if not same(a[field], e[field]):
+                            self.fail("%s, vertex %d, %s: %s != %s" % (where, i, field, a[field], e[field]))
+            elif key in ("attachments", "textures"):
+                self.assertEqual(len(actual[key]), len(value), where)
+                for a, e in zip(actual[key], value):
+                    self.assertTrue(all(same(a[field], e[field]) for field in e), "%s: %s != %s" % (where, a, e))
+            else:
+                self.assertTrue(same(actual[key], value), "%s, %s: %s != %s" % (where, key, actual[key], value))
+
+    def test_every_demo_model_reads_as_the_oracle_reads_it(self):
+        versions, formats = set(), set()
+        for path in self.models:
+            with open(path, "rb") as file:
+                data = file.read()
+            out = korvane("info", path, "--json", "--vertices", check=0)[1]
+            self.assertEqual(out.count(b"\n"), 1)
+            actual, expected = json.loads(out), model_oracle.model(data)
+            self.compare(actual, expected, os.path.basename(path))
+            versions.add(actual["version"])
+            formats |= {g["vertex_format"] for lod in actual["lods"] for g in lod["groups"]}
+        self.assertEqual(versions, {5, 6, 7, 8})
+        self.assertEqual(formats & set(range(8)), set(range(8)))
+
+    def test_the_text_names_what_a_modder_looks_for(self):
+        path = next(p for p in self.models if os.path.basename(p) == "demo_guard.rigid_model_v2")
+        out = korvane("info", path, check=0)[1].decode()
+        for text in ("WH/WH2", "humanoid01", "LOD 0", "Diffuse", "Normal Map", "Cinematic"):
+            self.assertIn(text, out)
+        self.assertNotIn("\r", out)
+
+    def test_every_vertex_bit_pattern_and_odd_names(self):
+        """Random bytes as vertices of every format: NaN, infinities, denormals and every byte value occur."""
+        state = 12345
+        for format_id, stride in ((0, 32), (1, 16), (2, 24), (3, 28), (4, 32), (5, 20), (6, 27), (7, 40), (9, 8)):
+            vertices = bytearray()
+            step = stride + (4 if format_id == 1 else 0)
+            for _ in range(step * 300):
+                state = (state * 1103515245 + 12345) & 0x7FFFFFFF
+                vertices.append((state >> 16) & 255)
+            data = small_model(format_id, stride, 300, bytes(vertices), b"Sch\xfctze \"1\"")
+            out = korvane("info", self.write("odd.rigid_model_v2", data), "--json", "--vertices", check=0)[1]
+            actual = json.loads(out)
+            self.compare(actual, model_oracle.model(data), "format %d" % format_id)
+            self.assertEqual(actual["lods"][0]["groups"][0]["group_name"], "Sch\u00fctze \"1\"")
+
+
+class damage(cli_case):
+    def test_cut_and_lying_files_end_with_1_and_one_line(self):
+        data = small_model(4, 32, 300, bytes(32 * 300), b"group")
+        for size in (0, 3, 11, 100, 167, 500, len(data) - 1):
+            self.expect_failure(["info", self.write("cut", data[:size])], 1, "cut")
+        group = 168
+        for at in (8, 140, 152, group + 4, group + 8, group + 12, group + 16, group + 20, group + 792, group + 796):
+            lie = data[:at] + b"\xff\xff\xff\xff" + data[at + 4:]
+            self.expect_failure(["info", self.write("lie", lie), "--json"], 1, "lie", "byte")
+
+    def test_lying_counts_take_little_memory(self):
+        if is_windows or is_sanitized:
+            self.skipTest("other allocators: measured in the plain native run")
+        data = small_model(4, 32, 300, bytes(32 * 300), b"group")
+        for at in (8, 140, 168 + 12, 168 + 20, 168 + 792, 168 + 796):
+            path = self.write("lie", data[:at] + b"\xff\xff\xff\xff" + data[at + 4:] + bytes(8 << 20))
+            pid = os.fork()
+            if pid == 0:
+                os.dup2(os.open(os.devnull, os.O_WRONLY), 2)
+                os.execv(program[0], program + ["info", path])
+            usage = os.wait4(pid, 0)[2]
+            self.assertLess(usage.ru_maxrss, (64 + 8) * 1024, "KiB, patched at %d" % at)
+
+
+def small_model(format_id, stride, count, vertices, group_name):
+    """A version 7 model of one group."""
+    header = b"RMV2" + struct.pack("<II", 7, 1) + b"humanoid01".ljust(128, b"\0")
+    lod = struct.pack("<4IfII", 1, 0, 0, 168, 100.0, 0, 0)
+    tail = bytes(20) + struct.pack("<H", format_id) + group_name.ljust(32, b"\0") + b"tex".ljust(256, b"\0")
+    tail += bytes(2 + 252 + 4) + struct.pack("<3f", 0.5, 1.25, -2.0) + bytes(144) + bytes(8)
+    tail += struct.pack("<II", 0, 1) + bytes(32 + 108)
+    assert len(tail) == 880
+    texture = struct.pack("<I", 0) + b"tex/diffuse.dds".ljust(256, b"\0")
+    words = struct.pack("<II", 0, 1)
+    start = 24 + 24 + 12 + len(tail) + len(texture) + len(words)
+    indices = struct.pack("<6H", 0, 1, 2, 2, 1, 0)
+    size = start + len(vertices) + len(indices)
+    group = struct.pack("<6I", 68, size, start, count, start + stride * count, 6) + struct.pack("<6f", *([0.0] * 6))
+    return header + lod + group + b"rigid_shade\0" + tail + texture + words + vertices + indices
+
+
+def main():
+    global program, is_windows, is_sanitized
+    parser = argparse.ArgumentParser()
+    parser.add_argument("program")
+    parser.add_argument("--emulator")
+    parser.add_argument("--sanitized", action="store_true")
+    options, rest = parser.parse_known_args()
+    is_windows = options.emulator is not None or platform.system() == "Windows"
+    is_sanitized = options.sanitized
+    program = ([options.emulator] if options.emulator else []) + [options.program]
+    unittest.main(argv=[sys.argv[0]] + rest, verbosity=1)
+
+
+if __name__ == "__main__":
+    main()
