@@ -21,7 +21,7 @@ endif()
 if(WIN32)
   target_compile_definitions(korvane_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
   target_compile_options(korvane_options INTERFACE -fstack-protector-strong)
-  target_link_options(korvane_options INTERFACE -static -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+  target_link_options(korvane_options INTERFACE -static -fstack-protector-strong -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
 endif()
 
 # korvane_library(NAME SOURCE...): one floor's library.
