@@ -41,15 +41,6 @@ std::string menu::textOf(int position) const
     return fromWide(text);
 }
 
-bool named_items::setEnabled(HMENU bar, const std::string& name, bool is_enabled) const
-{
-    const auto found = m_commands.find(name);
-    if (found == m_commands.end())
-        return false;
-    return EnableMenuItem(bar, static_cast<UINT>(found->second),
-                          static_cast<UINT>(MF_BYCOMMAND | (is_enabled ? MF_ENABLED : MF_GRAYED))) != -1;
-}
-
 unique_accelerators makeAccelerators(std::span<const shortcut> shortcuts)
 {
     std::vector<ACCEL> table;

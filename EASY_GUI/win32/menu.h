@@ -1,12 +1,10 @@
 #pragma once
 
 // A menu bar with its submenus and shortcuts. Items are commands: numbers that arrive at the window's onCommand with
-// notification 0 (1 when a shortcut sent them). An item may have a name by which it is found again, to be enabled and
-// disabled. Shortcut labels are part of an item's text, after tab characters.
+// notification 0 (1 when a shortcut sent them). Shortcut labels are part of an item's text, after tab characters.
 
 #include "EASY_GUI/win32/handle_policies.h"
 
-#include <map>
 #include <span>
 #include <string>
 #include <string_view>
@@ -32,18 +30,6 @@ public:
 
 private:
     HMENU m_handle; // a view: the window owns its menu bar, and a menu its submenus
-};
-
-// Names of commands whose items are enabled and disabled, for one menu bar.
-class named_items
-{
-public:
-    void add(std::string name, int command) { m_commands[std::move(name)] = command; }
-    // False when no item has the name. Menu bars of a shown window need a DrawMenuBar only for top-level entries.
-    bool setEnabled(HMENU bar, const std::string& name, bool is_enabled) const;
-
-private:
-    std::map<std::string, int> m_commands;
 };
 
 struct shortcut

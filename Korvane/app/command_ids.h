@@ -1,0 +1,52 @@
+#pragma once
+
+// The numbers of commands (menu items, shortcuts) and of controls. Tests find controls by them; resource numbers are in
+// resources.h.
+
+namespace korvane
+{
+
+enum command_id : int
+{
+    command_open = 100,
+    command_exit,
+    command_about,
+    command_show_view,
+    command_recent_first = 200, // ten of them
+};
+
+enum control_id : int
+{
+    control_frame = 1000, // of each panel
+    control_status,
+    control_show_view,
+
+    control_file_path = 1100,
+    control_file_version,
+    control_file_game,
+    control_file_skeleton,
+    control_open_folder,
+
+    control_lod = 1200,
+    control_group,
+
+    control_material_name = 1300,
+    control_material_id,
+    control_group_name,
+    control_shader_name,
+    control_vertex_label,
+    control_vertex_format,
+
+    control_tool_caption = 1400,
+    control_tool_group_name,
+    control_tool_vertex_format,
+    control_tool_vertex_label,
+    control_tool_material_flags,
+    control_tool_alpha_mode,
+
+    control_texture_type = 1500, // + row
+    control_texture_directory = 1510,
+    control_texture_file = 1520,
+};
+
+} // namespace korvane

@@ -1,0 +1,42 @@
+#include "Korvane/app/d3d_model_view.h"
+
+#include "Korvane/viewer/d3d_window.h"
+
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+class d3d_model_view : public model_view
+{
+public:
+    explicit d3d_model_view(std::unique_ptr<d3d_window> window) : m_po_d3d_window(std::move(window)) {}
+
+    void setModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& path, std::size_t lod) override
+    {
+        m_po_d3d_window->setModel(std::move(model), path, lod);
+    }
+    void show() override { m_po_d3d_window->show(); }
+    bool isVisible() const override { return m_po_d3d_window->isVisible(); }
+    HWND handle() const override { return m_po_d3d_window->handle(); }
+
+private:
+    std::unique_ptr<d3d_window> m_po_d3d_window;
+};
+
+} // namespace
+
+std::unique_ptr<model_view> makeD3dModelView(std::function<void(const std::string&)> log, failure& why)
+{
+    viewer_ports ports;
+    ports.log = std::move(log);
+    // No owner: the view is a window of its own, which may lie behind the main window.
+    std::unique_ptr<d3d_window> window =
+        d3d_window::create(GetModuleHandleW(nullptr), nullptr, std::move(ports), nullptr, {}, why);
+    return window == nullptr ? nullptr : std::make_unique<d3d_model_view>(std::move(window));
+}
+
+} // namespace korvane

@@ -1,0 +1,12 @@
+#pragma once
+
+// The Direct3D window as the main window's view.
+
+#include "Korvane/app/model_view.h"
+
+namespace korvane
+{
+
+[[nodiscard]] std::unique_ptr<model_view> makeD3dModelView(std::function<void(const std::string&)> log, failure& why);
+
+} // namespace korvane

@@ -1,0 +1,389 @@
+#include "Korvane/app/main_window.h"
+
+#include "EASY_GUI/services/text.h"
+#include "EASY_GUI/services/version.h"
+#include "Korvane/app/command_ids.h"
+#include "Korvane/app/resources.h"
+#include "Korvane/document/recent_files.h"
+
+#include <algorithm>
+#include <shellapi.h>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+constexpr int margin = 8;          // at 96 dots per inch
+constexpr int default_width = 620; // outer
+constexpr int default_height = 880;
+
+RECT workArea()
+{
+    RECT area{};
+    if (!SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0))
+        area = {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+    return area;
+}
+
+} // namespace
+
+main_window::main_window(main_window_ports ports, std::string command_line, std::string file)
+    : m_ports(std::move(ports))
+    , m_command_line(std::move(command_line))
+    , m_file(std::move(file))
+    , m_file_info(
+          [this]
+          {
+              if (m_document.hasModel())
+                  m_ports.open_folder(m_document.file()->path());
+          })
+    , m_select(
+          [this](model_selection wanted)
+          {
+              select(wanted);
+          })
+    , m_recent(nullptr)
+{
+}
+
+bool main_window::open(failure& why)
+{
+    const RECT area = workArea();
+    window_settings settings;
+    settings.title = m_document.title();
+    settings.style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN;
+    settings.extended_style = WS_EX_ACCEPTFILES | WS_EX_CONTROLPARENT;
+    settings.x = area.left + scaled(margin);
+    settings.y = area.top + scaled(margin);
+    settings.width = std::min(scaled(default_width), static_cast<int>(area.right) - settings.x);
+    settings.height = std::min(scaled(default_height), static_cast<int>(area.bottom) - settings.y - scaled(margin));
+    settings.icon = resource_program_icon;
+    return create(settings, why);
+}
+
+// The order of these steps is what the log of a start shows.
+bool main_window::onCreated()
+{
+    if (m_ports.set_prompt_owner)
+        m_ports.set_prompt_owner(handle());
+    m_ports.log.open("log.txt");
+    showFirstRunNotice();
+
+    log("assigning accelerators ");
+    failure why;
+    if (!createPanels(why))
+        return false;
+    buildMenus();
+    fillRecentFiles();
+    applyFont();
+    showDocument();
+    show();
+    UpdateWindow(handle());
+
+    log("main_window::onCreated(). command line " + m_command_line);
+    if (!m_file.empty())
+    {
+        log("main_window::onCreated(). command line processed: " + m_file);
+        openFile(m_file);
+    }
+    return true;
+}
+
+void main_window::onDestroyed()
+{
+    m_po_view.reset(); // its render thread ends here
+    if (m_ports.set_prompt_owner)
+        m_ports.set_prompt_owner(nullptr);
+    PostQuitMessage(0);
+}
+
+void main_window::showFirstRunNotice()
+{
+    if (!m_ports.config.get("FIRST_TIME").empty())
+        return;
+    m_ports.prompt.show("Important!",
+                        "Rmember to the setup the \\data\\ folders or your game in the Menu 'Tools'->'Setup Game "
+                        "Folders'.\n\rIf folders are not set animation/skeleton export and animation playback is "
+                        "disabled",
+                        prompt_icon::error);
+    m_ports.config.add("FIRST_TIME", {"no"}, false);
+    saveConfig();
+}
+
+bool main_window::createPanels(failure& why)
+{
+    return m_file_info.createIn(handle(), "File Info: ", why) && m_select.createIn(handle(), "Select LOD/Group", why) &&
+           m_group_info.createIn(handle(), "Group Info:", why) && m_group_tool.createIn(handle(), "Group Tool:", why) &&
+           m_textures.createIn(handle(), "Textures:", why) && m_status.create(handle(), control_status) &&
+           m_show_view.create(handle(), control_show_view, "Show &3D View");
+}
+
+void main_window::buildMenus()
+{
+    menu file = menu::makePopup();
+    m_recent = menu::makePopup();
+    file.addItem(command_open, "&Open \t\t Ctrl+O");
+    file.addSubmenu(m_recent, "Recent Files...");
+    file.addSeparator();
+    file.addItem(command_exit, "E&xit \t\t Alt+F4");
+    menu help = menu::makePopup();
+    help.addItem(command_about, "&Info And Credits");
+    menu bar = menu::makeBar();
+    bar.addSubmenu(file, "&File");
+    bar.addSubmenu(help, "&Help");
+    SetMenu(handle(), bar.handle());
+
+    // Alt+F4 is the system's own and closes whichever window is in front.
+    std::vector<shortcut> shortcuts = {{FCONTROL, 'O', command_open}};
+    for (WORD i = 0; i < max_recent_files; ++i)
+        shortcuts.push_back(
+            {FCONTROL, static_cast<WORD>('0' + (i + 1) % 10), static_cast<WORD>(command_recent_first + i)});
+    m_accelerators = makeAccelerators(shortcuts);
+}
+
+void main_window::fillRecentFiles()
+{
+    m_recent_files = recentFiles(m_ports.config);
+    m_recent.clear();
+    for (std::size_t i = 0; i < m_recent_files.size(); ++i)
+        m_recent.addItem(command_recent_first + static_cast<int>(i), recentFileLabel(i, m_recent_files[i]));
+    if (m_recent_files.empty())
+    {
+        m_recent.addItem(command_recent_first, "(none yet)");
+        EnableMenuItem(m_recent.handle(), 0, MF_BYPOSITION | MF_GRAYED);
+    }
+}
+
+std::vector<panel*> main_window::panels()
+{
+    return {&m_file_info, &m_select, &m_group_info, &m_group_tool, &m_textures};
+}
+
+void main_window::applyFont()
+{
+    font fresh(dpi(), font::weight::regular);
+    for (panel* const part : panels())
+        part->setFont(fresh);
+    m_status.setFont(fresh);
+    m_show_view.setFont(fresh);
+    m_font = std::move(fresh); // the old one goes only now that no control uses it
+    for (panel* const part : panels())
+        part->setFont(m_font);
+    layOut();
+}
+
+void main_window::layOut()
+{
+    if (!m_textures.isOpen())
+        return;
+    const RECT client = clientRectangle();
+    const int border = scaled(margin);
+    const int width = client.right - 2 * border;
+    int y = border;
+    for (panel* const part : panels())
+    {
+        const int height = part->preferredHeight();
+        part->place(border, y, width, height);
+        y += height + border;
+    }
+    const int bar = m_font.height() + scaled(11);
+    y = std::max(y, static_cast<int>(client.bottom) - border - bar);
+    const int button_width = m_font.widthOf("Show 3D View") + scaled(28);
+    m_status.place(border + scaled(2), y, width - button_width - border, bar);
+    m_show_view.place(client.right - border - button_width, y, button_width, bar);
+}
+
+void main_window::onSize(int, int, size_change change)
+{
+    if (change != size_change::minimised)
+        layOut();
+}
+
+void main_window::onMinimumSize(SIZE& outer)
+{
+    outer.cx = std::max(outer.cx, static_cast<LONG>(scaled(480)));
+    outer.cy = std::max(outer.cy, static_cast<LONG>(scaled(400)));
+}
+
+void main_window::onDpiChanged(unsigned)
+{
+    applyFont();
+}
+
+bool main_window::onCommand(int id, int notification, HWND)
+{
+    if (id >= command_recent_first && id < command_recent_first + static_cast<int>(max_recent_files))
+    {
+        openRecent(static_cast<std::size_t>(id - command_recent_first));
+        return true;
+    }
+    switch (id)
+    {
+    case command_open:
+        chooseFile();
+        return true;
+    case command_exit:
+        PostMessageW(handle(), WM_CLOSE, 0, 0);
+        return true;
+    case command_about:
+        showAbout();
+        return true;
+    case control_show_view:
+        if (notification == BN_CLICKED)
+            showView();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void main_window::onFilesDropped(const std::vector<std::string>& paths)
+{
+    if (!paths.empty())
+        openFile(paths.front());
+}
+
+void main_window::chooseFile()
+{
+    const std::optional<std::string> path =
+        m_ports.prompt.pickOpenPath("Open File", {{"RMV2+VMD Files (*.rigid_model_v2)", "*.rigid_model_v2"}});
+    if (path)
+        openFile(*path);
+}
+
+void main_window::openRecent(std::size_t position)
+{
+    if (position < m_recent_files.size())
+        openFile(std::string(m_recent_files[position]));
+}
+
+bool main_window::openFile(const std::string& path)
+{
+    failure why;
+    if (!m_document.open(path, why))
+    {
+        const open_error error = describeOpenFailure(path, why);
+        log("main_window::openFile(). " + describe(why));
+        m_ports.prompt.show(error.title, error.text, prompt_icon::error);
+        return false;
+    }
+    addRecentFile(m_ports.config, path);
+    saveConfig();
+    fillRecentFiles();
+    showDocument();
+    showView();
+    return true;
+}
+
+void main_window::select(model_selection wanted)
+{
+    const int former_lod = m_document.selection().lod;
+    m_document.select(wanted);
+    showSelection();
+    if (m_po_view != nullptr && m_document.selection().lod != former_lod)
+        m_po_view->setModel(m_document.data(), m_document.file()->path(),
+                            static_cast<std::size_t>(m_document.selection().lod));
+}
+
+void main_window::showDocument()
+{
+    setTitle(m_document.title());
+    m_file_info.show(m_document.hasModel() ? std::optional(fileInfo(*m_document.file())) : std::nullopt);
+    m_show_view.setEnabled(m_document.commands().show_view);
+    showSelection();
+    if (m_po_view != nullptr)
+        m_po_view->setModel(m_document.data(), m_document.file()->path(),
+                            static_cast<std::size_t>(std::max(0, m_document.selection().lod)));
+}
+
+void main_window::showSelection()
+{
+    const model_selection selection = m_document.selection();
+    const group_data* const group = m_document.selectedGroup();
+    if (m_document.hasModel())
+    {
+        const RMV2_FILE_DATA& model = m_document.file()->data();
+        m_select.show(lodEntries(model), groupEntries(model, selection.lod), selection);
+        m_status.setText(modelSummary(model, selection.lod));
+    }
+    else
+    {
+        m_select.show({}, {}, selection);
+        m_status.setText("Open a .rigid_model_v2 file with Ctrl+O, or drop it here.");
+    }
+    m_group_info.show(group != nullptr ? std::optional(groupInfo(*group)) : std::nullopt);
+    m_group_tool.show(group != nullptr ? std::optional(groupTool(*group, selection)) : std::nullopt);
+    m_textures.show(group != nullptr ? textureRows(*group) : texture_rows{});
+}
+
+void main_window::showView()
+{
+    if (!m_document.hasModel())
+        return;
+    if (m_po_view == nullptr)
+    {
+        failure why;
+        m_po_view = m_ports.make_view(
+            [this](const std::string& line)
+            {
+                log(line);
+            },
+            why);
+        if (m_po_view == nullptr)
+        {
+            log("main_window::showView(). " + describe(why));
+            m_ports.prompt.show("Error!", "The 3D view could not be opened.\r\n\r\n" + describe(why),
+                                prompt_icon::error);
+            return;
+        }
+        placeView();
+        m_po_view->setModel(m_document.data(), m_document.file()->path(),
+                            static_cast<std::size_t>(std::max(0, m_document.selection().lod)));
+    }
+    m_po_view->show();
+}
+
+// Beside the main window when the screen has room for it, as large as it wants to be.
+void main_window::placeView()
+{
+    const HWND view = m_po_view->handle();
+    RECT own{};
+    RECT wanted{};
+    if (view == nullptr || !GetWindowRect(handle(), &own) || !GetWindowRect(view, &wanted))
+        return;
+    const RECT area = workArea();
+    const int x = own.right + scaled(margin);
+    const int room = area.right - scaled(margin) - x;
+    if (room < scaled(320))
+        return;
+    const int width = std::min(room, static_cast<int>(wanted.right - wanted.left));
+    const int height = std::min(static_cast<int>(area.bottom) - static_cast<int>(own.top) - scaled(margin),
+                                static_cast<int>(wanted.bottom - wanted.top));
+    SetWindowPos(view, nullptr, x, own.top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void main_window::showAbout()
+{
+    m_ports.prompt.show("Info And Credits",
+                        std::string(program_name) + ' ' + std::string(program_version) +
+                            "\r\n\r\nOpens, describes and draws the rigid_model_v2 models of the Total War games."
+                            "\r\n\r\nMade by the Korvane contributors; free software under the MIT licence."
+                            "\r\nUses GLM and LodePNG.",
+                        prompt_icon::information);
+}
+
+void main_window::saveConfig()
+{
+    if (!m_ports.config.save(m_ports.config_path))
+        log("main_window::saveConfig(). config.cfg could not be written");
+}
+
+void main_window::log(const std::string& line)
+{
+    m_ports.log.write(line + "\r\n");
+}
+
+} // namespace korvane

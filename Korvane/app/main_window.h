@@ -1,0 +1,101 @@
+#pragma once
+
+// The program's top-level window: menus, the information panels, and what happens when a command is given. What is
+// loaded and what is shown of it is the document's business (Korvane/document).
+
+#include "EASY_GUI/services/config_file.h"
+#include "EASY_GUI/services/log_file.h"
+#include "EASY_GUI/services/user_prompt.h"
+#include "EASY_GUI/win32/menu.h"
+#include "Korvane/app/file_info_control.h"
+#include "Korvane/app/group_info_control.h"
+#include "Korvane/app/group_tool_window.h"
+#include "Korvane/app/model_view.h"
+#include "Korvane/app/select_window.h"
+#include "Korvane/app/texture_field_group.h"
+#include "Korvane/document/open_model.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace korvane
+{
+
+// The world around the main window. All of it outlives the window.
+struct main_window_ports
+{
+    config_file& config;     // loaded already
+    std::string config_path; // where to save it; empty: beside the program
+    log_file& log;
+    user_prompt& prompt;
+    std::function<void(HWND)> set_prompt_owner; // the window over which the prompt shows its boxes; may be empty
+    model_view_factory make_view;
+    std::function<void(const std::string& path)> open_folder; // shows a file in the system's file manager
+};
+
+class main_window : public window
+{
+public:
+    main_window(main_window_ports ports, std::string command_line, std::string file);
+    ~main_window() override { destroy(); }
+
+    // Creates and shows the window, runs the start-up sequence and opens the file of the command line, if there is one.
+    [[nodiscard]] bool open(failure& why);
+    HACCEL accelerators() const { return m_accelerators.get(); }
+    const open_model& document() const { return m_document; }
+    const model_view* view() const { return m_po_view.get(); } // null until a model was opened
+
+    // As if the person had chosen it. False, after a message box, when it cannot be opened: what was open stays.
+    bool openFile(const std::string& path);
+
+protected:
+    bool onCreated() override;
+    void onDestroyed() override;
+    void onSize(int width, int height, size_change change) override;
+    bool onCommand(int id, int notification, HWND control) override;
+    void onMinimumSize(SIZE& outer) override;
+    void onDpiChanged(unsigned dpi) override;
+    void onFilesDropped(const std::vector<std::string>& paths) override;
+
+private:
+    bool createPanels(failure& why);
+    void buildMenus();
+    void fillRecentFiles();
+    void showFirstRunNotice();
+    void applyFont();
+    void layOut();
+    void showDocument();
+    void showSelection();
+    void select(model_selection wanted);
+    void chooseFile();
+    void openRecent(std::size_t position);
+    void showView();
+    void placeView();
+    void showAbout();
+    void saveConfig();
+    void log(const std::string& line);
+    std::vector<panel*> panels();
+
+    main_window_ports m_ports;
+    std::string m_command_line;
+    std::string m_file;
+    open_model m_document;
+    std::unique_ptr<model_view> m_po_view;
+
+    font m_font;
+    file_info_control m_file_info;
+    select_window m_select;
+    group_info_control m_group_info;
+    group_tool_window m_group_tool;
+    texture_field_group m_textures;
+    label m_status;
+    button m_show_view;
+
+    menu m_recent;
+    std::vector<std::string> m_recent_files;
+    unique_accelerators m_accelerators;
+};
+
+} // namespace korvane

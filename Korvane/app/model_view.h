@@ -1,0 +1,34 @@
+#pragma once
+
+// What the main window asks of the three-dimensional view. The program gives it the Direct3D window; tests of the main
+// window record.
+
+#include "EASY_GUI/services/failure.h"
+#include "Korvane/models/rmv2_data.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <windows.h>
+
+namespace korvane
+{
+
+class model_view
+{
+public:
+    virtual ~model_view() = default;
+
+    virtual void setModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& path, std::size_t lod) = 0;
+    virtual void show() = 0; // and bring to the front
+    virtual bool isVisible() const = 0;
+    virtual HWND handle() const = 0;
+};
+
+// Makes a view that shows nothing yet and is hidden; null and a reason when there is no usable graphics device. The log
+// function takes one line.
+using model_view_factory =
+    std::function<std::unique_ptr<model_view>(std::function<void(const std::string&)> log, failure& why)>;
+
+} // namespace korvane

@@ -1,0 +1,57 @@
+#pragma once
+
+// The document of the program: the model that is open, what is selected in it, and what the window shows of both. No
+// window is known here; texts are UTF-8. One thread.
+
+#include "EASY_GUI/services/failure.h"
+#include "Korvane/document/panel_contents.h"
+#include "Korvane/models/rmv2_file.h"
+
+#include <memory>
+#include <string>
+
+namespace korvane
+{
+
+// Which commands make sense at present.
+struct command_states
+{
+    bool open_folder = false; // of the model's file
+    bool show_view = false;   // the three-dimensional view
+};
+
+class open_model
+{
+public:
+    // Reads the model at a path. On failure what was open stays open, with its selection. The former selection is kept
+    // as far as the new model has it, else the first LOD and group are chosen.
+    [[nodiscard]] bool open(const std::string& path, failure& why);
+
+    bool hasModel() const { return m_po_file != nullptr; }
+    const rmv2_file* file() const { return m_po_file.get(); } // null: none
+    // The decoded model for others to keep; null: none. It lives as long as anybody holds it.
+    std::shared_ptr<const RMV2_FILE_DATA> data() const;
+
+    const model_selection& selection() const { return m_selection; }
+    void select(model_selection wanted); // clamped to what the model has
+    // The selected group; null when there is none.
+    const group_data* selectedGroup() const;
+
+    // "Korvane 0.5.1a   RMV2: [body.rigid_model_v2] VMD: [no file loaded]"
+    [[nodiscard]] std::string title() const;
+    command_states commands() const { return {hasModel(), hasModel()}; }
+
+private:
+    std::shared_ptr<const rmv2_file> m_po_file;
+    model_selection m_selection;
+};
+
+// The texts of the message box for a file that could not be opened.
+struct open_error
+{
+    std::string title;
+    std::string text;
+};
+[[nodiscard]] open_error describeOpenFailure(const std::string& path, const failure& why);
+
+} // namespace korvane

@@ -1,0 +1,47 @@
+#include "Korvane/document/recent_files.h"
+
+#include "EASY_GUI/services/file_system.h"
+#include "EASY_GUI/services/text.h"
+
+#include <algorithm>
+
+namespace korvane
+{
+
+namespace
+{
+constexpr const char* key = "config_recent_files";
+}
+
+std::vector<std::string> recentFiles(const config_file& config)
+{
+    std::vector<std::string> files = config.get(key);
+    files.resize(std::min(files.size(), max_recent_files));
+    for (std::string& file : files)
+        file = existingPathAnyCase(file);
+    return files;
+}
+
+void addRecentFile(config_file& config, const std::string& path)
+{
+    std::vector<std::string> files = config.get(key);
+    std::erase_if(files,
+                  [&](const std::string& file)
+                  {
+                      return equalsIgnoringCase(file, path);
+                  });
+    files.insert(files.begin(), path);
+    files.resize(std::min(files.size(), max_recent_files));
+    config.clear(key);
+    config.add(key, files, false);
+}
+
+std::string recentFileLabel(std::size_t position, const std::string& path)
+{
+    std::string label;
+    for (const char character : path)
+        label.append(character == '&' ? 2 : 1, character);
+    return label + "\tCtrl + " + std::to_string((position + 1) % 10);
+}
+
+} // namespace korvane
