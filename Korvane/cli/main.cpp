@@ -39,6 +39,7 @@ int run(const std::vector<std::string>& arguments)
     app.fallthrough(); // shared options may stand behind the command, too
     addSharedOptions(app, context);
     addInfoCommand(app, context);
+    addConfigCommand(app, context);
 
     try
     {

@@ -1,0 +1,139 @@
+#include "Korvane/cli/commands.h"
+
+#include "EASY_GUI/services/config_file.h"
+#include "EASY_GUI/services/file_system.h"
+#include "EASY_GUI/services/text.h"
+
+#include <memory>
+
+namespace korvane
+{
+
+namespace
+{
+
+struct config_options
+{
+    std::string key;
+    std::vector<std::string> values;
+    bool at_front = false;
+};
+
+std::string configPath(const cli_context& context)
+{
+    return context.config_path.empty() ? config_file::defaultPath() : context.config_path;
+}
+
+// A missing file is an empty configuration; a file that is there but cannot be read is a failure, so that it is not
+// replaced by an empty one.
+bool loadConfig(cli_context& context, config_file& config)
+{
+    const std::string path = configPath(context);
+    std::error_code error;
+    if (config.load(path) || !std::filesystem::exists(toPath(path), error))
+        return true;
+    context.fail({failure_kind::unreadable, "the configuration cannot be read", path, 0, {}});
+    return false;
+}
+
+void saveConfig(cli_context& context, const config_file& config)
+{
+    if (!config.save(configPath(context)))
+        context.fail({failure_kind::unwritable, "the configuration cannot be written", configPath(context), 0, {}});
+}
+
+void showConfig(cli_context& context)
+{
+    config_file config;
+    if (!loadConfig(context, config))
+        return;
+    if (context.is_json)
+    {
+        json document = json::object();
+        for (const auto& [key, values] : config.entries())
+        {
+            json list = json::array();
+            for (const std::string& value : values)
+                list.push_back(displayText(value));
+            document[key] = std::move(list);
+        }
+        return context.printJson(document);
+    }
+    for (const auto& [key, values] : config.entries())
+    {
+        context.print(key + "\n");
+        for (const std::string& value : values)
+            context.print("    " + displayText(value) + "\n");
+    }
+}
+
+bool isKey(const std::string& key)
+{
+    return !key.empty() && toLower(key).find_first_not_of("0123456789abcdefghijklmnopqrstuvwxyz_") == std::string::npos;
+}
+
+void addValues(cli_context& context, const config_options& options)
+{
+    for (const std::string& value : options.values)
+        if (value.find('"') != std::string::npos)
+            return context.fail(
+                {failure_kind::refused, "a value cannot hold a quotation mark: " + value, configPath(context), 0, {}});
+    config_file config;
+    if (!loadConfig(context, config))
+        return;
+    config.add(options.key, options.values, options.at_front);
+    saveConfig(context, config);
+}
+
+void clearKey(cli_context& context, const config_options& options)
+{
+    config_file config;
+    if (!loadConfig(context, config))
+        return;
+    config.clear(options.key);
+    saveConfig(context, config);
+}
+
+} // namespace
+
+void addConfigCommand(CLI::App& app, cli_context& context)
+{
+    const auto options = std::make_shared<config_options>();
+    const auto key_check = CLI::Validator(
+        [](const std::string& key)
+        {
+            return isKey(key) ? std::string() : "a key is made of letters, digits and '_', not \"" + key + "\"";
+        },
+        "KEY");
+
+    CLI::App* command = app.add_subcommand("config", "Show or change the configuration");
+    context.addJsonOption(*command);
+    command->require_subcommand(0, 1);
+
+    CLI::App* add = command->add_subcommand("add", "Add values to a key");
+    add->add_option("KEY", options->key)->required()->check(key_check);
+    add->add_option("VALUE", options->values)->required();
+    add->add_flag("--front", options->at_front, "Put the values before those that are there");
+    add->callback(
+        [options, &context]
+        {
+            addValues(context, *options);
+        });
+
+    CLI::App* clear = command->add_subcommand("clear", "Empty a key's list");
+    clear->add_option("KEY", options->key)->required()->check(key_check);
+    clear->callback(
+        [options, &context]
+        {
+            clearKey(context, *options);
+        });
+
+    command->callback(
+        [command, &context]
+        {
+            if (command->get_subcommands().empty())
+                showConfig(context);
+        });
+}
+
+} // namespace korvane
