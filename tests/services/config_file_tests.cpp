@@ -1,0 +1,92 @@
+#include "EASY_GUI/services/config_file.h"
+#include "tests/support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+namespace korvane
+{
+
+using values = std::vector<std::string>;
+
+TEST(config_file, readsWhatPeopleAndTheProgramWrite)
+{
+    const struct
+    {
+        const char* name;
+        const char* text;
+        config_file::table table;
+        const char* error;
+    } rows[] = {
+        {"keys and values become lower case",
+         "Data_Paths = \"C:\\Games\\Data\";\n",
+         {{"data_paths", {"c:\\games\\data"}}},
+         "DONE"},
+        {"letters beyond ASCII are kept", "a=\"\xc3\x84\";", {{"a", {"\xc3\x84"}}}, "DONE"},
+        {"unquoted and quoted", "a = x, y,\"z w\";", {{"a", {"x", "y", "z w"}}}, "DONE"},
+        {"quoted values hold separators", "a=\"x, y; z\";", {{"a", {"x, y; z"}}}, "DONE"},
+        {"a line end does not end an unquoted value", "a = x\nb = y;", {{"a", {"x\nb", "=", "y"}}}, "DONE"},
+        {"a key that stands twice", "a=1;b=2;a=3;", {{"a", {"1", "3"}}, {"b", {"2"}}}, "DONE"},
+        {"no value at all", "a = ;b=1;", {{"a", {}}, {"b", {"1"}}}, "DONE"},
+        {"an empty quoted value", "a=\"\";", {{"a", {""}}}, "DONE"},
+        {"no closing quote", "a=\"x y;", {{"a", {"x y;"}}}, "DONE"},
+        {"no closing semicolon", "a=x", {{"a", {"x"}}}, "DONE"},
+        {"a key at the end", "a=x;b", {{"a", {"x"}}}, "DONE"},
+        {"a key of another letter ends the reading", "a=x;-=y;b=z;", {{"a", {"x"}}}, "Id has length = 0"},
+        {"nothing", "", {}, "DONE"},
+    };
+    const test::temporary_folder folder;
+    for (const auto& row : rows)
+    {
+        test::writeBytes(folder.file("c.cfg"), row.text);
+        config_file config;
+        EXPECT_TRUE(config.load(folder.file("c.cfg")));
+        EXPECT_EQ(config.entries(), row.table) << row.name;
+        EXPECT_EQ(config.errorText(), row.error) << row.name;
+    }
+}
+
+TEST(config_file, writesTheKeysInByteOrderWithALoneCarriageReturnBeforeEachQuote)
+{
+    const test::temporary_folder folder;
+    config_file config;
+    config.add("config_recent_files", {"first", "second"}, false);
+    config.add("CONFIG", {"x"}, false);
+    config.add("empty", {"gone"}, false);
+    config.clear("EMPTY");
+    ASSERT_TRUE(config.save(folder.file("c.cfg")));
+    EXPECT_EQ(test::readBytes(folder.file("c.cfg")), "config = \r\"x\";\r\n\r\n"
+                                                     "config_recent_files = \r\"first\", \r\"second\";\r\n\r\n"
+                                                     "empty = ;\r\n\r\n");
+    config_file again;
+    ASSERT_TRUE(again.load(folder.file("c.cfg")));
+    EXPECT_EQ(again.entries(), config.entries());
+}
+
+TEST(config_file, addLeavesOutWhatIsThereAndWhatCannotBeStored)
+{
+    config_file config;
+    EXPECT_FALSE(config.add("k", {}, false));
+    EXPECT_TRUE(config.add("K", {"One", "Two"}, false));
+    EXPECT_TRUE(config.add("k", {"ONE", "Three"}, false)); // compared in lower case
+    EXPECT_EQ(config.get("k"), (values{"one", "two", "three"}));
+    EXPECT_TRUE(config.add("k", {"a", "b"}, true)); // each in turn to the front
+    EXPECT_EQ(config.get("K"), (values{"b", "a", "one", "two", "three"}));
+    config.add("q", {"say \"x\""}, false);
+    EXPECT_TRUE(config.get("q").empty());
+    EXPECT_TRUE(config.contains("K", "THREE"));
+    config.clear("never set");
+    EXPECT_EQ(config.entries().count("never set"), 0u);
+}
+
+TEST(config_file, aMissingFileEmptiesTheTableAndAnUnwritableOneChangesNothing)
+{
+    const test::temporary_folder folder;
+    config_file config;
+    config.add("k", {"v"}, false);
+    EXPECT_FALSE(config.save(folder.file("no such folder/c.cfg")));
+    EXPECT_EQ(config.get("k"), (values{"v"}));
+    EXPECT_FALSE(config.load(folder.file("missing.cfg")));
+    EXPECT_TRUE(config.entries().empty());
+}
+
+} // namespace korvane
