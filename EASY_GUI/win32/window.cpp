@@ -296,6 +296,9 @@ LRESULT window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
         if (onTimer(wparam))
             return 0;
         break;
+    case WM_VSCROLL:
+        onVerticalScroll(LOWORD(wparam));
+        return 0;
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLOREDIT:
     case WM_CTLCOLORLISTBOX:

@@ -100,6 +100,7 @@ protected:
     virtual void onCaptureLost() {}          // WM_CAPTURECHANGED to another window
     virtual bool onPaint() { return false; } // true: handled and validated (BeginPaint or ValidateRect)
     virtual bool onEraseBackground(HDC) { return false; }
+    virtual void onVerticalScroll(int /*request*/) {} // SB_LINEUP, SB_THUMBTRACK, ...
     virtual void onActivate(bool /*is_active*/) {}
     virtual bool onTimer(UINT_PTR /*id*/) { return false; }
     virtual HBRUSH onControlColour(HDC, HWND /*control*/) { return nullptr; } // null: the system's colours

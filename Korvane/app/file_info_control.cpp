@@ -15,7 +15,7 @@ bool file_info_control::createFields()
     using access = edit_box::access;
     return m_path_name.create(handle(), 0, "File Path: ") &&
            m_path.create(handle(), control_file_path, access::read_only) &&
-           m_folder.create(handle(), control_open_folder, "Open &Folder") &&
+           m_folder.create(handle(), control_open_folder, "Open Fol&der") &&
            m_version_name.create(handle(), 0, "Format Version: ") &&
            m_version.create(handle(), control_file_version, access::read_only) &&
            m_game_name.create(handle(), 0, "Used in: ") &&

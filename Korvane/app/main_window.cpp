@@ -18,7 +18,7 @@ namespace
 
 constexpr int margin = 8;          // at 96 dots per inch
 constexpr int default_width = 620; // outer
-constexpr int default_height = 880;
+constexpr int scroll_step = 29;    // a row of fields
 
 RECT workArea()
 {
@@ -54,12 +54,12 @@ bool main_window::open(failure& why)
     const RECT area = workArea();
     window_settings settings;
     settings.title = m_document.title();
-    settings.style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN;
+    settings.style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN | WS_VSCROLL;
     settings.extended_style = WS_EX_ACCEPTFILES | WS_EX_CONTROLPARENT;
     settings.x = area.left + scaled(margin);
     settings.y = area.top + scaled(margin);
     settings.width = std::min(scaled(default_width), static_cast<int>(area.right) - settings.x);
-    settings.height = std::min(scaled(default_height), static_cast<int>(area.bottom) - settings.y - scaled(margin));
+    settings.height = area.bottom - settings.y - scaled(margin); // until the panels say what they need
     settings.icon = resource_program_icon;
     return create(settings, why);
 }
@@ -69,7 +69,8 @@ bool main_window::onCreated()
 {
     if (m_ports.set_prompt_owner)
         m_ports.set_prompt_owner(handle());
-    m_ports.log.open("log.txt");
+    if (!m_ports.log_name.empty())
+        m_ports.log.open(m_ports.log_name);
     showFirstRunNotice();
 
     log("assigning accelerators ");
@@ -79,6 +80,7 @@ bool main_window::onCreated()
     buildMenus();
     fillRecentFiles();
     applyFont();
+    fitHeight();
     showDocument();
     show();
     UpdateWindow(handle());
@@ -162,6 +164,11 @@ std::vector<panel*> main_window::panels()
     return {&m_file_info, &m_select, &m_group_info, &m_group_tool, &m_textures};
 }
 
+int main_window::barHeight() const
+{
+    return m_font.height() + scaled(11);
+}
+
 void main_window::applyFont()
 {
     font fresh(dpi(), font::weight::regular);
@@ -175,31 +182,95 @@ void main_window::applyFont()
     layOut();
 }
 
+int main_window::contentHeight()
+{
+    int height = scaled(margin);
+    for (const panel* const part : panels())
+        height += part->preferredHeight() + scaled(margin);
+    return height + barHeight() + scaled(margin);
+}
+
+// As high as the content, where the screen allows it.
+void main_window::fitHeight()
+{
+    RECT own{};
+    GetWindowRect(handle(), &own);
+    const int wanted = contentHeight() + (own.bottom - own.top) - clientRectangle().bottom;
+    if (wanted < own.bottom - own.top)
+        SetWindowPos(handle(), nullptr, 0, 0, own.right - own.left, wanted, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 void main_window::layOut()
 {
     if (!m_textures.isOpen())
         return;
+    const int content = contentHeight();
+    SCROLLINFO scroll{};
+    scroll.cbSize = sizeof(scroll);
+    scroll.fMask = SIF_RANGE | SIF_PAGE;
+    scroll.nMax = content - 1;
+    scroll.nPage = static_cast<UINT>(clientRectangle().bottom);
+    SetScrollInfo(handle(), SB_VERT, &scroll, TRUE); // hides the bar when everything fits
     const RECT client = clientRectangle();
     const int border = scaled(margin);
     const int width = client.right - 2 * border;
-    int y = border;
+    int y = border - GetScrollPos(handle(), SB_VERT);
     for (panel* const part : panels())
     {
         const int height = part->preferredHeight();
         part->place(border, y, width, height);
         y += height + border;
     }
-    const int bar = m_font.height() + scaled(11);
-    y = std::max(y, static_cast<int>(client.bottom) - border - bar);
+    y = std::max(y, static_cast<int>(client.bottom) - border - barHeight());
     const int button_width = m_font.widthOf("Show 3D View") + scaled(28);
-    m_status.place(border + scaled(2), y, width - button_width - border, bar);
-    m_show_view.place(client.right - border - button_width, y, button_width, bar);
+    m_status.place(border + scaled(2), y, width - button_width - border, barHeight());
+    m_show_view.place(client.right - border - button_width, y, button_width, barHeight());
 }
 
 void main_window::onSize(int, int, size_change change)
 {
     if (change != size_change::minimised)
         layOut();
+}
+
+void main_window::onVerticalScroll(int request)
+{
+    SCROLLINFO scroll{};
+    scroll.cbSize = sizeof(scroll);
+    scroll.fMask = SIF_ALL;
+    GetScrollInfo(handle(), SB_VERT, &scroll);
+    switch (request)
+    {
+    case SB_LINEUP:
+        return scrollTo(scroll.nPos - scaled(scroll_step));
+    case SB_LINEDOWN:
+        return scrollTo(scroll.nPos + scaled(scroll_step));
+    case SB_PAGEUP:
+        return scrollTo(scroll.nPos - static_cast<int>(scroll.nPage));
+    case SB_PAGEDOWN:
+        return scrollTo(scroll.nPos + static_cast<int>(scroll.nPage));
+    case SB_TOP:
+        return scrollTo(scroll.nMin);
+    case SB_BOTTOM:
+        return scrollTo(scroll.nMax);
+    case SB_THUMBTRACK:
+    case SB_THUMBPOSITION:
+        return scrollTo(scroll.nTrackPos);
+    default:
+        return;
+    }
+}
+
+bool main_window::onMouseWheel(int delta, const mouse_event&)
+{
+    scrollTo(GetScrollPos(handle(), SB_VERT) - MulDiv(delta, 3 * scaled(scroll_step), WHEEL_DELTA));
+    return true;
+}
+
+void main_window::scrollTo(int position)
+{
+    SetScrollPos(handle(), SB_VERT, position, TRUE); // limits the position to the range
+    layOut();
 }
 
 void main_window::onMinimumSize(SIZE& outer)

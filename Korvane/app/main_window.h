@@ -29,6 +29,7 @@ struct main_window_ports
     config_file& config;     // loaded already
     std::string config_path; // where to save it; empty: beside the program
     log_file& log;
+    std::string log_name; // opened beside the program at start; empty: the log is open already
     user_prompt& prompt;
     std::function<void(HWND)> set_prompt_owner; // the window over which the prompt shows its boxes; may be empty
     model_view_factory make_view;
@@ -54,6 +55,8 @@ protected:
     bool onCreated() override;
     void onDestroyed() override;
     void onSize(int width, int height, size_change change) override;
+    void onVerticalScroll(int request) override;
+    bool onMouseWheel(int delta, const mouse_event& event) override;
     bool onCommand(int id, int notification, HWND control) override;
     void onMinimumSize(SIZE& outer) override;
     void onDpiChanged(unsigned dpi) override;
@@ -65,7 +68,11 @@ private:
     void fillRecentFiles();
     void showFirstRunNotice();
     void applyFont();
+    int contentHeight();
+    int barHeight() const; // of the bottom row
+    void fitHeight();
     void layOut();
+    void scrollTo(int position);
     void showDocument();
     void showSelection();
     void select(model_selection wanted);

@@ -1,7 +1,6 @@
 // The Windows program: prepares the process, opens the main window and runs the message loop.
 
 #include "EASY_GUI/services/config_file.h"
-#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/log_file.h"
 #include "EASY_GUI/win32/handle_policies.h"
 #include "EASY_GUI/win32/message_box_prompt.h"
@@ -80,14 +79,14 @@ void openFolderOf(const std::string& path)
 int runProgram(const std::string& command_line)
 {
     config_file config;
-    config.load(executableFolder() + "config.cfg");
+    config.load(config_file::defaultPath());
     makeDpiAware();
     registerControls();
     const com_apartment apartment;
 
     log_file log;
     message_box_prompt prompt;
-    main_window window({config, "", log, prompt,
+    main_window window({config, "", log, "log.txt", prompt,
                         [&prompt](HWND owner)
                         {
                             prompt.setOwner(owner);

@@ -1,0 +1,37 @@
+#include "Korvane/document/recent_files.h"
+
+#include <gtest/gtest.h>
+
+namespace korvane::test
+{
+namespace
+{
+
+TEST(RecentFiles, TheNewestStandsFirstOnceAndTenAreKept)
+{
+    config_file config;
+    EXPECT_TRUE(recentFiles(config).empty());
+    for (int i = 1; i <= 12; ++i)
+        addRecentFile(config, "/none/" + std::to_string(i));
+    std::vector<std::string> files = recentFiles(config);
+    ASSERT_EQ(files.size(), 10u);
+    EXPECT_EQ(files.front(), "/none/12");
+    EXPECT_EQ(files.back(), "/none/3");
+
+    addRecentFile(config, "/NONE/5"); // opened again, written otherwise
+    files = recentFiles(config);
+    EXPECT_EQ(files.size(), 10u);
+    EXPECT_EQ(files.front(), "/none/5");
+    EXPECT_EQ(files[1], "/none/12");
+    EXPECT_EQ(std::count(files.begin(), files.end(), "/none/5"), 1);
+    EXPECT_EQ(config.get("config_recent_files"), files);
+}
+
+TEST(RecentFiles, LabelsCarryTheirShortcut)
+{
+    EXPECT_EQ(recentFileLabel(0, "C:\\a.rigid_model_v2"), "C:\\a.rigid_model_v2\tCtrl + 1");
+    EXPECT_EQ(recentFileLabel(9, "x & y"), "x && y\tCtrl + 0");
+}
+
+} // namespace
+} // namespace korvane::test
