@@ -40,6 +40,9 @@ int run(const std::vector<std::string>& arguments)
     addSharedOptions(app, context);
     addInfoCommand(app, context);
     addConfigCommand(app, context);
+#ifdef _WIN32
+    addRenderCommand(app, context);
+#endif
 
     try
     {

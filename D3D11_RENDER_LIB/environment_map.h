@@ -1,0 +1,33 @@
+#pragma once
+
+// The light around the model: a photo studio with soft boxes, described by a few smooth lobes. A smooth lobe stays one
+// when it is blurred, so that every level of roughness, and the irradiance, is computed exactly where other programs
+// filter pictures: the maps are made at start-up in a few milliseconds and nothing is stored. Uncompressed and small on
+// purpose: software adapters decode compressed cubes per sample, which costs more than everything else in a frame.
+
+#include <glm/vec3.hpp>
+
+#include <cstdint>
+#include <vector>
+
+namespace korvane
+{
+
+struct cube_level
+{
+    std::uint32_t size = 0;            // pixels in each direction
+    std::vector<std::uint16_t> texels; // faces +x -x +y -y +z -z, rows from the top, four binary16 each (RGBA)
+};
+
+inline constexpr std::uint32_t specular_cube_size = 64; // 7 levels; level / 6 = roughness
+inline constexpr std::uint32_t diffuse_cube_size = 16;  // 1 level: irradiance / pi
+
+[[nodiscard]] std::vector<cube_level> specularEnvironment();
+[[nodiscard]] cube_level diffuseEnvironment();
+
+// Radiance from a direction (unit length), seen by a surface of that roughness (0..1); linear.
+[[nodiscard]] glm::vec3 environmentRadiance(const glm::vec3& direction, float roughness);
+// The direction that the centre of a texel looks in, by Direct3D's layout of cube faces.
+[[nodiscard]] glm::vec3 cubeDirection(std::uint32_t face, std::uint32_t x, std::uint32_t y, std::uint32_t size);
+
+} // namespace korvane

@@ -1,0 +1,66 @@
+#pragma once
+
+// What a frame is drawn into before it reaches the screen or a picture: three colour targets (lit colour, normal,
+// plain colour) and depth, all of one size. The view that is shown passes through the final pass into the target that
+// the caller owns.
+
+#include "D3D11_RENDER_LIB/lib3d.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace korvane
+{
+
+enum class shown_target
+{
+    lit,
+    normals,
+    plain
+};
+
+class scene_targets
+{
+public:
+    static constexpr std::size_t target_count = 3;
+
+    // Replaces the targets by ones of that size; width and height are above zero.
+    void create(ID3D11Device& device, UINT width, UINT height);
+    void release();
+
+    UINT width() const { return m_width; }
+    UINT height() const { return m_height; }
+
+    // Binds the targets and the whole-size viewport and clears everything, the output too: the background is
+    // (c, c, 1.3 c, 1), depth 1, stencil 0.
+    void begin(lib3d& library, ID3D11RenderTargetView* output, float background) const;
+    // Shows one of the targets in the output.
+    void finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown) const;
+
+private:
+    UINT m_width = 0;
+    UINT m_height = 0;
+    std::array<com_ptr<ID3D11RenderTargetView>, target_count> m_targets;
+    std::array<com_ptr<ID3D11ShaderResourceView>, target_count> m_views;
+    com_ptr<ID3D11DepthStencilView> m_depth;
+};
+
+// A picture in memory that can be drawn into and read back.
+class picture_target
+{
+public:
+    void create(ID3D11Device& device, UINT width, UINT height);
+    ID3D11RenderTargetView* view() const { return m_view.get(); }
+    // Rows from the top, four bytes a pixel.
+    void read(lib3d& library, std::vector<std::uint8_t>& rgba) const;
+
+private:
+    UINT m_width = 0;
+    UINT m_height = 0;
+    com_ptr<ID3D11Texture2D> m_texture;
+    com_ptr<ID3D11Texture2D> m_staging;
+    com_ptr<ID3D11RenderTargetView> m_view;
+};
+
+} // namespace korvane

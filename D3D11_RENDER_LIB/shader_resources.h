@@ -1,0 +1,8 @@
+// Resource numbers of the compiled shaders (type RCDATA); read by the resource compiler too.
+#define KORVANE_MODEL_VS 501
+#define KORVANE_MODEL_PS 502
+#define KORVANE_WIREFRAME_PS 503
+#define KORVANE_LINE_VS 504
+#define KORVANE_LINE_PS 505
+#define KORVANE_FINAL_VS 506
+#define KORVANE_FINAL_PS 507

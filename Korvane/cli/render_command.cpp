@@ -1,0 +1,115 @@
+#include "Korvane/cli/commands.h"
+
+#include "EASY_GUI/services/file_system.h"
+#include "Korvane/models/rmv2_file.h"
+#include "Korvane/viewer/offscreen.h"
+
+#include <lodepng.h>
+
+#include <cstdio>
+#include <span>
+
+namespace korvane
+{
+
+namespace
+{
+
+constexpr float radians_per_degree = 0.017453292f;
+
+struct render_arguments
+{
+    std::string model;
+    std::string output;
+    std::string size = "1280x720";
+    std::size_t lod = 0;
+    float yaw_degrees = 0; // from the view at the start
+    float pitch_degrees = 0;
+    std::uint32_t frames = 1;
+    bool is_wireframe = false;
+    bool shows_floor = false;
+};
+
+// "WIDTHxHEIGHT" in pixels.
+bool readSize(const std::string& text, render_options& options, failure& why)
+{
+    unsigned width = 0;
+    unsigned height = 0;
+    char rest = 0;
+    if (std::sscanf(text.c_str(), "%5ux%5u%c", &width, &height, &rest) != 2)
+        return fail(why, failure_kind::refused, "the size must be WIDTHxHEIGHT, as in 1280x720, not \"" + text + "\"");
+    options.width = width;
+    options.height = height;
+    return true;
+}
+
+bool writePicture(const std::string& path, const render_options& options, const render_result& result, failure& why)
+{
+    std::vector<unsigned char> png;
+    const unsigned error = lodepng::encode(png, result.rgba, options.width, options.height);
+    if (error != 0)
+        return fail(why, failure_kind::unwritable, lodepng_error_text(error), path);
+    return writeWholeFile(path, std::as_bytes(std::span(png)), why);
+}
+
+bool render(const render_arguments& arguments, cli_context& context, failure& why)
+{
+    render_options options;
+    if (!readSize(arguments.size, options, why))
+        return false;
+    options.lod = arguments.lod;
+    options.frames = arguments.frames;
+    options.yaw += arguments.yaw_degrees * radians_per_degree;
+    options.pitch += arguments.pitch_degrees * radians_per_degree;
+    options.view.is_wireframe = arguments.is_wireframe;
+    options.view.shows_floor = arguments.shows_floor;
+    options.log = [&context](const std::string& line)
+    {
+        context.note(line);
+    };
+
+    rmv2_file file;
+    render_result result;
+    if (!file.open(arguments.model, why) || !renderToImage(file.data(), arguments.model, options, result, why) ||
+        !writePicture(arguments.output, options, result, why))
+        return false;
+    if (options.frames > 1)
+    {
+        char text[64];
+        std::snprintf(text, sizeof text, "%.1f ms per frame", result.seconds_per_frame * 1000);
+        context.note(text);
+    }
+    return true;
+}
+
+} // namespace
+
+void addRenderCommand(CLI::App& app, cli_context& context)
+{
+    auto arguments = std::make_shared<render_arguments>();
+    CLI::App* command = app.add_subcommand("render", "Draws a model into a PNG picture");
+    command->add_option("MODEL", arguments->model, "A rigid_model_v2 file")->required();
+    command->add_option("-o,--output", arguments->output, "The picture to write")->required()->type_name("OUT.png");
+    command->add_option("--size", arguments->size, "Width and height in pixels (default: 1280x720)")->type_name("WxH");
+    command->add_option("--lod", arguments->lod, "The level of detail, 0 is the finest (default: 0)")->type_name("N");
+    command->add_option("--yaw", arguments->yaw_degrees, "Turns the model, in degrees")->type_name("DEGREES");
+    command->add_option("--pitch", arguments->pitch_degrees, "Tilts the model, in degrees")->type_name("DEGREES");
+    command->add_option("--frames", arguments->frames, "Draws so many frames and says what one took")
+        ->type_name("N")
+        ->check(CLI::Range(1, 10000));
+    command->add_flag("--wireframe", arguments->is_wireframe, "Draws the edges of the triangles");
+    command->add_flag("--floor", arguments->shows_floor, "Draws a grid below the model");
+    command->callback(
+        [arguments, &context]
+        {
+            failure why;
+            if (!render(*arguments, context, why))
+            {
+                if (why.path.empty())
+                    why.path = arguments->model;
+                context.fail(why);
+            }
+        });
+}
+
+} // namespace korvane

@@ -1,0 +1,153 @@
+// Pixel shader of models: textures to a surface, lit by two lights and the environment. Three targets: the lit colour
+// (linear, high dynamic range), the normal, and the plain colour of the surface.
+#include "model_vertex.hlsli"
+#include "pbr_lib.hlsli"
+#include "ps_const_buffers.hlsli"
+#include "textures.hlsli"
+
+struct model_targets
+{
+    float4 lit : SV_Target0;
+    float4 normal : SV_Target1;
+    float4 base : SV_Target2;
+};
+
+bool isBound(int slot_bit)
+{
+    return (debug_flags.z & slot_bit) != 0;
+}
+
+// Tangent space from how position and texture coordinate change over the screen: for models without tangents.
+void tangentsFromScreen(model_pixel pixel, float3 normal, out float3 tangent, out float3 binormal)
+{
+    const float3 dp1 = ddx(pixel.world);
+    const float3 dp2 = ddy(pixel.world);
+    const float2 duv1 = ddx(pixel.uv);
+    const float2 duv2 = ddy(pixel.uv);
+    const float3 across1 = cross(dp2, normal);
+    const float3 across2 = cross(normal, dp1);
+    tangent = across1 * duv1.x + across2 * duv2.x;
+    binormal = across1 * duv1.y + across2 * duv2.y;
+    const float longest = max(dot(tangent, tangent), dot(binormal, binormal));
+    const float scale = longest > 0 ? rsqrt(longest) : 0;
+    tangent *= scale;
+    binormal *= scale;
+}
+
+// Both kinds of normal maps: x in alpha with red at one, or x in red with alpha at one; y in green; z follows.
+float3 mappedNormal(model_pixel pixel, float3 normal)
+{
+    if (!isBound(bound_normal))
+        return normal;
+    const float4 texel = tex_normal.Sample(s_normal, pixel.uv);
+    float3 local;
+    local.xy = float2(texel.r * texel.a, texel.g) * 2 - 1;
+    local.z = sqrt(saturate(1 - dot(local.xy, local.xy)));
+
+    float3 tangent, binormal;
+    tangentsFromScreen(pixel, normal, tangent, binormal);
+    const float3 stored = pixel.tangent - normal * dot(pixel.tangent, normal);
+    if (dot(stored, stored) > 0.05)
+    {
+        tangent = normalize(stored);
+        const float3 across = cross(normal, tangent);
+        // The stored binormal gives the side when it can be one, the screen otherwise.
+        const float side = dot(across, pixel.binormal);
+        const float sign_of = abs(side) > 0.5 ? side : dot(across, binormal);
+        binormal = sign_of < 0 ? -across : across;
+    }
+    return normalize(tangent * local.x + binormal * local.y + normal * local.z);
+}
+
+float smoothnessFrom(float4 texel)
+{
+    const int channel = clamp(debug_flags.x, 1, 4) - 1;
+    return texel[channel];
+}
+
+surface readSurface(model_pixel pixel, float3 normal, float4 diffuse)
+{
+    surface s;
+    s.base = diffuse.rgb;
+    s.specular = 0.04;
+    if (isBound(bound_specular))
+    {
+        const float3 texel = tex_specular.Sample(SampleType, pixel.uv).rgb;
+        s.specular = is_specular_linear == 1 ? linearFromGamma(texel) : texel;
+    }
+    const float smoothness = isBound(bound_gloss) ? smoothnessFrom(tex_gloss_map.Sample(SampleType, pixel.uv)) : 0.4;
+    s.roughness = clamp((1 - smoothness) * light[0].roughnessFactor, 0.05, 1);
+    s.normal = normal;
+    s.view = normalize(pixel.view);
+    return s;
+}
+
+float3 lightOn(surface s, float3 to_light, float3 diffuse_radiance, float3 specular_radiance)
+{
+    const float n_l = saturate(dot(s.normal, to_light));
+    return s.base * n_l * diffuse_radiance + specularLobe(s, to_light, n_l) * specular_radiance;
+}
+
+float3 lightsOn(surface s, float3 world)
+{
+    float3 sum = 0;
+    [unroll]
+    for (int i = 0; i < 2; ++i)
+    {
+        const float3 diffuse = light[i].diffuseColor.rgb * light[i].diffuseFactor * light[i].radiannce;
+        const float3 specular = light[i].specularColor.rgb * light[i].specularFactor * light[i].radiannce;
+        const float3 way = light[i].point_position - world;
+        const float distance = max(length(way), 1e-3);
+        if (dot(light[i].lightDirection, light[i].lightDirection) > 0)
+            sum += lightOn(s, -normalize(light[i].lightDirection), diffuse, specular);
+        if (light[i].point_range > distance)
+        {
+            const float3 fade = light[i].point_attenuation * float3(1, distance, distance * distance);
+            const float3 radiance = light[i].point_color.rgb / max(fade.x + fade.y + fade.z, 0.05);
+            sum += lightOn(s, way / distance, radiance * diffuse, radiance * specular);
+        }
+    }
+    return debug_flags.y != 0 ? sum * one_over_pi : sum;
+}
+
+float3 environmentOn(surface s)
+{
+    const float3x3 turn = (float3x3)mRotEnv;
+    const float3 ambient = light[0].ambientLight.rgb * light[0].ambientFactor;
+    float3 sum = tex_cube_diffuse.Sample(SampleType, mul(s.normal, turn)).rgb * s.base * ambient;
+    if (show_reflections != 0)
+    {
+        uint width, height, levels;
+        tex_cube_specular.GetDimensions(0, width, height, levels);
+        const float3 mirrored = mul(reflect(-s.view, s.normal), turn);
+        const float3 seen = tex_cube_specular.SampleLevel(SampleType, mirrored, s.roughness * (levels - 1)).rgb;
+        sum += seen * environmentReflectance(s) * light[0].specularFactor * light[0].ambientFactor;
+    }
+    return sum;
+}
+
+model_targets main(model_pixel pixel, bool is_front : SV_IsFrontFace)
+{
+    float4 diffuse = float4(0.36, 0.35, 0.34, 1); // clay, for a model without its textures
+    if (isBound(bound_diffuse))
+    {
+        diffuse = tex_diffuse.Sample(SampleType, pixel.uv);
+        if (has_alpha == 1 && diffuse.a < 0.5)
+            discard;
+        if (is_diffuse_linear == 1)
+            diffuse.rgb = linearFromGamma(diffuse.rgb);
+    }
+    float3 normal = normalize(pixel.normal);
+    const float3 flat_normal = cross(ddx(pixel.world), ddy(pixel.world));
+    if (!(dot(pixel.normal, pixel.normal) > 0.25)) // a model without normals: faceted
+        normal = normalize(flat_normal * (dot(flat_normal, pixel.view) < 0 ? -1 : 1));
+    if (!is_front)
+        normal = -normal;
+
+    const surface s = readSurface(pixel, mappedNormal(pixel, normal), diffuse);
+    model_targets result;
+    result.lit = float4(lightsOn(s, pixel.world) + environmentOn(s), 1);
+    result.normal = float4(s.normal * 0.5 + 0.5, 1);
+    result.base = float4(s.base, 1);
+    return result;
+}

@@ -1,0 +1,31 @@
+// Constant buffer of the pixel stage, 368 bytes; mirrored by light_buffer in D3D11_RENDER_LIB/gpu_layouts.h.
+struct Light
+{
+    float3 lightDirection; // the way the light travels, world space
+    float specularPower;
+    float4 ambientLight;
+    float4 diffuseColor; // of the directional light, or what the point light's colour is multiplied by
+    float4 specularColor;
+    float radiannce; // the factors are changed by keys; 1 is neutral
+    float ambientFactor;
+    float diffuseFactor;
+    float specularFactor;
+    float roughnessFactor;
+    float3 point_attenuation; // constant, linear, quadratic
+    float3 point_position;
+    float point_range;
+    float4 point_color; // zero when the point light is off
+};
+
+cbuffer LightBuffer : register(b0)
+{
+    matrix mRotEnv;
+    Light light[2];
+    int show_reflections;
+    uint is_diffuse_linear;  // 1: the view does not decode sRGB, the shader does
+    uint is_specular_linear;
+    int has_alpha; // 1: alpha tested
+    float3 eyePosistion;
+    int pad1;
+    int4 debug_flags; // x: smoothness channel 1..4, 0 is 1; y: 1 scales by one over pi; z: bit per bound texture slot; w: unused
+};
