@@ -1,5 +1,6 @@
 #include "Korvane/app/d3d_model_view.h"
 
+#include "Korvane/app/resources.h"
 #include "Korvane/viewer/d3d_window.h"
 
 #include <utility>
@@ -27,6 +28,17 @@ private:
     std::unique_ptr<d3d_window> m_po_d3d_window;
 };
 
+void showProgramIcon(HWND window)
+{
+    for (const auto& [kind, metric] : {std::pair(ICON_SMALL, SM_CXSMICON), std::pair(ICON_BIG, SM_CXICON)})
+    {
+        const int size = GetSystemMetrics(metric);
+        const HANDLE icon = LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource_program_icon), IMAGE_ICON,
+                                       size, size, LR_SHARED);
+        SendMessageW(window, WM_SETICON, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(icon));
+    }
+}
+
 } // namespace
 
 std::unique_ptr<model_view> makeD3dModelView(std::function<void(const std::string&)> log, failure& why)
@@ -36,7 +48,10 @@ std::unique_ptr<model_view> makeD3dModelView(std::function<void(const std::strin
     // No owner: the view is a window of its own, which may lie behind the main window.
     std::unique_ptr<d3d_window> window =
         d3d_window::create(GetModuleHandleW(nullptr), nullptr, std::move(ports), nullptr, {}, why);
-    return window == nullptr ? nullptr : std::make_unique<d3d_model_view>(std::move(window));
+    if (window == nullptr)
+        return nullptr;
+    showProgramIcon(window->handle());
+    return std::make_unique<d3d_model_view>(std::move(window));
 }
 
 } // namespace korvane

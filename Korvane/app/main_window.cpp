@@ -417,7 +417,7 @@ void main_window::showView()
     m_po_view->show();
 }
 
-// Beside the main window when the screen has room for it, as large as it wants to be.
+// Beside the main window when the screen has room for it, at least as high as that and otherwise as large as it wants.
 void main_window::placeView()
 {
     const HWND view = m_po_view->handle();
@@ -426,13 +426,13 @@ void main_window::placeView()
     if (view == nullptr || !GetWindowRect(handle(), &own) || !GetWindowRect(view, &wanted))
         return;
     const RECT area = workArea();
-    const int x = own.right + scaled(margin);
-    const int room = area.right - scaled(margin) - x;
+    const LONG x = own.right + scaled(margin);
+    const LONG room = area.right - scaled(margin) - x;
     if (room < scaled(320))
         return;
-    const int width = std::min(room, static_cast<int>(wanted.right - wanted.left));
-    const int height = std::min(static_cast<int>(area.bottom) - static_cast<int>(own.top) - scaled(margin),
-                                static_cast<int>(wanted.bottom - wanted.top));
+    const LONG width = std::min(room, wanted.right - wanted.left);
+    const LONG height =
+        std::min(area.bottom - own.top - scaled(margin), std::max(wanted.bottom - wanted.top, own.bottom - own.top));
     SetWindowPos(view, nullptr, x, own.top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
