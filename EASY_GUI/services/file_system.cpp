@@ -11,13 +11,12 @@ namespace korvane
 
 std::filesystem::path toPath(std::string_view utf8)
 {
-    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+    return platform::pathFromUtf8(utf8);
 }
 
 std::string toUtf8(const std::filesystem::path& path)
 {
-    const std::u8string text = path.u8string();
-    return std::string(text.begin(), text.end());
+    return platform::utf8FromPath(path);
 }
 
 const std::string& executableFolder()

@@ -6,9 +6,14 @@
 #include <filesystem>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace korvane::platform
 {
+
+// Neither throws, whatever the text: a path may come out of a damaged file.
+[[nodiscard]] std::filesystem::path pathFromUtf8(std::string_view text);
+[[nodiscard]] std::string utf8FromPath(const std::filesystem::path& path);
 
 [[nodiscard]] std::filesystem::path executablePath();
 [[nodiscard]] unsigned long processId();

@@ -20,6 +20,16 @@ bool failWithErrno(std::string& reason)
 
 } // namespace
 
+std::filesystem::path pathFromUtf8(std::string_view text)
+{
+    return std::filesystem::path(text);
+}
+
+std::string utf8FromPath(const std::filesystem::path& path)
+{
+    return path.native();
+}
+
 std::filesystem::path executablePath()
 {
     std::error_code error;

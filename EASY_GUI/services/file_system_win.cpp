@@ -25,6 +25,18 @@ bool failWithLastError(std::string& reason)
 
 } // namespace
 
+std::filesystem::path pathFromUtf8(std::string_view text)
+{
+    const std::u16string units = utf16FromUtf8(text); // the library's own conversion throws at malformed bytes
+    return std::wstring(units.begin(), units.end());
+}
+
+std::string utf8FromPath(const std::filesystem::path& path)
+{
+    const std::wstring& native = path.native();
+    return utf8FromUtf16(std::u16string(native.begin(), native.end()));
+}
+
 std::filesystem::path executablePath()
 {
     std::wstring path(MAX_PATH, L'\0');

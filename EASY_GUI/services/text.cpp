@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 
 namespace korvane
 {
@@ -85,10 +86,30 @@ void appendUtf8(std::string& text, char32_t code)
 
 } // namespace
 
+void lowerInPlace(char* text, std::size_t size)
+{
+    // Eight characters at a time: archive indexes hold a hundred megabytes of paths. In each byte below 0x80 the high
+    // bit of the first sum says "at least 'A'", of the second "above 'Z'".
+    constexpr std::uint64_t ones = 0x0101010101010101u;
+    constexpr std::uint64_t high_bits = 0x80u * ones;
+    for (; size >= 8; size -= 8, text += 8)
+    {
+        std::uint64_t word;
+        std::memcpy(&word, text, 8);
+        const std::uint64_t low = word & ~high_bits;
+        const std::uint64_t is_letter =
+            ((low + (0x80u - 'A') * ones) ^ (low + (0x7fu - 'Z') * ones)) & ~word & high_bits;
+        word |= is_letter >> 2;
+        std::memcpy(text, &word, 8);
+    }
+    for (; size > 0; --size, ++text)
+        *text = lowerCharacter(*text);
+}
+
 std::string toLower(std::string_view text)
 {
     std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), lowerCharacter);
+    lowerInPlace(lower.data(), lower.size());
     return lower;
 }
 

@@ -12,6 +12,7 @@ namespace korvane
 
 // ASCII letters only: other bytes belong to multi-byte characters and are kept.
 [[nodiscard]] std::string toLower(std::string_view text);
+void lowerInPlace(char* text, std::size_t size);
 [[nodiscard]] bool equalsIgnoringCase(std::string_view left, std::string_view right);
 [[nodiscard]] bool endsWithIgnoringCase(std::string_view text, std::string_view ending);
 

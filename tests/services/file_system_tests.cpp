@@ -64,6 +64,16 @@ TEST(existing_path, isFoundWithoutRegardToCase)
     EXPECT_EQ(existingPathAnyCase(""), "");
 }
 
+TEST(to_path, takesAnyBytes)
+{
+    // Texture paths of damaged models reach this function; a lookup may fail, nothing may throw.
+    failure why;
+    memory_file file;
+    EXPECT_FALSE(file.read("\xff\xfe\xed\xa0\x80/x", why));
+    EXPECT_EQ(why.kind, failure_kind::not_found);
+    EXPECT_EQ(toUtf8(toPath("\xe6\x9d\x8e/\xf0\x9f\x90\x89")), "\xe6\x9d\x8e/\xf0\x9f\x90\x89");
+}
+
 TEST(executable_folder, holdsThisProgram)
 {
     EXPECT_TRUE(executableFolder().ends_with("/") || executableFolder().ends_with("\\"));
