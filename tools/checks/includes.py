@@ -21,7 +21,7 @@ FLOORS = [
     {"Korvane/app"},
 ]
 BESIDE = ("tests", "fuzz", "bench", "tools")  # may include everything; nothing of the program includes them
-WINDOWS_FOLDERS = ("EASY_GUI/win32", "Korvane/app", "tests/windows", "tools/shader_compiler")
+WINDOWS = ("EASY_GUI/win32/", "Korvane/app/", "tests/windows/", "tools/shader_compiler/shader_compiler.cpp")
 
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(["<])([^">]+)[">]', re.MULTILINE)
 WINDOWS_HEADER = re.compile(
@@ -64,7 +64,7 @@ def stem(path):
 
 
 def is_windows(root, path, stems):
-    if path.startswith(tuple(folder + "/" for folder in WINDOWS_FOLDERS)) or path.endswith(("_win.cpp", "_win.h")):
+    if path.startswith(WINDOWS) or path.endswith(("_win.cpp", "_win.h")):
         return True
     if path.endswith("_posix.cpp") or stem(path) not in stems:
         return False
