@@ -10,6 +10,15 @@ bool combo_box::create(HWND parent, int id)
     return createControl(L"COMBOBOX", parent, id, {}, CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP);
 }
 
+void combo_box::place(int x, int y, int width, int height)
+{
+    // The system draws a frame of three pixels around the entry, and takes the rest of the height for the open list.
+    constexpr int frame = 6;
+    constexpr int open_entries = 12;
+    send(CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), height - frame);
+    control::place(x, y, width, height * open_entries);
+}
+
 void combo_box::clear()
 {
     send(CB_RESETCONTENT);

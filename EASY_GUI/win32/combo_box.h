@@ -15,6 +15,8 @@ class combo_box : public control
 public:
     [[nodiscard]] bool create(HWND parent, int id);
 
+    void place(int x, int y, int width, int height) override; // of the closed list
+
     void clear();
     void add(std::string_view text, std::uint32_t value = 0);
     int count() const;

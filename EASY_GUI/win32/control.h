@@ -23,7 +23,7 @@ public:
     void setText(std::string_view text);
     [[nodiscard]] std::string text() const;
     void setFont(const font& used);
-    void place(int x, int y, int width, int height);
+    virtual void place(int x, int y, int width, int height);
     void setEnabled(bool is_enabled);
     bool isEnabled() const { return IsWindowEnabled(m_handle) != 0; }
 

@@ -10,6 +10,7 @@ namespace
 
 constexpr int padding = 10;
 constexpr int gap = 6;
+constexpr int field_borders = 4; // pixels at every density
 
 BOOL CALLBACK setFontOf(HWND child, LPARAM font_handle)
 {
@@ -46,7 +47,7 @@ void panel::setFont(const font& used)
 int panel::rowHeight() const
 {
     const int text = m_po_font != nullptr ? m_po_font->height() : scaled(13);
-    return text + scaled(9);
+    return text + scaled(4) + field_borders;
 }
 
 int panel::firstRow() const
