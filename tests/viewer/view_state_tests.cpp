@@ -1,0 +1,211 @@
+#include "Korvane/viewer/view_state.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace korvane
+{
+
+namespace
+{
+
+TEST(ViewState, KeysChangeTheirValueByTheDocumentedAmount)
+{
+    const struct
+    {
+        const char* name;
+        unsigned key;
+        float (*value)(const view_state&);
+        float factor; // new = old * factor + step
+        float step;
+    } rows[] = {
+        {"Page Up", 33,
+         [](const view_state& v)
+         {
+             return v.lights[0].base.ambientFactor;
+         },
+         1.04f, 0},
+        {"Page Down", 34,
+         [](const view_state& v)
+         {
+             return v.lights[0].base.ambientFactor;
+         },
+         0.96f, 0},
+        {"End", 35,
+         [](const view_state& v)
+         {
+             return v.lights[0].base.radiannce;
+         },
+         0.95f, 0},
+        {"Home", 36,
+         [](const view_state& v)
+         {
+             return v.lights[0].base.radiannce;
+         },
+         1.05f, 0},
+        {"Left", 37,
+         [](const view_state& v)
+         {
+             return v.lights[0].base.roughnessFactor;
+         },
+         0.995f, 0},
+        {"Up", 38,
+         [](const view_state& v)
+         {
+             return v.lights[0].base.specularFactor;
+         },
+         1.05f, 0},
+        {"Right", 39,
+         [](const view_state& v)
+         {
+             return v.lights[0].base.roughnessFactor;
+         },
+         1.005f, 0},
+        {"Down", 40,
+         [](const view_state& v)
+         {
+             return v.lights[0].base.specularFactor;
+         },
+         0.95f, 0},
+        {"A", 'A',
+         [](const view_state& v)
+         {
+             return v.eye.yaw;
+         },
+         1, 0.06f},
+        {"D", 'D',
+         [](const view_state& v)
+         {
+             return v.eye.yaw;
+         },
+         1, -0.06f},
+        {"Q", 'Q',
+         [](const view_state& v)
+         {
+             return v.eye.distance;
+         },
+         1, 0.1f},
+        {"E", 'E',
+         [](const view_state& v)
+         {
+             return v.eye.distance;
+         },
+         1, -0.1f},
+        {"Numpad 4", 100,
+         [](const view_state& v)
+         {
+             return v.lights[1].point.position.x;
+         },
+         1, -0.05f},
+        {"Numpad 6", 102,
+         [](const view_state& v)
+         {
+             return v.lights[1].point.position.x;
+         },
+         1, 0.05f},
+        {"Numpad 8", 104,
+         [](const view_state& v)
+         {
+             return v.lights[1].point.position.y;
+         },
+         1, -0.05f},
+        {"Numpad 2", 98,
+         [](const view_state& v)
+         {
+             return v.lights[1].point.position.y;
+         },
+         1, 0.05f},
+        {"Numpad 7", 103,
+         [](const view_state& v)
+         {
+             return v.lights[1].point.position.z;
+         },
+         1, -0.05f},
+        {"Numpad 1", 97,
+         [](const view_state& v)
+         {
+             return v.lights[1].point.position.z;
+         },
+         1, 0.05f},
+    };
+    for (const auto& row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        view_state view;
+        float expected = row.value(view);
+        for (int press = 0; press < 3; ++press)
+        {
+            EXPECT_TRUE(view.onKey(row.key));
+            expected = expected * row.factor + row.step;
+            EXPECT_NEAR(row.value(view), expected, 1e-5f);
+        }
+    }
+}
+
+TEST(ViewState, DrawModeSetsTheFrameLimit)
+{
+    view_state view;
+    EXPECT_TRUE(view.onKey('C'));
+    EXPECT_TRUE(view.is_wireframe);
+    EXPECT_EQ(view.frame_limit, 1u);
+    EXPECT_TRUE(view.onKey('C'));
+    EXPECT_FALSE(view.is_wireframe);
+    EXPECT_EQ(view.frame_limit, 0xFFFF000u);
+}
+
+TEST(ViewState, ResetRestoresLightAndOffsetButNeitherAngleNorDistance)
+{
+    view_state view;
+    for (const unsigned key : {33u, 36u, 38u, 39u, unsigned{'A'}, unsigned{'Q'}})
+        view.onKey(key);
+    view.onShift(30, 40, 720);
+    view.lights[0].base.diffuseFactor = 2;
+    const float yaw = view.eye.yaw;
+    const float distance = view.eye.distance;
+    view.onKey('R');
+    const gpu_light& light = view.lights[0].base;
+    for (const float factor :
+         {light.radiannce, light.ambientFactor, light.diffuseFactor, light.specularFactor, light.roughnessFactor})
+        EXPECT_EQ(factor, 1.0f);
+    EXPECT_EQ(view.eye.offset, glm::vec3(0));
+    EXPECT_EQ(view.eye.yaw, yaw);
+    EXPECT_EQ(view.eye.distance, distance);
+}
+
+TEST(ViewState, KeysOutsideTheRangeDoNothing)
+{
+    for (const unsigned key : {0u, 9u, 26u, 105u, 112u, 255u})
+    {
+        view_state view;
+        EXPECT_FALSE(view.onKey(key)) << key;
+    }
+}
+
+TEST(ViewState, PointLightsReachTheShaderOnlyWhenTheyAreOn)
+{
+    view_state view;
+    view.lights[1].point.position = glm::vec3(9);
+    view.lights[0].point.is_active = true;
+    view.setLightDefaults();
+    mvp_buffer vs;
+    light_buffer ps;
+    view.fill(1.5f, vs, ps);
+    EXPECT_EQ(ps.light[0].point_range, 0.0f);
+    EXPECT_EQ(ps.light[1].point_range, 100.0f);
+    EXPECT_EQ(ps.light[1].point_position, (gpu_float3{1, 1, -1}));
+    EXPECT_EQ(ps.light[1].point_attenuation, (gpu_float3{0, 0.2f, 0}));
+    EXPECT_EQ(ps.light[1].point_color, (gpu_float4{1, 1, 1, 1}));
+
+    view.onKey('3');
+    view.onKey('P');
+    view.onKey('T');
+    view.fill(1.5f, vs, ps);
+    EXPECT_EQ(ps.debug_flags[0], 3);
+    EXPECT_EQ(ps.debug_flags[1], 1);
+    EXPECT_EQ(ps.show_reflections, 0);
+}
+
+} // namespace
+
+} // namespace korvane
