@@ -30,7 +30,13 @@ bool loadConfig(cli_context& context, config_file& config)
 {
     const std::string path = configPath(context);
     std::error_code error;
-    if (config.load(path) || !std::filesystem::exists(toPath(path), error))
+    if (config.load(path))
+    {
+        if (config.errorText() != "DONE")
+            context.note(path + ": reading stopped where a key was expected; what follows there is left out");
+        return true;
+    }
+    if (!std::filesystem::exists(toPath(path), error))
         return true;
     context.fail({failure_kind::unreadable, "the configuration cannot be read", path, 0, {}});
     return false;

@@ -152,6 +152,47 @@ class info(cli_case):
             self.assertEqual(actual["lods"][0]["groups"][0]["group_name"], "Sch\u00fctze \"1\"")
 
 
+class configuration(cli_case):
+    def config(self, *arguments, check=0):
+        return korvane("--config", self.path("c.cfg"), "config", *arguments, check=check)[1]
+
+    def shown(self):
+        return json.loads(self.config("--json").decode("utf-8"))
+
+    def read(self):
+        with open(self.path("c.cfg"), "rb") as file:
+            return file.read()
+
+    def test_values_are_added_in_lower_case_and_cleared(self):
+        self.assertEqual(self.shown(), {})  # a missing file is an empty configuration
+        self.config("add", "Data_Paths", "C:\\Games\\Data\\", "d:\\\u00c4 b\\")
+        self.config("add", "DATA_PATHS", "c:\\games\\DATA\\", "x", "y", "--front")
+        expected = ["y", "x", "c:\\games\\data\\", "d:\\\u00c4 b\\"]
+        self.assertEqual(self.shown(), {"data_paths": expected})
+        self.assertEqual(self.read(), b"data_paths = " + b", ".join(
+            b'\r"' + value.encode("utf-8") + b'"' for value in expected) + b";\r\n\r\n")
+        self.config("clear", "Data_paths")
+        self.assertEqual(self.shown(), {"data_paths": []})
+
+    def test_what_cannot_be_stored_is_refused_and_nothing_is_written(self):
+        before = b'a = \r"1";\r\n\r\n'
+        self.write("c.cfg", before)
+        option = ["--config", self.path("c.cfg"), "config"]
+        self.expect_failure(option + ["add", "two-words", "x"], 2, "two-words")
+        self.expect_failure(option + ["add", "k"], 2)
+        self.expect_failure(option + ["add", "k", "good", 'say "x"'], 1, "c.cfg")
+        self.expect_failure(["--config", self.folder, "config", "add", "k", "x"], 1)  # a folder
+        self.expect_failure(["--config", self.path("none/c.cfg"), "config", "add", "k", "x"], 1, "c.cfg")
+        self.assertEqual(self.read(), before)
+        self.assertEqual(os.listdir(self.folder), ["c.cfg"])
+
+    def test_a_damaged_file_gives_what_stands_before_the_damage_and_a_note(self):
+        self.write("c.cfg", b"A = One;\n- = two;b=three;")
+        code, out, err = korvane("config", "--json", "--config", self.path("c.cfg"), check=0)
+        self.assertEqual(json.loads(out), {"a": ["one"]})
+        self.assertIn(b"c.cfg", err)
+
+
 class damage(cli_case):
     def test_cut_and_lying_files_end_with_1_and_one_line(self):
         data = small_model(4, 32, 300, bytes(32 * 300), b"group")
