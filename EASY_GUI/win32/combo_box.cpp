@@ -32,11 +32,6 @@ void combo_box::add(std::string_view text, std::uint32_t value)
         send(CB_SETITEMDATA, static_cast<WPARAM>(position), static_cast<LPARAM>(value));
 }
 
-int combo_box::count() const
-{
-    return static_cast<int>(send(CB_GETCOUNT));
-}
-
 void combo_box::select(int position)
 {
     send(CB_SETCURSEL, static_cast<WPARAM>(position));
@@ -50,17 +45,6 @@ int combo_box::selected() const
 std::uint32_t combo_box::valueOf(int position) const
 {
     return static_cast<std::uint32_t>(send(CB_GETITEMDATA, static_cast<WPARAM>(position)));
-}
-
-std::string combo_box::textOf(int position) const
-{
-    const LRESULT length = send(CB_GETLBTEXTLEN, static_cast<WPARAM>(position));
-    if (length < 0)
-        return {};
-    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
-    send(CB_GETLBTEXT, static_cast<WPARAM>(position), reinterpret_cast<LPARAM>(text.data()));
-    text.resize(static_cast<std::size_t>(length));
-    return fromWide(text);
 }
 
 } // namespace korvane

@@ -19,11 +19,9 @@ public:
 
     void clear();
     void add(std::string_view text, std::uint32_t value = 0);
-    int count() const;
     void select(int position); // -1: none
     int selected() const;      // -1: none
     std::uint32_t valueOf(int position) const;
-    [[nodiscard]] std::string textOf(int position) const;
 };
 
 } // namespace korvane

@@ -25,7 +25,6 @@ public:
     // The submenu belongs to this menu from then on.
     void addSubmenu(const menu& submenu, std::string_view text);
     void clear();
-    int count() const { return GetMenuItemCount(m_handle); }
     [[nodiscard]] std::string textOf(int position) const;
 
 private:

@@ -119,12 +119,11 @@ bool window::create(const window_settings& settings, failure& why)
     if (m_handle != nullptr)
         return fail(why, failure_kind::refused, "the window is open already");
     const ATOM window_class = classFor(settings);
-    const HWND handle =
-        window_class == 0
-            ? nullptr
-            : CreateWindowExW(settings.extended_style, MAKEINTATOM(window_class), toWide(settings.title).c_str(),
-                              settings.style, settings.x, settings.y, settings.width, settings.height, settings.parent,
-                              settings.menu, GetModuleHandleW(nullptr), this);
+    const HWND handle = window_class == 0 ? nullptr
+                                          : CreateWindowExW(settings.extended_style, MAKEINTATOM(window_class),
+                                                            toWide(settings.title).c_str(), settings.style, settings.x,
+                                                            settings.y, settings.width, settings.height,
+                                                            settings.parent, nullptr, GetModuleHandleW(nullptr), this);
     if (handle == nullptr)
     {
         const DWORD code = GetLastError();
@@ -246,11 +245,41 @@ bool window::handleMouse(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& re
     return onMouseButton(event);
 }
 
+bool window::handleGeometry(UINT message, WPARAM wparam, LPARAM lparam)
+{
+    switch (message)
+    {
+    case WM_SIZE:
+        onSize(LOWORD(lparam), HIWORD(lparam), sizeChange(wparam));
+        return true;
+    case WM_GETMINMAXINFO:
+    {
+        auto& limits = *reinterpret_cast<MINMAXINFO*>(lparam);
+        SIZE smallest{limits.ptMinTrackSize.x, limits.ptMinTrackSize.y};
+        onMinimumSize(smallest);
+        limits.ptMinTrackSize = {smallest.cx, smallest.cy};
+        return true;
+    }
+    case WM_DPICHANGED:
+    {
+        const RECT& suggested = *reinterpret_cast<const RECT*>(lparam);
+        SetWindowPos(m_handle, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
+                     suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+        onDpiChanged(HIWORD(wparam));
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
 LRESULT window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
 {
     LRESULT result = 0;
     if (message >= WM_MOUSEFIRST && message <= WM_MOUSELAST)
         return handleMouse(message, wparam, lparam, result) ? result : defaultResult(message, wparam, lparam);
+    if (handleGeometry(message, wparam, lparam))
+        return 0;
 
     switch (message)
     {
@@ -262,9 +291,6 @@ LRESULT window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
     case WM_DESTROY:
         onDestroyed();
         return 0;
-    case WM_SIZE:
-        onSize(LOWORD(lparam), HIWORD(lparam), sizeChange(wparam));
-        return 0;
     case WM_COMMAND:
         if (onCommand(LOWORD(wparam), HIWORD(wparam), reinterpret_cast<HWND>(lparam)))
             return 0;
@@ -273,27 +299,12 @@ LRESULT window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
         if (onKeyDown(static_cast<unsigned>(wparam), (lparam & (1L << 30)) != 0))
             return 0;
         break;
-    case WM_KEYUP:
-        if (onKeyUp(static_cast<unsigned>(wparam)))
-            return 0;
-        break;
     case WM_CAPTURECHANGED:
         if (reinterpret_cast<HWND>(lparam) != m_handle)
             onCaptureLost();
         return 0;
     case WM_PAINT:
         if (onPaint())
-            return 0;
-        break;
-    case WM_ERASEBKGND:
-        if (onEraseBackground(reinterpret_cast<HDC>(wparam)))
-            return 1;
-        break;
-    case WM_ACTIVATE:
-        onActivate(LOWORD(wparam) != WA_INACTIVE);
-        break;
-    case WM_TIMER:
-        if (onTimer(wparam))
             return 0;
         break;
     case WM_VSCROLL:
@@ -305,28 +316,9 @@ LRESULT window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
         if (const HBRUSH brush = onControlColour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam)))
             return reinterpret_cast<LRESULT>(brush);
         break;
-    case WM_GETMINMAXINFO:
-    {
-        auto& limits = *reinterpret_cast<MINMAXINFO*>(lparam);
-        SIZE smallest{limits.ptMinTrackSize.x, limits.ptMinTrackSize.y};
-        onMinimumSize(smallest);
-        limits.ptMinTrackSize = {smallest.cx, smallest.cy};
-        return 0;
-    }
     case WM_DROPFILES:
         onFilesDropped(droppedPaths(reinterpret_cast<HDROP>(wparam)));
         return 0;
-    case WM_INITMENUPOPUP:
-        onMenuOpening(reinterpret_cast<HMENU>(wparam));
-        break;
-    case WM_DPICHANGED:
-    {
-        const RECT& suggested = *reinterpret_cast<const RECT*>(lparam);
-        SetWindowPos(m_handle, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
-                     suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
-        onDpiChanged(HIWORD(wparam));
-        return 0;
-    }
     default:
         break;
     }

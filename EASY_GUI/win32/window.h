@@ -29,7 +29,6 @@ struct window_settings
     int width = CW_USEDEFAULT;
     int height = CW_USEDEFAULT;
     HWND parent = nullptr;            // owner of a top-level window, parent of a WS_CHILD one
-    HMENU menu = nullptr;             // menu bar; owned by the window from then on
     WORD icon = 0;                    // resource number of the icon; 0: the system's default icon
     bool is_opaque = false;           // true: the background is never erased (the window draws every pixel itself)
     bool wants_repeat_clicks = false; // true: double clicks arrive as onMouseButton with is_double set
@@ -93,20 +92,15 @@ protected:
     virtual void onSize(int /*width*/, int /*height*/, size_change /*change*/) {}                // client pixels
     virtual bool onCommand(int /*id*/, int /*notification*/, HWND /*control*/) { return false; } // true: handled
     virtual bool onKeyDown(unsigned /*virtual_key*/, bool /*is_repeat*/) { return false; }       // true: handled
-    virtual bool onKeyUp(unsigned /*virtual_key*/) { return false; }
     virtual bool onMouseWheel(int /*delta*/, const mouse_event& /*event*/) { return false; } // WHEEL_DELTA per notch
     virtual bool onMouseButton(const mouse_event& /*event*/) { return false; }
     virtual bool onMouseMove(const mouse_event& /*event*/) { return false; }
-    virtual void onCaptureLost() {}          // WM_CAPTURECHANGED to another window
-    virtual bool onPaint() { return false; } // true: handled and validated (BeginPaint or ValidateRect)
-    virtual bool onEraseBackground(HDC) { return false; }
+    virtual void onCaptureLost() {}                   // WM_CAPTURECHANGED to another window
+    virtual bool onPaint() { return false; }          // true: handled and validated (BeginPaint or ValidateRect)
     virtual void onVerticalScroll(int /*request*/) {} // SB_LINEUP, SB_THUMBTRACK, ...
-    virtual void onActivate(bool /*is_active*/) {}
-    virtual bool onTimer(UINT_PTR /*id*/) { return false; }
     virtual HBRUSH onControlColour(HDC, HWND /*control*/) { return nullptr; } // null: the system's colours
     virtual void onMinimumSize(SIZE& /*outer*/) {}                            // lower limit of the outer size
     virtual void onFilesDropped(const std::vector<std::string>& /*paths*/) {}
-    virtual void onMenuOpening(HMENU) {} // WM_INITMENUPOPUP
     // The window moved to a monitor of another density. The window was moved to the suggested rectangle already.
     virtual void onDpiChanged(unsigned /*dpi*/) {}
     // Everything else, and the whole table of handlers: override to see messages that have no handler, and call this.
@@ -116,6 +110,7 @@ private:
     static LRESULT CALLBACK windowProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam);
     static ATOM classFor(const window_settings& settings);
     bool handleMouse(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result);
+    bool handleGeometry(UINT message, WPARAM wparam, LPARAM lparam);
     LRESULT defaultResult(UINT message, WPARAM wparam, LPARAM lparam) const;
     void detach();
 

@@ -363,7 +363,7 @@ void main_window::showDocument()
 {
     setTitle(m_document.title());
     m_file_info.show(m_document.hasModel() ? std::optional(fileInfo(*m_document.file())) : std::nullopt);
-    m_show_view.setEnabled(m_document.commands().show_view);
+    m_show_view.setEnabled(m_document.hasModel());
     showSelection();
     if (m_po_view != nullptr)
         m_po_view->setModel(m_document.data(), m_document.file()->path(),

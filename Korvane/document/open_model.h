@@ -13,13 +13,6 @@
 namespace korvane
 {
 
-// Which commands make sense at present.
-struct command_states
-{
-    bool open_folder = false; // of the model's file
-    bool show_view = false;   // the three-dimensional view
-};
-
 class open_model
 {
 public:
@@ -39,7 +32,6 @@ public:
 
     // "Korvane 0.5.1a   RMV2: [body.rigid_model_v2] VMD: [no file loaded]"
     [[nodiscard]] std::string title() const;
-    command_states commands() const { return {hasModel(), hasModel()}; }
 
 private:
     std::shared_ptr<const rmv2_file> m_po_file;

@@ -11,8 +11,10 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <functional>
+#include <shlobj.h>
 
 namespace korvane::test
 {
@@ -379,6 +381,22 @@ TEST_F(main_window_test, ShortcutsOpenTheDialogAndRecentFiles)
     const HMENU file_menu = GetSubMenu(GetMenu(m_window->handle()), 0);
     EXPECT_EQ(GetMenuItemCount(GetSubMenu(file_menu, 1)), 2);
     EXPECT_EQ(menu(file_menu).textOf(0), "&Open \t\t Ctrl+O");
+}
+
+TEST_F(main_window_test, ADroppedFileIsOpened)
+{
+    const std::wstring path = toWide(write("dropped 李.rigid_model_v2", soldier()));
+    openWindow();
+    const std::size_t text_bytes = (path.size() + 2) * sizeof(wchar_t); // the list ends in an empty path
+    const HGLOBAL block = GlobalAlloc(GHND, sizeof(DROPFILES) + text_bytes);
+    auto* const header = static_cast<DROPFILES*>(GlobalLock(block));
+    header->pFiles = sizeof(DROPFILES);
+    header->fWide = TRUE;
+    std::memcpy(header + 1, path.c_str(), path.size() * sizeof(wchar_t));
+    GlobalUnlock(block);
+    PostMessageW(m_window->handle(), WM_DROPFILES, reinterpret_cast<WPARAM>(block), 0);
+    pump();
+    EXPECT_NE(m_window->title().find("[dropped 李.rigid_model_v2]"), std::string::npos) << m_window->title();
 }
 
 TEST_F(main_window_test, TheFirstStartShowsItsNoticeOnce)
