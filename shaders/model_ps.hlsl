@@ -128,7 +128,7 @@ float3 environmentOn(surface s)
 
 model_targets main(model_pixel pixel, bool is_front : SV_IsFrontFace)
 {
-    float4 diffuse = float4(0.36, 0.35, 0.34, 1); // clay, for a model without its textures
+    float4 diffuse = float4(0.24, 0.235, 0.23, 1); // clay, for a model without its textures
     if (isBound(bound_diffuse))
     {
         diffuse = tex_diffuse.Sample(SampleType, pixel.uv);

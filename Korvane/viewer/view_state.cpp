@@ -21,9 +21,9 @@ view_state::view_state()
     // Light 0: the key light from the upper left, behind the viewer. Light 1: a point light on the other side.
     gpu_light& key = lights[0].base;
     key.lightDirection = {0.52f, -0.62f, 0.59f};
-    key.ambientLight = {1, 1, 1, 1};
-    key.diffuseColor = {1.15f, 1.10f, 1.02f, 1};
-    key.specularColor = {1.15f, 1.10f, 1.02f, 1};
+    key.ambientLight = {0.85f, 0.85f, 0.85f, 1};
+    key.diffuseColor = {1.05f, 1.00f, 0.93f, 1};
+    key.specularColor = {1.05f, 1.00f, 0.93f, 1};
     gpu_light& side = lights[1].base;
     side.diffuseColor = {0.14f, 0.15f, 0.18f, 1};
     side.specularColor = {0.14f, 0.15f, 0.18f, 1};

@@ -1,0 +1,383 @@
+#include "Korvane/viewer/offscreen.h"
+#include "tests/support/dds_builder.h"
+#include "tests/support/mesh_builder.h"
+
+#include <glm/vec4.hpp>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+using test::modelOf;
+using test::sphereGroup;
+using test::squareGroup;
+using test::test_dds;
+
+constexpr std::uint32_t width = 320;
+constexpr std::uint32_t height = 180;
+constexpr float straight_on = 3.1415927f; // the yaw that turns +z to the viewer
+
+struct pixel
+{
+    int red, green, blue;
+    int brightness() const { return red + green + blue; }
+};
+
+pixel pixelAt(const render_result& result, std::uint32_t x, std::uint32_t y)
+{
+    const std::uint8_t* bytes = result.rgba.data() + (std::size_t{y} * width + x) * 4;
+    return {bytes[0], bytes[1], bytes[2]};
+}
+
+// At a place of the picture given in 0..1.
+pixel pixelAt(const render_result& result, double x, double y)
+{
+    return pixelAt(result, static_cast<std::uint32_t>(x * width), static_cast<std::uint32_t>(y * height));
+}
+
+render_options straightOn()
+{
+    render_options options;
+    options.width = width;
+    options.height = height;
+    options.yaw = straight_on;
+    options.pitch = 0;
+    return options;
+}
+
+// A device that cannot be made fails the test: without pictures nothing here is proved.
+render_result drawn(const RMV2_FILE_DATA& model, const render_options& options)
+{
+    render_result result;
+    failure why;
+    EXPECT_TRUE(renderToImage(model, "Z:/nowhere/model.rigid_model_v2", options, result, why)) << describe(why);
+    EXPECT_EQ(result.rgba.size(), std::size_t{options.width} * options.height * 4);
+    return result;
+}
+
+class texture_map : public texture_source
+{
+public:
+    std::map<std::string, std::string> files;
+    mutable std::vector<std::string> asked;
+
+    std::optional<memory_file> read(const std::string& internal_path) const override
+    {
+        asked.push_back(internal_path);
+        const auto found = files.find(internal_path);
+        return found == files.end() ? std::nullopt : std::make_optional<memory_file>(std::string_view(found->second));
+    }
+};
+
+// A 4 x 4 RGBA texture of one colour; optionally other colours for its right half and its lower half.
+std::string colourDds(std::uint32_t rgba, std::uint32_t right, std::uint32_t lower)
+{
+    test_dds file;
+    file.pixels.clear();
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 4; ++x)
+        {
+            const std::uint32_t value = y >= 2 ? lower : x >= 2 ? right : rgba;
+            for (int shift = 24; shift >= 0; shift -= 8)
+                file.pixels += static_cast<char>(static_cast<unsigned char>(value >> shift));
+        }
+    return file.bytes();
+}
+std::string colourDds(std::uint32_t rgba)
+{
+    return colourDds(rgba, rgba, rgba);
+}
+
+group_data textured(group_data group, std::vector<std::pair<std::uint32_t, std::string>> paths)
+{
+    for (const auto& [type, path] : paths)
+    {
+        texture_entry entry;
+        entry.type = type;
+        entry.path = path;
+        group.textures.push_back(entry);
+    }
+    return group;
+}
+
+// The silhouette by plain arithmetic: triangles projected with the camera and filled without the graphics device.
+class cpu_silhouette
+{
+public:
+    cpu_silhouette(const RMV2_FILE_DATA& model, const camera& eye) : m_covered(std::size_t{width} * height, false)
+    {
+        const glm::mat4 all = camera::projection(static_cast<float>(width) / height) * eye.view() * eye.world() *
+                              eye.pitchMatrix() * eye.yawMatrix();
+        for (const group_data& group : model.lods[0].groups)
+            for (std::size_t i = 0; i + 2 < group.store.indices.size(); i += 3)
+                fill(corner(all, group, i), corner(all, group, i + 1), corner(all, group, i + 2));
+    }
+    bool covers(std::uint32_t x, std::uint32_t y) const { return m_covered[std::size_t{y} * width + x]; }
+    bool isEdge(std::uint32_t x, std::uint32_t y) const
+    {
+        for (const std::uint32_t row : {y - 1, y, y + 1})
+            for (const std::uint32_t column : {x - 1, x, x + 1})
+                if (covers(column, row) != covers(x, y))
+                    return true;
+        return false;
+    }
+
+private:
+    static glm::vec2 corner(const glm::mat4& all, const group_data& group, std::size_t index)
+    {
+        const glm::vec4 clip = all * glm::vec4(group.store.vertices[group.store.indices[index]].position, 1);
+        return {(clip.x / clip.w * 0.5f + 0.5f) * width, (0.5f - clip.y / clip.w * 0.5f) * height};
+    }
+    void fill(const glm::vec2& a, const glm::vec2& b, const glm::vec2& c)
+    {
+        const auto side = [](const glm::vec2& from, const glm::vec2& to, const glm::vec2& p)
+        {
+            return (to.x - from.x) * (p.y - from.y) - (to.y - from.y) * (p.x - from.x);
+        };
+        for (std::uint32_t y = 0; y < height; ++y)
+            for (std::uint32_t x = 0; x < width; ++x)
+            {
+                const glm::vec2 p(static_cast<float>(x) + 0.5f, static_cast<float>(y) + 0.5f);
+                const float ab = side(a, b, p);
+                const float bc = side(b, c, p);
+                const float ca = side(c, a, p);
+                if ((ab >= 0 && bc >= 0 && ca >= 0) || (ab <= 0 && bc <= 0 && ca <= 0))
+                    m_covered[std::size_t{y} * width + x] = true;
+            }
+    }
+    std::vector<bool> m_covered;
+};
+
+TEST(Render, TheSilhouetteIsThatOfTheMesh)
+{
+    RMV2_FILE_DATA model = modelOf(sphereGroup({0, 1, 0}, 0.5f, 16), sphereGroup({0.6f, 0.2f, 0.3f}, 0.2f, 12));
+    render_options options = straightOn();
+    options.yaw += 0.7f;
+    options.pitch = -0.3f;
+    options.view.shows_normals = true; // no shading that could come near the background
+    const render_result result = drawn(model, options);
+    const cpu_silhouette expected(model, result.eye);
+    const pixel background = pixelAt(result, 2u, 2u);
+    std::size_t covered = 0;
+    std::size_t different = 0;
+    for (std::uint32_t y = 1; y + 1 < height; ++y)
+        for (std::uint32_t x = 1; x + 1 < width; ++x)
+        {
+            if (expected.isEdge(x, y)) // softened by the final pass
+                continue;
+            const pixel seen = pixelAt(result, x, y);
+            const int distance = std::abs(seen.red - background.red) + std::abs(seen.green - background.green) +
+                                 std::abs(seen.blue - background.blue);
+            covered += expected.covers(x, y);
+            different += (distance > 12) != expected.covers(x, y);
+        }
+    EXPECT_GT(covered, 4000u);
+    EXPECT_EQ(different, 0u) << "of " << covered;
+}
+
+TEST(Render, AModelWithoutTexturesIsLitClay)
+{
+    const render_result result = drawn(modelOf(sphereGroup({0, 0, 0}, 1, 32)), straightOn());
+    const pixel lit = pixelAt(result, 0.44, 0.35);
+    const pixel shaded = pixelAt(result, 0.56, 0.72);
+    EXPECT_GT(lit.brightness(), shaded.brightness() + 90) << "the key light comes from the upper left";
+    EXPECT_GT(shaded.brightness(), 120) << "no black side";
+    EXPECT_LT(lit.brightness(), 720) << "not burnt out";
+    EXPECT_LT(std::max({lit.red, lit.green, lit.blue}) - std::min({lit.red, lit.green, lit.blue}), 25) << "grey";
+}
+
+TEST(Render, BackFacesAreNotDrawnUnlessTheGroupIsAlphaTested)
+{
+    for (const bool has_alpha : {false, true})
+    {
+        group_data square = squareGroup(1);
+        square.alpha_mode = has_alpha ? 1 : 0;
+        render_options options = straightOn();
+        options.yaw = 0; // from behind
+        const render_result result = drawn(modelOf(std::move(square)), options);
+        const bool is_visible =
+            std::abs(pixelAt(result, 0.5, 0.5).brightness() - pixelAt(result, 2u, 2u).brightness()) > 60;
+        EXPECT_EQ(is_visible, has_alpha);
+    }
+}
+
+TEST(Render, TexturesAreTheRightWayUp)
+{
+    texture_map textures;
+    textures.files = {{"d", colourDds(0xff0000ff, 0x00ff00ff, 0x0000ffff)}, {"n", colourDds(0x8080ffff)}};
+    render_options options = straightOn();
+    options.textures = &textures;
+    options.view.shows_plain = true;
+    const render_result result = drawn(modelOf(textured(squareGroup(1), {{0, "d"}, {1, "n"}})), options);
+    const pixel upper_left = pixelAt(result, 0.44, 0.35);
+    const pixel upper_right = pixelAt(result, 0.56, 0.35);
+    const pixel lower = pixelAt(result, 0.5, 0.68);
+    EXPECT_TRUE(upper_left.red > 200 && upper_left.green < 60) << upper_left.red << ' ' << upper_left.green;
+    EXPECT_TRUE(upper_right.green > 200 && upper_right.red < 60) << upper_right.red << ' ' << upper_right.green;
+    EXPECT_TRUE(lower.blue > 200 && lower.red < 60);
+}
+
+// The normal as drawn into the second target: 0.5 + 0.5 * component, sRGB-encoded, x to the right in world space.
+TEST(Render, BothKindsOfNormalMapsTiltTheSurfaceTheSameWay)
+{
+    const struct
+    {
+        const char* name;
+        std::uint32_t rgba; // x = 0.5
+    } rows[] = {{"x in alpha, red at one", 0xff8000c0}, {"x in red, alpha at one", 0xc080ddff}};
+    std::vector<pixel> seen;
+    for (const auto& row : rows)
+    {
+        texture_map textures;
+        textures.files = {{"d", colourDds(0x808080ff)}, {"n", colourDds(row.rgba)}};
+        render_options options = straightOn();
+        options.textures = &textures;
+        options.view.shows_normals = true;
+        seen.push_back(pixelAt(drawn(modelOf(textured(squareGroup(1), {{0, "d"}, {1, "n"}})), options), 0.5, 0.5));
+    }
+    // u grows to the right of the viewer: the normal leans there.
+    EXPECT_NEAR(seen[0].red, seen[1].red, 4);
+    EXPECT_GT(seen[0].red, 205) << "flat would be 188";
+    EXPECT_NEAR(seen[0].green, 188, 6);
+}
+
+TEST(Render, NormalMapsChangeTheLight)
+{
+    const auto brightness = [](std::uint32_t normal)
+    {
+        texture_map textures;
+        textures.files = {{"d", colourDds(0x808080ff)}, {"n", colourDds(normal)}};
+        render_options options = straightOn();
+        options.textures = &textures;
+        const RMV2_FILE_DATA model = modelOf(textured(squareGroup(1), {{0, "d"}, {1, "n"}}));
+        return pixelAt(drawn(model, options), 0.5, 0.5).brightness();
+    };
+    const int flat = brightness(0x8080ffff);
+    EXPECT_GT(brightness(0x3080ddff), flat - 30) << "towards the key light on the left";
+    EXPECT_LT(brightness(0xe080ddff), flat - 30) << "away from it";
+}
+
+TEST(Render, AlphaTestCutsHolesOnlyInAlphaMode)
+{
+    texture_map textures;
+    textures.files = {{"d", colourDds(0xffffff00)}, {"n", colourDds(0x8080ffff)}};
+    for (const bool has_alpha : {false, true})
+    {
+        group_data square = textured(squareGroup(1), {{0, "d"}, {1, "n"}});
+        square.alpha_mode = has_alpha ? 1 : 0;
+        render_options options = straightOn();
+        options.textures = &textures;
+        const render_result result = drawn(modelOf(std::move(square)), options);
+        const bool is_hole =
+            std::abs(pixelAt(result, 0.5, 0.5).brightness() - pixelAt(result, 2u, 2u).brightness()) < 15;
+        EXPECT_EQ(is_hole, has_alpha);
+    }
+}
+
+TEST(Render, ColourSpacesOfTheDiffuseAreTreatedAlike)
+{
+    const auto plain = [](std::uint32_t format)
+    {
+        test_dds file = test_dds::dx10(format, 64);
+        file.pixels = std::string(64, '\x90');
+        texture_map textures;
+        textures.files = {{"d", file.bytes()}, {"n", colourDds(0x8080ffff)}};
+        render_options options = straightOn();
+        options.textures = &textures;
+        options.view.shows_plain = true;
+        return pixelAt(drawn(modelOf(textured(squareGroup(1), {{0, "d"}, {1, "n"}})), options), 0.5, 0.5).green;
+    };
+    EXPECT_NEAR(plain(28), 0x90, 8);
+    EXPECT_NEAR(plain(29), 0x90, 4);
+}
+
+TEST(Render, TextureLoadingEndsAtTheFirstGroupWithoutItsMainTextures)
+{
+    texture_map textures;
+    textures.files = {{"d1", colourDds(0xff0000ff)},
+                      {"n1", colourDds(0x8080ffff)},
+                      {"d3", colourDds(0xff0000ff)},
+                      {"n3", colourDds(0x8080ffff)}};
+    std::vector<std::string> lines;
+    render_options options = straightOn();
+    options.textures = &textures;
+    options.log = [&lines](const std::string& line)
+    {
+        lines.push_back(line);
+    };
+    drawn(modelOf(textured(squareGroup(1), {{0, "d1"}, {1, "n1"}, {11, "missing"}}),
+                  textured(squareGroup(1), {{0, "d2"}, {1, "n2"}}), textured(squareGroup(1), {{0, "d3"}, {1, "n3"}})),
+          options);
+    EXPECT_EQ(textures.asked, (std::vector<std::string>{"d1", "n1", "missing", "d2"}));
+    EXPECT_FALSE(lines.empty()) << "and says so";
+}
+
+TEST(Render, DamagedTexturesAndMeshesLeaveAPicture)
+{
+    texture_map textures;
+    textures.files = {{"d", "DDS garbage"}, {"n", colourDds(0x8080ffff)}};
+    group_data square = textured(squareGroup(1), {{0, "d"}, {1, "n"}});
+    square.store.indices.insert(square.store.indices.end(), {0, 1, 60000});
+    group_data empty;
+    std::vector<std::string> lines;
+    render_options options = straightOn();
+    options.textures = &textures;
+    options.log = [&lines](const std::string& line)
+    {
+        lines.push_back(line);
+    };
+    const render_result result = drawn(modelOf(std::move(empty), std::move(square)), options);
+    EXPECT_GT(pixelAt(result, 0.5, 0.5).brightness(), 120);
+    EXPECT_GE(lines.size(), 2u) << "the texture and the triangle are named";
+}
+
+TEST(Render, SkinnedGroupsStandInTheirBindPose)
+{
+    group_data square = squareGroup(1);
+    square.header.vertex_format = 4;
+    for (vertex_record& record : square.store.vertices.records())
+    {
+        record.bones = {5, 6, 5, 5};
+        record.weights = {0.75f, 0.25f, 0.0f, 0.0f};
+    }
+    RMV2_FILE_DATA model = modelOf(std::move(square));
+    const render_result still = drawn(model, straightOn());
+    model.skeleton_id = "humanoid01";
+    EXPECT_EQ(drawn(model, straightOn()).rgba, still.rgba);
+
+    // A format without weights cannot be skinned; it must not shrink to a point.
+    group_data rigid = squareGroup(1);
+    model.lods[0].groups.clear();
+    model.lods[0].groups.push_back(std::move(rigid));
+    EXPECT_EQ(drawn(model, straightOn()).rgba, still.rgba);
+}
+
+TEST(Render, RefusedRequestsSayWhy)
+{
+    const RMV2_FILE_DATA model = modelOf(squareGroup(1));
+    render_options no_width = straightOn();
+    no_width.width = 0;
+    render_options too_high = straightOn();
+    too_high.height = 8193;
+    render_options no_lod = straightOn();
+    no_lod.lod = 1;
+    for (const render_options& options : {no_width, too_high, no_lod})
+    {
+        render_result result;
+        failure why;
+        EXPECT_FALSE(renderToImage(model, "m", options, result, why));
+        EXPECT_EQ(why.kind, failure_kind::refused);
+    }
+}
+
+} // namespace
+
+} // namespace korvane
