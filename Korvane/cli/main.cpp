@@ -38,6 +38,7 @@ int run(const std::vector<std::string>& arguments)
     app.require_subcommand(1);
     app.fallthrough(); // shared options may stand behind the command, too
     addSharedOptions(app, context);
+    addDemoDataCommand(app, context);
     addInfoCommand(app, context);
     addConfigCommand(app, context);
 #ifdef _WIN32

@@ -1,0 +1,48 @@
+#pragma once
+
+// The parts of the guard, each added to the mesh of the texture set it uses. Used by figure.cpp only.
+
+#include "tools/demo_data/humanoid_skeleton.h"
+#include "tools/demo_data/mesh.h"
+
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+namespace korvane::demo
+{
+
+// One side of the body: 1 is the left (+x), -1 the right.
+struct body_side
+{
+    double sign;
+    std::string suffix; // "_l" or "_r"
+
+    int bone(const std::string& name) const { return boneIndex(name + suffix); }
+    vec3 at(const std::string& name) const { return humanoidBones()[static_cast<std::size_t>(bone(name))].position; }
+};
+
+[[nodiscard]] const body_side& leftSide();
+[[nodiscard]] const body_side& rightSide();
+
+// Bones by name, as a mesh_builder wants them.
+[[nodiscard]] std::vector<int> bonesNamed(std::initializer_list<const char*> names);
+
+// A round section with the given radius.
+[[nodiscard]] section disc(vec3 centre, double radius);
+void addBall(mesh_builder& out, vec3 centre, vec3 radii, bone_choice bones, int around = 14);
+
+void addHead(mesh_builder& skin);
+void addHelmet(mesh_builder& steel, mesh_builder& plume);
+void addCuirass(mesh_builder& steel);
+void addSkirt(mesh_builder& cloth, mesh_builder& leather);
+void addBelt(mesh_builder& leather, mesh_builder& steel);
+void addCape(mesh_builder& cape, mesh_builder& steel);
+void addArm(const body_side& side, mesh_builder& skin, mesh_builder& cloth, mesh_builder& leather);
+void addHand(const body_side& side, mesh_builder& skin);
+void addPauldron(const body_side& side, mesh_builder& steel);
+void addLeg(const body_side& side, mesh_builder& trousers, mesh_builder& leather, mesh_builder& steel);
+void addShield(mesh_builder& front, mesh_builder& wood, mesh_builder& steel, mesh_builder& leather);
+void addSword(mesh_builder& blade, mesh_builder& leather, mesh_builder& steel);
+
+} // namespace korvane::demo
