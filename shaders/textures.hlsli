@@ -9,7 +9,7 @@ Texture2D tex_mask : register(t9);
 Texture2D tex_gloss_map : register(t10);
 Texture2D ScreenSpace : register(t11);
 
-SamplerState SampleType : register(s0); // anisotropic, wraps
+SamplerState SampleType : register(s0); // linear, wraps
 SamplerState s_normal : register(s2);   // linear, wraps
 
 static const int bound_diffuse = 1;

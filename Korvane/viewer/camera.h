@@ -20,8 +20,9 @@ inline constexpr float framed_extent = 1.8f;
 
 struct camera
 {
-    // Radians. At yaw 0 the model's -z side faces the viewer; the start shows its front, +z, a little from the side.
-    static constexpr float start_yaw = 3.1415927f + 0.45f;
+    // Radians. At yaw 0 the model's -z side, which figures look towards, faces the viewer; the view starts a little
+    // from the side and from above.
+    static constexpr float start_yaw = 0.35f;
     static constexpr float start_pitch = -0.10f;
 
     float yaw = start_yaw;
