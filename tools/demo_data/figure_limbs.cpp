@@ -20,20 +20,21 @@ std::vector<section> tube(std::initializer_list<std::pair<vec3, double>> rings)
 void addArm(const body_side& side, mesh_builder& skin, mesh_builder& cloth, mesh_builder& leather)
 {
     const vec3 shoulder = side.at("upperarm"), elbow = side.at("lowerarm"), wrist = side.at("hand");
-    const vec3 inside = mix(shoulder, {0, shoulder.y - 0.02, shoulder.z}, 0.32);
+    const vec3 inside = shoulder + vec3{side.sign * -0.038, 0.032, 0};
     const int bones[] = {side.bone("clav"), side.bone("upperarm"), side.bone("lowerarm"), side.bone("hand")};
     loft_options options;
     options.around = 18;
     options.along = 4;
     options.back_hint = {0, 0.3, 1};
     options.v1 = 2;
-    skin.closedLoft(tube({{inside, 0.050},
-                          {shoulder, 0.056},
-                          {mix(shoulder, elbow, 0.5), 0.051},
-                          {mix(shoulder, elbow, 0.85), 0.041},
-                          {elbow, 0.041},
-                          {mix(elbow, wrist, 0.3), 0.043},
-                          {mix(elbow, wrist, 0.75), 0.032},
+    const vec3 crook = mix(elbow, mix(shoulder, wrist, 0.5), 0.10);
+    skin.closedLoft(tube({{inside, 0.052},
+                          {mix(shoulder, elbow, 0.12), 0.056},
+                          {mix(shoulder, elbow, 0.42), 0.052},
+                          {mix(shoulder, elbow, 0.74), 0.042},
+                          {crook, 0.038},
+                          {mix(elbow, wrist, 0.28), 0.041},
+                          {mix(elbow, wrist, 0.70), 0.033},
                           {mix(elbow, wrist, 1.06), 0.027}}),
                     options, bones);
 

@@ -241,6 +241,7 @@ void addBelt(mesh_builder& leather, mesh_builder& steel)
     plate.around = 18;
     plate.along = 1;
     plate.back_hint = {0, 1, 0};
+    plate.axis = {0, 0, 1};
     const vec3 centre{0, 1.040, -0.126};
     steel.closedLoft({{centre, 0.031, 0.026, 0.026, 0.3},
                       {centre + vec3{0, 0, -0.009}, 0.031, 0.026, 0.026, 0.3},

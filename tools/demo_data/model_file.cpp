@@ -184,7 +184,7 @@ private:
         for (const model_attachment& attachment : group.attachments)
         {
             writeText(attachment.name, 32);
-            writeMatrix(attachment.position * vec3{-1, 1, 1});
+            writeMatrix({0 - attachment.position.x, attachment.position.y, attachment.position.z});
             m_out.u32(index++);
         }
     }

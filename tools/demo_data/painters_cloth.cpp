@@ -101,6 +101,7 @@ surface paintWool(double u, double v, std::uint32_t seed)
     surface s = cloth(u, v, 64, {0.27, 0.235, 0.19}, seed);
     const double fuzz = cloudy(u, v, 32, 32, 2, seed + 5);
     s.colour = s.colour * (0.85 + 0.3 * fuzz);
+    s.height += 0.004 * fuzz;
     s.mask = {0, 0, 1};
     return s;
 }

@@ -26,7 +26,7 @@ surface paintSkin(double u, double v, std::uint32_t seed)
     s.colour = mix(vec3{0.66, 0.46, 0.35}, {0.76, 0.57, 0.45}, cloud) * (0.92 + 0.14 * pores);
     s.specular = {0.16, 0.15, 0.14};
     s.gloss = 0.36 + 0.12 * (pores - 0.5);
-    s.height = 0.0014 * pores;
+    s.height = 0.0024 * pores;
     return s;
 }
 
