@@ -138,6 +138,7 @@ void d3d_window::frameModel()
     const float aspect =
         static_cast<float>(std::max(client.right, 1L)) / static_cast<float>(std::max(client.bottom, 1L));
     m_view.eye.frame(m_po_worker->scene().model().bounds(), aspect);
+    m_is_framed = true;
     m_po_worker->pacer().post(m_view);
 }
 
@@ -190,7 +191,11 @@ void d3d_window::onSize(int width, int height, size_change change)
 {
     const bool is_minimised = change == size_change::minimised;
     if (!is_minimised)
+    {
         m_po_worker->pacer().postSize(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height));
+        if (m_is_framed)
+            frameModel();
+    }
     m_po_worker->pacer().postVisible(!is_minimised && isVisible());
 }
 
@@ -214,6 +219,7 @@ bool d3d_window::onKeyDown(unsigned virtual_key, bool)
         leaveEnlarged();
     else if (!m_view.onKey(virtual_key))
         return false;
+    m_is_framed = m_is_framed && virtual_key != 'Q' && virtual_key != 'E';
     redraw();
     return true;
 }
@@ -221,6 +227,7 @@ bool d3d_window::onKeyDown(unsigned virtual_key, bool)
 bool d3d_window::onMouseWheel(int delta, const mouse_event&)
 {
     m_view.onWheel(static_cast<float>(delta) / WHEEL_DELTA);
+    m_is_framed = false;
     redraw();
     return true;
 }
@@ -254,6 +261,7 @@ bool d3d_window::onMouseMove(const mouse_event& event)
         m_view.onDrag(dx, dy);
     else
         m_view.onShift(dx, dy, static_cast<float>(clientRectangle().bottom));
+    m_is_framed = m_is_framed && !m_is_shifting;
     redraw();
     return true;
 }

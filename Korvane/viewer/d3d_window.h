@@ -80,6 +80,7 @@ private:
     POINT m_last_mouse{};
     bool m_is_turning = false;
     bool m_is_shifting = false;
+    bool m_is_framed = true; // the camera still stands where the model was framed: it follows the window's size
     bool m_is_enlarged = false;
     RECT m_saved_rectangle{}; // outer, screen pixels; valid while enlarged
 };
