@@ -194,14 +194,15 @@ void addSword(mesh_builder& blade, mesh_builder& leather, mesh_builder& steel)
 std::vector<figure_part> buildGuard(double density)
 {
     mesh_builder head(density), skin(density), helmet(density), plume(density), cuirass(density), plates(density),
-        tunic(density), leather(density), trousers(density), cape(density), shield(density), shield_wood(density),
-        fittings(density), blade(density), straps(density);
+        tunic(density), leather(density), trousers(density), scarf(density), cape(density), shield(density),
+        shield_wood(density), fittings(density), blade(density), straps(density);
     addHead(head);
     addHelmet(helmet, plume);
     addCuirass(cuirass);
     addSkirt(tunic, leather);
     addBelt(leather, fittings);
     addCape(cape, fittings);
+    addScarf(scarf);
     for (const body_side& side : {leftSide(), rightSide()})
     {
         addArm(side, skin, tunic, leather);
@@ -222,6 +223,7 @@ std::vector<figure_part> buildGuard(double density)
     parts.push_back({"tunic", "guard_tunic", tunic.take()});
     parts.push_back({"belt_straps_boots", "guard_leather", leather.take()});
     parts.push_back({"trousers", "guard_wool", trousers.take()});
+    parts.push_back({"scarf", "guard_wool", scarf.take()});
     parts.push_back({"cape", "guard_cape", cape.take()});
     parts.push_back({"shield", "guard_shield", shield.take()});
     parts.push_back({"shield_back", "demo_wood", shield_wood.take()});

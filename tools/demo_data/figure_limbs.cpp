@@ -28,8 +28,7 @@ void addArm(const body_side& side, mesh_builder& skin, mesh_builder& cloth, mesh
     options.back_hint = {0, 0.3, 1};
     options.v1 = 2;
     const vec3 crook = mix(elbow, mix(shoulder, wrist, 0.5), 0.10);
-    skin.closedLoft(tube({{inside, 0.052},
-                          {mix(shoulder, elbow, 0.12), 0.056},
+    skin.closedLoft(tube({{mix(shoulder, elbow, 0.12), 0.056},
                           {mix(shoulder, elbow, 0.42), 0.052},
                           {mix(shoulder, elbow, 0.74), 0.042},
                           {crook, 0.038},
@@ -46,9 +45,11 @@ void addArm(const body_side& side, mesh_builder& skin, mesh_builder& cloth, mesh
     {
         return point + outward * (0.005 * along * sineOfTurns(turn * 7));
     };
-    const auto sleeve = tube({{mix(shoulder, inside, 0.9), 0.060},
-                              {mix(shoulder, elbow, 0.2), 0.069},
-                              {mix(shoulder, elbow, 0.55), 0.068},
+    const auto sleeve = tube({{inside + vec3{side.sign * -0.022, 0.012, 0}, 0},
+                              {inside + vec3{side.sign * -0.014, 0.008, 0}, 0.044},
+                              {mix(shoulder, inside, 0.6), 0.062},
+                              {mix(shoulder, elbow, 0.18), 0.068},
+                              {mix(shoulder, elbow, 0.52), 0.068},
                               {mix(shoulder, elbow, 0.76), 0.073}});
     cloth.shell(loft(sleeve, options, cloth.density()), 0.004, upper);
 
@@ -188,7 +189,7 @@ void addLeg(const body_side& side, mesh_builder& trousers, mesh_builder& leather
     bowl.v0 = 1;
     bowl.v1 = 0.1;
     const vec3 cop = knee + vec3{side.sign * 0.004, 0.004, -0.028};
-    const section cap[] = {{cop + vec3{0, 0, 0.012}, 0.064, 0.066, 0.070},
+    const section cap[] = {{cop + vec3{0, 0, 0.010}, 0.069, 0.066, 0.070},
                            {cop + vec3{0, 0, -0.012}, 0.058, 0.060, 0.064},
                            {cop + vec3{0, 0, -0.034}, 0.036, 0.036, 0.040},
                            {cop + vec3{0, 0, -0.044}, 0, 0, 0}};

@@ -37,6 +37,7 @@ void addHelmet(mesh_builder& steel, mesh_builder& plume);
 void addCuirass(mesh_builder& steel);
 void addSkirt(mesh_builder& cloth, mesh_builder& leather);
 void addBelt(mesh_builder& leather, mesh_builder& steel);
+void addScarf(mesh_builder& cloth);
 void addCape(mesh_builder& cape, mesh_builder& steel);
 void addArm(const body_side& side, mesh_builder& skin, mesh_builder& cloth, mesh_builder& leather);
 void addHand(const body_side& side, mesh_builder& skin);

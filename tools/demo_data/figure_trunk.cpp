@@ -250,6 +250,27 @@ void addBelt(mesh_builder& leather, mesh_builder& steel)
                      plate, bones);
 }
 
+void addScarf(mesh_builder& cloth)
+{
+    const section outline[] = {{{0, 1.448, 0.020}, 0.098, 0.080, 0.086},
+                               {{0, 1.468, 0.022}, 0.101, 0.086, 0.092},
+                               {{0, 1.494, 0.022}, 0.090, 0.080, 0.084},
+                               {{0, 1.518, 0.020}, 0.074, 0.070, 0.074},
+                               {{0, 1.530, 0.019}, 0.060, 0.058, 0.064}};
+    loft_options options;
+    options.around = 44;
+    options.along = 3;
+    options.axis = {0, 1, 0};
+    options.u1 = 3;
+    options.v1 = 0.45; // above the pattern
+    options.shape = [](vec3 point, vec3 outward, double turn, double along)
+    {
+        const double fold = sineOfTurns(along * 2.3 + 0.35 * sineOfTurns(turn * 2) + 0.1 * sineOfTurns(turn * 5));
+        return point + outward * (0.006 * fold * bump((along - 0.5) * (along - 0.5) * 4));
+    };
+    cloth.outward(loft(outline, options, cloth.density()), bonesNamed({"spine_2", "neck"}));
+}
+
 void addCape(mesh_builder& cape, mesh_builder& steel)
 {
     const auto rows = static_cast<std::size_t>(std::max(4, static_cast<int>(26 * cape.density() + 0.5)));
@@ -265,7 +286,7 @@ void addCape(mesh_builder& cape, mesh_builder& steel)
                                 (sineOfTurns(across * 2.6 + 0.15 * down) + 0.4 * sineOfTurns(across * 6.3 + 0.3));
             const double shoulders = (1 - down) * (1 - down) * across * across; // drawn to the clasps in front
             sheet.points.push_back({half * across, 1.468 - 0.045 * across * across * (1 - down) - 1.235 * down,
-                                    0.128 + 0.20 * down * (1.35 - 0.35 * down) - 0.115 * shoulders + fold -
+                                    0.137 + 0.20 * down * (1.35 - 0.35 * down) - 0.115 * shoulders + fold -
                                         0.05 * down * across * across});
             sheet.uvs.push_back({(across + 1) * 0.5, down});
         }

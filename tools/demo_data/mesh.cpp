@@ -369,24 +369,27 @@ void mesh_builder::shell(const grid& surface, double thickness, bone_choice bone
 
 void mesh_builder::closedLoft(std::vector<section> sections, const loft_options& options, bone_choice bones)
 {
-    outward(loft(sections, options, m_density), bones);
-    loft_options cap = options;
-    cap.along = 1;
+    const grid surface = loft(sections, options, m_density);
+    outward(surface, bones);
     for (const bool is_first : {true, false})
     {
-        const section rim = is_first ? sections.front() : sections.back();
-        if (rim.half_width < 1e-6)
+        const std::size_t row = is_first ? 0 : surface.rows - 1;
+        const std::size_t inner_row = is_first ? 1 : surface.rows - 2;
+        const vec3 middle = rowCentre(surface, row);
+        if (length(surface.at(row, 0) - middle) < 1e-6)
             continue;
-        const vec3 towards =
-            is_first ? rim.centre - sections[1].centre : rim.centre - sections[sections.size() - 2].centre;
-        section middle = rim;
-        middle.half_width = middle.front = middle.back = 0;
-        // A short step along the path keeps the loft's frame; it is flat to the eye.
-        middle.centre = rim.centre + normalised(towards) * 1e-4;
-        cap.v0 = is_first ? options.v0 : options.v1;
-        cap.v1 = mix(cap.v0, is_first ? options.v1 : options.v0, 0.08);
-        const section rings[] = {rim, middle};
-        facing(loft(rings, cap, m_density), towards, bones);
+        // A fan from the rim to the middle, with a disc of the picture at the scale of the sides.
+        grid cap{2, surface.columns, surface.wraps, {}, {}};
+        const double reach = (options.u1 - options.u0) / 6.283185307179586;
+        for (const bool is_rim : {true, false})
+            for (std::size_t column = 0; column < surface.columns; ++column)
+            {
+                const double turn = static_cast<double>(column) / static_cast<double>(surface.columns - 1);
+                const double size = is_rim ? reach : 0;
+                cap.points.push_back(is_rim ? surface.at(row, column) : middle);
+                cap.uvs.push_back({0.5 + size * sineOfTurns(turn), 0.5 + size * cosineOfTurns(turn)});
+            }
+        facing(cap, middle - rowCentre(surface, inner_row), bones);
     }
 }
 

@@ -123,7 +123,7 @@ surface paintPlume(double u, double v, std::uint32_t seed)
 surface paintBanner(double u, double v, std::uint32_t seed)
 {
     surface s = cloth(u, v, 128, {0.13, 0.20, 0.38}, seed);
-    const double x = (u - 0.5) * 2, y = (v - 0.45) * 2;
+    const double x = (u - 0.5) * 1.5, y = (v - 0.45) * 2.6; // the cloth is longer than wide
     const double ax = x < 0 ? -x : x;
     // A tower with three battlements, within a bordered field.
     const bool body = ax < 0.26 && y > -0.22 && y < 0.50;
