@@ -47,10 +47,11 @@ TEST(demo_data_golden, the_same_seed_gives_the_same_bytes_and_another_seed_other
 {
     options small;
     small.scale = min_scale;
-    const auto first = makeAll(small), again = makeAll(small);
+    constexpr std::size_t models_and_two_materials = 22;
+    const auto first = makeSome(small, models_and_two_materials), again = makeSome(small, models_and_two_materials);
     small.seed = 2;
-    const auto other = makeAll(small);
-    ASSERT_FALSE(first.empty());
+    const auto other = makeSome(small, models_and_two_materials);
+    ASSERT_EQ(first.size(), models_and_two_materials);
     ASSERT_EQ(first.size(), again.size());
     ASSERT_EQ(first.size(), other.size());
     std::size_t different = 0;
@@ -59,7 +60,7 @@ TEST(demo_data_golden, the_same_seed_gives_the_same_bytes_and_another_seed_other
         EXPECT_EQ(first[i].bytes, again[i].bytes) << first[i].path;
         different += first[i].bytes != other[i].bytes ? 1u : 0u;
     }
-    EXPECT_GE(different, 30u); // what has wear or grass on it
+    EXPECT_GE(different, 8u); // column, grass, and what is worn
 }
 
 TEST(demo_data_golden, options_out_of_range_are_refused)

@@ -90,7 +90,7 @@ public:
     void shell(const grid& surface, double thickness, bone_choice bones, const vec3* towards = nullptr);
     // A loft with rounded or flat ends closed to a point.
     void closedLoft(std::vector<section> sections, const loft_options& options, bone_choice bones);
-    // A box with smooth-free edges; half extents along three axes.
+    // A box with sharp edges; half extents along three axes.
     void box(vec3 centre, vec3 axis_x, vec3 axis_y, vec3 axis_z, bone_choice bones, double uv_scale = 1);
 
 private:

@@ -101,7 +101,7 @@ surface paintLeather(double u, double v, std::uint32_t seed)
     const double stitch = seam * smoothStep(0.25, 0.35, std::min(fraction(u * 18), 1 - fraction(u * 18)));
     const double rim = 1 - smoothStep(0.0, 0.022, edge);
     // Rivets of brass in the middle of every third of the width, near both ends.
-    const double rivet_u = (fraction(u * 3.125 - 0.0) - 0.5) / 3.125, rivet_v = edge - 0.135;
+    const double rivet_u = (fraction(u * 3.125) - 0.5) / 3.125, rivet_v = edge - 0.135;
     const double rivet = smoothStep(0, 0.35, bump((rivet_u * rivet_u + rivet_v * rivet_v) / 0.0007));
     surface s;
     const double worn = smoothStep(0.52, 0.75, cloud) * 0.35 + rim * 0.25;

@@ -83,8 +83,8 @@ surface paintWood(double u, double v, std::uint32_t seed)
     const double rings = cloudy(u, fraction(v + shift), 24, 2, 3, seed + static_cast<std::uint32_t>(index) * 31);
     const double fibre = noise(u, v, 256, 8, seed + 5);
     const double lines = fraction(rings * 7);
-    const double gap =
-        bump((plank - 0.5) * (plank - 0.5) * 0 + std::min(plank, 1 - plank) * std::min(plank, 1 - plank) / 0.0012);
+    const double from_edge = std::min(plank, 1 - plank);
+    const double gap = bump(from_edge * from_edge / 0.0012);
     surface s;
     s.colour =
         mix(vec3{0.36, 0.24, 0.14}, {0.56, 0.41, 0.26}, 0.5 * lines + 0.3 * fibre + 0.2 * shift) * (1 - 0.75 * gap);
