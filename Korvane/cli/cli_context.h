@@ -22,7 +22,7 @@ class cli_context
 {
 public:
     // Options that more than one command takes.
-    std::vector<std::string> data_folders; // --data, in order
+    std::vector<std::string> data_folders; // --data, in order; none: those of the configuration
     std::string config_path;               // --config; empty: "config.cfg" beside the program
     bool is_json = false;                  // --json
     bool is_quiet = false;                 // --quiet

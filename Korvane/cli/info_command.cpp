@@ -1,6 +1,7 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/cli/game_files.h"
 #include "Korvane/models/catalogue.h"
 #include "Korvane/models/description.h"
 #include "Korvane/models/rmv2_file.h"
@@ -176,7 +177,7 @@ void runInfo(cli_context& context, const info_options& options)
 {
     rmv2_file model;
     failure why;
-    if (!model.open(options.model, why))
+    if (!openModel(context, options.model, model, why))
         return context.fail(why);
     if (context.is_json)
         return printModelJson(context, model, options.with_vertices);
@@ -189,7 +190,8 @@ void addInfoCommand(CLI::App& app, cli_context& context)
 {
     const auto options = std::make_shared<info_options>();
     CLI::App* command = app.add_subcommand("info", "Describe a rigid_model_v2 file");
-    command->add_option("MODEL", options->model, "The model file")->required();
+    command->add_option("MODEL", options->model, "The model: a path on disk, or pack: and an internal path")
+        ->required();
     command->add_flag("--vertices", options->with_vertices, "Add vertices and indices (with --json)");
     context.addJsonOption(*command);
     command->callback(

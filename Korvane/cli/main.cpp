@@ -24,6 +24,10 @@ std::string oneLine(std::string text)
 
 void addSharedOptions(CLI::App& app, cli_context& context)
 {
+    app.add_option("--data", context.data_folders, "A folder with the games' archives; may be given more than once")
+        ->type_name("DIR")
+        ->expected(1)
+        ->allow_extra_args(false);
     app.add_option("--config", context.config_path, "The configuration file (default: config.cfg beside the program)")
         ->type_name("FILE");
     app.add_flag("--quiet", context.is_quiet, "No progress and no notes on standard error");
@@ -40,6 +44,7 @@ int run(const std::vector<std::string>& arguments)
     addSharedOptions(app, context);
     addDemoDataCommand(app, context);
     addInfoCommand(app, context);
+    addArchiveCommands(app, context);
     addConfigCommand(app, context);
 #ifdef _WIN32
     addRenderCommand(app, context);

@@ -217,6 +217,86 @@ class damage(cli_case):
             self.assertLess(usage.ru_maxrss, (64 + 8) * 1024, "KiB, patched at %d" % at)
 
 
+class archives(cli_case):
+    """Archives made here, byte by byte; compressed entries by Python's own LZMA."""
+
+    def pack(self, name, entries, magic=b"PFH4", flags=0):
+        index, data = b"", b""
+        for path, content, compression in entries:
+            index += struct.pack("<I", len(content)) + (bytes([compression]) if magic == b"PFH5" else b"")
+            index += (b"\xaa" * 4 if flags & 0x40 else b"") + path + b"\0"
+            data += content
+        names = b"base.pack\0"
+        header = magic + struct.pack("<5I", flags, 1, len(names), len(entries), len(index)) + b"\x01\x02\x03\x04"
+        return self.write(name, header + names + index + data)
+
+    def setUp(self):
+        super().setUp()
+        import lzma
+        self.text = b"".join(b"line %d\n" % (i * i) for i in range(3000))
+        filters = {"id": lzma.FILTER_LZMA1, "preset": 6}
+        packed = lzma.compress(self.text, format=lzma.FORMAT_ALONE, filters=[filters])
+        stored = struct.pack("<I", len(self.text)) + packed[:5] + packed[13:]  # without the size of eight bytes
+        self.pack("a.pack", [(b"Shared\\File.TXT", b"from a", 0), (b"only\\a.txt", b"1", 0)])
+        self.pack("B.pack", [(b"shared\\file.txt", b"from B", 0), (b"packed.bin", stored, 1),
+                             (b"sch\xfctze.txt", b"2", 0)], b"PFH5", 0x40)
+        self.pack("c.pack", [(b"shared\\FILE.txt", b"from c", 0), (b"..\\..\\escape.txt", b"3", 0),
+                             (b"con.txt", b"4", 0)], b"PFH5")
+        self.data = ["--data", self.folder, "--quiet"]
+
+    def test_archives_are_listed_in_their_order(self):
+        rows = json.loads(korvane("archives", "--json", *self.data, check=0)[1])
+        self.assertEqual([(r["position"], r["name"], r["format"], r["files"]) for r in rows],
+                         [(0, "c.pack", "PFH5", 3), (1, "a.pack", "PFH4", 2), (2, "B.pack", "PFH5", 3)])
+
+    def test_files_are_listed_by_path_with_what_they_hide(self):
+        rows = json.loads(korvane("list", "--json", *self.data, check=0)[1])
+        self.assertEqual([r["path"] for r in rows], ["..\\..\\escape.txt", "con.txt", "only\\a.txt", "packed.bin",
+                                                     "sch\u00fctze.txt", "shared\\file.txt"])
+        shared = rows[-1]
+        self.assertTrue(shared["archive"].endswith("B.pack"))
+        self.assertEqual([os.path.basename(p.replace("\\", "/")) for p in shared["hides"]], ["c.pack", "a.pack"])
+        self.assertTrue(rows[3]["compressed"])
+        with open(self.path("B.pack"), "rb") as file:
+            file.seek(shared["offset"])
+            self.assertEqual(file.read(shared["size"]), b"from B")
+        out = korvane("list", "*/FILE.*", *self.data, check=0)[1]
+        self.assertEqual(out, b"shared\\file.txt\n")
+
+    def test_extracting_gives_the_winning_and_unpacked_bytes(self):
+        for operand, content in (("Shared/FILE.txt", b"from B"), ("packed.bin", self.text)):
+            korvane("extract", operand, "-o", self.path("out"), *self.data, check=0)
+            with open(self.path("out"), "rb") as file:
+                self.assertEqual(file.read(), content)
+        self.expect_failure(["extract", "no/such", "-o", self.path("none")] + self.data, 1, "no/such")
+        self.assertFalse(os.path.exists(self.path("none")))
+        self.expect_failure(["extract", "-o", self.path("none")] + self.data, 2)
+
+    def test_extraction_stays_below_its_folder(self):
+        target = self.path("deep/er")
+        self.expect_failure(["extract", "--match", "*", "-o", target] + self.data, 1, "2 of 6")
+        found = sorted(os.path.relpath(os.path.join(where, name), self.folder)
+                       for where, _, names in os.walk(self.folder) for name in names if name.endswith(".txt"))
+        self.assertEqual([f.replace(os.sep, "/") for f in found][:1], ["deep/er/only/a.txt"])
+        self.assertFalse(any("escape" in f or "con.txt" in f for f in found))
+
+    def test_models_open_out_of_archives(self):
+        model = small_model(4, 32, 3, bytes(32 * 3), b"group")
+        self.pack("m.pack", [(b"Models\\x.rigid_model_v2", model, 0), (b"models\\bad.rigid_model_v2", model[:200], 0)])
+        out = json.loads(korvane("info", "pack:models/X.rigid_model_v2", "--json", *self.data, check=0)[1])
+        self.assertEqual(out["lods"][0]["groups"][0]["vertex_count"], 3)
+        self.expect_failure(["info", "pack:models/bad.rigid_model_v2"] + self.data, 1, "byte")
+        self.expect_failure(["info", "pack:models"] + self.data, 1, "folder")
+
+    def test_bad_archives_do_not_lock_the_others_out(self):
+        self.write("d.pack", b"PFH1" + bytes(100))
+        self.write("e.pack", b"PFH5" + b"\xff" * 200)
+        code, out, err = korvane("list", "only*", "--data", self.folder)
+        self.assertEqual((code, out), (0, b"only\\a.txt\n"), err)
+        self.assertIn(b"Unknown .PACK file format", err)
+        self.expect_failure(["list", "--data", self.path("nowhere")], 1, "findValidPakFiles")
+
+
 def small_model(format_id, stride, count, vertices, group_name):
     """A version 7 model of one group."""
     header = b"RMV2" + struct.pack("<II", 7, 1) + b"humanoid01".ljust(128, b"\0")

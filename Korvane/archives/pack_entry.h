@@ -1,0 +1,31 @@
+#pragma once
+
+// The bytes of an archive's entry. Compressed entries (PFH5) are unpacked on the way: a u32 with the unpacked length,
+// then a Zstandard frame, an LZ4 frame, or LZMA1 data with its 5 bytes of properties (docs/formats/pack.md,
+// "Compression").
+
+#include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/memory_file.h"
+#include "Korvane/archives/path_tree.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace korvane
+{
+
+// An entry that claims to unpack to more is refused.
+inline constexpr std::uint64_t max_unpacked_size = std::uint64_t{1} << 30;
+
+// Reads an entry whole. On failure bytes stays as it is; why.path is the internal path and names the archive.
+[[nodiscard]] bool readEntry(const pack_file_node& entry, memory_file& bytes, failure& why);
+
+// At most size bytes from the start of an entry; what an uncompressed entry needs is all that is read. The result may
+// be shorter when the entry is.
+[[nodiscard]] bool readEntryStart(const pack_file_node& entry, std::size_t size, memory_file& bytes, failure& why);
+
+// Unpacks a compressed entry's stored bytes.
+[[nodiscard]] bool unpackEntry(std::span<const std::byte> stored, memory_file& bytes, failure& why);
+
+} // namespace korvane

@@ -1,0 +1,96 @@
+#pragma once
+
+// Reads the header and the index of one .pack archive (docs/formats/pack.md). The whole index is read and checked
+// before anything enters the tree: an archive is in it as a whole or not at all.
+
+#include "EASY_GUI/services/failure.h"
+#include "Korvane/archives/path_tree.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvane
+{
+
+struct pack_header
+{
+    std::string magic; // "PFH5"
+    std::uint32_t flags = 0;
+    std::uint32_t name_count = 0;
+    std::uint32_t names_size = 0; // read, but the names are counted byte by byte
+    std::uint32_t file_count = 0;
+    std::uint32_t index_size = 0;
+    std::uint32_t header_size = 0;
+
+    static constexpr std::uint32_t time_stamp_flag = 0x40;
+    bool hasTimeStamps() const { return (flags & time_stamp_flag) != 0; }
+    bool hasCompressionBytes() const { return magic == "PFH5"; }
+};
+
+class pack_file
+{
+public:
+    // An internal path has at most so many bytes.
+    static constexpr std::size_t max_path = 1023;
+    // An archive names at most so many others.
+    static constexpr std::uint32_t max_names = 65536;
+
+    // Reads the header from an archive's first bytes; bytes may be shorter than a header when the file is. Throws
+    // std::runtime_error("Unknown .PACK file format") for a magic that is none of PFH0, PFH2 to PFH5: the one exception
+    // that leaves this folder.
+    [[nodiscard]] static bool readHeader(std::span<const std::byte> bytes, pack_header& header, failure& why);
+
+    // Opens the archive at a path on disk and reads and checks header and index. Afterwards enterInto() puts it into
+    // the tree.
+    [[nodiscard]] bool open(const std::string& path, failure& why);
+
+    const pack_header& header() const { return m_header; }
+    const std::vector<std::string>& archiveNames() const { return m_archive_names; }
+    std::size_t entryCount() const { return m_records.size(); }
+    // Files that were left out because their data does not lie inside the archive: their paths.
+    const std::vector<std::string>& leftOut() const { return m_left_out; }
+    const positioned_file& file() const { return m_file; }
+
+    // Moves everything into the tree.
+    void enterInto(path_tree& tree);
+
+    // The tree of all archives; null before the first load. Replaced as a whole.
+    static std::shared_ptr<path_tree> sm_poPathTree;
+
+private:
+    struct record
+    {
+        std::uint32_t path_at; // in m_index
+        std::uint32_t size;
+        std::uint32_t offset;
+        std::uint32_t time_stamp;
+        std::uint16_t path_length;
+        std::uint8_t compression;
+    };
+
+    bool readIndex(failure& why);
+    bool readBlock(std::size_t size, failure& why);
+    bool readNames(std::size_t& position, failure& why);
+    bool readRecords(std::size_t position, failure& why);
+    bool failAt(failure& why, failure_kind kind, std::string what, std::size_t position, std::string field) const;
+
+    std::string m_path;
+    positioned_file m_file;
+    pack_header m_header;
+    std::unique_ptr<char[]> m_index; // names and records; paths in it become lower case
+    std::size_t m_index_size = 0;
+    std::vector<std::string> m_archive_names;
+    std::vector<record> m_records;
+    std::vector<std::string> m_left_out;
+};
+
+// The node of an internal path in the tree of all archives; null, with a line in the log, when there is no tree yet.
+[[nodiscard]] path_tree::node_pointer getNodeFromInternalPath(std::string_view path,
+                                                              const std::function<void(const std::string&)>& log = {});
+
+} // namespace korvane

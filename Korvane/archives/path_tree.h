@@ -1,0 +1,147 @@
+#pragma once
+
+// The tree of internal paths: every file of every indexed archive by its path, the archive entered last winning. One
+// tree is built by one thread and then only read, from any thread; it owns all its nodes and the text of their paths.
+// Whoever holds a node (a shared pointer into the tree) keeps the whole tree alive, so that a re-read, which builds a
+// new tree, takes nothing away from anybody.
+//
+// Made for a million files: nodes are small records in arrays, found through one hash table over whole paths, and a
+// folder's children are sorted when somebody asks for them.
+
+#include "EASY_GUI/services/positioned_file.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvane
+{
+
+// True for a path with an empty component: two separators in a row, or one at either end.
+[[nodiscard]] bool hasEmptyComponents(std::string_view path);
+// Drops them in place; returns the new length.
+[[nodiscard]] std::size_t dropEmptyComponents(char* path, std::size_t length);
+
+// One archive: what is known of the file on disk. Entries refer to it.
+struct archive_record
+{
+    std::string name;   // file name as the folder listing gives it
+    std::string path;   // on disk
+    std::string format; // "PFH5"
+    std::uint32_t file_count = 0;
+    positioned_file file; // open as long as the tree lives
+};
+
+// One file inside one archive.
+class pack_file_node
+{
+public:
+    pack_file_node(const archive_record& archive, std::string_view path, std::uint32_t size, std::uint32_t offset,
+                   std::uint8_t compression, std::uint32_t time_stamp)
+        : m_archive(&archive)
+        , m_path(path.data())
+        , m_size(size)
+        , m_offset(offset)
+        , m_time_stamp(time_stamp)
+        , m_path_length(static_cast<std::uint16_t>(path.size()))
+        , m_compression(compression)
+    {
+    }
+
+    std::string_view internalPath() const { return {m_path, m_path_length}; } // lower case, '\' between components
+    std::string_view fileName() const;                                        // after the last '\' or '/'
+    std::string_view extension() const;                                       // of the file name, without the dot
+    const std::string& packPath() const { return m_archive->path; }
+    const archive_record& archive() const { return *m_archive; }
+    std::uint32_t size() const { return m_size; }     // bytes in the archive
+    std::uint32_t offset() const { return m_offset; } // from the start of the archive
+    std::uint8_t compression() const { return m_compression; }
+    std::uint32_t timeStamp() const { return m_time_stamp; } // kept, not interpreted
+
+private:
+    const archive_record* m_archive;
+    const char* m_path;
+    std::uint32_t m_size;
+    std::uint32_t m_offset;
+    std::uint32_t m_time_stamp;
+    std::uint16_t m_path_length;
+    std::uint8_t m_compression;
+};
+
+// A folder or a file of the tree.
+class path_node
+{
+public:
+    std::string_view name() const { return {m_path + m_name_at, std::size_t{m_path_length} - m_name_at}; }
+    std::string_view path() const { return {m_path, m_path_length}; } // empty for the root
+    const pack_file_node* file() const { return m_file; }             // null for a folder
+
+private:
+    friend class path_tree;
+    const char* m_path = nullptr;
+    const pack_file_node* m_file = nullptr;
+    std::uint32_t m_first_child = 0; // 0: none, for the root is nobody's child
+    std::uint32_t m_next_sibling = 0;
+    std::uint16_t m_path_length = 0;
+    std::uint16_t m_name_at = 0;
+};
+
+class path_tree : public std::enable_shared_from_this<path_tree>
+{
+public:
+    using node_pointer = std::shared_ptr<const path_node>;
+
+    path_tree();
+    path_tree(const path_tree&) = delete;
+    path_tree& operator=(const path_tree&) = delete;
+
+    // The node of a path with '\' or '/' between its components, in any case; empty components are dropped and an empty
+    // path is the root. Null when there is none. The pointer keeps the tree alive.
+    node_pointer getNodeFromInternalPath(std::string_view path) const;
+    // The same without sharing: valid as long as the caller holds the tree.
+    const path_node* find(std::string_view path) const;
+
+    const path_node& root() const { return m_nodes.front(); }
+    std::vector<const path_node*> children(const path_node& folder) const; // ordered by name
+    // The winning file of every path, ordered by path (bytes).
+    std::vector<const pack_file_node*> files() const;
+
+    const std::deque<archive_record>& archives() const { return m_archives; }
+    // Every file of every archive, in the order in which they were entered.
+    const std::deque<std::vector<pack_file_node>>& entries() const { return m_entries; }
+    std::size_t entryCount() const;
+
+    // --- building -------------------------------------------------------------------------------------------------
+    archive_record& addArchive(archive_record archive);
+    // Takes over a block of text in which paths of entries to come lie.
+    void keepText(std::unique_ptr<char[]> text) { m_texts.push_back(std::move(text)); }
+    // Enters an archive's files in their order. Their paths are lower case, without empty components, not empty, and
+    // lie in kept text.
+    void enter(std::vector<pack_file_node> files);
+    // Makes room for so many more files, so that no rehashing interrupts the entering.
+    void reserve(std::size_t file_count);
+
+private:
+    struct slot
+    {
+        std::uint32_t hash = 0;
+        std::uint32_t node = 0; // 0: free, for the root needs no slot
+    };
+
+    std::uint32_t folderOf(std::string_view path, std::uint64_t& hash);
+    std::uint32_t findOrAdd(std::string_view path, std::size_t name_at, std::uint64_t hash, std::uint32_t parent);
+    const slot* findSlot(std::string_view path, std::uint64_t hash) const;
+    void grow(std::size_t slot_count);
+
+    std::vector<path_node> m_nodes; // the root first
+    std::vector<slot> m_slots;      // a power of two
+    std::deque<archive_record> m_archives;
+    std::deque<std::vector<pack_file_node>> m_entries;
+    std::vector<std::unique_ptr<char[]>> m_texts;
+};
+
+} // namespace korvane

@@ -1,0 +1,204 @@
+// archives, list, extract: the games' archives from the console.
+
+#include "Korvane/cli/commands.h"
+
+#include "EASY_GUI/services/file_system.h"
+#include "EASY_GUI/services/text.h"
+#include "Korvane/archives/pack_entry.h"
+#include "Korvane/archives/path_pattern.h"
+#include "Korvane/cli/game_files.h"
+
+#include <memory>
+#include <unordered_map>
+
+namespace korvane
+{
+
+namespace
+{
+
+void runArchives(cli_context& context)
+{
+    failure why;
+    const std::shared_ptr<const path_tree> tree = loadArchives(context, why);
+    if (!tree)
+        return context.fail(why);
+    json list = json::array();
+    std::size_t position = 0;
+    for (const archive_record& archive : tree->archives())
+    {
+        if (context.is_json)
+            list.push_back({{"position", position},
+                            {"name", displayText(archive.name)},
+                            {"path", displayText(archive.path)},
+                            {"format", archive.format},
+                            {"files", archive.file_count}});
+        else
+            context.print(std::to_string(position) + "  " + archive.format + "  " + std::to_string(archive.file_count) +
+                          " files  " + displayText(archive.path) + "\n");
+        ++position;
+    }
+    if (context.is_json)
+        context.printJson(list);
+}
+
+using hidden_archives = std::unordered_map<const pack_file_node*, std::vector<const archive_record*>>;
+
+// For each winning file the archives whose copy it overrides, in the order of reading.
+hidden_archives hiddenCopies(const path_tree& tree)
+{
+    hidden_archives hidden;
+    for (const std::vector<pack_file_node>& files : tree.entries())
+        for (const pack_file_node& file : files)
+        {
+            const path_node* const node = tree.find(file.internalPath());
+            if (node && node->file() && node->file() != &file)
+                hidden[node->file()].push_back(&file.archive());
+        }
+    return hidden;
+}
+
+json fileJson(const pack_file_node& file, const hidden_archives& hidden)
+{
+    json hides = json::array();
+    if (const auto found = hidden.find(&file); found != hidden.end())
+        for (const archive_record* archive : found->second)
+            hides.push_back(displayText(archive->path));
+    return {{"path", displayText(file.internalPath())},
+            {"archive", displayText(file.packPath())},
+            {"size", file.size()},
+            {"offset", file.offset()},
+            {"compressed", file.compression() != 0},
+            {"hides", std::move(hides)}};
+}
+
+void runList(cli_context& context, const std::string& pattern)
+{
+    failure why;
+    const std::shared_ptr<const path_tree> tree = loadArchives(context, why);
+    if (!tree)
+        return context.fail(why);
+    const hidden_archives hidden = context.is_json ? hiddenCopies(*tree) : hidden_archives();
+    std::string text = context.is_json ? "[" : "";
+    bool is_first = true;
+    for (const pack_file_node* file : tree->files())
+    {
+        if (!matchesPattern(file->internalPath(), pattern))
+            continue;
+        if (!context.is_json)
+            text += displayText(file->internalPath()) + "\n";
+        else
+            text += (is_first ? "" : ",") + fileJson(*file, hidden).dump();
+        is_first = false;
+        if (text.size() > 1u << 16)
+        {
+            context.print(text);
+            text.clear();
+        }
+    }
+    context.print(text + (context.is_json ? "]\n" : ""));
+}
+
+struct extract_options
+{
+    std::string path;
+    std::string pattern;
+    std::string output;
+};
+
+void extractOne(cli_context& context, const extract_options& options)
+{
+    const std::string operand = options.path.starts_with("pack:") ? options.path : "pack:" + options.path;
+    memory_file bytes;
+    failure why;
+    if (!readOperand(context, operand, bytes, why) || !writeWholeFile(options.output, bytes.bytes(), why))
+        context.fail(why);
+}
+
+bool extractBelow(const pack_file_node& file, const std::string& folder, failure& why)
+{
+    std::string reason;
+    const std::optional<std::string> relative = relativeDiskPath(file.internalPath(), reason);
+    if (!relative)
+        return fail(why, failure_kind::refused, "refused: " + reason, std::string(file.internalPath()));
+    const std::filesystem::path target = toPath(folder) / toPath(*relative);
+    std::error_code error;
+    std::filesystem::create_directories(target.parent_path(), error);
+    if (error)
+        return fail(why, failure_kind::unwritable, "the folder cannot be created: " + error.message(),
+                    toUtf8(target.parent_path()));
+    memory_file bytes;
+    return readEntry(file, bytes, why) && writeWholeFile(toUtf8(target), bytes.bytes(), why);
+}
+
+void extractMatching(cli_context& context, const extract_options& options)
+{
+    failure why;
+    const std::shared_ptr<const path_tree> tree = loadArchives(context, why);
+    if (!tree)
+        return context.fail(why);
+    std::size_t written = 0, failed = 0;
+    for (const pack_file_node* file : tree->files())
+    {
+        if (!matchesPattern(file->internalPath(), options.pattern))
+            continue;
+        failure reason;
+        if (extractBelow(*file, options.output, reason))
+            ++written;
+        else
+        {
+            ++failed;
+            context.note(displayText(describe(reason)));
+        }
+        context.progress(std::to_string(written) + " files extracted");
+    }
+    if (failed > 0)
+        return context.fail(
+            {failure_kind::refused,
+             std::to_string(failed) + " of " + std::to_string(written + failed) + " files could not be extracted",
+             options.output, 0, ""});
+    if (written == 0)
+        return context.fail({failure_kind::not_found, "no file matches", options.pattern, 0, ""});
+    context.print(std::to_string(written) + " files extracted\n");
+}
+
+} // namespace
+
+void addArchiveCommands(CLI::App& app, cli_context& context)
+{
+    CLI::App* archives = app.add_subcommand("archives", "List the archives in the order in which they are read");
+    context.addJsonOption(*archives);
+    archives->callback(
+        [&context]
+        {
+            runArchives(context);
+        });
+
+    const auto pattern = std::make_shared<std::string>("*");
+    CLI::App* list = app.add_subcommand("list", "List the files of all archives");
+    list->add_option("PATTERN", *pattern, "Internal paths to list, with * and ? (default: all)");
+    context.addJsonOption(*list);
+    list->callback(
+        [&context, pattern]
+        {
+            runList(context, *pattern);
+        });
+
+    const auto options = std::make_shared<extract_options>();
+    CLI::App* extract = app.add_subcommand("extract", "Write files out of the archives to disk");
+    CLI::Option* path = extract->add_option("INTERNAL_PATH", options->path, "One file");
+    CLI::Option* match = extract->add_option("--match", options->pattern, "All files whose path matches, with * and ?");
+    match->type_name("PATTERN")->excludes(path);
+    extract->add_option("-o", options->output, "The file to write, or with --match the folder")->required();
+    extract->callback(
+        [&context, options]
+        {
+            if (!options->pattern.empty())
+                return extractMatching(context, *options);
+            if (options->path.empty())
+                throw CLI::RequiredError("INTERNAL_PATH or --match");
+            extractOne(context, *options);
+        });
+}
+
+} // namespace korvane

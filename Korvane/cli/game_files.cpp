@@ -1,0 +1,112 @@
+#include "Korvane/cli/game_files.h"
+
+#include "EASY_GUI/services/config_file.h"
+#include "EASY_GUI/services/text.h"
+#include "EASY_GUI/services/user_prompt.h"
+#include "Korvane/archives/pack_entry.h"
+#include "Korvane/archives/pack_file.h"
+#include "Korvane/archives/pack_reader.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+constexpr std::string_view pack_prefix = "pack:";
+
+// Keeps the last message: whoever asked prints it as the failure, or as notes.
+class message_keeper : public user_prompt
+{
+public:
+    void show(const std::string&, const std::string& text, prompt_icon) override { message = text; }
+    bool confirm(const std::string&, const std::string&) override { return false; }
+    std::optional<std::string> pickOpenPath(const std::string&, const std::vector<file_filter>&) override { return {}; }
+    std::optional<std::string> pickSavePath(const std::string&, const std::vector<file_filter>&,
+                                            const std::string&) override
+    {
+        return {};
+    }
+
+    std::string message;
+};
+
+std::vector<std::string> dataFolders(const cli_context& context)
+{
+    std::vector<std::string> folders = context.data_folders;
+    for (std::string& folder : folders)
+        if (!folder.ends_with('/') && !folder.ends_with('\\'))
+            folder += '/';
+    if (!folders.empty())
+        return folders;
+    config_file config;
+    config.load(context.config_path.empty() ? config_file::defaultPath() : context.config_path);
+    return config.get("data_paths");
+}
+
+void noteLines(cli_context& context, const std::string& text)
+{
+    for (std::size_t begin = 0; begin < text.size();)
+    {
+        const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
+        if (end > begin)
+            context.note(displayText(text.substr(begin, end - begin)));
+        begin = end + 1;
+    }
+}
+
+} // namespace
+
+std::shared_ptr<const path_tree> loadArchives(cli_context& context, failure& why)
+{
+    if (pack_file::sm_poPathTree)
+        return pack_file::sm_poPathTree;
+    const std::vector<std::string> folders = dataFolders(context);
+    if (folders.empty())
+    {
+        fail(why, failure_kind::not_found, "no data folders: give --data DIR, or add data_paths to the configuration");
+        return nullptr;
+    }
+    message_keeper messages;
+    pack_reader reader({messages,
+                        {},
+                        [&context](std::size_t done, std::size_t of, const std::string& path)
+                        {
+                            context.progress("reading archive " + std::to_string(done + 1) + " of " +
+                                             std::to_string(of) + ": " + displayText(path));
+                        }});
+    if (!reader.loadAllArchives(folders))
+    {
+        fail(why, failure_kind::not_found, messages.message);
+        return nullptr;
+    }
+    noteLines(context, messages.message);
+    return pack_file::sm_poPathTree;
+}
+
+bool readOperand(cli_context& context, const std::string& operand, memory_file& bytes, failure& why)
+{
+    if (!operand.starts_with(pack_prefix))
+        return bytes.read(operand, why);
+    const std::shared_ptr<const path_tree> tree = loadArchives(context, why);
+    if (!tree)
+        return false;
+    const path_node* const node = tree->find(std::string_view(operand).substr(pack_prefix.size()));
+    if (!node || !node->file())
+        return fail(why, failure_kind::not_found,
+                    node ? "this is a folder of the archives, not a file" : "no archive holds this path", operand);
+    return readEntry(*node->file(), bytes, why);
+}
+
+bool openModel(cli_context& context, const std::string& operand, rmv2_file& model, failure& why)
+{
+    if (!operand.starts_with(pack_prefix))
+        return model.open(operand, why);
+    memory_file bytes;
+    return readOperand(context, operand, bytes, why) && model.openFromMemory(std::move(bytes), operand, why);
+}
+
+} // namespace korvane

@@ -1,0 +1,128 @@
+#include "Korvane/archives/pack_entry.h"
+#include "tests/support/model_builder.h"
+
+#include <gtest/gtest.h>
+
+#include <lz4frame.h>
+#include <lzma.h>
+#include <zstd.h>
+
+#include <string>
+
+namespace korvane
+{
+namespace
+{
+
+std::string contents()
+{
+    std::string text;
+    for (int i = 0; i < 5000; ++i)
+        text += "line " + std::to_string(i * i) + "\n";
+    return text;
+}
+
+std::string withLength(std::size_t length, const std::string& data)
+{
+    test::bytes_out out;
+    out.u32(static_cast<std::uint32_t>(length));
+    out.text(data);
+    return out.str();
+}
+
+std::string zstd(const std::string& text)
+{
+    std::string data(ZSTD_compressBound(text.size()), '\0');
+    data.resize(ZSTD_compress(data.data(), data.size(), text.data(), text.size(), 3));
+    return data;
+}
+
+std::string lz4(const std::string& text)
+{
+    std::string data(LZ4F_compressFrameBound(text.size(), nullptr), '\0');
+    data.resize(LZ4F_compressFrame(data.data(), data.size(), text.data(), text.size(), nullptr));
+    return data;
+}
+
+std::string lzma1(const std::string& text)
+{
+    lzma_options_lzma options;
+    lzma_lzma_preset(&options, 6);
+    const lzma_filter filters[2] = {{LZMA_FILTER_LZMA1, &options}, {LZMA_VLI_UNKNOWN, nullptr}};
+    std::string data(5 + text.size() * 2 + 1024, '\0');
+    auto* const bytes = reinterpret_cast<std::uint8_t*>(data.data());
+    lzma_properties_encode(&filters[0], bytes);
+    std::size_t position = 5;
+    lzma_raw_buffer_encode(filters, nullptr, reinterpret_cast<const std::uint8_t*>(text.data()), text.size(), bytes,
+                           &position, data.size());
+    data.resize(position);
+    return data;
+}
+
+bool unpack(const std::string& stored, std::string& text, failure& why)
+{
+    memory_file bytes;
+    if (!unpackEntry(std::as_bytes(std::span(stored)), bytes, why))
+        return false;
+    text = bytes.text();
+    return true;
+}
+
+} // namespace
+
+TEST(pack_entry, everyCompressionGivesTheBytesBack)
+{
+    for (const auto& compress : {zstd, lz4, lzma1})
+        for (const std::string& text : {contents(), std::string("x"), std::string(1 << 20, 'y')})
+        {
+            std::string unpacked;
+            failure why;
+            ASSERT_TRUE(unpack(withLength(text.size(), compress(text)), unpacked, why)) << describe(why);
+            EXPECT_EQ(unpacked, text);
+        }
+}
+
+TEST(pack_entry, aLengthThatDoesNotMatchIsAnError)
+{
+    const std::string text = contents();
+    for (const auto& compress : {zstd, lz4})
+        for (const std::size_t length : {text.size() - 1, text.size() + 1, std::size_t{0}})
+        {
+            std::string unpacked;
+            failure why;
+            EXPECT_FALSE(unpack(withLength(length, compress(text)), unpacked, why)) << length;
+            EXPECT_EQ(why.field, "compressed data");
+        }
+    std::string unpacked;
+    failure more, cap;
+    EXPECT_FALSE(unpack(withLength(text.size() + 1, lzma1(text)), unpacked, more));
+    EXPECT_FALSE(unpack(withLength((std::size_t{1} << 30) + 1, zstd(text)), unpacked, cap));
+    EXPECT_EQ(cap.field, "unpacked length");
+}
+
+TEST(pack_entry, damagedDataIsAnErrorOrTheRightNumberOfBytes)
+{
+    const std::string text = contents().substr(0, 600);
+    for (const auto& compress : {zstd, lz4, lzma1})
+    {
+        const std::string stored = withLength(text.size(), compress(text));
+        for (std::size_t size = 0; size < stored.size(); size += 3)
+        {
+            std::string unpacked;
+            failure why;
+            const bool is_good = unpack(stored.substr(0, size), unpacked, why); // an end mark may be cut off
+            EXPECT_TRUE(is_good ? unpacked.size() == text.size() : !why.what.empty());
+        }
+        for (std::size_t at = 4; at < stored.size(); ++at)
+        {
+            std::string patched = stored;
+            patched[at] = static_cast<char>(patched[at] ^ 0x55);
+            std::string unpacked;
+            failure why;
+            const bool is_good = unpack(patched, unpacked, why);
+            EXPECT_TRUE(is_good ? unpacked.size() == text.size() : !why.what.empty());
+        }
+    }
+}
+
+} // namespace korvane
