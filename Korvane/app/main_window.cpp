@@ -4,6 +4,7 @@
 #include "EASY_GUI/services/version.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/resources.h"
+#include "Korvane/archives/pack_reader.h"
 #include "Korvane/document/recent_files.h"
 
 #include <algorithm>
@@ -71,6 +72,7 @@ bool main_window::onCreated()
         m_ports.set_prompt_owner(handle());
     if (!m_ports.log_name.empty())
         m_ports.log.open(m_ports.log_name);
+    loadArchives();
     showFirstRunNotice();
 
     log("assigning accelerators ");
@@ -100,6 +102,19 @@ void main_window::onDestroyed()
     if (m_ports.set_prompt_owner)
         m_ports.set_prompt_owner(nullptr);
     PostQuitMessage(0);
+}
+
+void main_window::loadArchives()
+{
+    log("Initializing virtual file system (.pack reading)...");
+    pack_reader reader({m_ports.prompt,
+                        [this](const std::string& line)
+                        {
+                            log(line);
+                        },
+                        {}});
+    // Without data folders, or with one that holds no archive, the program runs on the disk alone.
+    static_cast<void>(reader.loadAllArchives(m_ports.config.get("data_paths")));
 }
 
 void main_window::showFirstRunNotice()

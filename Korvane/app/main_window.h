@@ -66,6 +66,7 @@ private:
     bool createPanels(failure& why);
     void buildMenus();
     void fillRecentFiles();
+    void loadArchives();
     void showFirstRunNotice();
     void applyFont();
     int contentHeight();

@@ -1,6 +1,7 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/file_system.h"
+#include "Korvane/cli/game_files.h"
 #include "Korvane/models/rmv2_file.h"
 #include "Korvane/viewer/offscreen.h"
 
@@ -68,9 +69,12 @@ bool render(const render_arguments& arguments, cli_context& context, failure& wh
         context.note(line);
     };
 
+    if (!context.data_folders.empty() && !loadArchives(context, why)) // for the textures of a model on the disk, too
+        return false;
     rmv2_file file;
     render_result result;
-    if (!file.open(arguments.model, why) || !renderToImage(file.data(), arguments.model, options, result, why) ||
+    if (!openModel(context, arguments.model, file, why) ||
+        !renderToImage(file.data(), arguments.model, options, result, why) ||
         !writePicture(arguments.output, options, result, why))
         return false;
     if (options.frames > 1)

@@ -1,6 +1,6 @@
 #include "Korvane/viewer/d3d_window.h"
 
-#include "D3D11_RENDER_LIB/disk_texture_source.h"
+#include "D3D11_RENDER_LIB/model_texture_source.h"
 #include "Korvane/viewer/render_worker.h"
 
 #include <algorithm>
@@ -92,11 +92,11 @@ bool d3d_window::initialise(HWND owner, std::shared_ptr<const RMV2_FILE_DATA> mo
     log("D3dWindow:GFXinit: createTargetTexture(): SUCCESS");
 
     log("D3dWindow:GFXinit: Loading Textures");
-    const disk_texture_source disk(model_path);
+    const model_texture_source own(model_path, m_ports.log);
     log("D3dWindow:GFXinit: Loading Textures: SUCESSS");
 
     log("D3dWindow:GFXinit: Loading Mesh");
-    worker.scene().setModel(library.device(), {model.get(), model_path, 0, &disk});
+    worker.scene().setModel(library.device(), {model.get(), model_path, 0, &own});
     m_model_path = model_path;
     log("D3dWindow:GFXinit: Loading Mesh: SUCESSS!");
 
@@ -145,8 +145,8 @@ void d3d_window::frameModel()
 void d3d_window::setModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& model_path, std::size_t lod,
                           std::shared_ptr<const texture_source> textures)
 {
-    const disk_texture_source disk(model_path);
-    m_po_worker->setModel({model.get(), model_path, lod, textures ? textures.get() : &disk});
+    const model_texture_source own(model_path, m_ports.log);
+    m_po_worker->setModel({model.get(), model_path, lod, textures ? textures.get() : &own});
     m_view.setLightDefaults();
     if (model_path == m_model_path)
         return redraw();

@@ -1,6 +1,6 @@
 #include "Korvane/viewer/offscreen.h"
 
-#include "D3D11_RENDER_LIB/disk_texture_source.h"
+#include "D3D11_RENDER_LIB/model_texture_source.h"
 #include "Korvane/viewer/model_scene.h"
 
 #include <chrono>
@@ -39,9 +39,10 @@ bool renderToImage(const RMV2_FILE_DATA& model, const std::string& model_path, c
         return false;
     library.createAll();
 
-    const disk_texture_source disk(model_path);
+    const model_texture_source textures(model_path, options.log);
     model_scene scene(options.log);
-    scene.setModel(library.device(), {&model, model_path, options.lod, options.textures ? options.textures : &disk});
+    scene.setModel(library.device(),
+                   {&model, model_path, options.lod, options.textures ? options.textures : &textures});
     scene_targets targets;
     targets.create(library.device(), options.width, options.height);
     picture_target picture;

@@ -22,21 +22,23 @@ public:
     bool confirm(const std::string& title, const std::string& text) override
     {
         shown.emplace_back(title, text);
+        return will_confirm;
+    }
+    std::optional<std::string> pickOpenPath(const std::string& title, const std::vector<file_filter>& filters) override
+    {
+        picked_with = title + "|" + filters.at(0).label + "|" + filters.at(0).pattern;
         return answer;
     }
-    std::optional<std::string> pickOpenPath(const std::string&, const std::vector<file_filter>&) override
-    {
-        return path;
-    }
-    std::optional<std::string> pickSavePath(const std::string&, const std::vector<file_filter>&,
+    std::optional<std::string> pickSavePath(const std::string& title, const std::vector<file_filter>& filters,
                                             const std::string&) override
     {
-        return path;
+        return pickOpenPath(title, filters);
     }
 
     std::vector<std::pair<std::string, std::string>> shown; // title, text
-    bool answer = false;
-    std::optional<std::string> path;
+    std::string picked_with;                                // of the last picker: title, first label, first pattern
+    bool will_confirm = false;
+    std::optional<std::string> answer; // of the next picker
 };
 
 } // namespace korvane::test

@@ -1,6 +1,9 @@
 #include "D3D11_RENDER_LIB/disk_texture_source.h"
+#include "D3D11_RENDER_LIB/model_texture_source.h"
 
 #include "EASY_GUI/services/file_system.h"
+#include "Korvane/archives/pack_file.h"
+#include "tests/support/pack_builder.h"
 
 #include <gtest/gtest.h>
 
@@ -67,6 +70,32 @@ TEST_F(DiskTextureSource, LooksAroundTheModelWithoutRegardToCase)
     };
     for (const auto& row : rows)
         EXPECT_EQ(found(row.path), row.content) << row.path;
+}
+
+TEST_F(DiskTextureSource, TheArchivesComeFirstWhenTheyAreLoaded)
+{
+    test::test_pack pack;
+    pack.magic = "PFH5";
+    pack.entries = {{"VariantMeshes\\Body_Diffuse.dds", "from the archive"}, {"broken.dds", "no compression", 1}};
+    std::ofstream(m_root / "data/a.pack", std::ios::binary) << pack.bytes();
+    pack_file archive;
+    failure why;
+    ASSERT_TRUE(archive.open(toUtf8(m_root / "data/a.pack"), why)) << describe(why);
+    pack_file::sm_poPathTree = std::make_shared<path_tree>();
+    archive.enterInto(*pack_file::sm_poPathTree);
+
+    std::vector<std::string> log;
+    const model_texture_source source(toUtf8(m_root / "data/units/man/man.rigid_model_v2"),
+                                      [&](const std::string& line)
+                                      {
+                                          log.push_back(line);
+                                      });
+    EXPECT_EQ(source.read("variantmeshes/body_diffuse.dds").value().text(), "from the archive");
+    EXPECT_EQ(source.read("beside.dds").value().text(), "beside");
+    EXPECT_FALSE(source.read("broken.dds"));
+    ASSERT_EQ(log.size(), 1u);
+    EXPECT_NE(log[0].find("broken.dds"), std::string::npos);
+    pack_file::sm_poPathTree = nullptr; // the archive is closed before its folder goes
 }
 
 } // namespace

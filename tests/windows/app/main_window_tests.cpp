@@ -6,7 +6,10 @@
 #include "EASY_GUI/win32/wide_text.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/main_window.h"
+#include "Korvane/archives/pack_file.h"
 #include "tests/support/model_builder.h"
+#include "tests/support/pack_builder.h"
+#include "tests/support/recording_prompt.h"
 
 #include <gtest/gtest.h>
 
@@ -20,30 +23,6 @@ namespace korvane::test
 {
 namespace
 {
-
-class recording_prompt : public user_prompt
-{
-public:
-    void show(const std::string& title, const std::string& text, prompt_icon) override
-    {
-        shown.emplace_back(title, text);
-    }
-    bool confirm(const std::string&, const std::string&) override { return false; }
-    std::optional<std::string> pickOpenPath(const std::string& title, const std::vector<file_filter>& filters) override
-    {
-        picked_with = title + "|" + filters.at(0).label + "|" + filters.at(0).pattern;
-        return answer;
-    }
-    std::optional<std::string> pickSavePath(const std::string&, const std::vector<file_filter>&,
-                                            const std::string&) override
-    {
-        return std::nullopt;
-    }
-
-    std::vector<std::pair<std::string, std::string>> shown;
-    std::string picked_with;
-    std::optional<std::string> answer;
-};
 
 struct view_record
 {
@@ -204,7 +183,7 @@ protected:
     std::string m_folder = toUtf8(std::filesystem::temp_directory_path()) + "korvane window 李\\";
     config_file m_config;
     log_file m_log;
-    recording_prompt m_prompt;
+    test::recording_prompt m_prompt;
     view_record m_view;
     bool m_has_graphics = true;
     std::string m_opened_folder;
@@ -411,6 +390,33 @@ TEST_F(main_window_test, TheFirstStartShowsItsNoticeOnce)
     m_window.reset();
     openWindow();
     EXPECT_EQ(m_prompt.shown.size(), 1u);
+}
+
+TEST_F(main_window_test, TheArchivesAreReadBeforeAnythingElse)
+{
+    const std::string data = m_folder + "Data\\";
+    std::filesystem::create_directories(toPath(data));
+    test::test_pack pack;
+    pack.entries = {{"Tex\\A.dds", "bytes"}};
+    failure why;
+    ASSERT_TRUE(writeWholeFile(data + "one.pack", pack.bytes(), why));
+    ASSERT_TRUE(writeWholeFile(data + "two.pack", std::string("PFH1"), why));
+    m_config.add("DATA_PATHS", {data}, false);
+    openWindow();
+    ASSERT_TRUE(pack_file::sm_poPathTree);
+    EXPECT_NE(pack_file::sm_poPathTree->find("tex/a.dds"), nullptr);
+    ASSERT_EQ(m_prompt.shown.size(), 1u); // the damaged one is named, and the program runs
+    EXPECT_NE(m_prompt.shown[0].second.find("two.pack"), std::string::npos);
+    memory_file log;
+    ASSERT_TRUE(log.read(m_folder + "log.txt", why));
+    std::size_t at = 0;
+    for (const char* line : {"Initializing virtual file system (.pack reading)...", ".pack files being sorted...",
+                             "[PACK FILE] 0 : ", "[PACK FILE] 1 : ", "assigning accelerators "})
+    {
+        at = log.text().find(line, at);
+        ASSERT_NE(at, std::string_view::npos) << line;
+    }
+    pack_file::sm_poPathTree = nullptr;
 }
 
 TEST_F(main_window_test, WithoutAGraphicsDeviceTheModelIsStillShown)
