@@ -13,8 +13,24 @@ namespace korvane
 namespace
 {
 
-constexpr std::uint64_t root_hash = 0x9e3779b97f4a7c15u;
+constexpr std::uint64_t seed = 0x9e3779b97f4a7c15u;
 constexpr std::size_t longest_run = 64;
+
+constexpr std::uint64_t ones = 0x0101010101010101u;
+constexpr std::uint64_t separators = '\\' * ones;
+
+std::uint64_t wordAt(const char* bytes)
+{
+    std::uint64_t word;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+// The high bit of every byte that is zero (and perhaps of one above such a byte: enough to know whether there is any).
+std::uint64_t zeroBytes(std::uint64_t word)
+{
+    return (word - ones) & ~word & (0x80u * ones);
+}
 
 std::uint64_t mix(std::uint64_t a, std::uint64_t b)
 {
@@ -22,20 +38,42 @@ std::uint64_t mix(std::uint64_t a, std::uint64_t b)
     return product ^ (product >> 32);
 }
 
-// The hash of a path is made component by component, so that a file's hash starts from its folder's.
-std::uint64_t hashComponent(std::uint64_t hash, std::string_view name)
+std::uint64_t hashBytes(std::string_view text)
 {
-    const char* bytes = name.data();
-    std::size_t left = name.size();
-    for (; left >= 8; left -= 8, bytes += 8)
+    const char* bytes = text.data();
+    std::size_t left = text.size();
+    std::uint64_t even = seed;
+    std::uint64_t odd = ~seed;
+    for (; left >= 16; left -= 16, bytes += 16) // two chains, so that neither waits for the other's product
     {
-        std::uint64_t word;
-        std::memcpy(&word, bytes, 8);
-        hash = mix(hash, word);
+        even = mix(even, wordAt(bytes));
+        odd = mix(odd, wordAt(bytes + 8));
+    }
+    if (left >= 8)
+    {
+        even = mix(even, wordAt(bytes));
+        bytes += 8;
+        left -= 8;
     }
     std::uint64_t tail = 0;
     std::memcpy(&tail, bytes, left);
-    return mix(mix(hash, tail), name.size());
+    return mix(mix(even, tail), odd + text.size());
+}
+
+// The hash of a path is made of its folder's and its name's, so that the files of one folder share the first.
+std::uint64_t hashInFolder(std::uint64_t folder_hash, std::string_view name)
+{
+    return mix(folder_hash, hashBytes(name));
+}
+
+std::uint64_t hashPath(std::string_view path, std::size_t name_at)
+{
+    return hashInFolder(hashBytes(path.substr(0, name_at)), path.substr(name_at));
+}
+
+std::uint16_t tagOf(std::uint64_t hash)
+{
+    return static_cast<std::uint16_t>(hash >> 48);
 }
 
 std::size_t nameStart(std::string_view path)
@@ -53,13 +91,19 @@ public:
     {
         std::memcpy(m_text, path.data(), m_size);
         lowerInPlace(m_text, m_size);
-        std::replace(m_text, m_text + m_size, '/', '\\');
+        for (char* slash = m_text; (slash = findSlash(slash)) != nullptr;)
+            *slash = '\\';
         if (hasEmptyComponents(view()))
             m_size = dropEmptyComponents(m_text, m_size);
     }
     std::string_view view() const { return {m_text, m_size}; }
 
 private:
+    char* findSlash(char* from)
+    {
+        return static_cast<char*>(std::memchr(from, '/', static_cast<std::size_t>(m_text + m_size - from)));
+    }
+
     char m_text[2048];
     std::size_t m_size;
 };
@@ -70,8 +114,13 @@ bool hasEmptyComponents(std::string_view path)
 {
     if (path.empty() || path.front() == '\\' || path.back() == '\\')
         return true;
-    for (std::size_t i = 1; i < path.size(); ++i)
-        if (path[i] == '\\' && path[i - 1] == '\\')
+    // Eight neighbours at a time: a byte of the sum is zero where a separator follows a separator.
+    std::size_t at = 1;
+    for (; at + 8 <= path.size(); at += 8)
+        if (zeroBytes((wordAt(path.data() + at) ^ separators) | (wordAt(path.data() + at - 1) ^ separators)) != 0)
+            return true;
+    for (; at < path.size(); ++at)
+        if (path[at] == '\\' && path[at - 1] == '\\')
             return true;
     return false;
 }
@@ -116,14 +165,7 @@ const path_node* path_tree::find(std::string_view path) const
     const std::string_view form = looked_up.view();
     if (form.empty())
         return &m_nodes.front();
-    std::uint64_t hash = root_hash;
-    for (std::size_t begin = 0; begin <= form.size();)
-    {
-        const std::size_t end = std::min(form.find('\\', begin), form.size());
-        hash = hashComponent(hash, form.substr(begin, end - begin));
-        begin = end + 1;
-    }
-    const slot* const found = findSlot(form, hash);
+    const slot* const found = findSlot(form, hashPath(form, nameStart(form)));
     return found->node != 0 ? &m_nodes[found->node] : nullptr;
 }
 
@@ -189,8 +231,8 @@ void path_tree::enter(std::vector<pack_file_node> files)
         const std::string_view first = entered[begin].internalPath();
         const std::size_t name_at = nameStart(first);
         const std::string_view folder_path = first.substr(0, name_at);
-        std::uint64_t folder_hash = root_hash;
-        const std::uint32_t folder = folderOf(folder_path, folder_hash);
+        const std::uint64_t folder_hash = hashBytes(folder_path);
+        const std::uint32_t folder = folderOf(folder_path);
         hashes.clear();
         std::size_t end = begin;
         for (; end < entered.size() && hashes.size() < longest_run; ++end)
@@ -199,7 +241,7 @@ void path_tree::enter(std::vector<pack_file_node> files)
             const std::string_view name = path.substr(std::min(name_at, path.size()));
             if (path.substr(0, name_at) != folder_path || name.find('\\') != std::string_view::npos)
                 break;
-            hashes.push_back(hashComponent(folder_hash, name));
+            hashes.push_back(hashInFolder(folder_hash, name));
             __builtin_prefetch(&m_slots[static_cast<std::size_t>(hashes.back()) & (m_slots.size() - 1)]);
         }
         for (std::size_t i = begin; i < end; ++i)
@@ -209,15 +251,13 @@ void path_tree::enter(std::vector<pack_file_node> files)
 }
 
 // The node of a folder given with its closing separator, made with all its parents where it is missing.
-std::uint32_t path_tree::folderOf(std::string_view path, std::uint64_t& hash)
+std::uint32_t path_tree::folderOf(std::string_view path)
 {
-    hash = root_hash;
     std::uint32_t node = 0;
     for (std::size_t begin = 0; begin < path.size();)
     {
         const std::size_t end = path.find('\\', begin);
-        hash = hashComponent(hash, path.substr(begin, end - begin));
-        node = findOrAdd(path.substr(0, end), begin, hash, node);
+        node = findOrAdd(path.substr(0, end), begin, hashPath(path.substr(0, end), begin), node);
         begin = end + 1;
     }
     return node;
@@ -235,7 +275,7 @@ std::uint32_t path_tree::findOrAdd(std::string_view path, std::size_t name_at, s
     node.m_name_at = static_cast<std::uint16_t>(name_at);
     node.m_next_sibling = std::exchange(m_nodes[parent].m_first_child, index);
     m_nodes.push_back(node);
-    *found = {static_cast<std::uint32_t>(hash >> 32), index};
+    *found = {path.data(), index, static_cast<std::uint16_t>(path.size()), tagOf(hash)};
     if (m_nodes.size() * 4 > m_slots.size() * 3)
         grow(m_slots.size() * 2);
     return index;
@@ -244,32 +284,27 @@ std::uint32_t path_tree::findOrAdd(std::string_view path, std::size_t name_at, s
 const path_tree::slot* path_tree::findSlot(std::string_view path, std::uint64_t hash) const
 {
     const std::size_t mask = m_slots.size() - 1;
-    const auto tag = static_cast<std::uint32_t>(hash >> 32);
+    const std::uint16_t tag = tagOf(hash);
     for (std::size_t at = static_cast<std::size_t>(hash) & mask;; at = (at + 1) & mask)
     {
         const slot& candidate = m_slots[at];
-        if (candidate.node == 0 || (candidate.hash == tag && m_nodes[candidate.node].path() == path))
+        const bool is_alike = candidate.tag == tag && candidate.path_length == path.size();
+        if (candidate.node == 0 || (is_alike && std::memcmp(candidate.path, path.data(), path.size()) == 0))
             return &candidate;
     }
 }
 
 void path_tree::grow(std::size_t slot_count)
 {
-    // A slot keeps only half of its hash, so the other half is made again from the path.
+    // A slot keeps only part of its hash, so the rest is made again from the path.
     std::vector<slot> old = std::exchange(m_slots, std::vector<slot>(slot_count));
     const std::size_t mask = slot_count - 1;
     for (const slot& moved : old)
     {
         if (moved.node == 0)
             continue;
-        std::uint64_t hash = root_hash;
-        const std::string_view path = m_nodes[moved.node].path();
-        for (std::size_t begin = 0; begin <= path.size();)
-        {
-            const std::size_t end = std::min(path.find('\\', begin), path.size());
-            hash = hashComponent(hash, path.substr(begin, end - begin));
-            begin = end + 1;
-        }
+        const std::string_view path(moved.path, moved.path_length);
+        const std::uint64_t hash = hashPath(path, nameStart(path));
         std::size_t at = static_cast<std::size_t>(hash) & mask;
         while (m_slots[at].node != 0)
             at = (at + 1) & mask;

@@ -126,13 +126,16 @@ public:
     void reserve(std::size_t file_count);
 
 private:
+    // Holds what a lookup compares, so that it need not fetch the node as well.
     struct slot
     {
-        std::uint32_t hash = 0;
+        const char* path = nullptr;
         std::uint32_t node = 0; // 0: free, for the root needs no slot
+        std::uint16_t path_length = 0;
+        std::uint16_t tag = 0; // the hash's high bits
     };
 
-    std::uint32_t folderOf(std::string_view path, std::uint64_t& hash);
+    std::uint32_t folderOf(std::string_view path);
     std::uint32_t findOrAdd(std::string_view path, std::size_t name_at, std::uint64_t hash, std::uint32_t parent);
     const slot* findSlot(std::string_view path, std::uint64_t hash) const;
     void grow(std::size_t slot_count);
