@@ -50,6 +50,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             checkField(model, group.shader_name_field);
             static_cast<void>(model.influences(group));
         }
-    require(!describeModel(model).empty());
+    describeModel(model, true,
+                  [](const std::string& text)
+                  {
+                      require(text.find('\x1b') == std::string::npos);
+                  });
     return 0;
 }

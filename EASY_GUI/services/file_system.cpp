@@ -64,8 +64,14 @@ std::string existingPathAnyCase(const std::string& path)
 
 bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, failure& why)
 {
-    const std::filesystem::path target = toPath(path);
+    std::filesystem::path target = toPath(path);
     std::error_code error;
+    if (std::filesystem::is_symlink(target, error)) // the file it leads to is replaced, the link stays
+    {
+        target = std::filesystem::weakly_canonical(target, error);
+        if (error)
+            return fail(why, failure_kind::unwritable, "the link leads nowhere: " + error.message(), path);
+    }
     if (path.empty() || std::filesystem::is_directory(target, error))
         return fail(why, failure_kind::unwritable,
                     path.empty() ? "no file name was given" : "this is a folder, not a file", path);

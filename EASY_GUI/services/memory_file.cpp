@@ -9,11 +9,7 @@
 namespace korvane
 {
 
-memory_file::memory_file(std::size_t size_bytes)
-    : m_bytes(std::make_unique_for_overwrite<std::byte[]>(size_bytes))
-    , m_size(size_bytes)
-{
-}
+memory_file::memory_file(std::size_t size_bytes) : m_bytes(allocateLarge(size_bytes)), m_size(size_bytes) {}
 
 memory_file::memory_file(std::span<const std::byte> bytes) : memory_file(bytes.size())
 {
@@ -28,10 +24,14 @@ bool memory_file::read(const std::string& path, failure& why)
     std::error_code error;
     const std::filesystem::path file = toPath(path);
     const auto status = std::filesystem::status(file, error);
-    if (!std::filesystem::exists(status))
-        return fail(why, failure_kind::not_found, "the file does not exist", path);
-    if (std::filesystem::is_directory(status))
-        return fail(why, failure_kind::unreadable, "this is a folder, not a file", path);
+    if (path.empty() || !std::filesystem::exists(status))
+        return fail(why, failure_kind::not_found, path.empty() ? "no file name was given" : "the file does not exist",
+                    path);
+    if (!std::filesystem::is_regular_file(status)) // reading a pipe or a device might never end
+        return fail(why, failure_kind::unreadable,
+                    std::filesystem::is_directory(status) ? "this is a folder, not a file"
+                                                          : "this is not a regular file",
+                    path);
 
     std::ifstream in(file, std::ios::binary | std::ios::ate);
     const std::streamoff size = in ? static_cast<std::streamoff>(in.tellg()) : -1;

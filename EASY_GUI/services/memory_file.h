@@ -4,10 +4,10 @@
 // The bytes are not cleared before they are read, and nothing is allocated before the file's size is known.
 
 #include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/large_memory.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -36,7 +36,7 @@ public:
     bool empty() const { return m_size == 0; }
 
 private:
-    std::unique_ptr<std::byte[]> m_bytes;
+    large_memory m_bytes;
     std::size_t m_size = 0;
 };
 

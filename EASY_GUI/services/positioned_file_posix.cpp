@@ -12,7 +12,8 @@ namespace korvane
 bool positioned_file::open(const std::string& path, failure& why)
 {
     close();
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    // Without waiting: opening a pipe would wait for its writer.
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0)
         return fail(why, errno == ENOENT ? failure_kind::not_found : failure_kind::unreadable,
                     std::string("the file cannot be opened: ") + std::strerror(errno), path);

@@ -145,6 +145,21 @@ std::string displayText(std::string_view bytes)
     return text;
 }
 
+std::string terminalText(std::string_view bytes)
+{
+    constexpr char digits[] = "0123456789abcdef";
+    std::string text;
+    for (const char character : displayText(bytes))
+    {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte >= 0x20 && byte != 0x7f)
+            text += character;
+        else
+            text += std::string("\\x") + digits[byte >> 4] + digits[byte & 15];
+    }
+    return text;
+}
+
 std::string utf8FromUtf16(std::u16string_view text)
 {
     std::string result;

@@ -20,6 +20,8 @@ void lowerInPlace(char* text, std::size_t size);
 [[nodiscard]] bool isUtf8(std::string_view text);
 // What to show of a text from a file: the text when it is UTF-8, else its bytes read as Latin-1.
 [[nodiscard]] std::string displayText(std::string_view bytes);
+// The same for a terminal: control characters, which could move the cursor or colour the screen, become \x1b and so on.
+[[nodiscard]] std::string terminalText(std::string_view bytes);
 [[nodiscard]] std::string utf8FromUtf16(std::u16string_view text); // unpaired surrogates become U+FFFD
 [[nodiscard]] std::u16string utf16FromUtf8(std::string_view text); // malformed bytes become U+FFFD
 

@@ -36,7 +36,7 @@ bool loadConfig(cli_context& context, config_file& config)
             context.note(path + ": reading stopped where a key was expected; what follows there is left out");
         return true;
     }
-    if (!std::filesystem::exists(toPath(path), error))
+    if (std::filesystem::symlink_status(toPath(path), error).type() == std::filesystem::file_type::not_found)
         return true;
     context.fail({failure_kind::unreadable, "the configuration cannot be read", path, 0, {}});
     return false;

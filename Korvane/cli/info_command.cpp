@@ -181,7 +181,11 @@ void runInfo(cli_context& context, const info_options& options)
         return context.fail(why);
     if (context.is_json)
         return printModelJson(context, model, options.with_vertices);
-    context.print(describeModel(model));
+    describeModel(model, options.with_vertices,
+                  [&context](const std::string& text)
+                  {
+                      context.print(text);
+                  });
 }
 
 } // namespace
@@ -192,7 +196,7 @@ void addInfoCommand(CLI::App& app, cli_context& context)
     CLI::App* command = app.add_subcommand("info", "Describe a rigid_model_v2 file");
     command->add_option("MODEL", options->model, "The model: a path on disk, or pack: and an internal path")
         ->required();
-    command->add_flag("--vertices", options->with_vertices, "Add vertices and indices (with --json)");
+    command->add_flag("--vertices", options->with_vertices, "Add vertices and indices");
     context.addJsonOption(*command);
     command->callback(
         [options, &context]

@@ -71,7 +71,7 @@ std::string describeTextures(const group_data& group)
     {
         const texture_entry& texture = group.textures[i];
         text += line(6, std::to_string(i) + "  " + std::string(textureTypeName(texture.type)),
-                     std::to_string(texture.type) + "  " + displayText(texture.path));
+                     std::to_string(texture.type) + "  " + terminalText(texture.path));
     }
     return text;
 }
@@ -79,11 +79,11 @@ std::string describeTextures(const group_data& group)
 std::string describeGroup(const group_data& group, std::size_t index)
 {
     const group_header& header = group.header;
-    std::string text = "\n  Group " + std::to_string(index) + "  \"" + displayText(header.group_name) + "\"\n";
+    std::string text = "\n  Group " + std::to_string(index) + "  \"" + terminalText(header.group_name) + "\"\n";
     text += line(4, "Material",
                  std::to_string(header.material_id) + " " + std::string(materialName(header.material_id)) + ", flags " +
                      std::to_string(group.material_flags));
-    text += line(4, "Shader", displayText(header.shader_name));
+    text += line(4, "Shader", terminalText(header.shader_name));
     text += line(4, "Alpha mode", alphaText(group.alpha_mode));
     text += line(4, "Vertex format", formatText(group));
     text += line(4, "Mesh",
@@ -99,7 +99,7 @@ std::string describeGroup(const group_data& group, std::size_t index)
     text += line(4, "Place in file",
                  "byte " + grouped(static_cast<std::size_t>(group.file_offset)) + ", " + grouped(header.group_size) +
                      " bytes");
-    text += line(4, "Texture folder", displayText(header.texture_directory));
+    text += line(4, "Texture folder", terminalText(header.texture_directory));
     text += describeTextures(group);
     if (!group.attachments.empty())
     {
@@ -107,11 +107,32 @@ std::string describeGroup(const group_data& group, std::size_t index)
         for (std::size_t i = 0; i < group.attachments.size(); ++i)
         {
             const attachment_point& point = group.attachments[i];
-            text += line(6, std::to_string(i) + "  " + displayText(point.name),
+            text += line(6, std::to_string(i) + "  " + terminalText(point.name),
                          "at " + vec3Text({point.matrix[3], point.matrix[7], point.matrix[11]}));
         }
     }
     return text;
+}
+
+void printVertices(const vertex_store& store, const std::function<void(const std::string&)>& print)
+{
+    const auto vertices = store.vertices.records();
+    for (std::size_t i = 0; i < vertices.size(); ++i)
+    {
+        const vertex_record& vertex = vertices[i];
+        std::string text = line(6, "v" + std::to_string(i),
+                                vec3Text(vertex.position) + "  normal " + vec3Text(vertex.normal) + "  uv (" +
+                                    floatText(vertex.uv.x) + ", " + floatText(vertex.uv.y) + ")");
+        text.pop_back();
+        for (std::size_t j = 0; j < vertex.weights.size(); ++j)
+            if (vertex.weights[j] != 0)
+                text += "  bone " + std::to_string(vertex.bones[j]) + ": " + floatText(vertex.weights[j]);
+        print(text + "\n");
+    }
+    for (std::size_t i = 0; i + 2 < store.indices.size(); i += 3)
+        print(line(6, "t" + std::to_string(i / 3),
+                   std::to_string(store.indices[i]) + " " + std::to_string(store.indices[i + 1]) + " " +
+                       std::to_string(store.indices[i + 2])));
 }
 
 struct totals
@@ -135,27 +156,30 @@ totals totalsOf(const lod_data& lod)
 
 } // namespace
 
-std::string describeModel(const rmv2_file& model)
+void describeModel(const rmv2_file& model, bool with_vertices, const std::function<void(const std::string&)>& print)
 {
     const RMV2_FILE_DATA& data = model.data();
-    std::string text = line(0, "Model", model.path());
-    text += line(0, "Format",
-                 "rigid_model_v2, version " + std::to_string(data.version) + ", " +
-                     std::string(versionLabel(data.version)));
-    text += line(0, "Skeleton", data.skeleton_id.empty() ? "none (static model)" : displayText(data.skeleton_id));
-    text += line(0, "Levels of detail", std::to_string(data.lods.size()));
-    text += line(0, "Size", grouped(model.image().size()) + " bytes");
+    print(line(0, "Model", terminalText(model.path())) +
+          line(0, "Format",
+               "rigid_model_v2, version " + std::to_string(data.version) + ", " +
+                   std::string(versionLabel(data.version))) +
+          line(0, "Skeleton", data.skeleton_id.empty() ? "none (static model)" : terminalText(data.skeleton_id)) +
+          line(0, "Levels of detail", std::to_string(data.lods.size())) +
+          line(0, "Size", grouped(model.image().size()) + " bytes"));
     for (std::size_t i = 0; i < data.lods.size(); ++i)
     {
         const lod_data& lod = data.lods[i];
         const totals sum = totalsOf(lod);
-        text += "\nLOD " + std::to_string(i) + "  " + counted(sum.groups, "group", "groups") + ", " +
-                counted(sum.vertices, "vertex", "vertices") + ", " + counted(sum.triangles, "triangle", "triangles") +
-                ", distance " + floatText(lod.header.lod_distance) + "\n";
+        print("\nLOD " + std::to_string(i) + "  " + counted(sum.groups, "group", "groups") + ", " +
+              counted(sum.vertices, "vertex", "vertices") + ", " + counted(sum.triangles, "triangle", "triangles") +
+              ", distance " + floatText(lod.header.lod_distance) + "\n");
         for (std::size_t j = 0; j < lod.groups.size(); ++j)
-            text += describeGroup(lod.groups[j], j);
+        {
+            print(describeGroup(lod.groups[j], j));
+            if (with_vertices)
+                printVertices(lod.groups[j].store, print);
+        }
     }
-    return text;
 }
 
 } // namespace korvane

@@ -4,11 +4,14 @@
 
 #include "Korvane/models/rmv2_file.h"
 
+#include <functional>
 #include <string>
 
 namespace korvane
 {
 
-[[nodiscard]] std::string describeModel(const rmv2_file& model);
+// Handed to print piece by piece; with_vertices adds a line for each vertex and triangle. Control characters in the
+// file's texts are shown as \x1b and so on.
+void describeModel(const rmv2_file& model, bool with_vertices, const std::function<void(const std::string&)>& print);
 
 } // namespace korvane

@@ -33,7 +33,8 @@ void fixed_field::setText(std::string_view text)
     if (!m_wide)
         return set(std::as_bytes(std::span(text)));
     std::u16string units = utf16FromUtf8(text);
-    units.resize(std::min(units.size(), m_value.size() / 2 - 1)); // the last unit stays zero
+    if (width() >= 2)
+        units.resize(std::min(units.size(), width() / 2 - 1)); // the last unit stays zero
     static_assert(std::endian::native == std::endian::little);
     set(std::as_bytes(std::span(units)));
 }
@@ -46,22 +47,23 @@ void fixed_field::setU32(std::uint32_t value)
 
 void fixed_field::set(std::span<const std::byte> source)
 {
-    if (m_value.empty())
+    if (width() == 0)
         return;
-    const std::size_t room = m_mode == field_mode::zero_padded ? m_value.size() - 1 : m_value.size();
+    const std::size_t room = m_mode == field_mode::zero_padded ? width() - 1 : width();
+    m_edited.assign(width(), std::byte{0});
     const auto kept = source.first(std::min(source.size(), room));
-    std::fill(std::copy(kept.begin(), kept.end(), m_value.begin()), m_value.end(), std::byte{0});
+    std::copy(kept.begin(), kept.end(), m_edited.begin());
 }
 
 std::string fixed_field::text() const
 {
-    return m_wide ? utf8FromUtf16(wideUntilZero(m_value)) : std::string(untilZero(m_value));
+    return m_wide ? utf8FromUtf16(wideUntilZero(bytes())) : std::string(untilZero(bytes()));
 }
 
 std::uint32_t fixed_field::u32() const
 {
     std::uint32_t value = 0;
-    std::memcpy(&value, m_value.data(), std::min(m_value.size(), sizeof value));
+    std::memcpy(&value, bytes().data(), std::min(width(), sizeof value));
     return value;
 }
 

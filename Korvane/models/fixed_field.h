@@ -23,11 +23,11 @@ class fixed_field
 {
 public:
     fixed_field() = default; // width 0: setting a value does nothing
-    // The bytes are the field's present content; their number is its width. wide: the text is stored as 16-bit
-    // little-endian characters (version 5 texture paths).
+    // The bytes are the field's present content, in the file image, which outlives the field; their number is its
+    // width. wide: the text is stored as 16-bit little-endian characters (version 5 texture paths).
     fixed_field(std::uint64_t file_offset, std::span<const std::byte> bytes, field_mode mode, bool wide = false)
         : m_file_offset(file_offset)
-        , m_value(bytes.begin(), bytes.end())
+        , m_stored(bytes)
         , m_mode(mode)
         , m_wide(wide)
     {
@@ -41,15 +41,19 @@ public:
     std::uint32_t u32() const;
 
     std::uint64_t fileOffset() const { return m_file_offset; }
-    std::size_t width() const { return m_value.size(); }
-    std::span<const std::byte> bytes() const { return m_value; }
+    std::size_t width() const { return m_stored.size(); }
+    std::span<const std::byte> bytes() const
+    {
+        return m_edited.empty() ? m_stored : std::span<const std::byte>(m_edited);
+    }
     bool isWide() const { return m_wide; }
 
 private:
     void set(std::span<const std::byte> source);
 
     std::uint64_t m_file_offset = 0;
-    std::vector<std::byte> m_value;
+    std::span<const std::byte> m_stored;
+    std::vector<std::byte> m_edited; // empty until a value is set: a model has thousands of fields, few are edited
     field_mode m_mode = field_mode::raw;
     bool m_wide = false;
 };

@@ -4,6 +4,7 @@
 // and field names: docs/formats/rigid_model_v2.md. Texts are the file's own bytes, 8-bit, or UTF-8 where a version 5
 // file stores 16-bit characters; korvane::displayText makes either showable.
 
+#include "EASY_GUI/services/large_memory.h"
 #include "Korvane/models/fixed_field.h"
 
 #include <glm/vec2.hpp>
@@ -12,7 +13,6 @@
 
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -41,19 +41,17 @@ class vertex_array
 {
 public:
     vertex_array() = default;
-    explicit vertex_array(std::size_t count)
-        : m_records(std::make_unique_for_overwrite<vertex_record[]>(count))
-        , m_count(count)
-    {
-    }
+    explicit vertex_array(std::size_t count) : m_memory(allocateLarge(count * sizeof(vertex_record))), m_count(count) {}
 
-    std::span<const vertex_record> records() const { return {m_records.get(), m_count}; }
-    std::span<vertex_record> records() { return {m_records.get(), m_count}; }
+    std::span<const vertex_record> records() const { return {first(), m_count}; }
+    std::span<vertex_record> records() { return {first(), m_count}; }
     std::size_t size() const { return m_count; }
-    const vertex_record& operator[](std::size_t index) const { return m_records[index]; }
+    const vertex_record& operator[](std::size_t index) const { return first()[index]; }
 
 private:
-    std::unique_ptr<vertex_record[]> m_records;
+    vertex_record* first() const { return reinterpret_cast<vertex_record*>(m_memory.get()); }
+
+    large_memory m_memory;
     std::size_t m_count = 0;
 };
 

@@ -5,7 +5,10 @@
 #include "Korvane/models/vertex_decoder.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 namespace korvane
@@ -101,6 +104,18 @@ bool rmv2_reader::readHeader(bool& wide_text, failure& why)
 
 bool rmv2_reader::readLayout(failure& why)
 {
+    const std::uint64_t table = m_in.position();
+    if (!readAll(false, why))
+        return false;
+    m_data.lods.clear();
+    m_charged = 0;
+    m_in.seek(table, "LOD headers");
+    return readAll(true, why);
+}
+
+bool rmv2_reader::readAll(bool is_kept, failure& why)
+{
+    m_is_kept = is_kept;
     for (std::uint32_t index = 0; index < m_data.lod_count && m_in.ok(); ++index)
         readLodHeader(index);
     if (m_in.ok() && !m_data.lods.empty())
@@ -145,8 +160,10 @@ void rmv2_reader::readLod(std::uint32_t index)
     for (std::uint32_t i = 0; i < lod.header.group_count && m_in.ok(); ++i)
     {
         const std::string place = "LOD " + std::to_string(index) + ", group " + std::to_string(i);
-        lod.groups.emplace_back();
-        readGroup(lod.groups.back(), place);
+        group_data group;
+        readGroup(group, place);
+        if (m_is_kept)
+            lod.groups.push_back(std::move(group));
     }
 }
 
@@ -181,6 +198,13 @@ void rmv2_reader::readGroupHeader(group_data& group)
     // Read up to its first zero, not by its width: everything after it floats with its length.
     const std::uint64_t name_position = m_in.position();
     const auto name = m_in.zeroTerminated(m_wide_text ? 2 : 1, "shader_name");
+    if (name.size() > max_shader_name)
+        m_in.failAt(name_position, failure_kind::malformed,
+                    "a shader name of " + std::to_string(name.size()) + " bytes is longer than the " +
+                        std::to_string(max_shader_name) + " that are allowed",
+                    "shader_name");
+    if (!m_in.ok())
+        return;
     header.shader_name = m_wide_text ? wideText(name) : std::string(untilZero(name));
     if (!m_in.fits(1, group_header_tail))
         m_in.skip(group_header_tail, "group header");
@@ -225,7 +249,8 @@ void rmv2_reader::readAttachments(group_data& group, const std::string& place)
         point.name = textOf(m_in.bytes(m_wide_text ? 64 : 32, "name"));
         readFloats(m_in, point.matrix, "matrix");
         point.kept = m_in.u32("last word");
-        group.attachments.push_back(std::move(point));
+        if (m_is_kept)
+            group.attachments.push_back(std::move(point));
     }
 }
 
@@ -240,7 +265,8 @@ void rmv2_reader::readTextures(group_data& group, const std::string& place)
         const auto path = m_in.bytes(m_wide_text ? 512 : 256, "path");
         texture.path_field = fieldAt(position, path.size(), field_mode::zero_padded, m_wide_text && looksWide(path));
         texture.path = textOf(path);
-        group.textures.push_back(std::move(texture));
+        if (m_is_kept)
+            group.textures.push_back(std::move(texture));
     }
 }
 
@@ -345,35 +371,65 @@ fixed_field rmv2_reader::fieldAt(std::uint64_t position, std::uint64_t width, fi
 
 void rmv2_reader::decode()
 {
+    std::vector<group_data*> groups;
+    std::uint64_t decoded_bytes = 0;
     for (lod_data& lod : m_data.lods)
         for (group_data& group : lod.groups)
         {
-            const group_header& header = group.header;
-            const vertex_layout layout = vertexLayout(header.vertex_format);
-            std::size_t position = static_cast<std::size_t>(group.vertex_data_offset);
-            if (layout.is_decoded && header.vertex_count > 0)
-            {
-                const auto stride = static_cast<std::size_t>(group.store.vertex_size);
-                const std::size_t size = (stride + layout.skipped_bytes) * header.vertex_count;
-                group.store.vertices = vertex_array(header.vertex_count);
-                decodeVertices(header.vertex_format, m_image.subspan(position, size), stride, header.pivot,
-                               group.store.vertices.records());
-                position += size;
-            }
-            const std::size_t vertex_count = group.store.vertices.size();
-            std::vector<std::uint16_t>& indices = group.store.indices;
-            indices.resize(header.index_count);
-            if (!indices.empty())
-                std::memcpy(indices.data(), m_image.data() + position, indices.size() * 2);
-            for (std::size_t i = 0; i + 2 < indices.size(); i += 3)
-                std::swap(indices[i + 1], indices[i + 2]);
-            group.store.indices_out_of_range =
-                static_cast<std::size_t>(std::count_if(indices.begin(), indices.end(),
-                                                       [vertex_count](std::uint16_t index)
-                                                       {
-                                                           return index >= vertex_count;
-                                                       }));
+            groups.push_back(&group);
+            // All memory is fetched here: what remains to be done by several threads cannot fail.
+            if (vertexLayout(group.header.vertex_format).is_decoded)
+                group.store.vertices = vertex_array(group.header.vertex_count);
+            group.store.indices.resize(group.header.index_count);
+            decoded_bytes += group.store.vertices.size() * sizeof(vertex_record);
         }
+    std::atomic<std::size_t> next{0};
+    const auto work = [&]
+    {
+        for (std::size_t i = next++; i < groups.size(); i = next++)
+            decodeGroup(*groups[i]);
+    };
+    // A large model keeps several cores busy; each group is decoded by one of them.
+    constexpr std::uint64_t worth_a_thread = 8u << 20;
+    const std::uint64_t wanted = std::min<std::uint64_t>(
+        {std::thread::hardware_concurrency(), 8, groups.size(), 1 + decoded_bytes / worth_a_thread});
+    std::vector<std::thread> helpers;
+    try
+    {
+        while (helpers.size() + 1 < wanted)
+            helpers.emplace_back(work);
+    }
+    catch (const std::system_error&) // no more threads: those that are there do it
+    {
+    }
+    work();
+    for (std::thread& helper : helpers)
+        helper.join();
+}
+
+void rmv2_reader::decodeGroup(group_data& group) const
+{
+    const group_header& header = group.header;
+    std::size_t position = static_cast<std::size_t>(group.vertex_data_offset);
+    const std::size_t vertex_count = group.store.vertices.size();
+    if (vertex_count > 0)
+    {
+        const auto stride = static_cast<std::size_t>(group.store.vertex_size);
+        const std::size_t size = (stride + vertexLayout(header.vertex_format).skipped_bytes) * vertex_count;
+        decodeVertices(header.vertex_format, m_image.subspan(position, size), stride, header.pivot,
+                       group.store.vertices.records());
+        position += size;
+    }
+    std::vector<std::uint16_t>& indices = group.store.indices;
+    if (!indices.empty())
+        std::memcpy(indices.data(), m_image.data() + position, indices.size() * 2);
+    for (std::size_t i = 0; i + 2 < indices.size(); i += 3)
+        std::swap(indices[i + 1], indices[i + 2]);
+    group.store.indices_out_of_range = static_cast<std::size_t>(std::count_if(indices.begin(), indices.end(),
+                                                                              [vertex_count](std::uint16_t index)
+                                                                              {
+                                                                                  return index >= vertex_count;
+                                                                              }));
 }
 
 } // namespace korvane

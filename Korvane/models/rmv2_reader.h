@@ -1,8 +1,8 @@
 #pragma once
 
-// The reading of one file image, used by rmv2_file only. Two passes: the first reads every header and checks every
-// count, offset and size against the bytes that are there; the second decodes vertices and indices and cannot fail. So
-// a damaged file is refused before anything large was allocated.
+// The reading of one file image, used by rmv2_file only. The headers are read twice: first to check every count, offset
+// and size against the bytes that are there, keeping nothing, then to keep them. Vertices and indices are decoded last,
+// which cannot fail. So a damaged file is refused before anything was allocated for what it claims to hold.
 
 #include "EASY_GUI/services/byte_reader.h"
 #include "Korvane/models/rmv2_data.h"
@@ -27,7 +27,11 @@ public:
     [[nodiscard]] bool readLayout(failure& why);
     void decode();
 
+    static constexpr std::size_t max_shader_name = 4096; // bytes; a longer one is refused
+
 private:
+    void decodeGroup(group_data& group) const;
+    bool readAll(bool is_kept, failure& why);
     void readLodHeader(std::uint32_t index);
     void readLod(std::uint32_t index);
     void readGroup(group_data& group, const std::string& place);
@@ -49,6 +53,7 @@ private:
     byte_reader m_in;
     RMV2_FILE_DATA& m_data;
     bool m_wide_text = false;
+    bool m_is_kept = false;          // in the second reading
     std::uint64_t m_group_start = 0; // running: one block after the other, over all LODs
     std::uint64_t m_charged = 0;
 };
