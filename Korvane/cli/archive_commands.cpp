@@ -35,7 +35,7 @@ void runArchives(cli_context& context)
                             {"files", archive.file_count}});
         else
             context.print(std::to_string(position) + "  " + archive.format + "  " + std::to_string(archive.file_count) +
-                          " files  " + displayText(archive.path) + "\n");
+                          " files  " + terminalText(archive.path) + "\n");
         ++position;
     }
     if (context.is_json)
@@ -86,7 +86,7 @@ void runList(cli_context& context, const std::string& pattern)
         if (!matchesPattern(file->internalPath(), pattern))
             continue;
         if (!context.is_json)
-            text += displayText(file->internalPath()) + "\n";
+            text += terminalText(file->internalPath()) + "\n";
         else
             text += (is_first ? "" : ",") + fileJson(*file, hidden).dump();
         is_first = false;
@@ -189,7 +189,9 @@ void addArchiveCommands(CLI::App& app, cli_context& context)
     CLI::Option* path = extract->add_option("INTERNAL_PATH", options->path, "One file");
     CLI::Option* match = extract->add_option("--match", options->pattern, "All files whose path matches, with * and ?");
     match->type_name("PATTERN")->excludes(path);
-    extract->add_option("-o", options->output, "The file to write, or with --match the folder")->required();
+    extract->add_option("-o", options->output, "The file to write, or with --match the folder")
+        ->required()
+        ->check(notEmpty());
     extract->callback(
         [&context, options]
         {

@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 namespace korvane
 {
@@ -20,7 +21,7 @@ void cli_context::print(std::string_view text)
     if (!text.empty() && std::fwrite(text.data(), 1, text.size(), stdout) != text.size() && m_exit_status == 0)
     {
         m_exit_status = 1;
-        std::fputs("korvane: standard output cannot be written\n", stderr);
+        console::error("korvane: standard output cannot be written\n");
     }
 }
 
@@ -33,30 +34,51 @@ void cli_context::note(const std::string& text)
 {
     endProgress();
     if (!is_quiet)
-        std::fputs((text + "\n").c_str(), stderr);
+        console::error(text + "\n");
 }
 
 void cli_context::progress(const std::string& text)
 {
     if (is_quiet || !console::isTerminal(stderr))
         return;
-    std::fputs(("\r\x1b[K" + text).c_str(), stderr);
-    std::fflush(stderr);
+    console::error("\r\x1b[K" + text);
     m_has_progress = true;
 }
 
 void cli_context::endProgress()
 {
     if (m_has_progress)
-        std::fputs("\r\x1b[K", stderr);
+        console::error("\r\x1b[K");
     m_has_progress = false;
 }
 
 void cli_context::fail(const failure& why)
 {
     endProgress();
-    std::fputs(("korvane: " + displayText(describe(why)) + "\n").c_str(), stderr);
+    console::error("korvane: " + displayText(describe(why)) + "\n");
     m_exit_status = 1;
+}
+
+CLI::Validator notEmpty()
+{
+    return CLI::Validator(
+        [](const std::string& text)
+        {
+            return text.empty() ? std::string("it is empty") : std::string();
+        },
+        "");
+}
+
+CLI::Validator finiteNumber()
+{
+    return CLI::Validator(
+        [](const std::string& text)
+        {
+            char* end = nullptr;
+            const double value = std::strtod(text.c_str(), &end);
+            return *end == '\0' && std::isfinite(value) ? std::string() : "\"" + text + "\" is no number";
+        },
+        "");
 }
 
 json jsonNumber(float value)

@@ -51,6 +51,10 @@ private:
     bool m_has_progress = false;
 };
 
+// Checks of option values: a wrong one is a wrong command line (exit status 2).
+[[nodiscard]] CLI::Validator notEmpty();
+[[nodiscard]] CLI::Validator finiteNumber();
+
 // A float as JSON: the shortest number that reads back to the same binary32 value, or the text "nan", "inf" or "-inf".
 [[nodiscard]] json jsonNumber(float value);
 

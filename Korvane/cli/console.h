@@ -13,6 +13,8 @@ namespace korvane::console
 void prepare();
 // The arguments without the program's name, UTF-8.
 [[nodiscard]] std::vector<std::string> arguments(int count, char** values);
+// Writes a text to standard error at once, in one piece.
+void error(const std::string& text);
 [[nodiscard]] bool isTerminal(std::FILE* stream);
 
 } // namespace korvane::console

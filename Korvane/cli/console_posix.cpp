@@ -12,6 +12,12 @@ std::vector<std::string> arguments(int count, char** values)
     return count > 0 ? std::vector<std::string>(values + 1, values + count) : std::vector<std::string>();
 }
 
+void error(const std::string& text)
+{
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fflush(stderr);
+}
+
 bool isTerminal(std::FILE* stream)
 {
     return isatty(fileno(stream)) != 0;

@@ -15,6 +15,7 @@ void prepare()
 {
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
+    std::setvbuf(stderr, nullptr, _IOFBF, 4096); // unbuffered, it would be written byte by byte
     SetConsoleOutputCP(CP_UTF8);
 }
 
@@ -31,6 +32,12 @@ std::vector<std::string> arguments(int, char**)
     }
     LocalFree(values);
     return result;
+}
+
+void error(const std::string& text)
+{
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fflush(stderr);
 }
 
 bool isTerminal(std::FILE* stream)

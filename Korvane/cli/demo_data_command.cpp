@@ -55,9 +55,10 @@ void addDemoDataCommand(CLI::App& app, cli_context& context)
 {
     const auto options = std::make_shared<demo_data_options>();
     CLI::App* command = app.add_subcommand("demo-data", "Write a synthetic game data folder");
-    command->add_option("DIR", options->folder, "The folder to write to; it is created")->required();
+    command->add_option("DIR", options->folder, "The folder to write to; it is created")->required()->check(notEmpty());
     command->add_option("--seed", options->wanted.seed, "Other numbers give other wear and other grass (default 1)");
     command->add_option("--scale", options->wanted.scale, "Multiplies the number of triangles (default 1)")
+        ->check(finiteNumber())
         ->check(CLI::Range(demo::min_scale, demo::max_scale));
     context.addJsonOption(*command);
     command->callback(

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <sstream>
 
 namespace
 {
@@ -20,6 +21,25 @@ std::string oneLine(std::string text)
         text.pop_back();
     std::replace(text.begin(), text.end(), '\n', ' ');
     return text;
+}
+
+// The library only says that a command is missing where an unknown one stands.
+std::string whatIsWrong(const CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& arguments)
+{
+    const auto isCommand = [&app](const std::string& name)
+    {
+        return !app.get_subcommands(
+                       [&name](const CLI::App* command)
+                       {
+                           return command->get_name() == name;
+                       })
+                    .empty();
+    };
+    if (app.get_subcommands().empty())
+        for (const std::string& argument : arguments)
+            if (!argument.starts_with('-') && !isCommand(argument))
+                return "there is no command \"" + oneLine(argument) + "\"";
+    return oneLine(error.what());
 }
 
 void addSharedOptions(CLI::App& app, cli_context& context)
@@ -57,12 +77,14 @@ int run(const std::vector<std::string>& arguments)
     }
     catch (const CLI::Success& success) // --help, --version
     {
-        app.exit(success);
-        return 0;
+        std::ostringstream text;
+        app.exit(success, text, text);
+        context.print(text.str());
+        return context.exitStatus();
     }
     catch (const CLI::ParseError& error)
     {
-        std::fputs(("korvane: " + oneLine(error.what()) + " (see korvane --help)\n").c_str(), stderr);
+        console::error("korvane: " + whatIsWrong(app, error, arguments) + " (see korvane --help)\n");
         return 2;
     }
     return context.exitStatus();
@@ -76,15 +98,19 @@ int main(int count, char** values)
     try
     {
         const int status = run(console::arguments(count, values));
-        return std::fflush(stdout) == 0 ? status : 1;
+        if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+            return status;
+        if (status == 0)
+            console::error("korvane: standard output cannot be written\n");
+        return 1;
     }
     catch (const std::bad_alloc&)
     {
-        std::fputs("korvane: not enough memory\n", stderr);
+        console::error("korvane: not enough memory\n");
     }
     catch (const std::exception& error)
     {
-        std::fputs(("korvane: " + oneLine(error.what()) + "\n").c_str(), stderr);
+        console::error(("korvane: " + oneLine(error.what()) + "\n"));
     }
     return 1;
 }

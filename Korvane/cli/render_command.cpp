@@ -1,5 +1,6 @@
 #include "Korvane/cli/commands.h"
 
+#include "DDSTextureLoader/dds_image.h"
 #include "EASY_GUI/services/file_system.h"
 #include "Korvane/cli/game_files.h"
 #include "Korvane/models/rmv2_file.h"
@@ -32,16 +33,31 @@ struct render_arguments
 };
 
 // "WIDTHxHEIGHT" in pixels.
-bool readSize(const std::string& text, render_options& options, failure& why)
+bool readSize(const std::string& text, std::uint32_t& width, std::uint32_t& height)
 {
-    unsigned width = 0;
-    unsigned height = 0;
+    unsigned parsed_width = 0;
+    unsigned parsed_height = 0;
     char rest = 0;
-    if (std::sscanf(text.c_str(), "%5ux%5u%c", &width, &height, &rest) != 2)
-        return fail(why, failure_kind::refused, "the size must be WIDTHxHEIGHT, as in 1280x720, not \"" + text + "\"");
-    options.width = width;
-    options.height = height;
-    return true;
+    if (std::sscanf(text.c_str(), "%5ux%5u%c", &parsed_width, &parsed_height, &rest) != 2)
+        return false;
+    width = parsed_width;
+    height = parsed_height;
+    return width > 0 && height > 0 && width <= dds_max_size && height <= dds_max_size;
+}
+
+CLI::Validator pictureSize()
+{
+    return CLI::Validator(
+        [](const std::string& text)
+        {
+            std::uint32_t width = 0;
+            std::uint32_t height = 0;
+            return readSize(text, width, height)
+                       ? std::string()
+                       : "the size must be WIDTHxHEIGHT, as in 1280x720, and at most " + std::to_string(dds_max_size) +
+                             " pixels each, not \"" + text + "\"";
+        },
+        "");
 }
 
 bool writePicture(const std::string& path, const render_options& options, const render_result& result, failure& why)
@@ -56,8 +72,7 @@ bool writePicture(const std::string& path, const render_options& options, const 
 bool render(const render_arguments& arguments, cli_context& context, failure& why)
 {
     render_options options;
-    if (!readSize(arguments.size, options, why))
-        return false;
+    static_cast<void>(readSize(arguments.size, options.width, options.height)); // checked with the command line
     options.lod = arguments.lod;
     options.frames = arguments.frames;
     options.yaw += arguments.yaw_degrees * radians_per_degree;
@@ -92,12 +107,25 @@ void addRenderCommand(CLI::App& app, cli_context& context)
 {
     auto arguments = std::make_shared<render_arguments>();
     CLI::App* command = app.add_subcommand("render", "Draws a model into a PNG picture");
-    command->add_option("MODEL", arguments->model, "A rigid_model_v2 file")->required();
-    command->add_option("-o,--output", arguments->output, "The picture to write")->required()->type_name("OUT.png");
-    command->add_option("--size", arguments->size, "Width and height in pixels (default: 1280x720)")->type_name("WxH");
-    command->add_option("--lod", arguments->lod, "The level of detail, 0 is the finest (default: 0)")->type_name("N");
-    command->add_option("--yaw", arguments->yaw_degrees, "Turns the model, in degrees")->type_name("DEGREES");
-    command->add_option("--pitch", arguments->pitch_degrees, "Tilts the model, in degrees")->type_name("DEGREES");
+    command->add_option("MODEL", arguments->model, "A rigid_model_v2 file, or pack: and an internal path")
+        ->required()
+        ->check(notEmpty());
+    command->add_option("-o,--output", arguments->output, "The picture to write")
+        ->required()
+        ->check(notEmpty())
+        ->type_name("OUT.png");
+    command->add_option("--size", arguments->size, "Width and height in pixels (default: 1280x720)")
+        ->check(pictureSize())
+        ->type_name("WxH");
+    command->add_option("--lod", arguments->lod, "The level of detail, 0 is the finest (default: 0)")
+        ->check(CLI::Range(0, 254))
+        ->type_name("N");
+    command->add_option("--yaw", arguments->yaw_degrees, "Turns the model, in degrees")
+        ->check(finiteNumber())
+        ->type_name("DEGREES");
+    command->add_option("--pitch", arguments->pitch_degrees, "Tilts the model, in degrees")
+        ->check(finiteNumber())
+        ->type_name("DEGREES");
     command->add_option("--frames", arguments->frames, "Draws so many frames and says what one took")
         ->type_name("N")
         ->check(CLI::Range(1, 10000));

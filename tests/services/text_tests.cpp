@@ -56,6 +56,11 @@ TEST(text, floatsReadBackToTheSameBits)
     EXPECT_EQ(floatText(-std::numeric_limits<float>::infinity()), "-inf");
 }
 
+TEST(text, aTerminalSeesNoControlCharacters)
+{
+    EXPECT_EQ(terminalText("a\x1b[31m\n\x7f\xe4"), "a\\x1b[31m\\x0a\\x7f\xc3\xa4");
+}
+
 TEST(text, lowerCaseTouchesAsciiOnly)
 {
     EXPECT_EQ(toLower("AZ[\xc3\x84"), "az[\xc3\x84");
