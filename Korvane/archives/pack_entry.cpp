@@ -149,28 +149,4 @@ bool readEntry(const pack_file_node& entry, memory_file& bytes, failure& why)
     return unpackEntry(stored.bytes(), bytes, why) || withPlace(entry, why);
 }
 
-bool readEntryStart(const pack_file_node& entry, std::size_t size, memory_file& bytes, failure& why)
-{
-    if (entry.compression() != 0)
-    {
-        memory_file whole;
-        if (!readEntry(entry, whole, why))
-            return false;
-        bytes = memory_file(whole.bytes().first(std::min(size, whole.size())));
-        return true;
-    }
-    memory_file start(std::min<std::size_t>(size, entry.size()));
-    if (!entry.archive().file.readAt(entry.offset(), start.mutableBytes()))
-    {
-        why = {failure_kind::unreadable,
-               "the bytes cannot be read (was the archive changed?)",
-               {},
-               entry.offset(),
-               "entry data"};
-        return withPlace(entry, why);
-    }
-    bytes = std::move(start);
-    return true;
-}
-
 } // namespace korvane

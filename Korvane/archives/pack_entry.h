@@ -21,10 +21,6 @@ inline constexpr std::uint64_t max_unpacked_size = std::uint64_t{1} << 30;
 // Reads an entry whole. On failure bytes stays as it is; why.path is the internal path and names the archive.
 [[nodiscard]] bool readEntry(const pack_file_node& entry, memory_file& bytes, failure& why);
 
-// At most size bytes from the start of an entry; what an uncompressed entry needs is all that is read. The result may
-// be shorter when the entry is.
-[[nodiscard]] bool readEntryStart(const pack_file_node& entry, std::size_t size, memory_file& bytes, failure& why);
-
 // Unpacks a compressed entry's stored bytes.
 [[nodiscard]] bool unpackEntry(std::span<const std::byte> stored, memory_file& bytes, failure& why);
 
