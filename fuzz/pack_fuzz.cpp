@@ -18,7 +18,7 @@ using namespace korvane;
 
 void checkTree(const path_tree& tree)
 {
-    for (const std::vector<pack_file_node>& files : tree.entries())
+    for (const std::span<const pack_file_node>& files : tree.entries())
         for (const pack_file_node& file : files)
         {
             // A '/' in a stored path is no separator, but is one in a lookup.
@@ -43,14 +43,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         (std::filesystem::temp_directory_path() / ("korvane_pack_fuzz_" + std::to_string(getpid()))).string();
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-    pack_file archive;
+    path_tree tree;
+    pack_file archive(tree);
     failure why;
     try
     {
         if (archive.open(path, why))
         {
-            path_tree tree;
-            archive.enterInto(tree);
+            archive.enter();
             checkTree(tree);
         }
         else if (!why)

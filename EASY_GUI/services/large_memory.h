@@ -5,7 +5,10 @@
 // fetching those takes longer than the decoding.
 
 #include <cstddef>
+#include <limits>
 #include <memory>
+#include <new>
+#include <vector>
 
 namespace korvane
 {
@@ -18,5 +21,33 @@ using large_memory = std::unique_ptr<std::byte[], large_memory_deleter>;
 
 // Aligned for any type; throws std::bad_alloc.
 [[nodiscard]] large_memory allocateLarge(std::size_t size_bytes);
+
+// Containers of many megabytes.
+template <typename type>
+struct large_allocator
+{
+    using value_type = type;
+
+    large_allocator() = default;
+    template <typename other>
+    large_allocator(const large_allocator<other>&)
+    {
+    }
+
+    type* allocate(std::size_t count)
+    {
+        if (count > std::numeric_limits<std::size_t>::max() / sizeof(type))
+            throw std::bad_alloc();
+        return reinterpret_cast<type*>(allocateLarge(count * sizeof(type)).release());
+    }
+    void deallocate(type* memory, std::size_t) noexcept
+    {
+        large_memory_deleter()(reinterpret_cast<std::byte*>(memory));
+    }
+
+    friend bool operator==(const large_allocator&, const large_allocator&) { return true; }
+};
+template <typename type>
+using large_vector = std::vector<type, large_allocator<type>>;
 
 } // namespace korvane

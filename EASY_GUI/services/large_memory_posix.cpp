@@ -21,8 +21,9 @@ large_memory allocateLarge(std::size_t size_bytes)
 {
     const bool is_large = size_bytes >= 2 * large_page;
     const std::size_t whole_pages = size_bytes / large_page * large_page;
-    void* const memory = is_large ? std::aligned_alloc(large_page, whole_pages + large_page)
-                                  : std::malloc(size_bytes > 0 ? size_bytes : 1);
+    void* const memory = is_large
+                             ? std::aligned_alloc(large_page, (size_bytes + large_page - 1) / large_page * large_page)
+                             : std::malloc(size_bytes > 0 ? size_bytes : 1);
     if (!memory)
         throw std::bad_alloc();
     // Only the whole pages: the rest of the last one would count as used memory for nothing.

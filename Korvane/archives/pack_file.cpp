@@ -51,30 +51,39 @@ bool pack_file::readHeader(std::span<const std::byte> bytes, pack_header& header
 
 bool pack_file::open(const std::string& path, failure& why)
 {
-    m_path = path;
-    if (!m_file.open(path, why))
+    m_archive = std::make_unique<archive_record>();
+    m_archive->path = path;
+    m_archive->name = fileName(path);
+    if (!m_archive->file.open(path, why))
         return false;
+    const positioned_file& file = m_archive->file;
     std::array<std::byte, longest_header> start;
-    const std::size_t available = static_cast<std::size_t>(std::min<std::uint64_t>(m_file.size(), start.size()));
-    if (!m_file.readAt(0, std::span(start).first(available)))
+    const std::size_t available = static_cast<std::size_t>(std::min<std::uint64_t>(file.size(), start.size()));
+    if (!file.readAt(0, std::span(start).first(available)))
         return fail(why, failure_kind::unreadable, "the header cannot be read", path);
     if (!readHeader(std::span(start).first(available), m_header, why))
     {
         why.path = path;
         return false;
     }
-    return readIndex(why);
+    m_archive->format = m_header.magic;
+    const arena::mark before = m_po_tree->memory().position();
+    if (readIndex(why))
+        return true;
+    m_po_tree->memory().goBackTo(before);
+    return false;
 }
 
 bool pack_file::failAt(failure& why, failure_kind kind, std::string what, std::size_t position, std::string field) const
 {
-    why = {kind, std::move(what), m_path, m_header.header_size + position, std::move(field)};
+    why = {kind, std::move(what), m_archive->path, m_header.header_size + position, std::move(field)};
     return false;
 }
 
 bool pack_file::readIndex(failure& why)
 {
-    const std::uint64_t left = m_file.size() - std::min<std::uint64_t>(m_file.size(), m_header.header_size);
+    const std::uint64_t left =
+        m_archive->file.size() - std::min<std::uint64_t>(m_archive->file.size(), m_header.header_size);
     const std::uint64_t wanted = std::uint64_t{m_header.names_size} + m_header.index_size;
     if (wanted > left || wanted > 0xffffffffu)
         return failAt(why, failure_kind::malformed,
@@ -101,40 +110,39 @@ bool pack_file::readIndex(failure& why)
 // The first size bytes behind the header, in one block; a longer one replaces a shorter one.
 bool pack_file::readBlock(std::size_t size, failure& why)
 {
-    const std::uint64_t left = m_file.size() - m_header.header_size;
+    const std::uint64_t left = m_archive->file.size() - m_header.header_size;
     if (size > left)
         return failAt(why, failure_kind::truncated, "the file index runs past the end of the archive", 0, "file index");
-    m_index = std::make_unique_for_overwrite<char[]>(size);
-    m_index_size = size;
-    return m_file.readAt(m_header.header_size, std::as_writable_bytes(std::span(m_index.get(), size))) ||
+    m_index = m_po_tree->memory().allocate<char>(size + path_tree::readable_behind_paths).first(size);
+    return m_archive->file.readAt(m_header.header_size, std::as_writable_bytes(m_index)) ||
            failAt(why, failure_kind::unreadable, "the index cannot be read", 0, "file index");
 }
 
 // The names count byte by byte, whatever their size field says; where the two differ, more may have to be read.
 bool pack_file::readNames(std::size_t& position, failure& why)
 {
-    const std::uint64_t left = m_file.size() - m_header.header_size;
+    const std::uint64_t left = m_archive->file.size() - m_header.header_size;
     for (std::uint32_t i = 0; i < m_header.name_count; ++i)
     {
         const void* end = nullptr;
-        while (!(end = std::memchr(m_index.get() + position, 0, m_index_size - position)))
+        while (!(end = std::memchr(m_index.data() + position, 0, m_index.size() - position)))
         {
-            const std::uint64_t longer = std::min<std::uint64_t>(left, std::uint64_t{m_index_size} * 2 + 4096);
-            if (m_index_size == left || longer > 0xffffffffu)
+            const std::uint64_t longer = std::min<std::uint64_t>(left, std::uint64_t{m_index.size()} * 2 + 4096);
+            if (m_index.size() == left || longer > 0xffffffffu)
                 return failAt(why, failure_kind::truncated, "the name has no terminating zero", position,
                               "archive name " + std::to_string(i));
             if (!readBlock(static_cast<std::size_t>(longer), why))
                 return false;
         }
-        m_archive_names.emplace_back(m_index.get() + position);
+        m_archive_names.emplace_back(m_index.data() + position);
         position += m_archive_names.back().size() + 1;
     }
     const std::uint64_t wanted = std::uint64_t{position} + m_header.index_size;
     if (wanted > 0xffffffffu)
         return failAt(why, failure_kind::malformed, "the file index runs past 4 GiB", position, "file index");
-    if (wanted > m_index_size)
+    if (wanted > m_index.size())
         return readBlock(static_cast<std::size_t>(wanted), why);
-    m_index_size = static_cast<std::size_t>(wanted);
+    m_index = m_index.first(static_cast<std::size_t>(wanted));
     return true;
 }
 
@@ -144,27 +152,25 @@ bool pack_file::readRecords(std::size_t position, failure& why)
         4 + (m_header.hasCompressionBytes() ? 1u : 0u) + (m_header.hasTimeStamps() ? 4u : 0u);
     // Stored offsets do not exist: the files lie one behind the other, in index order, behind the index.
     std::uint64_t offset = std::uint64_t{m_header.header_size} + position + m_header.index_size;
-    m_records.reserve(m_header.file_count);
+    m_entries = m_po_tree->memory().allocate<pack_file_node>(m_header.file_count);
     for (std::uint32_t i = 0; i < m_header.file_count; ++i)
     {
         const auto place = [i]
         {
             return "file index, record " + std::to_string(i);
         };
-        if (fixed_size >= m_index_size - position)
+        if (fixed_size >= m_index.size() - position)
             return failAt(why, failure_kind::truncated, "the record runs past the index", position, place());
-        const char* at = m_index.get() + position;
-        record entry{};
-        entry.size = littleEndian<std::uint32_t>(reinterpret_cast<const std::byte*>(at));
+        const char* at = m_index.data() + position;
+        const auto size = littleEndian<std::uint32_t>(reinterpret_cast<const std::byte*>(at));
         at += 4;
-        if (m_header.hasCompressionBytes())
-            entry.compression = static_cast<std::uint8_t>(*at++);
-        if (m_header.hasTimeStamps())
-            entry.time_stamp = littleEndian<std::uint32_t>(reinterpret_cast<const std::byte*>(at));
+        const std::uint8_t compression = m_header.hasCompressionBytes() ? static_cast<std::uint8_t>(*at++) : 0;
+        const std::uint32_t time_stamp =
+            m_header.hasTimeStamps() ? littleEndian<std::uint32_t>(reinterpret_cast<const std::byte*>(at)) : 0;
         position += fixed_size;
 
-        char* const path = m_index.get() + position;
-        const std::size_t left = m_index_size - position;
+        char* const path = m_index.data() + position;
+        const std::size_t left = m_index.size() - position;
         const void* const end = std::memchr(path, 0, std::min(left, max_path + 1));
         if (!end)
             return failAt(why, left <= max_path ? failure_kind::truncated : failure_kind::malformed,
@@ -172,41 +178,26 @@ bool pack_file::readRecords(std::size_t position, failure& why)
                                            : "the path is longer than " + std::to_string(max_path) + " bytes",
                           position, place() + ", path");
         std::size_t length = static_cast<std::size_t>(static_cast<const char*>(end) - path);
-        entry.path_at = static_cast<std::uint32_t>(position);
         position += length + 1;
         lowerInPlace(path, length);
         if (hasEmptyComponents({path, length}))
             length = dropEmptyComponents(path, length);
-        entry.path_length = static_cast<std::uint16_t>(length);
-        entry.offset = static_cast<std::uint32_t>(offset);
-        const bool is_inside = offset <= 0xffffffffu && offset <= m_file.size() && entry.size <= m_file.size() - offset;
+        const std::uint64_t archive_size = m_archive->file.size();
+        const bool is_inside = offset <= 0xffffffffu && offset <= archive_size && size <= archive_size - offset;
         if (is_inside && length > 0)
-            m_records.push_back(entry);
+            std::construct_at(&m_entries[m_entry_count++], *m_archive, std::string_view(path, length), size,
+                              static_cast<std::uint32_t>(offset), compression, time_stamp);
         else
             m_left_out.emplace_back(path, length);
-        offset += entry.size;
+        offset += size;
     }
     return true;
 }
 
-void pack_file::enterInto(path_tree& tree)
+void pack_file::enter()
 {
-    archive_record description;
-    description.name = fileName(m_path);
-    description.path = m_path;
-    description.format = m_header.magic;
-    description.file_count = static_cast<std::uint32_t>(m_records.size());
-    description.file = std::move(m_file);
-    const archive_record& archive = tree.addArchive(std::move(description));
-
-    std::vector<pack_file_node> files;
-    files.reserve(m_records.size());
-    for (const record& entry : m_records)
-        files.emplace_back(archive, std::string_view(m_index.get() + entry.path_at, entry.path_length), entry.size,
-                           entry.offset, entry.compression, entry.time_stamp);
-    tree.keepText(std::move(m_index));
-    tree.enter(std::move(files));
-    m_records = {};
+    m_archive->file_count = static_cast<std::uint32_t>(m_entry_count);
+    m_po_tree->enter(std::move(m_archive), m_entries.first(m_entry_count));
 }
 
 path_tree::node_pointer getNodeFromInternalPath(std::string_view path,

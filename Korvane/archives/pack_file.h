@@ -45,47 +45,39 @@ public:
     // that leaves this folder.
     [[nodiscard]] static bool readHeader(std::span<const std::byte> bytes, pack_header& header, failure& why);
 
-    // Opens the archive at a path on disk and reads and checks header and index. Afterwards enterInto() puts it into
-    // the tree.
+    // The archive goes into that tree, whose memory takes the index.
+    explicit pack_file(path_tree& tree) : m_po_tree(&tree) {}
+
+    // Opens the archive at a path on disk and reads and checks header and index. Afterwards enter() puts it into the
+    // tree. A failure leaves nothing in the tree's memory.
     [[nodiscard]] bool open(const std::string& path, failure& why);
 
     const pack_header& header() const { return m_header; }
     const std::vector<std::string>& archiveNames() const { return m_archive_names; }
-    std::size_t entryCount() const { return m_records.size(); }
+    std::size_t entryCount() const { return m_entry_count; }
     // Files that were left out because their data does not lie inside the archive: their paths.
     const std::vector<std::string>& leftOut() const { return m_left_out; }
-    const positioned_file& file() const { return m_file; }
 
-    // Moves everything into the tree.
-    void enterInto(path_tree& tree);
+    // Enters everything into the tree.
+    void enter();
 
     // The tree of all archives; null before the first load. Replaced as a whole.
     static std::shared_ptr<path_tree> sm_poPathTree;
 
 private:
-    struct record
-    {
-        std::uint32_t path_at; // in m_index
-        std::uint32_t size;
-        std::uint32_t offset;
-        std::uint32_t time_stamp;
-        std::uint16_t path_length;
-        std::uint8_t compression;
-    };
-
     bool readIndex(failure& why);
     bool readBlock(std::size_t size, failure& why);
     bool readNames(std::size_t& position, failure& why);
     bool readRecords(std::size_t position, failure& why);
     bool failAt(failure& why, failure_kind kind, std::string what, std::size_t position, std::string field) const;
 
-    std::string m_path;
-    positioned_file m_file;
+    path_tree* m_po_tree;
+    std::unique_ptr<archive_record> m_archive;
     pack_header m_header;
-    std::unique_ptr<char[]> m_index; // names and records; paths in it become lower case
-    std::size_t m_index_size = 0;
+    std::span<char> m_index; // names and records, in the tree's memory; paths in it become lower case
     std::vector<std::string> m_archive_names;
-    std::vector<record> m_records;
+    std::span<pack_file_node> m_entries; // the first m_entry_count of them
+    std::size_t m_entry_count = 0;
     std::vector<std::string> m_left_out;
 };
 

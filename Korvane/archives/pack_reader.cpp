@@ -68,13 +68,14 @@ void pack_reader::sortArchives()
 void pack_reader::indexArchives()
 {
     // Read and checked first, all of them: then the tree can be made in its final size.
+    auto tree = std::make_shared<path_tree>();
     std::vector<pack_file> archives;
     std::size_t file_count = 0;
     for (const found_archive& found : m_archives)
     {
         if (m_ports.progress)
             m_ports.progress(archives.size() + m_damaged.size(), m_archives.size(), found.path);
-        pack_file archive;
+        pack_file archive(*tree);
         failure why;
         try
         {
@@ -94,10 +95,9 @@ void pack_reader::indexArchives()
         m_damaged.push_back(describe(why));
         log("[PACK FILE] " + m_damaged.back());
     }
-    auto tree = std::make_shared<path_tree>();
     tree->reserve(file_count);
     for (pack_file& archive : archives)
-        archive.enterInto(*tree);
+        archive.enter();
     pack_file::sm_poPathTree = std::move(tree);
     if (!m_damaged.empty())
         reportDamaged(m_damaged);

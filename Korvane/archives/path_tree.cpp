@@ -13,7 +13,6 @@ namespace korvane
 namespace
 {
 
-constexpr std::uint64_t seed = 0x9e3779b97f4a7c15u;
 constexpr std::size_t longest_run = 64;
 
 constexpr std::uint64_t ones = 0x0101010101010101u;
@@ -32,43 +31,65 @@ std::uint64_t zeroBytes(std::uint64_t word)
     return (word - ones) & ~word & (0x80u * ones);
 }
 
-std::uint64_t mix(std::uint64_t a, std::uint64_t b)
+// Paths are hashed and compared sixteen bytes at a time, from their beginning, with zeros behind their end. So a lookup
+// reads its own path only in the pieces in which it has just written it; anything else would have to wait until the
+// processor has put them together, and lookups could not overlap in their waiting for memory.
+using chunk = unsigned char __attribute__((vector_size(path_tree::readable_behind_paths)));
+using chunk_words = std::uint64_t __attribute__((vector_size(sizeof(chunk))));
+
+chunk chunkAt(const char* bytes)
 {
-    const std::uint64_t product = (a ^ std::rotl(b, 32)) * 0xd6e8feb86659fd93u;
-    return product ^ (product >> 32);
+    chunk loaded;
+    std::memcpy(&loaded, bytes, sizeof loaded);
+    return loaded;
 }
 
-std::uint64_t hashBytes(std::string_view text)
+// The bytes of a path that ends after left bytes; what lies behind them becomes zero.
+chunk chunkAt(const char* bytes, std::size_t left)
 {
-    const char* bytes = text.data();
-    std::size_t left = text.size();
-    std::uint64_t even = seed;
-    std::uint64_t odd = ~seed;
-    for (; left >= 16; left -= 16, bytes += 16) // two chains, so that neither waits for the other's product
+    alignas(64) static constexpr unsigned char masks[2 * sizeof(chunk)] = {255, 255, 255, 255, 255, 255, 255, 255,
+                                                                           255, 255, 255, 255, 255, 255, 255, 255};
+    return chunkAt(bytes) &
+           chunkAt(reinterpret_cast<const char*>(masks) + sizeof(chunk) - std::min(left, sizeof(chunk)));
+}
+
+class path_hash
+{
+public:
+    void add(const chunk& bytes)
     {
-        even = mix(even, wordAt(bytes));
-        odd = mix(odd, wordAt(bytes + 8));
+        const auto words = reinterpret_cast<chunk_words>(bytes);
+        m_even = mix(m_even, words[0]); // two chains, so that neither waits for the other's product
+        m_odd = mix(m_odd, words[1]);
     }
-    if (left >= 8)
+    std::uint64_t value(std::size_t path_size) const { return mix(m_even, m_odd + path_size); }
+
+private:
+    static std::uint64_t mix(std::uint64_t a, std::uint64_t b)
     {
-        even = mix(even, wordAt(bytes));
-        bytes += 8;
-        left -= 8;
+        const std::uint64_t product = (a ^ std::rotl(b, 32)) * 0xd6e8feb86659fd93u;
+        return product ^ (product >> 32);
     }
-    std::uint64_t tail = 0;
-    std::memcpy(&tail, bytes, left);
-    return mix(mix(even, tail), odd + text.size());
+
+    std::uint64_t m_even = 0x9e3779b97f4a7c15u;
+    std::uint64_t m_odd = 0x61c8864680b583eau;
+};
+
+std::uint64_t hashOf(std::string_view path)
+{
+    path_hash hash;
+    for (std::size_t at = 0; at < path.size(); at += sizeof(chunk))
+        hash.add(chunkAt(path.data() + at, path.size() - at));
+    return hash.value(path.size());
 }
 
-// The hash of a path is made of its folder's and its name's, so that the files of one folder share the first.
-std::uint64_t hashInFolder(std::uint64_t folder_hash, std::string_view name)
+bool areEqual(const char* left, const char* right, std::size_t size)
 {
-    return mix(folder_hash, hashBytes(name));
-}
-
-std::uint64_t hashPath(std::string_view path, std::size_t name_at)
-{
-    return hashInFolder(hashBytes(path.substr(0, name_at)), path.substr(name_at));
+    chunk difference{};
+    for (std::size_t at = 0; at < size; at += sizeof(chunk))
+        difference |= chunkAt(left + at, size - at) ^ chunkAt(right + at, size - at);
+    const auto words = reinterpret_cast<chunk_words>(difference);
+    return (words[0] | words[1]) == 0;
 }
 
 std::uint16_t tagOf(std::uint64_t hash)
@@ -82,30 +103,65 @@ std::size_t nameStart(std::string_view path)
     return separator == std::string_view::npos ? 0 : separator + 1;
 }
 
-// The form in which a path is looked up: "A/b//C\" becomes "a\b\c". Paths longer than any stored one are cut, and not
-// found.
+// The form in which a path is looked up, with its hash: "A/b//C\" becomes "a\b\c". Paths longer than any stored one are
+// cut, and not found.
 class look_up_form
 {
 public:
-    explicit look_up_form(std::string_view path) : m_size(std::min(path.size(), sizeof m_text))
+    explicit look_up_form(std::string_view path) : m_size(std::min(path.size(), longest))
     {
-        std::memcpy(m_text, path.data(), m_size);
-        lowerInPlace(m_text, m_size);
-        for (char* slash = m_text; (slash = findSlash(slash)) != nullptr;)
-            *slash = '\\';
-        if (hasEmptyComponents(view()))
+        path_hash hash;
+        std::size_t at = 0;
+        for (; at + sizeof(chunk) <= m_size; at += sizeof(chunk))
+            hash.add(fold(chunkAt(path.data() + at), at));
+        if (at < m_size)
+            hash.add(fold(lastChunk(path.data(), at, m_size), at));
+        m_hash = hash.value(m_size);
+        if (m_has_pairs || (m_size > 0 && (m_text[0] == '\\' || m_text[m_size - 1] == '\\')))
+        {
             m_size = dropEmptyComponents(m_text, m_size);
+            m_hash = hashOf(view());
+        }
     }
     std::string_view view() const { return {m_text, m_size}; }
+    std::uint64_t hash() const { return m_hash; }
 
 private:
-    char* findSlash(char* from)
+    static constexpr std::size_t longest = 2048;
+
+    // The bytes from at on, with zeros behind the end, and without reading beyond it.
+    static chunk lastChunk(const char* path, std::size_t at, std::size_t size)
     {
-        return static_cast<char*>(std::memchr(from, '/', static_cast<std::size_t>(m_text + m_size - from)));
+        if (size < 8)
+        {
+            std::uint64_t word = 0;
+            std::memcpy(&word, path, size);
+            return reinterpret_cast<chunk>(chunk_words{word, 0});
+        }
+        const std::size_t left = size - at;
+        const std::uint64_t last = wordAt(path + size - 8);
+        if (left <= 8)
+            return reinterpret_cast<chunk>(chunk_words{last >> (64 - 8 * left), 0});
+        return reinterpret_cast<chunk>(chunk_words{wordAt(path + at), last >> (128 - 8 * left)});
     }
 
-    char m_text[2048];
+    chunk fold(chunk text, std::size_t at)
+    {
+        text ^= (text == '/') & static_cast<unsigned char>('/' ^ '\\');
+        text |= (text - 'A' < 26) & static_cast<unsigned char>(0x20);
+        std::memcpy(m_text + at, &text, sizeof text);
+        const auto found = reinterpret_cast<chunk_words>(text == '\\');
+        m_has_pairs |= (found[0] & (found[0] << 8 | m_last_was_separator)) != 0;
+        m_has_pairs |= (found[1] & (found[1] << 8 | found[0] >> 56)) != 0;
+        m_last_was_separator = found[1] >> 56;
+        return text;
+    }
+
+    char m_text[longest + sizeof(chunk)];
     std::size_t m_size;
+    std::uint64_t m_hash;
+    std::uint64_t m_last_was_separator = 0; // 0xff: yes
+    bool m_has_pairs = false;
 };
 
 } // namespace
@@ -165,7 +221,7 @@ const path_node* path_tree::find(std::string_view path) const
     const std::string_view form = looked_up.view();
     if (form.empty())
         return &m_nodes.front();
-    const slot* const found = findSlot(form, hashPath(form, nameStart(form)));
+    const slot* const found = findSlot(form, looked_up.hash());
     return found->node != 0 ? &m_nodes[found->node] : nullptr;
 }
 
@@ -200,15 +256,9 @@ std::vector<const pack_file_node*> path_tree::files() const
 std::size_t path_tree::entryCount() const
 {
     std::size_t count = 0;
-    for (const std::vector<pack_file_node>& files : m_entries)
+    for (const std::span<const pack_file_node>& files : m_entries)
         count += files.size();
     return count;
-}
-
-archive_record& path_tree::addArchive(archive_record archive)
-{
-    m_archives.push_back(std::move(archive));
-    return m_archives.back();
 }
 
 void path_tree::reserve(std::size_t file_count)
@@ -219,10 +269,10 @@ void path_tree::reserve(std::size_t file_count)
         grow(std::bit_ceil(nodes * 4 / 3 + 1));
 }
 
-void path_tree::enter(std::vector<pack_file_node> files)
+void path_tree::enter(std::unique_ptr<archive_record> archive, std::span<const pack_file_node> entered)
 {
-    m_entries.push_back(std::move(files));
-    const std::vector<pack_file_node>& entered = m_entries.back();
+    m_archives.push_back(std::move(archive));
+    m_entries.push_back(entered);
     std::vector<std::uint64_t> hashes;
     for (std::size_t begin = 0; begin < entered.size();)
     {
@@ -231,7 +281,6 @@ void path_tree::enter(std::vector<pack_file_node> files)
         const std::string_view first = entered[begin].internalPath();
         const std::size_t name_at = nameStart(first);
         const std::string_view folder_path = first.substr(0, name_at);
-        const std::uint64_t folder_hash = hashBytes(folder_path);
         const std::uint32_t folder = folderOf(folder_path);
         hashes.clear();
         std::size_t end = begin;
@@ -241,8 +290,8 @@ void path_tree::enter(std::vector<pack_file_node> files)
             const std::string_view name = path.substr(std::min(name_at, path.size()));
             if (path.substr(0, name_at) != folder_path || name.find('\\') != std::string_view::npos)
                 break;
-            hashes.push_back(hashInFolder(folder_hash, name));
-            __builtin_prefetch(&m_slots[static_cast<std::size_t>(hashes.back()) & (m_slots.size() - 1)]);
+            hashes.push_back(hashOf(path));
+            __builtin_prefetch(&m_slots[bucketOf(hashes.back())]);
         }
         for (std::size_t i = begin; i < end; ++i)
             m_nodes[findOrAdd(entered[i].internalPath(), name_at, hashes[i - begin], folder)].m_file = &entered[i];
@@ -257,7 +306,7 @@ std::uint32_t path_tree::folderOf(std::string_view path)
     for (std::size_t begin = 0; begin < path.size();)
     {
         const std::size_t end = path.find('\\', begin);
-        node = findOrAdd(path.substr(0, end), begin, hashPath(path.substr(0, end), begin), node);
+        node = findOrAdd(path.substr(0, end), begin, hashOf(path.substr(0, end)), node);
         begin = end + 1;
     }
     return node;
@@ -285,30 +334,46 @@ const path_tree::slot* path_tree::findSlot(std::string_view path, std::uint64_t 
 {
     const std::size_t mask = m_slots.size() - 1;
     const std::uint16_t tag = tagOf(hash);
-    for (std::size_t at = static_cast<std::size_t>(hash) & mask;; at = (at + 1) & mask)
+    for (std::size_t at = bucketOf(hash);; at = (at + bucket_size) & mask)
     {
-        const slot& candidate = m_slots[at];
-        const bool is_alike = candidate.tag == tag && candidate.path_length == path.size();
-        if (candidate.node == 0 || (is_alike && std::memcmp(candidate.path, path.data(), path.size()) == 0))
-            return &candidate;
+        // Without a branch for each slot: a wrong guess would throw away the next lookup's work, which otherwise
+        // goes on while this one waits for memory.
+        const slot* const bucket = &m_slots[at];
+        unsigned alike = 0;
+        for (unsigned i = 0; i < bucket_size; ++i)
+            alike |= static_cast<unsigned>((bucket[i].tag == tag) & (bucket[i].path_length == path.size())) << i;
+        for (; alike != 0; alike &= alike - 1)
+        {
+            const slot& candidate = bucket[std::countr_zero(alike)];
+            if (areEqual(candidate.path, path.data(), path.size()))
+                return &candidate;
+        }
+        if (bucket[bucket_size - 1].node == 0) // a bucket fills from its beginning
+            return freeSlot(bucket);
     }
+}
+
+const path_tree::slot* path_tree::freeSlot(const slot* bucket)
+{
+    while (bucket->node != 0)
+        ++bucket;
+    return bucket;
 }
 
 void path_tree::grow(std::size_t slot_count)
 {
     // A slot keeps only part of its hash, so the rest is made again from the path.
-    std::vector<slot> old = std::exchange(m_slots, std::vector<slot>(slot_count));
+    const large_vector<slot> old = std::exchange(m_slots, large_vector<slot>(slot_count));
     const std::size_t mask = slot_count - 1;
     for (const slot& moved : old)
     {
         if (moved.node == 0)
             continue;
         const std::string_view path(moved.path, moved.path_length);
-        const std::uint64_t hash = hashPath(path, nameStart(path));
-        std::size_t at = static_cast<std::size_t>(hash) & mask;
-        while (m_slots[at].node != 0)
-            at = (at + 1) & mask;
-        m_slots[at] = moved;
+        std::size_t at = bucketOf(hashOf(path));
+        while (m_slots[at + bucket_size - 1].node != 0)
+            at = (at + bucket_size) & mask;
+        *const_cast<slot*>(freeSlot(&m_slots[at])) = moved;
     }
 }
 

@@ -8,12 +8,13 @@
 // Made for a million files: nodes are small records in arrays, found through one hash table over whole paths, and a
 // folder's children are sorted when somebody asks for them.
 
+#include "EASY_GUI/services/arena.h"
 #include "EASY_GUI/services/positioned_file.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -110,18 +111,21 @@ public:
     // The winning file of every path, ordered by path (bytes).
     std::vector<const pack_file_node*> files() const;
 
-    const std::deque<archive_record>& archives() const { return m_archives; }
-    // Every file of every archive, in the order in which they were entered.
-    const std::deque<std::vector<pack_file_node>>& entries() const { return m_entries; }
+    // In the order in which they were entered.
+    const std::vector<std::unique_ptr<archive_record>>& archives() const { return m_archives; }
+    // Every file of every archive, in the same order.
+    const std::vector<std::span<const pack_file_node>>& entries() const { return m_entries; }
     std::size_t entryCount() const;
 
+    // A path may be read so far beyond its end: whoever allocates text adds this.
+    static constexpr std::size_t readable_behind_paths = 16;
+
     // --- building -------------------------------------------------------------------------------------------------
-    archive_record& addArchive(archive_record archive);
-    // Takes over a block of text in which paths of entries to come lie.
-    void keepText(std::unique_ptr<char[]> text) { m_texts.push_back(std::move(text)); }
-    // Enters an archive's files in their order. Their paths are lower case, without empty components, not empty, and
-    // lie in kept text.
-    void enter(std::vector<pack_file_node> files);
+    // Where paths and files of archives to come are put; they live as long as the tree.
+    arena& memory() { return m_memory; }
+    // Enters an archive's files in their order. They lie in memory() and refer to the archive; their paths are lower
+    // case, without empty components, not empty, and lie there, too, with some bytes behind them that may be read.
+    void enter(std::unique_ptr<archive_record> archive, std::span<const pack_file_node> files);
     // Makes room for so many more files, so that no rehashing interrupts the entering.
     void reserve(std::size_t file_count);
 
@@ -135,16 +139,23 @@ private:
         std::uint16_t tag = 0; // the hash's high bits
     };
 
+    static constexpr std::size_t bucket_size = 4; // slots in a line of the cache
+
+    std::size_t bucketOf(std::uint64_t hash) const
+    {
+        return static_cast<std::size_t>(hash) & (m_slots.size() - 1) & ~(bucket_size - 1);
+    }
+    static const slot* freeSlot(const slot* bucket);
     std::uint32_t folderOf(std::string_view path);
     std::uint32_t findOrAdd(std::string_view path, std::size_t name_at, std::uint64_t hash, std::uint32_t parent);
     const slot* findSlot(std::string_view path, std::uint64_t hash) const;
     void grow(std::size_t slot_count);
 
-    std::vector<path_node> m_nodes; // the root first
-    std::vector<slot> m_slots;      // a power of two
-    std::deque<archive_record> m_archives;
-    std::deque<std::vector<pack_file_node>> m_entries;
-    std::vector<std::unique_ptr<char[]>> m_texts;
+    large_vector<path_node> m_nodes; // the root first
+    large_vector<slot> m_slots;      // a power of two, in buckets
+    std::vector<std::unique_ptr<archive_record>> m_archives;
+    std::vector<std::span<const pack_file_node>> m_entries;
+    arena m_memory;
 };
 
 } // namespace korvane

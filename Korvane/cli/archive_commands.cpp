@@ -25,17 +25,17 @@ void runArchives(cli_context& context)
         return context.fail(why);
     json list = json::array();
     std::size_t position = 0;
-    for (const archive_record& archive : tree->archives())
+    for (const std::unique_ptr<archive_record>& archive : tree->archives())
     {
         if (context.is_json)
             list.push_back({{"position", position},
-                            {"name", displayText(archive.name)},
-                            {"path", displayText(archive.path)},
-                            {"format", archive.format},
-                            {"files", archive.file_count}});
+                            {"name", displayText(archive->name)},
+                            {"path", displayText(archive->path)},
+                            {"format", archive->format},
+                            {"files", archive->file_count}});
         else
-            context.print(std::to_string(position) + "  " + archive.format + "  " + std::to_string(archive.file_count) +
-                          " files  " + terminalText(archive.path) + "\n");
+            context.print(std::to_string(position) + "  " + archive->format + "  " +
+                          std::to_string(archive->file_count) + " files  " + terminalText(archive->path) + "\n");
         ++position;
     }
     if (context.is_json)
@@ -48,7 +48,7 @@ using hidden_archives = std::unordered_map<const pack_file_node*, std::vector<co
 hidden_archives hiddenCopies(const path_tree& tree)
 {
     hidden_archives hidden;
-    for (const std::vector<pack_file_node>& files : tree.entries())
+    for (const std::span<const pack_file_node>& files : tree.entries())
         for (const pack_file_node& file : files)
         {
             const path_node* const node = tree.find(file.internalPath());

@@ -30,12 +30,12 @@ std::string contentOf(const path_tree& tree, const std::string& path)
 std::shared_ptr<path_tree> treeOf(const test::temporary_folder& folder, const test_pack& pack)
 {
     test::writeBytes(folder.file("one.pack"), pack.bytes());
-    pack_file archive;
+    auto tree = std::make_shared<path_tree>();
+    pack_file archive(*tree);
     failure why;
     if (!archive.open(folder.file("one.pack"), why))
         return nullptr;
-    auto tree = std::make_shared<path_tree>();
-    archive.enterInto(*tree);
+    archive.enter();
     return tree;
 }
 
@@ -172,17 +172,18 @@ TEST(pack_file, damagedArchivesAreRefusedWithTheirPlace)
         {"long path", long_path.bytes(), failure_kind::malformed, "file index, record 1, path"},
     };
     const test::temporary_folder folder;
+    path_tree tree;
     for (const auto& row : rows)
     {
         test::writeBytes(folder.file("bad.pack"), row.bytes);
-        pack_file archive;
+        pack_file archive(tree);
         failure why;
         EXPECT_FALSE(archive.open(folder.file("bad.pack"), why)) << row.name;
         EXPECT_EQ(why.kind, row.kind) << row.name << ": " << describe(why);
         EXPECT_EQ(why.field, row.field) << row.name << ": " << describe(why);
     }
     test::writeBytes(folder.file("bad.pack"), "PFH1" + good.substr(4));
-    pack_file archive;
+    pack_file archive(tree);
     failure why;
     try
     {
@@ -202,12 +203,12 @@ TEST(pack_file, aFileBeyondTheEndIsLeftOutAndTheOthersStay)
     const test::temporary_folder folder;
     const std::string bytes = pack.bytes();
     test::writeBytes(folder.file("cut.pack"), bytes.substr(0, bytes.size() - 1));
-    pack_file archive;
+    path_tree tree;
+    pack_file archive(tree);
     failure why;
     ASSERT_TRUE(archive.open(folder.file("cut.pack"), why)) << describe(why);
     EXPECT_EQ(archive.leftOut(), std::vector<std::string>{"cut"});
-    path_tree tree;
-    archive.enterInto(tree);
+    archive.enter();
     EXPECT_EQ(contentOf(tree, "whole"), "1234");
     EXPECT_EQ(tree.find("cut"), nullptr);
 }
@@ -224,11 +225,11 @@ TEST(pack_file, theNamesCountByteByByteWhateverTheirSizeSays)
         out.putU32(12, size);
         const test::temporary_folder folder;
         test::writeBytes(folder.file("x.pack"), out.str());
-        pack_file archive;
+        path_tree tree;
+        pack_file archive(tree);
         failure why;
         ASSERT_TRUE(archive.open(folder.file("x.pack"), why)) << size << ": " << describe(why);
-        path_tree tree;
-        archive.enterInto(tree);
+        archive.enter();
         EXPECT_EQ(contentOf(tree, "a"), "data") << size;
     }
 }

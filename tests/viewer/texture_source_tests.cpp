@@ -78,11 +78,11 @@ TEST_F(DiskTextureSource, TheArchivesComeFirstWhenTheyAreLoaded)
     pack.magic = "PFH5";
     pack.entries = {{"VariantMeshes\\Body_Diffuse.dds", "from the archive"}, {"broken.dds", "no compression", 1}};
     std::ofstream(m_root / "data/a.pack", std::ios::binary) << pack.bytes();
-    pack_file archive;
+    pack_file::sm_poPathTree = std::make_shared<path_tree>();
+    pack_file archive(*pack_file::sm_poPathTree);
     failure why;
     ASSERT_TRUE(archive.open(toUtf8(m_root / "data/a.pack"), why)) << describe(why);
-    pack_file::sm_poPathTree = std::make_shared<path_tree>();
-    archive.enterInto(*pack_file::sm_poPathTree);
+    archive.enter();
 
     std::vector<std::string> log;
     const model_texture_source source(toUtf8(m_root / "data/units/man/man.rigid_model_v2"),
