@@ -17,6 +17,7 @@ import tempfile
 import unittest
 
 import model_oracle
+import pack_oracle
 
 program = []
 is_windows = False
@@ -335,6 +336,82 @@ class archives(cli_case):
         self.assertEqual((code, out), (0, b"only\\a.txt\n"), err)
         self.assertIn(b"Unknown .PACK file format", err)
         self.expect_failure(["list", "--data", self.path("nowhere")], 1, "findValidPakFiles")
+
+
+class demo_archives(cli_case):
+    """The archives of the demo data, as the program and a reader that is not its own see them."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.demo = tempfile.mkdtemp(prefix="korvane-demo-")
+        cls.addClassCleanup(shutil.rmtree, cls.demo)
+        cls.written = json.loads(korvane("demo-data", cls.demo, "--json", "--quiet", check=0)[1])
+        cls.data = ["--data", cls.demo, "--quiet"]
+        cls.archives = {}
+        for name in os.listdir(cls.demo):
+            if name.endswith(".pack"):
+                with open(os.path.join(cls.demo, name), "rb") as file:
+                    cls.archives[name] = pack_oracle.archive(file.read())
+        cls.order = sorted(cls.archives, reverse=True)
+        cls.copies = {}  # of each path: archive and entry, the winner last
+        for name in cls.order:
+            for entry in cls.archives[name].entries:
+                cls.copies.setdefault(entry.path.lower(), []).append((name, entry))
+
+    def loose(self, path):
+        try:
+            with open(os.path.join(self.demo, *path.split("\\")), "rb") as file:
+                return file.read()
+        except FileNotFoundError:
+            return None
+
+    def test_what_is_said_to_be_written_is_there(self):
+        found = {os.path.relpath(os.path.join(where, name), self.demo).replace(os.sep, "/"):
+                 os.path.getsize(os.path.join(where, name)) for where, _, names in os.walk(self.demo) for name in names}
+        self.assertEqual({row["path"]: row["size"] for row in self.written}, found)
+        self.assertTrue(all(row["about"] for row in self.written))
+
+    def test_the_order_and_the_index_are_those_of_the_oracle(self):
+        self.assertEqual(self.order, ["data_1.pack", "data.pack", "a_demo_mod.pack"])
+        rows = json.loads(korvane("archives", "--json", *self.data, check=0)[1])
+        self.assertEqual([(row["name"], row["format"], row["files"]) for row in rows],
+                         [(name, self.archives[name].format, len(self.archives[name].entries)) for name in self.order])
+        rows = json.loads(korvane("list", "--json", *self.data, check=0)[1])
+        expected = []
+        for path in sorted(self.copies):
+            name, entry = self.copies[path][-1]
+            expected.append((path, name, entry.size, entry.offset, entry.flag != 0,
+                             [other for other, _ in self.copies[path][:-1]]))
+
+        def base(path):
+            return path.replace("\\", "/").rsplit("/", 1)[-1]
+        self.assertEqual([(row["path"], base(row["archive"]), row["size"], row["offset"], row["compressed"],
+                           [base(other) for other in row["hides"]]) for row in rows], expected)
+        self.assertGreaterEqual(sum(len(each) == 3 for each in self.copies.values()), 2)
+        self.assertGreaterEqual(sum(len(each) == 2 for each in self.copies.values()), 3)
+
+    def test_extracted_bytes_are_the_winners(self):
+        target = self.path("out")
+        korvane("extract", "--match", "*", "-o", target, *self.data, check=0)
+        kinds = {}
+        for path, copies in self.copies.items():
+            entry = copies[-1][1]
+            with open(os.path.join(target, *path.split("\\")), "rb") as file:
+                actual = file.read()
+            kind = pack_oracle.compression(entry)
+            kinds[kind] = kinds.get(kind, 0) + 1
+            self.assertEqual(len(actual), pack_oracle.unpacked_size(entry), path)
+            loose, expected = self.loose(path), pack_oracle.content(entry)
+            if expected is None and copies[-1][0] == "data.pack":
+                expected = loose  # which is what went into the archive
+            if expected is not None:
+                self.assertTrue(actual == expected, path)
+            if loose is not None and copies[-1][0] == "a_demo_mod.pack" and len(copies) > 1:
+                self.assertFalse(actual == loose, path + " is not overridden")
+        self.assertEqual(sum(len(names) for _, _, names in os.walk(target)), len(self.copies))
+        self.assertEqual(sorted(kinds), ["lz4", "lzma", "none", "zstd"])
+        with open(os.path.join(target, "demo", "readme.txt"), "rb") as file:
+            self.assertIn(b"a_demo_mod.pack, the archive that is read last", file.read())
 
 
 def small_model(format_id, stride, count, vertices, group_name):

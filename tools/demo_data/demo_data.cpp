@@ -1,13 +1,17 @@
 #include "tools/demo_data/demo_data.h"
 
 #include "EASY_GUI/services/file_system.h"
+#include "tools/demo_data/definitions.h"
+#include "tools/demo_data/demo_archives.h"
 #include "tools/demo_data/figure.h"
 #include "tools/demo_data/humanoid_skeleton.h"
 #include "tools/demo_data/materials.h"
 #include "tools/demo_data/model_file.h"
 #include "tools/demo_data/props.h"
 
+#include <cmath>
 #include <initializer_list>
+#include <span>
 #include <system_error>
 #include <utility>
 
@@ -91,19 +95,43 @@ void addGroups(model_lod& lod, const figure_part& part, const group_style& style
     }
 }
 
-model guardModel(std::uint32_t version, const group_style& style, double density, std::size_t lods)
+// build makes the parts of the guard that the model holds.
+template <class build_function>
+model riggedModel(std::uint32_t version, const group_style& style, double density, std::size_t lods,
+                  const build_function& build)
 {
     model result{version, std::string(skeleton_name), {}};
     const auto points = propPoints();
     for (std::size_t i = 0; i < lods; ++i)
     {
         model_lod lod{lod_distance[i], {}};
-        for (const figure_part& part : buildGuard(lod_density[i] * density))
+        for (const figure_part& part : build(lod_density[i] * density))
             addGroups(lod, part, style, points);
         result.lods.push_back(std::move(lod));
     }
     return result;
 }
+
+model guardModel(std::uint32_t version, const group_style& style, double density, std::size_t lods)
+{
+    return riggedModel(version, style, density, lods, buildGuard);
+}
+
+struct piece_row
+{
+    const char* name;
+    const char* about;
+    guard_piece piece;
+};
+
+constexpr piece_row guard_pieces[] = {
+    {"demo_guard_body", "the guard's body: version 7, for the definition", guard_piece::body},
+    {"demo_guard_cape", "the guard's cape: version 7, for the definition", guard_piece::cape},
+    {"demo_guard_head", "the guard's head with the helmet: version 7, for the definition", guard_piece::head},
+    {"demo_guard_shield", "the guard's shield: version 7, for the definition", guard_piece::shield},
+    {"demo_guard_sword", "the guard's sword: version 7, for the definition", guard_piece::sword},
+    {"demo_guard_spear", "the guard's spear: version 7, for the definition of the mod", guard_piece::spear},
+};
 
 template <class build_function>
 model propModel(std::uint32_t version, const group_style& style, double density, const build_function& build)
@@ -154,11 +182,12 @@ public:
     {
     }
 
-    bool run() { return figures() && props() && textures(); }
+    bool run() { return figures() && pieces() && props() && definitions() && textures() && archives(); }
 
 private:
     bool add(std::string path, std::string about, std::vector<std::byte> bytes)
     {
+        m_archives.add(path, bytes);
         return m_sink({std::move(path), std::move(about), std::move(bytes)});
     }
     bool addModel(const char* folder, const char* name, const char* about, const model& source)
@@ -177,6 +206,20 @@ private:
                addModel(figure_folder, "demo_guard_v5",
                         "the guard: version 5 (16-bit texts), 2 weights a vertex, 1 LOD",
                         guardModel(5, weighted_style, m_density * 0.75, 1));
+    }
+
+    bool pieces()
+    {
+        for (const piece_row& row : guard_pieces)
+        {
+            const auto build = [&row](double density)
+            {
+                return buildGuardPiece(row.piece, density);
+            };
+            if (!addModel(figure_folder, row.name, row.about, riggedModel(7, cinematic_style, m_density, 3, build)))
+                return false;
+        }
+        return true;
     }
 
     bool props()
@@ -212,15 +255,41 @@ private:
                         everyFormat(8));
     }
 
+    bool definitions()
+    {
+        for (const definition& each : demo::definitions())
+        {
+            const auto text = std::as_bytes(std::span(each.text));
+            if (!add(each.path, each.about, {text.begin(), text.end()}))
+                return false;
+        }
+        return true;
+    }
+
     bool textures()
     {
         for (const material& each : materials())
-            for (const painted_image& picture : paintMaterial(each, m_seed))
+        {
+            const std::vector<surface> painted = paintSurface(each, m_seed);
+            for (const painted_image& picture : imagesOf(each, painted))
                 if (!add(texture_folder + each.name + "_" + picture.suffix + ".dds",
                          std::to_string(picture.pixels.width) + " x " + std::to_string(picture.pixels.height) + " " +
                              formatName(picture.format),
                          ddsBytes(picture.pixels, picture.format)))
                     return false;
+            for (const recolouring& row : recolourings())
+                if (row.material == each.name)
+                    m_archives.addInstead(row.archive, texture_folder + each.name + "_diffuse.dds",
+                                          ddsBytes(recoloured(each, painted, row.colour).pixels, each.diffuse));
+        }
+        return true;
+    }
+
+    bool archives()
+    {
+        for (file& each : m_archives.take())
+            if (!m_sink(std::move(each)))
+                return false;
         return true;
     }
 
@@ -252,6 +321,7 @@ private:
     std::uint32_t m_seed;
     double m_density;
     const file_sink& m_sink;
+    demo_archives m_archives;
 };
 
 } // namespace

@@ -1,8 +1,9 @@
 #pragma once
 
-// Writes a synthetic game data folder: models of every version and vertex format with their textures. Everything is
-// generated; the same options give the same bytes on every system. Files lie below the folder by their internal path,
-// so a viewer finds a model's textures in the folders around the model.
+// Writes a synthetic game data folder: models of every version and vertex format with their textures, definitions that
+// put a figure together from several models, and three archives that override each other (demo_archives.h). Everything
+// is generated; the same options give the same bytes on every system. Files lie below the folder by their internal
+// path, so a viewer finds a model's textures in the folders around the model; the archives lie in the folder itself.
 
 #include "EASY_GUI/services/failure.h"
 

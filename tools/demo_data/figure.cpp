@@ -191,46 +191,151 @@ void addSword(mesh_builder& blade, mesh_builder& leather, mesh_builder& steel)
         addBall(steel, hold + up * 0.061 + flat * (side_sign * 0.014), {0.008, 0.008, 0.008}, bones, 8);
 }
 
+void addSpear(mesh_builder& wood, mesh_builder& blade, mesh_builder& leather, mesh_builder& steel)
+{
+    const body_side& side = rightSide();
+    const auto bones = bonesNamed({"be_prop_0"});
+    const vec3 up = normalised(side.at("index_0") - side.at("pinky_0"));
+    const vec3 hold = humanoidBones()[static_cast<std::size_t>(boneIndex("be_prop_0"))].position;
+    loft_options options;
+    options.around = 16;
+    options.along = 4;
+    options.back_hint = normalised(vec3{0, 0, 1} - up * up.z);
+    const auto piece = [&](double height, double half_flat, double half_edge)
+    {
+        return section{hold + up * height, half_flat, half_edge, half_edge, 0};
+    };
+    options.v1 = 6;
+    wood.closedLoft({piece(-0.90, 0.0125, 0.0125), piece(-0.30, 0.0140, 0.0140), piece(0.30, 0.0135, 0.0135),
+                     piece(0.79, 0.0115, 0.0115)},
+                    options, bones);
+    options.v1 = 1;
+    leather.closedLoft({piece(-0.090, 0.0155, 0.0155), piece(0, 0.0165, 0.0165), piece(0.090, 0.0155, 0.0155)}, options,
+                       bones);
+    options.v0 = 1;
+    options.v1 = 0.9;
+    steel.closedLoft({piece(0.69, 0.0150, 0.0150), piece(0.71, 0.0175, 0.0175), piece(0.74, 0.0165, 0.0165),
+                      piece(0.84, 0.0105, 0.0105)},
+                     options, bones);
+    steel.closedLoft(
+        {piece(-0.985, 0, 0), piece(-0.93, 0.0110, 0.0110), piece(-0.88, 0.0155, 0.0155), piece(-0.85, 0.0145, 0.0145)},
+        options, bones);
+    options.v1 = 0;
+    blade.closedLoft({piece(0.815, 0.0095, 0.0115), piece(0.845, 0.0090, 0.031), piece(0.885, 0.0084, 0.039),
+                      piece(0.95, 0.0072, 0.032), piece(1.02, 0.0056, 0.019), piece(1.085, 0, 0)},
+                     options, bones);
+}
+
+namespace
+{
+
+// What the guard's pieces are added to: a mesh for each of the groups.
+struct guard_meshes
+{
+    explicit guard_meshes(double density)
+        : head(density)
+        , skin(density)
+        , helmet(density)
+        , plume(density)
+        , cuirass(density)
+        , plates(density)
+        , tunic(density)
+        , leather(density)
+        , trousers(density)
+        , scarf(density)
+        , cape(density)
+        , shield(density)
+        , wood(density)
+        , blade(density)
+        , fittings(density)
+        , grips(density)
+    {
+    }
+
+    void add(guard_piece piece)
+    {
+        switch (piece)
+        {
+        case guard_piece::head:
+            addHead(head);
+            return addHelmet(helmet, plume);
+        case guard_piece::body:
+            return addBody();
+        case guard_piece::cape:
+            return addCape(cape, fittings);
+        case guard_piece::shield:
+            return addShield(shield, wood, fittings, grips);
+        case guard_piece::sword:
+            return addSword(blade, grips, fittings);
+        case guard_piece::spear:
+            return addSpear(wood, blade, grips, fittings);
+        }
+    }
+
+    void addBody()
+    {
+        addCuirass(cuirass);
+        addSkirt(tunic, leather);
+        addBelt(leather, fittings);
+        addScarf(scarf);
+        for (const body_side& side : {leftSide(), rightSide()})
+        {
+            addArm(side, skin, tunic, leather);
+            addHand(side, skin);
+            addPauldron(side, plates);
+            addLeg(side, trousers, leather, plates);
+        }
+    }
+
+    // Those that hold something.
+    std::vector<figure_part> parts(const char* wood_name, const char* blade_name)
+    {
+        std::vector<figure_part> result;
+        const auto take = [&](const char* name, const char* texture, mesh_builder& from)
+        {
+            if (mesh shape = from.take(); !shape.indices.empty())
+                result.push_back({name, texture, std::move(shape)});
+        };
+        take("head", "guard_head", head);
+        take("arms", "guard_skin", skin);
+        take("helmet", "guard_steel", helmet);
+        take("crest", "guard_plume", plume);
+        take("cuirass", "guard_steel", cuirass);
+        take("pauldrons_and_greaves", "guard_steel", plates);
+        take("tunic", "guard_tunic", tunic);
+        take("belt_straps_boots", "guard_leather", leather);
+        take("trousers", "guard_wool", trousers);
+        take("scarf", "guard_wool", scarf);
+        take("cape", "guard_cape", cape);
+        take("shield", "guard_shield", shield);
+        take(wood_name, "demo_wood", wood);
+        take(blade_name, "guard_blade", blade);
+        take("fittings", "guard_steel", fittings);
+        take("grips", "guard_leather", grips);
+        return result;
+    }
+
+    mesh_builder head, skin, helmet, plume, cuirass, plates, tunic, leather, trousers, scarf, cape, shield, wood, blade,
+        fittings, grips;
+};
+
+} // namespace
+
 std::vector<figure_part> buildGuard(double density)
 {
-    mesh_builder head(density), skin(density), helmet(density), plume(density), cuirass(density), plates(density),
-        tunic(density), leather(density), trousers(density), scarf(density), cape(density), shield(density),
-        shield_wood(density), fittings(density), blade(density), straps(density);
-    addHead(head);
-    addHelmet(helmet, plume);
-    addCuirass(cuirass);
-    addSkirt(tunic, leather);
-    addBelt(leather, fittings);
-    addCape(cape, fittings);
-    addScarf(scarf);
-    for (const body_side& side : {leftSide(), rightSide()})
-    {
-        addArm(side, skin, tunic, leather);
-        addHand(side, skin);
-        addPauldron(side, plates);
-        addLeg(side, trousers, leather, plates);
-    }
-    addShield(shield, shield_wood, fittings, straps);
-    addSword(blade, straps, fittings);
+    guard_meshes meshes(density);
+    for (const guard_piece piece :
+         {guard_piece::head, guard_piece::body, guard_piece::cape, guard_piece::shield, guard_piece::sword})
+        meshes.add(piece);
+    return meshes.parts("shield_back", "sword_blade");
+}
 
-    std::vector<figure_part> parts;
-    parts.push_back({"head", "guard_head", head.take()});
-    parts.push_back({"arms", "guard_skin", skin.take()});
-    parts.push_back({"helmet", "guard_steel", helmet.take()});
-    parts.push_back({"crest", "guard_plume", plume.take()});
-    parts.push_back({"cuirass", "guard_steel", cuirass.take()});
-    parts.push_back({"pauldrons_and_greaves", "guard_steel", plates.take()});
-    parts.push_back({"tunic", "guard_tunic", tunic.take()});
-    parts.push_back({"belt_straps_boots", "guard_leather", leather.take()});
-    parts.push_back({"trousers", "guard_wool", trousers.take()});
-    parts.push_back({"scarf", "guard_wool", scarf.take()});
-    parts.push_back({"cape", "guard_cape", cape.take()});
-    parts.push_back({"shield", "guard_shield", shield.take()});
-    parts.push_back({"shield_back", "demo_wood", shield_wood.take()});
-    parts.push_back({"sword_blade", "guard_blade", blade.take()});
-    parts.push_back({"fittings", "guard_steel", fittings.take()});
-    parts.push_back({"grips", "guard_leather", straps.take()});
-    return parts;
+std::vector<figure_part> buildGuardPiece(guard_piece piece, double density)
+{
+    guard_meshes meshes(density);
+    meshes.add(piece);
+    return piece == guard_piece::spear ? meshes.parts("spear_shaft", "spear_head")
+                                       : meshes.parts("shield_back", "sword_blade");
 }
 
 } // namespace korvane::demo

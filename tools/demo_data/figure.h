@@ -21,4 +21,18 @@ struct figure_part
 // density multiplies rows and columns: 1 is LOD 0.
 [[nodiscard]] std::vector<figure_part> buildGuard(double density);
 
+// The same guard in pieces, each in its place on the whole figure. The spear is for the sword's hand; buildGuard leaves
+// it out.
+enum class guard_piece
+{
+    body,
+    cape,
+    head, // with the helmet
+    shield,
+    sword,
+    spear
+};
+
+[[nodiscard]] std::vector<figure_part> buildGuardPiece(guard_piece piece, double density);
+
 } // namespace korvane::demo

@@ -45,5 +45,6 @@ void addPauldron(const body_side& side, mesh_builder& steel);
 void addLeg(const body_side& side, mesh_builder& trousers, mesh_builder& leather, mesh_builder& steel);
 void addShield(mesh_builder& front, mesh_builder& wood, mesh_builder& steel, mesh_builder& leather);
 void addSword(mesh_builder& blade, mesh_builder& leather, mesh_builder& steel);
+void addSpear(mesh_builder& wood, mesh_builder& blade, mesh_builder& leather, mesh_builder& steel);
 
 } // namespace korvane::demo

@@ -71,7 +71,7 @@ std::span<const material> materials()
     return all;
 }
 
-std::vector<painted_image> paintMaterial(const material& source, std::uint32_t seed)
+std::vector<surface> paintSurface(const material& source, std::uint32_t seed)
 {
     std::vector<surface> texels(source.size * source.size);
     const double step = 1.0 / static_cast<double>(source.size);
@@ -79,7 +79,24 @@ std::vector<painted_image> paintMaterial(const material& source, std::uint32_t s
         for (std::size_t x = 0; x < source.size; ++x)
             texels[y * source.size + x] =
                 source.paint((static_cast<double>(x) + 0.5) * step, (static_cast<double>(y) + 0.5) * step, seed);
+    return texels;
+}
 
+painted_image recoloured(const material& source, const std::vector<surface>& texels, vec3 colour)
+{
+    return {"diffuse", source.diffuse,
+            filled(
+                source.size, texels,
+                [colour](const surface& s)
+                {
+                    const double light = (s.colour.x + 2 * s.colour.y + s.colour.z) * 0.25;
+                    return mix(s.colour, colour * light, s.mask.x);
+                },
+                true)};
+}
+
+std::vector<painted_image> imagesOf(const material& source, const std::vector<surface>& texels)
+{
     std::vector<painted_image> images;
     const auto add = [&](const char* suffix, dds_format format, image pixels)
     {
@@ -115,6 +132,11 @@ std::vector<painted_image> paintMaterial(const material& source, std::uint32_t s
                       }),
                false));
     return images;
+}
+
+std::vector<painted_image> paintMaterial(const material& source, std::uint32_t seed)
+{
+    return imagesOf(source, paintSurface(source, seed));
 }
 
 } // namespace korvane::demo

@@ -41,8 +41,16 @@ struct painted_image
     image pixels;
 };
 
-// The five images of a material. Normal maps are stored as the games do: red full, green the y, blue none, alpha the
-// x; as BC5, which has no alpha, x in red. x points along u, y along v (downwards in the image).
+// The material at every texel, row by row from the top.
+[[nodiscard]] std::vector<surface> paintSurface(const material& source, std::uint32_t seed);
+
+// The five images of a painted material. Normal maps are stored as the games do: red full, green the y, blue none,
+// alpha the x; as BC5, which has no alpha, x in red. x points along u, y along v (downwards in the image).
+[[nodiscard]] std::vector<painted_image> imagesOf(const material& source, const std::vector<surface>& texels);
 [[nodiscard]] std::vector<painted_image> paintMaterial(const material& source, std::uint32_t seed);
+
+// The diffuse image with another colour where the mask puts a faction's first one. colour multiplies the brightness
+// that is there and may exceed 1.
+[[nodiscard]] painted_image recoloured(const material& source, const std::vector<surface>& texels, vec3 colour);
 
 } // namespace korvane::demo
