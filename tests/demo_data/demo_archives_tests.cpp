@@ -224,13 +224,13 @@ TEST(demo_pack_writer, both_formats_with_and_without_time_stamps_read_back)
             }
             failure why;
             ASSERT_TRUE(writeWholeFile(folder.file("x.pack"), bytes, why));
-            pack_file archive;
+            path_tree tree;
+            pack_file archive(tree);
             ASSERT_TRUE(archive.open(folder.file("x.pack"), why)) << why.what;
             EXPECT_EQ(archive.header().magic, each.magic);
             EXPECT_EQ(archive.header().hasTimeStamps(), each.has_time_stamps);
             EXPECT_EQ(archive.archiveNames(), each.names);
-            path_tree tree;
-            archive.enterInto(tree);
+            archive.enter();
             for (const auto& [path, content] :
                  {std::pair{"a\\b.c", short_text}, {"b\\d", long_text}, {"e", std::string()}})
             {
