@@ -139,8 +139,8 @@ TEST_F(demo_archives_test, every_entry_of_every_archive_opens_and_all_compressio
                                                     : "lzma"];
             EXPECT_EQ(entry.timeStamp(), entry.archive().name == "a_demo_mod.pack" ? pack_writer::time_stamp : 0u);
         }
-    for (const archive_record& archive : m_tree->archives())
-        ++formats[archive.format];
+    for (const auto& archive : m_tree->archives())
+        ++formats[archive->format];
     EXPECT_EQ(formats, (std::map<std::string, int>{{"PFH4", 1}, {"PFH5", 2}}));
     for (const char* each : {"none", "zstd", "lz4", "lzma"})
         EXPECT_GE(compressions[each], 5) << each;
