@@ -62,7 +62,7 @@ std::string existingPathAnyCase(const std::string& path)
     return toUtf8(found);
 }
 
-bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, failure& why)
+bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, failure& why, write_safety safety)
 {
     std::filesystem::path target = toPath(path);
     std::error_code error;
@@ -82,7 +82,8 @@ bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, f
     temporary += "." + std::to_string(platform::processId()) + "-" + std::to_string(counter++) + ".tmp";
 
     std::string reason;
-    if (platform::writeFlushed(temporary, bytes, reason) && platform::replaceFile(temporary, target, reason))
+    if (platform::writeNewFile(temporary, bytes, safety == write_safety::flushed, reason) &&
+        platform::replaceFile(temporary, target, reason))
         return true;
     std::filesystem::remove(temporary, error);
     return fail(why, failure_kind::unwritable, "the file cannot be written: " + reason, path);

@@ -26,7 +26,14 @@ namespace korvane
 
 // Replaces the file at path by the bytes: written to a temporary file beside it, flushed to disk, then renamed over
 // it. On failure what stood there before still stands and the temporary file is gone.
-[[nodiscard]] bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, failure& why);
+// A replaceable file, one that can be made again and whose damage is noticed, is not flushed.
+enum class write_safety
+{
+    flushed,
+    replaceable
+};
+[[nodiscard]] bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, failure& why,
+                                  write_safety safety = write_safety::flushed);
 [[nodiscard]] bool writeWholeFile(const std::string& path, std::string_view bytes, failure& why);
 
 } // namespace korvane

@@ -18,8 +18,9 @@ namespace korvane::platform
 [[nodiscard]] std::filesystem::path executablePath();
 [[nodiscard]] unsigned long processId();
 
-// Creates the file, writes all bytes and flushes them to the disk. False: reason says why; the file may be left over.
-[[nodiscard]] bool writeFlushed(const std::filesystem::path& file, std::span<const std::byte> bytes,
+// Creates the file, writes all bytes and, where wanted, flushes them to the disk. False: reason says why; the file may
+// be left over.
+[[nodiscard]] bool writeNewFile(const std::filesystem::path& file, std::span<const std::byte> bytes, bool is_flushed,
                                 std::string& reason);
 // Renames source over target in one step. A target that is read-only is not replaced.
 [[nodiscard]] bool replaceFile(const std::filesystem::path& source, const std::filesystem::path& target,

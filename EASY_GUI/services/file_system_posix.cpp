@@ -41,7 +41,8 @@ unsigned long processId()
     return static_cast<unsigned long>(getpid());
 }
 
-bool writeFlushed(const std::filesystem::path& file, std::span<const std::byte> bytes, std::string& reason)
+bool writeNewFile(const std::filesystem::path& file, std::span<const std::byte> bytes, bool is_flushed,
+                  std::string& reason)
 {
     const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (descriptor < 0)
@@ -55,7 +56,7 @@ bool writeFlushed(const std::filesystem::path& file, std::span<const std::byte> 
         else if (errno != EINTR)
             is_written = failWithErrno(reason);
     }
-    if (is_written && ::fsync(descriptor) != 0)
+    if (is_flushed && is_written && ::fsync(descriptor) != 0)
         is_written = failWithErrno(reason);
     if (::close(descriptor) != 0 && is_written)
         is_written = failWithErrno(reason);

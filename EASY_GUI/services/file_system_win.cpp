@@ -57,7 +57,8 @@ unsigned long processId()
     return GetCurrentProcessId();
 }
 
-bool writeFlushed(const std::filesystem::path& file, std::span<const std::byte> bytes, std::string& reason)
+bool writeNewFile(const std::filesystem::path& file, std::span<const std::byte> bytes, bool is_flushed,
+                  std::string& reason)
 {
     const HANDLE handle =
         CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -73,7 +74,7 @@ bool writeFlushed(const std::filesystem::path& file, std::span<const std::byte> 
         else
             is_written = failWithLastError(reason);
     }
-    if (is_written && !FlushFileBuffers(handle))
+    if (is_flushed && is_written && !FlushFileBuffers(handle))
         is_written = failWithLastError(reason);
     CloseHandle(handle);
     return is_written;

@@ -55,6 +55,8 @@ public:
     const pack_header& header() const { return m_header; }
     const std::vector<std::string>& archiveNames() const { return m_archive_names; }
     std::size_t entryCount() const { return m_entry_count; }
+    // Open as far as open() came; not for use after enter().
+    const positioned_file& file() const { return m_archive->file; }
     // Files that were left out because their data does not lie inside the archive: their paths.
     const std::vector<std::string>& leftOut() const { return m_left_out; }
 

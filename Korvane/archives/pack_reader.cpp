@@ -15,14 +15,21 @@ bool pack_reader::loadAllArchives(const std::vector<std::string>& folders)
 {
     pack_file::sm_poPathTree = nullptr;
     m_archives.clear();
-    m_damaged.clear();
+    m_has_written_cache = false;
     if (folders.empty())
         return false;
     for (const std::string& folder : folders)
         if (!findValidPakFiles(folder))
             return false;
     sortArchives();
-    indexArchives();
+    indexed_archives indexed;
+    if (!loadFromCache(indexed))
+    {
+        indexArchives(indexed);
+        writeCache(indexed);
+    }
+    pack_file::sm_poPathTree = std::move(indexed.tree);
+    report(indexed.archives);
     return true;
 }
 
@@ -48,7 +55,7 @@ bool pack_reader::findValidPakFiles(const std::string& folder)
     }
     std::sort(matches.begin(), matches.end()); // the same order on every disk
     for (const std::filesystem::path& match : matches)
-        m_archives.push_back({toUtf8(match.filename()), toUtf8(match)});
+        m_archives.push_back(toUtf8(match));
     return true;
 }
 
@@ -56,62 +63,96 @@ void pack_reader::sortArchives()
 {
     log(".pack files being sorted...");
     std::stable_sort(m_archives.begin(), m_archives.end(),
-                     [](const found_archive& left, const found_archive& right)
+                     [](const std::string& left, const std::string& right)
                      {
-                         return left.name > right.name;
+                         return fileName(left) > fileName(right);
                      });
     log(".pack files is sorted in the following order: ");
     for (std::size_t i = 0; i < m_archives.size(); ++i)
-        log("[PACK FILE] " + std::to_string(i) + " : " + m_archives[i].path);
+        log("[PACK FILE] " + std::to_string(i) + " : " + m_archives[i]);
 }
 
-void pack_reader::indexArchives()
+bool pack_reader::loadFromCache(indexed_archives& indexed) const
+{
+    if (!m_ports.cache)
+        return false;
+    failure why;
+    if (m_ports.cache->load(m_archives, indexed, why))
+        return true;
+    if (why.kind != failure_kind::not_found)
+        log("[PACK CACHE] " + m_ports.cache->path() + " : not used, " + why.what);
+    return false;
+}
+
+void pack_reader::indexArchives(indexed_archives& indexed) const
 {
     // Read and checked first, all of them: then the tree can be made in its final size.
-    auto tree = std::make_shared<path_tree>();
+    indexed.tree = std::make_shared<path_tree>();
     std::vector<pack_file> archives;
     std::size_t file_count = 0;
-    for (const found_archive& found : m_archives)
+    for (const std::string& path : m_archives)
     {
         if (m_ports.progress)
-            m_ports.progress(archives.size() + m_damaged.size(), m_archives.size(), found.path);
-        pack_file archive(*tree);
+            m_ports.progress(indexed.archives.size(), m_archives.size(), path);
+        archive_listing& listing = indexed.archives.emplace_back();
+        listing.path = path;
+        pack_file archive(*indexed.tree);
         failure why;
+        bool is_read = false;
         try
         {
-            if (archive.open(found.path, why))
-            {
-                file_count += archive.entryCount();
-                for (const std::string& path : archive.leftOut())
-                    log("[PACK FILE] " + found.path + " : left out, its data is not inside the archive: " + path);
-                archives.push_back(std::move(archive));
-                continue;
-            }
+            is_read = archive.open(path, why);
         }
         catch (const std::exception& unknown_format)
         {
-            why = {failure_kind::unsupported, unknown_format.what(), found.path, 0, "magic"};
+            why = {failure_kind::unsupported, unknown_format.what(), path, 0, "magic"};
         }
-        m_damaged.push_back(describe(why));
-        log("[PACK FILE] " + m_damaged.back());
+        listing.size = archive.file().size();
+        listing.modification_time = archive.file().modificationTime();
+        listing.left_out = archive.leftOut();
+        if (!is_read)
+        {
+            listing.damage = describe(why);
+            continue;
+        }
+        file_count += archive.entryCount();
+        archives.push_back(std::move(archive));
     }
-    tree->reserve(file_count);
+    indexed.tree->reserve(file_count);
     for (pack_file& archive : archives)
         archive.enter();
-    pack_file::sm_poPathTree = std::move(tree);
-    if (!m_damaged.empty())
-        reportDamaged(m_damaged);
 }
 
-void pack_reader::reportDamaged(const std::vector<std::string>& lines) const
+void pack_reader::writeCache(const indexed_archives& indexed)
 {
-    std::string text = "An error has occured ";
+    if (!m_ports.cache)
+        return;
+    failure why;
+    m_has_written_cache = m_ports.cache->write(indexed, why);
+    if (!m_has_written_cache)
+        log("[PACK CACHE] " + m_ports.cache->path() + " : not written, " + why.what);
+}
+
+// The same whether the archives were indexed or came out of the cache.
+void pack_reader::report(const std::vector<archive_listing>& archives) const
+{
     constexpr std::size_t shown = 20;
-    for (std::size_t i = 0; i < std::min(lines.size(), shown); ++i)
-        text += "\r\n" + lines[i];
-    if (lines.size() > shown)
-        text += "\r\nand " + std::to_string(lines.size() - shown) + " more (see log.txt)";
-    m_ports.prompt.show("Error!", text, prompt_icon::error);
+    std::string text = "An error has occured ";
+    std::size_t damaged = 0;
+    for (const archive_listing& archive : archives)
+    {
+        for (const std::string& path : archive.left_out)
+            log("[PACK FILE] " + archive.path + " : left out, its data is not inside the archive: " + path);
+        if (archive.damage.empty())
+            continue;
+        log("[PACK FILE] " + archive.damage);
+        if (++damaged <= shown)
+            text += "\r\n" + archive.damage;
+    }
+    if (damaged > shown)
+        text += "\r\nand " + std::to_string(damaged - shown) + " more (see log.txt)";
+    if (damaged > 0)
+        m_ports.prompt.show("Error!", text, prompt_icon::error);
 }
 
 void pack_reader::log(const std::string& line) const

@@ -5,12 +5,14 @@
 //
 // Order: by file name, byte by byte, descending; archives of equal names keep the order in which they were listed. A
 // file that stands in several archives is taken from the one indexed last, so the lowest name wins.
+//
+// With a cache nothing is indexed as long as the archives are those of which the cache was made; what is loaded, logged
+// and reported is the same.
 
 #include "EASY_GUI/services/user_prompt.h"
-#include "Korvane/archives/path_tree.h"
+#include "Korvane/archives/pack_cache.h"
 
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,6 +25,7 @@ struct load_ports
     user_prompt& prompt;
     std::function<void(const std::string&)> log; // a line without its end
     std::function<void(std::size_t done, std::size_t of, const std::string& path)> progress;
+    const pack_cache* cache = nullptr; // null: the archives are always indexed
 };
 
 class pack_reader
@@ -35,24 +38,23 @@ public:
     // and left out; that is no failure.
     [[nodiscard]] bool loadAllArchives(const std::vector<std::string>& folders);
 
+    // Whether the cache was written, so that it wants to be recorded (pack_cache::recordIn).
+    bool hasWrittenCache() const { return m_has_written_cache; }
+
     // Adds the archives of one folder to the list; false, with its message, when there is none.
     [[nodiscard]] bool findValidPakFiles(const std::string& folder);
 
 private:
-    struct found_archive
-    {
-        std::string name;
-        std::string path;
-    };
-
     void log(const std::string& line) const;
     void sortArchives();
-    void indexArchives();
-    void reportDamaged(const std::vector<std::string>& lines) const;
+    bool loadFromCache(indexed_archives& indexed) const;
+    void indexArchives(indexed_archives& indexed) const;
+    void writeCache(const indexed_archives& indexed);
+    void report(const std::vector<archive_listing>& archives) const;
 
     load_ports m_ports;
-    std::vector<found_archive> m_archives;
-    std::vector<std::string> m_damaged; // path and what is wrong
+    std::vector<std::string> m_archives; // paths on disk
+    bool m_has_written_cache = false;
 };
 
 } // namespace korvane

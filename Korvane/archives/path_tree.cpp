@@ -242,15 +242,54 @@ std::vector<const pack_file_node*> path_tree::files() const
 {
     std::vector<const pack_file_node*> list;
     list.reserve(m_nodes.size());
-    for (const path_node& node : m_nodes)
-        if (node.m_file)
-            list.push_back(node.m_file);
-    std::sort(list.begin(), list.end(),
-              [](const pack_file_node* left, const pack_file_node* right)
-              {
-                  return left->internalPath() < right->internalPath();
-              });
+    // Folder by folder: whole paths would be compared over and over in their long common beginnings.
+    std::vector<ordered_child> waiting; // the next one last
+    addChildren(m_nodes.front(), waiting);
+    while (!waiting.empty())
+    {
+        const ordered_child next = waiting.back();
+        waiting.pop_back();
+        if (next.is_folder)
+            addChildren(*next.node, waiting);
+        else
+            list.push_back(next.node->m_file);
+    }
     return list;
+}
+
+// What stands in a folder, in reverse order of the paths; a node that is file and folder stands there twice.
+void path_tree::addChildren(const path_node& folder, std::vector<ordered_child>& list) const
+{
+    const auto begin = static_cast<std::ptrdiff_t>(list.size());
+    for (std::uint32_t child = folder.m_first_child; child != 0; child = m_nodes[child].m_next_sibling)
+    {
+        const path_node& node = m_nodes[child];
+        if (node.m_file)
+            list.push_back({&node, false});
+        if (node.m_first_child != 0)
+            list.push_back({&node, true});
+    }
+    std::sort(list.begin() + begin, list.end(),
+              [](const ordered_child& left, const ordered_child& right)
+              {
+                  return comesBefore(right, left);
+              });
+}
+
+// A folder's paths go on with a separator behind its name.
+bool path_tree::comesBefore(const ordered_child& left, const ordered_child& right)
+{
+    const std::string_view a = left.node->name();
+    const std::string_view b = right.node->name();
+    const std::size_t common = std::min(a.size(), b.size());
+    const int order = std::memcmp(a.data(), b.data(), common);
+    if (order != 0)
+        return order < 0;
+    const auto next = [common](std::string_view name, bool is_folder)
+    {
+        return name.size() > common ? static_cast<unsigned char>(name[common]) : is_folder ? '\\' : -1;
+    };
+    return next(a, left.is_folder) < next(b, right.is_folder);
 }
 
 std::size_t path_tree::entryCount() const

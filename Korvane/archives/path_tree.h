@@ -30,11 +30,11 @@ namespace korvane
 // One archive: what is known of the file on disk. Entries refer to it.
 struct archive_record
 {
-    std::string name;   // file name as the folder listing gives it
-    std::string path;   // on disk
-    std::string format; // "PFH5"
-    std::uint32_t file_count = 0;
-    positioned_file file; // open as long as the tree lives
+    std::string name;             // file name as the folder listing gives it
+    std::string path;             // on disk
+    std::string format;           // "PFH5"
+    std::uint32_t file_count = 0; // in the tree
+    positioned_file file;         // open as long as the tree lives
 };
 
 // One file inside one archive.
@@ -83,6 +83,8 @@ public:
 
 private:
     friend class path_tree;
+    friend class tree_image;
+    friend class tree_image_reader;
     const char* m_path = nullptr;
     const pack_file_node* m_file = nullptr;
     std::uint32_t m_first_child = 0; // 0: none, for the root is nobody's child
@@ -130,6 +132,9 @@ public:
     void reserve(std::size_t file_count);
 
 private:
+    friend class tree_image;
+    friend class tree_image_reader;
+
     // Holds what a lookup compares, so that it need not fetch the node as well.
     struct slot
     {
@@ -138,6 +143,14 @@ private:
         std::uint16_t path_length = 0;
         std::uint16_t tag = 0; // the hash's high bits
     };
+
+    struct ordered_child
+    {
+        const path_node* node;
+        bool is_folder;
+    };
+    void addChildren(const path_node& folder, std::vector<ordered_child>& list) const;
+    static bool comesBefore(const ordered_child& left, const ordered_child& right);
 
     static constexpr std::size_t bucket_size = 4; // slots in a line of the cache
 

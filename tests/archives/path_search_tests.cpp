@@ -1,0 +1,104 @@
+#include "Korvane/archives/pack_file.h"
+#include "Korvane/archives/path_search.h"
+#include "tests/support/pack_builder.h"
+#include "tests/support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace korvane
+{
+namespace
+{
+
+std::shared_ptr<path_tree> treeOf(const std::vector<std::string>& paths)
+{
+    const test::temporary_folder folder;
+    test::test_pack pack;
+    for (const std::string& path : paths)
+        pack.entries.push_back({path, ""});
+    test::writeBytes(folder.file("x.pack"), pack.bytes());
+    auto tree = std::make_shared<path_tree>();
+    pack_file archive(*tree);
+    failure why;
+    EXPECT_TRUE(archive.open(folder.file("x.pack"), why)) << describe(why);
+    archive.enter();
+    return tree;
+}
+
+std::vector<std::string> hitsOf(const path_search& search)
+{
+    std::vector<std::string> paths;
+    for (const pack_file_node* file : search.hits())
+        paths.emplace_back(file->internalPath());
+    return paths;
+}
+
+} // namespace
+
+TEST(path_search, findsWhatAPlainSearchFindsInTheOrderOfThePaths)
+{
+    std::vector<std::string> paths = {"a",        "a\\b",     "a.x",  "a\\b\\c",           "a b", "a\\b.txt",
+                                      "zz\\\xff", "zz\\\x01", "a\\c", "units\\man_01.dds", "ab",  "units\\man_02.dds"};
+    for (int i = 0; i < 300; ++i) // lengths around the sixteen bytes that are looked at in one go
+        paths.push_back("long\\" + std::string(static_cast<std::size_t>(i % 50), 'x') + "needle" + std::to_string(i));
+    const std::shared_ptr<path_tree> tree = treeOf(paths);
+    std::sort(paths.begin(), paths.end(),
+              [](const std::string& left, const std::string& right)
+              {
+                  return std::string_view(left) < std::string_view(right); // as unsigned bytes
+              });
+    path_search search(tree);
+    EXPECT_EQ(search.fileCount(), paths.size());
+    for (const std::string text : {"", "a", "\\", "needle", "NEEDLE29", "e2", "x", "xneedle", "UNITS/man_0", "s\\m",
+                                   "\xff", "9", "no such", "a\\b", ".dds", "xxxxxxxxxxxxxxxxxxxxxxneedle"})
+    {
+        search.find("\x02"); // nothing has it: what follows is no narrowing
+        while (search.advance(7))
+        {
+        }
+        search.find(text);
+        while (search.advance(7))
+        {
+        }
+        std::string wanted = text;
+        std::transform(wanted.begin(), wanted.end(), wanted.begin(),
+                       [](char each)
+                       {
+                           return each == '/' ? '\\' : each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each;
+                       });
+        std::vector<std::string> expected;
+        for (const std::string& path : paths)
+            if (path.find(wanted) != std::string::npos)
+                expected.push_back(path);
+        EXPECT_EQ(hitsOf(search), expected) << text;
+    }
+}
+
+TEST(path_search, narrowsAndGoesOnWhereItStood)
+{
+    std::vector<std::string> paths;
+    for (int i = 100; i < 200; ++i)
+        paths.push_back("man_" + std::to_string(i));
+    path_search search(treeOf(paths));
+    EXPECT_FALSE(search.isDone());
+    search.find("1");
+    EXPECT_TRUE(search.advance(50));
+    EXPECT_EQ(search.hits().size(), 50u);
+    search.find("15"); // typed on: 115 is kept, and the rest is looked at only from here on
+    EXPECT_EQ(search.lookedAt(), 50u);
+    EXPECT_EQ(hitsOf(search), std::vector<std::string>{"man_115"});
+    EXPECT_FALSE(search.advance(1000));
+    EXPECT_EQ(search.hits().size(), 11u);
+    search.find("19"); // something else: from the beginning
+    EXPECT_EQ(search.lookedAt(), 0u);
+    EXPECT_FALSE(search.advance(1000));
+    EXPECT_EQ(search.hits().size(), 11u);
+
+    path_search nothing(nullptr);
+    nothing.find("x");
+    EXPECT_FALSE(nothing.advance(10));
+}
+
+} // namespace korvane
