@@ -26,6 +26,7 @@ public:
     std::string config_path;               // --config; empty: "config.cfg" beside the program
     bool is_json = false;                  // --json
     bool is_quiet = false;                 // --quiet
+    bool is_without_cache = false;         // --no-cache
 
     // Adds --json to a command that has it.
     void addJsonOption(CLI::App& command);

@@ -34,7 +34,8 @@ public:
     std::string message;
 };
 
-std::vector<std::string> dataFolders(const cli_context& context)
+// Those of the command line; without any the configuration is loaded, and they are its.
+std::vector<std::string> dataFolders(const cli_context& context, config_file& config)
 {
     std::vector<std::string> folders = context.data_folders;
     for (std::string& folder : folders)
@@ -42,7 +43,6 @@ std::vector<std::string> dataFolders(const cli_context& context)
             folder += '/';
     if (!folders.empty())
         return folders;
-    config_file config;
     config.load(context.config_path.empty() ? config_file::defaultPath() : context.config_path);
     return config.get("data_paths");
 }
@@ -64,26 +64,31 @@ std::shared_ptr<const path_tree> loadArchives(cli_context& context, failure& why
 {
     if (pack_file::sm_poPathTree)
         return pack_file::sm_poPathTree;
-    const std::vector<std::string> folders = dataFolders(context);
+    config_file config;
+    const std::vector<std::string> folders = dataFolders(context, config);
     if (folders.empty())
     {
         fail(why, failure_kind::not_found, "no data folders: give --data DIR, or add data_paths to the configuration");
         return nullptr;
     }
+    const pack_cache cache = pack_cache::of(config, context.config_path);
+    // Folders of the command line are for once: a cache of them would replace that of the configuration's.
+    const bool has_cache = context.data_folders.empty() && !context.is_without_cache;
     message_keeper messages;
-    pack_reader reader({messages,
-                        {},
-                        [&context](std::size_t done, std::size_t of, const std::string& path)
-                        {
-                            context.progress("reading archive " + std::to_string(done + 1) + " of " +
-                                             std::to_string(of) + ": " + displayText(path));
-                        }});
+    const auto showProgress = [&context](std::size_t done, std::size_t of, const std::string& path)
+    {
+        context.progress("reading archive " + std::to_string(done + 1) + " of " + std::to_string(of) + ": " +
+                         displayText(path));
+    };
+    pack_reader reader({messages, {}, showProgress, has_cache ? &cache : nullptr});
     if (!reader.loadAllArchives(folders))
     {
         fail(why, failure_kind::not_found, messages.message);
         return nullptr;
     }
     noteLines(context, messages.message);
+    if (reader.hasWrittenCache() && pack_cache::recordIn(config))
+        static_cast<void>(config.save(context.config_path)); // the cache is found by its usual name as well
     return pack_file::sm_poPathTree;
 }
 

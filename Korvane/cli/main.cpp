@@ -50,6 +50,7 @@ void addSharedOptions(CLI::App& app, cli_context& context)
         ->allow_extra_args(false);
     app.add_option("--config", context.config_path, "The configuration file (default: config.cfg beside the program)")
         ->type_name("FILE");
+    app.add_flag("--no-cache", context.is_without_cache, "Index the archives again instead of using packs.cache");
     app.add_flag("--quiet", context.is_quiet, "No progress and no notes on standard error");
 }
 

@@ -338,6 +338,58 @@ class archives(cli_case):
         self.expect_failure(["list", "--data", self.path("nowhere")], 1, "findValidPakFiles")
 
 
+    def cached_entries(self):
+        """What another program reads in the cache: the part that stands by itself."""
+        with open(self.path("packs.cache"), "rb") as file:
+            data = file.read()
+        at = 0
+
+        def u32():
+            nonlocal at
+            at += 4
+            return struct.unpack_from("<I", data, at - 4)[0]
+
+        def text():
+            nonlocal at
+            length = u32()
+            at += length
+            self.assertEqual(data[at - 1], 0)
+            return data[at - length:at - 1]
+        self.assertEqual(text(), b"Korvane pack cache 1")
+        return [(text(), text(), text(), text(), u32(), u32(), u32(), text(), text()) for _ in range(u32())]
+
+    def test_the_cache_holds_what_the_archives_hold(self):
+        separator = "\\" if is_windows else "/"
+        config = self.write("c.cfg", ('data_paths = "%s";' % (self.folder + separator)).encode("utf-8"))
+        # Paths are lower case in the configuration, so they may be spelled another way than with --data.
+        options = ["--config", config, "--quiet"]
+        plain = korvane("list", "--json", "--no-cache", *options, check=0)[1]
+        self.assertFalse(os.path.exists(self.path("packs.cache")))
+        first = korvane("list", "--json", *options, check=0)[1]
+        second = korvane("list", "--json", *options, check=0)[1]
+        self.assertEqual([first, second], [plain, plain])
+        shown = json.loads(korvane("config", "--json", *options, check=0)[1])
+        self.assertEqual(shown["packs_cache"], ["packs.cache"])
+        winners = {entry[2]: entry for entry in self.cached_entries()}
+        self.assertEqual(len(self.cached_entries()), 8)
+        for row in json.loads(plain):
+            name, pack, path, extension, size, offset, compression, form, stamp = winners[row["path"].encode("latin-1")]
+            self.assertEqual((name, extension), (path.rsplit(b"\\", 1)[-1], path.rsplit(b".", 1)[-1]))
+            self.assertEqual((pack.decode("utf-8"), size, offset, compression != 0),
+                             (row["archive"], row["size"], row["offset"], row["compressed"]))
+            self.assertEqual((form, stamp), (b"PFH5", str(0xaaaaaaaa).encode()) if pack.endswith(b"B.pack")
+                             else (b"PFH4" if pack.endswith(b"a.pack") else b"PFH5", b""))
+
+        with open(self.path("packs.cache"), "rb") as file:
+            cache = file.read()
+        self.write("packs.cache", cache[:-1])  # damaged: it is made again
+        self.assertEqual(korvane("list", "--json", *options, check=0)[1], plain)
+        with open(self.path("packs.cache"), "rb") as file:
+            self.assertEqual(file.read(), cache)
+        self.pack("a.pack", [(b"new", b"from a changed archive", 0)])
+        self.assertEqual(korvane("list", "new", *options, check=0)[1], b"new\n")
+
+
 class demo_archives(cli_case):
     """The archives of the demo data, as the program and a reader that is not its own see them."""
 
