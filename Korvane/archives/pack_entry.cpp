@@ -23,6 +23,13 @@ constexpr std::uint32_t zstd_magic = 0xfd2fb528;
 constexpr std::uint32_t lz4_magic = 0x184d2204;
 constexpr std::size_t lzma_properties_size = 5;
 
+// What one byte can unpack to at most, by the formats' own rules. Zstandard: a block takes four bytes or more and holds
+// at most 128 KiB. LZ4: a byte more lengthens a match by 255. LZMA: the longest match, 273 bytes, takes 14 bits of the
+// highest probability, 2017/2048, together 0.31 bits: 7100.
+constexpr std::uint64_t zstd_ratio = 32768;
+constexpr std::uint64_t lz4_ratio = 255;
+constexpr std::uint64_t lzma_ratio = 7200;
+
 bool failUnpacking(failure& why, std::string what)
 {
     why = {failure_kind::malformed, std::move(what), {}, 4, "compressed data"};
@@ -93,6 +100,20 @@ bool unpackLzma(std::span<const std::byte> data, std::span<std::byte> target, fa
                                         std::to_string(target.size()) + " bytes");
 }
 
+bool checkLength(std::uint64_t size, std::uint64_t limit, std::uint64_t data_size, std::uint64_t ratio, failure& why)
+{
+    std::string what;
+    if (size > limit)
+        what =
+            std::to_string(size) + " unpacked bytes are more than the " + std::to_string(limit) + " that are allowed";
+    else if (size / ratio > data_size)
+        what = std::to_string(size) + " unpacked bytes cannot come out of " + std::to_string(data_size);
+    else
+        return true;
+    why = {failure_kind::malformed, std::move(what), {}, 0, "unpacked length"};
+    return false;
+}
+
 bool withPlace(const pack_file_node& entry, failure& why)
 {
     why.path = std::string(entry.internalPath()) + " in " + entry.packPath();
@@ -101,24 +122,17 @@ bool withPlace(const pack_file_node& entry, failure& why)
 
 } // namespace
 
-bool unpackEntry(std::span<const std::byte> stored, memory_file& bytes, failure& why)
+bool unpackEntry(std::span<const std::byte> stored, memory_file& bytes, failure& why, std::uint64_t limit)
 {
     byte_reader in(stored);
     const std::uint32_t size = in.u32("unpacked length");
     if (!in.finish(why))
         return false;
-    if (size > max_unpacked_size)
-    {
-        why = {failure_kind::malformed,
-               std::to_string(size) + " unpacked bytes are more than the " + std::to_string(max_unpacked_size) +
-                   " that are allowed",
-               {},
-               0,
-               "unpacked length"};
-        return false;
-    }
     const auto data = stored.subspan(4);
     const std::uint32_t magic = data.size() >= 4 ? littleEndian<std::uint32_t>(data.data()) : 0;
+    const std::uint64_t ratio = magic == zstd_magic ? zstd_ratio : magic == lz4_magic ? lz4_ratio : lzma_ratio;
+    if (!checkLength(size, std::min(limit, max_unpacked_size), data.size(), ratio, why))
+        return false;
     memory_file unpacked(size);
     const std::span<std::byte> target = unpacked.mutableBytes();
     const bool is_good = magic == zstd_magic  ? unpackZstd(data, target, why)
@@ -129,8 +143,13 @@ bool unpackEntry(std::span<const std::byte> stored, memory_file& bytes, failure&
     return is_good;
 }
 
-bool readEntry(const pack_file_node& entry, memory_file& bytes, failure& why)
+bool readEntry(const pack_file_node& entry, memory_file& bytes, failure& why, std::uint64_t limit)
 {
+    if (entry.size() > limit)
+        return fail(why, failure_kind::malformed,
+                    std::to_string(entry.size()) + " bytes are more than the " + std::to_string(limit) +
+                        " that are allowed") ||
+               withPlace(entry, why);
     memory_file stored(entry.size());
     if (!entry.archive().file.readAt(entry.offset(), stored.mutableBytes()))
     {
@@ -146,7 +165,7 @@ bool readEntry(const pack_file_node& entry, memory_file& bytes, failure& why)
         bytes = std::move(stored);
         return true;
     }
-    return unpackEntry(stored.bytes(), bytes, why) || withPlace(entry, why);
+    return unpackEntry(stored.bytes(), bytes, why, limit) || withPlace(entry, why);
 }
 
 } // namespace korvane

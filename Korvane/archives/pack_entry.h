@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 
 namespace korvane
@@ -18,10 +19,14 @@ namespace korvane
 // An entry that claims to unpack to more is refused.
 inline constexpr std::uint64_t max_unpacked_size = std::uint64_t{1} << 30;
 
-// Reads an entry whole. On failure bytes stays as it is; why.path is the internal path and names the archive.
-[[nodiscard]] bool readEntry(const pack_file_node& entry, memory_file& bytes, failure& why);
+// Reads an entry whole. On failure bytes stays as it is; why.path is the internal path and names the archive. An entry
+// of more bytes than limit, as it is stored or unpacked, is refused before memory is taken for it.
+[[nodiscard]] bool readEntry(const pack_file_node& entry, memory_file& bytes, failure& why,
+                             std::uint64_t limit = std::numeric_limits<std::uint64_t>::max());
 
-// Unpacks a compressed entry's stored bytes.
-[[nodiscard]] bool unpackEntry(std::span<const std::byte> stored, memory_file& bytes, failure& why);
+// Unpacks a compressed entry's stored bytes. No memory is taken for a length that so few bytes cannot unpack to, nor
+// for one beyond max_unpacked_size or the caller's limit.
+[[nodiscard]] bool unpackEntry(std::span<const std::byte> stored, memory_file& bytes, failure& why,
+                               std::uint64_t limit = max_unpacked_size);
 
 } // namespace korvane

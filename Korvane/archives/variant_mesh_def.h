@@ -2,8 +2,8 @@
 
 // Reads a variant mesh definition: an XML text that says of which models a figure is put together
 // (docs/formats/variantmeshdefinition.md). Definitions that it names are read out of the archives
-// (pack_file::sm_poPathTree) and take the place of their references. Element and attribute names count without regard
-// to ASCII case. For one thread at a time.
+// (pack_file::sm_poPathTree) and stand below their references. Element and attribute names count without regard to
+// ASCII case. For one thread at a time.
 
 #include "EASY_GUI/services/failure.h"
 
@@ -22,45 +22,61 @@ enum class variant_tag_kind
 {
     mesh,      // VARIANT_MESH: model is an internal path; may be empty
     slot,      // SLOT: name, attach_point, probability
-    reference, // VARIANT_MESH_REFERENCE: definition is an internal path; its children are the definition's content
+    reference, // VARIANT_MESH_REFERENCE: definition is an internal path; its children are the definition's content,
+               // then whatever the reference itself encloses
     other      // anything else: kept, passed over
 };
 
-// One element. Texts are UTF-8 as the document has them.
+// One element. Texts are UTF-8, unless the document itself holds other bytes: displayText() before they are shown.
 struct variant_tag
 {
     variant_tag_kind kind = variant_tag_kind::other;
-    std::string name; // of the element, as written
+    std::string name; // of the element, as written; empty: only holds a document's several root elements together
     std::vector<std::pair<std::string, std::string>> attributes; // in document order
     std::vector<variant_tag> children;
 
-    // The value of an attribute, its name in any case; empty when there is none.
+    // The value of an attribute, its name in any case; empty when there is none. Of several the first.
     std::string_view attribute(std::string_view wanted) const;
 };
+
+// A path as a definition quotes it, in the form of the archives: lower case (ASCII), '\' between components, none of
+// them empty (so "\\" counts as "\"), without blanks and separators at the ends.
+[[nodiscard]] std::string normalInternalPath(std::string_view quoted);
 
 class variant_mesh_def
 {
 public:
-    // Elements may be nested, and references may lead on, that deep; all of a definition, what it refers to included,
-    // has at most so many elements.
+    // Elements of one definition may be nested, and references may lead on, that deep.
     static constexpr std::size_t max_depth = 64;
+    // Elements of everything together may be nested that deep: whoever walks root() may do so by recursion.
+    static constexpr std::size_t max_nesting = 256;
+    // A definition and all that it refers to have at most so many elements,
     static constexpr std::size_t max_tags = 65536;
+    // which take at most so many bytes of memory,
+    static constexpr std::size_t max_tree_bytes = std::size_t{64} << 20;
+    // and come out of texts with at most so many bytes. A text that is referred to twice is read once.
+    static constexpr std::size_t max_text_bytes = std::size_t{8} << 20;
+    // So many lines of problems() at most; one more says that there are more.
+    static constexpr std::size_t max_problems = 256;
 
-    // On failure what was open stays. why.field names the parser's error, why.offset is its position in the text.
-    // A reference that cannot be followed (missing, damaged, in a circle) is no failure: see problems().
-    [[nodiscard]] bool open(const std::string& path, failure& why);                      // a file on the disk
-    [[nodiscard]] bool openFromInternalPath(const std::string& path, failure& why);      // out of the archives
+    // On failure what was open stays. For a text that is no XML, why.field is the parser's description of the error and
+    // why.offset its position in the file's bytes. A reference that cannot be followed (missing, damaged, in a circle,
+    // beyond the limits) is no failure: see problems().
+    [[nodiscard]] bool open(const std::string& path, failure& why);                 // a file on the disk
+    [[nodiscard]] bool openFromInternalPath(const std::string& path, failure& why); // out of the archives
     [[nodiscard]] bool openFromMemory(std::span<const std::byte> text, const std::string& name, failure& why);
 
     const std::string& path() const { return m_path; } // as it was given; empty: nothing is open
     const variant_tag& root() const { return m_root; }
-    // The internal paths of all models in document order, lower case with '\'; meshes without a model are left out, a
-    // model that is named twice stands there twice.
-    std::vector<std::string> models() const;
-    // What could not be followed, one line each.
+    // The internal paths of all models in document order, as normalInternalPath() gives them; meshes without a model
+    // are left out, a model that is named twice stands there twice.
+    [[nodiscard]] std::vector<std::string> models() const;
+    // What could not be followed, one line each, none twice.
     const std::vector<std::string>& problems() const { return m_problems; }
 
 private:
+    bool take(std::span<const std::byte> text, const std::string& path, const std::string& internal_path, failure& why);
+
     std::string m_path;
     variant_tag m_root;
     std::vector<std::string> m_problems;

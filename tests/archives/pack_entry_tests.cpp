@@ -100,6 +100,34 @@ TEST(pack_entry, aLengthThatDoesNotMatchIsAnError)
     EXPECT_EQ(cap.field, "unpacked length");
 }
 
+TEST(pack_entry, aLengthThatSoFewBytesCannotGiveIsRefused)
+{
+    // What compresses best stays below what is refused.
+    const std::string zeros(std::size_t{32} << 20, '\0');
+    const std::size_t claimed = std::size_t{1} << 30;
+    for (const auto& compress : {zstd, lz4, lzma1})
+    {
+        const std::string data = compress(zeros);
+        std::string unpacked;
+        failure why, small;
+        ASSERT_TRUE(unpack(withLength(zeros.size(), data), unpacked, why)) << describe(why);
+        EXPECT_TRUE(unpacked == zeros);
+        EXPECT_FALSE(unpack(withLength(claimed, compress("x")), unpacked, small));
+        EXPECT_EQ(small.field, "unpacked length");
+    }
+}
+
+TEST(pack_entry, aCallersLimitHolds)
+{
+    const std::string text = contents();
+    const std::string stored = withLength(text.size(), zstd(text));
+    memory_file bytes;
+    failure why;
+    EXPECT_TRUE(unpackEntry(std::as_bytes(std::span(stored)), bytes, why, text.size()));
+    EXPECT_FALSE(unpackEntry(std::as_bytes(std::span(stored)), bytes, why, text.size() - 1));
+    EXPECT_EQ(why.field, "unpacked length");
+}
+
 TEST(pack_entry, damagedDataIsAnErrorOrTheRightNumberOfBytes)
 {
     const std::string text = contents().substr(0, 600);

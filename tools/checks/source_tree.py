@@ -17,7 +17,7 @@ def files(root, endings=None):
     result = []
     for folder, folders, names in os.walk(root):
         folders[:] = [name for name in folders if name not in IGNORED_FOLDERS]
-        for name in names:
+        for name in set(names) - IGNORED_FOLDERS:  # in a work tree of its own, .git is a file
             path = os.path.relpath(os.path.join(folder, name), root).replace(os.sep, "/")
             if not path.endswith(BINARY_ENDINGS) and (endings is None or path.endswith(endings)):
                 result.append(path)

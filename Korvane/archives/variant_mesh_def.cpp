@@ -1,0 +1,289 @@
+#include "Korvane/archives/variant_mesh_def.h"
+
+#include "EASY_GUI/services/file_system.h"
+#include "EASY_GUI/services/memory_file.h"
+#include "EASY_GUI/services/text.h"
+#include "Korvane/archives/pack_entry.h"
+#include "Korvane/archives/pack_file.h"
+#include "Korvane/archives/variant_mesh_def_text.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+
+namespace korvane
+{
+
+namespace
+{
+
+// Both are known to users by these very words.
+constexpr const char* no_tree = "variant_mesh_def::fillTag(): pack_file::sm_poPathTree == nullptr";
+constexpr const char* not_in_tree = "variant_mesh_def::fillTag(): pfn = nullptr: problem findinh path";
+
+constexpr std::size_t longest_quotation = pack_file::max_path;
+
+std::string quotation(std::string_view text)
+{
+    return text.size() <= longest_quotation ? std::string(text)
+                                            : std::string(text.substr(0, longest_quotation)) + "...";
+}
+
+// The definitions that are being read, from the innermost outwards.
+struct chain_link
+{
+    std::string path;                  // internal; for a definition on the disk, its path there
+    const chain_link* outer = nullptr; // null: the one that was opened
+    std::size_t length = 0;            // references followed so far
+};
+
+// Puts the content of definitions below the references to them.
+class reference_resolver
+{
+public:
+    reference_resolver(std::size_t text_bytes, const variant_tag& root, std::vector<std::string>& problems)
+        : m_tree(pack_file::sm_poPathTree)
+        , m_text_bytes(text_bytes)
+        , m_problems(problems)
+    {
+        const variant_tag_extent extent = extentOf(root);
+        m_tags = extent.tags;
+        m_tree_bytes = extent.bytes;
+    }
+
+    // level: of the tag, the root's is 1.
+    void resolve(variant_tag& tag, std::size_t level, const chain_link& chain)
+    {
+        std::size_t resolved = 0;
+        if (tag.kind == variant_tag_kind::reference && !m_is_full)
+            resolved = follow(tag, level, chain);
+        for (std::size_t i = resolved; i < tag.children.size() && !m_is_full; ++i)
+            resolve(tag.children[i], level + 1, chain);
+    }
+
+private:
+    struct definition
+    {
+        variant_tag root;
+        variant_tag_extent extent;
+    };
+
+    // Returns how many children were put below the reference; references in them are resolved.
+    std::size_t follow(variant_tag& reference, std::size_t level, const chain_link& chain)
+    {
+        const std::string path = normalInternalPath(reference.attribute("definition"));
+        if (path.empty())
+            return problem(quotation(chain.path) + ": a reference names no definition");
+        if (!m_tree)
+            return problem(no_tree);
+        if (isInCircle(path, chain))
+            return 0;
+        const definition* const found = find(path, chain);
+        if (!found || !hasRoom(*found, level, path, chain))
+            return 0;
+        const std::size_t count = insert(found->root, reference);
+        const chain_link link{path, &chain, chain.length + 1};
+        for (std::size_t i = 0; i < count && !m_is_full; ++i)
+            resolve(reference.children[i], level + 1, link);
+        return count;
+    }
+
+    bool isInCircle(const std::string& path, const chain_link& chain)
+    {
+        const chain_link* first = &chain;
+        while (first && first->path != path)
+            first = first->outer;
+        if (!first)
+            return false;
+        std::string circle = path;
+        for (const chain_link* link = &chain; link != first->outer; link = link->outer)
+            circle.insert(0, link->path + " -> ");
+        problem("definitions refer to each other in a circle: " + circle);
+        return true;
+    }
+
+    const definition* find(const std::string& path, const chain_link& chain)
+    {
+        const path_node* const node = m_tree->find(path);
+        if (!node || !node->file())
+        {
+            problem(std::string(not_in_tree) + ": " + quotation(path) + " (named in " + quotation(chain.path) + ")");
+            return nullptr;
+        }
+        const auto [place, is_new] = m_definitions.try_emplace(node->file());
+        if (is_new)
+            place->second = read(*node->file());
+        return place->second ? &*place->second : nullptr;
+    }
+
+    std::optional<definition> read(const pack_file_node& file)
+    {
+        memory_file text;
+        failure why;
+        definition read;
+        if (!readEntry(file, text, why, variant_mesh_def::max_text_bytes - m_text_bytes))
+        {
+            problem(describe(why));
+            return {};
+        }
+        m_text_bytes += text.size();
+        if (!parseVariantMeshDef(text.bytes(), read.root, why))
+        {
+            why.path = file.internalPath();
+            problem(describe(why));
+            return {};
+        }
+        read.extent = extentOf(read.root);
+        return read;
+    }
+
+    bool hasRoom(const definition& found, std::size_t level, const std::string& path, const chain_link& chain)
+    {
+        if (chain.length >= variant_mesh_def::max_depth || level + found.extent.height > variant_mesh_def::max_nesting)
+        {
+            problem(path + ": definitions refer to each other too deeply (at most " +
+                    std::to_string(variant_mesh_def::max_depth) + " references in a row, " +
+                    std::to_string(variant_mesh_def::max_nesting) + " elements)");
+            return false;
+        }
+        if (m_tags + found.extent.tags > variant_mesh_def::max_tags ||
+            m_tree_bytes + found.extent.bytes > variant_mesh_def::max_tree_bytes)
+        {
+            problem(path + ": all definitions together have more than " + std::to_string(variant_mesh_def::max_tags) +
+                    " elements or take more than " + std::to_string(variant_mesh_def::max_tree_bytes) +
+                    " bytes of memory; the rest is left out");
+            m_is_full = true;
+            return false;
+        }
+        m_tags += found.extent.tags;
+        m_tree_bytes += found.extent.bytes;
+        return true;
+    }
+
+    static std::size_t insert(const variant_tag& content, variant_tag& reference)
+    {
+        if (!content.name.empty())
+        {
+            reference.children.insert(reference.children.begin(), content);
+            return 1;
+        }
+        reference.children.insert(reference.children.begin(), content.children.begin(), content.children.end());
+        return content.children.size();
+    }
+
+    // Returns 0, for the number of children.
+    std::size_t problem(std::string text)
+    {
+        if (m_problems.size() > variant_mesh_def::max_problems ||
+            std::find(m_problems.begin(), m_problems.end(), text) != m_problems.end())
+            return 0;
+        if (m_problems.size() == variant_mesh_def::max_problems)
+            text = "there are more problems than the " + std::to_string(variant_mesh_def::max_problems) +
+                   " that are listed";
+        m_problems.push_back(std::move(text));
+        return 0;
+    }
+
+    std::shared_ptr<const path_tree> m_tree;
+    // Each definition is read once; those that cannot be read are without a value.
+    std::unordered_map<const pack_file_node*, std::optional<definition>> m_definitions;
+    std::size_t m_text_bytes;
+    std::size_t m_tags = 0;
+    std::size_t m_tree_bytes = 0;
+    bool m_is_full = false;
+    std::vector<std::string>& m_problems;
+};
+
+void collectModels(const variant_tag& tag, std::vector<std::string>& models)
+{
+    if (tag.kind == variant_tag_kind::mesh)
+    {
+        std::string path = normalInternalPath(tag.attribute("model"));
+        if (!path.empty())
+            models.push_back(std::move(path));
+    }
+    for (const variant_tag& child : tag.children)
+        collectModels(child, models);
+}
+
+} // namespace
+
+std::string_view variant_tag::attribute(std::string_view wanted) const
+{
+    for (const auto& [attribute_name, value] : attributes)
+        if (equalsIgnoringCase(attribute_name, wanted))
+            return value;
+    return {};
+}
+
+std::string normalInternalPath(std::string_view quoted)
+{
+    constexpr std::string_view passed_over = " \t\r\n/\\"; // at the ends
+    const std::size_t begin = quoted.find_first_not_of(passed_over);
+    if (begin == std::string_view::npos)
+        return {};
+    std::string path = toLower(quoted.substr(begin, quoted.find_last_not_of(passed_over) + 1 - begin));
+    std::replace(path.begin(), path.end(), '/', '\\');
+    path.resize(dropEmptyComponents(path.data(), path.size()));
+    return path;
+}
+
+std::vector<std::string> variant_mesh_def::models() const
+{
+    std::vector<std::string> models;
+    collectModels(m_root, models);
+    return models;
+}
+
+bool variant_mesh_def::take(std::span<const std::byte> text, const std::string& path, const std::string& internal_path,
+                            failure& why)
+{
+    variant_tag root;
+    if (!parseVariantMeshDef(text, root, why))
+    {
+        why.path = path;
+        return false;
+    }
+    std::vector<std::string> problems;
+    reference_resolver(text.size(), root, problems).resolve(root, 1, {internal_path});
+    m_path = path;
+    m_root = std::move(root);
+    m_problems = std::move(problems);
+    return true;
+}
+
+bool variant_mesh_def::open(const std::string& path, failure& why)
+{
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(toPath(path), error);
+    if (!error && size > max_text_bytes) // before memory is taken for it; other errors are the reader's to tell
+        return fail(why, failure_kind::malformed,
+                    std::to_string(size) + " bytes are more than the " + std::to_string(max_text_bytes) +
+                        " that a definition may have",
+                    path);
+    memory_file text;
+    return text.read(path, why) && take(text.bytes(), path, path, why);
+}
+
+bool variant_mesh_def::openFromInternalPath(const std::string& path, failure& why)
+{
+    const std::shared_ptr<const path_tree> tree = pack_file::sm_poPathTree;
+    if (!tree)
+        return fail(why, failure_kind::not_found, no_tree, path);
+    const std::string internal_path = normalInternalPath(path);
+    const path_node* const node = tree->find(internal_path);
+    if (!node || !node->file())
+        return fail(why, failure_kind::not_found,
+                    node ? "this is a folder of the archives, not a file" : "no archive holds this path", path);
+    memory_file text;
+    return readEntry(*node->file(), text, why, max_text_bytes) && take(text.bytes(), path, internal_path, why);
+}
+
+bool variant_mesh_def::openFromMemory(std::span<const std::byte> text, const std::string& name, failure& why)
+{
+    return take(text, name, name, why);
+}
+
+} // namespace korvane
