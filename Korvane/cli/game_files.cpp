@@ -92,6 +92,12 @@ std::shared_ptr<const path_tree> loadArchives(cli_context& context, failure& why
     return pack_file::sm_poPathTree;
 }
 
+bool hasDataFolders(const cli_context& context)
+{
+    config_file config;
+    return !dataFolders(context, config).empty();
+}
+
 bool readOperand(cli_context& context, const std::string& operand, memory_file& bytes, failure& why)
 {
     if (!operand.starts_with(pack_prefix))

@@ -17,6 +17,9 @@ namespace korvane
 // error and left out.
 [[nodiscard]] std::shared_ptr<const path_tree> loadArchives(cli_context& context, failure& why);
 
+// True when data folders are named, on the command line or in the configuration.
+[[nodiscard]] bool hasDataFolders(const cli_context& context);
+
 // Reads what an operand names, from the disk or out of the archives.
 [[nodiscard]] bool readOperand(cli_context& context, const std::string& operand, memory_file& bytes, failure& why);
 [[nodiscard]] bool openModel(cli_context& context, const std::string& operand, rmv2_file& model, failure& why);

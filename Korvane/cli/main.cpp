@@ -66,6 +66,7 @@ int run(const std::vector<std::string>& arguments)
     addDemoDataCommand(app, context);
     addInfoCommand(app, context);
     addArchiveCommands(app, context);
+    addVariantCommand(app, context);
     addConfigCommand(app, context);
 #ifdef _WIN32
     addRenderCommand(app, context);

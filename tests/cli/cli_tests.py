@@ -442,6 +442,14 @@ class demo_archives(cli_case):
         self.assertGreaterEqual(sum(len(each) == 3 for each in self.copies.values()), 2)
         self.assertGreaterEqual(sum(len(each) == 2 for each in self.copies.values()), 3)
 
+    def test_the_demo_definition_is_whole_and_the_mod_changes_the_weapon(self):
+        shown = json.loads(korvane("variant", "pack:variantmeshes/variantmeshdefinitions/demo_guard.variantmeshdefinition",
+                                   "--json", *self.data, check=0)[1])
+        self.assertEqual(shown["models"], [
+            "variantmeshes\\wh_variantmodels\\hu1\\demo\\demo_guard_%s.rigid_model_v2" % part
+            for part in ("body", "cape", "head", "spear", "shield")])
+        self.assertEqual((shown["missing"], shown["problems"]), ([], []))
+
     def test_extracted_bytes_are_the_winners(self):
         target = self.path("out")
         korvane("extract", "--match", "*", "-o", target, *self.data, check=0)
@@ -464,6 +472,77 @@ class demo_archives(cli_case):
         self.assertEqual(sorted(kinds), ["lz4", "lzma", "none", "zstd"])
         with open(os.path.join(target, "demo", "readme.txt"), "rb") as file:
             self.assertIn(b"a_demo_mod.pack, the archive that is read last", file.read())
+
+
+class variant(cli_case):
+    pack = archives.pack
+    BODY = "man\\body.rigid_model_v2"
+
+    def setUp(self):
+        super().setUp()
+        self.pack("data.pack", [
+            (b"man\\body.rigid_model_v2", b"model", 0), (b"man\\hat.rigid_model_v2", b"model", 0),
+            (b"sets\\hats.variantmeshdefinition", b"<VARIANT_MESH model='man/HAT.rigid_model_v2'/>", 0),
+            (b"sets\\ring.variantmeshdefinition", b"<VARIANT_MESH_REFERENCE definition='sets/ring.variantmeshdefinition'/>",
+             0), (b"sets\\cut.variantmeshdefinition", b"<VARIANT_MESH>", 0)], b"PFH5", 0x40)
+        self.guard = self.write("guard.variantmeshdefinition", b"""<?xml version="1.0" encoding="latin1"?>
+            <variant_mesh model="Man\\\\BODY.rigid_model_v2">
+              <SLOT name="K\xf6pfe" attach_point="be_head" probability="0.5">
+                <VARIANT_MESH model="man/lost.rigid_model_v2"/>
+                <VARIANT_MESH_REFERENCE definition="sets\\\\HATS.variantmeshdefinition"/>
+              </SLOT>
+              <EXTRA size="1"/>
+            </variant_mesh>""")
+        self.none = ["--config", self.path("none.cfg")]
+        self.data = ["--data", self.folder]
+
+    def models(self, *arguments):
+        out, err = korvane("variant", *arguments, "--json", check=0)[1:]
+        self.assertEqual(out.count(b"\n"), 1)
+        return json.loads(out), err.decode()
+
+    def test_models_are_listed_in_document_order_with_references_followed(self):
+        shown, err = self.models(self.guard, *self.data)
+        self.assertEqual(shown["models"], [self.BODY, "man\\lost.rigid_model_v2", "man\\hat.rigid_model_v2"])
+        self.assertEqual((shown["missing"], shown["problems"], err), (["man\\lost.rigid_model_v2"], [], ""))
+        slot = shown["tree"]["children"][0]
+        self.assertEqual((slot["kind"], slot["attributes"]["name"]), ("slot", "K\u00f6pfe"))
+        self.write("c.cfg", b'data_paths = "' + os.path.join(self.folder, "").encode() + b'";')
+        self.assertEqual(self.models(self.guard, "--config", self.path("c.cfg"))[0], shown)
+
+    def test_without_data_folders_a_definition_shows_what_it_holds_itself(self):
+        shown, err = self.models(self.guard, *self.none)
+        self.assertEqual(shown["models"], [self.BODY, "man\\lost.rigid_model_v2"])
+        self.assertIsNone(shown["missing"])
+        self.assertEqual(shown["problems"], ["variant_mesh_def::fillTag(): pack_file::sm_poPathTree == nullptr"])
+        self.assertIn("no data folders", err)
+        plain = self.write("plain", b"<VARIANT_MESH model='a'/><VARIANT_MESH model='b'/>")
+        shown, err = self.models(plain, *self.none)
+        self.assertEqual((shown["models"], shown["problems"], err), (["a", "b"], [], ""))
+
+    def test_the_text_is_a_tree(self):
+        out = korvane("variant", self.guard, *self.data, check=0)[1].decode()
+        self.assertEqual(out.splitlines(), [
+            "mesh " + self.BODY,
+            "  slot K\u00f6pfe, at be_head, probability 0.5",
+            "    mesh man\\lost.rigid_model_v2  [in no archive]",
+            "    reference sets\\hats.variantmeshdefinition",
+            "      mesh man\\hat.rigid_model_v2",
+            "  (EXTRA size=\"1\")",
+            "", "3 models, 1 slot, 1 reference; 1 of the models in no archive"])
+
+    def test_problems_are_notes_and_failures_one_line(self):
+        shown, err = self.models("pack:Sets/Ring.variantmeshdefinition", *self.data)
+        self.assertEqual(shown["models"], [])
+        self.assertIn("circle", shown["problems"][0])
+        self.assertEqual(err, shown["problems"][0] + "\n")
+        self.assertEqual(self.models("pack:sets/ring.variantmeshdefinition", "--quiet", *self.data)[1], "")
+        for operand, text in (("pack:sets/cut.variantmeshdefinition", "byte 13"), ("pack:sets", "folder"),
+                              ("pack:none", "none"), (self.path("none"), "none"),
+                              (self.write("bad", b"<a>\n</b>"), "bad: ")):
+            self.expect_failure(["variant", operand] + self.data, 1, text)
+        self.expect_failure(["variant", "pack:sets/hats.variantmeshdefinition"] + self.none, 1, "no data folders")
+        self.expect_failure(["variant"], 2)
 
 
 def small_model(format_id, stride, count, vertices, group_name):
