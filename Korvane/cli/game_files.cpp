@@ -3,7 +3,7 @@
 #include "EASY_GUI/services/config_file.h"
 #include "EASY_GUI/services/text.h"
 #include "EASY_GUI/services/user_prompt.h"
-#include "Korvane/archives/pack_entry.h"
+#include "Korvane/archives/game_file.h"
 #include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/pack_reader.h"
 
@@ -15,8 +15,6 @@ namespace korvane
 
 namespace
 {
-
-constexpr std::string_view pack_prefix = "pack:";
 
 // Keeps the last message: whoever asked prints it as the failure, or as notes.
 class message_keeper : public user_prompt
@@ -100,21 +98,12 @@ bool hasDataFolders(const cli_context& context)
 
 bool readOperand(cli_context& context, const std::string& operand, memory_file& bytes, failure& why)
 {
-    if (!operand.starts_with(pack_prefix))
-        return bytes.read(operand, why);
-    const std::shared_ptr<const path_tree> tree = loadArchives(context, why);
-    if (!tree)
-        return false;
-    const path_node* const node = tree->find(std::string_view(operand).substr(pack_prefix.size()));
-    if (!node || !node->file())
-        return fail(why, failure_kind::not_found,
-                    node ? "this is a folder of the archives, not a file" : "no archive holds this path", operand);
-    return readEntry(*node->file(), bytes, why);
+    return (!isPackPath(operand) || loadArchives(context, why)) && readGameFile(operand, bytes, why);
 }
 
 bool openModel(cli_context& context, const std::string& operand, rmv2_file& model, failure& why)
 {
-    if (!operand.starts_with(pack_prefix))
+    if (!isPackPath(operand))
         return model.open(operand, why);
     memory_file bytes;
     return readOperand(context, operand, bytes, why) && model.openFromMemory(std::move(bytes), operand, why);

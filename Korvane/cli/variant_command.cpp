@@ -3,6 +3,7 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/game_file.h"
 #include "Korvane/archives/variant_mesh_def.h"
 #include "Korvane/cli/game_files.h"
 
@@ -14,8 +15,6 @@ namespace korvane
 
 namespace
 {
-
-constexpr std::string_view pack_prefix = "pack:";
 
 bool isHeld(const path_tree& tree, const std::string& model)
 {
@@ -176,10 +175,10 @@ private:
 bool openDefinition(cli_context& context, const std::string& operand, variant_mesh_def& definition,
                     std::shared_ptr<const path_tree>& tree, failure& why)
 {
-    if (operand.starts_with(pack_prefix))
+    if (isPackPath(operand))
     {
         tree = loadArchives(context, why);
-        return tree && definition.openFromInternalPath(operand.substr(pack_prefix.size()), why);
+        return tree && definition.openFromInternalPath(std::string(internalPathOf(operand)), why);
     }
     if (!definition.open(operand, why)) // before the archives: a wrong name is said at once
         return false;

@@ -95,6 +95,8 @@ TEST_F(DiskTextureSource, TheArchivesComeFirstWhenTheyAreLoaded)
     EXPECT_FALSE(source.read("broken.dds"));
     ASSERT_EQ(log.size(), 1u);
     EXPECT_NE(log[0].find("broken.dds"), std::string::npos);
+    EXPECT_FALSE(model_texture_source("pack:units/man/man.rigid_model_v2").read("beside.dds"))
+        << "a model inside the archives has no folder on the disk";
     pack_file::sm_poPathTree = nullptr; // the archive is closed before its folder goes
 }
 
