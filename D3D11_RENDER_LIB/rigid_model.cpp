@@ -1,9 +1,26 @@
 #include "D3D11_RENDER_LIB/rigid_model.h"
 
+#include "Korvane/archives/pack_entry.h"
+#include "Korvane/archives/pack_file.h"
+
 #include <algorithm>
+#include <utility>
 
 namespace korvane
 {
+
+bool rigid_model::getFromInternalPath(const std::string& path, rmv2_file& model, failure& why)
+{
+    if (!pack_file::sm_poPathTree)
+        return fail(why, failure_kind::not_found,
+                    "rigid_model::getFromInternalPath(): pack_file::sm_poPathTree == nullptr", path);
+    const path_tree::node_pointer node = getNodeFromInternalPath(path);
+    if (!node || !node->file())
+        return fail(why, failure_kind::not_found,
+                    node ? "this is a folder of the archives, not a model" : "no archive holds this model", path);
+    memory_file bytes;
+    return readEntry(*node->file(), bytes, why) && model.openFromMemory(std::move(bytes), path, why);
+}
 
 bool rigid_model::create(ID3D11Device& device, const rigid_model_source& source, int bone)
 {

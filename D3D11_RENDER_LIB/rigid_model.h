@@ -5,6 +5,7 @@
 
 #include "D3D11_RENDER_LIB/d3d_drawable.h"
 #include "D3D11_RENDER_LIB/sub_mesh.h"
+#include "Korvane/models/rmv2_file.h"
 
 #include <memory>
 #include <string>
@@ -17,7 +18,7 @@ namespace korvane
 struct rigid_model_source
 {
     const RMV2_FILE_DATA* data = nullptr; // read during create() only
-    std::string path;                     // UTF-8; of the file on the disk
+    std::string path;                     // UTF-8, for messages: on the disk or internal
     std::size_t lod = 0;                  // beyond the last one: the last one
     const texture_source* textures = nullptr;
 };
@@ -26,6 +27,10 @@ class rigid_model : public d3d_drawable
 {
 public:
     explicit rigid_model(lib3d::log_port log = {}) : m_log(std::move(log)) {}
+
+    // Looks a model up in the archives, reads and decodes it. not_found: there are no archives, or none of them holds
+    // the path as a file.
+    [[nodiscard]] static bool getFromInternalPath(const std::string& path, rmv2_file& model, failure& why);
 
     // Releases what was there and builds the model. Bone below zero: bones and weights come from the file; else the
     // whole model hangs on that bone. False without data; a level without groups makes an empty model. Textures are

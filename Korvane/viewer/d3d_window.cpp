@@ -97,7 +97,7 @@ bool d3d_window::initialise(HWND owner, std::shared_ptr<const RMV2_FILE_DATA> mo
 
     log("D3dWindow:GFXinit: Loading Mesh");
     worker.scene().setModel(library.device(), {model.get(), model_path, 0, &own});
-    m_model_path = model_path;
+    m_shown_path = model_path;
     log("D3dWindow:GFXinit: Loading Mesh: SUCESSS!");
 
     log("D3dWindow:GFXinit: Create Texures Sampeler for shaders");
@@ -137,7 +137,7 @@ void d3d_window::frameModel()
     const RECT client = clientRectangle();
     const float aspect =
         static_cast<float>(std::max(client.right, 1L)) / static_cast<float>(std::max(client.bottom, 1L));
-    m_view.eye.frame(m_po_worker->scene().model().bounds(), aspect);
+    m_view.eye.frame(m_po_worker->scene().bounds(), aspect);
     m_is_framed = true;
     m_po_worker->pacer().post(m_view);
 }
@@ -146,12 +146,35 @@ void d3d_window::setModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std
                           std::shared_ptr<const texture_source> textures)
 {
     const model_texture_source own(model_path, m_ports.log);
-    m_po_worker->setModel({model.get(), model_path, lod, textures ? textures.get() : &own});
+    m_po_worker->changeScene(
+        [&](model_scene& scene, ID3D11Device& device)
+        {
+            scene.setModel(device, {model.get(), model_path, lod, textures ? textures.get() : &own});
+        });
+    showChanged(model_path, model_path != m_shown_path);
+}
+
+variant_outcome d3d_window::setVariant(const std::vector<std::string>& models, const std::string& definition_path)
+{
+    const model_texture_source own(definition_path, m_ports.log);
+    variant_outcome outcome;
+    m_po_worker->changeScene(
+        [&](model_scene& scene, ID3D11Device& device)
+        {
+            outcome = scene.setVariant(device, {models, 0, &own});
+        });
+    showChanged(definition_path, m_is_framed || definition_path != m_shown_path);
+    return outcome;
+}
+
+void d3d_window::showChanged(const std::string& path, bool is_framed_anew)
+{
+    m_shown_path = path;
     m_view.setLightDefaults();
-    if (model_path == m_model_path)
-        return redraw();
-    m_model_path = model_path;
-    frameModel();
+    if (is_framed_anew)
+        frameModel();
+    else
+        redraw();
 }
 
 void d3d_window::show()

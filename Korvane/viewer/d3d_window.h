@@ -5,6 +5,7 @@
 // thread owns is in render_worker.h. Drawing happens when something has changed, never while the window is minimised,
 // hidden, covered by a locked screen or empty.
 
+#include "D3D11_RENDER_LIB/render_variant.h"
 #include "D3D11_RENDER_LIB/texture_source.h"
 #include "EASY_GUI/win32/window.h"
 #include "Korvane/models/rmv2_data.h"
@@ -14,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace korvane
 {
@@ -43,6 +45,10 @@ public:
     // beyond the last one means the last one. The camera is framed anew unless the path stays the same.
     void setModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& model_path, std::size_t lod = 0,
                   std::shared_ptr<const texture_source> textures = nullptr);
+    // Shows the models of a definition in place of what was shown, out of the archives; the path (UTF-8) is the
+    // definition's, for the textures on the disk around it. What cannot be drawn is named in the log. The camera is
+    // framed around all of them, unless the path stays the same and the person has moved it.
+    variant_outcome setVariant(const std::vector<std::string>& models, const std::string& definition_path);
 
     void show(); // shows the window and brings it to the front
     void hide();
@@ -69,14 +75,15 @@ private:
                                   const std::string& model_path, failure& why);
     [[nodiscard]] bool createOuterWindow(HWND owner, failure& why);
     void log(const char* text) const;
+    void showChanged(const std::string& path, bool is_framed_anew);
     void frameModel();
     void toggleEnlarged();
     void leaveEnlarged();
 
     viewer_ports m_ports;
     std::unique_ptr<render_worker> m_po_worker;
-    view_state m_view; // the window thread's; copies go to the render thread
-    std::string m_model_path;
+    view_state m_view;        // the window thread's; copies go to the render thread
+    std::string m_shown_path; // of the model or the definition
     POINT m_last_mouse{};
     bool m_is_turning = false;
     bool m_is_shifting = false;

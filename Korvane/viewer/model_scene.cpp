@@ -36,15 +36,30 @@ std::vector<gpu_line_vertex> floorGrid(const model_bounds& bounds)
 
 void model_scene::setModel(ID3D11Device& device, const rigid_model_source& source)
 {
+    m_variant.release();
     if (!m_model.create(device, source, -1))
         m_model.release();
-    m_floor.create(device, floorGrid(m_model.bounds()));
+    m_floor.create(device, floorGrid(bounds()));
+}
+
+variant_outcome model_scene::setVariant(ID3D11Device& device, const variant_source& source)
+{
+    m_model.release();
+    const variant_outcome outcome = m_variant.create(device, source);
+    m_floor.create(device, floorGrid(bounds()));
+    return outcome;
 }
 
 void model_scene::release()
 {
     m_model.release();
+    m_variant.release();
     m_floor.release();
+}
+
+model_bounds model_scene::bounds() const
+{
+    return m_model.bounds().isEmpty() ? m_variant.bounds() : m_model.bounds();
 }
 
 void model_scene::draw(lib3d& library, const scene_targets& targets, ID3D11RenderTargetView* output,
@@ -55,7 +70,9 @@ void model_scene::draw(lib3d& library, const scene_targets& targets, ID3D11Rende
     targets.begin(library, output, view.background());
     library.beginScene();
     m_model.setWireframe(view.is_wireframe);
-    m_model.draw(library);
+    m_variant.setWireframe(view.is_wireframe);
+    m_model.draw(library); // one of the two is empty
+    m_variant.draw(library);
     if (view.shows_floor)
         m_floor.draw(library);
     targets.finish(library, output,

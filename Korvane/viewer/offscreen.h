@@ -26,7 +26,7 @@ struct render_options
     view_state view;          // lights and display flags; its camera is framed on the model
     std::uint32_t frames = 1; // drawn one after the other; more than one only to measure
     std::function<void(const std::string&)> log;
-    const texture_source* textures = nullptr; // null: the disk around the model
+    const texture_source* textures = nullptr; // null: the archives, else the disk around the model or definition
 };
 
 struct render_result
@@ -38,6 +38,10 @@ struct render_result
 
 // Draws a level of a model. False without a device, for a level that does not exist or a size out of range.
 [[nodiscard]] bool renderToImage(const RMV2_FILE_DATA& model, const std::string& model_path,
+                                 const render_options& options, render_result& result, failure& why);
+// Draws the models of a definition, named by internal paths, out of the archives; a model without such a level shows
+// its last one. Models that cannot be drawn are named in the log. False, too, when none can be drawn.
+[[nodiscard]] bool renderToImage(const std::vector<std::string>& models, const std::string& definition_path,
                                  const render_options& options, render_result& result, failure& why);
 
 } // namespace korvane

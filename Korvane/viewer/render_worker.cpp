@@ -90,7 +90,7 @@ void render_worker::stop()
     m_thread = nullptr;
 }
 
-void render_worker::setModel(const rigid_model_source& source)
+void render_worker::changeScene(const std::function<void(model_scene&, ID3D11Device&)>& change)
 {
     // A software adapter may need long for a frame, so patience is repeated: without the render thread's answer the
     // scene is still in use.
@@ -105,7 +105,7 @@ void render_worker::setModel(const rigid_model_source& source)
         while (!m_gate.waitClosed(gate_patience))
             m_pacer.wake();
     }
-    m_scene.setModel(m_library.device(), source);
+    change(m_scene, m_library.device());
     m_gate.open();
     m_pacer.wake();
 }

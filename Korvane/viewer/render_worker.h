@@ -14,6 +14,7 @@
 #include <dxgi1_2.h>
 
 #include <atomic>
+#include <functional>
 
 namespace korvane
 {
@@ -36,8 +37,8 @@ public:
     void start();
     void stop();
 
-    // Builds another model while nothing is drawn; returns when it is in place.
-    void setModel(const rigid_model_source& source);
+    // Changes the scene while nothing is drawn; returns when that is done.
+    void changeScene(const std::function<void(model_scene& scene, ID3D11Device& device)>& change);
 
     frame_pacer& pacer() { return m_pacer; }
     std::uint64_t framesDrawn() const { return m_frames_drawn.load(); }
