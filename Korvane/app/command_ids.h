@@ -11,7 +11,8 @@ enum command_id : int
     command_open = 100,
     command_exit,
     command_about,
-    command_show_view,
+    command_file_update,        // read the archives again
+    command_variant_open,       // open a definition
     command_recent_first = 200, // ten of them
 };
 

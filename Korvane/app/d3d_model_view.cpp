@@ -20,6 +20,11 @@ public:
     {
         m_po_d3d_window->setModel(std::move(model), path, lod);
     }
+    drawn_models setDefinition(const std::vector<std::string>& models, const std::string& path) override
+    {
+        const variant_outcome outcome = m_po_d3d_window->setVariant(models, path);
+        return {outcome.failed, outcome.triangles};
+    }
     void show() override { m_po_d3d_window->show(); }
     bool isVisible() const override { return m_po_d3d_window->isVisible(); }
     HWND handle() const override { return m_po_d3d_window->handle(); }

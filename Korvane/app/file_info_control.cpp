@@ -40,7 +40,7 @@ void file_info_control::show(const std::optional<file_info_content>& content)
         setFieldColour(*field, colour);
         field->setText("...");
     }
-    m_folder.setEnabled(content.has_value());
+    m_folder.setEnabled(content && content->is_on_disk);
     if (!content)
         return;
     m_game.setText(content->game);

@@ -4,7 +4,7 @@
 #include "EASY_GUI/services/version.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/resources.h"
-#include "Korvane/archives/pack_reader.h"
+#include "Korvane/document/game_archives.h"
 #include "Korvane/document/recent_files.h"
 
 #include <algorithm>
@@ -29,6 +29,19 @@ RECT workArea()
     return area;
 }
 
+// While large files are read.
+class wait_cursor
+{
+public:
+    wait_cursor() : m_former(SetCursor(LoadCursorW(nullptr, IDC_WAIT))) {}
+    wait_cursor(const wait_cursor&) = delete;
+    wait_cursor& operator=(const wait_cursor&) = delete;
+    ~wait_cursor() { SetCursor(m_former); }
+
+private:
+    HCURSOR m_former;
+};
+
 } // namespace
 
 main_window::main_window(main_window_ports ports, std::string command_line, std::string file)
@@ -38,8 +51,8 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
     , m_file_info(
           [this]
           {
-              if (m_document.hasModel())
-                  m_ports.open_folder(m_document.file()->path());
+              if (m_document.model().hasModel())
+                  m_ports.open_folder(m_document.model().file()->path());
           })
     , m_select(
           [this](model_selection wanted)
@@ -72,7 +85,7 @@ bool main_window::onCreated()
         m_ports.set_prompt_owner(handle());
     if (!m_ports.log_name.empty())
         m_ports.log.open(m_ports.log_name);
-    loadArchives();
+    loadGameArchives(m_ports.config, m_ports.prompt, logPort());
     showFirstRunNotice();
 
     log("assigning accelerators ");
@@ -104,19 +117,6 @@ void main_window::onDestroyed()
     PostQuitMessage(0);
 }
 
-void main_window::loadArchives()
-{
-    log("Initializing virtual file system (.pack reading)...");
-    pack_reader reader({m_ports.prompt,
-                        [this](const std::string& line)
-                        {
-                            log(line);
-                        },
-                        {}});
-    // Without data folders, or with one that holds no archive, the program runs on the disk alone.
-    static_cast<void>(reader.loadAllArchives(m_ports.config.get("data_paths")));
-}
-
 void main_window::showFirstRunNotice()
 {
     if (!m_ports.config.get("FIRST_TIME").empty())
@@ -145,11 +145,16 @@ void main_window::buildMenus()
     file.addItem(command_open, "&Open \t\t Ctrl+O");
     file.addSubmenu(m_recent, "Recent Files...");
     file.addSeparator();
+    file.addItem(command_file_update, "Re-read .pack files...");
+    file.addSeparator();
     file.addItem(command_exit, "E&xit \t\t Alt+F4");
+    menu variants = menu::makePopup();
+    variants.addItem(command_variant_open, "&Open .variantmeshdefintion file");
     menu help = menu::makePopup();
     help.addItem(command_about, "&Info And Credits");
     menu bar = menu::makeBar();
     bar.addSubmenu(file, "&File");
+    bar.addSubmenu(variants, "&Variants");
     bar.addSubmenu(help, "&Help");
     SetMenu(handle(), bar.handle());
 
@@ -311,6 +316,12 @@ bool main_window::onCommand(int id, int notification, HWND)
     case command_open:
         chooseFile();
         return true;
+    case command_variant_open:
+        chooseDefinition();
+        return true;
+    case command_file_update:
+        rereadArchives();
+        return true;
     case command_exit:
         PostMessageW(handle(), WM_CLOSE, 0, 0);
         return true;
@@ -334,9 +345,17 @@ void main_window::onFilesDropped(const std::vector<std::string>& paths)
 
 void main_window::chooseFile()
 {
-    const std::optional<std::string> path =
-        m_ports.prompt.pickOpenPath("Open File", {{"RMV2+VMD Files (*.rigid_model_v2)", "*.rigid_model_v2"}});
-    if (path)
+    openChosen({{"RMV2+VMD Files (*.rigid_model_v2)", "*.rigid_model_v2;*.variantmeshdefinition"}});
+}
+
+void main_window::chooseDefinition()
+{
+    openChosen({{"VMD Files (*.variantmeshdefinition)", "*.variantmeshdefinition"}});
+}
+
+void main_window::openChosen(const std::vector<file_filter>& filters)
+{
+    if (const std::optional<std::string> path = m_ports.prompt.pickOpenPath("Open File", filters))
         openFile(*path);
 }
 
@@ -348,6 +367,7 @@ void main_window::openRecent(std::size_t position)
 
 bool main_window::openFile(const std::string& path)
 {
+    const wait_cursor waiting;
     failure why;
     if (!m_document.open(path, why))
     {
@@ -356,6 +376,8 @@ bool main_window::openFile(const std::string& path)
         m_ports.prompt.show(error.title, error.text, prompt_icon::error);
         return false;
     }
+    if (m_document.shown() == open_files::kind::definition)
+        logProblems();
     addRecentFile(m_ports.config, path);
     saveConfig();
     fillRecentFiles();
@@ -364,42 +386,53 @@ bool main_window::openFile(const std::string& path)
     return true;
 }
 
+// The archives themselves say in the log what was read.
+void main_window::rereadArchives()
+{
+    const wait_cursor waiting;
+    if (!rereadGameArchives(m_ports.config, m_ports.prompt, logPort()))
+        return;
+    for (const open_error& error : m_document.reopen())
+        m_ports.prompt.show(error.title, error.text, prompt_icon::error);
+    logProblems();
+    showDocument();
+}
+
+void main_window::logProblems()
+{
+    for (const std::string& problem : m_document.definition().problems())
+        log(m_document.definition().path() + ": " + problem);
+}
+
 void main_window::select(model_selection wanted)
 {
-    const int former_lod = m_document.selection().lod;
+    const int former_lod = m_document.model().selection().lod;
     m_document.select(wanted);
     showSelection();
-    if (m_po_view != nullptr && m_document.selection().lod != former_lod)
-        m_po_view->setModel(m_document.data(), m_document.file()->path(),
-                            static_cast<std::size_t>(m_document.selection().lod));
+    if (m_document.shown() == open_files::kind::model && m_document.model().selection().lod != former_lod)
+        showInView();
 }
 
 void main_window::showDocument()
 {
+    const open_model& model = m_document.model();
     setTitle(m_document.title());
-    m_file_info.show(m_document.hasModel() ? std::optional(fileInfo(*m_document.file())) : std::nullopt);
-    m_show_view.setEnabled(m_document.hasModel());
+    m_file_info.show(model.hasModel() ? std::optional(fileInfo(*model.file())) : std::nullopt);
+    m_show_view.setEnabled(m_document.shown() != open_files::kind::nothing);
+    showInView();
     showSelection();
-    if (m_po_view != nullptr)
-        m_po_view->setModel(m_document.data(), m_document.file()->path(),
-                            static_cast<std::size_t>(std::max(0, m_document.selection().lod)));
 }
 
 void main_window::showSelection()
 {
-    const model_selection selection = m_document.selection();
-    const group_data* const group = m_document.selectedGroup();
-    if (m_document.hasModel())
-    {
-        const RMV2_FILE_DATA& model = m_document.file()->data();
-        m_select.show(lodEntries(model), groupEntries(model, selection.lod), selection);
-        m_status.setText(modelSummary(model, selection.lod));
-    }
+    const open_model& document = m_document.model();
+    const model_selection selection = document.selection();
+    const group_data* const group = document.selectedGroup();
+    if (document.hasModel())
+        m_select.show(lodEntries(*document.data()), groupEntries(*document.data(), selection.lod), selection);
     else
-    {
         m_select.show({}, {}, selection);
-        m_status.setText("Open a .rigid_model_v2 file with Ctrl+O, or drop it here.");
-    }
+    m_status.setText(m_document.status(m_drawn));
     m_group_info.show(group != nullptr ? std::optional(groupInfo(*group)) : std::nullopt);
     m_group_tool.show(group != nullptr ? std::optional(groupTool(*group, selection)) : std::nullopt);
     m_textures.show(group != nullptr ? textureRows(*group) : texture_rows{});
@@ -407,17 +440,12 @@ void main_window::showSelection()
 
 void main_window::showView()
 {
-    if (!m_document.hasModel())
+    if (m_document.shown() == open_files::kind::nothing)
         return;
     if (m_po_view == nullptr)
     {
         failure why;
-        m_po_view = m_ports.make_view(
-            [this](const std::string& line)
-            {
-                log(line);
-            },
-            why);
+        m_po_view = m_ports.make_view(logPort(), why);
         if (m_po_view == nullptr)
         {
             log("main_window::showView(). " + describe(why));
@@ -426,10 +454,25 @@ void main_window::showView()
             return;
         }
         placeView();
-        m_po_view->setModel(m_document.data(), m_document.file()->path(),
-                            static_cast<std::size_t>(std::max(0, m_document.selection().lod)));
+        showInView();
     }
     m_po_view->show();
+}
+
+// Hands what is shown to the view, when there is one.
+void main_window::showInView()
+{
+    m_drawn = std::nullopt;
+    if (m_po_view == nullptr)
+        return;
+    const open_model& model = m_document.model();
+    const open_definition& definition = m_document.definition();
+    if (m_document.shown() == open_files::kind::model)
+        m_po_view->setModel(model.data(), model.file()->path(),
+                            static_cast<std::size_t>(std::max(0, model.selection().lod)));
+    else if (m_document.shown() == open_files::kind::definition)
+        m_drawn = m_po_view->setDefinition(definition.models(), definition.path());
+    m_status.setText(m_document.status(m_drawn));
 }
 
 // Beside the main window when the screen has room for it, at least as high as that and otherwise as large as it wants.
@@ -453,12 +496,14 @@ void main_window::placeView()
 
 void main_window::showAbout()
 {
-    m_ports.prompt.show("Info And Credits",
-                        std::string(program_name) + ' ' + std::string(program_version) +
-                            "\r\n\r\nOpens, describes and draws the rigid_model_v2 models of the Total War games."
-                            "\r\n\r\nMade by the Korvane contributors; free software under the MIT licence."
-                            "\r\nUses GLM and LodePNG.",
-                        prompt_icon::information);
+    m_ports.prompt.show(
+        "Info And Credits",
+        std::string(program_name) + ' ' + std::string(program_version) +
+            "\r\n\r\nOpens, describes and draws the rigid_model_v2 models of the Total War games, alone or "
+            "as variant mesh definitions put them together, from the disk and from .pack archives."
+            "\r\n\r\nMade by the Korvane contributors; free software under the MIT licence."
+            "\r\nUses GLM, LodePNG, LZ4, pugixml, XZ Utils (liblzma) and Zstandard.",
+        prompt_icon::information);
 }
 
 void main_window::saveConfig()
@@ -470,6 +515,14 @@ void main_window::saveConfig()
 void main_window::log(const std::string& line)
 {
     m_ports.log.write(line + "\r\n");
+}
+
+std::function<void(const std::string&)> main_window::logPort()
+{
+    return [this](const std::string& line)
+    {
+        log(line);
+    };
 }
 
 } // namespace korvane

@@ -13,10 +13,11 @@
 #include "Korvane/app/model_view.h"
 #include "Korvane/app/select_window.h"
 #include "Korvane/app/texture_field_group.h"
-#include "Korvane/document/open_model.h"
+#include "Korvane/document/open_files.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,8 +46,8 @@ public:
     // Creates and shows the window, runs the start-up sequence and opens the file of the command line, if there is one.
     [[nodiscard]] bool open(failure& why);
     HACCEL accelerators() const { return m_accelerators.get(); }
-    const open_model& document() const { return m_document; }
-    const model_view* view() const { return m_po_view.get(); } // null until a model was opened
+    const open_files& document() const { return m_document; }
+    const model_view* view() const { return m_po_view.get(); } // null until a file was opened
 
     // As if the person had chosen it. False, after a message box, when it cannot be opened: what was open stays.
     bool openFile(const std::string& path);
@@ -66,7 +67,6 @@ private:
     bool createPanels(failure& why);
     void buildMenus();
     void fillRecentFiles();
-    void loadArchives();
     void showFirstRunNotice();
     void applyFont();
     int contentHeight();
@@ -78,18 +78,25 @@ private:
     void showSelection();
     void select(model_selection wanted);
     void chooseFile();
+    void chooseDefinition();
+    void openChosen(const std::vector<file_filter>& filters);
     void openRecent(std::size_t position);
+    void rereadArchives();
+    void logProblems();
     void showView();
+    void showInView();
     void placeView();
     void showAbout();
     void saveConfig();
     void log(const std::string& line);
+    std::function<void(const std::string&)> logPort();
     std::vector<panel*> panels();
 
     main_window_ports m_ports;
     std::string m_command_line;
     std::string m_file;
-    open_model m_document;
+    open_files m_document;
+    std::optional<drawn_models> m_drawn; // what the view made of the definition; nothing while it has not shown it
     std::unique_ptr<model_view> m_po_view;
 
     font m_font;

@@ -8,6 +8,7 @@
 #include "EASY_GUI/win32/wide_text.h"
 #include "Korvane/app/d3d_model_view.h"
 #include "Korvane/app/main_window.h"
+#include "Korvane/archives/game_file.h"
 
 #include <commctrl.h>
 #include <exception>
@@ -54,7 +55,7 @@ void registerControls()
     InitCommonControlsEx(&classes);
 }
 
-// The first operand of the command line as a full path; empty without one.
+// The first operand of the command line as a full path; a path into the archives as it is; empty without one.
 std::string fileOfCommandLine()
 {
     int count = 0;
@@ -63,8 +64,8 @@ std::string fileOfCommandLine()
         return {};
     const std::wstring file = count > 1 ? arguments[1] : L"";
     LocalFree(arguments);
-    if (file.empty())
-        return {};
+    if (file.empty() || isPackPath(fromWide(file)))
+        return fromWide(file);
     std::wstring full(GetFullPathNameW(file.c_str(), 0, nullptr, nullptr) + std::size_t{1}, L'\0');
     full.resize(GetFullPathNameW(file.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
     return fromWide(full);

@@ -3,6 +3,7 @@
 #include "DDSTextureLoader/dds_image.h"
 #include "EASY_GUI/services/file_system.h"
 #include "Korvane/cli/game_files.h"
+#include "Korvane/document/open_definition.h"
 #include "Korvane/models/rmv2_file.h"
 #include "Korvane/viewer/offscreen.h"
 
@@ -69,6 +70,27 @@ bool writePicture(const std::string& path, const render_options& options, const 
     return writeWholeFile(path, std::as_bytes(std::span(png)), why);
 }
 
+// All models of a definition, out of the archives.
+bool drawDefinition(const std::string& path, cli_context& context, const render_options& options, render_result& result,
+                    failure& why)
+{
+    open_definition definition;
+    if (!loadArchives(context, why) || !definition.open(path, why))
+        return false;
+    for (const std::string& problem : definition.problems())
+        context.note(problem);
+    return renderToImage(definition.models(), path, options, result, why);
+}
+
+bool drawModel(const std::string& path, cli_context& context, const render_options& options, render_result& result,
+               failure& why)
+{
+    if (!context.data_folders.empty() && !loadArchives(context, why)) // for the textures of a model on the disk, too
+        return false;
+    rmv2_file file;
+    return openModel(context, path, file, why) && renderToImage(file.data(), path, options, result, why);
+}
+
 bool render(const render_arguments& arguments, cli_context& context, failure& why)
 {
     render_options options;
@@ -84,13 +106,9 @@ bool render(const render_arguments& arguments, cli_context& context, failure& wh
         context.note(line);
     };
 
-    if (!context.data_folders.empty() && !loadArchives(context, why)) // for the textures of a model on the disk, too
-        return false;
-    rmv2_file file;
     render_result result;
-    if (!openModel(context, arguments.model, file, why) ||
-        !renderToImage(file.data(), arguments.model, options, result, why) ||
-        !writePicture(arguments.output, options, result, why))
+    const auto draw = isDefinitionPath(arguments.model) ? &drawDefinition : &drawModel;
+    if (!draw(arguments.model, context, options, result, why) || !writePicture(arguments.output, options, result, why))
         return false;
     if (options.frames > 1)
     {
@@ -106,8 +124,11 @@ bool render(const render_arguments& arguments, cli_context& context, failure& wh
 void addRenderCommand(CLI::App& app, cli_context& context)
 {
     auto arguments = std::make_shared<render_arguments>();
-    CLI::App* command = app.add_subcommand("render", "Draws a model into a PNG picture");
-    command->add_option("MODEL", arguments->model, "A rigid_model_v2 file, or pack: and an internal path")
+    CLI::App* command =
+        app.add_subcommand("render", "Draws a model, or all models of a definition, into a PNG picture");
+    command
+        ->add_option("MODEL", arguments->model,
+                     "A rigid_model_v2 or variantmeshdefinition file, or pack: and an internal path")
         ->required()
         ->check(notEmpty());
     command->add_option("-o,--output", arguments->output, "The picture to write")

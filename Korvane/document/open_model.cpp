@@ -1,31 +1,19 @@
 #include "Korvane/document/open_model.h"
 
-#include "EASY_GUI/services/text.h"
-#include "EASY_GUI/services/version.h"
+#include "Korvane/archives/game_file.h"
 
 #include <utility>
 
 namespace korvane
 {
 
-namespace
-{
-
-bool isDefinition(const std::string& path)
-{
-    return endsWithIgnoringCase(path, "variantmeshdefinition");
-}
-
-} // namespace
-
 bool open_model::open(const std::string& path, failure& why)
 {
-    if (isDefinition(path))
-        return fail(why, failure_kind::unsupported,
-                    "this version of the program opens models (.rigid_model_v2), not variant mesh definitions", path);
     // A fresh reader each time: one that has read a version 5 file keeps that version's text widths.
     auto fresh = std::make_shared<rmv2_file>();
-    if (!fresh->open(path, why))
+    memory_file bytes;
+    if (isPackPath(path) ? !readGameFile(path, bytes, why) || !fresh->openFromMemory(std::move(bytes), path, why)
+                         : !fresh->open(path, why))
         return false;
     m_po_file = std::move(fresh);
     select(m_selection);
@@ -49,20 +37,6 @@ const group_data* open_model::selectedGroup() const
     return &m_po_file->data()
                 .lods[static_cast<std::size_t>(m_selection.lod)]
                 .groups[static_cast<std::size_t>(m_selection.group)];
-}
-
-std::string open_model::title() const
-{
-    const std::string model = hasModel() ? std::string(fileName(m_po_file->path())) : "no file loaded";
-    return std::string(program_name) + ' ' + std::string(program_version) + "   RMV2: [" + model +
-           "] VMD: [no file loaded]";
-}
-
-open_error describeOpenFailure(const std::string& path, const failure& why)
-{
-    if (isDefinition(path)) // the doubled slips are the product's own text
-        return {"Error!", "Loading .variantmeshdefintion failed. \r\nErro string: r\n" + describe(why)};
-    return {"Error!", "The model could not be opened.\r\n\r\n" + describe(why)};
 }
 
 } // namespace korvane

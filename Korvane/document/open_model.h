@@ -1,7 +1,6 @@
 #pragma once
 
-// The document of the program: the model that is open, what is selected in it, and what the window shows of both. No
-// window is known here; texts are UTF-8. One thread.
+// The model that is open and what is selected in it. No window is known here; texts are UTF-8. One thread.
 
 #include "EASY_GUI/services/failure.h"
 #include "Korvane/document/panel_contents.h"
@@ -16,8 +15,9 @@ namespace korvane
 class open_model
 {
 public:
-    // Reads the model at a path. On failure what was open stays open, with its selection. The former selection is kept
-    // as far as the new model has it, else the first LOD and group are chosen.
+    // Reads the model at a path, on the disk or with "pack:" in the archives. On failure what was open stays open, with
+    // its selection. The former selection is kept as far as the new model has it, else the first LOD and group are
+    // chosen.
     [[nodiscard]] bool open(const std::string& path, failure& why);
 
     bool hasModel() const { return m_po_file != nullptr; }
@@ -30,20 +30,9 @@ public:
     // The selected group; null when there is none.
     const group_data* selectedGroup() const;
 
-    // "Korvane 0.5.1a   RMV2: [body.rigid_model_v2] VMD: [no file loaded]"
-    [[nodiscard]] std::string title() const;
-
 private:
     std::shared_ptr<const rmv2_file> m_po_file;
     model_selection m_selection;
 };
-
-// The texts of the message box for a file that could not be opened.
-struct open_error
-{
-    std::string title;
-    std::string text;
-};
-[[nodiscard]] open_error describeOpenFailure(const std::string& path, const failure& why);
 
 } // namespace korvane

@@ -1,6 +1,7 @@
 #include "Korvane/document/panel_contents.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/game_file.h"
 #include "Korvane/models/catalogue.h"
 
 #include <algorithm>
@@ -18,14 +19,6 @@ int clampIndex(int index, std::size_t count)
     return index >= 0 && static_cast<std::size_t>(index) < count ? index : 0;
 }
 
-std::string counted(std::size_t count, const char* one, const char* many)
-{
-    std::string digits = std::to_string(count);
-    for (std::size_t place = digits.size(); place > 3; place -= 3)
-        digits.insert(place - 3, ",");
-    return digits + ' ' + (count == 1 ? one : many);
-}
-
 const lod_data* lodAt(const RMV2_FILE_DATA& model, int lod)
 {
     return lod >= 0 && static_cast<std::size_t>(lod) < model.lods.size() ? &model.lods[static_cast<std::size_t>(lod)]
@@ -33,6 +26,14 @@ const lod_data* lodAt(const RMV2_FILE_DATA& model, int lod)
 }
 
 } // namespace
+
+std::string counted(std::size_t count, const char* one, const char* many)
+{
+    std::string digits = std::to_string(count);
+    for (std::size_t place = digits.size(); place > 3; place -= 3)
+        digits.insert(place - 3, ",");
+    return digits + ' ' + (count == 1 ? one : many);
+}
 
 model_selection clampSelection(const RMV2_FILE_DATA& model, model_selection wanted)
 {
@@ -62,8 +63,8 @@ std::vector<std::string> groupEntries(const RMV2_FILE_DATA& model, int lod)
 
 file_info_content fileInfo(const rmv2_file& model)
 {
-    return {model.path(), std::to_string(model.version()), std::string(versionLabel(model.version())),
-            displayText(model.data().skeleton_id)};
+    return {model.path(), !isPackPath(model.path()), std::to_string(model.version()),
+            std::string(versionLabel(model.version())), displayText(model.data().skeleton_id)};
 }
 
 group_info_content groupInfo(const group_data& group)

@@ -29,7 +29,8 @@ struct model_selection
 struct file_info_content
 {
     std::string path;
-    std::string version; // decimal
+    bool is_on_disk = true; // false: it came out of an archive, there is no folder to show
+    std::string version;    // decimal
     std::string game;
     std::string skeleton_id;
 };
@@ -73,5 +74,8 @@ using texture_rows = std::array<texture_row_content, texture_row_count>;
 [[nodiscard]] texture_rows textureRows(const group_data& group);
 // "3 LODs; LOD 1: 5 groups, 4,213 vertices, 7,920 triangles"
 [[nodiscard]] std::string modelSummary(const RMV2_FILE_DATA& model, int lod);
+
+// "1 vertex", "4,213 vertices"
+[[nodiscard]] std::string counted(std::size_t count, const char* one, const char* many);
 
 } // namespace korvane

@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/game_file.h"
 
 #include <algorithm>
 
@@ -18,7 +19,8 @@ std::vector<std::string> recentFiles(const config_file& config)
     std::vector<std::string> files = config.get(key);
     files.resize(std::min(files.size(), max_recent_files));
     for (std::string& file : files)
-        file = existingPathAnyCase(file);
+        if (!isPackPath(file))
+            file = existingPathAnyCase(file);
     return files;
 }
 

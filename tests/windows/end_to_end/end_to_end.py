@@ -25,8 +25,10 @@ TITLE = "Korvane 0.5.1a"
 VIEW = "Korvane GFX-D3D11"
 NO_FILE = TITLE + "   RMV2: [no file loaded] VMD: [no file loaded]"
 
+DEFINITION = "variantmeshes/variantmeshdefinitions/demo_guard.variantmeshdefinition"
+
 # Numbers of controls, as in Korvane/app/command_ids.h.
-SHOW_VIEW, PATH, VERSION, GAME, SKELETON, LOD, GROUP = 1002, 1100, 1101, 1102, 1103, 1200, 1201
+STATUS, SHOW_VIEW, PATH, VERSION, GAME, SKELETON, LOD, GROUP = 1001, 1002, 1100, 1101, 1102, 1103, 1200, 1201
 MATERIAL_ID, GROUP_NAME, SHADER_NAME, VERTEX_FORMAT, CAPTION, ALPHA = 1301, 1302, 1303, 1305, 1400, 1405
 TEXTURE_DIRECTORY, TEXTURE_FILE = 1510, 1520
 
@@ -132,6 +134,10 @@ def fill(corners, cells):
                 cells.add((x, y))
 
 
+def share_of_colour(rows, is_wanted):
+    return sum(is_wanted(*pixel) for row in rows for pixel in row) / sum(len(row) for row in rows)
+
+
 class session(unittest.TestCase):
     """One installed program in a folder of its own, with demo data beside it."""
 
@@ -145,11 +151,19 @@ class session(unittest.TestCase):
     def path(self, name):
         return os.path.join(self.folder, name)
 
+    def console(self, *arguments):
+        """Standard output of the console program."""
+        return subprocess.run([EMULATOR, CONSOLE_PROGRAM, "--quiet", *arguments], check=True, timeout=300,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
+
+    def make_demo_folder(self):
+        demo = self.path("demo")
+        self.console("demo-data", windows_path(demo))
+        return demo
+
     def make_demo(self):
         """The richest demo model, moved under a name that is hard to pass around."""
-        demo = self.path("demo")
-        subprocess.run([EMULATOR, CONSOLE_PROGRAM, "demo-data", windows_path(demo)], check=True, timeout=300,
-                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+        demo = self.make_demo_folder()
         models = [os.path.join(at, name) for at, _, names in os.walk(demo) for name in names
                   if name.endswith(".rigid_model_v2")]
         self.assertTrue(models, "no model in the demo data")
@@ -221,23 +235,8 @@ class session(unittest.TestCase):
         self.assertTrue(probe("choose", TITLE, LOD, 0))
         self.assertTrue(probe("choose", TITLE, GROUP, 0))
 
-        area = probe("place", VIEW)
-        columns, lines = 96, round(96 * area[3] / area[2])
-        expected = projected_mask(self.oracle, area[2] / area[3], columns, lines)
-        overlap = 0.0
-        colours = 0
-
-        def figure_is_there():
-            nonlocal overlap, colours
-            rows = picture(area)
-            drawn = drawn_mask(rows, columns, lines)
-            overlap = len(drawn & expected) / max(1, len(drawn | expected))
-            colours = len({pixel for row in rows[::5] for pixel in row[::5]})
-            return overlap > 0.95
-
-        self.assertTrue(wait_until(figure_is_there, 60),
-                        "only %.2f of the silhouette agrees with the mesh" % overlap)
-        print("silhouette agrees by %.3f, %d colours" % (overlap, colours))
+        rows = self.expect_figure(self.oracle, texts(TITLE)[STATUS])
+        colours = len({pixel for row in rows[::5] for pixel in row[::5]})
         self.assertGreater(colours, 200, "the figure is neither lit nor textured")
 
         # The view closes alone and comes back; then the program ends.
@@ -250,6 +249,67 @@ class session(unittest.TestCase):
                      "main_window::onCreated(). command line processed: " + windows_path(model),
                      "DirectX INIT successful!!"):
             self.assertIn(line, log)
+        self.assertEqual(self.close(), 0)
+
+    def definition_oracle(self, demo):
+        """What the demo definition draws: the groups of all its models, and the status line."""
+        data = ("--data", windows_path(demo))
+        models = json.loads(self.console("variant", "pack:" + DEFINITION, "--json", *data))["models"]
+        groups = []
+        for number, model in enumerate(models):
+            copy = self.path("part%d" % number)
+            self.console("extract", model, "-o", windows_path(copy), *data)
+            with open(copy, "rb") as file:
+                groups += model_oracle.model(file.read())["lods"][0]["groups"]
+        triangles = sum(len(group["indices"]) // 3 for group in groups)
+        return ({"lods": [{"groups": groups}]},
+                "demo_guard: %d models, %s triangles" % (len(models), format(triangles, ",")))
+
+    def expect_figure(self, model, status):
+        """Waits until the view shows the model's silhouette; the pixels."""
+        area = probe("place", VIEW)
+        columns, lines = 96, round(96 * area[3] / area[2])
+        expected = projected_mask(model, area[2] / area[3], columns, lines)
+        rows = []
+        overlap = 0.0
+
+        def figure_is_there():
+            nonlocal rows, overlap
+            rows = picture(area)
+            drawn = drawn_mask(rows, columns, lines)
+            overlap = len(drawn & expected) / max(1, len(drawn | expected))
+            return overlap > 0.95 and texts(TITLE)[STATUS] == status
+
+        self.assertTrue(wait_until(figure_is_there, 60), "only %.2f of the silhouette agrees with the models; %s; %s" %
+                        (overlap, texts(TITLE)[STATUS], self.log()))
+        print("silhouette agrees by %.3f" % overlap)
+        return rows
+
+    def test_a_definition_comes_out_of_the_archives_and_follows_them(self):
+        demo = self.make_demo_folder()
+        model, status = self.definition_oracle(demo)
+        self.console("--config", windows_path(self.path("config.cfg")), "config", "add", "data_paths",
+                     windows_path(demo) + "\\")
+        self.start("pack:" + DEFINITION)
+        title = TITLE + "   RMV2: [no file loaded] VMD: [demo_guard.variantmeshdefinition]"
+        self.assertEqual(probe("wait", title, 60), title)
+        self.assertTrue(probe("wait", VIEW, 60), "the view did not open: " + self.log())
+        rows = self.expect_figure(model, status)
+        green = share_of_colour(rows, lambda r, g, b: g > r + 25 and g > b + 25)
+        self.assertGreater(green, 0.005, "the mod's green is not seen: its textures do not win")
+
+        # Without the mod the guard is another one, when the archives are read again.
+        os.remove(os.path.join(demo, "a_demo_mod.pack"))
+        model, without_mod = self.definition_oracle(demo)
+        self.assertNotEqual(without_mod, status)
+        left, top, _, _ = probe("place", TITLE)
+        subprocess.run(["xdotool", "mousemove", str(left + 200), str(top - 30), "click", "1"], check=True, timeout=30)
+        press("alt+f")
+        time.sleep(0.5)  # until the menu is there
+        press("Down", "Down", "Return")
+        rows = self.expect_figure(model, without_mod)
+        self.assertLess(share_of_colour(rows, lambda r, g, b: g > r + 25 and g > b + 25), green / 10)
+        self.assertEqual(self.log().count("Initializing virtual file system (.pack reading)..."), 2)
         self.assertEqual(self.close(), 0)
 
     def test_a_broken_file_is_reported_and_the_open_model_stays(self):

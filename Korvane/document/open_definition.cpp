@@ -1,0 +1,66 @@
+#include "Korvane/document/open_definition.h"
+
+#include "EASY_GUI/services/text.h"
+#include "Korvane/archives/game_file.h"
+#include "Korvane/archives/pack_file.h"
+#include "Korvane/document/panel_contents.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+constexpr std::string_view extension = "variantmeshdefinition";
+
+std::string nameOf(const std::string& path)
+{
+    std::string_view name = fileName(path);
+    name.remove_suffix(std::min(extension.size() + 1, name.size())); // with the dot
+    return std::string(name.empty() ? fileName(path) : name);
+}
+
+} // namespace
+
+bool isDefinitionPath(const std::string& path)
+{
+    return endsWithIgnoringCase(path, extension);
+}
+
+bool open_definition::open(const std::string& path, failure& why)
+{
+    variant_mesh_def fresh;
+    const bool is_open =
+        isPackPath(path) ? fresh.openFromInternalPath(std::string(internalPathOf(path)), why) : fresh.open(path, why);
+    if (!is_open)
+    {
+        why.path = path; // with its prefix, as the person gave it
+        return false;
+    }
+    m_definition = std::move(fresh);
+    m_path = path;
+    m_models = m_definition.models();
+    return true;
+}
+
+std::string open_definition::summary(const std::optional<drawn_models>& drawn) const
+{
+    const std::size_t failed = drawn ? drawn->failed : 0;
+    std::string text = nameOf(m_path) + ": ";
+    text += m_models.empty() ? "names no models" : counted(m_models.size(), "model", "models");
+    if (drawn && failed < m_models.size())
+        text += ", " + counted(drawn->triangles, "triangle", "triangles");
+    if (failed > 0 && !pack_file::sm_poPathTree)
+        return text + "; there are no archives to take them from: set the data folders";
+    if (failed > 0)
+        text += "; " + std::to_string(failed) + " could not be opened";
+    if (!problems().empty())
+        text += "; " + counted(problems().size(), "reference", "references") + " could not be followed";
+    return failed > 0 || !problems().empty() ? text + " (see log.txt)" : text;
+}
+
+} // namespace korvane

@@ -1,0 +1,48 @@
+#pragma once
+
+// The open variant mesh definition: the models that it names, what could not be followed, and its line for the status
+// bar. The models themselves are read by whoever draws them. No window is known here; texts are UTF-8. One thread.
+
+#include "EASY_GUI/services/failure.h"
+#include "Korvane/archives/variant_mesh_def.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace korvane
+{
+
+// True when a file is opened as a definition rather than as a model: by the ending of its path, in any case.
+[[nodiscard]] bool isDefinitionPath(const std::string& path);
+
+// What a view made of a definition's models.
+struct drawn_models
+{
+    std::size_t failed = 0; // that could not be read, or are too many
+    std::size_t triangles = 0;
+};
+
+class open_definition
+{
+public:
+    // Reads the definition at a path, on the disk or with "pack:" in the archives. On failure what was open stays.
+    [[nodiscard]] bool open(const std::string& path, failure& why);
+
+    bool hasDefinition() const { return !path().empty(); }
+    const std::string& path() const { return m_path; }                  // as it was given; empty: none
+    const std::vector<std::string>& models() const { return m_models; } // internal paths, in document order
+    const std::vector<std::string>& problems() const { return m_definition.problems(); } // references, one line each
+
+    // "demo_guard: 4 models, 12,345 triangles; 1 could not be opened (see log.txt)". Without what a view says of them
+    // only the models are counted.
+    [[nodiscard]] std::string summary(const std::optional<drawn_models>& drawn) const;
+
+private:
+    variant_mesh_def m_definition;
+    std::string m_path;
+    std::vector<std::string> m_models;
+};
+
+} // namespace korvane

@@ -1,0 +1,63 @@
+#include "Korvane/document/open_files.h"
+
+#include "EASY_GUI/services/text.h"
+#include "EASY_GUI/services/version.h"
+#include "Korvane/archives/game_file.h"
+
+namespace korvane
+{
+
+open_error describeOpenFailure(const std::string& path, const failure& why)
+{
+    if (isDefinitionPath(path)) // the doubled slips are the product's own text
+        return {"Error!", "Loading .variantmeshdefintion failed. \r\nErro string: r\n" + describe(why)};
+    return {"Error!", "The model could not be opened.\r\n\r\n" + describe(why)};
+}
+
+bool open_files::open(const std::string& path, failure& why)
+{
+    const bool is_definition = isDefinitionPath(path);
+    if (!(is_definition ? m_definition.open(path, why) : m_model.open(path, why)))
+        return false;
+    m_shown = is_definition ? kind::definition : kind::model;
+    return true;
+}
+
+std::vector<open_error> open_files::reopen()
+{
+    std::vector<open_error> errors;
+    failure why;
+    if (m_model.hasModel() && isPackPath(m_model.file()->path()))
+        if (const std::string path = m_model.file()->path(); !m_model.open(path, why))
+            errors.push_back(describeOpenFailure(path, why));
+    why = {};
+    if (m_definition.hasDefinition())
+        if (const std::string path = m_definition.path(); !m_definition.open(path, why))
+            errors.push_back(describeOpenFailure(path, why));
+    return errors;
+}
+
+std::string open_files::title() const
+{
+    const auto nameOf = [](const std::string& path)
+    {
+        return path.empty() ? "no file loaded" : std::string(fileName(path));
+    };
+    return std::string(program_name) + ' ' + std::string(program_version) + "   RMV2: [" +
+           nameOf(m_model.hasModel() ? m_model.file()->path() : "") + "] VMD: [" + nameOf(m_definition.path()) + "]";
+}
+
+std::string open_files::status(const std::optional<drawn_models>& drawn) const
+{
+    switch (m_shown)
+    {
+    case kind::model:
+        return modelSummary(m_model.file()->data(), m_model.selection().lod);
+    case kind::definition:
+        return m_definition.summary(drawn);
+    default:
+        return "Open a model or a definition with Ctrl+O, or drop it here.";
+    }
+}
+
+} // namespace korvane

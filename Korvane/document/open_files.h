@@ -1,0 +1,57 @@
+#pragma once
+
+// The document of the program: a model and a variant mesh definition are open independently of each other, and the view
+// shows the one that was opened last. What is opened by which path, the title, the status line and the texts of a
+// failure are decided here. No window is known; texts are UTF-8. One thread.
+
+#include "Korvane/document/open_definition.h"
+#include "Korvane/document/open_model.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace korvane
+{
+
+// The texts of the message box for a file that could not be opened.
+struct open_error
+{
+    std::string title;
+    std::string text;
+};
+[[nodiscard]] open_error describeOpenFailure(const std::string& path, const failure& why);
+
+class open_files
+{
+public:
+    enum class kind
+    {
+        nothing,
+        model,
+        definition
+    };
+
+    // Opens a path by its ending, on the disk or with "pack:" in the archives. On failure nothing changes.
+    [[nodiscard]] bool open(const std::string& path, failure& why);
+    // After the archives were read again: opens again what came out of them, and the definition, whose references do.
+    // What can no longer be opened stays as it was; a message for each.
+    [[nodiscard]] std::vector<open_error> reopen();
+
+    kind shown() const { return m_shown; } // what was opened last
+    const open_model& model() const { return m_model; }
+    const open_definition& definition() const { return m_definition; }
+    void select(model_selection wanted) { m_model.select(wanted); }
+
+    // "Korvane 0.5.1a   RMV2: [body.rigid_model_v2] VMD: [no file loaded]"
+    [[nodiscard]] std::string title() const;
+    // One line about what is shown; drawn is what the view made of a definition.
+    [[nodiscard]] std::string status(const std::optional<drawn_models>& drawn) const;
+
+private:
+    open_model m_model;
+    open_definition m_definition;
+    kind m_shown = kind::nothing;
+};
+
+} // namespace korvane

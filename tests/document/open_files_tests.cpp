@@ -1,0 +1,208 @@
+// The document: what is opened by which path, and the archives behind it.
+
+#include "EASY_GUI/services/file_system.h"
+#include "Korvane/archives/pack_file.h"
+#include "Korvane/document/game_archives.h"
+#include "Korvane/document/open_files.h"
+#include "tests/support/model_builder.h"
+#include "tests/support/pack_builder.h"
+#include "tests/support/recording_prompt.h"
+#include "tests/support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace korvane::test
+{
+namespace
+{
+
+constexpr const char* two_models = "<VARIANT_MESH model=\"men\\body.rigid_model_v2\"><SLOT name=\"head\">"
+                                   "<VARIANT_MESH model=\"Men/Head.rigid_model_v2\"/></SLOT></VARIANT_MESH>";
+
+test_model modelWithLods(std::size_t count)
+{
+    test_model model;
+    model.lods.assign(count, {test_group{}});
+    return model;
+}
+
+class open_files_test : public testing::Test
+{
+protected:
+    void TearDown() override { pack_file::sm_poPathTree = nullptr; } // closes the archives before their folder goes
+
+    std::string write(const std::string& name, const std::string& bytes)
+    {
+        failure why;
+        EXPECT_TRUE(writeWholeFile(m_folder.file(name), bytes, why)) << describe(why);
+        return m_folder.file(name);
+    }
+    bool reread(const std::vector<test_entry>& entries)
+    {
+        pack_file::sm_poPathTree = nullptr;
+        test_pack pack;
+        pack.entries = entries;
+        write("a.pack", pack.bytes());
+        m_config.add("data_paths", {m_folder.file("")}, false);
+        return rereadArchives();
+    }
+    bool rereadArchives()
+    {
+        return rereadGameArchives(m_config, m_prompt,
+                                  [this](const std::string& line)
+                                  {
+                                      m_log.push_back(line);
+                                  });
+    }
+    void open(const std::string& path)
+    {
+        failure why;
+        EXPECT_TRUE(m_files.open(path, why)) << describe(why);
+    }
+
+    temporary_folder m_folder;
+    config_file m_config;
+    recording_prompt m_prompt;
+    std::vector<std::string> m_log;
+    open_files m_files;
+};
+
+TEST_F(open_files_test, AModelAndADefinitionAreOpenAtTheSameTimeAndTheLastOneIsShown)
+{
+    const std::string start = "Korvane 0.5.1a   ";
+    EXPECT_EQ(m_files.title(), start + "RMV2: [no file loaded] VMD: [no file loaded]");
+    EXPECT_EQ(m_files.shown(), open_files::kind::nothing);
+    EXPECT_NE(m_files.status({}).find("Ctrl+O"), std::string::npos);
+
+    open(write("guard 李.VariantMeshDefinition", two_models));
+    EXPECT_EQ(m_files.title(), start + "RMV2: [no file loaded] VMD: [guard 李.VariantMeshDefinition]");
+    EXPECT_EQ(m_files.shown(), open_files::kind::definition);
+    EXPECT_EQ(m_files.definition().models(),
+              (std::vector<std::string>{"men\\body.rigid_model_v2", "men\\head.rigid_model_v2"}));
+
+    open(write("body.rigid_model_v2", modelWithLods(2).bytes()));
+    EXPECT_EQ(m_files.title(), start + "RMV2: [body.rigid_model_v2] VMD: [guard 李.VariantMeshDefinition]");
+    EXPECT_EQ(m_files.shown(), open_files::kind::model);
+    EXPECT_EQ(m_files.status({}), "2 LODs; LOD 1: 1 group, 3 vertices, 1 triangle");
+
+    const std::string broken[] = {write("broken.variantmeshdefinition", "<VARIANT_MESH model=\"a\">"),
+                                  m_folder.file("none.variantmeshdefinition"), write("text.rigid_model_v2", "text"),
+                                  "pack:men/guard.variantmeshdefinition", "pack:men/a.rigid_model_v2"};
+    for (const std::string& path : broken)
+    {
+        failure why;
+        EXPECT_FALSE(m_files.open(path, why)) << path;
+        EXPECT_NE(describe(why), "") << path;
+        EXPECT_EQ(m_files.title(), start + "RMV2: [body.rigid_model_v2] VMD: [guard 李.VariantMeshDefinition]");
+        EXPECT_EQ(m_files.shown(), open_files::kind::model) << path;
+        EXPECT_EQ(m_files.definition().models().size(), 2u) << path;
+    }
+}
+
+TEST_F(open_files_test, TheBoxOfABrokenDefinitionHasItsFixedBeginningAndTheParsersText)
+{
+    const std::string path = write("broken.variantmeshdefinition", "<VARIANT_MESH></SLOT>");
+    failure why;
+    ASSERT_FALSE(m_files.open(path, why));
+    const open_error error = describeOpenFailure(path, why);
+    EXPECT_EQ(error.title, "Error!");
+    EXPECT_EQ(error.text.rfind("Loading .variantmeshdefintion failed. \r\nErro string: r\n" + path, 0), 0u)
+        << error.text;
+    EXPECT_NE(error.text.find("tag"), std::string::npos) << "the parser's own words: " << error.text;
+    EXPECT_NE(error.text.find("byte "), std::string::npos) << error.text;
+}
+
+TEST_F(open_files_test, TheStatusOfADefinitionSaysWhatIsDrawn)
+{
+    const auto definition = [](std::size_t models, const char* rest)
+    {
+        std::string text = "<VARIANT_MESH>";
+        for (std::size_t i = 0; i < models; ++i)
+            text += "<VARIANT_MESH model=\"m.rigid_model_v2\"/>";
+        return text + rest + "</VARIANT_MESH>";
+    };
+    const char* const dangling = "<VARIANT_MESH_REFERENCE definition=\"gone.variantmeshdefinition\"/>";
+    const struct
+    {
+        std::size_t models;
+        const char* rest;
+        std::optional<drawn_models> drawn;
+        const char* text;
+    } rows[] = {
+        {4, "", std::nullopt, "guard: 4 models"},
+        {4, "", drawn_models{0, 12345}, "guard: 4 models, 12,345 triangles"},
+        {1, "", drawn_models{0, 1}, "guard: 1 model, 1 triangle"},
+        {4, "", drawn_models{1, 900}, "guard: 4 models, 900 triangles; 1 could not be opened (see log.txt)"},
+        {2, "", drawn_models{2, 0}, "guard: 2 models; 2 could not be opened (see log.txt)"},
+        {0, "", drawn_models{}, "guard: names no models"},
+        {0, dangling, drawn_models{}, "guard: names no models; 1 reference could not be followed (see log.txt)"},
+        {2, dangling, drawn_models{1, 3},
+         "guard: 2 models, 3 triangles; 1 could not be opened; 1 reference could not be followed (see log.txt)"},
+    };
+    ASSERT_TRUE(reread({}));
+    for (const auto& row : rows)
+    {
+        open(write("guard.variantmeshdefinition", definition(row.models, row.rest)));
+        EXPECT_EQ(m_files.status(row.drawn), row.text);
+    }
+    pack_file::sm_poPathTree = nullptr;
+    EXPECT_EQ(m_files.status(drawn_models{2, 0}),
+              "guard: 2 models; there are no archives to take them from: set the data folders");
+}
+
+TEST_F(open_files_test, PathsIntoTheArchivesAreOpenedInAnyCase)
+{
+    ASSERT_TRUE(reread(
+        {{"men\\body.rigid_model_v2", modelWithLods(3).bytes()}, {"men\\guard.variantmeshdefinition", two_models}}));
+    open("pack:Men/Body.rigid_model_v2");
+    EXPECT_EQ(lodEntries(*m_files.model().data()).size(), 3u);
+    EXPECT_FALSE(fileInfo(*m_files.model().file()).is_on_disk);
+    open("pack:men\\GUARD.variantmeshdefinition");
+    EXPECT_EQ(m_files.definition().models().size(), 2u);
+    EXPECT_EQ(m_files.title(), "Korvane 0.5.1a   RMV2: [Body.rigid_model_v2] VMD: [GUARD.variantmeshdefinition]");
+    failure why;
+    EXPECT_FALSE(m_files.open("pack:men", why));
+    EXPECT_EQ(why.kind, failure_kind::not_found);
+}
+
+TEST_F(open_files_test, ReReadingBringsTheArchivesNewContent)
+{
+    ASSERT_TRUE(reread({{"body.rigid_model_v2", modelWithLods(1).bytes()}, {"a.variantmeshdefinition", two_models}}));
+    open("pack:body.rigid_model_v2");
+    open("pack:a.variantmeshdefinition");
+    m_log.clear();
+    ASSERT_TRUE(reread({{"body.rigid_model_v2", modelWithLods(4).bytes()},
+                        {"a.variantmeshdefinition", "<VARIANT_MESH model=\"x.rigid_model_v2\"/>"}}));
+    ASSERT_GE(m_log.size(), 4u);
+    EXPECT_EQ(m_log[0], "Initializing virtual file system (.pack reading)...");
+    EXPECT_EQ(m_log[1], ".pack files being sorted...");
+    EXPECT_TRUE(m_files.reopen().empty());
+    EXPECT_EQ(lodEntries(*m_files.model().data()).size(), 4u);
+    EXPECT_EQ(m_files.definition().models(), std::vector<std::string>{"x.rigid_model_v2"});
+
+    ASSERT_TRUE(reread({})); // both are gone: what was open stays, and the person hears of it
+    const std::vector<open_error> errors = m_files.reopen();
+    ASSERT_EQ(errors.size(), 2u);
+    EXPECT_NE(errors[0].text.find("pack:body.rigid_model_v2"), std::string::npos) << errors[0].text;
+    EXPECT_EQ(errors[1].text.rfind("Loading .variantmeshdefintion failed.", 0), 0u) << errors[1].text;
+    EXPECT_EQ(lodEntries(*m_files.model().data()).size(), 4u);
+    EXPECT_EQ(m_files.definition().models().size(), 1u);
+}
+
+TEST_F(open_files_test, WithoutDataFoldersReReadingOnlySaysSo)
+{
+    EXPECT_FALSE(rereadArchives());
+    ASSERT_EQ(m_prompt.shown.size(), 1u);
+    EXPECT_EQ(m_prompt.shown[0].first, "Error!");
+    EXPECT_EQ(m_prompt.shown[0].second, "Setup up your games' \\data\\ folder in tools->setup game data folder first");
+    EXPECT_TRUE(m_log.empty());
+
+    m_config.add("data_paths", {m_folder.file("")}, false); // which holds no archive
+    EXPECT_FALSE(rereadArchives());
+    EXPECT_NE(m_prompt.shown.back().second.find("File Not Found"), std::string::npos);
+}
+
+} // namespace
+} // namespace korvane::test

@@ -1,0 +1,116 @@
+// The main window with archives and the definitions that take their models from them.
+
+#include "tests/windows/app/main_window_fixture.h"
+
+namespace korvane::test
+{
+namespace
+{
+
+TEST_F(main_window_test, TheArchivesAreReadBeforeAnythingElse)
+{
+    const std::string data = m_folder + "Data\\";
+    std::filesystem::create_directories(toPath(data));
+    test::test_pack pack;
+    pack.entries = {{"Tex\\A.dds", "bytes"}};
+    failure why;
+    ASSERT_TRUE(writeWholeFile(data + "one.pack", pack.bytes(), why));
+    ASSERT_TRUE(writeWholeFile(data + "two.pack", std::string("PFH1"), why));
+    m_config.add("DATA_PATHS", {data}, false);
+    openWindow();
+    ASSERT_TRUE(pack_file::sm_poPathTree);
+    EXPECT_NE(pack_file::sm_poPathTree->find("tex/a.dds"), nullptr);
+    ASSERT_EQ(m_prompt.shown.size(), 1u); // the damaged one is named, and the program runs
+    EXPECT_NE(m_prompt.shown[0].second.find("two.pack"), std::string::npos);
+    memory_file log;
+    ASSERT_TRUE(log.read(m_folder + "log.txt", why));
+    std::size_t at = 0;
+    for (const char* line : {"Initializing virtual file system (.pack reading)...", ".pack files being sorted...",
+                             "[PACK FILE] 0 : ", "[PACK FILE] 1 : ", "assigning accelerators "})
+    {
+        at = log.text().find(line, at);
+        ASSERT_NE(at, std::string_view::npos) << line;
+    }
+}
+
+TEST_F(main_window_test, ADefinitionOfTheCommandLineIsShownBesideAModel)
+{
+    writeArchive({{"men\\body.rigid_model_v2", "body"}});
+    openWindow(write("guard.VARIANTMESHDEFINITION", std::string(guard_definition)));
+    EXPECT_EQ(m_window->title(), "Korvane 0.5.1a   RMV2: [no file loaded] VMD: [guard.VARIANTMESHDEFINITION]");
+    EXPECT_EQ(text(control_status), "guard: 2 models, 1,000 triangles; 1 could not be opened (see log.txt)");
+    EXPECT_EQ(text(control_file_path), "...");
+    EXPECT_TRUE(IsWindowEnabled(find(control_show_view)));
+    ASSERT_EQ(m_view.definitions.size(), 1u);
+    EXPECT_EQ(m_view.shown, 1);
+
+    EXPECT_TRUE(m_window->openFile(write("soldier.rigid_model_v2", soldier())));
+    EXPECT_EQ(m_window->title(), "Korvane 0.5.1a   RMV2: [soldier.rigid_model_v2] VMD: [guard.VARIANTMESHDEFINITION]");
+    EXPECT_EQ(text(control_status), "2 LODs; LOD 1: 2 groups, 6 vertices, 2 triangles");
+    ASSERT_EQ(m_view.models.size(), 1u);
+
+    pressWithControl('2'); // the definition again
+    ASSERT_TRUE(pumpUntil(
+        [&]
+        {
+            return m_view.definitions.size() == 2;
+        }));
+    choose(control_lod, 1); // of the model in the panels; the view keeps showing the definition
+    EXPECT_EQ(text(control_tool_caption), "L(1) G(0)");
+    EXPECT_EQ(m_view.models.size(), 1u);
+    EXPECT_EQ(text(control_status), "guard: 2 models, 1,000 triangles; 1 could not be opened (see log.txt)");
+}
+
+TEST_F(main_window_test, ADefinitionThatIsNoXmlIsReportedInTheParsersWords)
+{
+    openWindow();
+    EXPECT_FALSE(m_window->openFile(write("broken.variantmeshdefinition", std::string("<VARIANT_MESH></SLOT>"))));
+    ASSERT_EQ(m_prompt.shown.size(), 1u);
+    EXPECT_EQ(m_prompt.shown[0].first, "Error!");
+    const std::string text = m_prompt.shown[0].second;
+    EXPECT_EQ(text.rfind("Loading .variantmeshdefintion failed. \r\nErro string: r\n", 0), 0u) << text;
+    EXPECT_NE(text.find("byte "), std::string::npos) << text;
+    EXPECT_EQ(m_window->title(), "Korvane 0.5.1a   RMV2: [no file loaded] VMD: [no file loaded]");
+    EXPECT_TRUE(m_view.definitions.empty());
+    EXPECT_TRUE(m_config.get("config_recent_files").empty());
+}
+
+TEST_F(main_window_test, ReReadingReplacesTheArchivesAndWhatIsShownOfThem)
+{
+    openWindow();
+    choose(command_file_update);
+    ASSERT_EQ(m_prompt.shown.size(), 1u);
+    EXPECT_EQ(m_prompt.shown[0].first, "Error!");
+    EXPECT_EQ(m_prompt.shown[0].second, "Setup up your games' \\data\\ folder in tools->setup game data folder first");
+
+    writeArchive({{"men\\guard.variantmeshdefinition", guard_definition},
+                  {"men\\soldier.rigid_model_v2", soldier().bytes()},
+                  {"men\\body.rigid_model_v2", ""}});
+    choose(command_file_update);
+    EXPECT_NE(logText().find("[PACK FILE] 0 : "), std::string::npos);
+    EXPECT_TRUE(m_window->openFile("pack:men/soldier.rigid_model_v2"));
+    EXPECT_FALSE(IsWindowEnabled(find(control_open_folder))) << "no folder holds it";
+    EXPECT_TRUE(m_window->openFile("pack:men/guard.variantmeshdefinition"));
+    EXPECT_EQ(m_window->title(), "Korvane 0.5.1a   RMV2: [soldier.rigid_model_v2] VMD: [guard.variantmeshdefinition]");
+    EXPECT_EQ(text(control_status), "guard: 2 models, 1,000 triangles; 1 could not be opened (see log.txt)");
+
+    test_model other = soldier();
+    other.lods = {{grass()}};
+    writeArchive({{"men\\guard.variantmeshdefinition", "<VARIANT_MESH model=\"men\\new.rigid_model_v2\"/>"},
+                  {"men\\soldier.rigid_model_v2", other.bytes()},
+                  {"men\\new.rigid_model_v2", ""}});
+    choose(command_file_update);
+    EXPECT_EQ(m_view.definitions.back(), std::vector<std::string>{"men\\new.rigid_model_v2"});
+    EXPECT_EQ(text(control_status), "guard: 1 model, 1,000 triangles");
+    EXPECT_EQ(text(control_group_name), "grass");
+    EXPECT_FALSE(pack_file::sm_poPathTree->find("men/body.rigid_model_v2")) << "what is gone is gone";
+    EXPECT_EQ(m_prompt.shown.size(), 1u);
+
+    const HMENU bar = GetMenu(m_window->handle());
+    EXPECT_EQ(menu(GetSubMenu(bar, 0)).textOf(3), "Re-read .pack files...");
+    EXPECT_EQ(menu(bar).textOf(1), "&Variants");
+    EXPECT_EQ(menu(GetSubMenu(bar, 1)).textOf(0), "&Open .variantmeshdefintion file");
+}
+
+} // namespace
+} // namespace korvane::test

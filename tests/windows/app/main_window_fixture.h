@@ -1,0 +1,257 @@
+#pragma once
+
+// The real main window for tests, driven by messages and key presses. Boxes, file dialogs and the three-dimensional
+// view are replaced at the window's own seams.
+
+#include "EASY_GUI/services/file_system.h"
+#include "EASY_GUI/win32/message_loop.h"
+#include "EASY_GUI/win32/wide_text.h"
+#include "Korvane/app/command_ids.h"
+#include "Korvane/app/main_window.h"
+#include "Korvane/archives/pack_file.h"
+#include "tests/support/model_builder.h"
+#include "tests/support/pack_builder.h"
+#include "tests/support/recording_prompt.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <shlobj.h>
+
+namespace korvane::test
+{
+
+struct view_record
+{
+    int made = 0, shown = 0, destroyed = 0;
+    std::vector<std::pair<std::string, std::size_t>> models; // file name and LOD
+    std::vector<std::vector<std::string>> definitions;       // the models of each
+};
+
+class recording_view : public model_view
+{
+public:
+    explicit recording_view(view_record& record) : m_record(record) { ++m_record.made; }
+    ~recording_view() override { ++m_record.destroyed; }
+    void setModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& path, std::size_t lod) override
+    {
+        EXPECT_NE(model, nullptr);
+        m_record.models.emplace_back(fileName(path), lod);
+    }
+    drawn_models setDefinition(const std::vector<std::string>& models, const std::string&) override
+    {
+        m_record.definitions.push_back(models);
+        drawn_models drawn;
+        for (const std::string& model : models)
+            getNodeFromInternalPath(model) ? drawn.triangles += 1000 : ++drawn.failed;
+        return drawn;
+    }
+    void show() override { ++m_record.shown; }
+    bool isVisible() const override { return m_record.shown > 0; }
+    HWND handle() const override { return nullptr; }
+
+private:
+    static std::string fileName(const std::string& path) { return path.substr(path.find_last_of("/\\") + 1); }
+    view_record& m_record;
+};
+
+class main_window_test : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        std::filesystem::create_directories(toPath(m_folder));
+        m_config.add("FIRST_TIME", {"no"}, false);
+    }
+    void TearDown() override
+    {
+        m_window.reset();
+        pack_file::sm_poPathTree = nullptr;
+        MSG message{};
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) // the quit message among them
+            ;
+        std::filesystem::remove_all(toPath(m_folder));
+    }
+
+    std::string write(const std::string& name, const std::string& bytes)
+    {
+        failure why;
+        EXPECT_TRUE(writeWholeFile(m_folder + name, bytes, why)) << describe(why);
+        return m_folder + name;
+    }
+    std::string write(const std::string& name, const test_model& model) { return write(name, model.bytes()); }
+    // The only archive of the data folder, which the next start or re-read finds.
+    void writeArchive(const std::vector<test_entry>& entries)
+    {
+        pack_file::sm_poPathTree = nullptr; // it lets go of the file
+        test_pack pack;
+        pack.entries = entries;
+        std::filesystem::create_directories(toPath(m_folder + "data"));
+        write("data\\a.pack", pack.bytes());
+        m_config.add("data_paths", {m_folder + "data\\"}, false);
+    }
+    void choose(int command) { SendMessageW(m_window->handle(), WM_COMMAND, static_cast<WPARAM>(command), 0); }
+    void openWindow(const std::string& file = {})
+    {
+        m_log.openAt(m_folder + "log.txt");
+        m_window = std::make_unique<main_window>(
+            main_window_ports{m_config,
+                              m_folder + "config.cfg",
+                              m_log,
+                              "",
+                              m_prompt,
+                              {},
+                              [this](std::function<void(const std::string&)>, failure& why)
+                              {
+                                  return makeView(why);
+                              },
+                              [this](const std::string& path)
+                              {
+                                  m_opened_folder = path;
+                              }},
+            "\"" + file + "\"", file);
+        failure why;
+        ASSERT_TRUE(m_window->open(why)) << describe(why);
+        m_loop = std::make_unique<message_loop>(*m_window, m_window->accelerators());
+        pump();
+    }
+    std::unique_ptr<model_view> makeView(failure& why)
+    {
+        if (!m_has_graphics)
+            return fail(why, failure_kind::unsupported, "no graphics device"), nullptr;
+        return std::make_unique<recording_view>(m_view);
+    }
+
+    void pump() // everything that waits, and what it causes
+    {
+        MSG message{};
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+            m_loop->dispatch(message);
+    }
+    bool pumpUntil(const std::function<bool()>& is_true)
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!is_true() && std::chrono::steady_clock::now() < end)
+        {
+            MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
+            pump();
+        }
+        return is_true();
+    }
+    void pressWithControl(WORD key)
+    {
+        INPUT inputs[4]{};
+        for (INPUT& input : inputs)
+            input.type = INPUT_KEYBOARD;
+        inputs[0].ki.wVk = inputs[3].ki.wVk = VK_CONTROL;
+        inputs[1].ki.wVk = inputs[2].ki.wVk = key;
+        inputs[2].ki.dwFlags = inputs[3].ki.dwFlags = KEYEVENTF_KEYUP;
+        SetForegroundWindow(m_window->handle());
+        SetFocus(m_window->handle());
+        SendInput(4, inputs, sizeof(INPUT));
+    }
+
+    // A control of any panel by its number.
+    HWND find(int id) const
+    {
+        struct search
+        {
+            int id;
+            HWND found;
+        } wanted{id, nullptr};
+        EnumChildWindows(
+            m_window->handle(),
+            [](HWND child, LPARAM parameter) -> BOOL
+            {
+                auto& looked_for = *reinterpret_cast<search*>(parameter);
+                if (GetDlgCtrlID(child) == looked_for.id)
+                    looked_for.found = child;
+                return looked_for.found == nullptr;
+            },
+            reinterpret_cast<LPARAM>(&wanted));
+        EXPECT_NE(wanted.found, nullptr) << id;
+        return wanted.found;
+    }
+    std::string text(int id) const
+    {
+        const HWND control = find(id);
+        std::wstring wide(static_cast<std::size_t>(GetWindowTextLengthW(control)) + 1, L'\0');
+        wide.resize(static_cast<std::size_t>(GetWindowTextW(control, wide.data(), static_cast<int>(wide.size()))));
+        return fromWide(wide);
+    }
+    void choose(int id, int position) // as a click into the opened list does
+    {
+        const HWND list = find(id);
+        SendMessageW(list, CB_SETCURSEL, static_cast<WPARAM>(position), 0);
+        SendMessageW(GetParent(list), WM_COMMAND, static_cast<WPARAM>(MAKELONG(id, CBN_SELCHANGE)),
+                     reinterpret_cast<LPARAM>(list));
+    }
+    void drop(const std::string& file)
+    {
+        const std::wstring path = toWide(file);
+        const std::size_t text_bytes = (path.size() + 2) * sizeof(wchar_t); // the list ends in an empty path
+        const HGLOBAL block = GlobalAlloc(GHND, sizeof(DROPFILES) + text_bytes);
+        auto* const header = static_cast<DROPFILES*>(GlobalLock(block));
+        header->pFiles = sizeof(DROPFILES);
+        header->fWide = TRUE;
+        std::memcpy(header + 1, path.c_str(), path.size() * sizeof(wchar_t));
+        GlobalUnlock(block);
+        PostMessageW(m_window->handle(), WM_DROPFILES, reinterpret_cast<WPARAM>(block), 0);
+        pump();
+    }
+    void click(int id)
+    {
+        SendMessageW(find(id), BM_CLICK, 0, 0);
+        pump();
+    }
+    std::string logText() const
+    {
+        memory_file file;
+        failure why;
+        EXPECT_TRUE(file.read(m_folder + "log.txt", why)) << describe(why);
+        return std::string(file.text());
+    }
+
+    std::string m_folder = toUtf8(std::filesystem::temp_directory_path()) + "korvane window 李\\";
+    config_file m_config;
+    log_file m_log;
+    test::recording_prompt m_prompt;
+    view_record m_view;
+    bool m_has_graphics = true;
+    std::string m_opened_folder;
+    std::unique_ptr<main_window> m_window;
+    std::unique_ptr<message_loop> m_loop;
+};
+
+inline test_model soldier()
+{
+    test_group body;
+    body.material_id = 70;
+    body.textures = {{0, "men/tex/body_diffuse.dds"}, {1, "men/tex/body_normal.dds"}};
+    test_group head;
+    head.group_name = "head";
+    head.shader_name = "other_shade";
+    head.alpha_mode = 1;
+    head.material_flags = 8;
+    test_model model;
+    model.lods = {{body, head}, {body}};
+    return model;
+}
+
+inline test_group grass()
+{
+    test_group group;
+    group.vertex_format = 5;
+    group.group_name = "grass";
+    return group;
+}
+
+// Of two models.
+inline constexpr const char* guard_definition =
+    "<VARIANT_MESH model=\"men\\body.rigid_model_v2\"><SLOT name=\"head\">"
+    "<VARIANT_MESH model=\"men\\head.rigid_model_v2\"/></SLOT></VARIANT_MESH>";
+
+} // namespace korvane::test
