@@ -19,7 +19,6 @@ namespace
 
 constexpr int margin = 8;          // at 96 dots per inch
 constexpr int default_width = 620; // outer
-constexpr int scroll_step = 29;    // a row of fields
 
 RECT workArea()
 {
@@ -59,6 +58,7 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
           {
               select(wanted);
           })
+    , m_content(*this, {&m_file_info, &m_select, &m_group_info, &m_group_tool, &m_textures}, m_status, m_show_view)
     , m_recent(nullptr)
 {
 }
@@ -94,8 +94,8 @@ bool main_window::onCreated()
         return false;
     buildMenus();
     fillRecentFiles();
-    applyFont();
-    fitHeight();
+    m_content.applyFont();
+    m_content.fitHeight();
     showDocument();
     show();
     UpdateWindow(handle());
@@ -179,118 +179,21 @@ void main_window::fillRecentFiles()
     }
 }
 
-std::vector<panel*> main_window::panels()
-{
-    return {&m_file_info, &m_select, &m_group_info, &m_group_tool, &m_textures};
-}
-
-int main_window::barHeight() const
-{
-    return m_font.height() + scaled(11);
-}
-
-void main_window::applyFont()
-{
-    font fresh(dpi(), font::weight::regular);
-    for (panel* const part : panels())
-        part->setFont(fresh);
-    m_status.setFont(fresh);
-    m_show_view.setFont(fresh);
-    m_font = std::move(fresh); // the old one goes only now that no control uses it
-    for (panel* const part : panels())
-        part->setFont(m_font);
-    layOut();
-}
-
-int main_window::contentHeight()
-{
-    int height = scaled(margin);
-    for (const panel* const part : panels())
-        height += part->preferredHeight() + scaled(margin);
-    return height + barHeight() + scaled(margin);
-}
-
-// As high as the content, where the screen allows it.
-void main_window::fitHeight()
-{
-    RECT own{};
-    GetWindowRect(handle(), &own);
-    const int wanted = contentHeight() + (own.bottom - own.top) - clientRectangle().bottom;
-    if (wanted < own.bottom - own.top)
-        SetWindowPos(handle(), nullptr, 0, 0, own.right - own.left, wanted, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
-void main_window::layOut()
-{
-    if (!m_textures.isOpen())
-        return;
-    const int content = contentHeight();
-    SCROLLINFO scroll{};
-    scroll.cbSize = sizeof(scroll);
-    scroll.fMask = SIF_RANGE | SIF_PAGE;
-    scroll.nMax = content - 1;
-    scroll.nPage = static_cast<UINT>(clientRectangle().bottom);
-    SetScrollInfo(handle(), SB_VERT, &scroll, TRUE); // hides the bar when everything fits
-    const RECT client = clientRectangle();
-    const int border = scaled(margin);
-    const int width = client.right - 2 * border;
-    int y = border - GetScrollPos(handle(), SB_VERT);
-    for (panel* const part : panels())
-    {
-        const int height = part->preferredHeight();
-        part->place(border, y, width, height);
-        y += height + border;
-    }
-    y = std::max(y, static_cast<int>(client.bottom) - border - barHeight());
-    const int button_width = m_font.widthOf("Show 3D View") + scaled(28);
-    m_status.place(border + scaled(2), y, width - button_width - border, barHeight());
-    m_show_view.place(client.right - border - button_width, y, button_width, barHeight());
-}
-
 void main_window::onSize(int, int, size_change change)
 {
-    if (change != size_change::minimised)
-        layOut();
+    if (change != size_change::minimised && m_textures.isOpen())
+        m_content.layOut();
 }
 
 void main_window::onVerticalScroll(int request)
 {
-    SCROLLINFO scroll{};
-    scroll.cbSize = sizeof(scroll);
-    scroll.fMask = SIF_ALL;
-    GetScrollInfo(handle(), SB_VERT, &scroll);
-    switch (request)
-    {
-    case SB_LINEUP:
-        return scrollTo(scroll.nPos - scaled(scroll_step));
-    case SB_LINEDOWN:
-        return scrollTo(scroll.nPos + scaled(scroll_step));
-    case SB_PAGEUP:
-        return scrollTo(scroll.nPos - static_cast<int>(scroll.nPage));
-    case SB_PAGEDOWN:
-        return scrollTo(scroll.nPos + static_cast<int>(scroll.nPage));
-    case SB_TOP:
-        return scrollTo(scroll.nMin);
-    case SB_BOTTOM:
-        return scrollTo(scroll.nMax);
-    case SB_THUMBTRACK:
-    case SB_THUMBPOSITION:
-        return scrollTo(scroll.nTrackPos);
-    default:
-        return;
-    }
+    m_content.scroll(request);
 }
 
 bool main_window::onMouseWheel(int delta, const mouse_event&)
 {
-    scrollTo(GetScrollPos(handle(), SB_VERT) - MulDiv(delta, 3 * scaled(scroll_step), WHEEL_DELTA));
+    m_content.scrollByWheel(delta);
     return true;
-}
-
-void main_window::scrollTo(int position)
-{
-    SetScrollPos(handle(), SB_VERT, position, TRUE); // limits the position to the range
-    layOut();
 }
 
 void main_window::onMinimumSize(SIZE& outer)
@@ -301,7 +204,7 @@ void main_window::onMinimumSize(SIZE& outer)
 
 void main_window::onDpiChanged(unsigned)
 {
-    applyFont();
+    m_content.applyFont();
 }
 
 bool main_window::onCommand(int id, int notification, HWND)

@@ -11,6 +11,7 @@
 #include "Korvane/app/group_info_control.h"
 #include "Korvane/app/group_tool_window.h"
 #include "Korvane/app/model_view.h"
+#include "Korvane/app/panel_column.h"
 #include "Korvane/app/select_window.h"
 #include "Korvane/app/texture_field_group.h"
 #include "Korvane/document/open_files.h"
@@ -68,12 +69,6 @@ private:
     void buildMenus();
     void fillRecentFiles();
     void showFirstRunNotice();
-    void applyFont();
-    int contentHeight();
-    int barHeight() const; // of the bottom row
-    void fitHeight();
-    void layOut();
-    void scrollTo(int position);
     void showDocument();
     void showSelection();
     void select(model_selection wanted);
@@ -90,7 +85,6 @@ private:
     void saveConfig();
     void log(const std::string& line);
     std::function<void(const std::string&)> logPort();
-    std::vector<panel*> panels();
 
     main_window_ports m_ports;
     std::string m_command_line;
@@ -99,7 +93,6 @@ private:
     std::optional<drawn_models> m_drawn; // what the view made of the definition; nothing while it has not shown it
     std::unique_ptr<model_view> m_po_view;
 
-    font m_font;
     file_info_control m_file_info;
     select_window m_select;
     group_info_control m_group_info;
@@ -107,6 +100,7 @@ private:
     texture_field_group m_textures;
     label m_status;
     button m_show_view;
+    panel_column m_content; // lays all of these out
 
     menu m_recent;
     std::vector<std::string> m_recent_files;

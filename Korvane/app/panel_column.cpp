@@ -1,0 +1,122 @@
+#include "Korvane/app/panel_column.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+constexpr int margin = 8;       // at 96 dots per inch
+constexpr int scroll_step = 29; // a row of fields
+
+SCROLLINFO scrollState(HWND window)
+{
+    SCROLLINFO state{};
+    state.cbSize = sizeof(state);
+    state.fMask = SIF_ALL;
+    GetScrollInfo(window, SB_VERT, &state);
+    return state;
+}
+
+} // namespace
+
+void panel_column::applyFont()
+{
+    font fresh(m_owner.dpi(), font::weight::regular);
+    for (panel* const part : m_panels)
+        part->setFont(fresh);
+    m_status.setFont(fresh);
+    m_last.setFont(fresh);
+    m_font = std::move(fresh); // the old one goes only now that no control uses it
+    for (panel* const part : m_panels)
+        part->setFont(m_font);
+    layOut();
+}
+
+int panel_column::barHeight() const
+{
+    return m_font.height() + m_owner.scaled(11);
+}
+
+int panel_column::contentHeight() const
+{
+    int height = m_owner.scaled(margin);
+    for (const panel* const part : m_panels)
+        height += part->preferredHeight() + m_owner.scaled(margin);
+    return height + barHeight() + m_owner.scaled(margin);
+}
+
+void panel_column::fitHeight()
+{
+    RECT own{};
+    GetWindowRect(m_owner.handle(), &own);
+    const int wanted = contentHeight() + (own.bottom - own.top) - m_owner.clientRectangle().bottom;
+    if (wanted < own.bottom - own.top)
+        SetWindowPos(m_owner.handle(), nullptr, 0, 0, own.right - own.left, wanted,
+                     SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void panel_column::layOut()
+{
+    SCROLLINFO range{};
+    range.cbSize = sizeof(range);
+    range.fMask = SIF_RANGE | SIF_PAGE;
+    range.nMax = contentHeight() - 1;
+    range.nPage = static_cast<UINT>(m_owner.clientRectangle().bottom);
+    SetScrollInfo(m_owner.handle(), SB_VERT, &range, TRUE); // hides the bar when everything fits
+    const RECT client = m_owner.clientRectangle();
+    const int border = m_owner.scaled(margin);
+    const int width = client.right - 2 * border;
+    int y = border - GetScrollPos(m_owner.handle(), SB_VERT);
+    for (panel* const part : m_panels)
+    {
+        const int height = part->preferredHeight();
+        part->place(border, y, width, height);
+        y += height + border;
+    }
+    y = std::max(y, static_cast<int>(client.bottom) - border - barHeight());
+    const int button_width = m_font.widthOf(m_last.text()) + m_owner.scaled(28);
+    m_status.place(border + m_owner.scaled(2), y, width - button_width - border, barHeight());
+    m_last.place(client.right - border - button_width, y, button_width, barHeight());
+}
+
+void panel_column::scroll(int request)
+{
+    const SCROLLINFO state = scrollState(m_owner.handle());
+    switch (request)
+    {
+    case SB_LINEUP:
+        return scrollTo(state.nPos - m_owner.scaled(scroll_step));
+    case SB_LINEDOWN:
+        return scrollTo(state.nPos + m_owner.scaled(scroll_step));
+    case SB_PAGEUP:
+        return scrollTo(state.nPos - static_cast<int>(state.nPage));
+    case SB_PAGEDOWN:
+        return scrollTo(state.nPos + static_cast<int>(state.nPage));
+    case SB_TOP:
+        return scrollTo(state.nMin);
+    case SB_BOTTOM:
+        return scrollTo(state.nMax);
+    case SB_THUMBTRACK:
+    case SB_THUMBPOSITION:
+        return scrollTo(state.nTrackPos);
+    default:
+        return;
+    }
+}
+
+void panel_column::scrollByWheel(int delta)
+{
+    scrollTo(scrollState(m_owner.handle()).nPos - MulDiv(delta, 3 * m_owner.scaled(scroll_step), WHEEL_DELTA));
+}
+
+void panel_column::scrollTo(int position)
+{
+    SetScrollPos(m_owner.handle(), SB_VERT, position, TRUE); // limits the position to the range
+    layOut();
+}
+
+} // namespace korvane
