@@ -85,7 +85,7 @@ bool main_window::onCreated()
         m_ports.set_prompt_owner(handle());
     if (!m_ports.log_name.empty())
         m_ports.log.open(m_ports.log_name);
-    loadGameArchives(m_ports.config, m_ports.prompt, logPort());
+    loadGameArchives({m_ports.config, m_ports.config_path, m_ports.prompt, logPort()});
     showFirstRunNotice();
 
     log("assigning accelerators ");
@@ -293,7 +293,7 @@ bool main_window::openFile(const std::string& path)
 void main_window::rereadArchives()
 {
     const wait_cursor waiting;
-    if (!rereadGameArchives(m_ports.config, m_ports.prompt, logPort()))
+    if (!rereadGameArchives({m_ports.config, m_ports.config_path, m_ports.prompt, logPort()}))
         return;
     for (const open_error& error : m_document.reopen())
         m_ports.prompt.show(error.title, error.text, prompt_icon::error);

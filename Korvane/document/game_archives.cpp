@@ -1,6 +1,10 @@
 #include "Korvane/document/game_archives.h"
 
+#include "EASY_GUI/services/file_system.h"
 #include "Korvane/archives/pack_reader.h"
+
+#include <filesystem>
+#include <system_error>
 
 namespace korvane
 {
@@ -10,18 +14,28 @@ namespace
 constexpr const char* key = "data_paths";
 }
 
-bool loadGameArchives(const config_file& config, user_prompt& prompt, const log_line_port& log)
+bool loadGameArchives(const archive_ports& ports)
 {
-    log("Initializing virtual file system (.pack reading)...");
-    return pack_reader({prompt, log, {}}).loadAllArchives(config.get(key));
+    ports.log("Initializing virtual file system (.pack reading)...");
+    const pack_cache cache = pack_cache::of(ports.config, ports.config_path);
+    pack_reader reader({ports.prompt, ports.log, {}, &cache});
+    const bool is_loaded = reader.loadAllArchives(ports.config.get(key));
+    if (reader.hasWrittenCache() && pack_cache::recordIn(ports.config) && !ports.config.save(ports.config_path))
+        ports.log("the configuration could not be written: the cache of the archives is not recorded in it");
+    return is_loaded;
 }
 
-bool rereadGameArchives(const config_file& config, user_prompt& prompt, const log_line_port& log)
+bool rereadGameArchives(const archive_ports& ports)
 {
-    if (!config.get(key).empty())
-        return loadGameArchives(config, prompt, log);
-    prompt.show("Error!", "Setup up your games' \\data\\ folder in tools->setup game data folder first",
-                prompt_icon::error);
+    if (!ports.config.get(key).empty())
+    {
+        // Whoever asks for it distrusts what is known: the archives themselves are read, and a new cache is written.
+        std::error_code ignored;
+        std::filesystem::remove(toPath(pack_cache::of(ports.config, ports.config_path).path()), ignored);
+        return loadGameArchives(ports);
+    }
+    ports.prompt.show("Error!", "Setup up your games' \\data\\ folder in tools->setup game data folder first",
+                      prompt_icon::error);
     return false;
 }
 

@@ -14,12 +14,20 @@ namespace korvane
 
 using log_line_port = std::function<void(const std::string& line)>; // without the line's end
 
+struct archive_ports
+{
+    config_file& config;            // a new cache is recorded in it, and it is saved then
+    const std::string& config_path; // empty: "config.cfg" beside the program; the cache lies beside it
+    user_prompt& prompt;
+    log_line_port log;
+};
+
 // As at the start of the program: nothing is said when no folders are set, the program then runs on the disk alone.
-// False when nothing was indexed.
-bool loadGameArchives(const config_file& config, user_prompt& prompt, const log_line_port& log);
+// False when nothing was loaded.
+bool loadGameArchives(const archive_ports& ports);
 
 // As the person asked for it: all archives are dropped and read again. False, after a message, without folders (then
 // what was loaded stays) and when a folder holds no archive.
-[[nodiscard]] bool rereadGameArchives(const config_file& config, user_prompt& prompt, const log_line_port& log);
+[[nodiscard]] bool rereadGameArchives(const archive_ports& ports);
 
 } // namespace korvane

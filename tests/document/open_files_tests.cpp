@@ -50,11 +50,11 @@ protected:
     }
     bool rereadArchives()
     {
-        return rereadGameArchives(m_config, m_prompt,
-                                  [this](const std::string& line)
-                                  {
-                                      m_log.push_back(line);
-                                  });
+        return rereadGameArchives({m_config, m_config_path, m_prompt,
+                                   [this](const std::string& line)
+                                   {
+                                       m_log.push_back(line);
+                                   }});
     }
     void open(const std::string& path)
     {
@@ -64,6 +64,7 @@ protected:
 
     temporary_folder m_folder;
     config_file m_config;
+    std::string m_config_path = m_folder.file("config.cfg");
     recording_prompt m_prompt;
     std::vector<std::string> m_log;
     open_files m_files;
@@ -189,6 +190,26 @@ TEST_F(open_files_test, ReReadingBringsTheArchivesNewContent)
     EXPECT_EQ(errors[1].text.rfind("Loading .variantmeshdefintion failed.", 0), 0u) << errors[1].text;
     EXPECT_EQ(lodEntries(*m_files.model().data()).size(), 4u);
     EXPECT_EQ(m_files.definition().models().size(), 1u);
+}
+
+TEST_F(open_files_test, TheCacheIsRecordedAndAReReadDoesNotTrustIt)
+{
+    ASSERT_TRUE(reread({{"a", "1"}}));
+    EXPECT_EQ(m_config.get("packs_cache"), std::vector<std::string>{"packs.cache"});
+    config_file saved;
+    ASSERT_TRUE(saved.load(m_config_path));
+    EXPECT_TRUE(saved.contains("packs_cache", "packs.cache")) << "at once";
+
+    // Another path in an archive of the same size and time: only the archive itself can tell.
+    const auto time = std::filesystem::last_write_time(toPath(m_folder.file("a.pack")));
+    pack_file::sm_poPathTree = nullptr;
+    test_pack pack;
+    pack.entries = {{"b", "1"}};
+    write("a.pack", pack.bytes());
+    std::filesystem::last_write_time(toPath(m_folder.file("a.pack")), time);
+    ASSERT_TRUE(rereadArchives());
+    EXPECT_TRUE(pack_file::sm_poPathTree->find("b"));
+    EXPECT_FALSE(pack_file::sm_poPathTree->find("a"));
 }
 
 TEST_F(open_files_test, WithoutDataFoldersReReadingOnlySaysSo)
