@@ -128,9 +128,9 @@ std::unique_ptr<start_decoder> makeDecoder(std::span<const std::byte> data, std:
 {
     switch (data.size() >= 4 ? littleEndian<std::uint32_t>(data.data()) : 0)
     {
-    case 0xfd2fb528:
+    case zstd_frame_magic:
         return std::make_unique<zstd_start>();
-    case 0x184d2204:
+    case lz4_frame_magic:
         return std::make_unique<lz4_start>();
     default:
         return std::make_unique<lzma_start>(wanted);

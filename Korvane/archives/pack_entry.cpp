@@ -19,8 +19,6 @@ namespace korvane
 namespace
 {
 
-constexpr std::uint32_t zstd_magic = 0xfd2fb528;
-constexpr std::uint32_t lz4_magic = 0x184d2204;
 constexpr std::size_t lzma_properties_size = 5;
 
 // What one byte can unpack to at most, by the formats' own rules. Zstandard: a block takes four bytes or more and holds
@@ -130,14 +128,16 @@ bool unpackEntry(std::span<const std::byte> stored, memory_file& bytes, failure&
         return false;
     const auto data = stored.subspan(4);
     const std::uint32_t magic = data.size() >= 4 ? littleEndian<std::uint32_t>(data.data()) : 0;
-    const std::uint64_t ratio = magic == zstd_magic ? zstd_ratio : magic == lz4_magic ? lz4_ratio : lzma_ratio;
+    const std::uint64_t ratio = magic == zstd_frame_magic  ? zstd_ratio
+                                : magic == lz4_frame_magic ? lz4_ratio
+                                                           : lzma_ratio;
     if (!checkLength(size, std::min(limit, max_unpacked_size), data.size(), ratio, why))
         return false;
     memory_file unpacked(size);
     const std::span<std::byte> target = unpacked.mutableBytes();
-    const bool is_good = magic == zstd_magic  ? unpackZstd(data, target, why)
-                         : magic == lz4_magic ? unpackLz4(data, target, why)
-                                              : unpackLzma(data, target, why);
+    const bool is_good = magic == zstd_frame_magic  ? unpackZstd(data, target, why)
+                         : magic == lz4_frame_magic ? unpackLz4(data, target, why)
+                                                    : unpackLzma(data, target, why);
     if (is_good)
         bytes = std::move(unpacked);
     return is_good;

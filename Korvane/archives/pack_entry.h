@@ -19,6 +19,10 @@ namespace korvane
 // An entry that claims to unpack to more is refused.
 inline constexpr std::uint64_t max_unpacked_size = std::uint64_t{1} << 30;
 
+// What compressed data begins with; anything else is LZMA1.
+inline constexpr std::uint32_t zstd_frame_magic = 0xfd2fb528;
+inline constexpr std::uint32_t lz4_frame_magic = 0x184d2204;
+
 // Reads an entry whole. On failure bytes stays as it is; why.path is the internal path and names the archive. An entry
 // of more bytes than limit, as it is stored or unpacked, is refused before memory is taken for it.
 [[nodiscard]] bool readEntry(const pack_file_node& entry, memory_file& bytes, failure& why,

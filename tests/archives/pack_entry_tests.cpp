@@ -1,5 +1,8 @@
+#include "Korvane/archives/entry_start.h"
 #include "Korvane/archives/pack_entry.h"
-#include "tests/support/model_builder.h"
+#include "Korvane/archives/pack_file.h"
+#include "tests/support/pack_builder.h"
+#include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -151,6 +154,51 @@ TEST(pack_entry, damagedDataIsAnErrorOrTheRightNumberOfBytes)
             EXPECT_TRUE(is_good ? unpacked.size() == text.size() : !why.what.empty());
         }
     }
+}
+
+TEST(entry_start, isTheBeginningOfTheWholeEntry)
+{
+    const std::string text = contents();
+    std::string noise; // compresses to nearly its own size, so that more than one piece of it is read
+    for (std::uint64_t random = 1; noise.size() < 60000; random = random * 6364136223846793005u + 1442695040888963407u)
+        noise += static_cast<char>(random >> 56);
+    test::test_pack pack;
+    pack.magic = "PFH5";
+    for (const std::string& whole : {text, noise, std::string("abc"), std::string()})
+    {
+        pack.entries.push_back({"plain" + std::to_string(whole.size()), whole, 0});
+        for (const auto& compress : {zstd, lz4, lzma1})
+            pack.entries.push_back(
+                {std::to_string(pack.entries.size()) + "packed", withLength(whole.size(), compress(whole)), 1});
+    }
+    pack.entries.push_back({"damaged", withLength(1000, zstd(noise).substr(0, 500)), 1});
+    pack.entries.push_back({"too short", "abc", 1});
+    const test::temporary_folder folder;
+    test::writeBytes(folder.file("x.pack"), pack.bytes());
+    path_tree tree;
+    pack_file archive(tree);
+    failure why;
+    ASSERT_TRUE(archive.open(folder.file("x.pack"), why)) << describe(why);
+    archive.enter();
+    for (const pack_file_node& entry : tree.entries().front())
+        for (const std::size_t wanted : {std::size_t{0}, std::size_t{1}, std::size_t{64}, std::size_t{20000}})
+        {
+            std::vector<std::byte> start(wanted);
+            std::size_t count = 0;
+            failure problem;
+            memory_file whole;
+            if (!readEntry(entry, whole, problem))
+            {
+                EXPECT_TRUE(!readEntryStart(entry, start, count, problem) || wanted < 1000) << entry.internalPath();
+                EXPECT_NE(problem.path.find(entry.internalPath()), std::string::npos); // the start may be whole
+                continue;
+            }
+            ASSERT_TRUE(readEntryStart(entry, start, count, problem)) << describe(problem);
+            ASSERT_EQ(count, std::min(wanted, whole.size())) << entry.internalPath();
+            EXPECT_TRUE(
+                std::equal(start.begin(), start.begin() + static_cast<std::ptrdiff_t>(count), whole.bytes().begin()))
+                << entry.internalPath();
+        }
 }
 
 } // namespace korvane
