@@ -24,6 +24,18 @@ void nameThread(HANDLE thread, const wchar_t* name)
         set(thread, name);
 }
 
+struct open_on_exit
+{
+    render_gate& gate;
+    frame_pacer& pacer;
+
+    ~open_on_exit()
+    {
+        gate.open();
+        pacer.wake();
+    }
+};
+
 } // namespace
 
 render_worker::render_worker(lib3d::log_port log) : m_log(std::move(log)), m_scene(m_log) {}
@@ -105,9 +117,8 @@ void render_worker::changeScene(const std::function<void(model_scene&, ID3D11Dev
         while (!m_gate.waitClosed(gate_patience))
             m_pacer.wake();
     }
+    const open_on_exit reopened{m_gate, m_pacer}; // also when the change runs out of memory
     change(m_scene, m_library.device());
-    m_gate.open();
-    m_pacer.wake();
 }
 
 DWORD WINAPI render_worker::threadEntry(void* worker)

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <new>
 
 namespace korvane
 {
@@ -243,6 +244,31 @@ TEST_F(D3dWindow, ModelsAreReplacedWhileItDrawsAndWhileItIsHidden)
         {
             m_window->redraw();
         }));
+}
+
+TEST_F(D3dWindow, AModelThatCannotBeBuiltToItsEndLeavesAWorkingView)
+{
+    class no_memory : public texture_source
+    {
+    public:
+        std::optional<memory_file> read(const std::string&) const override { throw std::bad_alloc(); }
+    };
+    showSmall();
+    group_data group = test::squareGroup(1);
+    group.textures.emplace_back().path = "any.dds";
+    const auto model = std::make_shared<RMV2_FILE_DATA>(test::modelOf(std::move(group)));
+    EXPECT_THROW(m_window->setModel(model, "Z:/nowhere/c", 0, std::make_shared<no_memory>()), std::bad_alloc);
+    for (const char* path : {"Z:/nowhere/d", "Z:/nowhere/e"})
+    {
+        m_window->setModel(sphere(1), path);
+        settle();
+        EXPECT_TRUE(drawsAfter(
+            [this]
+            {
+                m_window->redraw();
+            }))
+            << path;
+    }
 }
 
 TEST_F(D3dWindow, ClosingHidesItAndDestructionIsQuick)
