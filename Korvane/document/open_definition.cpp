@@ -59,7 +59,7 @@ std::string open_definition::summary(const std::optional<drawn_models>& drawn) c
     if (failed > 0)
         text += "; " + std::to_string(failed) + " could not be opened";
     if (!problems().empty())
-        text += "; " + counted(problems().size(), "reference", "references") + " could not be followed";
+        text += (failed > 0 ? ", " : "; ") + counted(problems().size(), "reference", "references") + " not followed";
     return failed > 0 || !problems().empty() ? text + " (see log.txt)" : text;
 }
 
