@@ -52,6 +52,8 @@ public:
     static constexpr std::size_t max_nesting = 256;
     // A definition and all that it refers to have at most so many elements,
     static constexpr std::size_t max_tags = 65536;
+    // each of them at most so many attributes,
+    static constexpr std::size_t max_attributes = 256;
     // which take at most so many bytes of memory,
     static constexpr std::size_t max_tree_bytes = std::size_t{64} << 20;
     // and come out of texts with at most so many bytes. A text that is referred to twice is read once.

@@ -109,6 +109,10 @@ private:
         m_bytes += ownBytes(tag);
         for (const pugi::xml_attribute& attribute : node.attributes())
         {
+            if (tag.attributes.size() == variant_mesh_def::max_attributes)
+                return fail(node, why, "attributes",
+                            "an element has more than the " + std::to_string(variant_mesh_def::max_attributes) +
+                                " attributes that are allowed");
             tag.attributes.emplace_back(attribute.name(), attribute.value());
             const auto& [name, value] = tag.attributes.back();
             m_bytes += sizeof tag.attributes.front() + name.size() + value.size();
