@@ -76,6 +76,9 @@ bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, f
         return fail(why, failure_kind::unwritable,
                     path.empty() ? "no file name was given" : "this is a folder, not a file", path);
 
+    if (std::filesystem::exists(target, error) && !std::filesystem::is_regular_file(target, error))
+        return fail(why, failure_kind::unwritable, "this is a device or a pipe, not a file", path);
+
     // Beside the target, so that the rename stays on one volume; numbered, so that two writers do not meet.
     static std::atomic<unsigned> counter{0};
     std::filesystem::path temporary = target;

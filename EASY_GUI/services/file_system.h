@@ -25,7 +25,7 @@ namespace korvane
 [[nodiscard]] std::string existingPathAnyCase(const std::string& path);
 
 // Replaces the file at path by the bytes: written to a temporary file beside it, flushed to disk, then renamed over
-// it. On failure what stood there before still stands and the temporary file is gone.
+// it. On failure what stood there before still stands and the temporary file is gone. Devices and pipes are refused.
 // A replaceable file, one that can be made again and whose damage is noticed, is not flushed.
 enum class write_safety
 {

@@ -149,11 +149,17 @@ std::string terminalText(std::string_view bytes)
 {
     constexpr char digits[] = "0123456789abcdef";
     std::string text;
-    for (const char character : displayText(bytes))
+    const std::string shown = displayText(bytes);
+    for (std::size_t i = 0; i < shown.size(); ++i)
     {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte >= 0x20 && byte != 0x7f)
-            text += character;
+        auto byte = static_cast<unsigned char>(shown[i]);
+        // Of the second row of control characters, U+0080 to U+009F, the second byte names the character.
+        const bool is_second_row =
+            byte == 0xc2 && i + 1 < shown.size() && static_cast<unsigned char>(shown[i + 1]) < 0xa0;
+        if (is_second_row)
+            byte = static_cast<unsigned char>(shown[++i]);
+        if (byte >= 0x20 && byte != 0x7f && !is_second_row)
+            text += shown[i];
         else
             text += std::string("\\x") + digits[byte >> 4] + digits[byte & 15];
     }

@@ -1,5 +1,6 @@
 #include "Korvane/archives/game_file.h"
 
+#include "EASY_GUI/services/text.h"
 #include "Korvane/archives/pack_entry.h"
 #include "Korvane/archives/pack_file.h"
 
@@ -27,7 +28,10 @@ bool readGameFile(const std::string& path, memory_file& bytes, failure& why)
         return bytes.read(path, why);
     if (!pack_file::sm_poPathTree)
         return fail(why, failure_kind::not_found, "no archives are loaded", path);
-    const path_tree::node_pointer node = getNodeFromInternalPath(internalPathOf(path));
+    // First as a listing spells it: some archives have a '/' in a name.
+    const std::shared_ptr<const path_tree> tree = pack_file::sm_poPathTree;
+    const path_node* const stored = tree->findStored(toLower(internalPathOf(path)));
+    const path_node* const node = stored && stored->file() ? stored : tree->find(internalPathOf(path));
     if (!node || !node->file())
         return fail(why, failure_kind::not_found,
                     node ? "this is a folder of the archives, not a file" : "no archive holds this path", path);

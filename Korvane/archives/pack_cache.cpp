@@ -153,6 +153,14 @@ void writeEntries(const path_tree& tree, sink& out)
         }
 }
 
+// Folders may be given relative to the one that somebody works in.
+std::string absolutePath(const std::string& path)
+{
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(toPath(path), error);
+    return error ? path : toUtf8(absolute);
+}
+
 void writeText(byte_writer& out, std::string_view text)
 {
     out.u32(static_cast<std::uint32_t>(text.size() + 1));
@@ -169,7 +177,7 @@ std::vector<std::byte> listOf(const indexed_archives& indexed)
     {
         const archive_record* const archive =
             listing.damage.empty() ? indexed.tree->archives()[in_tree++].get() : nullptr;
-        writeText(out, listing.path);
+        writeText(out, absolutePath(listing.path));
         writeText(out, archive ? archive->format : "");
         writeText(out, listing.damage);
         out.u64(listing.size);
@@ -244,7 +252,8 @@ bool readList(std::span<const std::byte> bytes, const std::vector<std::string>& 
     for (const std::string& path : paths)
     {
         archive_listing listing;
-        listing.path = readText(in, "path");
+        const std::string recorded = readText(in, "path");
+        listing.path = path;
         auto archive = std::make_unique<archive_record>();
         archive->format = readText(in, "format");
         listing.damage = readText(in, "damage");
@@ -258,7 +267,7 @@ bool readList(std::span<const std::byte> bytes, const std::vector<std::string>& 
             listing.left_out.push_back(readText(in, "file left out"));
         if (!in.finish(why))
             return false;
-        if (listing.path != path)
+        if (recorded != absolutePath(path))
             return fail(why, failure_kind::refused, "it is of other archives");
         failure ignored;
         if (!archive->file.open(path, ignored) || archive->file.size() != listing.size ||
@@ -331,8 +340,29 @@ pack_cache pack_cache::of(const config_file& config, const std::string& config_p
     const std::filesystem::path folder =
         toPath(config_path.empty() ? config_file::defaultPath() : config_path).parent_path();
     const std::vector<std::string> recorded = config.get(config_key);
-    const std::string name = recorded.empty() ? std::string(file_name) : recorded.front();
+    const bool is_usable = !recorded.empty() && recorded.front().ends_with(".cache");
+    const std::string name = is_usable ? recorded.front() : std::string(file_name);
     return pack_cache(existingPathAnyCase(toUtf8(folder / toPath(name))));
+}
+
+bool pack_cache::mayReplace() const
+{
+    std::error_code error;
+    if (equalsIgnoringCase(fileName(m_path), file_name) || !std::filesystem::exists(toPath(m_path), error))
+        return true;
+    positioned_file file;
+    failure ignored;
+    std::array<std::byte, 4 + identification.size()> start;
+    if (!file.open(m_path, ignored))
+        return false;
+    return file.readAt(0, start) && std::memcmp(start.data() + 4, identification.data(), identification.size()) == 0;
+}
+
+void pack_cache::discard() const
+{
+    std::error_code ignored;
+    if (mayReplace())
+        std::filesystem::remove(toPath(m_path), ignored);
 }
 
 bool pack_cache::recordIn(config_file& config)
@@ -389,6 +419,8 @@ bool pack_cache::load(const std::vector<std::string>& archive_paths, indexed_arc
 
 bool pack_cache::write(const indexed_archives& indexed, failure& why) const
 {
+    if (!mayReplace())
+        return fail(why, failure_kind::refused, "there is a file of that name which is no cache", m_path);
     const path_tree& tree = *indexed.tree;
     const tree_image image(tree);
     if (!image.isPossible())

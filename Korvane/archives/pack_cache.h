@@ -26,6 +26,7 @@ struct archive_listing
     std::vector<std::string> left_out; // internal paths of its files that are not in the tree
     std::uint64_t size = 0;
     std::int64_t modification_time = 0;
+    bool is_certain = true; // false: it could not be read for a reason that may pass, so a cache must not say so
 };
 
 // What loading the archives gives, from themselves or from the cache.
@@ -44,7 +45,8 @@ public:
     static constexpr std::string_view config_key = "packs_cache"; // holds the file's name or path
     static constexpr std::string_view identification = "Korvane pack cache 1";
 
-    // The cache that the configuration records, else "packs.cache" beside it. An empty path is the default one.
+    // The cache that the configuration records (a name that ends in ".cache"), else "packs.cache" beside it. An empty
+    // path is the default one.
     [[nodiscard]] static pack_cache of(const config_file& config, const std::string& config_path);
     // Records the file in the configuration; true when that changed it, so that it wants to be saved.
     [[nodiscard]] static bool recordIn(config_file& config);
@@ -55,10 +57,15 @@ public:
     // stand for them; indexed then stays as it is.
     [[nodiscard]] bool load(const std::vector<std::string>& archive_paths, indexed_archives& indexed,
                             failure& why) const;
-    // Replaces the file.
+    // Replaces the file, unless what stands there is no cache.
     [[nodiscard]] bool write(const indexed_archives& indexed, failure& why) const;
 
+    // Deletes the file, if it is a cache.
+    void discard() const;
+
 private:
+    bool mayReplace() const;
+
     std::string m_path;
 };
 

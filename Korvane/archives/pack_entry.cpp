@@ -90,8 +90,11 @@ bool unpackLzma(std::span<const std::byte> data, std::span<std::byte> target, fa
     stream.next_out = reinterpret_cast<std::uint8_t*>(target.data());
     stream.avail_out = target.size();
     const lzma_ret result = lzma_code(&stream, LZMA_RUN);
+    // No size is stored and there need be no end mark: full is done, but for the few bytes with which a stream ends.
+    constexpr std::size_t longest_end = 32;
     if (stream.avail_out == 0)
-        return true; // no size is stored and there need be no end mark: full is done
+        return stream.avail_in <= longest_end ||
+               failUnpacking(why, "the LZMA data holds more bytes than the entry says");
     return failUnpacking(why, result == LZMA_DATA_ERROR
                                   ? "the LZMA data is damaged"
                                   : "the LZMA data holds " + std::to_string(target.size() - stream.avail_out) + " of " +

@@ -104,7 +104,14 @@ bool pack_file::readIndex(failure& why)
                           std::to_string(max_names) + " that an archive may have",
                       0, "archive name count");
     std::size_t position = 0;
-    return readBlock(static_cast<std::size_t>(wanted), why) && readNames(position, why) && readRecords(position, why);
+    return readBlock(static_cast<std::size_t>(m_header.names_size + largestIndex()), why) && readNames(position, why) &&
+           readRecords(position, why);
+}
+
+// What the records can take of the index: they have at most so many bytes each. An archive's header may claim more.
+std::uint64_t pack_file::largestIndex() const
+{
+    return std::min<std::uint64_t>(m_header.index_size, std::uint64_t{m_header.file_count} * (9 + max_path + 1));
 }
 
 // The first size bytes behind the header, in one block; a longer one replaces a shorter one.
@@ -137,7 +144,7 @@ bool pack_file::readNames(std::size_t& position, failure& why)
         m_archive_names.emplace_back(m_index.data() + position);
         position += m_archive_names.back().size() + 1;
     }
-    const std::uint64_t wanted = std::uint64_t{position} + m_header.index_size;
+    const std::uint64_t wanted = std::uint64_t{position} + largestIndex();
     if (wanted > 0xffffffffu)
         return failAt(why, failure_kind::malformed, "the file index runs past 4 GiB", position, "file index");
     if (wanted > m_index.size())

@@ -67,6 +67,7 @@ public:
     static std::shared_ptr<path_tree> sm_poPathTree;
 
 private:
+    std::uint64_t largestIndex() const;
     bool readIndex(failure& why);
     bool readBlock(std::size_t size, failure& why);
     bool readNames(std::size_t& position, failure& why);

@@ -5,16 +5,24 @@
 #include "Korvane/archives/pack_file.h"
 
 #include <algorithm>
-#include <exception>
+#include <new>
+#include <stdexcept>
 #include <utility>
 
 namespace korvane
 {
 
+std::string describeLeftOut(const archive_listing& archive, const std::string& path)
+{
+    return archive.path + " : left out, " +
+           (path.empty() ? "it has no name" : "its data is not inside the archive: " + terminalText(path));
+}
+
 bool pack_reader::loadAllArchives(const std::vector<std::string>& folders)
 {
     pack_file::sm_poPathTree = nullptr;
     m_archives.clear();
+    m_listings.clear();
     m_has_written_cache = false;
     if (folders.empty())
         return false;
@@ -29,7 +37,8 @@ bool pack_reader::loadAllArchives(const std::vector<std::string>& folders)
         writeCache(indexed);
     }
     pack_file::sm_poPathTree = std::move(indexed.tree);
-    report(indexed.archives);
+    m_listings = std::move(indexed.archives);
+    report(m_listings);
     return true;
 }
 
@@ -103,18 +112,23 @@ void pack_reader::indexArchives(indexed_archives& indexed) const
         {
             is_read = archive.open(path, why);
         }
-        catch (const std::exception& unknown_format)
+        catch (const std::bad_alloc&)
+        {
+            why = {failure_kind::unreadable, "there is not enough memory for its index", path, 0, ""};
+        }
+        catch (const std::runtime_error& unknown_format)
         {
             why = {failure_kind::unsupported, unknown_format.what(), path, 0, "magic"};
         }
         listing.size = archive.file().size();
         listing.modification_time = archive.file().modificationTime();
-        listing.left_out = archive.leftOut();
         if (!is_read)
         {
             listing.damage = describe(why);
+            listing.is_certain = why.kind != failure_kind::unreadable && why.kind != failure_kind::not_found;
             continue;
         }
+        listing.left_out = archive.leftOut();
         file_count += archive.entryCount();
         archives.push_back(std::move(archive));
     }
@@ -125,7 +139,12 @@ void pack_reader::indexArchives(indexed_archives& indexed) const
 
 void pack_reader::writeCache(const indexed_archives& indexed)
 {
-    if (!m_ports.cache)
+    const bool is_certain = std::all_of(indexed.archives.begin(), indexed.archives.end(),
+                                        [](const archive_listing& archive)
+                                        {
+                                            return archive.is_certain;
+                                        });
+    if (!m_ports.cache || !is_certain)
         return;
     failure why;
     m_has_written_cache = m_ports.cache->write(indexed, why);
@@ -142,7 +161,7 @@ void pack_reader::report(const std::vector<archive_listing>& archives) const
     for (const archive_listing& archive : archives)
     {
         for (const std::string& path : archive.left_out)
-            log("[PACK FILE] " + archive.path + " : left out, its data is not inside the archive: " + path);
+            log("[PACK FILE] " + describeLeftOut(archive, path));
         if (archive.damage.empty())
             continue;
         log("[PACK FILE] " + archive.damage);

@@ -28,6 +28,9 @@ struct load_ports
     const pack_cache* cache = nullptr; // null: the archives are always indexed
 };
 
+// What is said of a file that was left out: archive, reason, path.
+[[nodiscard]] std::string describeLeftOut(const archive_listing& archive, const std::string& path);
+
 class pack_reader
 {
 public:
@@ -37,6 +40,9 @@ public:
     // no folders, or one of them has no archive (then nothing is indexed). Archives that cannot be read are reported
     // and left out; that is no failure.
     [[nodiscard]] bool loadAllArchives(const std::vector<std::string>& folders);
+
+    // Every archive of the last load in its order, the damaged ones included.
+    const std::vector<archive_listing>& listings() const { return m_listings; }
 
     // Whether the cache was written, so that it wants to be recorded (pack_cache::recordIn).
     bool hasWrittenCache() const { return m_has_written_cache; }
@@ -54,6 +60,7 @@ private:
 
     load_ports m_ports;
     std::vector<std::string> m_archives; // paths on disk
+    std::vector<archive_listing> m_listings;
     bool m_has_written_cache = false;
 };
 

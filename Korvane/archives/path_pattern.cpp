@@ -23,7 +23,11 @@ bool isDeviceName(std::string_view component)
     const std::string stem = toLower(component.substr(0, component.find_first_of(". ")));
     if (stem == "con" || stem == "prn" || stem == "aux" || stem == "nul" || stem == "conin$" || stem == "conout$")
         return true;
-    return stem.size() == 4 && (stem.starts_with("com") || stem.starts_with("lpt")) && stem[3] >= '0' && stem[3] <= '9';
+    if (!stem.starts_with("com") && !stem.starts_with("lpt"))
+        return false;
+    const std::string_view number = std::string_view(stem).substr(3); // raised digits count as well
+    return (number.size() == 1 && number[0] >= '0' && number[0] <= '9') || number == "\xc2\xb9" ||
+           number == "\xc2\xb2" || number == "\xc2\xb3" || number == "\xb9" || number == "\xb2" || number == "\xb3";
 }
 
 std::string badComponent(std::string_view component)

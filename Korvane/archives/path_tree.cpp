@@ -225,6 +225,15 @@ const path_node* path_tree::find(std::string_view path) const
     return found->node != 0 ? &m_nodes[found->node] : nullptr;
 }
 
+const path_node* path_tree::findStored(std::string_view path) const
+{
+    // Into a place with readable bytes behind it.
+    const std::string copy = std::string(path) + std::string(readable_behind_paths, '\0');
+    const std::string_view stored = std::string_view(copy).substr(0, path.size());
+    const slot* const found = path.empty() ? nullptr : findSlot(stored, hashOf(stored));
+    return found && found->node != 0 ? &m_nodes[found->node] : nullptr;
+}
+
 std::vector<const path_node*> path_tree::children(const path_node& folder) const
 {
     std::vector<const path_node*> list;

@@ -107,6 +107,8 @@ public:
     node_pointer getNodeFromInternalPath(std::string_view path) const;
     // The same without sharing: valid as long as the caller holds the tree.
     const path_node* find(std::string_view path) const;
+    // The node of a path exactly as it is stored, where '/' is an ordinary character.
+    const path_node* findStored(std::string_view path) const;
 
     const path_node& root() const { return m_nodes.front(); }
     std::vector<const path_node*> children(const path_node& folder) const; // ordered by name

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <set>
 #include <unordered_map>
 
 namespace korvane
@@ -97,9 +98,14 @@ private:
             first = first->outer;
         if (!first)
             return false;
-        std::string circle = path;
-        for (const chain_link* link = &chain; link != first->outer; link = link->outer)
-            circle.insert(0, link->path + " -> ");
+        if (!m_circles.emplace(chain.path, path).second)
+            return true;
+        constexpr std::size_t shown = 6; // of a long circle: those next to where it closes
+        std::string circle = quotation(path);
+        std::size_t count = 0;
+        for (const chain_link* link = &chain; link != first->outer; link = link->outer, ++count)
+            if (count < shown || link == first)
+                circle.insert(0, quotation(link->path) + (count > shown ? " -> ... -> " : " -> "));
         problem("definitions refer to each other in a circle: " + circle);
         return true;
     }
@@ -115,6 +121,12 @@ private:
         const auto [place, is_new] = m_definitions.try_emplace(node->file());
         if (is_new)
             place->second = read(*node->file());
+        if (is_new && !place->second && ++m_unreadable == variant_mesh_def::max_unreadable)
+        {
+            problem("more than " + std::to_string(variant_mesh_def::max_unreadable) +
+                    " definitions cannot be read; the rest is left out");
+            m_is_full = true;
+        }
         return place->second ? &*place->second : nullptr;
     }
 
@@ -190,8 +202,10 @@ private:
     // Each definition is read once; those that cannot be read are without a value.
     std::unordered_map<const pack_file_node*, std::optional<definition>> m_definitions;
     std::size_t m_text_bytes;
+    std::size_t m_unreadable = 0;
     std::size_t m_tags = 0;
     std::size_t m_tree_bytes = 0;
+    std::set<std::pair<std::string, std::string>> m_circles; // that were told: from, to
     bool m_is_full = false;
     std::vector<std::string>& m_problems;
 };

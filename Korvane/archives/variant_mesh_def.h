@@ -58,6 +58,8 @@ public:
     static constexpr std::size_t max_tree_bytes = std::size_t{64} << 20;
     // and come out of texts with at most so many bytes. A text that is referred to twice is read once.
     static constexpr std::size_t max_text_bytes = std::size_t{8} << 20;
+    // So many of the texts that are referred to may be unreadable before no more are tried.
+    static constexpr std::size_t max_unreadable = 32;
     // So many lines of problems() at most; one more says that there are more.
     static constexpr std::size_t max_problems = 256;
 

@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace korvane
 {
@@ -51,7 +52,7 @@ hidden_archives hiddenCopies(const path_tree& tree)
     for (const std::span<const pack_file_node>& files : tree.entries())
         for (const pack_file_node& file : files)
         {
-            const path_node* const node = tree.find(file.internalPath());
+            const path_node* const node = tree.findStored(file.internalPath());
             if (node && node->file() && node->file() != &file)
                 hidden[node->file()].push_back(&file.archive());
         }
@@ -115,13 +116,19 @@ void extractOne(cli_context& context, const extract_options& options)
         context.fail(why);
 }
 
-bool extractBelow(const pack_file_node& file, const std::string& folder, failure& why)
+// Two stored paths may become one path on the disk; the first one keeps it.
+using written_paths = std::unordered_set<std::string>;
+
+bool extractBelow(const pack_file_node& file, const std::string& folder, written_paths& written, failure& why)
 {
     std::string reason;
     const std::optional<std::string> relative = relativeDiskPath(file.internalPath(), reason);
     if (!relative)
         return fail(why, failure_kind::refused, "refused: " + reason, std::string(file.internalPath()));
     const std::filesystem::path target = toPath(folder) / toPath(*relative);
+    if (!written.insert(toLower(toUtf8(target))).second)
+        return fail(why, failure_kind::refused, "refused: another file of the archives has the same path on the disk",
+                    std::string(file.internalPath()));
     std::error_code error;
     std::filesystem::create_directories(target.parent_path(), error);
     if (error)
@@ -138,12 +145,13 @@ void extractMatching(cli_context& context, const extract_options& options)
     if (!tree)
         return context.fail(why);
     std::size_t written = 0, failed = 0;
+    written_paths paths;
     for (const pack_file_node* file : tree->files())
     {
         if (!matchesPattern(file->internalPath(), options.pattern))
             continue;
         failure reason;
-        if (extractBelow(*file, options.output, reason))
+        if (extractBelow(*file, options.output, paths, reason))
             ++written;
         else
         {

@@ -85,6 +85,9 @@ std::shared_ptr<const path_tree> loadArchives(cli_context& context, failure& why
         return nullptr;
     }
     noteLines(context, messages.message);
+    for (const archive_listing& archive : reader.listings())
+        for (const std::string& path : archive.left_out)
+            context.note(displayText(describeLeftOut(archive, path)));
     if (reader.hasWrittenCache() && pack_cache::recordIn(config))
         static_cast<void>(config.save(context.config_path)); // the cache is found by its usual name as well
     return pack_file::sm_poPathTree;

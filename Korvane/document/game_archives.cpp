@@ -1,10 +1,6 @@
 #include "Korvane/document/game_archives.h"
 
-#include "EASY_GUI/services/file_system.h"
 #include "Korvane/archives/pack_reader.h"
-
-#include <filesystem>
-#include <system_error>
 
 namespace korvane
 {
@@ -30,8 +26,7 @@ bool rereadGameArchives(const archive_ports& ports)
     if (!ports.config.get(key).empty())
     {
         // Whoever asks for it distrusts what is known: the archives themselves are read, and a new cache is written.
-        std::error_code ignored;
-        std::filesystem::remove(toPath(pack_cache::of(ports.config, ports.config_path).path()), ignored);
+        pack_cache::of(ports.config, ports.config_path).discard();
         return loadGameArchives(ports);
     }
     ports.prompt.show("Error!", "Setup up your games' \\data\\ folder in tools->setup game data folder first",

@@ -256,6 +256,15 @@ TEST(pack_cache, itStandsBesideTheConfigurationWhichRecordsIt)
     EXPECT_EQ(config.get("PACKS_CACHE"), std::vector<std::string>{"packs.cache"});
     EXPECT_FALSE(pack_cache::recordIn(config));
     config.clear("packs_cache");
+    config.add("packs_cache", {"precious.txt"}, false); // no cache's name
+    EXPECT_EQ(pack_cache::of(config, config_path).path(), folder.path("packs.cache"));
+    test::writeBytes(folder.path("precious.cache"), "no cache, whatever its name says");
+    pack_cache(folder.path("precious.cache")).discard();
+    EXPECT_FALSE(loading(folder, nullptr).has_written);
+    const pack_cache precious(folder.path("precious.cache"));
+    EXPECT_FALSE(loading(folder, &precious).has_written);
+    EXPECT_EQ(test::readBytes(folder.path("precious.cache")), "no cache, whatever its name says");
+    config.clear("packs_cache");
     config.add("packs_cache", {"Other.CACHE"}, false);
     test::writeBytes(folder.path("Other.cache"), ""); // the configuration holds lower case
     const std::string found = pack_cache::of(config, config_path).path();

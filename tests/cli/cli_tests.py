@@ -338,6 +338,22 @@ class archives(cli_case):
         self.expect_failure(["list", "--data", self.path("nowhere")], 1, "findValidPakFiles")
 
 
+    def test_nothing_is_lost_without_a_word(self):
+        other = tempfile.mkdtemp(dir=self.folder)
+        self.pack(os.path.join(other, "x.pack"), [(b"one/two", b"1", 0), (b"one\\two", b"22", 0), (b"cut", b"3", 0)])
+        with open(os.path.join(other, "x.pack"), "r+b") as file:
+            file.truncate(os.path.getsize(file.name) - 1)
+        both = ["--data", self.folder, "--data", other]
+        code, out, err = korvane("list", "o*", *both, check=0)
+        self.assertEqual(out, b"one/two\none\\two\nonly\\a.txt\n")
+        self.assertIn(b"its data is not inside the archive: cut", err)
+        self.expect_failure(["extract", "--match", "one?two", "-o", self.path("out"), "--quiet"] + both, 1, "1 of 2")
+        korvane("extract", "one/two", "-o", self.path("two"), *both, check=0)
+        with open(self.path("two"), "rb") as file:
+            self.assertEqual(file.read(), b"1")  # as list spells it
+        if not is_windows:
+            self.expect_failure(["extract", "one/two", "-o", "/dev/full", "--quiet"] + both, 1, "device")
+
     def cached_entries(self):
         """What another program reads in the cache: the part that stands by itself."""
         with open(self.path("packs.cache"), "rb") as file:
