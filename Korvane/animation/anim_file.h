@@ -5,12 +5,13 @@
 // depths: a skeleton's bind pose, a whole animation, and a template, which ends before the frames.
 //
 // Space: the files are mirrored in X against the program. Translations of frames and of the bind pose have their x
-// negated, rotations (x, y, z, w) become (x, -y, -z, w). Static values stay as the file has them. Units: metres, seconds.
-// One thread at a time; what is read may then be read from any.
+// negated, rotations (x, y, z, w) become (x, -y, -z, w). Static values stay as the file has them. Units: metres,
+// seconds. One thread at a time; what is read may then be read from any.
 
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/memory_file.h"
 #include "EASY_GUI/services/user_prompt.h"
+#include "Korvane/animation/frame_vector.h"
 
 #include <glm/glm.hpp>
 #include <glm/gtc/quaternion.hpp>
@@ -47,7 +48,7 @@ struct anim_data
     std::vector<anim_bone> bones;
     std::vector<std::uint32_t> translation_map; // for each bone its track, or none: see hasTrack()
     std::vector<std::uint32_t> rotation_map;
-    std::vector<std::uint32_t> animated_translations; // bones, ascending; as many as a frame has translations
+    std::vector<std::uint32_t> animated_translations; // bones, ascending; at most as many as a frame has translations
     std::vector<std::uint32_t> animated_rotations;
     std::vector<glm::vec3> static_translations; // version 7, as the file has them
     std::vector<glm::quat> static_rotations;
@@ -55,8 +56,8 @@ struct anim_data
     std::uint32_t rotation_count = 0;    // (R)
     std::uint32_t frame_count = 0;       // (F)
     // Frame after frame: translation_count and rotation_count each; only after an animation was loaded.
-    std::vector<glm::vec3> translations;
-    std::vector<glm::quat> rotations;
+    frame_vector<glm::vec3> translations;
+    frame_vector<glm::quat> rotations;
     std::vector<std::uint64_t> first_bone_offsets; // where bone 0's translation begins in the file, for each frame
 
     std::span<const glm::vec3> frameTranslations(std::size_t frame) const
@@ -69,16 +70,26 @@ struct anim_data
     }
 };
 
+// How much of a file is read.
+enum class anim_depth
+{
+    skeleton,  // header, bones, maps and the first frame, as bind pose
+    animation, // header, bones, maps, static values and all frames
+    bones_only // header, bones, maps and static values: a template
+};
+
 // True for a map entry that names a track: not 0xffffffff, and below 9000 as a signed number.
 [[nodiscard]] constexpr bool hasTrack(std::uint32_t map_entry)
 {
     return map_entry != 0xffffffffu && static_cast<std::int32_t>(map_entry) < 9000;
 }
 
-// Roll, pitch, yaw of a rotation in degrees: computed in double, kept as float.
+// Roll, pitch, yaw of a rotation in degrees: computed in double, kept as float. Straight up and down is a pitch of 90
+// and -90 degrees, whatever the rotation's length.
 [[nodiscard]] glm::vec3 eulerDegrees(const glm::quat& rotation);
 
 // The frames of a take: frame_rate * end_time + 1, truncated; a product within 1e-6 of the next whole number is that.
+// 0 for products below -1 and for what is no number; never more than a u32 holds.
 [[nodiscard]] std::uint32_t frameCount(double frame_rate, double end_time_seconds);
 
 class anim_file
@@ -86,19 +97,24 @@ class anim_file
 public:
     static constexpr std::size_t max_bones = 256;
     static constexpr std::size_t max_name = 256; // bytes of a bone's name
+    // Frames without any track take no bytes, so that their number says nothing about the file.
+    static constexpr std::uint32_t max_trackless_frames = 65536;
 
     // Boxes that a person must see ("Fatal Error!") go to the prompt, which outlives the file.
     explicit anim_file(user_prompt& prompt) : m_prompt(prompt) {}
 
-    // For loads with an empty path: the bytes of an archive's entry, and its name for messages.
+    // For loads with an empty path: the bytes of an archive's entry, and its name for messages. They serve any number
+    // of loads, until one of them fails, or reset().
     void openFromMemory(memory_file bytes, std::string name);
 
     // Each reads the file at a UTF-8 path, or with an empty path what openFromMemory() took. False, with the reason and
-    // nothing kept, when the file is missing, too short, or not one of version 5 or 7. A missing file and one with more
-    // than max_bones bones or a longer name than max_name are told to the prompt as well.
+    // nothing kept, when the file is missing or does not fit its own numbers (docs/formats/anim.md, "Limits"): that the
+    // prompt is told as well. False without a word to the prompt when it is not one of version 5 or 7.
+    // A skeleton of version 7 must not have static values.
     [[nodiscard]] bool loadSkeleton(const std::string& path, failure& why);
     [[nodiscard]] bool loadAnimation(const std::string& path, failure& why);
     [[nodiscard]] bool loadTemplate(const std::string& path, failure& why);
+    // Forgets what was loaded and what openFromMemory() took.
     void reset();
 
     const anim_data& data() const { return m_data; }
@@ -110,6 +126,8 @@ public:
     [[nodiscard]] static bool readHeaderName(std::span<const std::byte> start, std::string& name, failure& why);
 
 private:
+    bool load(const std::string& path, anim_depth depth, failure& why);
+
     user_prompt& m_prompt;
     memory_file m_bytes;
     std::string m_memory_name;
