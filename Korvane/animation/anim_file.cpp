@@ -77,7 +77,10 @@ bool anim_file::readHeaderName(std::span<const std::byte> start, std::string& na
     if (!readAnimName(start, version, found, why))
         return false;
     if (version != 5 && version != 7)
+    {
+        why.field = why ? why.field : "version";
         return fail(why, failure_kind::unsupported, "version " + std::to_string(version) + " instead of 5 or 7");
+    }
     name = std::move(found);
     return true;
 }
