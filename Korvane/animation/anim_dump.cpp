@@ -74,8 +74,13 @@ std::string animDump(const anim_data& animation, const anim_origin& origin, std:
     line("frame_count: " + std::to_string(animation.frame_count));
     line("");
     line("rotation_dump:");
-    const bool has_frames = animation.rotations.size() == std::size_t{animation.frame_count} * animation.rotation_count;
-    for (std::size_t frame = 0; has_frames && frame < animation.frame_count; ++frame)
+    // A template has no frames, although it may speak of billions.
+    const std::size_t frames = animation.frame_count;
+    const bool has_tracks = animation.rotation_count > 0 || animation.translation_count > 0;
+    const bool has_frames = animation.rotations.size() == frames * animation.rotation_count &&
+                            animation.translations.size() == frames * animation.translation_count &&
+                            (has_tracks || frames <= anim_file::max_trackless_frames);
+    for (std::size_t frame = 0; has_frames && frame < frames; ++frame)
     {
         line("");
         line("");

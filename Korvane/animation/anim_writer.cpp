@@ -68,7 +68,7 @@ public:
     anim_writer(const anim_output& output, std::uint32_t version) : m_source(output), m_version(version) {}
 
     bool check(failure& why) const;
-    std::span<const std::byte> write();
+    std::vector<std::byte> write();
 
 private:
     bool checkTake(failure& why) const;
@@ -138,7 +138,7 @@ bool anim_writer::checkTake(failure& why) const
     return true;
 }
 
-std::span<const std::byte> anim_writer::write()
+std::vector<std::byte> anim_writer::write()
 {
     writeHeader();
     if (m_source.is_single_pose)
@@ -152,7 +152,7 @@ std::span<const std::byte> anim_writer::write()
         writeFrame(frame);
     if (m_source.is_single_pose)
         writeFrame(m_source.frames.front());
-    return m_out.view();
+    return m_out.take();
 }
 
 void anim_writer::writeHeader()
@@ -267,12 +267,21 @@ void anim_writer::writeFrame(const anim_output::frame& frame)
 
 } // namespace
 
+bool makeAnim(const anim_output& output, std::uint32_t version, std::vector<std::byte>& bytes, failure& why)
+{
+    anim_writer writer(output, version);
+    if (!writer.check(why))
+        return false;
+    bytes = writer.write();
+    return true;
+}
+
 bool writeAnim(const anim_output& output, std::uint32_t version, const std::string& path, user_prompt& prompt,
                failure& why)
 {
     failure found;
-    anim_writer writer(output, version);
-    if (writer.check(found) && writeWholeFile(path, writer.write(), found))
+    std::vector<std::byte> bytes;
+    if (makeAnim(output, version, bytes, found) && writeWholeFile(path, bytes, found))
         return true;
     if (found.kind != failure_kind::refused)
         prompt.show("Save Error!", "Cannot create: " + path, prompt_icon::error);

@@ -12,6 +12,7 @@
 #include <glm/glm.hpp>
 #include <glm/gtc/quaternion.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -47,8 +48,12 @@ struct anim_output
     bool is_single_pose = false;
 };
 
-// Writes the file at a UTF-8 path, of version 5 or 7. False when it cannot be written, which the prompt is told ("Save
-// Error!"), or when the output contradicts itself or a limit of the format, which it is not.
+// The bytes of a file of version 5 or 7. False when the output contradicts itself or a limit of the format.
+[[nodiscard]] bool makeAnim(const anim_output& output, std::uint32_t version, std::vector<std::byte>& bytes,
+                            failure& why);
+
+// Writes them to a UTF-8 path. False when it cannot be written, which the prompt is told ("Save
+// Error!"), or when they cannot be made, which it is not.
 [[nodiscard]] bool writeAnim(const anim_output& output, std::uint32_t version, const std::string& path,
                              user_prompt& prompt, failure& why);
 
