@@ -11,7 +11,9 @@
 namespace korvane
 {
 
+void addAnimInfoCommand(CLI::App& anim, cli_context& context);
 void addAnimSampleCommand(CLI::App& anim, cli_context& context);
+void addAnimFileCommands(CLI::App& anim, cli_context& context); // dump, bone-table, search
 
 // The .anim file that an operand names, on the disk or with "pack:" in the archives, loaded that deep; null, and the
 // reason, when that fails.
