@@ -99,8 +99,8 @@ void copyTake(benchmark::State& state)
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(decoded_size));
 }
 
-BENCHMARK(loadTake)->Unit(benchmark::kMillisecond)->Iterations(20);
-BENCHMARK(copyTake)->Unit(benchmark::kMillisecond)->Iterations(20);
+BENCHMARK(loadTake)->Unit(benchmark::kMillisecond)->Iterations(50);
+BENCHMARK(copyTake)->Unit(benchmark::kMillisecond)->Iterations(50);
 
 } // namespace
 

@@ -135,9 +135,9 @@ void searchInSteps(benchmark::State& state)
     }
 }
 
-BENCHMARK(rawReads)->Unit(benchmark::kMillisecond)->Iterations(20);
-BENCHMARK(searchAll)->Unit(benchmark::kMillisecond)->Iterations(20);
-BENCHMARK(searchInSteps)->Unit(benchmark::kMillisecond)->Iterations(20);
+BENCHMARK(rawReads)->Unit(benchmark::kMillisecond)->Iterations(50);
+BENCHMARK(searchAll)->Unit(benchmark::kMillisecond)->Iterations(50);
+BENCHMARK(searchInSteps)->Unit(benchmark::kMillisecond)->Iterations(50);
 
 } // namespace
 
