@@ -23,22 +23,37 @@ std::string oneLine(std::string text)
     return text;
 }
 
+bool hasCommand(const CLI::App& app, const std::string& name)
+{
+    const auto isNamed = [&name](const CLI::App* command)
+    {
+        return command->get_name() == name;
+    };
+    return !app.get_subcommands(isNamed).empty();
+}
+
 // The library only says that a command is missing where an unknown one stands.
 std::string whatIsWrong(const CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& arguments)
 {
-    const auto isCommand = [&app](const std::string& name)
+    const CLI::App* last = &app; // of the commands that were understood
+    std::string before;
+    while (!last->get_subcommands().empty())
     {
-        return !app.get_subcommands(
-                       [&name](const CLI::App* command)
-                       {
-                           return command->get_name() == name;
-                       })
-                    .empty();
+        last = last->get_subcommands().front();
+        before += last->get_name() + " ";
+    }
+    const auto isAny = [](const CLI::App*)
+    {
+        return true;
     };
-    if (app.get_subcommands().empty())
-        for (const std::string& argument : arguments)
-            if (!argument.starts_with('-') && !isCommand(argument))
-                return "there is no command \"" + oneLine(argument) + "\"";
+    if (last->get_subcommands(isAny).empty()) // it takes no command
+        return oneLine(error.what());
+    auto argument = arguments.begin();
+    if (last != &app)
+        argument = std::find(arguments.begin(), arguments.end(), last->get_name());
+    for (; argument != arguments.end(); ++argument)
+        if (!argument->starts_with('-') && !hasCommand(*last, *argument) && !hasCommand(app, *argument))
+            return "there is no command \"" + before + oneLine(*argument) + "\"";
     return oneLine(error.what());
 }
 
@@ -66,6 +81,7 @@ int run(const std::vector<std::string>& arguments)
     addInfoCommand(app, context);
     addArchiveCommands(app, context);
     addVariantCommand(app, context);
+    addAnimCommands(app, context);
     addConfigCommand(app, context);
 #ifdef _WIN32
     addRenderCommand(app, context);

@@ -1,0 +1,142 @@
+// anim dump, bone-table, search: texts made of an animation, and which files belong to a skeleton.
+
+#include "Korvane/cli/anim_commands.h"
+
+#include "EASY_GUI/services/text.h"
+#include "Korvane/animation/anim_dump.h"
+#include "Korvane/animation/anim_search.h"
+#include "Korvane/animation/bone_table.h"
+#include "Korvane/cli/game_files.h"
+
+namespace korvane
+{
+
+namespace
+{
+
+struct output_options
+{
+    std::string anim;
+    std::string output;
+};
+
+// Where an operand comes from. The archives are loaded by now when it names one of their files.
+anim_origin originOf(cli_context& context, const std::string& operand)
+{
+    constexpr std::string_view pack_prefix = "pack:";
+    if (!operand.starts_with(pack_prefix))
+        return {"", operand};
+    failure why;
+    const std::shared_ptr<const path_tree> tree = loadArchives(context, why);
+    const path_node* const node = tree ? tree->find(std::string_view(operand).substr(pack_prefix.size())) : nullptr;
+    if (!node || !node->file())
+        return {"", operand};
+    return {node->file()->archive().name, std::string(node->file()->internalPath())};
+}
+
+void runDump(cli_context& context, const output_options& options)
+{
+    failure why;
+    const auto data = loadAnim(context, options.anim, anim_depth::animation, why);
+    if (!data || !writeAnimDump(*data, originOf(context, options.anim), options.output, why))
+        context.fail(why);
+}
+
+void runBoneTable(cli_context& context, const output_options& options)
+{
+    failure why;
+    const auto data = loadAnim(context, options.anim, anim_depth::bones_only, why);
+    if (!data || !writeBoneTable(*data, options.output, why))
+        context.fail(why);
+}
+
+bool isOverridden(const path_tree& tree, const pack_file_node& entry)
+{
+    const path_node* const winner = tree.find(entry.internalPath());
+    return winner && winner->file() != &entry;
+}
+
+json entriesJson(const path_tree& tree, const entry_list& entries)
+{
+    json list = json::array();
+    for (const pack_file_node* entry : entries)
+        list.push_back({{"path", displayText(entry->internalPath())},
+                        {"archive", displayText(entry->packPath())},
+                        {"overridden", isOverridden(tree, *entry)}});
+    return list;
+}
+
+std::string entriesText(const path_tree& tree, const std::string& title, const entry_list& entries)
+{
+    std::size_t width = 0;
+    for (const pack_file_node* entry : entries)
+        width = std::max(width, terminalText(entry->internalPath()).size());
+    std::string text = title + ": " + std::to_string(entries.size()) + "\n";
+    for (const pack_file_node* entry : entries)
+    {
+        std::string path = terminalText(entry->internalPath());
+        path.resize(width, ' ');
+        text += "  " + path + "  " + terminalText(entry->archive().name) +
+                (isOverridden(tree, *entry) ? "  (overridden)" : "") + "\n";
+    }
+    return text;
+}
+
+void runSearch(cli_context& context, const std::string& skeleton_id)
+{
+    failure why;
+    const std::shared_ptr<const path_tree> tree = loadArchives(context, why);
+    if (!tree)
+        return context.fail(why);
+    entry_list animations;
+    const entry_list candidates = animationCandidates(*tree);
+    context.progress("reading the headers of " + std::to_string(candidates.size()) + " animations");
+    if (!findAnimations(candidates, skeleton_id, animations, why))
+        return context.fail(why);
+    const entry_list skeletons = findSkeletons(*tree, skeleton_id);
+    if (context.is_json)
+        return context.printJson(
+            {{"skeletons", entriesJson(*tree, skeletons)}, {"animations", entriesJson(*tree, animations)}});
+    context.print(
+        entriesText(*tree, skeletons.size() > 1 ? "skeletons, the first one is loaded" : "skeletons", skeletons) +
+        entriesText(*tree, "animations", animations));
+}
+
+void addOutputCommand(CLI::App& anim, cli_context& context, const std::string& name, const std::string& about,
+                      void (*run)(cli_context&, const output_options&))
+{
+    const auto options = std::make_shared<output_options>();
+    CLI::App* command = anim.add_subcommand(name, about);
+    command->add_option("ANIM", options->anim, "The file: a path on disk, or pack: and an internal path")
+        ->required()
+        ->check(notEmpty());
+    command->add_option("-o", options->output, "The file to write")->type_name("FILE")->required()->check(notEmpty());
+    command->callback(
+        [options, run, &context]
+        {
+            run(context, *options);
+        });
+}
+
+} // namespace
+
+void addAnimFileCommands(CLI::App& anim, cli_context& context)
+{
+    addOutputCommand(anim, context, "dump", "Write an animation's rotations, frame by frame, as text", runDump);
+    addOutputCommand(anim, context, "bone-table", "Write the kind and the order of every bone as text", runBoneTable);
+
+    const auto skeleton_id = std::make_shared<std::string>();
+    CLI::App* search =
+        anim.add_subcommand("search", "The archives' files for a skeleton and the animations made for it");
+    search->add_option("SKELETON_ID", *skeleton_id, "The skeleton's name, as models and animations spell it")
+        ->required()
+        ->check(notEmpty());
+    context.addJsonOption(*search);
+    search->callback(
+        [skeleton_id, &context]
+        {
+            runSearch(context, *skeleton_id);
+        });
+}
+
+} // namespace korvane

@@ -1,0 +1,153 @@
+// Finding the animations of a skeleton among 50,000 in 50 archives against a raw loop of positioned reads of their
+// headers, in the same run (at most 2 times). The last line is the ratio.
+
+#include "Korvane/animation/anim_search.h"
+#include "EASY_GUI/services/positioned_file.h"
+#include "Korvane/archives/pack_file.h"
+#include "tests/support/anim_builder.h"
+#include "tests/support/pack_builder.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using namespace korvane;
+using clock_type = std::chrono::steady_clock;
+
+constexpr std::size_t archive_count = 50;
+constexpr std::size_t animations_per_archive = 1000;
+constexpr std::size_t header_size = 32; // version to the bone count
+
+struct figures // the best of each, in seconds
+{
+    double raw = 1e9, search = 1e9, steps = 1e9;
+} best;
+
+void keep(double& least, const clock_type::time_point& begin)
+{
+    least = std::min(least, std::chrono::duration<double>(clock_type::now() - begin).count());
+}
+
+void require(bool is_right)
+{
+    if (!is_right)
+        std::abort();
+}
+
+class anim_corpus
+{
+public:
+    anim_corpus() : m_folder(std::filesystem::temp_directory_path() / "korvane_bench_anims")
+    {
+        std::filesystem::create_directories(m_folder);
+        test::test_anim source;
+        source.frame_count = 60; // some kilobytes each, as short animations have
+        source.frames.assign(source.frame_count, source.frames[0]);
+        for (std::size_t i = 0; i < archive_count; ++i)
+        {
+            test::test_pack pack;
+            for (std::size_t k = 0; k < animations_per_archive; ++k)
+            {
+                source.skeleton_name = k % 10 == 0 ? "humanoid01" : "humanoid02";
+                pack.entries.push_back(
+                    {"animations\\battle\\unit_" + std::to_string(i) + "\\walk_" + std::to_string(k) + ".anim",
+                     source.bytes()});
+            }
+            const std::string path = (m_folder / ("data_" + std::to_string(i) + ".pack")).string();
+            std::ofstream(path, std::ios::binary) << pack.bytes();
+            pack_file archive(*m_tree);
+            failure why;
+            require(archive.open(path, why));
+            archive.enter();
+        }
+    }
+    ~anim_corpus() { std::filesystem::remove_all(m_folder); }
+
+    const std::shared_ptr<path_tree>& tree() const { return m_tree; }
+
+private:
+    std::filesystem::path m_folder;
+    std::shared_ptr<path_tree> m_tree = std::make_shared<path_tree>();
+};
+
+const anim_corpus* corpus = nullptr;
+
+void rawReads(benchmark::State& state)
+{
+    struct place
+    {
+        const positioned_file* file;
+        std::uint64_t offset;
+    };
+    std::vector<place> places;
+    for (const auto& entries : corpus->tree()->entries())
+        for (const pack_file_node& entry : entries)
+            places.push_back({&entry.archive().file, entry.offset()});
+    require(places.size() == archive_count * animations_per_archive);
+    for (auto _ : state)
+    {
+        const auto begin = clock_type::now();
+        std::array<std::byte, header_size> header;
+        for (const place& at : places)
+        {
+            require(at.file->readAt(at.offset, header));
+            benchmark::DoNotOptimize(header.data());
+        }
+        keep(best.raw, begin);
+    }
+}
+
+void searchAll(benchmark::State& state)
+{
+    for (auto _ : state)
+    {
+        const auto begin = clock_type::now();
+        entry_list found;
+        failure why;
+        require(findAnimations(animationCandidates(*corpus->tree()), "humanoid01", found, why));
+        keep(best.search, begin);
+        require(found.size() == archive_count * animations_per_archive / 10);
+    }
+}
+
+void searchInSteps(benchmark::State& state)
+{
+    for (auto _ : state)
+    {
+        const auto begin = clock_type::now();
+        compatible_search search(corpus->tree(), "humanoid01");
+        while (search.step())
+        {
+        }
+        keep(best.steps, begin);
+        require(search.matches().size() == archive_count * animations_per_archive / 10);
+    }
+}
+
+BENCHMARK(rawReads)->Unit(benchmark::kMillisecond)->Iterations(50);
+BENCHMARK(searchAll)->Unit(benchmark::kMillisecond)->Iterations(50);
+BENCHMARK(searchInSteps)->Unit(benchmark::kMillisecond)->Iterations(50);
+
+} // namespace
+
+int main(int count, char** values)
+{
+    benchmark::Initialize(&count, values);
+    const anim_corpus made;
+    corpus = &made;
+    benchmark::RunSpecifiedBenchmarks();
+    std::printf("search / raw reads = %.2f (%.1f ms), in steps on one core %.2f\n", best.search / best.raw,
+                best.search * 1e3, best.steps / best.raw);
+    return 0;
+}
