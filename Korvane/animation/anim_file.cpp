@@ -2,6 +2,7 @@
 
 #include "Korvane/animation/anim_reader.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -34,14 +35,14 @@ bool anim_file::load(const std::string& path, anim_depth depth, failure& why)
 {
     m_path.clear();
     m_data = {};
-    memory_file from_disk;
+    positioned_file file;
     failure found;
-    if (!path.empty() && !from_disk.read(path, found))
+    if (!path.empty() && !file.open(path, found))
         m_prompt.show("Fatal Error!", "File: " + path + " is missing", prompt_icon::error);
     else
     {
         const std::string& name = path.empty() ? m_memory_name : path;
-        if (readAnim(path.empty() ? m_bytes.bytes() : from_disk.bytes(), depth, m_data, found))
+        if (path.empty() ? readAnim({m_bytes.bytes()}, depth, m_data, found) : readFile(file, depth, found))
         {
             m_path = name;
             return true;
@@ -53,6 +54,30 @@ bool anim_file::load(const std::string& path, anim_depth depth, failure& why)
     reset();
     if (!why)
         why = std::move(found);
+    return false;
+}
+
+// What comes before the frames fits into the first bytes of a sane file. Frames are decoded piece by piece as they come
+// from the disk, for memory of the file's size takes as long to get as to decode.
+bool anim_file::readFile(const positioned_file& file, anim_depth depth, failure& why)
+{
+    constexpr std::uint64_t start_size = 1u << 20;
+    for (const std::uint64_t wanted : {start_size, file.size()}) // a damaged file is read whole for a true reason
+    {
+        memory_file start(static_cast<std::size_t>(std::min(wanted, file.size())));
+        if (!file.readAt(0, start.mutableBytes()))
+            return fail(why, failure_kind::unreadable, "the file cannot be read");
+        const bool is_whole = start.size() == file.size();
+        failure found;
+        m_data = {};
+        if (readAnim({start.bytes(), is_whole ? nullptr : &file}, depth, m_data, found))
+            return true;
+        if (is_whole || isUnknownVersion(found))
+        {
+            why = std::move(found);
+            return false;
+        }
+    }
     return false;
 }
 

@@ -10,6 +10,7 @@
 
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/memory_file.h"
+#include "EASY_GUI/services/positioned_file.h"
 #include "EASY_GUI/services/user_prompt.h"
 #include "Korvane/animation/frame_vector.h"
 
@@ -127,6 +128,7 @@ public:
 
 private:
     bool load(const std::string& path, anim_depth depth, failure& why);
+    bool readFile(const positioned_file& file, anim_depth depth, failure& why);
 
     user_prompt& m_prompt;
     memory_file m_bytes;

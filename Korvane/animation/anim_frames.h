@@ -2,6 +2,9 @@
 
 // The numbers of frames as files hold them: translations of 3 f32, rotations of 4 i16, mirrored in X.
 
+#include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/positioned_file.h"
+
 #include <glm/glm.hpp>
 #include <glm/gtc/quaternion.hpp>
 
@@ -30,8 +33,17 @@ enum class anim_space
 void decodeTranslations(std::span<const std::byte> bytes, anim_space space, std::span<glm::vec3> targets);
 void decodeRotations(std::span<const std::byte> bytes, anim_space space, std::span<glm::quat> targets);
 
-// Decodes the frames of data, whose counts say how many: bytes holds exactly those. offset is where they begin in the
-// file. Large ones keep several threads busy.
-void decodeFrames(std::span<const std::byte> bytes, std::uint64_t offset, anim_data& data);
+// A file's bytes: all of them, or those of its beginning while the rest is still on the disk.
+struct anim_source
+{
+    std::span<const std::byte> start;
+    const positioned_file* file = nullptr; // null: start is everything
+
+    std::uint64_t size() const { return file ? file->size() : start.size(); }
+};
+
+// Decodes the frames of data, whose counts say how many; they begin at offset, and the source has them all. Large ones
+// keep several threads busy. False when the file cannot be read.
+[[nodiscard]] bool decodeFrames(const anim_source& source, std::uint64_t offset, anim_data& data, failure& why);
 
 } // namespace korvane

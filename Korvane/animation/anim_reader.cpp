@@ -1,7 +1,6 @@
 #include "Korvane/animation/anim_reader.h"
 
 #include "EASY_GUI/services/byte_reader.h"
-#include "Korvane/animation/anim_frames.h"
 
 #include <string_view>
 #include <utility>
@@ -29,8 +28,9 @@ std::string shortText(byte_reader& in, std::string_view length_field, std::strin
 class anim_reader
 {
 public:
-    anim_reader(std::span<const std::byte> bytes, anim_depth depth, anim_data& data)
-        : m_in(bytes)
+    anim_reader(const anim_source& source, anim_depth depth, anim_data& data)
+        : m_in(source.start)
+        , m_source(source)
         , m_depth(depth)
         , m_data(data)
     {
@@ -48,8 +48,10 @@ public:
         if (m_in.ok() && m_depth == anim_depth::skeleton)
             readBindPose();
         if (m_in.ok() && m_depth == anim_depth::animation)
-            readFrames();
-        return m_in.finish(why);
+            checkFrames();
+        if (!m_in.finish(why))
+            return false;
+        return m_depth != anim_depth::animation || decodeFrames(m_source, m_in.position(), m_data, why);
     }
 
 private:
@@ -61,9 +63,11 @@ private:
     void readCounts();
     void listTracks(const std::vector<std::uint32_t>& map, std::uint32_t count, std::vector<std::uint32_t>& bones);
     void readBindPose();
-    void readFrames();
+    void checkFrames();
+    std::uint64_t left() const { return m_source.size() - m_in.position(); } // in the whole file
 
     byte_reader m_in;
+    anim_source m_source;
     anim_depth m_depth;
     anim_data& m_data;
 };
@@ -185,7 +189,7 @@ bool anim_reader::hasStaticBlockBehindCounts() const
     const std::uint64_t frame_bytes = translations * anim_bytes::translation + rotations * anim_bytes::rotation;
     return static_translations * anim_bytes::translation + static_rotations * anim_bytes::rotation +
                frames * frame_bytes ==
-           in.left();
+           m_source.size() - in.position();
 }
 
 void anim_reader::readCounts()
@@ -234,7 +238,7 @@ void anim_reader::readBindPose()
         m_data.bones[i].rotation = rotations[i];
 }
 
-void anim_reader::readFrames()
+void anim_reader::checkFrames()
 {
     const std::uint64_t frame_bytes =
         m_data.translation_count * anim_bytes::translation + m_data.rotation_count * anim_bytes::rotation;
@@ -243,22 +247,18 @@ void anim_reader::readFrames()
                   std::to_string(m_data.frame_count) + " frames without any track, but at most " +
                       std::to_string(anim_file::max_trackless_frames) + " are possible",
                   "frame count");
-    else if (frame_bytes != 0 && !m_in.fits(m_data.frame_count, frame_bytes))
+    else if (frame_bytes != 0 && m_data.frame_count > left() / frame_bytes)
         m_in.fail(failure_kind::truncated,
                   std::to_string(m_data.frame_count) + " frames of " + std::to_string(frame_bytes) +
-                      " bytes do not fit into the " + std::to_string(m_in.left()) + " bytes that are left",
+                      " bytes do not fit into the " + std::to_string(left()) + " bytes that are left",
                   "frame count");
-    if (!m_in.ok())
-        return;
-    const std::uint64_t offset = m_in.position();
-    decodeFrames(m_in.bytes(m_data.frame_count * frame_bytes, "frames"), offset, m_data);
 }
 
 } // namespace
 
-bool readAnim(std::span<const std::byte> bytes, anim_depth depth, anim_data& data, failure& why)
+bool readAnim(const anim_source& source, anim_depth depth, anim_data& data, failure& why)
 {
-    return anim_reader(bytes, depth, data).read(why);
+    return anim_reader(source, depth, data).read(why);
 }
 
 bool readAnimName(std::span<const std::byte> start, std::uint32_t& version, std::string& name, failure& why)

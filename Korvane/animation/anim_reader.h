@@ -5,6 +5,7 @@
 
 #include "EASY_GUI/services/failure.h"
 #include "Korvane/animation/anim_file.h"
+#include "Korvane/animation/anim_frames.h"
 
 #include <cstddef>
 #include <span>
@@ -14,7 +15,8 @@ namespace korvane
 {
 
 // Fills data, which is empty before. On failure data is good for nothing; why has everything but the path.
-[[nodiscard]] bool readAnim(std::span<const std::byte> bytes, anim_depth depth, anim_data& data, failure& why);
+// A source with a file behind it may also fail because more than the frames lies there: then it takes all the bytes.
+[[nodiscard]] bool readAnim(const anim_source& source, anim_depth depth, anim_data& data, failure& why);
 
 // The version and the skeleton's name from a file's first bytes.
 [[nodiscard]] bool readAnimName(std::span<const std::byte> start, std::uint32_t& version, std::string& name,

@@ -59,14 +59,19 @@ json poseJson(const skeleton_pose& pose, const wanted_pose& wanted)
     return result;
 }
 
+// A blank and a number, in at least that many places.
 std::string column(float value, int width, int decimals)
 {
-    char text[32];
     const double wide = static_cast<double>(value);
-    const char* const form = std::abs(wide) < 1e5 ? "%*.*f" : "%*.*g";
-    std::snprintf(text, sizeof text, form, width, std::abs(wide) < 1e5 ? decimals : 3, wide);
+    char text[40];
+    if (!std::isfinite(wide))
+        std::snprintf(text, sizeof text, " %*s", width, floatText(value).c_str());
+    else if (std::abs(wide) < 1e5)
+        std::snprintf(text, sizeof text, " %*.*f", width, decimals, wide);
+    else
+        std::snprintf(text, sizeof text, " %*.3g", width, wide);
     std::string result = text;
-    if (result.find_first_of("123456789nai") == std::string::npos) // no minus in front of a zero
+    if (result.find_first_of("123456789naif") == std::string::npos) // no minus in front of a zero
         std::replace(result.begin(), result.end(), '-', ' ');
     return result;
 }
@@ -133,8 +138,8 @@ std::string poseText(const skeleton_pose& pose)
     std::string text = padded("bone") + "  translation, m             rotation, degrees       in the world, m\n" +
                        padded("") + "        x        y        z     roll   pitch     yaw        x        y        z\n";
     for (const tree_row& row : rows)
-        text += padded(row.label) + columns(row.node->translation(), 9, 3) + " " +
-                columns(eulerDegrees(row.node->rotation()), 8, 1) + columns(row.node->worldTranslation(), 9, 3) + "\n";
+        text += padded(row.label) + columns(row.node->translation(), 8, 3) + " " +
+                columns(eulerDegrees(row.node->rotation()), 7, 1) + columns(row.node->worldTranslation(), 8, 3) + "\n";
     return text;
 }
 
@@ -222,12 +227,12 @@ void runSample(cli_context& context, const sample_options& options)
     skeleton_pose pose;
     if (!pose.setSkeleton(*skeleton))
         context.note("note: the skeleton's bones do not make one tree; those without a usable parent stand alone");
-    std::vector<wanted_pose> list = {{}};
+    std::vector<wanted_pose> list(1); // the bind pose
     if (moves)
     {
         if (moves->skeleton_name != skeleton->skeleton_name)
-            context.note("note: the animation is made for " + displayText(moves->skeleton_name) + ", not for " +
-                         displayText(skeleton->skeleton_name));
+            context.note("note: the animation is made for " + terminalText(moves->skeleton_name) + ", not for " +
+                         terminalText(skeleton->skeleton_name));
         list.clear();
         if (!pose.setAnimation(moves, why) || !listPoses(options, pose.shownAnimation(), list, why))
             return context.fail(why);

@@ -11,7 +11,6 @@
 #include <cstdint>
 #include <memory>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace korvane
@@ -27,12 +26,9 @@ public:
 
     std::size_t boneCount() const { return m_channels.size(); } // of the skeleton
     std::uint32_t frameCount() const { return m_source ? m_source->frame_count : 0; }
-    std::uint32_t translationTrackCount() const { return m_source ? m_source->translation_count : 0; }
-    std::uint32_t rotationTrackCount() const { return m_source ? m_source->rotation_count : 0; }
     double frameRate() const { return m_source ? static_cast<double>(m_source->frame_rate) : 0; } // frames a second
     double endTime() const { return m_source ? static_cast<double>(m_source->end_time) : 0; }     // seconds
-    const std::string& name() const { return m_name; }
-    void setName(std::string name) { m_name = std::move(name); }
+    const anim_data* source() const { return m_source.get(); } // the file, with its maps and counts; null: none
 
     // Sets the translations and rotations of a pose of boneCount() joints, and nothing else of them; allocates nothing.
     // The pose lies between a frame and the next; fraction goes from 0 to 1. The last frame, and any beyond it, blends
@@ -51,7 +47,6 @@ private:
 
     std::shared_ptr<const anim_data> m_source;
     std::vector<channel> m_channels;
-    std::string m_name;
 };
 
 } // namespace korvane

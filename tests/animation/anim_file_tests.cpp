@@ -204,13 +204,38 @@ TEST_F(anim_file_tests, manyFramesAreDecodedAsWellAsFew)
         source.frames[i].translations[1][2] = static_cast<float>(i);
         source.frames[i].rotations[0][3] = static_cast<std::int16_t>(i % 1000);
     }
-    ASSERT_TRUE(load(anim_depth::animation, source.bytes())) << describe(why);
-    for (std::size_t i = 0; i < source.frames.size(); ++i)
+    const test::temporary_folder folder;
+    const std::string path = folder.file("long.anim"), bytes = source.bytes();
+    test::writeBytes(path, bytes);
+    for (const bool is_on_disk : {false, true})
     {
-        ASSERT_EQ(data().frameTranslations(i)[1], glm::vec3(-4.0f, 5.0f, static_cast<float>(i)));
-        ASSERT_EQ(data().frameRotations(i)[0].w, static_cast<float>(i % 1000) / 32767.0f);
-        ASSERT_EQ(data().first_bone_offsets[i], 99 + 40 * i);
+        ASSERT_TRUE(is_on_disk ? file.loadAnimation(path, why) : load(anim_depth::animation, bytes)) << describe(why);
+        for (std::size_t i = 0; i < source.frames.size(); ++i)
+        {
+            ASSERT_EQ(data().frameTranslations(i)[1], glm::vec3(-4.0f, 5.0f, static_cast<float>(i)));
+            ASSERT_EQ(data().frameRotations(i)[0].w, static_cast<float>(i % 1000) / 32767.0f);
+            ASSERT_EQ(data().first_bone_offsets[i], 99 + 40 * i);
+        }
     }
+    test::writeBytes(path, bytes.substr(0, bytes.size() - 1));
+    EXPECT_TRUE(file.loadTemplate(path, why)) << describe(why);
+    EXPECT_FALSE(file.loadAnimation(path, why));
+    EXPECT_EQ(why.field, "frame count");
+    EXPECT_NE(why.what.find("2400039 bytes that are left"), std::string::npos) << why.what;
+}
+
+TEST_F(anim_file_tests, staticValuesMayFillMegabytes)
+{
+    test_anim source;
+    source.version = 7;
+    source.static_translations.assign(200000, {1.0f, 2.0f, 3.0f});
+    source.static_rotations = {{1, 2, 3, 32767}};
+    const test::temporary_folder folder;
+    test::writeBytes(folder.file("a.anim"), source.bytes());
+    ASSERT_TRUE(file.loadAnimation(folder.file("a.anim"), why)) << describe(why);
+    EXPECT_EQ(data().static_translations.back(), glm::vec3(1.0f, 2.0f, 3.0f));
+    EXPECT_EQ(data().static_rotations.back().w, 1.0f);
+    EXPECT_EQ(data().frameTranslations(1)[1], glm::vec3(-0.5f, -0.5f, 8.0f));
 }
 
 TEST_F(anim_file_tests, filesOnDiskAndFailuresAreToldToThePrompt)
