@@ -11,6 +11,7 @@ void addInfoCommand(CLI::App& app, cli_context& context);
 void addArchiveCommands(CLI::App& app, cli_context& context);
 void addConfigCommand(CLI::App& app, cli_context& context);
 void addDemoDataCommand(CLI::App& app, cli_context& context);
+void addFbxCommand(CLI::App& app, cli_context& context);
 void addVariantCommand(CLI::App& app, cli_context& context);
 #ifdef _WIN32
 void addRenderCommand(CLI::App& app, cli_context& context);

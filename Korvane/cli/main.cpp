@@ -67,6 +67,7 @@ int run(const std::vector<std::string>& arguments)
     addInfoCommand(app, context);
     addArchiveCommands(app, context);
     addVariantCommand(app, context);
+    addFbxCommand(app, context);
     addConfigCommand(app, context);
 #ifdef _WIN32
     addRenderCommand(app, context);
