@@ -46,7 +46,6 @@ void addSharedOptions(CLI::App& app, cli_context& context)
 {
     app.add_option("--data", context.data_folders, "A folder with the games' archives; may be given more than once")
         ->type_name("DIR")
-        ->expected(1)
         ->allow_extra_args(false);
     app.add_option("--config", context.config_path, "The configuration file (default: config.cfg beside the program)")
         ->type_name("FILE");
@@ -68,6 +67,7 @@ int run(const std::vector<std::string>& arguments)
     addArchiveCommands(app, context);
     addVariantCommand(app, context);
     addFbxCommand(app, context);
+    addAnimCommands(app, context);
     addConfigCommand(app, context);
 #ifdef _WIN32
     addRenderCommand(app, context);

@@ -28,6 +28,8 @@ Take a_demo_mod.pack out of the folder, read the archives again, and the guard l
 // Which archive a file of the folder goes into.
 std::optional<archive_kind> archiveOf(std::string_view path)
 {
+    if (path.starts_with("animations/"))
+        return path.ends_with("_v5.anim") ? archive_kind::older : archive_kind::main;
     if (path.ends_with("_spear.rigid_model_v2"))
         return archive_kind::mod;
     if (path.starts_with("rigidmodels/") || path.find("/tex/demo_") != path.npos)

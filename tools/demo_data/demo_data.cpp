@@ -1,6 +1,7 @@
 #include "tools/demo_data/demo_data.h"
 
 #include "EASY_GUI/services/file_system.h"
+#include "tools/demo_data/animations.h"
 #include "tools/demo_data/definitions.h"
 #include "tools/demo_data/demo_archives.h"
 #include "tools/demo_data/figure.h"
@@ -182,7 +183,7 @@ public:
     {
     }
 
-    bool run() { return figures() && pieces() && props() && definitions() && textures() && archives(); }
+    bool run() { return figures() && pieces() && props() && definitions() && textures() && animations() && archives(); }
 
 private:
     bool add(std::string path, std::string about, std::vector<std::byte> bytes)
@@ -283,6 +284,17 @@ private:
                                           ddsBytes(recoloured(each, painted, row.colour).pixels, each.diffuse));
         }
         return true;
+    }
+
+    bool animations()
+    {
+        m_archives.addInstead(archive_kind::older, olderSkeleton().path, olderSkeleton().bytes);
+        m_archives.addInstead(archive_kind::mod, moddedAnimation().path, moddedAnimation().bytes);
+        return makeAnimations(
+            [this](made_animation made)
+            {
+                return add(std::move(made.path), std::move(made.about), std::move(made.bytes));
+            });
     }
 
     bool archives()

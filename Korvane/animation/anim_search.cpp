@@ -1,0 +1,246 @@
+#include "Korvane/animation/anim_search.h"
+
+#include "EASY_GUI/services/byte_reader.h"
+#include "EASY_GUI/services/text.h"
+#include "Korvane/animation/anim_file.h"
+#include "Korvane/archives/entry_start.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+constexpr std::size_t name_length_at = 12;
+constexpr std::size_t name_at = 14;
+
+enum class verdict
+{
+    matches,
+    differs, // and whatever cannot be an animation
+    unreadable
+};
+
+// Reads no more than a match needs: start is as long as that.
+verdict examine(const pack_file_node& entry, std::string_view skeleton_id, std::span<std::byte> start, failure& why)
+{
+    if (entry.compression() == 0 && entry.size() < start.size())
+        return verdict::differs;
+    std::size_t count = 0;
+    failure found;
+    if (!readEntryStart(entry, start, count, found))
+    {
+        const bool is_archive = found.kind == failure_kind::unreadable;
+        if (is_archive && !why)
+            why = std::move(found);
+        return is_archive ? verdict::unreadable : verdict::differs;
+    }
+    const bool is_match = count == start.size() &&
+                          littleEndian<std::uint16_t>(start.data() + name_length_at) == skeleton_id.size() &&
+                          std::memcmp(start.data() + name_at, skeleton_id.data(), skeleton_id.size()) == 0;
+    return is_match ? verdict::matches : verdict::differs;
+}
+
+// Several threads take blocks of candidates; what they found is put in order at the end.
+class block_search
+{
+public:
+    block_search(std::span<const pack_file_node* const> candidates, std::string_view skeleton_id)
+        : m_candidates(candidates)
+        , m_skeleton_id(skeleton_id)
+    {
+    }
+
+    bool run(entry_list& found, failure& why)
+    {
+        constexpr std::size_t worth_a_thread = 1024; // candidates
+        std::vector<outcome> outcomes(std::min<std::size_t>(
+            {std::max(std::thread::hardware_concurrency(), 1u), 8, 1 + m_candidates.size() / worth_a_thread}));
+        {
+            std::vector<std::jthread> helpers;
+            try
+            {
+                for (std::size_t i = 1; i < outcomes.size(); ++i)
+                    helpers.emplace_back(&block_search::work, this, std::ref(outcomes[i]));
+            }
+            catch (const std::system_error&) // no more threads: those that are there do it
+            {
+            }
+            work(outcomes.front());
+        }
+        return collect(outcomes, found, why);
+    }
+
+private:
+    static constexpr std::size_t block_size = 128;
+    static constexpr std::size_t nowhere = std::numeric_limits<std::size_t>::max();
+
+    struct outcome
+    {
+        std::vector<std::size_t> matches;
+        std::size_t failed_at = nowhere;
+        failure why;
+    };
+
+    void work(outcome& result)
+    {
+        std::size_t at = 0;
+        try
+        {
+            std::vector<std::byte> start(name_at + m_skeleton_id.size());
+            while ((at = m_next.fetch_add(block_size)) < m_candidates.size())
+                for (const std::size_t end = std::min(at + block_size, m_candidates.size()); at < end; ++at)
+                {
+                    if (at >= m_end.load())
+                        return;
+                    const verdict found = examine(*m_candidates[at], m_skeleton_id, start, result.why);
+                    if (found == verdict::matches)
+                        result.matches.push_back(at);
+                    else if (found == verdict::unreadable)
+                        return stopAt(at, result);
+                }
+        }
+        catch (const std::bad_alloc&) // an exception must not leave a thread
+        {
+            result.why = {};
+            fail(result.why, failure_kind::unreadable, "not enough memory for the search");
+            stopAt(at, result);
+        }
+    }
+
+    // Nobody needs to look at what comes behind, but what comes before is still wanted.
+    void stopAt(std::size_t at, outcome& result)
+    {
+        result.failed_at = at;
+        std::size_t end = m_end.load();
+        while (at < end && !m_end.compare_exchange_weak(end, at))
+        {
+        }
+    }
+
+    bool collect(std::vector<outcome>& outcomes, entry_list& found, failure& why)
+    {
+        std::vector<std::size_t> matches;
+        for (const outcome& part : outcomes)
+            matches.insert(matches.end(), part.matches.begin(), part.matches.end());
+        std::sort(matches.begin(), matches.end());
+        for (const std::size_t match : matches)
+            if (match < m_end.load())
+                found.push_back(m_candidates[match]);
+        for (outcome& part : outcomes)
+            if (part.failed_at != nowhere && part.failed_at == m_end.load() && !why)
+                why = std::move(part.why);
+        return m_end.load() == nowhere;
+    }
+
+    std::span<const pack_file_node* const> m_candidates;
+    std::string_view m_skeleton_id;
+    std::atomic<std::size_t> m_next{0};
+    std::atomic<std::size_t> m_end{nowhere}; // the first candidate that could not be read
+};
+
+template <typename condition>
+entry_list entriesThat(const path_tree& tree, condition isWanted)
+{
+    entry_list list;
+    for (const std::span<const pack_file_node>& entries : tree.entries())
+        for (const pack_file_node& entry : entries)
+            if (isWanted(entry))
+                list.push_back(&entry);
+    return list;
+}
+
+void tell(const search_log& log, const std::string& line)
+{
+    if (log)
+        log(line);
+}
+
+} // namespace
+
+entry_list findSkeletons(const path_tree& tree, std::string_view skeleton_id, const search_log& log)
+{
+    const std::string pattern = toLower("skeletons\\" + std::string(skeleton_id) + ".anim"); // as paths are spelled
+    tell(log, "Searching fpr skeletons...");
+    entry_list found = entriesThat(tree,
+                                   [&pattern](const pack_file_node& entry)
+                                   {
+                                       return entry.internalPath().ends_with(pattern);
+                                   });
+    tell(log, "Number of skeletons added to combobox: " + std::to_string(found.size()));
+    return found;
+}
+
+entry_list animationCandidates(const path_tree& tree)
+{
+    return entriesThat(tree,
+                       [](const pack_file_node& entry)
+                       {
+                           return entry.extension() == "anim";
+                       });
+}
+
+bool findAnimations(std::span<const pack_file_node* const> candidates, std::string_view skeleton_id, entry_list& found,
+                    failure& why)
+{
+    if (skeleton_id.size() > std::numeric_limits<std::uint16_t>::max()) // no header can hold it
+        return true;
+    return block_search(candidates, skeleton_id).run(found, why);
+}
+
+std::vector<animation_choice> listAnimations(const path_tree& tree, std::string_view skeleton_id,
+                                             std::span<const std::string> converted_files, user_prompt& prompt,
+                                             const search_log& log)
+{
+    std::vector<animation_choice> list;
+    for (const std::string& path : converted_files)
+        list.push_back({"[DISK]: " + std::string(fileName(path)), path, nullptr});
+    tell(log, "seaching for compatible animations");
+    entry_list found;
+    failure why;
+    const bool is_complete = findAnimations(animationCandidates(tree), skeleton_id, found, why);
+    for (const pack_file_node* entry : found)
+        list.push_back({std::string(entry->fileName()), {}, entry});
+    if (!is_complete)
+    {
+        tell(log, describe(why));
+        prompt.show("Error!", "Error reading .pack files. Are they being used by another program?", prompt_icon::error);
+        return list;
+    }
+    tell(log, "Number of animations found " + std::to_string(found.size()));
+    tell(log, "Skeletopn + Animation find+load SUCCESSFUL!");
+    return list;
+}
+
+compatible_search::compatible_search(std::shared_ptr<const path_tree> tree, std::string skeleton_id)
+    : m_po_tree(std::move(tree))
+    , m_skeleton_id(std::move(skeleton_id))
+    , m_candidates(animationCandidates(*m_po_tree))
+    , m_start(name_at + m_skeleton_id.size())
+{
+}
+
+bool compatible_search::step()
+{
+    if (isStopped() || m_next == m_candidates.size())
+        return false;
+    const pack_file_node& entry = *m_candidates[m_next++];
+    failure why;
+    const verdict found = examine(entry, m_skeleton_id, m_start, why);
+    m_unreadable_count += found == verdict::unreadable ? 1u : 0u;
+    std::string name;
+    failure reason;
+    if (found == verdict::matches && anim_file::readHeaderName(m_start, name, reason))
+        m_matches.push_back({&entry, m_skeleton_id});
+    return true;
+}
+
+} // namespace korvane

@@ -1,0 +1,89 @@
+#pragma once
+
+// Which skeleton files and which animations belong to a skeleton's id, over all entries of all archives. An entry that
+// another archive overrides is one like any other: it stands in the list with its own archive, and is read from there.
+// Results keep the order of the entries, archive after archive; they live as long as the tree.
+//
+// An animation belongs to a skeleton when its header names it, byte for byte.
+
+#include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/user_prompt.h"
+#include "Korvane/archives/path_tree.h"
+
+#include <atomic>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvane
+{
+
+using entry_list = std::vector<const pack_file_node*>;
+using search_log = std::function<void(const std::string&)>; // a line without its end
+
+// The entries whose internal path ends with "skeletons\ID.anim", in any case. The first one is the one to load.
+[[nodiscard]] entry_list findSkeletons(const path_tree& tree, std::string_view skeleton_id, const search_log& log = {});
+
+// Every entry with the extension "anim".
+[[nodiscard]] entry_list animationCandidates(const path_tree& tree);
+
+// Appends to found the candidates whose header names the skeleton, whatever their version. Candidates that are too
+// short for a name, or whose compressed data is damaged, are passed over. False when an archive cannot be read: then
+// found has what comes before it. Works with several threads when there is much to do.
+[[nodiscard]] bool findAnimations(std::span<const pack_file_node* const> candidates, std::string_view skeleton_id,
+                                  entry_list& found, failure& why);
+
+// One row of the list from which an animation is picked.
+struct animation_choice
+{
+    std::string label;                     // "[DISK]: walk.anim", or the entry's file name
+    std::string disk_path;                 // of a converted file, as the configuration has it; else empty
+    const pack_file_node* entry = nullptr; // null for a converted file
+};
+
+// Fills that list: the converted files first, then what the archives have. When an archive cannot be read, the person
+// gets told ("Error!") and the list has what was found so far.
+[[nodiscard]] std::vector<animation_choice> listAnimations(const path_tree& tree, std::string_view skeleton_id,
+                                                           std::span<const std::string> converted_files,
+                                                           user_prompt& prompt, const search_log& log = {});
+
+// The same search in steps, for a dialog that shows its progress. Takes versions 5 and 7 only, and passes over whatever
+// cannot be read. One thread at a time, but for requestStop().
+class compatible_search
+{
+public:
+    struct match
+    {
+        const pack_file_node* entry;
+        std::string skeleton_name; // the id that was looked for
+    };
+
+    compatible_search(std::shared_ptr<const path_tree> tree, std::string skeleton_id);
+
+    // Examines one candidate. False when there are none left, or somebody wants it to stop.
+    bool step();
+    // From any thread; the steps end for good, and what was found stays.
+    void requestStop() { m_is_stopped.store(true); }
+
+    bool isStopped() const { return m_is_stopped.load(); }
+    std::size_t candidateCount() const { return m_candidates.size(); }
+    std::size_t doneCount() const { return m_next; } // and the index of the next candidate
+    std::size_t unreadableCount() const { return m_unreadable_count; }
+    const std::vector<match>& matches() const { return m_matches; }
+
+private:
+    std::shared_ptr<const path_tree> m_po_tree;
+    std::string m_skeleton_id;
+    entry_list m_candidates;
+    std::vector<match> m_matches;
+    std::vector<std::byte> m_start; // of the candidate: as much as a match needs
+    std::size_t m_next = 0;
+    std::size_t m_unreadable_count = 0;
+    std::atomic<bool> m_is_stopped{false};
+};
+
+} // namespace korvane

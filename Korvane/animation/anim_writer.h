@@ -1,0 +1,60 @@
+#pragma once
+
+// Writes .anim files (docs/formats/anim.md, "Writing"), for the conversion from FBX. Everything given is in the file's
+// space, mirrored in X against the program, and is written as it stands.
+//
+// Files of version 5 can be read again. Those of version 7 have their static block where no reader expects it, and are
+// refused by ours: the tools that take them want them so.
+
+#include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/user_prompt.h"
+
+#include <glm/glm.hpp>
+#include <glm/gtc/quaternion.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace korvane
+{
+
+struct anim_output
+{
+    struct bone
+    {
+        std::string name;
+        std::int32_t parent = -1;
+    };
+    struct frame // by bone
+    {
+        std::map<std::uint32_t, glm::vec3> translations;
+        std::map<std::uint32_t, glm::quat> rotations;
+    };
+
+    std::uint32_t header_word = 0;
+    float frame_rate = 0; // frames a second
+    std::string skeleton_name;
+    float end_time = 0; // seconds
+    std::vector<bone> bones;
+    std::vector<std::uint32_t> translation_map; // an entry for each bone
+    std::vector<std::uint32_t> rotation_map;
+    // Each has values for the same bones: those of the map's tracks, or the first ones of these.
+    std::vector<frame> frames;
+    double translation_scale = 1.0; // of the frames' translations, but not of static values
+    // The only frame is a pose, which the file holds twice; its own bones make the maps.
+    bool is_single_pose = false;
+};
+
+// The bytes of a file of version 5 or 7. False when the output contradicts itself or a limit of the format.
+[[nodiscard]] bool makeAnim(const anim_output& output, std::uint32_t version, std::vector<std::byte>& bytes,
+                            failure& why);
+
+// Writes them to a UTF-8 path. False when it cannot be written, which the prompt is told ("Save
+// Error!"), or when they cannot be made, which it is not.
+[[nodiscard]] bool writeAnim(const anim_output& output, std::uint32_t version, const std::string& path,
+                             user_prompt& prompt, failure& why);
+
+} // namespace korvane

@@ -1,0 +1,40 @@
+#include "tests/posing/allocation_count.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace
+{
+
+std::atomic<std::size_t> count{0};
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    ++count;
+    if (void* const memory = std::malloc(size))
+        return memory;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+namespace korvane::test
+{
+
+std::size_t allocationCount()
+{
+    return count;
+}
+
+} // namespace korvane::test
