@@ -66,6 +66,7 @@ int run(const std::vector<std::string>& arguments)
     addInfoCommand(app, context);
     addArchiveCommands(app, context);
     addVariantCommand(app, context);
+    addExportCommand(app, context);
     addFbxCommand(app, context);
     addAnimCommands(app, context);
     addConfigCommand(app, context);
