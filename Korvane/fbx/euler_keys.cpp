@@ -1,7 +1,6 @@
 #include "Korvane/fbx/euler_keys.h"
 
 #include <glm/geometric.hpp>
-#include <glm/gtc/matrix_access.hpp>
 #include <glm/trigonometric.hpp>
 
 #include <algorithm>
@@ -23,7 +22,7 @@ double nearestTurn(double degrees, double reference)
 
 } // namespace
 
-glm::dvec3 eulerDegrees(const glm::dquat& rotation, double z_when_locked)
+glm::dvec3 principalAngles(const glm::dquat& rotation, double z_when_locked)
 {
     const glm::dmat3 m = glm::mat3_cast(rotation); // m[column][row]
     const double cosine = std::hypot(m[0][0], m[0][1]);
@@ -35,13 +34,6 @@ glm::dvec3 eulerDegrees(const glm::dquat& rotation, double z_when_locked)
     const double sine_of_x = -(m[2][1] * std::cos(z) - m[2][0] * std::sin(z));
     const double cosine_of_x = m[1][1] * std::cos(z) - m[1][0] * std::sin(z);
     return glm::degrees(glm::dvec3(std::atan2(sine_of_x, cosine_of_x), y, z));
-}
-
-glm::dquat rotationOf(const glm::dvec3& euler_degrees)
-{
-    const glm::dvec3 angles = glm::radians(euler_degrees);
-    return glm::angleAxis(angles.z, glm::dvec3(0, 0, 1)) * glm::angleAxis(angles.y, glm::dvec3(0, 1, 0)) *
-           glm::angleAxis(angles.x, glm::dvec3(1, 0, 0));
 }
 
 glm::dvec3 nearestAngles(const glm::dvec3& euler_degrees, const glm::dvec3& reference)
@@ -65,8 +57,8 @@ std::vector<glm::dvec3> unrolledAngles(std::span<const glm::dquat> rotations)
     std::vector<glm::dvec3> keys;
     keys.reserve(rotations.size());
     for (const glm::dquat& rotation : rotations)
-        keys.push_back(keys.empty() ? eulerDegrees(rotation)
-                                    : nearestAngles(eulerDegrees(rotation, keys.back().z), keys.back()));
+        keys.push_back(keys.empty() ? principalAngles(rotation)
+                                    : nearestAngles(principalAngles(rotation, keys.back().z), keys.back()));
     return keys;
 }
 

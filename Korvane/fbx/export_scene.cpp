@@ -74,7 +74,7 @@ bool makeBone(const anim_bone& source, std::size_t index, std::size_t count, exp
         return boneFailure(why, index, source.name, "has a bind pose that is no number");
     bone.is_root = index == 0 && bone.parent < 0;
     bone.translation = exportedTranslation(source.translation);
-    bone.euler_degrees = eulerDegrees(exportedRotation(source.rotation));
+    bone.euler_degrees = principalAngles(exportedRotation(source.rotation));
     bone.limb_colour = limbColour(bone);
     return true;
 }
