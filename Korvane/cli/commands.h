@@ -12,6 +12,8 @@ void addArchiveCommands(CLI::App& app, cli_context& context);
 void addAnimCommands(CLI::App& app, cli_context& context);
 void addConfigCommand(CLI::App& app, cli_context& context);
 void addDemoDataCommand(CLI::App& app, cli_context& context);
+void addExportCommand(CLI::App& app, cli_context& context);
+void addFbxCommand(CLI::App& app, cli_context& context);
 void addVariantCommand(CLI::App& app, cli_context& context);
 #ifdef _WIN32
 void addRenderCommand(CLI::App& app, cli_context& context);

@@ -81,6 +81,8 @@ int run(const std::vector<std::string>& arguments)
     addInfoCommand(app, context);
     addArchiveCommands(app, context);
     addVariantCommand(app, context);
+    addExportCommand(app, context);
+    addFbxCommand(app, context);
     addAnimCommands(app, context);
     addConfigCommand(app, context);
 #ifdef _WIN32

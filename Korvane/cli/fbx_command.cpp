@@ -1,0 +1,135 @@
+// fbx: what stands in an FBX file.
+
+#include "Korvane/cli/commands.h"
+
+#include "EASY_GUI/services/text.h"
+#include "Korvane/cli/fbx_scene_json.h"
+#include "Korvane/cli/game_files.h"
+#include "Korvane/fbx/fbx_document.h"
+#include "Korvane/fbx/fbx_model_import.h"
+#include "Korvane/fbx/fbx_scene.h"
+
+#include <array>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace korvane
+{
+
+namespace
+{
+
+struct fbx_options
+{
+    std::string file;
+    bool is_dump = false;
+    std::size_t array_limit = 0;
+    bool is_scene = false;
+    std::vector<double> times; // seconds
+};
+
+void runDump(cli_context& context, const fbx_options& options)
+{
+    memory_file bytes;
+    fbx_document document;
+    failure why;
+    if (!readOperand(context, options.file, bytes, why))
+        return context.fail(why);
+    if (!readFbx(bytes.bytes(), document, why))
+    {
+        why.path = options.file;
+        return context.fail(why);
+    }
+    context.print(dumpFbx(document, options.array_limit));
+}
+
+void runScene(cli_context& context, const fbx_options& options)
+{
+    memory_file bytes;
+    fbx_document document;
+    fbx_scene scene;
+    failure why;
+    if (!readOperand(context, options.file, bytes, why))
+        return context.fail(why);
+    if (!readFbx(bytes.bytes(), document, why) || !readScene(std::move(document), scene, why))
+    {
+        why.path = options.file;
+        return context.fail(why);
+    }
+    for (const std::string& note : scene.notes)
+        context.note("note: " + terminalText(note));
+    context.printJson(sceneJson(scene, options.times));
+}
+
+void printModel(cli_context& context, const fbx_model& model)
+{
+    if (context.is_json)
+    {
+        json meshes = json::array();
+        for (const fbx_model::mesh& mesh : model.meshes)
+        {
+            json points = json::array();
+            for (const std::array<float, 4>& point : mesh.control_points)
+                points.push_back(
+                    {jsonNumber(point[0]), jsonNumber(point[1]), jsonNumber(point[2]), jsonNumber(point[3])});
+            meshes.push_back({{"name", displayText(mesh.name)}, {"control_points", std::move(points)}});
+        }
+        json skeletons = json::array();
+        for (const std::string& name : model.skeletons)
+            skeletons.push_back(displayText(name));
+        return context.printJson({{"meshes", std::move(meshes)}, {"skeletons", std::move(skeletons)}});
+    }
+    for (const fbx_model::mesh& mesh : model.meshes)
+        context.print("mesh " + terminalText(mesh.name) + ": " + std::to_string(mesh.control_points.size()) +
+                      " control points\n");
+    for (const std::string& name : model.skeletons)
+        context.print("skeleton " + terminalText(name) + "\n");
+}
+
+void runImport(cli_context& context, const fbx_options& options)
+{
+    memory_file bytes;
+    fbx_model model;
+    failure why;
+    if (readOperand(context, options.file, bytes, why) && importFbxModel(bytes.bytes(), model, why))
+        return printModel(context, model);
+    why.what = fbxImportError(options.file) + ": " + why.what;
+    why.path.clear(); // it stands in the text
+    context.fail(why);
+}
+
+} // namespace
+
+void addFbxCommand(CLI::App& app, cli_context& context)
+{
+    const auto options = std::make_shared<fbx_options>();
+    CLI::App* command = app.add_subcommand("fbx", "Show what is in an FBX file");
+    command->add_option("FILE", options->file, "The FBX file, binary or text")->required();
+    CLI::Option* const dump =
+        command->add_flag("--dump", options->is_dump, "All records of the document, one line each");
+    command->add_option("--numbers", options->array_limit, "With --dump: show N numbers of an array (0: all)")
+        ->type_name("N")
+        ->needs(dump);
+    CLI::Option* const scene =
+        command->add_flag("--scene", options->is_scene, "The whole scene, as JSON")->excludes(dump);
+    command
+        ->add_option("--at", options->times,
+                     "With --scene: what the takes move, at T seconds; may be given more than once")
+        ->type_name("T")
+        ->check(finiteNumber())
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->needs(scene);
+    context.addJsonOption(*command);
+    command->callback(
+        [&context, options]
+        {
+            if (options->is_dump)
+                return runDump(context, *options);
+            return options->is_scene ? runScene(context, *options) : runImport(context, *options);
+        });
+}
+
+} // namespace korvane
