@@ -4,11 +4,8 @@
 #include "Korvane/animation/anim_file.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cassert>
 #include <cstring>
-#include <system_error>
-#include <thread>
 #include <vector>
 
 namespace korvane
@@ -51,71 +48,6 @@ void decodeTranslationsIn(std::span<const std::byte> bytes, std::span<glm::vec3>
             target.x = -target.x;
 }
 
-// What is fetched from the disk at a time: it stays in the cache until it is decoded.
-constexpr std::size_t chunk_bytes = std::size_t{256} << 10;
-
-// Threads take chunks of frames until there are none left.
-class frame_decoder
-{
-public:
-    frame_decoder(const anim_source& source, std::uint64_t offset, anim_data& data)
-        : m_source(source)
-        , m_offset(offset)
-        , m_data(data)
-        , m_translation_bytes(data.translation_count * anim_bytes::translation)
-        , m_frame_bytes(m_translation_bytes + data.rotation_count * anim_bytes::rotation)
-        , m_chunk_frames(std::max<std::size_t>(chunk_bytes / std::max<std::size_t>(m_frame_bytes, 1), 1))
-    {
-    }
-
-    std::size_t bufferSize() const { return m_source.file ? m_chunk_frames * m_frame_bytes : 0; }
-    std::uint64_t size() const { return std::uint64_t{m_data.frame_count} * m_frame_bytes; }
-    bool hasFailed() const { return m_has_failed.load(); }
-
-    void work(std::span<std::byte> buffer)
-    {
-        const std::size_t frames = m_data.frame_count;
-        for (std::size_t first; !hasFailed() && (first = m_next.fetch_add(m_chunk_frames)) < frames;)
-        {
-            const std::size_t count = std::min(m_chunk_frames, frames - first);
-            const std::uint64_t position = m_offset + std::uint64_t{first} * m_frame_bytes;
-            std::span<const std::byte> bytes;
-            if (!m_source.file)
-                bytes = m_source.start.subspan(static_cast<std::size_t>(position), count * m_frame_bytes);
-            else if (m_source.file->readAt(position, buffer.first(count * m_frame_bytes)))
-                bytes = buffer.first(count * m_frame_bytes);
-            else
-                return m_has_failed.store(true);
-            decode(bytes, first, count);
-        }
-    }
-
-private:
-    void decode(std::span<const std::byte> bytes, std::size_t first, std::size_t count)
-    {
-        const std::size_t translations = m_data.translation_count, rotations = m_data.rotation_count;
-        for (std::size_t i = 0; i < count; ++i)
-        {
-            const auto frame = bytes.subspan(i * m_frame_bytes, m_frame_bytes);
-            decodeTranslationsIn<anim_space::of_the_program>(
-                frame.first(m_translation_bytes),
-                std::span(m_data.translations).subspan((first + i) * translations, translations));
-            decodeRotationsIn<anim_space::of_the_program>(
-                frame.subspan(m_translation_bytes),
-                std::span(m_data.rotations).subspan((first + i) * rotations, rotations));
-        }
-    }
-
-    const anim_source& m_source;
-    std::uint64_t m_offset;
-    anim_data& m_data;
-    std::size_t m_translation_bytes;
-    std::size_t m_frame_bytes;
-    std::size_t m_chunk_frames;
-    std::atomic<std::size_t> m_next{0};
-    std::atomic<bool> m_has_failed{false};
-};
-
 } // namespace
 
 void decodeTranslations(std::span<const std::byte> bytes, anim_space space, std::span<glm::vec3> targets)
@@ -136,44 +68,52 @@ void decodeRotations(std::span<const std::byte> bytes, anim_space space, std::sp
         decodeRotationsIn<anim_space::of_the_file>(bytes, targets);
 }
 
+// One thread: the disk and the memory are what takes the time, and waiting for a second one costs more than it brings
+// where other programs are at work.
 bool decodeFrames(const anim_source& source, std::uint64_t offset, anim_data& data, failure& why)
 {
     const std::size_t frames = data.frame_count;
-    frame_decoder decoder(source, offset, data);
-    constexpr std::uint64_t worth_a_thread = 1u << 20; // bytes
-    const auto threads = static_cast<std::size_t>(std::min<std::uint64_t>(
-        {std::max(std::thread::hardware_concurrency(), 1u), 4, 1 + decoder.size() / worth_a_thread}));
-    // All memory is fetched here: what remains to be done by several threads needs none.
-    data.translations.resize(frames * data.translation_count);
-    data.rotations.resize(frames * data.rotation_count);
+    const std::size_t translations = data.translation_count, rotations = data.rotation_count;
+    const std::size_t translation_bytes = translations * anim_bytes::translation;
+    const std::size_t frame_bytes = translation_bytes + rotations * anim_bytes::rotation;
+    data.translations.resize(frames * translations);
+    data.rotations.resize(frames * rotations);
     if (!data.animated_translations.empty() && data.animated_translations.front() == 0)
         data.first_bone_offsets.resize(frames);
     for (std::size_t frame = 0; frame < data.first_bone_offsets.size(); ++frame)
-        data.first_bone_offsets[frame] = offset + frame * (decoder.size() / frames);
-    if (decoder.size() == 0)
+        data.first_bone_offsets[frame] = offset + std::uint64_t{frame} * frame_bytes;
+    if (frame_bytes == 0)
         return true;
-    std::vector<std::byte> buffers(threads * decoder.bufferSize());
-    const auto bufferOf = [&](std::size_t thread)
+
+    // What is fetched from the disk at a time stays in the cache until it is decoded.
+    constexpr std::size_t chunk_bytes = std::size_t{256} << 10;
+    const std::size_t chunk_frames = std::min(std::max<std::size_t>(chunk_bytes / frame_bytes, 1), frames);
+    std::vector<std::byte> buffer(source.file ? chunk_frames * frame_bytes : 0);
+    for (std::size_t first = 0, count = 0; first < frames; first += count)
     {
-        return std::span(buffers).subspan(thread * decoder.bufferSize(), decoder.bufferSize());
-    };
-    {
-        std::vector<std::jthread> helpers;
-        try
+        count = std::min(chunk_frames, frames - first);
+        const std::uint64_t position = offset + std::uint64_t{first} * frame_bytes;
+        const std::size_t size = count * frame_bytes;
+        if (source.file && !source.file->readAt(position, std::span(buffer).first(size)))
         {
-            for (std::size_t i = 1; i < threads; ++i)
-                helpers.emplace_back(&frame_decoder::work, &decoder, bufferOf(i));
+            why.offset = position;
+            why.field = "frames";
+            return fail(why, failure_kind::unreadable, "the frames cannot be read (was the file changed?)");
         }
-        catch (const std::system_error&) // no more threads: those that are there do it
+        const auto bytes = source.file ? std::span<const std::byte>(buffer).first(size)
+                                       : source.start.subspan(static_cast<std::size_t>(position), size);
+        for (std::size_t i = 0; i < count; ++i)
         {
+            const auto frame = bytes.subspan(i * frame_bytes, frame_bytes);
+            decodeTranslationsIn<anim_space::of_the_program>(
+                frame.first(translation_bytes),
+                std::span(data.translations).subspan((first + i) * translations, translations));
+            decodeRotationsIn<anim_space::of_the_program>(
+                frame.subspan(translation_bytes),
+                std::span(data.rotations).subspan((first + i) * rotations, rotations));
         }
-        decoder.work(bufferOf(0));
     }
-    if (!decoder.hasFailed())
-        return true;
-    why.offset = offset;
-    why.field = "frames";
-    return fail(why, failure_kind::unreadable, "the frames cannot be read (was the file changed?)");
+    return true;
 }
 
 } // namespace korvane

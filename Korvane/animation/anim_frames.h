@@ -42,8 +42,8 @@ struct anim_source
     std::uint64_t size() const { return file ? file->size() : start.size(); }
 };
 
-// Decodes the frames of data, whose counts say how many; they begin at offset, and the source has them all. Large ones
-// keep several threads busy. False when the file cannot be read.
+// Decodes the frames of data, whose counts say how many; they begin at offset, and the source has them all. False when
+// the file cannot be read.
 [[nodiscard]] bool decodeFrames(const anim_source& source, std::uint64_t offset, anim_data& data, failure& why);
 
 } // namespace korvane

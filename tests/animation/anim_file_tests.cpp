@@ -196,7 +196,7 @@ TEST_F(anim_file_tests, framesMayHaveNothingToRead)
 
 TEST_F(anim_file_tests, manyFramesAreDecodedAsWellAsFew)
 {
-    test_anim source; // enough for several threads; each frame says its own number
+    test_anim source; // more than is read at a time; each frame says its own number
     source.frame_count = 60001;
     source.frames.assign(source.frame_count, source.frames[0]);
     for (std::size_t i = 0; i < source.frames.size(); ++i)
