@@ -162,6 +162,11 @@ TEST(ExportScene, damageIsLeftOutAndSaid)
     const export_scene scene = sceneOf(
         nullptr, modelOf(groupOf("", {{{1, 1, 1}, {}}, {{nan, 1, 1}, {}}, {{2, 2, 2}, {}}}, {0, 1, 2, 0, 1, 3})));
     EXPECT_EQ(scene.meshes[0].triangles.size(), 3u);
+    group_data unknown = groupOf("odd", {}, {0, 1, 2}); // the reader decodes no vertices
+    unknown.header.vertex_count = 3;
+    unknown.header.vertex_format = 2;
+    EXPECT_EQ(sceneOf(nullptr, modelOf(std::move(unknown))).warnings,
+              (std::vector<std::string>{"odd_group_01_lod0: empty, its vertex format 2 is not known"}));
     EXPECT_EQ(scene.meshes[0].points[3], 0);
     EXPECT_EQ(scene.warnings, (std::vector<std::string>{
                                   "_group_01_lod0: 1 vertex value became 0: the file holds infinity or no number there",
