@@ -98,7 +98,7 @@ private:
         constexpr std::string_view digits = "0123456789abcdef";
         const std::size_t size = value.data.size();
         const std::size_t shown = m_array_limit == 0 ? size : std::min(m_array_limit, size);
-        m_text.append("R[").append(std::to_string(size)).append("] ");
+        m_text.append("R[").append(std::to_string(size)).append(size == 0 ? "]" : "] ");
         for (std::size_t at = 0; at < shown; ++at)
         {
             m_text += digits[std::to_integer<std::size_t>(value.data[at] >> 4)];
