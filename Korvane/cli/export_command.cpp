@@ -336,7 +336,6 @@ void addExportCommand(CLI::App& app, cli_context& context)
         ->type_name("ANIM");
     command->add_option("--anim", options->animations, "An animation; may be given more than once, with a folder as -o")
         ->type_name("ANIM")
-        ->expected(1)
         ->allow_extra_args(false);
     command->add_option("--lod", options->lod, "Level of detail; 0, the finest, without it")->type_name("N");
     command->add_option("--textures", options->texture_folder, "Copy the diffuse and normal textures below this folder")

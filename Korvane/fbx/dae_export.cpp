@@ -97,7 +97,7 @@ private:
     void addAsset(pugi::xml_node root);
     void addMaterials(pugi::xml_node root);
     void addEffect(pugi::xml_node library, const export_material& material, const std::string& id);
-    std::string addSampler(pugi::xml_node profile, const std::string& internal_path, const char* name);
+    std::string addTextureSampler(pugi::xml_node profile, const std::string& internal_path, const char* name);
     void addGeometries(pugi::xml_node root);
     void addControllers(pugi::xml_node root);
     void addController(pugi::xml_node library, const export_mesh& mesh, const mesh_ids& ids);
@@ -105,7 +105,7 @@ private:
     void addBone(pugi::xml_node parent, std::size_t index);
     void addMeshNode(pugi::xml_node parent, const export_mesh& mesh, const mesh_ids& ids);
     void addAnimations(pugi::xml_node root);
-    void addChannel(pugi::xml_node animation, const track_ids& own, glm::length_t axis,
+    void addSampler(pugi::xml_node animation, const track_ids& own, glm::length_t axis,
                     const std::vector<double>& times);
 
     const export_scene& m_scene;
@@ -161,7 +161,7 @@ void dae_writer::addAsset(pugi::xml_node root)
     asset.append_child("up_axis").text() = "Y_UP";
 }
 
-std::string dae_writer::addSampler(pugi::xml_node profile, const std::string& internal_path, const char* name)
+std::string dae_writer::addTextureSampler(pugi::xml_node profile, const std::string& internal_path, const char* name)
 {
     const std::string surface = std::string(name) + "-surface", sampler = std::string(name) + "-sampler";
     pugi::xml_node parameter = profile.append_child("newparam");
@@ -180,7 +180,7 @@ void dae_writer::addEffect(pugi::xml_node library, const export_material& materi
     pugi::xml_node profile = addElement(library, "effect", id, material.name).append_child("profile_COMMON");
     const auto samplerOf = [&](const std::string& path, const char* name)
     {
-        return path.empty() ? std::string() : addSampler(profile, path, name);
+        return path.empty() ? std::string() : addTextureSampler(profile, path, name);
     };
     const std::string diffuse = samplerOf(material.diffuse_path, "diffuse");
     const std::string normal = samplerOf(material.normal_path, "normal");
@@ -372,7 +372,7 @@ void dae_writer::addVisualScene(pugi::xml_node root)
         addMeshNode(scene, m_scene.meshes[i], m_meshes[i]);
 }
 
-void dae_writer::addChannel(pugi::xml_node animation, const track_ids& own, glm::length_t axis,
+void dae_writer::addSampler(pugi::xml_node animation, const track_ids& own, glm::length_t axis,
                             const std::vector<double>& times)
 {
     const char letter = "XYZ"[axis];
@@ -400,29 +400,28 @@ void dae_writer::addAnimations(pugi::xml_node root)
     for (std::size_t i = 0; i < times.size(); ++i)
         times[i] = static_cast<double>(i) / m_take->frame_rate;
     pugi::xml_node library = root.append_child("library_animations");
+    // One element for the whole take: readers make an animation out of each.
+    const std::string id = m_ids.make("take");
+    pugi::xml_node animation = addElement(library, "animation", id, take_name);
     for (const track_ids& own : m_animations)
-    {
-        pugi::xml_node animation = addElement(library, "animation", own.id, m_scene.bones[own.track->bone].name);
         for (glm::length_t axis = 0; axis < 3; ++axis)
-            addChannel(animation, own, axis, times);
+            addSampler(animation, own, axis, times);
+    for (const track_ids& own : m_animations)
         for (glm::length_t axis = 0; axis < 3; ++axis)
         {
-            const char letter = "XYZ"[axis];
+            const std::string letter(1, "XYZ"[axis]);
             pugi::xml_node channel = animation.append_child("channel");
             channel.append_attribute("source") = ("#" + own.id + letter + "-sampler").c_str();
-            const std::string target =
-                own.is_rotation ? std::string("rotate") + letter + ".ANGLE" : std::string("translate.") + letter;
+            const std::string target = own.is_rotation ? "rotate" + letter + ".ANGLE" : "translate." + letter;
             channel.append_attribute("target") = (m_bones[own.track->bone] + "/" + target).c_str();
         }
-    }
     pugi::xml_node clip =
-        addElement(root.append_child("library_animation_clips"), "animation_clip", m_ids.make("take"), take_name);
+        addElement(root.append_child("library_animation_clips"), "animation_clip", m_ids.make("clip"), take_name);
     std::string stop;
     appendNumber(stop, m_take->stop_seconds);
     clip.append_attribute("start") = "0";
     clip.append_attribute("end") = stop.c_str();
-    for (const track_ids& own : m_animations)
-        clip.append_child("instance_animation").append_attribute("url") = ("#" + own.id).c_str();
+    clip.append_child("instance_animation").append_attribute("url") = ("#" + id).c_str();
 }
 
 } // namespace

@@ -180,7 +180,11 @@ bool addMeshes(const RMV2_FILE_DATA& model, std::size_t lod, export_scene& scene
         mesh.material = scene.materials.size();
         left_out lost;
         addVertices(group.store, mesh, lost);
-        addTriangles(group.store, mesh, lost);
+        if (group.header.vertex_count > 0 && group.store.vertices.size() == 0)
+            scene.warnings.push_back(mesh.name + ": empty, its vertex format " +
+                                     std::to_string(group.header.vertex_format) + " is not known");
+        else
+            addTriangles(group.store, mesh, lost);
         if (!scene.bones.empty())
             addClusters(group.store, scene.bones.size(), mesh, lost);
         warn(scene, mesh.name, lost);

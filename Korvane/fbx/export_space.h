@@ -25,7 +25,8 @@ inline bool isFinite(const glm::quat& value)
 
 inline glm::dvec3 exportedDirection(const glm::vec3& value)
 {
-    return {-static_cast<double>(value.x), static_cast<double>(value.y), static_cast<double>(value.z)};
+    // 0 - x, which is never -0: a file of minus signs is hard to read.
+    return {0 - static_cast<double>(value.x), static_cast<double>(value.y), static_cast<double>(value.z)};
 }
 
 inline glm::dvec3 exportedTranslation(const glm::vec3& metres)

@@ -32,11 +32,14 @@ std::vector<std::uint32_t> movedBones(const std::vector<std::uint32_t>& bones, s
     return moved;
 }
 
-bool valueFailure(failure& why, std::uint32_t frame, const joint& bone)
+bool areNumbers(const anim_data& source, std::uint32_t frame, failure& why)
 {
-    return fail(why, failure_kind::malformed,
-                "frame " + std::to_string(frame) + ", bone " + std::to_string(bone.index) + " (" +
-                    displayText(bone.name) + "): the value is no number");
+    const auto translations = source.frameTranslations(frame);
+    for (std::size_t i = 0; i < translations.size(); ++i)
+        if (!isFinite(translations[i]))
+            return fail(why, failure_kind::malformed,
+                        "frame " + std::to_string(frame) + ", translation " + std::to_string(i) + " is no number");
+    return true;
 }
 
 } // namespace
@@ -65,14 +68,13 @@ bool makeTake(std::shared_ptr<const anim_data> animation_data, const anim_data& 
     const auto turned = movedBones(source->animated_rotations, source->rotation_count, pose.size());
     std::vector<std::vector<glm::dquat>> rotations(turned.size(), std::vector<glm::dquat>(made.frame_count));
     for (std::uint32_t frame = 0; frame < made.frame_count; ++frame)
+        if (!areNumbers(*source, frame, why))
+            return false;
+    for (std::uint32_t frame = 0; frame < made.frame_count; ++frame)
     {
         frames.sample(frame, 0, pose);
         for (export_track& track : made.translations)
-        {
-            if (!isFinite(pose[track.bone].translation))
-                return valueFailure(why, frame, pose[track.bone]);
             track.keys[frame] = exportedTranslation(pose[track.bone].translation);
-        }
         for (std::size_t i = 0; i < turned.size(); ++i)
             rotations[i][frame] = exportedRotation(pose[turned[i]].rotation);
     }
