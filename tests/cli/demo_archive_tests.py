@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The archives that korvane demo-data makes; called as cli_tests.py is."""
+"""The archives that korvane demo-data makes, and variant mesh definitions; called as cli_tests.py is."""
 
 import json
 import os
@@ -95,7 +95,7 @@ class demo_archives(cli_tests.cli_case):
             self.assertIn(b"a_demo_mod.pack, the archive that is read last", file.read())
 
 
-class variant(cli_case):
+class variant(cli_tests.cli_case):
     pack = archives.pack
     BODY = "man\\body.rigid_model_v2"
 
@@ -166,7 +166,7 @@ class variant(cli_case):
         self.expect_failure(["variant"], 2)
 
 
-class fbx_dump(cli_case):
+class fbx_dump(cli_tests.cli_case):
     TEXT = ("; FBX 7.5.0 project file\nFBXHeaderExtension:  {\n\tFBXVersion: 7500\n}\nObjects:  {\n"
             "\tGeometry: 5000000001, \"Geometry::K\u00f6rper\", \"Mesh\" {\n"
             "\t\tVertices: *3 {\n\t\t\ta: 0,0.5,-1\n\t\t}\n\t}\n}\n").encode()
