@@ -96,7 +96,7 @@ class demo_archives(cli_tests.cli_case):
 
 
 class variant(cli_tests.cli_case):
-    pack = archives.pack
+    pack = cli_tests.archives.pack
     BODY = "man\\body.rigid_model_v2"
 
     def setUp(self):
