@@ -1,5 +1,6 @@
 #include "Korvane/cli/anim_commands.h"
 
+#include "Korvane/archives/game_file.h"
 #include "Korvane/cli/commands.h"
 #include "Korvane/cli/game_files.h"
 
@@ -28,15 +29,21 @@ public:
 std::shared_ptr<const anim_data> loadAnim(cli_context& context, const std::string& operand, anim_depth depth,
                                           failure& why)
 {
-    memory_file bytes;
-    if (!readOperand(context, operand, bytes, why))
-        return nullptr;
     silent_prompt prompt;
     anim_file file(prompt);
-    file.openFromMemory(std::move(bytes), operand);
-    const bool is_loaded = depth == anim_depth::skeleton    ? file.loadSkeleton({}, why)
-                           : depth == anim_depth::animation ? file.loadAnimation({}, why)
-                                                            : file.loadTemplate({}, why);
+    std::string path; // empty: from memory; files on the disk are read no further than needed
+    if (isPackPath(operand) || operand.empty())
+    {
+        memory_file bytes;
+        if (!readOperand(context, operand, bytes, why))
+            return nullptr;
+        file.openFromMemory(std::move(bytes), operand);
+    }
+    else
+        path = operand;
+    const bool is_loaded = depth == anim_depth::skeleton    ? file.loadSkeleton(path, why)
+                           : depth == anim_depth::animation ? file.loadAnimation(path, why)
+                                                            : file.loadTemplate(path, why);
     return is_loaded ? std::make_shared<const anim_data>(file.data()) : nullptr;
 }
 

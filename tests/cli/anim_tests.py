@@ -51,6 +51,13 @@ class anim_info(cli_tests.cli_case):
         for a, e in zip(actual, expected):
             self.assertLess(abs(a - e), limit, (actual, expected))
 
+    def test_a_text_never_replaces_its_animation(self):
+        path = self.write("own.anim", clip(5))
+        for command in ("dump", "bone-table"):
+            self.expect_failure(["anim", command, path, "-o", path], 1, "replace")
+        with open(path, "rb") as file:
+            self.assertEqual(file.read(), clip(5))
+
     def test_what_the_file_says_is_reported(self):
         for version, options in ((5, {}), (7, {}), (7, {"sub_name": b"second"})):
             data = bytearray(clip(version, rate=24.5, end=2.25, **options))
