@@ -85,7 +85,7 @@ void readSetting(std::string_view name, const fbx_record& record, std::size_t po
     else if (name == "CoordAxisSign")
         sign(scene.right);
     else if (name == "UnitScaleFactor")
-        scene.unit_metres = record.numberAt(position, 1) * 0.01;
+        scene.unit_metres = record.numberAt(position, 1) / 100;
     else if (name == "TimeMode")
         time.mode = record.integerAt(position);
     else if (name == "CustomFrameRate")
