@@ -9,6 +9,7 @@
 #include "Korvane/cli/game_files.h"
 #include "Korvane/fbx/scene_exporter.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -64,6 +65,7 @@ private:
     bool exportFile(scene_exporter& exporter, const output_file& file, std::size_t number, std::size_t total,
                     failure& why);
     bool extractTextures(failure& why);
+    std::filesystem::path outputFolder() const;
     export_options sceneOptions() const;
     void report(std::size_t total);
 
@@ -232,25 +234,32 @@ bool export_run::extractTextures(failure& why)
     return true;
 }
 
-export_options export_run::sceneOptions() const
+// Where paths in the file begin; empty for a bare name.
+std::filesystem::path export_run::outputFolder() const
 {
     std::filesystem::path folder = toPath(m_options.output);
     if (!isFolder(m_options.output) && m_options.animations.size() < 2)
         folder = folder.parent_path();
-    folder = std::filesystem::absolute(folder);
-    const auto texturePath = [this, folder](const std::string& internal_path)
+    return folder;
+}
+
+std::string slashed(std::string path)
+{
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
+export_options export_run::sceneOptions() const
+{
+    std::error_code ignored;
+    const std::filesystem::path here = std::filesystem::current_path(ignored);
+    const std::filesystem::path folder = (here / outputFolder()).lexically_normal();
+    const auto texturePath = [this, here, folder](const std::string& internal_path)
     {
         const auto found = m_textures.find(internal_path);
-        if (found != m_textures.end() && !found->second.empty())
-        {
-            const std::filesystem::path target = std::filesystem::absolute(toPath(found->second)).lexically_normal();
-            std::string path = toUtf8(target.lexically_proximate(folder.lexically_normal()));
-            std::replace(path.begin(), path.end(), '\\', '/');
-            return path;
-        }
-        std::string path = displayText(internal_path);
-        std::replace(path.begin(), path.end(), '\\', '/');
-        return path;
+        if (found == m_textures.end() || found->second.empty())
+            return slashed(displayText(internal_path));
+        return slashed(toUtf8((here / toPath(found->second)).lexically_normal().lexically_proximate(folder)));
     };
     return {!m_options.is_without_materials, texturePath};
 }

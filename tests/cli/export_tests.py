@@ -325,6 +325,14 @@ class command(export_case):
         _, report = self.export("out")
         self.assertEqual(os.listdir(self.path("out")).count("demo_guard.fbx"), 1)
 
+    def test_bare_names_lie_in_the_folder_where_one_is(self):
+        for name, options in (("a.fbx", ["--textures", "tex"]), ("b.dae", [])):
+            done = subprocess.run(cli_tests.program + ["export", self.at(MODEL), "-o", name] + options, cwd=self.folder,
+                                  stdin=subprocess.DEVNULL, capture_output=True, timeout=120, check=False)
+            self.assertEqual(done.returncode, 0, done.stderr)
+            self.assertIn(name, os.listdir(self.folder))
+        self.assertIn(b"tex/variantmeshes/", read(self.path("a.fbx")))
+
     def test_operands_come_out_of_the_archives(self):
         _, out, err = korvane("export", "pack:" + MODEL, "-o", self.path("a.fbx"), "--skeleton", "pack:" + SKELETON,
                               "--anim", "pack:" + CLIP, "--textures", self.path("tex"), "--json", "--data", self.demo,
