@@ -321,7 +321,7 @@ class command(export_case):
     def test_folders_give_files_their_names(self):
         os.mkdir(self.path("out"))
         _, report = self.export("out", "--skeleton", self.at(SKELETON), "--format", "dae")
-        self.assertEqual(os.path.basename(report["files"][0]["path"]), "demo_guard__BIND_POSE.dae")
+        self.assertEqual(report["files"][0]["path"].replace("\\", "/").rsplit("/", 1)[-1], "demo_guard__BIND_POSE.dae")
         _, report = self.export("out")
         self.assertEqual(os.listdir(self.path("out")).count("demo_guard.fbx"), 1)
 
