@@ -1,5 +1,6 @@
 #include "Korvane/cli/anim_commands.h"
 
+#include "EASY_GUI/services/silent_prompt.h"
 #include "Korvane/archives/game_file.h"
 #include "Korvane/cli/commands.h"
 #include "Korvane/cli/game_files.h"
@@ -7,29 +8,10 @@
 namespace korvane
 {
 
-namespace
-{
-
-// The boxes say what the failures say, which are printed.
-class silent_prompt : public user_prompt
-{
-public:
-    void show(const std::string&, const std::string&, prompt_icon) override {}
-    bool confirm(const std::string&, const std::string&) override { return false; }
-    std::optional<std::string> pickOpenPath(const std::string&, const std::vector<file_filter>&) override { return {}; }
-    std::optional<std::string> pickSavePath(const std::string&, const std::vector<file_filter>&,
-                                            const std::string&) override
-    {
-        return {};
-    }
-};
-
-} // namespace
-
 std::shared_ptr<const anim_data> loadAnim(cli_context& context, const std::string& operand, anim_depth depth,
                                           failure& why)
 {
-    silent_prompt prompt;
+    silent_prompt prompt; // its boxes say what the failures say, which are printed
     anim_file file(prompt);
     std::string path; // empty: from memory; files on the disk are read no further than needed
     if (isPackPath(operand) || operand.empty())

@@ -1,8 +1,8 @@
 #include "Korvane/cli/game_files.h"
 
 #include "EASY_GUI/services/config_file.h"
+#include "EASY_GUI/services/silent_prompt.h"
 #include "EASY_GUI/services/text.h"
-#include "EASY_GUI/services/user_prompt.h"
 #include "Korvane/archives/game_file.h"
 #include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/pack_reader.h"
@@ -15,22 +15,6 @@ namespace korvane
 
 namespace
 {
-
-// Keeps the last message: whoever asked prints it as the failure, or as notes.
-class message_keeper : public user_prompt
-{
-public:
-    void show(const std::string&, const std::string& text, prompt_icon) override { message = text; }
-    bool confirm(const std::string&, const std::string&) override { return false; }
-    std::optional<std::string> pickOpenPath(const std::string&, const std::vector<file_filter>&) override { return {}; }
-    std::optional<std::string> pickSavePath(const std::string&, const std::vector<file_filter>&,
-                                            const std::string&) override
-    {
-        return {};
-    }
-
-    std::string message;
-};
 
 // Those of the command line; without any the configuration is loaded, and they are its.
 std::vector<std::string> dataFolders(const cli_context& context, config_file& config)
@@ -72,7 +56,7 @@ std::shared_ptr<const path_tree> loadArchives(cli_context& context, failure& why
     const pack_cache cache = pack_cache::of(config, context.config_path);
     // Folders of the command line are for once: a cache of them would replace that of the configuration's.
     const bool has_cache = context.data_folders.empty() && !context.is_without_cache;
-    message_keeper messages;
+    silent_prompt messages;
     const auto showProgress = [&context](std::size_t done, std::size_t of, const std::string& path)
     {
         context.progress("reading archive " + std::to_string(done + 1) + " of " + std::to_string(of) + ": " +
@@ -81,10 +65,10 @@ std::shared_ptr<const path_tree> loadArchives(cli_context& context, failure& why
     pack_reader reader({messages, {}, showProgress, has_cache ? &cache : nullptr});
     if (!reader.loadAllArchives(folders))
     {
-        fail(why, failure_kind::not_found, messages.message);
+        fail(why, failure_kind::not_found, messages.message());
         return nullptr;
     }
-    noteLines(context, messages.message);
+    noteLines(context, messages.message());
     for (const archive_listing& archive : reader.listings())
         for (const std::string& path : archive.left_out)
             context.note(displayText(describeLeftOut(archive, path)));
