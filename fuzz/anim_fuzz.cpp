@@ -1,8 +1,10 @@
 // Reads any bytes with each of the three loads. What loads must hold together and its texts can be made; a template and
-// an animation of the same bytes must agree.
+// an animation of the same bytes must agree, and so must loads from memory, from the disk, and from a disk file of
+// which only the header and the maps are at hand.
 
 #include "Korvane/animation/anim_dump.h"
 #include "Korvane/animation/anim_file.h"
+#include "Korvane/animation/anim_reader.h"
 #include "Korvane/animation/anim_writer.h"
 #include "Korvane/animation/bone_table.h"
 
@@ -10,6 +12,8 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 
 namespace
 {
@@ -27,7 +31,7 @@ class counting_prompt : public user_prompt
 public:
     void show(const std::string& title, const std::string& text, prompt_icon) override
     {
-        require(title == "Fatal Error!" && text.rfind("File: input: ", 0) == 0);
+        require(title == "Fatal Error!" && text.rfind("File: ", 0) == 0);
         ++shown;
     }
     bool confirm(const std::string&, const std::string&) override { return false; }
@@ -43,7 +47,7 @@ public:
 
 void checkTracks(const std::vector<std::uint32_t>& map, std::uint32_t count, const std::vector<std::uint32_t>& bones)
 {
-    require(bones.size() <= count && count <= map.size());
+    require(bones.size() <= count && bones.size() <= map.size());
     for (std::size_t i = 0; i < bones.size(); ++i)
         require(bones[i] < map.size() && hasTrack(map[bones[i]]) && (i == 0 || bones[i - 1] < bones[i]));
 }
@@ -126,9 +130,9 @@ void checkReadBack(const anim_data& data)
     if (data.animated_translations.size() != data.translation_count ||
         data.animated_rotations.size() != data.rotation_count || data.frame_count == 0 || data.frame_count > 1000)
         return;
-    std::vector<std::byte> bytes;
+    std::vector<std::byte> bytes, bytes_of_7;
     failure why;
-    require(makeAnim(outputOf(data), 5, bytes, why));
+    require(makeAnim(outputOf(data), 5, bytes, why) && makeAnim(outputOf(data), 7, bytes_of_7, why));
     counting_prompt prompt;
     anim_file again(prompt);
     again.openFromMemory(memory_file(std::span<const std::byte>(bytes)), "input");
@@ -137,6 +141,78 @@ void checkReadBack(const anim_data& data)
     require(again.data().animated_rotations == data.animated_rotations);
     require(sameNumbers(again.data().translations, data.translations));
     require(sameNumbers(again.data().rotations, data.rotations));
+    again.openFromMemory(memory_file(std::span<const std::byte>(bytes_of_7)), "input");
+    require(!again.loadAnimation({}, why)); // its blocks stand in another order
+}
+
+// The input on the disk, in a folder that is made once.
+class input_file
+{
+public:
+    input_file()
+    {
+        std::string pattern = (std::filesystem::temp_directory_path() / "korvane-anim-fuzz-XXXXXX").string();
+        require(mkdtemp(pattern.data()) != nullptr);
+        m_folder = pattern;
+    }
+    ~input_file()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_folder, ignored);
+    }
+
+    std::string write(std::span<const std::byte> bytes) const
+    {
+        const std::filesystem::path path = m_folder / "input.anim";
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        return path.string();
+    }
+
+private:
+    std::filesystem::path m_folder;
+};
+
+bool sameData(const anim_data& left, const anim_data& right)
+{
+    return sameHeads(left, right) && left.animated_rotations == right.animated_rotations &&
+           sameNumbers(left.static_translations, right.static_translations) &&
+           sameNumbers(left.static_rotations, right.static_rotations) &&
+           sameNumbers(left.translations, right.translations) && sameNumbers(left.rotations, right.rotations) &&
+           left.first_bone_offsets == right.first_bone_offsets;
+}
+
+// Bytes up to the static values: what a reader needs at hand.
+std::size_t headSize(const anim_data& data)
+{
+    std::size_t size = 14 + data.skeleton_name.size() + 8;
+    if (data.version == 7)
+        size += 4 + (data.sub_name_flag != 0 ? 2 + data.sub_name.size() : 0) + 8;
+    for (const anim_bone& bone : data.bones)
+        size += 6 + bone.name.size() + 8;
+    return size;
+}
+
+void checkOnDisk(std::span<const std::byte> bytes, const anim_file& from_memory, bool is_loaded, anim_depth depth)
+{
+    static const input_file input;
+    const std::string path = input.write(bytes);
+    counting_prompt prompt;
+    anim_file file(prompt);
+    failure why;
+    require((depth == anim_depth::animation ? file.loadAnimation(path, why) : file.loadTemplate(path, why)) ==
+            is_loaded);
+    if (!is_loaded)
+        return require(why.path == path && why.offset <= bytes.size());
+    require(sameData(file.data(), from_memory.data()));
+    positioned_file disk;
+    require(disk.open(path, why));
+    // Version 5 has its counts where version 7 has those of the static values.
+    const std::size_t head = std::min(headSize(file.data()) + (file.data().version == 5 ? 12 : 0), bytes.size());
+    anim_data behind_start;
+    // With so little at hand the order of the blocks may be doubted.
+    require(readAnim({bytes.first(head), &disk}, depth, behind_start, why) ? sameData(behind_start, file.data())
+                                                                           : why.field == "static block");
 }
 
 } // namespace
@@ -165,6 +241,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool is_animation = load(animation, &anim_file::loadAnimation, true);
     load(skeleton, &anim_file::loadSkeleton, false);
     const bool is_template = load(bones, &anim_file::loadTemplate, false);
+    if (bytes.size() > 14) // the rest has no header
+    {
+        checkOnDisk(bytes, animation, is_animation, anim_depth::animation);
+        checkOnDisk(bytes, bones, is_template, anim_depth::bones_only);
+    }
     require(prompt.shown == expected_boxes);
     require(!is_animation || (is_template && sameHeads(animation.data(), bones.data())));
 

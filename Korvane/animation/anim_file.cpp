@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <new>
 #include <utility>
 
 namespace korvane
@@ -37,48 +38,47 @@ bool anim_file::load(const std::string& path, anim_depth depth, failure& why)
     m_data = {};
     positioned_file file;
     failure found;
-    if (!path.empty() && !file.open(path, found))
-        m_prompt.show("Fatal Error!", "File: " + path + " is missing", prompt_icon::error);
-    else
+    const bool is_there = path.empty() || file.open(path, found);
+    if (is_there && read(file, depth, found))
     {
-        const std::string& name = path.empty() ? m_memory_name : path;
-        if (path.empty() ? readAnim({m_bytes.bytes()}, depth, m_data, found) : readFile(file, depth, found))
-        {
-            m_path = name;
-            return true;
-        }
-        found.path = name;
-        if (!isUnknownVersion(found))
-            m_prompt.show("Fatal Error!", "File: " + describe(found), prompt_icon::error);
+        m_path = path.empty() ? m_memory_name : path;
+        return true;
     }
+    found.path = path.empty() ? m_memory_name : path;
     reset();
+    if (!is_there)
+        m_prompt.show("Fatal Error!", "File: " + path + " is missing", prompt_icon::error);
+    else if (!isUnknownVersion(found))
+        m_prompt.show("Fatal Error!", "File: " + describe(found), prompt_icon::error);
     if (!why)
         why = std::move(found);
     return false;
 }
 
-// What comes before the frames fits into the first bytes of a sane file. Frames are decoded piece by piece as they come
-// from the disk, for memory of the file's size takes as long to get as to decode.
-bool anim_file::readFile(const positioned_file& file, anim_depth depth, failure& why)
+// Of a file on the disk only the start is read at once. Frames are decoded piece by piece as they come from there, for
+// memory of the file's size takes as long to get as to decode.
+bool anim_file::read(const positioned_file& file, anim_depth depth, failure& why)
 {
-    constexpr std::uint64_t start_size = 1u << 20;
-    for (const std::uint64_t wanted : {start_size, file.size()}) // a damaged file is read whole for a true reason
+    try
     {
-        memory_file start(static_cast<std::size_t>(std::min(wanted, file.size())));
+        if (!file.isOpen())
+            return readAnim({m_bytes.bytes()}, depth, m_data, why);
+        memory_file start(static_cast<std::size_t>(std::min(anim_start_bytes, file.size())));
         if (!file.readAt(0, start.mutableBytes()))
             return fail(why, failure_kind::unreadable, "the file cannot be read");
-        const bool is_whole = start.size() == file.size();
-        failure found;
-        m_data = {};
-        if (readAnim({start.bytes(), is_whole ? nullptr : &file}, depth, m_data, found))
-            return true;
-        if (is_whole || isUnknownVersion(found))
-        {
-            why = std::move(found);
-            return false;
-        }
+        return readAnim({start.bytes(), start.size() == file.size() ? nullptr : &file}, depth, m_data, why);
     }
-    return false;
+    catch (const std::bad_alloc&)
+    {
+        why = {};
+        return fail(why, failure_kind::unreadable, "there is not enough memory for it");
+    }
+}
+
+anim_data anim_file::takeData()
+{
+    m_path.clear();
+    return std::exchange(m_data, {});
 }
 
 void anim_file::reset()
@@ -91,23 +91,12 @@ void anim_file::reset()
 
 bool anim_file::readSkeletonName(std::span<const std::byte> start, std::string& name, failure& why)
 {
-    std::uint32_t version = 0;
-    return readAnimName(start, version, name, why);
+    return readAnimName(start, name_of_version::any, name, why);
 }
 
 bool anim_file::readHeaderName(std::span<const std::byte> start, std::string& name, failure& why)
 {
-    std::uint32_t version = 0;
-    std::string found;
-    if (!readAnimName(start, version, found, why))
-        return false;
-    if (version != 5 && version != 7)
-    {
-        why.field = why ? why.field : "version";
-        return fail(why, failure_kind::unsupported, "version " + std::to_string(version) + " instead of 5 or 7");
-    }
-    name = std::move(found);
-    return true;
+    return readAnimName(start, name_of_version::known, name, why);
 }
 
 glm::vec3 eulerDegrees(const glm::quat& rotation)
@@ -124,6 +113,15 @@ glm::vec3 eulerDegrees(const glm::quat& rotation)
         return static_cast<float>(angle) / 3.1415927f * 180.0f;
     };
     return {degrees(roll), degrees(pitch), degrees(yaw)};
+}
+
+std::vector<std::uint32_t> trackBones(std::span<const std::uint32_t> map, std::size_t value_count)
+{
+    std::vector<std::uint32_t> bones;
+    for (std::uint32_t bone = 0; bone < map.size() && bones.size() < value_count; ++bone)
+        if (hasTrack(map[bone]))
+            bones.push_back(bone);
+    return bones;
 }
 
 std::uint32_t frameCount(double frame_rate, double end_time_seconds)

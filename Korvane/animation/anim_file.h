@@ -89,6 +89,9 @@ enum class anim_depth
 // and -90 degrees, whatever the rotation's length.
 [[nodiscard]] glm::vec3 eulerDegrees(const glm::quat& rotation);
 
+// The bones that a map gives a track, ascending: all of them, or the first ones where a frame has fewer values.
+[[nodiscard]] std::vector<std::uint32_t> trackBones(std::span<const std::uint32_t> map, std::size_t value_count);
+
 // The frames of a take: frame_rate * end_time + 1, truncated; a product within 1e-6 of the next whole number is that.
 // 0 for products below -1 and for what is no number; never more than a u32 holds.
 [[nodiscard]] std::uint32_t frameCount(double frame_rate, double end_time_seconds);
@@ -110,8 +113,8 @@ public:
 
     // Each reads the file at a UTF-8 path, or with an empty path what openFromMemory() took. False, with the reason and
     // nothing kept, when the file is missing or does not fit its own numbers (docs/formats/anim.md, "Limits"): that the
-    // prompt is told as well. False without a word to the prompt when it is not one of version 5 or 7.
-    // A skeleton of version 7 must not have static values.
+    // prompt is told as well, and so it is when memory does not suffice. False without a word to the prompt when it is
+    // not one of version 5 or 7. A skeleton of version 7 must not have static values.
     [[nodiscard]] bool loadSkeleton(const std::string& path, failure& why);
     [[nodiscard]] bool loadAnimation(const std::string& path, failure& why);
     [[nodiscard]] bool loadTemplate(const std::string& path, failure& why);
@@ -119,6 +122,8 @@ public:
     void reset();
 
     const anim_data& data() const { return m_data; }
+    // What was loaded, for others to keep; then nothing is loaded.
+    [[nodiscard]] anim_data takeData();
     const std::string& path() const { return m_path; } // of the disk, or the name in memory; empty: nothing is loaded
 
     // The skeleton's name from a file's first bytes, whatever its version; false when they are too few.
@@ -128,7 +133,7 @@ public:
 
 private:
     bool load(const std::string& path, anim_depth depth, failure& why);
-    bool readFile(const positioned_file& file, anim_depth depth, failure& why);
+    bool read(const positioned_file& file, anim_depth depth, failure& why);
 
     user_prompt& m_prompt;
     memory_file m_bytes;

@@ -1,7 +1,10 @@
 #include "Korvane/animation/anim_reader.h"
 
 #include "EASY_GUI/services/byte_reader.h"
+#include "EASY_GUI/services/memory_file.h"
+#include "Korvane/animation/anim_block_order.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -22,6 +25,13 @@ std::string shortText(byte_reader& in, std::string_view length_field, std::strin
 {
     const std::uint16_t length = in.u16(length_field);
     return textFrom(in.bytes(length, field));
+}
+
+bool checkVersion(byte_reader& in, std::uint32_t version)
+{
+    return !in.ok() || version == 5 || version == 7 ||
+           in.fail(failure_kind::unsupported, "version " + std::to_string(version) + " instead of 5 or 7",
+                   version_field);
 }
 
 // docs/formats/anim.md, "The file". Every function leaves its errors in the byte_reader.
@@ -51,22 +61,26 @@ public:
             checkFrames();
         if (!m_in.finish(why))
             return false;
-        return m_depth != anim_depth::animation || decodeFrames(m_source, m_in.position(), m_data, why);
+        return m_depth != anim_depth::animation || decodeFrames(m_source, position(), m_data, why);
     }
 
 private:
     void readHeader();
     void readBones();
     void readMap(std::vector<std::uint32_t>& map, std::string_view field);
+    void checkBlockOrder();
     void readStaticBlock();
-    bool hasStaticBlockBehindCounts() const;
+    void goOnBehindStart(std::uint64_t wanted);
     void readCounts();
-    void listTracks(const std::vector<std::uint32_t>& map, std::uint32_t count, std::vector<std::uint32_t>& bones);
     void readBindPose();
     void checkFrames();
-    std::uint64_t left() const { return m_source.size() - m_in.position(); } // in the whole file
+    // In the whole file.
+    std::uint64_t position() const { return m_in_begin + m_in.position(); }
+    std::uint64_t left() const { return m_source.size() - position(); }
 
     byte_reader m_in;
+    std::uint64_t m_in_begin = 0;
+    memory_file m_behind_start; // what m_in reads when that is no longer the source's start
     anim_source m_source;
     anim_depth m_depth;
     anim_data& m_data;
@@ -75,12 +89,8 @@ private:
 void anim_reader::readHeader()
 {
     m_data.version = m_in.u32(version_field);
-    if (m_in.ok() && m_data.version != 5 && m_data.version != 7)
-    {
-        m_in.fail(failure_kind::unsupported, "version " + std::to_string(m_data.version) + " instead of 5 or 7",
-                  version_field);
+    if (!checkVersion(m_in, m_data.version))
         return;
-    }
     m_data.header_word = m_in.u32("header word");
     m_data.frame_rate = m_in.f32("frame rate");
     m_data.skeleton_name = shortText(m_in, "skeleton name length", "skeleton name");
@@ -124,6 +134,8 @@ void anim_reader::readBones()
         m_data.bones[i].index = i;
     }
     m_in.enter({});
+    if (m_in.ok() && m_data.version == 7)
+        checkBlockOrder();
     readMap(m_data.translation_map, "translation map");
     readMap(m_data.rotation_map, "rotation map");
 }
@@ -136,23 +148,25 @@ void anim_reader::readMap(std::vector<std::uint32_t>& map, std::string_view fiel
         map[i] = littleEndian<std::uint32_t>(bytes.data() + i * 4);
 }
 
-void anim_reader::readStaticBlock()
+void anim_reader::checkBlockOrder()
 {
-    const std::uint64_t begin = m_in.position();
-    if (hasStaticBlockBehindCounts())
-    {
-        m_in.failAt(begin, failure_kind::malformed,
+    const auto rest = m_source.start.subspan(static_cast<std::size_t>(m_in.position()));
+    if (const auto counts = findEarlyCounts(rest, m_data.bones.size()))
+        m_in.failAt(m_in.position() + *counts, failure_kind::malformed,
                     "the static values stand behind the track counts instead of before them, so that the frames cannot "
                     "be told apart from them",
                     "static block");
-        return;
-    }
+}
+
+void anim_reader::readStaticBlock()
+{
+    const std::uint64_t begin = m_in.position();
     const auto readCount = [this](std::uint64_t record_size, std::string_view field) -> std::uint32_t
     {
         const std::uint32_t count = m_in.u32(field);
-        if (m_in.ok() && !m_in.fits(count, record_size))
+        if (m_in.ok() && count > left() / record_size)
             m_in.fail(failure_kind::truncated,
-                      std::to_string(count) + " values do not fit into the " + std::to_string(m_in.left()) +
+                      std::to_string(count) + " values do not fit into the " + std::to_string(left()) +
                           " bytes that are left",
                       field);
         return m_in.ok() ? count : 0;
@@ -164,9 +178,12 @@ void anim_reader::readStaticBlock()
                     std::to_string(translations) + " static translations and " + std::to_string(rotations) +
                         " static rotations, but a skeleton has none",
                     "static block");
-    const auto translation_bytes =
-        m_in.bytes(std::uint64_t{translations} * anim_bytes::translation, "static translations");
-    const auto rotation_bytes = m_in.bytes(std::uint64_t{rotations} * anim_bytes::rotation, "static rotations");
+    constexpr std::uint64_t counts_bytes = 12;
+    const std::uint64_t translation_size = translations * anim_bytes::translation;
+    const std::uint64_t rotation_size = rotations * anim_bytes::rotation;
+    goOnBehindStart(translation_size + rotation_size + counts_bytes);
+    const auto translation_bytes = m_in.bytes(translation_size, "static translations");
+    const auto rotation_bytes = m_in.bytes(rotation_size, "static rotations");
     if (!m_in.ok())
         return;
     m_data.static_translations.resize(translations);
@@ -175,21 +192,21 @@ void anim_reader::readStaticBlock()
     decodeRotations(rotation_bytes, anim_space::of_the_file, m_data.static_rotations);
 }
 
-// Files that were written with the static block behind T, R and F would often be readable, as nonsense. They are known
-// by this: in that order everything fits to the byte. No file in the right order does, unless made to.
-bool anim_reader::hasStaticBlockBehindCounts() const
+// Static values are all that may be larger than a source's start. Fetches so many bytes, or those that are left.
+void anim_reader::goOnBehindStart(std::uint64_t wanted)
 {
-    byte_reader in = m_in;
-    const std::uint64_t translations = in.u32({}), rotations = in.u32({}), frames = in.u32({});
-    const std::uint32_t static_translations = in.u32({}), static_rotations = in.u32({});
-    const bool is_take = static_translations == 12 && static_rotations == 2;
-    const bool is_pose = static_translations == 0 && static_rotations == 0 && (translations != 0 || rotations != 0);
-    if (!in.ok() || (!is_take && !is_pose) || translations > m_data.bones.size() || rotations > m_data.bones.size())
-        return false;
-    const std::uint64_t frame_bytes = translations * anim_bytes::translation + rotations * anim_bytes::rotation;
-    return static_translations * anim_bytes::translation + static_rotations * anim_bytes::rotation +
-               frames * frame_bytes ==
-           m_source.size() - in.position();
+    if (!m_in.ok() || !m_source.file || wanted <= m_in.left())
+        return;
+    const std::uint64_t begin = position();
+    m_behind_start = memory_file(static_cast<std::size_t>(std::min(wanted, left())));
+    if (!m_source.file->readAt(begin, m_behind_start.mutableBytes()))
+    {
+        m_in.failAt(m_in.position(), failure_kind::unreadable, "the file cannot be read (was it changed?)",
+                    "static block");
+        return;
+    }
+    m_in = byte_reader(m_behind_start.bytes(), begin);
+    m_in_begin = begin;
 }
 
 void anim_reader::readCounts()
@@ -197,7 +214,8 @@ void anim_reader::readCounts()
     const auto readTrackCount = [this](std::string_view field)
     {
         const std::uint32_t count = m_in.u32(field);
-        if (m_in.ok() && count > m_data.bones.size())
+        // A skeleton's track i is bone i; other files may have values that belong to nobody.
+        if (m_in.ok() && m_depth == anim_depth::skeleton && count > m_data.bones.size())
             m_in.fail(failure_kind::malformed,
                       std::to_string(count) + " tracks, but only " + std::to_string(m_data.bones.size()) + " bones",
                       field);
@@ -208,17 +226,8 @@ void anim_reader::readCounts()
     m_data.frame_count = m_in.u32("frame count");
     if (!m_in.ok())
         return;
-    listTracks(m_data.translation_map, m_data.translation_count, m_data.animated_translations);
-    listTracks(m_data.rotation_map, m_data.rotation_count, m_data.animated_rotations);
-}
-
-// More bones with tracks than a frame has values: the last ones have none.
-void anim_reader::listTracks(const std::vector<std::uint32_t>& map, std::uint32_t count,
-                             std::vector<std::uint32_t>& bones)
-{
-    for (std::uint32_t bone = 0; bone < map.size() && bones.size() < count; ++bone)
-        if (hasTrack(map[bone]))
-            bones.push_back(bone);
+    m_data.animated_translations = trackBones(m_data.translation_map, m_data.translation_count);
+    m_data.animated_rotations = trackBones(m_data.rotation_map, m_data.rotation_count);
 }
 
 // Track i is bone i, whatever the maps say, and the first frame is there, whatever the frame count says.
@@ -261,15 +270,16 @@ bool readAnim(const anim_source& source, anim_depth depth, anim_data& data, fail
     return anim_reader(source, depth, data).read(why);
 }
 
-bool readAnimName(std::span<const std::byte> start, std::uint32_t& version, std::string& name, failure& why)
+bool readAnimName(std::span<const std::byte> start, name_of_version wanted, std::string& name, failure& why)
 {
     byte_reader in(start);
-    const std::uint32_t found_version = in.u32(version_field);
+    const std::uint32_t version = in.u32(version_field);
+    if (wanted == name_of_version::known)
+        static_cast<void>(checkVersion(in, version));
     in.skip(8, "header word and frame rate");
     std::string found = shortText(in, "skeleton name length", "skeleton name");
     if (!in.finish(why))
         return false;
-    version = found_version;
     name = std::move(found);
     return true;
 }

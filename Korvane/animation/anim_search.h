@@ -25,7 +25,8 @@ namespace korvane
 using entry_list = std::vector<const pack_file_node*>;
 using search_log = std::function<void(const std::string&)>; // a line without its end
 
-// The entries whose internal path ends with "skeletons\ID.anim", in any case. The first one is the one to load.
+// The entries whose internal path ends with "skeletons\ID.anim", in any case. The first one is the one to load
+// until somebody picks another.
 [[nodiscard]] entry_list findSkeletons(const path_tree& tree, std::string_view skeleton_id, const search_log& log = {});
 
 // Every entry with the extension "anim".

@@ -52,16 +52,6 @@ std::vector<std::uint32_t> bonesOf(const std::map<std::uint32_t, value>& values)
     return bones;
 }
 
-// The first bones with tracks, as a reader would find them.
-std::vector<std::uint32_t> trackBones(const std::vector<std::uint32_t>& map, std::size_t count)
-{
-    std::vector<std::uint32_t> bones;
-    for (std::uint32_t bone = 0; bone < map.size() && bones.size() < count; ++bone)
-        if (hasTrack(map[bone]))
-            bones.push_back(bone);
-    return bones;
-}
-
 class anim_writer
 {
 public:

@@ -26,7 +26,7 @@ std::shared_ptr<const anim_data> loadAnim(cli_context& context, const std::strin
     const bool is_loaded = depth == anim_depth::skeleton    ? file.loadSkeleton(path, why)
                            : depth == anim_depth::animation ? file.loadAnimation(path, why)
                                                             : file.loadTemplate(path, why);
-    return is_loaded ? std::make_shared<const anim_data>(file.data()) : nullptr;
+    return is_loaded ? std::make_shared<const anim_data>(file.takeData()) : nullptr;
 }
 
 void addAnimCommands(CLI::App& app, cli_context& context)

@@ -107,9 +107,7 @@ void runSearch(cli_context& context, const std::string& skeleton_id)
     if (context.is_json)
         return context.printJson(
             {{"skeletons", entriesJson(*tree, skeletons)}, {"animations", entriesJson(*tree, animations)}});
-    context.print(
-        entriesText(*tree, skeletons.size() > 1 ? "skeletons, the first one is loaded" : "skeletons", skeletons) +
-        entriesText(*tree, "animations", animations));
+    context.print(entriesText(*tree, "skeletons", skeletons) + entriesText(*tree, "animations", animations));
 }
 
 void addOutputCommand(CLI::App& anim, cli_context& context, const std::string& name, const std::string& about,

@@ -3,9 +3,10 @@
 #include "Korvane/cli/anim_commands.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/cli/anim_text.h"
+#include "Korvane/posing/skeleton_pose.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace korvane
 {
@@ -25,16 +26,6 @@ anim_depth depthOf(const info_options& options)
     return options.depth == "skeleton"   ? anim_depth::skeleton
            : options.depth == "template" ? anim_depth::bones_only
                                          : anim_depth::animation;
-}
-
-json arrayJson(const glm::vec3& value)
-{
-    return {jsonNumber(value.x), jsonNumber(value.y), jsonNumber(value.z)};
-}
-
-json arrayJson(const glm::quat& value)
-{
-    return {jsonNumber(value.x), jsonNumber(value.y), jsonNumber(value.z), jsonNumber(value.w)};
 }
 
 template <class range, class function>
@@ -131,168 +122,107 @@ std::string counted(std::size_t count, const std::string& thing)
     return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
 }
 
-// Right-aligned, without a minus before a zero.
-std::string column(float value, int width, int decimals)
+// What the file says of one kind of a bone's values.
+struct track_list
 {
-    char text[64];
-    const double wide = static_cast<double>(value);
-    const bool is_large = !(wide > -1e6 && wide < 1e6);
-    std::snprintf(text, sizeof text, is_large ? "%*.*g" : "%*.*f", width, is_large ? 4 : decimals, wide);
-    std::string result = text;
-    if (const std::size_t minus = result.find('-');
-        minus != result.npos && result.find_first_not_of(" -0.") == result.npos)
-        result[minus] = ' ';
-    return result;
-}
-
-std::string columns(const glm::vec3& value, int width, int decimals)
-{
-    return column(value.x, width, decimals) + column(value.y, width, decimals) + column(value.z, width, decimals);
-}
-
-// A bone's line begins with the branches that lead to it.
-struct tree_row
-{
-    std::size_t bone;
-    std::string label;
-    std::size_t width; // in characters
+    const std::vector<std::uint32_t>& map;
+    const std::vector<std::uint32_t>& bones; // that have a track, in the order of the tracks
+    std::size_t static_count;
 };
 
-// The bones as a tree, children in the order of the file. Those whose parents lead to no root follow, each alone.
-class bone_tree
+// The bone's track in a frame, the static value that the file names for it, or neither.
+std::string trackText(const track_list& tracks, std::size_t bone)
 {
-public:
-    explicit bone_tree(const anim_data& data) : m_data(data), m_children(data.bones.size()), m_seen(data.bones.size())
-    {
-        for (const anim_bone& bone : data.bones)
-            if (hasParent(bone))
-                m_children[static_cast<std::size_t>(bone.parent)].push_back(bone.index);
-        for (const anim_bone& bone : data.bones)
-            if (bone.parent == -1)
-                add(bone.index, "", "", 0);
-        for (const anim_bone& bone : data.bones)
-            if (!m_seen[bone.index])
-                addLine(bone.index, "", " (its parent " + std::to_string(bone.parent) + " leads nowhere)", 0);
-    }
-
-    const std::vector<tree_row>& rows() const { return m_rows; }
-
-private:
-    bool hasParent(const anim_bone& bone) const
-    {
-        return bone.parent >= 0 && static_cast<std::size_t>(bone.parent) < m_data.bones.size();
-    }
-    void addLine(std::size_t bone, const std::string& branches, const std::string& remark, std::size_t depth)
-    {
-        const std::string name = terminalText(m_data.bones[bone].name);
-        const auto continued = std::count_if(name.begin(), name.end(),
-                                             [](char byte)
-                                             {
-                                                 return (static_cast<unsigned char>(byte) & 0xc0) == 0x80;
-                                             });
-        m_rows.push_back({bone, branches + name + remark,
-                          depth * 3 + name.size() - static_cast<std::size_t>(continued) + remark.size()});
-        m_seen[bone] = true;
-    }
-    // As deep as there are bones, at most 256: a bone below itself is not reached from a root.
-    void add(std::size_t bone, const std::string& branch, const std::string& below, std::size_t depth)
-    {
-        addLine(bone, branch, "", depth);
-        const auto& children = m_children[bone];
-        for (std::size_t i = 0; i < children.size(); ++i)
-        {
-            const bool is_last = i + 1 == children.size();
-            add(children[i], below + (is_last ? "└─ " : "├─ "), below + (is_last ? "   " : "│  "), depth + 1);
-        }
-    }
-
-    const anim_data& m_data;
-    std::vector<std::vector<std::size_t>> m_children;
-    std::vector<bool> m_seen;
-    std::vector<tree_row> m_rows;
-};
-
-// "12", "static 3", or nothing for a bone that the file leaves alone. Entries from 10000 on count static values.
-std::string trackText(std::uint32_t entry, std::size_t static_count)
-{
+    const auto found = std::find(tracks.bones.begin(), tracks.bones.end(), bone);
+    if (found != tracks.bones.end())
+        return std::to_string(found - tracks.bones.begin());
+    const std::uint32_t entry = tracks.map[bone];
     if (entry == 0xffffffffu)
         return "-";
     if (hasTrack(entry))
-        return std::to_string(entry);
-    const std::uint32_t number = entry - 10000;
-    return entry >= 10000 && number < static_count ? "static " + std::to_string(number)
-                                                   : "none (" + std::to_string(entry) + ")";
+        return "cut off"; // the frames have fewer values
+    constexpr std::uint32_t first_static = 10000;
+    return entry >= first_static && entry - first_static < tracks.static_count
+               ? "static " + std::to_string(entry - first_static)
+               : "none (" + std::to_string(entry) + ")";
 }
 
 std::string treeText(const anim_data& data, bool is_skeleton)
 {
-    const bone_tree tree(data);
-    std::size_t width = 4;
-    for (const tree_row& row : tree.rows())
-        width = std::max(width, row.width);
-    const auto padded = [](std::string text, std::size_t shown, std::size_t to)
-    {
-        return text + std::string(to > shown ? to - shown : 0, ' ');
-    };
-    std::string text = "\n  #  " + padded("bone", 4, width) +
-                       (is_skeleton ? "        x        y        z, metres    roll   pitch     yaw, degrees\n"
+    std::vector<joint> joints = bindPose(data);
+    skeleton_tree tree;
+    static_cast<void>(tree.build(joints)); // damaged ones say so themselves
+    const std::vector<tree_row> rows = treeRows(tree);
+    const std::size_t width = labelWidth(rows, "bone");
+    std::string text = "\n  #  " + padded("bone", width) +
+                       (is_skeleton ? "         x         y         z, metres    roll   pitch     yaw, degrees\n"
                                     : "  translation   rotation track\n");
-    for (const tree_row& row : tree.rows())
+    for (const tree_row& row : rows)
     {
-        const anim_bone& bone = data.bones[row.bone];
-        char number[16];
-        std::snprintf(number, sizeof number, "%3zu", row.bone);
-        text += number + std::string("  ") + padded(row.label, row.width, width);
+        const auto index = static_cast<std::size_t>(row.node->index());
+        const std::string shown = std::to_string(index);
+        text += std::string(3 - std::min<std::size_t>(shown.size(), 3), ' ') + shown + "  " + padded(row.label, width);
         if (is_skeleton)
-            text += columns(bone.translation, 9, 4) + "        " + columns(eulerDegrees(bone.rotation), 8, 2) + "\n";
+            text += columns(row.node->translation(), 9, 4) + "        " +
+                    columns(eulerDegrees(row.node->rotation()), 7, 2) + "\n";
         else
-        {
-            const std::string move = trackText(data.translation_map[row.bone], data.static_translations.size());
-            text += "  " + padded(move, move.size(), 12) + "  " +
-                    trackText(data.rotation_map[row.bone], data.static_rotations.size()) + "\n";
-        }
+            text +=
+                "  " +
+                padded(trackText({data.translation_map, data.animated_translations, data.static_translations.size()},
+                                 index),
+                       12) +
+                "  " + trackText({data.rotation_map, data.animated_rotations, data.static_rotations.size()}, index) +
+                "\n";
     }
     return text;
 }
 
+std::string trackCountText(std::size_t count, std::size_t with_bones, const std::string& kind)
+{
+    return counted(count, kind + " track") +
+           (count > with_bones ? " (" + std::to_string(count - with_bones) + " of no bone)" : "");
+}
+
 std::string headText(const anim_data& data, const info_options& options)
 {
-    const anim_depth depth = depthOf(options);
-    const char* const kind = depth == anim_depth::skeleton ? "skeleton " : "made for the skeleton ";
-    std::string text = terminalText(options.anim) + "\n  " + kind + terminalText(data.skeleton_name) + ", version " +
-                       std::to_string(data.version) + ", header word " + std::to_string(data.header_word) + "\n";
+    const bool is_skeleton = depthOf(options) == anim_depth::skeleton;
+    std::string text = terminalText(options.anim) + "\n  ";
+    if (data.skeleton_name.empty())
+        text += is_skeleton ? "skeleton without a name" : "names no skeleton";
+    else
+        text += (is_skeleton ? "skeleton " : "made for the skeleton ") + terminalText(data.skeleton_name);
+    text += ", version " + std::to_string(data.version) + ", header word " + std::to_string(data.header_word) + "\n";
     if (data.sub_name_flag != 0)
-        text += "  second name " + terminalText(data.sub_name) + "\n";
-    text += "  " + counted(data.frame_count, "frame") + ", " + floatText(data.frame_rate) + " a second, " +
-            floatText(data.end_time) + " s\n";
-    text += "  " + counted(data.bones.size(), "bone") + "; " + counted(data.translation_count, "translation track") +
-            ", " + counted(data.rotation_count, "rotation track");
+        text += "  second name " + (data.sub_name.empty() ? "without a letter" : terminalText(data.sub_name)) + "\n";
+    text += "  " + counted(data.frame_count, "frame") + ", " + number(static_cast<double>(data.frame_rate)) +
+            " a second, " + number(static_cast<double>(data.end_time)) + " s\n";
+    text += "  " + counted(data.bones.size(), "bone") + "; " +
+            trackCountText(data.translation_count, data.animated_translations.size(), "translation") + ", " +
+            trackCountText(data.rotation_count, data.animated_rotations.size(), "rotation") + "\n";
     if (!data.static_translations.empty() || !data.static_rotations.empty())
-        text += "; static: " + counted(data.static_translations.size(), "translation") + ", " +
-                counted(data.static_rotations.size(), "rotation");
-    return text + "\n";
+        text += "  static: " + counted(data.static_translations.size(), "translation") + ", " +
+                counted(data.static_rotations.size(), "rotation") + " (poses leave such bones in the bind pose)\n";
+    return text;
 }
 
 std::string frameText(const anim_data& data, std::size_t frame)
 {
-    char time[48];
-    std::snprintf(time, sizeof time, "%.4f",
-                  data.frame_rate > 0 ? static_cast<double>(frame) / static_cast<double>(data.frame_rate) : 0.0);
-    std::string text = "\nframe " + std::to_string(frame) + ", " + time + " s\n";
+    std::string text = "\nframe " + std::to_string(frame);
+    if (data.frame_rate > 0)
+        text += ", " + number(static_cast<double>(frame) / static_cast<double>(data.frame_rate)) + " s";
+    text += "\n";
     const auto name = [&data](std::size_t bone)
     {
-        std::string shown = terminalText(data.bones[bone].name);
-        shown.resize(std::max<std::size_t>(shown.size(), 24), ' ');
-        return shown;
+        return "  " + padded(terminalText(data.bones[bone].name), 24);
     };
     const auto translations = data.frameTranslations(frame);
     for (std::size_t i = 0; i < data.animated_translations.size(); ++i)
-        text += "  " + name(data.animated_translations[i]) + " translation" + columns(translations[i], 10, 4) + "\n";
+        text += name(data.animated_translations[i]) + " translation" + columns(translations[i], 9, 4) + "\n";
     const auto rotations = data.frameRotations(frame);
     for (std::size_t i = 0; i < data.animated_rotations.size(); ++i)
-        text += "  " + name(data.animated_rotations[i]) + " rotation   " +
-                columns({rotations[i].x, rotations[i].y, rotations[i].z}, 10, 5) + column(rotations[i].w, 10, 5) +
-                "   degrees" + columns(eulerDegrees(rotations[i]), 9, 2) + "\n";
+        text += name(data.animated_rotations[i]) + " rotation   " +
+                columns({rotations[i].x, rotations[i].y, rotations[i].z}, 9, 5) + column(rotations[i].w, 9, 5) +
+                "   degrees" + columns(eulerDegrees(rotations[i]), 8, 2) + "\n";
     return text;
 }
 

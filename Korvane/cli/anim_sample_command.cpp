@@ -3,11 +3,11 @@
 #include "Korvane/cli/anim_commands.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/cli/anim_text.h"
 #include "Korvane/posing/skeleton_pose.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 namespace korvane
 {
@@ -23,7 +23,6 @@ struct sample_options
     std::uint64_t frame = 0;
     float fraction = 0;
     bool has_frame = false;
-    bool is_bind = false;
 };
 
 // A pose that was asked for.
@@ -32,16 +31,6 @@ struct wanted_pose
     playback_position position;
     std::optional<double> time; // when it was asked for by its time
 };
-
-json arrayJson(const glm::vec3& value)
-{
-    return {jsonNumber(value.x), jsonNumber(value.y), jsonNumber(value.z)};
-}
-
-json arrayJson(const glm::quat& value)
-{
-    return {jsonNumber(value.x), jsonNumber(value.y), jsonNumber(value.z), jsonNumber(value.w)};
-}
 
 json poseJson(const skeleton_pose& pose, const wanted_pose& wanted)
 {
@@ -59,95 +48,31 @@ json poseJson(const skeleton_pose& pose, const wanted_pose& wanted)
     return result;
 }
 
-// A blank and a number, in at least that many places.
-std::string column(float value, int width, int decimals)
-{
-    const double wide = static_cast<double>(value);
-    char text[40];
-    if (!std::isfinite(wide))
-        std::snprintf(text, sizeof text, " %*s", width, floatText(value).c_str());
-    else if (std::abs(wide) < 1e5)
-        std::snprintf(text, sizeof text, " %*.*f", width, decimals, wide);
-    else
-        std::snprintf(text, sizeof text, " %*.3g", width, wide);
-    std::string result = text;
-    if (result.find_first_of("123456789naif") == std::string::npos) // no minus in front of a zero
-        std::replace(result.begin(), result.end(), '-', ' ');
-    return result;
-}
-
-std::string columns(const glm::vec3& value, int width, int decimals)
-{
-    return column(value.x, width, decimals) + column(value.y, width, decimals) + column(value.z, width, decimals);
-}
-
-// A bone's line begins with its name, moved to the right by its depth in the tree.
-struct tree_row
-{
-    const skeleton_node* node;
-    std::string label;
-};
-
-std::vector<tree_row> treeRows(const skeleton_tree& tree)
-{
-    struct place
-    {
-        const skeleton_node* node;
-        std::size_t depth;
-    };
-    std::vector<place> open; // the next one last
-    const auto nodes = tree.nodes();
-    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node)
-        if (!node->parent() && &*node != tree.root())
-            open.push_back({&*node, 0});
-    if (tree.root())
-        open.push_back({tree.root(), 0});
-    std::vector<tree_row> rows;
-    while (!open.empty())
-    {
-        const place next = open.back();
-        open.pop_back();
-        rows.push_back({next.node, std::string(2 * next.depth, ' ') + terminalText(next.node->name())});
-        const auto children = next.node->children();
-        for (auto child = children.rbegin(); child != children.rend(); ++child)
-            open.push_back({*child, next.depth + 1});
-    }
-    return rows;
-}
-
-// In characters; a byte that goes on with one takes no room.
-std::size_t shownWidth(const std::string& text)
-{
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(),
-                                                  [](char byte)
-                                                  {
-                                                      return (static_cast<unsigned char>(byte) & 0xc0) != 0x80;
-                                                  }));
-}
-
 std::string poseText(const skeleton_pose& pose)
 {
     const std::vector<tree_row> rows = treeRows(pose.tree());
-    std::size_t width = 4;
+    const std::size_t width = labelWidth(rows, "bone");
+    std::string text = padded("bone", width) +
+                       "  translation, m             rotation, degrees       in the world, m\n" + padded("", width) +
+                       "        x        y        z     roll   pitch     yaw        x        y        z\n";
     for (const tree_row& row : rows)
-        width = std::max(width, shownWidth(row.label));
-    const auto padded = [width](const std::string& text)
-    {
-        return text + std::string(width - shownWidth(text), ' ');
-    };
-    std::string text = padded("bone") + "  translation, m             rotation, degrees       in the world, m\n" +
-                       padded("") + "        x        y        z     roll   pitch     yaw        x        y        z\n";
-    for (const tree_row& row : rows)
-        text += padded(row.label) + columns(row.node->translation(), 8, 3) + " " +
+        text += padded(row.label, width) + columns(row.node->translation(), 8, 3) + " " +
                 columns(eulerDegrees(row.node->rotation()), 7, 1) + columns(row.node->worldTranslation(), 8, 3) + "\n";
     return text;
 }
 
-std::string number(double value)
+// Frames beyond the last one are shown as that, on its way to the first one.
+std::string placeText(const playback_position& position, std::uint32_t frame_count)
 {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.6g", value);
-    return text;
+    if (frame_count == 0)
+        return "bind pose, for there are no frames";
+    const std::uint32_t last = frame_count - 1;
+    std::string text = "frame " + std::to_string(std::min(position.frame, last));
+    const double fraction = std::round(static_cast<double>(position.fraction) * 1e4) / 1e4;
+    if (fraction > 0)
+        text += " + " + number(fraction);
+    text += " of 0 to " + std::to_string(last);
+    return text + (position.frame > last ? " (" + std::to_string(position.frame) + " is behind the last)" : "");
 }
 
 std::string headText(const skeleton_pose& pose, const wanted_pose& wanted)
@@ -155,10 +80,7 @@ std::string headText(const skeleton_pose& pose, const wanted_pose& wanted)
     if (!pose.hasAnimation())
         return "bind pose\n";
     const animation& shown = pose.shownAnimation();
-    std::string text = "frame " + std::to_string(wanted.position.frame);
-    if (wanted.position.fraction > 0)
-        text += " + " + number(static_cast<double>(wanted.position.fraction));
-    text += " of " + std::to_string(shown.frameCount());
+    std::string text = placeText(wanted.position, shown.frameCount());
     if (wanted.time)
         text += ", at " + number(*wanted.time) + " s of " + number(shown.endTime()) + " s";
     return text + ", " + number(shown.frameRate()) + " frames a second\n";
@@ -189,13 +111,29 @@ std::shared_ptr<const anim_data> loadSkeletonFor(cli_context& context, const sam
         return loadAnim(context, options.skeleton, anim_depth::skeleton, why);
     const std::string path = "animations\\skeletons\\" + toLower(moves->skeleton_name) + ".anim";
     failure found;
-    auto skeleton = loadAnim(context, "pack:" + path, anim_depth::skeleton, found);
-    if (!skeleton && found.kind == failure_kind::not_found)
-        fail(why, failure_kind::not_found,
-             "its skeleton " + path + " is not at hand, give --skeleton SKEL (" + found.what + ")", options.anim);
-    else if (!skeleton)
-        why = found;
+    std::shared_ptr<const anim_data> skeleton;
+    if (moves->skeleton_name.empty())
+        fail(why, failure_kind::not_found, "it names no skeleton, give --skeleton SKEL", options.anim);
+    else if (!(skeleton = loadAnim(context, "pack:" + path, anim_depth::skeleton, found)))
+    {
+        if (found.kind == failure_kind::not_found)
+            fail(why, failure_kind::not_found,
+                 "its skeleton " + path + " is not at hand, give --skeleton SKEL (" + found.what + ")", options.anim);
+        else
+            why = found;
+    }
     return skeleton;
+}
+
+void noteMismatch(cli_context& context, const anim_data& moves, const anim_data& skeleton)
+{
+    if (moves.skeleton_name == skeleton.skeleton_name)
+        return;
+    const auto named = [](const anim_data& data)
+    {
+        return data.skeleton_name.empty() ? "a skeleton without a name" : terminalText(data.skeleton_name);
+    };
+    context.note("note: the animation is made for " + named(moves) + ", not for " + named(skeleton));
 }
 
 bool listPoses(const sample_options& options, const animation& shown, std::vector<wanted_pose>& list, failure& why)
@@ -230,9 +168,7 @@ void runSample(cli_context& context, const sample_options& options)
     std::vector<wanted_pose> list(1); // the bind pose
     if (moves)
     {
-        if (moves->skeleton_name != skeleton->skeleton_name)
-            context.note("note: the animation is made for " + terminalText(moves->skeleton_name) + ", not for " +
-                         terminalText(skeleton->skeleton_name));
+        noteMismatch(context, *moves, *skeleton);
         list.clear();
         if (!pose.setAnimation(moves, why) || !listPoses(options, pose.shownAnimation(), list, why))
             return context.fail(why);
@@ -266,7 +202,7 @@ void addAnimSampleCommand(CLI::App& anim, cli_context& context)
         ->type_name("SKEL")
         ->check(notEmpty());
     CLI::Option* const bind =
-        command->add_flag("--bind", options->is_bind, "The bind pose of the skeleton, without an animation");
+        command->add_flag("--bind")->description("The bind pose of the skeleton, without an animation");
     bind->excludes(file);
     command->add_option("--time", options->times, "A time in seconds; may be given more than once, and goes round")
         ->type_name("T")

@@ -46,8 +46,7 @@ void validate(const anim_data& data, anim_depth depth, std::size_t size)
         ASSERT_LE(bone.name.size(), anim_file::max_name);
     ASSERT_EQ(data.translation_map.size(), bones);
     ASSERT_EQ(data.rotation_map.size(), bones);
-    ASSERT_LE(data.translation_count, bones);
-    ASSERT_LE(data.rotation_count, bones);
+    ASSERT_TRUE(depth != anim_depth::skeleton || (data.translation_count <= bones && data.rotation_count <= bones));
     ASSERT_LE(data.animated_translations.size(), data.translation_count);
     ASSERT_LE(data.animated_rotations.size(), data.rotation_count);
     for (const std::uint32_t bone : data.animated_translations)
@@ -151,7 +150,9 @@ TEST(anim_damage, liesAreRefusedWithTheirPlace)
         {"a skeleton with static values", anim_depth::skeleton, statics, 1, failure_kind::malformed, "static block"},
         {"4 translations for 3 bones", anim_depth::skeleton, counts, 4, failure_kind::malformed,
          "translation track count"},
-        {"rotations", anim_depth::animation, counts + 4, 0xffffffff, failure_kind::malformed, "rotation track count"},
+        {"rotations", anim_depth::skeleton, counts + 4, 4, failure_kind::malformed, "rotation track count"},
+        {"rotations that are not there", anim_depth::animation, counts + 4, 0xffffffff, failure_kind::truncated,
+         "frame count"},
         {"frames", anim_depth::animation, counts + 8, 0xffffffff, failure_kind::truncated, "frame count"},
         {"one frame too many", anim_depth::animation, counts + 8, 2, failure_kind::truncated, "frame count"},
     };

@@ -162,6 +162,27 @@ TEST_F(anim_file_tests, moreBonesWithTracksThanValuesAreCut)
     EXPECT_EQ(data().translation_count, 2u);
 }
 
+TEST_F(anim_file_tests, moreValuesThanBonesBelongToNobody)
+{
+    test_anim source;
+    source.translation_count = 5;
+    for (auto& frame : source.frames)
+        frame.translations.resize(5, {7.0f, 8.0f, 9.0f});
+    for (const anim_depth depth : {anim_depth::animation, anim_depth::bones_only})
+    {
+        ASSERT_TRUE(load(depth, source.bytes())) << describe(why);
+        EXPECT_EQ(data().animated_translations, (bone_list{0, 2}));
+        EXPECT_EQ(data().translation_count, 5u);
+    }
+    ASSERT_TRUE(load(anim_depth::animation, source.bytes())) << describe(why);
+    EXPECT_EQ(data().frameTranslations(1)[1], glm::vec3(-0.5f, -0.5f, 8.0f));
+    EXPECT_EQ(data().frameRotations(1)[0].y, -1.0f); // still in step
+    EXPECT_EQ(data().first_bone_offsets, (std::vector<std::uint64_t>{99, 99 + 76}));
+    const anim_data taken = file.takeData();
+    EXPECT_EQ(taken.translations.size(), 10u);
+    EXPECT_TRUE(data().bones.empty() && file.path().empty());
+}
+
 TEST_F(anim_file_tests, framesMayHaveNothingToRead)
 {
     test_anim source;

@@ -146,29 +146,70 @@ TEST_F(anim_writer_tests, onlyTheFirstElevenBonesCanTakeTheStaticRotation)
 
 TEST_F(anim_writer_tests, version7FilesAreRefusedWithAClearReason)
 {
-    anim_output pose = sampleTake();
-    pose.is_single_pose = true;
-    pose.frames.resize(1);
-    pose.frames[0] = {{{0, {}}, {1, {}}, {2, {}}}, {{0, {1, 0, 0, 0}}, {1, {1, 0, 0, 0}}, {2, {1, 0, 0, 0}}}};
-    anim_output still = sampleTake();
+    anim_output take = sampleTake();
+    anim_output turning = take, still = take, empty = take, pose = take, half_pose = take;
+    turning.translation_map = {none, none, none};
+    for (anim_output::frame& frame : turning.frames)
+        frame.translations.clear();
     still.translation_map = still.rotation_map = {none, none, none};
     still.frames.assign(3, {});
-    anim_output empty = sampleTake();
     empty.frames.clear();
-    for (const anim_output& output : {sampleTake(), pose, still, empty})
+    pose.is_single_pose = half_pose.is_single_pose = true;
+    const glm::quat same(1, 0, 0, 0);
+    pose.frames = {{{{0, {}}, {1, {}}, {2, {}}}, {{0, same}, {1, same}, {2, same}}}};
+    half_pose.frames = {{{{0, {}}, {2, {}}}, {{0, same}, {1, same}}}}; // its maps have two entries
+    for (const anim_output& output : {take, turning, still, empty, pose, half_pose})
     {
-        ASSERT_FALSE(write(output, 7).empty()) << describe(why);
-        for (const anim_depth depth : {anim_depth::skeleton, anim_depth::animation, anim_depth::bones_only})
+        std::vector<std::byte> bytes;
+        ASSERT_TRUE(makeAnim(output, 7, bytes, why)) << describe(why);
+        for (const int more : {-7, -1, 0, 1, 500}) // as it is, and with some bytes more or less
+            for (const anim_depth depth : {anim_depth::skeleton, anim_depth::animation, anim_depth::bones_only})
+            {
+                std::vector<std::byte> changed = bytes;
+                changed.resize(bytes.size() + static_cast<std::size_t>(more));
+                anim_file file(prompt);
+                failure reason;
+                file.openFromMemory(memory_file(changed), "out.anim");
+                EXPECT_FALSE(depth == anim_depth::skeleton    ? file.loadSkeleton({}, reason)
+                             : depth == anim_depth::animation ? file.loadAnimation({}, reason)
+                                                              : file.loadTemplate({}, reason));
+                EXPECT_EQ(reason.field, "static block") << more << ", " << describe(reason);
+                EXPECT_NE(reason.what.find("behind the track counts"), std::string::npos) << describe(reason);
+            }
+    }
+}
+
+// Files in the right order whose numbers come close.
+TEST_F(anim_writer_tests, otherVersion7FilesAreRead)
+{
+    test::test_anim still; // two frames of 12 bones at the origin look like a take of 12 frames without tracks
+    still.version = 7;
+    still.bones.assign(12, {"b", -1});
+    still.translation_map.assign(12, 0);
+    still.rotation_map.assign(12, 0);
+    still.translation_count = still.rotation_count = 12;
+    still.frames.assign(2, {std::vector<std::array<float, 3>>(12), {12, {0, 0, 0, 32767}}});
+    test::test_anim one; // a bone with static values looks like a pose of a rotation
+    one.version = 7;
+    one.bones.resize(1);
+    one.translation_map = one.rotation_map = {0};
+    one.static_translations = {{0, 0, 3}};
+    one.static_rotations = {{0, 0, 0, 32767}, {0, 0, 0, 32767}};
+    one.translation_count = one.rotation_count = 1;
+    for (auto& frame : one.frames)
+        frame = {{{1, 2, 3}}, {{0, 0, 0, 32767}}};
+    test::test_anim twelve; // static values as many as a written take has
+    twelve.version = 7;
+    twelve.static_translations.assign(12, {0, 0, 0});
+    twelve.static_rotations.assign(2, {0, 0, 0, 32767});
+    for (const test::test_anim& source : {still, one, twelve})
+        for (const char* const trailing : {"", "more"})
         {
             anim_file file(prompt);
-            failure reason;
-            EXPECT_FALSE(depth == anim_depth::skeleton    ? file.loadSkeleton(path, reason)
-                         : depth == anim_depth::animation ? file.loadAnimation(path, reason)
-                                                          : file.loadTemplate(path, reason));
-            EXPECT_EQ(reason.field, "static block") << describe(reason);
-            EXPECT_NE(reason.what.find("behind the track counts"), std::string::npos) << describe(reason);
+            file.openFromMemory(memory_file(source.bytes() + trailing), "real.anim");
+            EXPECT_TRUE(file.loadAnimation({}, why)) << describe(why);
+            EXPECT_EQ(file.data().frame_count, 2u);
         }
-    }
 }
 
 TEST_F(anim_writer_tests, aSinglePoseIsTwoFramesWithMapsOfItsOwn)

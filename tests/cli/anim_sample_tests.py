@@ -133,13 +133,19 @@ class anim_sample(cli_tests.cli_case):
         out = korvane("anim", "sample", anim, "--skeleton", skeleton, "--time", "0.0125", "--time", "0.0875",
                       check=0)[1].decode("utf-8")
         lines = out.split("\n")
-        self.assertEqual(lines[0], "frame 0 + 0.25 of 2, at 0.0125 s of 0.05 s, 20 frames a second")
-        self.assertEqual(lines[8], "frame 0 + 0.75 of 2, at 0.0875 s of 0.05 s, 20 frames a second")
+        self.assertEqual(lines[0], "frame 0 + 0.25 of 0 to 1, at 0.0125 s of 0.05 s, 20 frames a second")
+        self.assertEqual(lines[8], "frame 0 + 0.75 of 0 to 1, at 0.0875 s of 0.05 s, 20 frames a second")
         self.assertEqual([line.rstrip() for line in lines[3:7]], [
-            "root       0.500    1.000    0.000      0.0     0.0     0.0    0.500    1.000    0.000",
-            "  spine    0.000    0.500    0.000      0.0     0.0    90.0    0.500    1.500    0.000",
-            "    arm    0.250    0.000    0.000      0.0     0.0     0.0    0.500    1.750    0.000",
-            "cl\u00f3ak      1e+30    0.000    0.000      0.0     0.0     0.0    1e+30    0.000    0.000"])
+            "root         0.500    1.000    0.000      0.0     0.0     0.0    0.500    1.000    0.000",
+            "\u2514\u2500 spine     0.000    0.500    0.000      0.0     0.0    90.0    0.500    1.500    0.000",
+            "   \u2514\u2500 arm    0.250    0.000    0.000      0.0     0.0     0.0    0.500    1.750    0.000",
+            "cl\u00f3ak        1e+30    0.000    0.000      0.0     0.0     0.0    1e+30    0.000    0.000"])
+        for frames, end, time, head in ((4, 4.0, 3.99999, "frame 3 + 0.9998 of 0 to 3 (79 is behind the last), at 3.99999"),
+                                        (20, 2.0, 0.1500001, "frame 3 of 0 to 19, at 0.15 s of 2 s"),
+                                        (0, 1.0, 0.5, "bind pose, for there are no frames, at 0.5 s of 1 s")):
+            path = self.write("odd.anim", anim_oracle.make(5, BONES[:1], [0], [NONE], [([(0, 1, 0)], [])] * frames, end=end))
+            out = korvane("anim", "sample", path, "--skeleton", skeleton, "--time", repr(time), check=0)[1]
+            self.assertTrue(out.decode("utf-8").startswith(head), out)
         out = korvane("anim", "sample", "--bind", "--skeleton", skeleton, check=0)[1]
         self.assertTrue(out.startswith(b"bind pose\nbone "), out)
 

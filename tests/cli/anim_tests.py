@@ -118,22 +118,40 @@ class anim_info(cli_tests.cli_case):
         self.assertEqual(text.splitlines()[1:], [
             "  made for the skeleton rig01, version 7, header word 1",
             "  2 frames, 30 a second, 0.5 s",
-            "  4 bones; 2 translation tracks, 2 rotation tracks; static: 1 translation, 1 rotation",
+            "  4 bones; 2 translation tracks, 2 rotation tracks",
+            "  static: 1 translation, 1 rotation (poses leave such bones in the bind pose)",
             "",
             "  #  bone         translation   rotation track",
             "  0  root         0             0",
             "  1  \u251c\u2500 spine     static 0      -",
             "  2  \u2502  \u2514\u2500 arm \u00fc  1             static 0",
-            "  3  \u2514\u2500 leg       -             8999"])
+            "  3  \u2514\u2500 leg       -             1"])
         frames = korvane("anim", "info", path, "--frames", check=0)[1].decode("utf-8")
-        self.assertTrue(frames.startswith(text + "\nframe 0, 0.0000 s\n"))
-        self.assertIn("\nframe 1, 0.0333 s\n  root                     translation   -0.7500    1.5000   -2.5000\n", frames)
-        lost = [(b"a", -1), (b"b", 7), (b"c", 3), (b"d", 2), (b"e\x1b", -1)]
-        still = anim_oracle.make(5, lost, [NONE] * 5, [NONE] * 5, [([], [])])
-        text = korvane("anim", "info", self.write("lost.anim", still), check=0)[1].decode("utf-8")
-        self.assertEqual([line.split("  -")[0].rstrip() for line in text.splitlines()[6:]], [
-            "  0  a", "  4  e\\x1b", "  1  b (its parent 7 leads nowhere)", "  2  c (its parent 3 leads nowhere)",
-            "  3  d (its parent 2 leads nowhere)"])
+        self.assertTrue(frames.startswith(text + "\nframe 0, 0 s\n"))
+        self.assertIn("\nframe 1, 0.0333333 s\n  root                     translation   -0.7500    1.5000   -2.5000\n", frames)
+    def test_the_text_of_odd_files(self):
+        lost = [(b"a", -1), (b"b", 7), (b"c", 3), (b"d", 2), (b"e\x1b", -1), (b"f", 2)]
+        huge = anim_oracle.make(5, lost, range(6), range(6), [([(-1e38, float("nan"), 99999.0)] * 6,
+                                                               [(0, 0, 0, 32767)] * 6)], skeleton=b"")
+        path = self.write("lost.anim", huge)
+        labels = ["a", "e\\x1b", "b (its parent 7 is none of the bones)", "c (its parent 3 leads back to it)",
+                  "\u2514\u2500 f", "d (its parent 2 leads back to it)"]
+        info, pose = (korvane("anim", *arguments, check=0)[1].decode("utf-8").splitlines() for arguments in
+                      (("info", path, "--as", "skeleton"), ("sample", "--skeleton", path)))
+        self.assertIn("skeleton without a name", info[1])
+        for lines, start in (info[6:], 5), (pose[3:], 0):
+            self.assertEqual([line[start:].split("  ")[0] for line in lines], labels)
+            for line in lines:  # apart and in line
+                self.assertEqual(line[start + len(max(labels, key=len)):].split()[:3], ["1e+38", "nan", "99999"])
+                self.assertEqual(len(line), len(lines[0]))
+        # Tracks are counted as frames have them; T is smaller than the map says, and R larger.
+        odd = anim_oracle.make(7, BONES, [8999, 20, 10001, 9000], [NONE, 5, NONE, NONE],
+                               [([(1, 2, 3)], [(0, 0, 0, 32767)] * 3)], statics=([(1, 2, 3)], []), skeleton=b"")
+        text = korvane("anim", "info", self.write("odd.anim", odd), check=0)[1].decode("utf-8").splitlines()
+        self.assertIn("names no skeleton", text[1])
+        self.assertEqual(text[3], "  4 bones; 1 translation track, 3 rotation tracks (2 of no bone)")
+        self.assertEqual([line[17:].split("  ", 1)[0].strip() + "|" + line[32:] for line in text[7:]],
+                         ["0|-", "cut off|0", "none (10001)|-", "none (9000)|-"])
 
     def test_wrong_command_lines_and_files(self):
         path = self.write("clip.anim", clip(5))
@@ -235,7 +253,7 @@ class demo_animations(cli_tests.cli_case):
         self.assertEqual(len(animations["humanoid01"]), 73)
         text = korvane("anim", "search", "humanoid01", *self.data, check=0)[1].decode("utf-8").splitlines()
         self.assertEqual([line for line in text if not line.startswith("  ")],
-                         ["skeletons, the first one is loaded: 2", "animations: 73"])
+                         ["skeletons: 2", "animations: 73"])
         self.assertIn("hu1_wave.anim", text[-1])
         self.assertTrue(text[-1].endswith("a_demo_mod.pack"), text[-1])
 
