@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/byte_reader.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string_view>
 
 namespace korvane
