@@ -33,6 +33,13 @@ std::string padded(std::string_view text, std::size_t width)
     return result;
 }
 
+std::string_view trimmed(std::string_view text)
+{
+    constexpr std::string_view blanks = " \t\r";
+    const std::size_t begin = std::min(text.find_first_not_of(blanks), text.size());
+    return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+}
+
 } // namespace
 
 std::string_view boneType(const anim_bone& bone)
@@ -85,6 +92,35 @@ std::string boneTable(const anim_data& skeleton, std::string_view line_end)
         line(padded(bone.name + ',', name_width) + padded(boneType(bone), type_width) + "\t\t\t" +
              std::to_string(bone.index));
     return text;
+}
+
+bool readBoneTable(std::string_view text, std::vector<std::string>& names, failure& why)
+{
+    constexpr std::string_view mark = "\xef\xbb\xbf"; // some editors put it before UTF-8
+    if (text.starts_with(mark))
+        text.remove_prefix(mark.size());
+    std::vector<std::string> found;
+    std::size_t offset = 0;
+    for (std::size_t number = 1; offset < text.size(); ++number)
+    {
+        const std::size_t end = std::min(text.find('\n', offset), text.size());
+        const std::string_view line = trimmed(text.substr(offset, end - offset));
+        const std::size_t comma = line.find(',');
+        if (comma != std::string_view::npos && !line.starts_with("//"))
+            found.emplace_back(trimmed(line.substr(0, comma)));
+        else if (!line.empty() && !line.starts_with("//") && line.find('=') == std::string_view::npos)
+        {
+            if (!why)
+                why = {failure_kind::malformed, "neither a bone with its type nor a setting nor a comment", "", offset,
+                       "line " + std::to_string(number)};
+            return false;
+        }
+        offset = end + 1;
+    }
+    if (found.empty())
+        return fail(why, failure_kind::malformed, "there is no bone in the table");
+    names = std::move(found);
+    return true;
 }
 
 bool writeBoneTable(const anim_data& skeleton, const std::string& path, failure& why)

@@ -1,5 +1,6 @@
 #include "Korvane/cli/anim_commands.h"
 
+#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/silent_prompt.h"
 #include "Korvane/archives/game_file.h"
 #include "Korvane/cli/commands.h"
@@ -27,6 +28,17 @@ std::shared_ptr<const anim_data> loadAnim(cli_context& context, const std::strin
                            : depth == anim_depth::animation ? file.loadAnimation(path, why)
                                                             : file.loadTemplate(path, why);
     return is_loaded ? std::make_shared<const anim_data>(file.takeData()) : nullptr;
+}
+
+bool isFreeToWrite(const std::vector<std::string>& inputs, const std::string& output, failure& why)
+{
+    for (const std::string& input : inputs)
+    {
+        std::error_code error;
+        if (std::filesystem::equivalent(toPath(input), toPath(output), error) && !error)
+            return fail(why, failure_kind::refused, "this would replace the file that is read", output);
+    }
+    return true;
 }
 
 void addAnimCommands(CLI::App& app, cli_context& context)

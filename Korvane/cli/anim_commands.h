@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace korvane
 {
@@ -19,5 +20,8 @@ void addAnimFileCommands(CLI::App& anim, cli_context& context); // dump, bone-ta
 // reason, when that fails.
 [[nodiscard]] std::shared_ptr<const anim_data> loadAnim(cli_context& context, const std::string& operand,
                                                         anim_depth depth, failure& why);
+
+// False, with the reason, when the output would replace a file that it is made of.
+[[nodiscard]] bool isFreeToWrite(const std::vector<std::string>& inputs, const std::string& output, failure& why);
 
 } // namespace korvane

@@ -2,7 +2,6 @@
 
 #include "Korvane/cli/anim_commands.h"
 
-#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/animation/anim_dump.h"
 #include "Korvane/animation/anim_search.h"
@@ -35,19 +34,11 @@ anim_origin originOf(cli_context& context, const std::string& operand)
     return {node->file()->archive().name, std::string(node->file()->internalPath())};
 }
 
-// A text never takes the place of the file that it is made of.
-bool isFreeToWrite(const output_options& options, failure& why)
-{
-    std::error_code error;
-    const bool is_same = std::filesystem::equivalent(toPath(options.anim), toPath(options.output), error) && !error;
-    return !is_same || fail(why, failure_kind::refused, "this would replace the file that is read", options.output);
-}
-
 void runDump(cli_context& context, const output_options& options)
 {
     failure why;
     const auto data = loadAnim(context, options.anim, anim_depth::animation, why);
-    if (!data || !isFreeToWrite(options, why) ||
+    if (!data || !isFreeToWrite({options.anim}, options.output, why) ||
         !writeAnimDump(*data, originOf(context, options.anim), options.output, why))
         context.fail(why);
 }
@@ -56,7 +47,7 @@ void runBoneTable(cli_context& context, const output_options& options)
 {
     failure why;
     const auto data = loadAnim(context, options.anim, anim_depth::bones_only, why);
-    if (!data || !isFreeToWrite(options, why) || !writeBoneTable(*data, options.output, why))
+    if (!data || !isFreeToWrite({options.anim}, options.output, why) || !writeBoneTable(*data, options.output, why))
         context.fail(why);
 }
 

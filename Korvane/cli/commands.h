@@ -11,6 +11,7 @@ void addInfoCommand(CLI::App& app, cli_context& context);
 void addArchiveCommands(CLI::App& app, cli_context& context);
 void addAnimCommands(CLI::App& app, cli_context& context);
 void addConfigCommand(CLI::App& app, cli_context& context);
+void addConvertCommand(CLI::App& app, cli_context& context);
 void addDemoDataCommand(CLI::App& app, cli_context& context);
 void addExportCommand(CLI::App& app, cli_context& context);
 void addFbxCommand(CLI::App& app, cli_context& context);

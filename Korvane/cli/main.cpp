@@ -82,6 +82,7 @@ int run(const std::vector<std::string>& arguments)
     addArchiveCommands(app, context);
     addVariantCommand(app, context);
     addExportCommand(app, context);
+    addConvertCommand(app, context);
     addFbxCommand(app, context);
     addAnimCommands(app, context);
     addConfigCommand(app, context);

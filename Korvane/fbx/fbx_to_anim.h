@@ -1,0 +1,69 @@
+#pragma once
+
+// Turns the first take of an FBX file into an .anim file for a template's bones (docs/formats/fbx.md, "Conversion to
+// .anim"). The template says which bones there are, in which order, and which of them have tracks; the FBX file says
+// how they move. The console program and the dialog drive it. Keeps no state; one thread at a time for each request.
+
+#include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/user_prompt.h"
+#include "Korvane/animation/anim_file.h"
+#include "Korvane/animation/anim_writer.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvane
+{
+
+// The list of the configuration that every written file is added to, by its whole path.
+inline constexpr std::string_view converted_files_key = "FBX_CONVERTED_FILES";
+
+// What a conversion takes on: more frames, or more bytes of them, are refused.
+inline constexpr std::uint32_t max_converted_frames = 1000000;
+inline constexpr std::uint64_t max_converted_bytes = std::uint64_t{128} << 20;
+// Frames a second.
+inline constexpr double slowest_converted_rate = 1e-3, fastest_converted_rate = 1e6;
+
+struct anim_conversion
+{
+    std::string fbx_path; // for messages
+    std::span<const std::byte> fbx;
+    // Loaded as a template or, so that bones without a match have its first frame's values, as an animation.
+    const anim_data* template_data = nullptr;
+    std::uint32_t version = 5;                              // of the file: 5 or 7
+    std::optional<double> frame_rate;                       // without: the file's
+    std::optional<double> start_seconds;                    // of the take's own time; without: its first key
+    std::optional<double> end_time;                         // seconds from there on; without: the last key
+    std::optional<std::uint32_t> frame_count;               // in the place of an end time
+    std::optional<std::vector<std::string>> bone_selection; // of the template's, in this order; without: all
+};
+
+struct anim_conversion_ports
+{
+    std::function<void(const std::string& line)> log; // one line, without its end; UTF-8 but for names out of files
+    std::function<void(std::uint32_t frame, std::uint32_t of)> progress; // may be empty
+};
+
+struct anim_conversion_result
+{
+    anim_output anim;
+    std::vector<std::string> unmatched; // the bones that the FBX file does not have
+};
+
+// False when the FBX file cannot be read, when it has none of the bones, or when what it says is no number; the result
+// is then good for nothing. Whatever else is amiss is only logged.
+[[nodiscard]] bool convertToAnim(const anim_conversion& request, const anim_conversion_ports& ports,
+                                 anim_conversion_result& result, failure& why);
+
+// The same, and writes the file: whole or not at all. The log's last line is "Sucess!" or "Failure".
+[[nodiscard]] bool convertToAnimFile(const anim_conversion& request, const std::string& output_path,
+                                     const anim_conversion_ports& ports, user_prompt& prompt,
+                                     anim_conversion_result& result, failure& why);
+
+} // namespace korvane

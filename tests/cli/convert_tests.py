@@ -1,0 +1,279 @@
+#!/usr/bin/env python3
+"""korvane convert as a user types it: animations that were exported come back, files of different programs' spaces give
+the same result, which is worked out by hand, and damaged files are refused. Same usage as cli_tests.py."""
+
+import json
+import math
+import os
+import unittest
+
+import anim_oracle
+import cli_tests
+import fbx_text
+from cli_tests import korvane
+
+NO_TURN = (0, 0, 0, 32767)
+ONE = (1, 1, 1)
+BONES = ((b"root", -1), (b"arm", 0), (b"prop", 1))
+MATCHES_NOTHING = "ERROR: Skeletons do not match, have you selected right files"
+
+
+def skeleton(bones=BONES, version=5, **more):
+    """Every bone has both tracks; bone i stands at (i, 0.5, 0), the last one is turned upside down about X."""
+    count = len(bones)
+    frame = ([(float(i), 0.5, 0.0) for i in range(count)], [NO_TURN] * (count - 1) + [(32767, 0, 0, 0)])
+    return anim_oracle.make(version, bones, range(count), range(count), [frame], rate=30.0, **more)
+
+
+# In metres, Y up: the root moves a metre along X in a second, the arm two metres above it turns a quarter about Z, the
+# prop stands half a metre along the arm's X.
+def figure(metre=1.0, **more):
+    nodes = [("root", "LimbNode", None, (0, 0, 0), (0, 0, 0), ONE),
+             ("arm", "LimbNode", 0, (0, 2 * metre, 0), (0, 0, 0), ONE),
+             ("prop", "LimbNode", 1, (0.5 * metre, 0, 0), (0, 0, 0), ONE)]
+    keys = {(0, "T"): [(0, (0, 0, 0)), (1, (metre, 0, 0))], (1, "R"): [(0, (0, 0, 0)), (1, (0, 0, 90))]}
+    return fbx_text.text(nodes, keys, unit=100 / metre, **more)
+
+
+def wanted(frame, count=21):
+    """As files have it: per bone translation and rotation, relative to the parent."""
+    half = math.radians(90 * frame / (count - 1)) / 2
+    still = (0, 0, 0, 1)
+    return [((frame / (count - 1), 0, 0), still), ((0, 2, 0), (0, 0, math.sin(half), math.cos(half))),
+            ((0.5, 0, 0), still)]
+
+
+# The same motion as other programs would save it: (what, file).
+def spaces():
+    yield "inches", figure(39.37007874)
+    yield "centimetres, a take that begins at two seconds", None
+    nodes = [("Armature", "Null", None, (0, 0, 0), (-90, 0, 0), (100, 100, 100)),
+             ("root", "LimbNode", 0, (0, 0, 0), (90, 0, 0), ONE),
+             ("arm", "LimbNode", 1, (0, 2, 0), (0, 0, 0), ONE), ("prop", "LimbNode", 2, (0.5, 0, 0), (0, 0, 0), ONE)]
+    keys = {(1, "T"): [(0, (0, 0, 0)), (1, (1, 0, 0))], (2, "R"): [(0, (0, 0, 0)), (1, (0, 0, 90))]}
+    yield "a node above that turns and scales", fbx_text.text(nodes, keys)
+    z_up = (("Coord", 0, 1), ("Up", 2, 1), ("Front", 1, -1))
+    nodes = [("root", "LimbNode", None, (0, 0, 0), (90, 0, 0), ONE)] + [
+        (name, kind, parent - 1, *rest) for name, kind, parent, *rest in nodes[2:]]
+    keys = {(node - 1, channel): value for (node, channel), value in keys.items()}
+    yield "metres, Z up", fbx_text.text(nodes, keys, unit=100, axes=z_up)
+    nodes = [("root", "LimbNode", None, (0, 0, 0), (0, 0, 0), (2, 2, 2)),
+             ("prop", "LimbNode", 0, (0.25, 1, 0), (0, 0, 0), ONE),
+             ("arm", "LimbNode", 0, (0, 1, 0), (0, 0, 0), (0, 3, 0.001))]
+    arc = [(i / 20, math.radians(90 * i / 20)) for i in range(21)]
+    keys = {(0, "T"): [(0, (0, 0, 0)), (1, (1, 0, 0))], (2, "R"): [(0, (0, 0, 0)), (1, (0, 0, 90))],
+            (1, "T"): [(t, (0.25 * math.cos(a), 1 + 0.25 * math.sin(a), 0)) for t, a in arc],
+            (1, "R"): [(0, (0, 0, 0)), (1, (0, 0, 90))]}
+    yield "another hierarchy, a scale of nothing", fbx_text.text(nodes, keys, unit=100)
+    mirrored = (("Coord", 0, -1), ("Up", 1, 1), ("Front", 2, 1))
+    nodes = [("root", "LimbNode", None, (0, 0, 0), (0, 0, 0), ONE), ("arm", "LimbNode", 0, (0, 2, 0), (0, 0, 0), ONE),
+             ("prop", "LimbNode", 1, (-0.5, 0, 0), (0, 0, 0), ONE)]
+    keys = {(0, "T"): [(0, (0, 0, 0)), (1, (-1, 0, 0))], (1, "R"): [(0, (0, 0, 0)), (1, (0, 0, -90))]}
+    yield "left-handed", fbx_text.text(nodes, keys, unit=100, axes=mirrored)
+
+
+class convert(cli_tests.cli_case):
+    def setUp(self):
+        super().setUp()
+        self.config = self.path("config.cfg")
+        self.template = self.write("skeleton.anim", skeleton())
+        self.fbx = self.write("figure.fbx", figure())
+        self.out = self.path("out.anim")
+
+    def convert(self, *options, fbx=None, template=None, check=0):
+        return korvane("convert", fbx or self.fbx, "--template", template or self.template, "-o", self.out,
+                       "--config", self.config, *options, check=check)
+
+    def read_out(self):
+        with open(self.out, "rb") as file:
+            return file.read()
+
+    def made(self):
+        return anim_oracle.Anim(self.read_out())
+
+    def assert_near(self, actual, expected, tolerance):
+        for a, b in zip(actual, expected):
+            self.assertLessEqual(abs(a - b), tolerance, (actual, expected))
+
+    def assert_motion(self, anim, frames):
+        self.assertEqual(len(anim.frames), frames)
+        for i, (translations, rotations) in enumerate(anim.frames):
+            for (moved, turned), (x, y, z), (a, b, c, w) in zip(wanted(i), translations, rotations):
+                self.assert_near((-x, y, z), moved, 1e-6)  # the oracle reads into the program's space
+                self.assert_near((a, -b, -c, w), turned, 1.01 / 32767)
+
+    def test_the_same_motion_comes_out_of_every_space(self):
+        for what, data in spaces():
+            with self.subTest(space=what):
+                if data is None:
+                    late = figure(100).decode().replace("a: 0,%d\n" % fbx_text.TICKS, "a: %d,%d\n" % (
+                        2 * fbx_text.TICKS, 3 * fbx_text.TICKS))
+                    data = late.encode()
+                self.convert(fbx=self.write("space.fbx", data))
+                anim = self.made()
+                self.assertEqual((anim.version, anim.rate, anim.end, anim.bones), (5, 20.0, 1.0, list(BONES)))
+                self.assert_motion(anim, 21)
+
+    def test_what_was_exported_comes_back(self):
+        korvane("demo-data", self.path("demo"), "--quiet", check=0)
+        model = self.path("demo/rigidmodels/demo/demo_barrel.rigid_model_v2")
+        for name in ("humanoid01/gesture/hu1_wave", "humanoid01/die/hu1_die_back", "humanoid01/stand/hu1_pose_parade",
+                     "beast01/run/be1_gallop_v5"):  # static values, all tracks, a single frame, few tracks
+            with self.subTest(name=name):
+                source = self.path("demo/animations/battle/%s.anim" % name)
+                rig = self.path("demo/animations/skeletons/%s.anim" % name.split("/")[0])
+                korvane("export", model, "-o", self.path("e.fbx"), "--skeleton", rig, "--anim", source, check=0)
+                _, _, err = self.convert("--version", "5", fbx=self.path("e.fbx"), template=source)
+                self.assertNotIn(b"no track", err)
+                with open(source, "rb") as file:
+                    old = anim_oracle.Anim(file.read())
+                new = self.made()
+                self.assertEqual((new.rate, new.skeleton, new.word, new.bones, new.maps, len(new.frames)),
+                                 (old.rate, old.skeleton, old.word, old.bones, old.maps, len(old.frames)))
+                for before, after in zip(old.frames, new.frames):
+                    for a, b in zip(before[0], after[0]):
+                        self.assert_near(a, b, 2e-7)
+                    for a, b in zip(before[1], after[1]):
+                        self.assert_near(a, b, 1.01 / 32767)
+
+    def test_rate_and_length(self):
+        for options, rate, frames, end in (
+                ([], 20.0, 21, 1.0), (["--rate", "30", "--end-time", "1.0"], 30.0, 31, 1.0), (["--rate", "29.97"], 29.97, 30, 1.0),
+                (["--frames", "5"], 20.0, 5, 0.2), (["--rate", "10", "--end-time", "0.35"], 10.0, 4, 0.35),
+                (["--end-time", "0"], 20.0, 1, 0), (["--start-time", "0.75"], 20.0, 6, 0.25),
+                (["--rate", "30", "--end-time", "0.7"], 30.0, 22, 0.7)):
+            with self.subTest(options=options):
+                _, out, _ = self.convert("--json", *options)
+                anim = self.made()
+                self.assertEqual(len(anim.frames), frames)
+                self.assert_near((anim.rate, anim.end), (rate, end), 1e-6)
+                report = json.loads(out)
+                self.assertEqual((report["frame_count"], report["bone_count"], report["unmatched"], report["log"][-1]),
+                                 (frames, 3, [], "Sucess!"))
+        self.convert("--start-time", "0.75")
+        self.assert_near(self.made().frames[0][0][0], (-0.75, 0, 0), 1e-6)
+
+    def test_the_log_and_the_list_of_converted_files(self):
+        data = figure(takes=("walk", "run"))
+        _, out, err = self.convert(fbx=self.write("two.fbx", data))
+        self.assertEqual(len(out.splitlines()), 1)
+        lines = err.decode().splitlines()
+        listed = ["Starting new Anim File....", "Reading .FBX file: " + self.path("two.fbx"), "Importimg Scene... ",
+                  "Performing unit/scale calculation...", "2 number of animation stacks/takes...",
+                  "FBBX Animation Take 0: walk", "Converting FBX bone hierachy (tree) to linear data",
+                  "FBX conversion process completed", "Sucess!"]
+        self.assertEqual([line for line in lines if line in listed], listed)
+        self.assertIn("run", [line for line in lines if "Only the first take" in line][0])
+        self.convert("--quiet")  # the same file is listed once
+        values = json.loads(korvane("config", "--json", "--config", self.config, check=0)[1])
+        self.assertEqual(len(values["fbx_converted_files"]), 1)
+        self.assertTrue(os.path.samefile(os.path.dirname(self.out),
+                                         os.path.dirname(values["fbx_converted_files"][0])) or cli_tests.is_windows
+                        or values["fbx_converted_files"][0] == self.out.lower())
+        damaged = b"data_paths = \"d\"; - lost = \"x\";"
+        self.write("config.cfg", damaged)
+        _, _, err = self.convert("--quiet")
+        with open(self.config, "rb") as file:
+            self.assertEqual(file.read(), damaged)
+
+    def test_bones_without_a_match(self):
+        bones = (*BONES, (b"horn", 1))
+        template = self.write("horned.anim", skeleton(bones))
+        _, out, err = self.convert("--json", template=template)
+        self.assertEqual(json.loads(out)["unmatched"], ["horn"])
+        self.assertIn("EROOR: .ANMIM. Bone 'horn' does not match any bones in FBX file: " + self.fbx, err.decode())
+        anim = self.made()
+        self.assert_motion(anim, 21)
+        for translations, rotations in anim.frames:  # as in the template's first frame
+            self.assert_near(translations[3], (-3, 0.5, 0), 1e-6)
+            self.assert_near(rotations[3], (1, 0, 0, 0), 1e-6)
+        others = tuple((name + b"_x", parent) for name, parent in BONES)
+        before = self.read_out()
+        _, out, err = self.convert("--json", template=self.write("others.anim", skeleton(others)), check=1)
+        lines = err.decode().splitlines()
+        self.assertEqual((out, lines[-3:-1]), (b"", [MATCHES_NOTHING, "Failure"]))
+        self.assertTrue(lines[-1].startswith("korvane: ") and lines[-1].endswith(MATCHES_NOTHING), lines[-1])
+        self.assertEqual(self.read_out(), before)
+
+    def test_only_the_template_s_tracks_are_written(self):
+        none = anim_oracle.NONE
+        template = self.write("few.anim", anim_oracle.make(
+            7, BONES, (none, 10000, none), (10001, 0, none), [([], [NO_TURN])],
+            statics=([(0.0, 9.0, 0.0)], [NO_TURN, NO_TURN])))
+        _, _, err = self.convert("--version", "5", template=template)
+        anim = self.made()
+        self.assertEqual(anim.maps, [[none, 10000, none], [10001, 0, none]])
+        self.assertEqual([len(part) for part in anim.frames[0]], [0, 1])
+        self.assertIn(b"no track for it: root\n", err)
+        _, _, err = self.convert(template=template)  # of the template's version, 7
+        self.assertIn(b"does not read them back", err)
+        self.assertEqual(self.read_out()[0], 7)
+
+    def test_a_bone_table_selects_and_orders(self):
+        table = self.path("rig.bone_table")
+        korvane("anim", "bone-table", self.template, "-o", table, check=0)
+        self.convert("--bone-table", table)
+        self.assertEqual(self.made().bones, list(BONES))
+        self.write("rig.bone_table", b"// two\nversion=1\r\n\n prop ,\tBT_CORE,\t\t0\nghost, BT_CORE, 1\n"
+                                     b"root,BT_ROOT,2\nprop, BT_CORE, 3")
+        _, _, err = self.convert("--bone-table", table)
+        self.assertIn(b"though in the bone table: ghost\n", err)
+        anim = self.made()
+        self.assertEqual((anim.bones, anim.maps), ([(b"prop", 1), (b"root", -1)], [[0, 1], [0, 1]]))
+        self.assert_near(anim.frames[20][0][0], (0, 2.5, 0), 1e-6)  # up, once the arm is: half a metre above it
+        self.assert_near(anim.frames[20][0][1], (-1, 0, 0), 1e-6)
+        for text, what in ((b"root BT_ROOT 0\n", "line 1"), (b"// nothing\n", "no bone")):
+            self.write("rig.bone_table", text)
+            self.assertIn(what, self.convert("--bone-table", table, check=1)[2].decode())
+
+    def test_turning_on_and_on_stays_on_one_side(self):
+        self.convert(fbx=self.write("spin.fbx", figure().replace(b"a: 0,90", b"a: 0,700")))
+        turns = [frame[1][1] for frame in self.made().frames]
+        for i, (before, after) in enumerate(zip(turns, turns[1:])):
+            half = math.radians(35 * (i + 1)) / 2
+            self.assert_near(after, (0, 0, -math.sin(half), math.cos(half)), 1.01 / 32767)
+            self.assertGreater(sum(a * b for a, b in zip(before, after)), 0.9)
+
+    def test_damaged_and_odd_files(self):
+        ring = (*BONES[:1], (b"arm", 2), (b"prop", 1))
+        self.convert(template=self.write("ring.anim", skeleton(ring)))  # each counts as if it had no parent
+        self.assert_near(self.made().frames[20][0][1], (-1, 2, 0), 1e-6)
+        nodes = [("root", "LimbNode", None, (0, 0, 0), (0, 0, 0), ONE), ("arm", "LimbNode", 0, (0, 2, 0), (0, 0, 0), ONE),
+                 ("x", "Null", 0, (0, 0, 0), (0, 0, 0), ONE), ("arm", "LimbNode", 2, (0, 7, 0), (0, 0, 0), ONE)]
+        still = self.write("still.fbx", fbx_text.text(nodes, {}, unit=100, has_layers=False))
+        _, _, err = self.convert(fbx=still)  # a take without layers, and two arms
+        self.assertEqual(len(self.made().frames), 1)
+        self.assert_near(self.made().frames[0][0][1], (0, 2, 0), 1e-6)
+        for line in (b"ERROR: bone : arm has no parent", b"the first one is taken: arm", b"The take has no keys"):
+            self.assertIn(line, err)
+        os.unlink(self.out)
+        huge = {(0, "T"): [(0, (0, 0, 0)), (1e8, (1, 0, 0))]}
+        for what, data, text in (
+                ("a key that is no number", figure().replace(b"a: 0,90", b"a: 0,nan"), "bone arm"),
+                ("a key beyond 32 bits", figure().replace(b"a: 0,1.0\n", b"a: 0,1e300\n"), "bone root"),
+                ("a span of years", fbx_text.text(nodes[:2], huge), "frames are more than"),
+                ("nodes in a ring", figure().replace(b'"OO",100,0', b'"OO",100,102'), "its own ancestor"),
+                ("no FBX file", b"hello", "figure")):
+            with self.subTest(what=what):
+                _, out, err = self.convert(fbx=self.write("bad figure.fbx", data), check=1)
+                self.assertEqual(out, b"")
+                self.assertIn(text, err.decode().splitlines()[-1])
+                self.assertFalse(os.path.exists(self.out))
+
+    def test_wrong_command_lines_and_refusals(self):
+        for options in (("--rate", "nan"), ("--rate", "inf"), ("--rate", "-1"), ("--rate", "0"), ("--frames", "0"),
+                        ("--frames", "1.5"), ("--frames", "5", "--end-time", "1"), ("--end-time", "-1"),
+                        ("--version", "6"), ("--start-time", "x")):
+            with self.subTest(options=options):
+                self.convert(*options, check=2)
+        for options in (("--frames", "2000000"), ("--rate", "1000000", "--end-time", "3")):
+            self.assertIn(b"frames are more than", self.convert(*options, check=1)[2])
+        for target in (self.fbx, self.template):
+            code, _, err = korvane("convert", self.fbx, "--template", self.template, "-o", target, "--config",
+                                   self.config)
+            self.assertEqual((code, b"would replace" in err), (1, True))
+        self.assertFalse(os.path.exists(self.out))
+
+
+if __name__ == "__main__":
+    cli_tests.main()
