@@ -10,6 +10,7 @@ namespace korvane
 void addInfoCommand(CLI::App& app, cli_context& context);
 void addArchiveCommands(CLI::App& app, cli_context& context);
 void addAnimCommands(CLI::App& app, cli_context& context);
+void addCheckCommand(CLI::App& app, cli_context& context);
 void addConfigCommand(CLI::App& app, cli_context& context);
 void addConvertCommand(CLI::App& app, cli_context& context);
 void addDemoDataCommand(CLI::App& app, cli_context& context);

@@ -85,6 +85,7 @@ int run(const std::vector<std::string>& arguments)
     addConvertCommand(app, context);
     addFbxCommand(app, context);
     addAnimCommands(app, context);
+    addCheckCommand(app, context);
     addConfigCommand(app, context);
 #ifdef _WIN32
     addRenderCommand(app, context);

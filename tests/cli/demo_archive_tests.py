@@ -38,6 +38,24 @@ class demo_archives(cli_tests.cli_case):
         except FileNotFoundError:
             return None
 
+    def test_a_check_finds_the_faults_of_the_faulty_model_and_no_others(self):
+        folder = os.path.join(self.demo, "variantmeshes")
+        found = json.loads(korvane("check", folder, "--json", *self.data, check=1)[1])
+        self.assertEqual({row["file"].replace("\\", "/").rsplit("/", 1)[-1] for row in found},
+                         {"demo_guard_faulty.rigid_model_v2"})
+        self.assertEqual(sorted((row["severity"], row["kind"], row["lod"], row["group"], row["texture"]) for row in found
+                                if row["lod"] == 0),
+                         [("error", "bones", 0, 0, None), ("error", "index_range", 0, 0, None),
+                          ("error", "texture_missing", 0, 0, 0), ("error", "texture_path", 0, 0, 1),
+                          ("error", "texture_path", 0, 0, 2), ("warning", "material", 0, 0, None),
+                          ("warning", "texture_type", 0, 0, 3), ("warning", "weights", 0, 0, None)])
+        self.assertEqual([(row["severity"], row["kind"], row["lod"]) for row in found if row["lod"] != 0],
+                         [("warning", "lod_order", 1), ("error", "lod_empty", 2)])
+        self.assertIn("guard_shield_diffuse.dds\"?", found[1]["text"])
+        status, text, error = korvane("check", "pack:*", *self.data)
+        self.assertEqual((status, error), (0, b""))
+        self.assertIn(b"0 errors, 1 warning, 0 notes", text)  # of the group in a format that is not decoded
+
     def test_what_is_said_to_be_written_is_there(self):
         found = {os.path.relpath(os.path.join(where, name), self.demo).replace(os.sep, "/"):
                  os.path.getsize(os.path.join(where, name)) for where, _, names in os.walk(self.demo) for name in names}

@@ -171,12 +171,18 @@ void checkIndices(std::span<const std::byte> bytes, const group_view& group)
 
 } // namespace
 
+// One model has faults, for whoever wants to see them found.
+bool isSoundModel(std::string_view path)
+{
+    return path.ends_with(".rigid_model_v2") && !path.ends_with("_faulty.rigid_model_v2");
+}
+
 TEST(demo_models, every_model_is_sound_from_its_first_byte_to_its_last)
 {
     std::set<std::uint32_t> versions, formats;
     for (const file& each : allFiles())
     {
-        if (!each.path.ends_with(".rigid_model_v2"))
+        if (!isSoundModel(each.path))
             continue;
         SCOPED_TRACE(each.path);
         ASSERT_EQ(valueAt<std::uint32_t>(each.bytes, 0), 0x32564D52u);
@@ -248,7 +254,7 @@ TEST(demo_models, every_texture_that_a_model_names_is_there)
     std::size_t named = 0;
     for (const file& each : allFiles())
     {
-        if (!each.path.ends_with(".rigid_model_v2"))
+        if (!isSoundModel(each.path))
             continue;
         const std::string text(reinterpret_cast<const char*>(each.bytes.data()), each.bytes.size());
         for (std::size_t at = text.find(".dds"); at != std::string::npos; at = text.find(".dds", at + 1), ++named)

@@ -34,8 +34,8 @@ std::optional<archive_kind> archiveOf(std::string_view path)
         return archive_kind::mod;
     if (path.starts_with("rigidmodels/") || path.find("/tex/demo_") != path.npos)
         return archive_kind::older;
-    for (const char* other_version : {"_v5.", "_v6.", "_v8."})
-        if (path.find(other_version) != path.npos)
+    for (const char* loose_only : {"_v5.", "_v6.", "_v8.", "_faulty."})
+        if (path.find(loose_only) != path.npos)
             return std::nullopt;
     return archive_kind::main;
 }

@@ -173,6 +173,29 @@ model everyFormat(std::uint32_t version)
     return result;
 }
 
+// The shield with one fault of every common kind, for whoever wants to see what a check says.
+model faultyShield(double density)
+{
+    const auto build = [](double piece_density)
+    {
+        return buildGuardPiece(guard_piece::shield, piece_density);
+    };
+    model result = riggedModel(7, cinematic_style, density, 3, build);
+    model_group& group = result.lods[0].groups.front();
+    group.textures[0].path.insert(group.textures[0].path.find("_diffuse"), "s"); // a misspelt name
+    group.textures[1].path.insert(0, "data/");                                   // begins above the archives
+    group.textures[2].path = "C:\\mods\\shield_specular.dds";
+    group.textures[3].type = 99; // no such texture type
+    group.material_id = 2;
+    for (std::size_t i = 0; i < 5; ++i)
+        group.shape.vertices[i].weights = {200, 0, 0, 0};
+    group.shape.vertices.back().bones = {250, 0, 0, 0};
+    group.shape.indices.back() = most_vertices; // one triangle names a vertex that does not exist
+    result.lods[1].distance = 5;                // nearer than the LOD before
+    result.lods[2].groups.clear();
+    return result;
+}
+
 class maker
 {
 public:
@@ -220,7 +243,8 @@ private:
             if (!addModel(figure_folder, row.name, row.about, riggedModel(7, cinematic_style, m_density, 3, build)))
                 return false;
         }
-        return true;
+        return addModel(figure_folder, "demo_guard_faulty", "the guard's shield with faults that a check finds",
+                        faultyShield(m_density));
     }
 
     bool props()

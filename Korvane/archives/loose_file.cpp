@@ -1,0 +1,59 @@
+#include "Korvane/archives/loose_file.h"
+
+#include "EASY_GUI/services/file_system.h"
+
+#include <algorithm>
+#include <system_error>
+
+namespace korvane
+{
+
+namespace
+{
+
+// Only plain names between the slashes: what a file says must not lead anywhere else on the disk.
+bool staysInside(const std::string& path)
+{
+    if (path.empty() || path.front() == '/' || path.find(':') != std::string::npos)
+        return false;
+    for (std::size_t start = 0; start <= path.size();)
+    {
+        const std::size_t end = std::min(path.find('/', start), path.size());
+        if (path.compare(start, end - start, "..") == 0)
+            return false;
+        start = end + 1;
+    }
+    return true;
+}
+
+std::string existingFile(const std::filesystem::path& folder, const std::string& relative)
+{
+    std::error_code error;
+    const std::string found = existingPathAnyCase(toUtf8(folder / toPath(relative)));
+    return std::filesystem::is_regular_file(toPath(found), error) ? found : std::string();
+}
+
+} // namespace
+
+std::string findLooseFile(std::string_view internal_path, const std::string& around)
+{
+    std::string relative(internal_path);
+    std::replace(relative.begin(), relative.end(), '\\', '/');
+    if (!staysInside(relative))
+        return {};
+    std::error_code error;
+    const std::filesystem::path other = std::filesystem::absolute(toPath(around), error);
+    if (error)
+        return {};
+    const std::filesystem::path own_folder = other.parent_path();
+    for (std::filesystem::path folder = own_folder;; folder = folder.parent_path())
+    {
+        if (std::string found = existingFile(folder, relative); !found.empty())
+            return found;
+        if (!folder.has_relative_path())
+            break;
+    }
+    return existingFile(own_folder, relative.substr(relative.find_last_of('/') + 1));
+}
+
+} // namespace korvane

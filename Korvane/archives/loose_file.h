@@ -1,0 +1,18 @@
+#pragma once
+
+// Internal paths on the disk: for a model or a definition that lies in a folder tree like the game's, or with its
+// files beside it.
+
+#include <string>
+#include <string_view>
+
+namespace korvane
+{
+
+// Where the file of an internal path ('\' or '/', any case) lies on the disk around another file, which need not exist;
+// empty when nowhere. Tried in this order, without regard to case: the path below the other file's folder, below each
+// folder that contains it, and the bare file name in its folder. A path that leaves these folders (a drive, a root,
+// "..") finds nothing.
+[[nodiscard]] std::string findLooseFile(std::string_view internal_path, const std::string& around);
+
+} // namespace korvane

@@ -1,0 +1,142 @@
+#include "Korvane/archives/path_neighbours.h"
+
+#include "EASY_GUI/services/text.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <limits>
+#include <tuple>
+
+namespace korvane
+{
+
+namespace
+{
+
+constexpr std::size_t longest_name = 255; // of those that are compared
+
+std::string_view stemOf(std::string_view path)
+{
+    const std::string_view name = fileName(path);
+    return name.substr(0, name.find_last_of('.'));
+}
+
+std::string_view folderOf(std::string_view path)
+{
+    return path.substr(0, path.size() - fileName(path).size());
+}
+
+std::uint64_t lettersOf(std::string_view name)
+{
+    std::uint64_t letters = 0;
+    for (const char character : name)
+        letters |= std::uint64_t{1} << (static_cast<unsigned char>(character) & 63u);
+    return letters;
+}
+
+// Insertions, deletions and exchanged characters that make one name of the other; limit + 1 when there are more.
+std::size_t editDistance(std::string_view left, std::string_view right, std::size_t limit)
+{
+    std::array<std::size_t, longest_name + 1> row;
+    for (std::size_t i = 0; i <= right.size(); ++i)
+        row[i] = i;
+    for (std::size_t i = 1; i <= left.size(); ++i)
+    {
+        std::size_t diagonal = row[0];
+        std::size_t smallest = row[0] = i;
+        for (std::size_t k = 1; k <= right.size(); ++k)
+        {
+            const std::size_t exchanged = diagonal + (left[i - 1] == right[k - 1] ? 0 : 1);
+            diagonal = row[k];
+            row[k] = std::min({exchanged, row[k] + 1, row[k - 1] + 1});
+            smallest = std::min(smallest, row[k]);
+        }
+        if (smallest > limit)
+            return limit + 1;
+    }
+    return std::min(row[right.size()], limit + 1);
+}
+
+std::size_t sharedStart(std::string_view left, std::string_view right)
+{
+    const auto ends = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
+    return static_cast<std::size_t>(ends.first - left.begin());
+}
+
+} // namespace
+
+path_neighbours::path_neighbours(const path_tree& tree, std::string_view extension)
+{
+    for (const pack_file_node* file : tree.files())
+        if (file->extension() == extension && stemOf(file->internalPath()).size() <= longest_name)
+        {
+            const std::string_view name = stemOf(file->internalPath());
+            m_candidates.push_back({name, file->internalPath(), lettersOf(name)});
+        }
+    std::stable_sort(m_candidates.begin(), m_candidates.end(),
+                     [](const candidate& left, const candidate& right)
+                     {
+                         return left.name < right.name;
+                     });
+}
+
+std::string_view path_neighbours::nearest(std::string_view wanted) const
+{
+    const std::string_view name = stemOf(wanted);
+    if (name.empty() || name.size() > longest_name)
+        return {};
+    if (const std::string_view elsewhere = sameName(name, wanted); !elsewhere.empty())
+        return elsewhere;
+
+    const std::string_view folder = folderOf(wanted);
+    const std::uint64_t letters = lettersOf(name);
+    const std::size_t limit = std::max<std::size_t>(1, name.size() / 4);
+    const std::size_t limit_in_folder = std::max<std::size_t>(1, name.size() / 3);
+    // Of equally near ones the one in the same folder, then the one with the longest common start of the path.
+    using rank = std::tuple<std::size_t, bool, std::size_t>;
+    rank best_rank{std::numeric_limits<std::size_t>::max(), true, 0};
+    std::string_view best;
+    for (const candidate& each : m_candidates)
+    {
+        const bool is_beside = folderOf(each.path) == folder;
+        const std::size_t allowed = std::min(is_beside ? limit_in_folder : limit, std::get<0>(best_rank));
+        const std::size_t longer = std::max(each.name.size(), name.size()) - std::min(each.name.size(), name.size());
+        if (longer > allowed || static_cast<std::size_t>(std::popcount(each.letters & ~letters)) > allowed)
+            continue;
+        const std::size_t distance = editDistance(name, each.name, allowed);
+        if (distance > allowed)
+            continue;
+        const rank its_rank{distance, !is_beside, wanted.size() - sharedStart(wanted, each.path)};
+        if (its_rank < best_rank)
+        {
+            best_rank = its_rank;
+            best = each.path;
+        }
+    }
+    return best;
+}
+
+std::string_view path_neighbours::sameName(std::string_view name, std::string_view wanted) const
+{
+    const auto isBefore = [](const candidate& each, std::string_view value)
+    {
+        return each.name < value;
+    };
+    std::string_view best;
+    std::size_t shared = 0;
+    for (auto it = std::lower_bound(m_candidates.begin(), m_candidates.end(), name, isBefore);
+         it != m_candidates.end() && it->name == name; ++it)
+    {
+        const std::size_t its_shared = sharedStart(it->path, wanted);
+        if (best.empty() || its_shared > shared)
+        {
+            best = it->path;
+            shared = its_shared;
+        }
+    }
+    return best;
+}
+
+} // namespace korvane

@@ -1,0 +1,235 @@
+// check: what would go wrong with models and definitions.
+
+#include "Korvane/cli/commands.h"
+
+#include "EASY_GUI/services/text.h"
+#include "Korvane/archives/game_file.h"
+#include "Korvane/cli/game_files.h"
+#include "Korvane/document/check_run.h"
+#include "Korvane/document/panel_contents.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <vector>
+
+namespace korvane
+{
+
+namespace
+{
+
+const char* severityName(finding_severity severity)
+{
+    switch (severity)
+    {
+    case finding_severity::note:
+        return "note";
+    case finding_severity::warning:
+        return "warning";
+    case finding_severity::error:
+        break;
+    }
+    return "error";
+}
+
+json placeJson(const std::optional<std::size_t>& index)
+{
+    return index ? json(*index) : json();
+}
+
+json findingJson(const finding& each)
+{
+    return {{"severity", severityName(each.severity)},
+            {"file", displayText(each.file)},
+            {"lod", placeJson(each.place.lod)},
+            {"group", placeJson(each.place.group)},
+            {"texture", placeJson(each.place.texture)},
+            {"kind", each.kind},
+            {"text", each.text}};
+}
+
+// "LOD 0, group 2, texture 1"
+std::string placeText(const finding_place& place)
+{
+    std::string text = "LOD " + std::to_string(*place.lod);
+    if (place.group)
+        text += ", group " + std::to_string(*place.group);
+    if (place.texture)
+        text += ", texture " + std::to_string(*place.texture);
+    return text;
+}
+
+// What one file has, as a person reads it: the worst first, and what is found in many places once, with the places.
+class file_report
+{
+public:
+    explicit file_report(const std::vector<finding>& found)
+    {
+        for (const finding& each : found)
+        {
+            const auto same =
+                std::find_if(m_rows.begin(), m_rows.end(),
+                             [&](const row& other)
+                             {
+                                 return other.first->severity == each.severity && other.first->text == each.text;
+                             });
+            row& its = same == m_rows.end() ? m_rows.emplace_back(row{&each, {}}) : *same;
+            if (each.place.lod)
+                its.places.push_back(placeText(each.place));
+        }
+        std::stable_sort(m_rows.begin(), m_rows.end(),
+                         [](const row& left, const row& right)
+                         {
+                             return left.first->severity > right.first->severity;
+                         });
+    }
+
+    std::string text() const
+    {
+        std::string result;
+        for (const row& each : m_rows)
+        {
+            std::string label = severityName(each.first->severity);
+            label.resize(indent - 2, ' ');
+            result += "  " + label + terminalText(each.first->text) + "\n";
+            for (std::size_t i = 0; i < std::min(each.places.size(), most_places); ++i)
+                result += std::string(indent, ' ') + "  at " + each.places[i] + "\n";
+            if (each.places.size() > most_places)
+                result += std::string(indent, ' ') + "  and in " + std::to_string(each.places.size() - most_places) +
+                          " more places\n";
+        }
+        return result;
+    }
+
+private:
+    struct row
+    {
+        const finding* first;
+        std::vector<std::string> places;
+    };
+    static constexpr std::size_t indent = 11;
+    static constexpr std::size_t most_places = 4;
+
+    std::vector<row> m_rows;
+};
+
+class check_printer
+{
+public:
+    explicit check_printer(cli_context& context) : m_context(context) {}
+
+    // Everything that one step found; the findings of several files stand one file after the other.
+    void take(const std::vector<finding>& found)
+    {
+        for (std::size_t begin = 0; begin < found.size();)
+        {
+            std::size_t end = begin;
+            while (end < found.size() && found[end].file == found[begin].file)
+                count(found[end++]);
+            ++m_files_with_findings;
+            const std::vector<finding> its(found.begin() + static_cast<std::ptrdiff_t>(begin),
+                                           found.begin() + static_cast<std::ptrdiff_t>(end));
+            if (!m_context.is_json)
+                m_context.print(terminalText(its.front().file) + "\n" + file_report(its).text() + "\n");
+            begin = end;
+        }
+    }
+
+    void finish(std::size_t files)
+    {
+        const std::size_t errors = m_counts[static_cast<std::size_t>(finding_severity::error)];
+        if (m_context.is_json)
+            m_context.printJson(m_list);
+        else
+            m_context.print(counted(files, "file", "files") + " checked: " + sum() + "\n");
+        if (errors > 0)
+            m_context.fail({failure_kind::malformed,
+                            counted(errors, "error", "errors") + " found in " + counted(files, "file", "files"),
+                            {},
+                            0,
+                            {}});
+    }
+
+private:
+    void count(const finding& each)
+    {
+        ++m_counts[static_cast<std::size_t>(each.severity)];
+        if (m_context.is_json)
+            m_list.push_back(findingJson(each));
+    }
+
+    std::string sum() const
+    {
+        if (m_files_with_findings == 0)
+            return "nothing found";
+        const auto of = [this](finding_severity severity)
+        {
+            return m_counts[static_cast<std::size_t>(severity)];
+        };
+        return counted(of(finding_severity::error), "error", "errors") + ", " +
+               counted(of(finding_severity::warning), "warning", "warnings") + ", " +
+               counted(of(finding_severity::note), "note", "notes") + " in " +
+               counted(m_files_with_findings, "file", "files");
+    }
+
+    cli_context& m_context;
+    json m_list = json::array();
+    std::array<std::size_t, 3> m_counts{};
+    std::size_t m_files_with_findings = 0;
+};
+
+// The archives, or null when there are no data folders and no operand needs them.
+bool takeArchives(cli_context& context, const std::vector<std::string>& operands,
+                  std::shared_ptr<const path_tree>& tree)
+{
+    const bool is_needed = std::any_of(operands.begin(), operands.end(), isPackPath) || hasDataFolders(context);
+    failure why;
+    if (is_needed)
+        tree = loadArchives(context, why);
+    else
+        context.note("no data folders: textures are looked for beside the models only, skeletons not at all");
+    if (why)
+        context.fail(why);
+    return !why;
+}
+
+void runCheck(cli_context& context, const std::vector<std::string>& operands)
+{
+    std::shared_ptr<const path_tree> tree;
+    if (!takeArchives(context, operands, tree))
+        return;
+    check_run run(tree);
+    for (const std::string& operand : operands)
+        run.add(operand);
+    check_printer printer(context);
+    std::vector<finding> found;
+    while (run.step(found))
+    {
+        printer.take(found);
+        found.clear();
+        context.progress("checked " + std::to_string(run.doneCount()) + " of " + std::to_string(run.fileCount()));
+    }
+    printer.take(found);
+    printer.finish(run.fileCount());
+}
+
+} // namespace
+
+void addCheckCommand(CLI::App& app, cli_context& context)
+{
+    const auto operands = std::make_shared<std::vector<std::string>>();
+    CLI::App* command = app.add_subcommand("check", "Report what would go wrong with models and definitions");
+    command
+        ->add_option("FILE", *operands,
+                     "Models, definitions or folders on the disk, or pack: and a pattern over internal paths")
+        ->required();
+    context.addJsonOption(*command);
+    command->callback(
+        [&context, operands]
+        {
+            runCheck(context, *operands);
+        });
+}
+
+} // namespace korvane

@@ -1,0 +1,158 @@
+#include "Korvane/document/check_run.h"
+
+#include "EASY_GUI/services/file_system.h"
+#include "EASY_GUI/services/text.h"
+#include "Korvane/archives/game_file.h"
+#include "Korvane/archives/pack_entry.h"
+#include "Korvane/archives/path_pattern.h"
+#include "Korvane/archives/variant_mesh_def.h"
+#include "Korvane/document/model_check.h"
+#include "Korvane/document/open_definition.h"
+#include "Korvane/models/rmv2_file.h"
+
+#include <algorithm>
+#include <iterator>
+#include <system_error>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+constexpr std::string_view model_extension = ".rigid_model_v2";
+constexpr std::string_view pack_prefix = "pack:";
+
+bool isCheckedPath(std::string_view path)
+{
+    return endsWithIgnoringCase(path, model_extension) || isDefinitionPath(std::string(path));
+}
+
+finding errorOf(const std::string& file, const char* kind, failure why)
+{
+    why.path.clear(); // stands in file
+    return {finding_severity::error, file, {}, kind, displayText(describe(why))};
+}
+
+} // namespace
+
+check_run::check_run(std::shared_ptr<const path_tree> tree) : m_po_tree(std::move(tree)), m_known(m_po_tree) {}
+
+void check_run::add(const std::string& operand)
+{
+    if (isPackPath(operand))
+        return addMatching(std::string(internalPathOf(operand)));
+    std::error_code error;
+    if (std::filesystem::is_directory(toPath(operand), error))
+        addFolder(operand);
+    else
+        addFile(operand); // when it does not exist, reading it says so
+}
+
+void check_run::addFile(std::string path)
+{
+    if (m_listed.insert(path).second)
+        m_files.push_back(std::move(path));
+}
+
+void check_run::addFolder(const std::string& folder)
+{
+    std::vector<std::string> paths;
+    std::error_code error;
+    std::filesystem::recursive_directory_iterator it(toPath(folder),
+                                                     std::filesystem::directory_options::skip_permission_denied, error);
+    for (; !error && it != std::filesystem::recursive_directory_iterator(); it.increment(error))
+        if (std::string path = toUtf8(it->path()); isCheckedPath(path))
+            paths.push_back(std::move(path));
+    if (error)
+        m_not_found.push_back(
+            errorOf(folder, "unreadable",
+                    {failure_kind::unreadable, "the folder cannot be listed: " + error.message(), {}, 0, {}}));
+    else if (paths.empty())
+        m_not_found.push_back(
+            errorOf(folder, "not_found",
+                    {failure_kind::not_found, "the folder holds no models and no definitions", {}, 0, {}}));
+    std::sort(paths.begin(), paths.end());
+    for (std::string& path : paths)
+        addFile(std::move(path));
+}
+
+void check_run::addMatching(const std::string& pattern)
+{
+    const std::size_t before = m_files.size();
+    if (m_po_tree)
+        for (const pack_file_node* file : m_po_tree->files())
+            if (isCheckedPath(file->internalPath()) && matchesPattern(file->internalPath(), pattern))
+                addFile(std::string(pack_prefix) += file->internalPath());
+    if (m_files.size() == before)
+        m_not_found.push_back(
+            errorOf(std::string(pack_prefix) + pattern, "not_found",
+                    {failure_kind::not_found, "no model or definition in the archives matches", {}, 0, {}}));
+}
+
+bool check_run::step(std::vector<finding>& found)
+{
+    std::move(m_not_found.begin(), m_not_found.end(), std::back_inserter(found));
+    m_not_found.clear();
+    if (m_next == m_files.size())
+        return false;
+    const std::string path = m_files[m_next]; // the list may grow
+    if (isDefinitionPath(path))
+        checkDefinition(path, found);
+    else
+        checkModel(path, found);
+    ++m_next;
+    return true;
+}
+
+void check_run::checkModel(const std::string& path, std::vector<finding>& found)
+{
+    rmv2_file model;
+    memory_file bytes;
+    failure why;
+    if (isPackPath(path) ? !readGameFile(path, bytes, why) || !model.openFromMemory(std::move(bytes), path, why)
+                         : !model.open(path, why))
+    {
+        found.push_back(errorOf(path, why.kind == failure_kind::not_found ? "not_found" : "unreadable", why));
+        return;
+    }
+    std::vector<finding> its = model_check(model, m_known, path).run();
+    std::move(its.begin(), its.end(), std::back_inserter(found));
+}
+
+void check_run::checkDefinition(const std::string& path, std::vector<finding>& found)
+{
+    open_definition definition;
+    failure why;
+    if (!definition.open(path, why))
+    {
+        found.push_back(errorOf(path, why.kind == failure_kind::not_found ? "not_found" : "unreadable", why));
+        return;
+    }
+    if (m_po_tree)
+        for (const std::string& problem : definition.problems())
+            found.push_back({finding_severity::warning, path, {}, "reference", displayText(problem)});
+    if (definition.models().empty())
+        found.push_back({finding_severity::warning, path, {}, "no_models", "the definition names no models"});
+    std::unordered_set<std::string> seen;
+    for (const std::string& model : definition.models())
+    {
+        if (!m_po_tree || !seen.insert(model).second)
+            continue;
+        if (m_known.isInArchives(model))
+        {
+            addFile(std::string(pack_prefix) += m_po_tree->find(model)->path());
+            continue;
+        }
+        const std::string near = m_known.nearest(model);
+        found.push_back({finding_severity::error,
+                         path,
+                         {},
+                         "model_missing",
+                         "the model \"" + displayText(model) + "\" is in no archive" +
+                             (near.empty() ? "" : "; did you mean \"" + displayText(near) + "\"?")});
+    }
+}
+
+} // namespace korvane

@@ -1,0 +1,51 @@
+#pragma once
+
+// A check of many files: gathers what is to be looked at, then looks at one file after the other, so that whoever runs
+// it shows progress and stops when they like. A definition's models are checked as well, each once. For one thread at a
+// time.
+
+#include "Korvane/document/finding.h"
+#include "Korvane/document/known_files.h"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace korvane
+{
+
+class check_run
+{
+public:
+    // Null: no archives are loaded; then textures are looked for on the disk only, and skeletons not at all.
+    explicit check_run(std::shared_ptr<const path_tree> tree);
+
+    // What to check: a model or a definition on the disk, a folder with all that is below it, or with "pack:" in front
+    // a pattern over the internal paths of the archives (* and ?). What cannot be found is a finding of its own.
+    void add(const std::string& operand);
+
+    // Checks the next file and appends what it finds. False when there is none left.
+    bool step(std::vector<finding>& found);
+
+    std::size_t fileCount() const { return m_files.size(); } // grows while definitions are met
+    std::size_t doneCount() const { return m_next; }
+    const std::string& nextFile() const { return m_files[m_next]; } // while there is one
+
+private:
+    void addFile(std::string path);
+    void addFolder(const std::string& folder);
+    void addMatching(const std::string& pattern);
+    void checkModel(const std::string& path, std::vector<finding>& found);
+    void checkDefinition(const std::string& path, std::vector<finding>& found);
+
+    std::shared_ptr<const path_tree> m_po_tree;
+    known_files m_known;
+    std::vector<std::string> m_files;
+    std::unordered_set<std::string> m_listed;
+    std::vector<finding> m_not_found; // of add(); handed out by the first step
+    std::size_t m_next = 0;
+};
+
+} // namespace korvane

@@ -1,0 +1,63 @@
+#pragma once
+
+// What a check asks of the world around a file: which textures and skeletons exist, in the archives or on the disk
+// around the file. Answers are remembered, because the models of a folder name the same files again and again. For one
+// thread at a time.
+
+#include "Korvane/archives/path_neighbours.h"
+#include "Korvane/archives/path_tree.h"
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace korvane
+{
+
+class known_files
+{
+public:
+    // Null: no archives are loaded.
+    explicit known_files(std::shared_ptr<const path_tree> tree) : m_po_tree(std::move(tree)) {}
+
+    bool hasArchives() const { return m_po_tree != nullptr; }
+
+    struct texture_answer
+    {
+        bool exists = false;
+        bool is_dds = false;  // false for an existing file that does not begin as a DDS file does
+        bool is_read = false; // false when its first bytes cannot be read
+    };
+    // around: the model's path on the disk; empty for a model out of an archive.
+    const texture_answer& texture(const std::string& internal_path, const std::string& around);
+
+    struct skeleton_answer
+    {
+        std::string path;           // internal; empty: no archive has it
+        std::size_t bone_count = 0; // 0: it cannot be read
+        std::string problem;        // why not
+    };
+    const skeleton_answer& skeleton(const std::string& id);
+
+    bool isInArchives(std::string_view internal_path) const;
+    // The existing internal path that a path was most likely meant to be, among those with its extension; empty when
+    // none is near.
+    std::string nearest(std::string_view internal_path);
+
+private:
+    texture_answer lookUpTexture(const std::string& internal_path, const std::string& around) const;
+    skeleton_answer lookUpSkeleton(const std::string& id) const;
+
+    std::shared_ptr<const path_tree> m_po_tree;
+    std::unordered_map<std::string, texture_answer> m_textures; // by folder and path
+    std::unordered_map<std::string, skeleton_answer> m_skeletons;
+    std::unordered_map<std::string, std::string> m_nearest;
+    std::map<std::string, path_neighbours> m_neighbours; // by extension
+};
+
+} // namespace korvane
