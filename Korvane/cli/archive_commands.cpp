@@ -4,13 +4,13 @@
 
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/extraction_folder.h"
 #include "Korvane/archives/pack_entry.h"
 #include "Korvane/archives/path_pattern.h"
 #include "Korvane/cli/game_files.h"
 
 #include <memory>
 #include <unordered_map>
-#include <unordered_set>
 
 namespace korvane
 {
@@ -116,26 +116,12 @@ void extractOne(cli_context& context, const extract_options& options)
         context.fail(why);
 }
 
-// Two stored paths may become one path on the disk; the first one keeps it.
-using written_paths = std::unordered_set<std::string>;
-
-bool extractBelow(const pack_file_node& file, const std::string& folder, written_paths& written, failure& why)
+bool extractEntry(const pack_file_node& file, extraction_folder& folder, failure& why)
 {
-    std::string reason;
-    const std::optional<std::string> relative = relativeDiskPath(file.internalPath(), reason);
-    if (!relative)
-        return fail(why, failure_kind::refused, "refused: " + reason, std::string(file.internalPath()));
-    const std::filesystem::path target = toPath(folder) / toPath(*relative);
-    if (!written.insert(toLower(toUtf8(target))).second)
-        return fail(why, failure_kind::refused, "refused: another file of the archives has the same path on the disk",
-                    std::string(file.internalPath()));
-    std::error_code error;
-    std::filesystem::create_directories(target.parent_path(), error);
-    if (error)
-        return fail(why, failure_kind::unwritable, "the folder cannot be created: " + error.message(),
-                    toUtf8(target.parent_path()));
+    std::string path;
     memory_file bytes;
-    return readEntry(file, bytes, why) && writeWholeFile(toUtf8(target), bytes.bytes(), why);
+    return folder.place(file.internalPath(), path, why) && readEntry(file, bytes, why) &&
+           writeWholeFile(path, bytes.bytes(), why);
 }
 
 void extractMatching(cli_context& context, const extract_options& options)
@@ -145,13 +131,13 @@ void extractMatching(cli_context& context, const extract_options& options)
     if (!tree)
         return context.fail(why);
     std::size_t written = 0, failed = 0;
-    written_paths paths;
+    extraction_folder folder(options.output);
     for (const pack_file_node* file : tree->files())
     {
         if (!matchesPattern(file->internalPath(), options.pattern))
             continue;
         failure reason;
-        if (extractBelow(*file, options.output, paths, reason))
+        if (extractEntry(*file, folder, reason))
             ++written;
         else
         {

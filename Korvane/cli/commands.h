@@ -16,6 +16,7 @@ void addConvertCommand(CLI::App& app, cli_context& context);
 void addDemoDataCommand(CLI::App& app, cli_context& context);
 void addExportCommand(CLI::App& app, cli_context& context);
 void addFbxCommand(CLI::App& app, cli_context& context);
+void addNormalMapCommand(CLI::App& app, cli_context& context);
 void addVariantCommand(CLI::App& app, cli_context& context);
 #ifdef _WIN32
 void addRenderCommand(CLI::App& app, cli_context& context);

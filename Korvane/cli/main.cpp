@@ -86,6 +86,7 @@ int run(const std::vector<std::string>& arguments)
     addFbxCommand(app, context);
     addAnimCommands(app, context);
     addCheckCommand(app, context);
+    addNormalMapCommand(app, context);
     addConfigCommand(app, context);
 #ifdef _WIN32
     addRenderCommand(app, context);

@@ -1,0 +1,186 @@
+#include "Korvane/textures/dds_decoder.h"
+
+#include "EASY_GUI/services/byte_reader.h"
+#include "Korvane/textures/block_decoder.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace korvane
+{
+
+namespace
+{
+
+block_decoder decoderOf(dds_format format)
+{
+    switch (format)
+    {
+    case dds_format::bc1:
+    case dds_format::bc1_srgb:
+        return decodeBc1;
+    case dds_format::bc2:
+    case dds_format::bc2_srgb:
+        return decodeBc2;
+    case dds_format::bc3:
+    case dds_format::bc3_srgb:
+        return decodeBc3;
+    case dds_format::bc4:
+        return decodeBc4;
+    case dds_format::bc4_signed:
+        return decodeBc4Signed;
+    case dds_format::bc5:
+        return decodeBc5;
+    case dds_format::bc5_signed:
+        return decodeBc5Signed;
+    case dds_format::bc6h_unsigned:
+        return decodeBc6hUnsigned;
+    case dds_format::bc6h_signed:
+        return decodeBc6hSigned;
+    case dds_format::bc7:
+    case dds_format::bc7_srgb:
+        return decodeBc7;
+    default:
+        return nullptr;
+    }
+}
+
+rgba_pixel withoutAlpha(rgba_pixel pixel)
+{
+    return pixel | 0xff000000;
+}
+
+rgba_pixel fromBgra(rgba_pixel pixel)
+{
+    return (pixel & 0xff00ff00) | (pixel & 0xff) << 16 | (pixel >> 16 & 0xff);
+}
+
+rgba_pixel fromHalves(const std::byte* at)
+{
+    const auto half = [at](std::size_t index)
+    {
+        return littleEndian<std::uint16_t>(at + index * 2);
+    };
+    return rgba(byteOfLight(half(0)), byteOfLight(half(1)), byteOfLight(half(2)), byteOfHalf(half(3)));
+}
+
+rgba_pixel plainPixel(dds_format format, const std::byte* row, std::size_t x)
+{
+    switch (format)
+    {
+    case dds_format::rgba16_float:
+        return fromHalves(row + x * 8);
+    case dds_format::rg8:
+        return withoutAlpha(littleEndian<std::uint16_t>(row + x * 2));
+    case dds_format::r8:
+        return withoutAlpha(std::to_integer<unsigned>(row[x]) * 0x010101);
+    case dds_format::bgra8:
+    case dds_format::bgra8_srgb:
+        return fromBgra(littleEndian<std::uint32_t>(row + x * 4));
+    case dds_format::bgrx8:
+    case dds_format::bgrx8_srgb:
+        return withoutAlpha(fromBgra(littleEndian<std::uint32_t>(row + x * 4)));
+    default: // rgba8
+        return littleEndian<std::uint32_t>(row + x * 4);
+    }
+}
+
+// Decodes the rows of one subresource, of pixels or of blocks; target begins with its first row.
+class row_decoder
+{
+public:
+    row_decoder(dds_format format, const dds_subresource& part, std::span<rgba_pixel> target)
+        : m_format(format)
+        , m_decoder(decoderOf(format))
+        , m_part(part)
+        , m_target(target)
+    {
+    }
+
+    void decode(std::uint32_t row) const
+    {
+        const std::byte* const source = m_part.bytes.data() + std::size_t{row} * m_part.row_pitch;
+        m_decoder ? decodeBlocks(row, source) : decodePixels(row, source);
+    }
+
+private:
+    void decodePixels(std::uint32_t row, const std::byte* source) const
+    {
+        rgba_pixel* const target = m_target.data() + std::size_t{row} * m_part.width;
+        for (std::size_t x = 0; x < m_part.width; ++x)
+            target[x] = plainPixel(m_format, source, x);
+    }
+
+    void decodeBlocks(std::uint32_t row, const std::byte* source) const
+    {
+        const std::size_t block_bytes = m_part.row_pitch / ((m_part.width + 3) / 4);
+        const std::uint32_t height = std::min(m_part.height - row * 4, 4u);
+        for (std::uint32_t x = 0; x < m_part.width; x += 4, source += block_bytes)
+        {
+            block_pixels pixels;
+            m_decoder(source, pixels);
+            const std::size_t width = std::min(m_part.width - x, 4u);
+            rgba_pixel* target = m_target.data() + std::size_t{row} * 4 * m_part.width + x;
+            for (std::size_t y = 0; y < height; ++y, target += m_part.width)
+                std::memcpy(target, pixels.data() + y * 4, width * sizeof(rgba_pixel));
+        }
+    }
+
+    dds_format m_format;
+    block_decoder m_decoder; // null for formats without blocks
+    const dds_subresource& m_part;
+    std::span<rgba_pixel> m_target;
+};
+
+void decodePart(const row_decoder& decoder, const dds_subresource& part)
+{
+    constexpr std::uint32_t rows_at_once = 8;
+    std::atomic<std::uint32_t> next{0};
+    const auto work = [&]
+    {
+        for (std::uint32_t row = next.fetch_add(rows_at_once); row < part.rows; row = next.fetch_add(rows_at_once))
+            for (std::uint32_t i = row; i < std::min(row + rows_at_once, part.rows); ++i)
+                decoder.decode(i);
+    };
+    constexpr std::uint64_t pixels_worth_a_thread = 1 << 16;
+    const std::uint64_t wanted = std::min<std::uint64_t>(
+        {std::thread::hardware_concurrency(), 16, std::uint64_t{part.width} * part.height / pixels_worth_a_thread});
+    std::vector<std::jthread> helpers;
+    try
+    {
+        while (helpers.size() + 1 < wanted)
+            helpers.emplace_back(work);
+    }
+    catch (const std::system_error&) // no more threads: those that are there do it
+    {
+    }
+    work();
+}
+
+} // namespace
+
+bool decodeDds(const dds_image& image, picture& target, failure& why)
+{
+    const std::uint64_t surface_pixels = std::uint64_t{image.width} * image.height;
+    if (surface_pixels * image.array_size > max_picture_pixels)
+        return fail(why, failure_kind::unsupported,
+                    std::to_string(image.array_size) + " surfaces of " + std::to_string(image.width) + " x " +
+                        std::to_string(image.height) + " pixels are more than the " +
+                        std::to_string(max_picture_pixels) + " pixels of a picture");
+    picture result(image.width, image.height * image.array_size);
+    for (std::uint32_t surface = 0; surface < image.array_size; ++surface)
+    {
+        const dds_subresource& part = image.subresource(surface, 0);
+        decodePart(row_decoder(image.format, part, result.pixels().subspan(surface * surface_pixels, surface_pixels)),
+                   part);
+    }
+    target = std::move(result);
+    return true;
+}
+
+} // namespace korvane

@@ -1,0 +1,36 @@
+#pragma once
+
+// Pictures as files: Targa and PNG, and DDS for reading. What a file is, is seen from its first bytes; what is to be
+// written, from the name's ending.
+
+#include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/file_system.h"
+#include "Korvane/textures/picture.h"
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace korvane
+{
+
+enum class picture_kind
+{
+    png,
+    targa
+};
+[[nodiscard]] std::string_view extensionOf(picture_kind kind); // ".png"
+// By the ending of the name, in any case; nothing for others.
+[[nodiscard]] std::optional<picture_kind> pictureKind(std::string_view path);
+
+// PNG by its signature, DDS by its magic (decodeDds), anything else is taken for Targa. 16 bits a channel become 8.
+[[nodiscard]] bool readPicture(std::span<const std::byte> file, picture& target, failure& why);
+[[nodiscard]] bool readPictureFile(const std::string& path, picture& target, failure& why);
+
+// Replaces the file at path as a whole, or leaves what stood there.
+[[nodiscard]] bool writePictureFile(const std::string& path, picture_kind kind, const picture& source, failure& why,
+                                    write_safety safety = write_safety::flushed);
+
+} // namespace korvane
