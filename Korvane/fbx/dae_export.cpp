@@ -18,12 +18,6 @@ using namespace dae_nodes;
 
 constexpr const char* texture_coordinates = "UVSET0";
 
-struct text_writer : pugi::xml_writer
-{
-    std::string text;
-    void write(const void* data, std::size_t size) override { text.append(static_cast<const char*>(data), size); }
-};
-
 // A path as a relative URI.
 std::string uriOf(const std::string& path)
 {
@@ -43,21 +37,15 @@ std::string uriOf(const std::string& path)
     return uri;
 }
 
-// Row after row.
-void appendMatrix(std::vector<double>& values, const glm::dmat4& matrix)
-{
-    for (glm::length_t row = 0; row < 4; ++row)
-        for (glm::length_t column = 0; column < 4; ++column)
-            values.push_back(matrix[column][row]);
-}
-
 class dae_writer
 {
 public:
-    dae_writer(const export_scene& scene, const export_options& options, const export_take* take)
+    dae_writer(const export_scene& scene, const export_options& options, dae_nodes::id_list& ids,
+               std::vector<std::string>& bones)
         : m_scene(scene)
         , m_options(options)
-        , m_take(take)
+        , m_ids(ids)
+        , m_bones(bones)
     {
     }
 
@@ -68,29 +56,19 @@ public:
         root.append_attribute("xmlns") = "http://www.collada.org/2005/11/COLLADASchema";
         root.append_attribute("version") = "1.4.1";
         addAsset(root);
-        if (m_take && !m_animations.empty())
-            addAnimations(root);
         if (m_options.with_materials)
             addMaterials(root);
         addGeometries(root);
         addControllers(root);
         addVisualScene(root);
         root.append_child("scene").append_child("instance_visual_scene").append_attribute("url") = "#MyScene";
-        text_writer writer;
-        m_document.save(writer, " ", pugi::format_default, pugi::encoding_utf8);
-        return std::move(writer.text);
+        return documentText(m_document);
     }
 
 private:
     struct mesh_ids
     {
         std::string node, geometry, controller, material, effect;
-    };
-    struct track_ids
-    {
-        const export_track* track;
-        bool is_rotation;
-        std::string id;
     };
 
     void giveIds();
@@ -104,19 +82,14 @@ private:
     void addVisualScene(pugi::xml_node root);
     void addBone(pugi::xml_node parent, std::size_t index);
     void addMeshNode(pugi::xml_node parent, const export_mesh& mesh, const mesh_ids& ids);
-    void addAnimations(pugi::xml_node root);
-    void addSampler(pugi::xml_node animation, const track_ids& own, glm::length_t axis,
-                    const std::vector<double>& times);
 
     const export_scene& m_scene;
     const export_options& m_options;
-    const export_take* m_take;
+    id_list& m_ids;
+    std::vector<std::string>& m_bones;
     pugi::xml_document m_document;
-    id_list m_ids;
-    std::vector<std::string> m_bones;
     std::vector<std::vector<std::size_t>> m_children; // of each bone
     std::vector<mesh_ids> m_meshes;
-    std::vector<track_ids> m_animations;
     std::map<std::string, std::string> m_images; // internal path to id
 };
 
@@ -136,12 +109,6 @@ void dae_writer::giveIds()
         m_meshes.push_back({node, m_ids.make(node + "_mesh"), m_ids.make(node + "_skin"),
                             m_ids.make(node + "_material"), m_ids.make(node + "_effect")});
     }
-    if (!m_take || m_take->frame_count == 0)
-        return;
-    for (const export_track& track : m_take->rotations)
-        m_animations.push_back({&track, true, m_ids.make(m_bones[track.bone] + "_rotation")});
-    for (const export_track& track : m_take->translations)
-        m_animations.push_back({&track, false, m_ids.make(m_bones[track.bone] + "_translation")});
 }
 
 void dae_writer::addAsset(pugi::xml_node root)
@@ -322,19 +289,11 @@ void dae_writer::addBone(pugi::xml_node parent, std::size_t index)
     pugi::xml_node node = addElement(parent, "node", m_bones[index], bone.name);
     node.append_attribute("sid") = m_bones[index].c_str();
     node.append_attribute("type") = "JOINT";
-    const double translation[] = {bone.translation.x, bone.translation.y, bone.translation.z};
-    pugi::xml_node translate = node.append_child("translate");
-    translate.append_attribute("sid") = "translate";
-    translate.text() = numberList(translation).c_str();
-    // The transforms act from the last to the first: X, Y, Z.
-    for (const glm::length_t axis : {2, 1, 0})
-    {
-        pugi::xml_node rotate = node.append_child("rotate");
-        rotate.append_attribute("sid") = (std::string("rotate") + "XYZ"[axis]).c_str();
-        std::string text = axis == 0 ? "1 0 0" : axis == 1 ? "0 1 0" : "0 0 1";
-        appendNumber(text, bone.euler_degrees[axis]);
-        rotate.text() = text.c_str();
-    }
+    std::vector<double> numbers;
+    appendMatrix(numbers, localMatrix(bone.translation, bone.euler_degrees));
+    pugi::xml_node matrix = node.append_child("matrix");
+    matrix.append_attribute("sid") = bone_matrix;
+    matrix.text() = numberList(numbers).c_str();
     for (const std::size_t child : m_children[index])
         addBone(node, child);
 }
@@ -372,63 +331,22 @@ void dae_writer::addVisualScene(pugi::xml_node root)
         addMeshNode(scene, m_scene.meshes[i], m_meshes[i]);
 }
 
-void dae_writer::addSampler(pugi::xml_node animation, const track_ids& own, glm::length_t axis,
-                            const std::vector<double>& times)
-{
-    const char letter = "XYZ"[axis];
-    const std::string id = own.id + letter;
-    std::vector<double> values;
-    values.reserve(own.track->keys.size());
-    std::string linear;
-    for (const glm::dvec3& key : own.track->keys)
-    {
-        values.push_back(key[axis]);
-        linear += linear.empty() ? "LINEAR" : " LINEAR";
-    }
-    addSource(animation, id + "-input", times, "TIME");
-    addSource(animation, id + "-output", values, own.is_rotation ? "ANGLE" : std::string(1, letter));
-    addNameSource(animation, id + "-kind", linear, values.size(), "INTERPOLATION", "name");
-    pugi::xml_node sampler = addElement(animation, "sampler", id + "-sampler");
-    addInput(sampler, "INPUT", id + "-input");
-    addInput(sampler, "OUTPUT", id + "-output");
-    addInput(sampler, "INTERPOLATION", id + "-kind");
-}
-
-void dae_writer::addAnimations(pugi::xml_node root)
-{
-    std::vector<double> times(m_take->frame_count);
-    for (std::size_t i = 0; i < times.size(); ++i)
-        times[i] = static_cast<double>(i) / m_take->frame_rate;
-    pugi::xml_node library = root.append_child("library_animations");
-    // One element for the whole take: readers make an animation out of each.
-    const std::string id = m_ids.make("take");
-    pugi::xml_node animation = addElement(library, "animation", id, take_name);
-    for (const track_ids& own : m_animations)
-        for (glm::length_t axis = 0; axis < 3; ++axis)
-            addSampler(animation, own, axis, times);
-    for (const track_ids& own : m_animations)
-        for (glm::length_t axis = 0; axis < 3; ++axis)
-        {
-            const std::string letter(1, "XYZ"[axis]);
-            pugi::xml_node channel = animation.append_child("channel");
-            channel.append_attribute("source") = ("#" + own.id + letter + "-sampler").c_str();
-            const std::string target = own.is_rotation ? "rotate" + letter + ".ANGLE" : "translate." + letter;
-            channel.append_attribute("target") = (m_bones[own.track->bone] + "/" + target).c_str();
-        }
-    pugi::xml_node clip =
-        addElement(root.append_child("library_animation_clips"), "animation_clip", m_ids.make("clip"), take_name);
-    std::string stop;
-    appendNumber(stop, m_take->stop_seconds);
-    clip.append_attribute("start") = "0";
-    clip.append_attribute("end") = stop.c_str();
-    clip.append_child("instance_animation").append_attribute("url") = ("#" + id).c_str();
-}
-
 } // namespace
 
-std::string daeText(const export_scene& scene, const export_options& options, const export_take* take)
+dae_export::dae_export(const export_scene& scene, const export_options& options)
+    : m_scene(scene)
+    , m_text(dae_writer(scene, options, m_ids, m_bones).write())
 {
-    return dae_writer(scene, options, take).write();
+    constexpr std::string_view end_of_asset = "</asset>\n"; // nothing before it holds one
+    m_take_position = m_text.find(end_of_asset) + end_of_asset.size();
+}
+
+std::string dae_export::text(const export_take* take) const
+{
+    const std::string animations = take ? daeTake(*take, m_scene, m_bones, m_ids) : std::string();
+    std::string text;
+    text.reserve(m_text.size() + animations.size());
+    return text.append(m_text, 0, m_take_position).append(animations).append(m_text, m_take_position);
 }
 
 } // namespace korvane

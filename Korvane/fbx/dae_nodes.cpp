@@ -2,14 +2,26 @@
 
 #include "EASY_GUI/services/text.h"
 
+#include <glm/gtc/quaternion.hpp>
+#include <glm/trigonometric.hpp>
+
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 namespace korvane::dae_nodes
 {
 
 namespace
 {
+
+constexpr double rounding_error = 1e-12; // of sines and cosines
+
+struct text_writer : pugi::xml_writer
+{
+    std::string text;
+    void write(const void* data, std::size_t size) override { text.append(static_cast<const char*>(data), size); }
+};
 
 void addAccessor(pugi::xml_node source, const std::string& array_id, std::size_t count, std::string_view parameters,
                  const char* type)
@@ -77,6 +89,24 @@ std::string numberList(std::span<const double> values)
     return text;
 }
 
+glm::dmat4 localMatrix(const glm::dvec3& translation, const glm::dvec3& euler_degrees)
+{
+    glm::dmat4 matrix = glm::mat4_cast(glm::dquat(glm::radians(euler_degrees)));
+    for (glm::length_t column = 0; column < 3; ++column)
+        for (glm::length_t row = 0; row < 3; ++row)
+            if (std::abs(matrix[column][row]) < rounding_error)
+                matrix[column][row] = 0;
+    matrix[3] = glm::dvec4(translation, 1);
+    return matrix;
+}
+
+void appendMatrix(std::vector<double>& values, const glm::dmat4& matrix)
+{
+    for (glm::length_t row = 0; row < 4; ++row)
+        for (glm::length_t column = 0; column < 4; ++column)
+            values.push_back(matrix[column][row]);
+}
+
 pugi::xml_node addElement(pugi::xml_node parent, const char* name, const std::string& id, const std::string& title)
 {
     pugi::xml_node element = parent.append_child(name);
@@ -121,6 +151,21 @@ void addInput(pugi::xml_node parent, const char* semantic, const std::string& so
         input.append_attribute("offset") = offset;
     if (set >= 0)
         input.append_attribute("set") = set;
+}
+
+std::string documentText(const pugi::xml_document& document)
+{
+    text_writer writer;
+    document.save(writer, " ", pugi::format_default, pugi::encoding_utf8);
+    return std::move(writer.text);
+}
+
+std::string elementTexts(const pugi::xml_document& document, unsigned indent)
+{
+    text_writer writer;
+    for (const pugi::xml_node element : document)
+        element.print(writer, " ", pugi::format_default, pugi::encoding_utf8, indent);
+    return std::move(writer.text);
 }
 
 } // namespace korvane::dae_nodes

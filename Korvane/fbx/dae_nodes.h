@@ -2,6 +2,8 @@
 
 // Small helpers for making Collada elements: names that XML takes, lists of numbers, sources.
 
+#include <glm/mat4x4.hpp>
+#include <glm/vec3.hpp>
 #include <pugixml.hpp>
 
 #include <cstddef>
@@ -9,6 +11,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace korvane::dae_nodes
 {
@@ -30,6 +33,13 @@ private:
 void appendNumber(std::string& text, double value);
 [[nodiscard]] std::string numberList(std::span<const double> values);
 
+// Where a bone is relative to its parent: turned by X, then Y, then Z, then moved.
+[[nodiscard]] glm::dmat4 localMatrix(const glm::dvec3& translation, const glm::dvec3& euler_degrees);
+// Row after row.
+void appendMatrix(std::vector<double>& values, const glm::dmat4& matrix);
+// The name of that matrix in the node of a bone.
+inline constexpr const char* bone_matrix = "transform";
+
 pugi::xml_node addElement(pugi::xml_node parent, const char* name, const std::string& id = {},
                           const std::string& title = {});
 // A source of numbers: so many a line of the accessor as there are blank-separated parameter names ("X Y Z"). An empty
@@ -40,5 +50,9 @@ pugi::xml_node addSource(pugi::xml_node parent, const std::string& id, std::span
 pugi::xml_node addNameSource(pugi::xml_node parent, const std::string& id, const std::string& names, std::size_t count,
                              const char* parameter, const char* type);
 void addInput(pugi::xml_node parent, const char* semantic, const std::string& source_id, int offset = -1, int set = -1);
+
+// A document with its declaration; its elements alone, indented by so many blanks.
+[[nodiscard]] std::string documentText(const pugi::xml_document& document);
+[[nodiscard]] std::string elementTexts(const pugi::xml_document& document, unsigned indent);
 
 } // namespace korvane::dae_nodes

@@ -46,6 +46,8 @@ scene_exporter::scene_exporter(const export_scene& scene, export_options options
 {
 }
 
+scene_exporter::~scene_exporter() = default;
+
 bool scene_exporter::save(const std::string& path, const export_take* take, failure& why)
 {
     const bool is_collada = isCollada(path);
@@ -55,7 +57,11 @@ bool scene_exporter::save(const std::string& path, const export_take* take, fail
     std::vector<std::byte> bytes;
     std::string text;
     if (is_collada)
-        text = daeText(m_scene, m_options, take);
+    {
+        if (!m_dae)
+            m_dae = std::make_unique<dae_export>(m_scene, m_options);
+        text = m_dae->text(take);
+    }
     else
     {
         if (!m_fbx)

@@ -25,6 +25,8 @@ inline constexpr std::string_view bind_pose_suffix = "__BIND_POSE";
 [[nodiscard]] std::string exportingLine(std::string_view file_name, std::size_t number, std::size_t total);
 [[nodiscard]] std::string exportedLine(std::size_t count);
 
+class dae_export;
+
 class scene_exporter
 {
 public:
@@ -33,6 +35,9 @@ public:
 
     // The scene must outlive the object and stay as it is.
     scene_exporter(const export_scene& scene, export_options options, print_port print);
+    ~scene_exporter();
+    scene_exporter(const scene_exporter&) = delete;
+    scene_exporter& operator=(const scene_exporter&) = delete;
 
     // Writes the scene with a take, or in bind pose (null), to a UTF-8 path with an export extension. False when the
     // file cannot be written; what stood there then still stands.
@@ -43,6 +48,7 @@ private:
     export_options m_options;
     print_port m_print;
     std::unique_ptr<fbx_export> m_fbx; // made for the first FBX file
+    std::unique_ptr<dae_export> m_dae; // and for the first Collada file
 };
 
 } // namespace korvane

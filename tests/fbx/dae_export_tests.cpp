@@ -34,7 +34,7 @@ TEST(DaeExport, holdsTheSceneInInchesWithYUp)
         return std::string("my tex/d.dds");
     };
     pugi::xml_document document;
-    ASSERT_TRUE(document.load_string(daeText(scene, {true, slashes}, &take).c_str()));
+    ASSERT_TRUE(document.load_string(dae_export(scene, {true, slashes}).text(&take).c_str()));
 
     EXPECT_EQ(textOf(document, "//unit/@meter"), "0.0254");
     EXPECT_EQ(textOf(document, "//up_axis"), "Y_UP");
@@ -45,13 +45,13 @@ TEST(DaeExport, holdsTheSceneInInchesWithYUp)
     EXPECT_EQ(textOf(document, "//skin//Name_array"), "spine arm_left arm_right") << "the joints";
     EXPECT_EQ(textOf(document, "//vertex_weights/v"), "0 0 1 1 2 2");
     EXPECT_EQ(textOf(document, "//node[@id='spine']/@type"), "JOINT");
-    EXPECT_EQ(textOf(document, "//node[@id='spine']/translate"), "-19.68504 39.37008 0");
-    EXPECT_EQ(textOf(document, "//node[@id='arm_left']/rotate[1]"), "0 0 1 -90") << "Z stands first, X acts first";
+    EXPECT_EQ(textOf(document, "//node[@id='spine']/matrix"), "1 0 0 -19.68504 0 1 0 39.37008 0 0 1 0 0 0 0 1");
+    EXPECT_EQ(textOf(document, "//node[@id='arm_left']/matrix"), "0 1 0 0 -1 0 0 39.37008 0 0 1 0 0 0 0 1");
     EXPECT_EQ(textOf(document, "//animation_clip/@end"), "0.1") << "half of four frames at 20 a second";
-    EXPECT_EQ(textOf(document, "//channel[@target='spine/translate.X']/@source"), "#spine_translationX-sampler");
-    EXPECT_EQ(textOf(document, "//float_array[@id='spine_translationX-output-array']"),
-              "0 -39.37008 -78.74016 -118.11024");
-    EXPECT_EQ(textOf(document, "//float_array[@id='spine_translationX-input-array']"), "0 0.05 0.1 0.15");
+    EXPECT_EQ(textOf(document, "//channel[@target='spine/transform']/@source"), "#spine_sampler");
+    EXPECT_EQ(textOf(document, "//float_array[@id='spine_keys-array']").substr(0, 90),
+              "1 0 0 0 0 1 0 78.74016 0 0 1 118.11024 0 0 0 1 1 0 0 -39.37008 0 1 0 78.74016 0 0 1 118.11");
+    EXPECT_EQ(textOf(document, "//float_array[@id='take-times-array']"), "0 0.05 0.1 0.15");
 }
 
 TEST(DaeExport, idsAreMadeOfWhatXmlTakesAndNeverTwice)
@@ -72,7 +72,7 @@ TEST(DaeExport, aModelAloneHasNoControllersAndWithoutMaterialsNone)
     groups.push_back(triangleGroup());
     ASSERT_TRUE(addMeshes(modelOfGroups(std::move(groups)), 0, scene, why));
     pugi::xml_document document;
-    ASSERT_TRUE(document.load_string(daeText(scene, {false, {}}, nullptr).c_str()));
+    ASSERT_TRUE(document.load_string(dae_export(scene, {false, {}}).text(nullptr).c_str()));
     EXPECT_EQ(textOf(document, "//instance_geometry/@url"), "#body_group_01_lod0_mesh");
     for (const char* absent : {"//library_controllers", "//library_materials", "//library_animations", "//skeleton"})
         EXPECT_FALSE(document.select_node(absent)) << absent;
