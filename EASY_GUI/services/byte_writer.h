@@ -40,6 +40,7 @@ public:
         std::memcpy(m_bytes.data() + position, &value, sizeof value);
     }
 
+    void reserve(std::size_t size) { m_bytes.reserve(size); } // of the whole file, where it is known about
     std::size_t size() const { return m_bytes.size(); }
     std::span<const std::byte> view() const { return m_bytes; }
     std::vector<std::byte> take() { return std::move(m_bytes); }

@@ -96,6 +96,12 @@ struct fbx_document
 // a file can reach.
 [[nodiscard]] std::vector<std::byte> writeFbx(const fbx_document& document);
 
+// For several documents that begin alike: the large arrays of the first one, compressed, in the order of writing; and a
+// file of a document whose first large arrays are these. The bytes are those that writeFbx(document) gives.
+using fbx_packed_arrays = std::vector<std::vector<std::byte>>;
+[[nodiscard]] fbx_packed_arrays packFbx(const fbx_document& document);
+[[nodiscard]] std::vector<std::byte> writeFbx(const fbx_document& document, const fbx_packed_arrays& first_arrays);
+
 // "1970-01-01 10:00:00:000", or what SOURCE_DATE_EPOCH says (seconds, UTC).
 [[nodiscard]] std::string creationTime();
 

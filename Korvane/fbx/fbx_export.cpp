@@ -197,4 +197,11 @@ const fbx_document& fbx_export::document(const export_take* take)
     return m_document;
 }
 
+std::vector<std::byte> fbx_export::file(const export_take* take)
+{
+    if (!m_packed)
+        m_packed = packFbx(document(nullptr));
+    return writeFbx(document(take), *m_packed);
+}
+
 } // namespace korvane

@@ -8,6 +8,7 @@
 #include "Korvane/fbx/fbx_document.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace korvane
@@ -35,6 +36,9 @@ public:
     // The document of the scene with a take, or in bind pose (null). Good until the next call.
     const fbx_document& document(const export_take* take);
 
+    // The bytes of that document as a file; empty when they are too many for one.
+    [[nodiscard]] std::vector<std::byte> file(const export_take* take);
+
 private:
     const export_scene& m_scene;
     fbx_document m_document;
@@ -42,6 +46,7 @@ private:
     std::int64_t m_next_id = 0;     // the first one that a take may use
     std::size_t m_object_count = 0; // of the scene alone
     std::size_t m_connection_count = 0;
+    std::optional<fbx_packed_arrays> m_packed; // of the scene alone; made for the first file
 };
 
 } // namespace korvane

@@ -23,6 +23,7 @@ namespace
 
 constexpr std::uint32_t written_version = 7400;
 constexpr std::size_t smallest_compressed_bytes = 1001; // below, the gain is not worth a reader's time
+constexpr std::size_t document_overhead = 256 * 1024;   // a guess: of all that is no large array
 constexpr std::size_t null_record_bytes = 13;
 constexpr std::uint64_t size_limit = std::numeric_limits<std::uint32_t>::max();
 constexpr std::array<unsigned char, 16> last_bytes{0xf8, 0x5a, 0x8c, 0x6a, 0xde, 0xf5, 0xd9, 0x7e,
@@ -41,19 +42,64 @@ constexpr char array_letter<std::vector<float>> = 'f';
 template <>
 constexpr char array_letter<std::vector<double>> = 'd';
 
+// The arrays that are compressed, in the order of writing.
+class large_arrays
+{
+public:
+    explicit large_arrays(const fbx_document& document)
+    {
+        for (const fbx_record& record : document.records)
+            collect(record);
+    }
+
+    std::span<const std::span<const std::byte>> list() const { return m_list; }
+    std::uint64_t bytesOfAll() const { return m_bytes; } // of the smaller ones, too
+
+private:
+    void collect(const fbx_record& record);
+
+    std::vector<std::span<const std::byte>> m_list;
+    std::uint64_t m_bytes = 0;
+};
+
+void large_arrays::collect(const fbx_record& record)
+{
+    for (const fbx_value& value : record.values)
+        std::visit(
+            [this](const auto& held)
+            {
+                using type = std::remove_cvref_t<decltype(held)>;
+                if constexpr (array_letter<type> != '\0')
+                {
+                    const auto bytes = std::as_bytes(std::span(held));
+                    m_bytes += bytes.size();
+                    if (bytes.size() >= smallest_compressed_bytes)
+                        m_list.push_back(bytes);
+                }
+            },
+            value);
+    for (const fbx_record& child : record.children)
+        collect(child);
+}
+
 class binary_writer
 {
 public:
     binary_writer() : m_creation_time(creationTime()) {}
 
-    std::vector<std::byte> write(const fbx_document& document)
+    std::vector<std::byte> write(const fbx_document& document, const fbx_packed_arrays& first_arrays)
     {
-        std::uint64_t total = 0;
-        for (const fbx_record& record : document.records)
-            collectArrays(record, total);
-        if (total > size_limit) // no array needs more than it has, and none of that size gets small enough
+        const large_arrays arrays(document);
+        if (arrays.bytesOfAll() > size_limit) // none of that size gets small enough
             return {};
-        m_packed = packArrays(m_arrays);
+        assert(first_arrays.size() <= arrays.list().size());
+        const fbx_packed_arrays others = packArrays(arrays.list().subspan(first_arrays.size()));
+        for (const fbx_packed_arrays* packed : {&first_arrays, &others})
+            m_packed.insert(m_packed.end(), packed->begin(), packed->end());
+        std::size_t expected = document_overhead;
+        for (std::size_t i = 0; i < m_packed.size(); ++i)
+            expected += std::min(arrays.list()[i].size(), m_packed[i].size());
+        m_out.reserve(expected);
 
         m_out.text(fbx_binary_magic);
         m_out.u8(0x1a);
@@ -68,7 +114,6 @@ public:
     }
 
 private:
-    void collectArrays(const fbx_record& record, std::uint64_t& total);
     void writeTopLevel(const fbx_document& document);
     void writeHeaderExtension(const fbx_record& record);
     void writeRecord(const fbx_record& record);
@@ -90,31 +135,10 @@ private:
 
     byte_writer m_out;
     std::string m_creation_time;
-    std::vector<std::span<const std::byte>> m_arrays; // to be compressed, in the order of writing
-    std::vector<std::vector<std::byte>> m_packed;
+    std::vector<std::span<const std::byte>> m_packed; // the large arrays, in the order of writing
     std::size_t m_next_packed = 0;
     bool m_is_too_large = false;
 };
-
-void binary_writer::collectArrays(const fbx_record& record, std::uint64_t& total)
-{
-    for (const fbx_value& value : record.values)
-        std::visit(
-            [this, &total](const auto& held)
-            {
-                using type = std::remove_cvref_t<decltype(held)>;
-                if constexpr (array_letter<type> != '\0')
-                {
-                    const auto bytes = std::as_bytes(std::span(held));
-                    total += bytes.size();
-                    if (bytes.size() >= smallest_compressed_bytes)
-                        m_arrays.push_back(bytes);
-                }
-            },
-            value);
-    for (const fbx_record& child : record.children)
-        collectArrays(child, total);
-}
 
 fbx_record idRecord(const std::string& creation_time)
 {
@@ -253,7 +277,7 @@ void binary_writer::write(const std::vector<element>& value)
     bool is_packed = false;
     if (bytes.size() >= smallest_compressed_bytes)
     {
-        const std::vector<std::byte>& packed = m_packed[m_next_packed++];
+        const std::span<const std::byte> packed = m_packed[m_next_packed++];
         is_packed = packed.size() < bytes.size();
         if (is_packed)
             bytes = packed;
@@ -278,7 +302,17 @@ void binary_writer::writeFooter()
 
 std::vector<std::byte> writeFbx(const fbx_document& document)
 {
-    return binary_writer().write(document);
+    return writeFbx(document, {});
+}
+
+std::vector<std::byte> writeFbx(const fbx_document& document, const fbx_packed_arrays& first_arrays)
+{
+    return binary_writer().write(document, first_arrays);
+}
+
+fbx_packed_arrays packFbx(const fbx_document& document)
+{
+    return packArrays(large_arrays(document).list());
 }
 
 } // namespace korvane

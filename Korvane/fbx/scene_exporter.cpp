@@ -66,7 +66,7 @@ bool scene_exporter::save(const std::string& path, const export_take* take, fail
     {
         if (!m_fbx)
             m_fbx = std::make_unique<fbx_export>(m_scene, m_options);
-        bytes = writeFbx(m_fbx->document(take));
+        bytes = m_fbx->file(take);
         if (bytes.empty())
         {
             m_print("\n\nAn error occurred while saving the scene...\n");
