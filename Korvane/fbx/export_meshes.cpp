@@ -37,7 +37,7 @@ void warn(export_scene& scene, const std::string& mesh, const left_out& lost)
         if (count > 0)
             scene.warnings.push_back(mesh + ": " + counted(count, what) + text);
     };
-    say(lost.values, "vertex value", " became 0: the file holds infinity or no number there");
+    say(lost.values, "vertex value", " became 0: the file holds no number there, or one that is too large");
     say(lost.triangles, "triangle", " left out: an index is out of range");
     say(lost.weights, "weight",
         " left out: for bones up to " + std::to_string(lost.highest_bone) + ", but the skeleton has " +
@@ -57,8 +57,8 @@ void addVertices(const vertex_store& store, export_mesh& mesh, left_out& lost)
     mesh.uvs.reserve(records.size() * 2);
     for (const vertex_record& vertex : records)
     {
-        const bool has_position = isFinite(vertex.position), has_normal = isFinite(vertex.normal),
-                   has_uv = std::isfinite(vertex.uv.x) && std::isfinite(vertex.uv.y);
+        const bool has_position = isExportable(vertex.position), has_normal = isExportable(vertex.normal),
+                   has_uv = isExportable(vertex.uv.x) && isExportable(vertex.uv.y);
         lost.values += static_cast<std::size_t>(!has_position) + !has_normal + !has_uv;
         append(mesh.points, has_position ? exportedTranslation(vertex.position) : glm::dvec3(0));
         const glm::dvec3 normal = has_normal ? exportedDirection(vertex.normal) : glm::dvec3(0);

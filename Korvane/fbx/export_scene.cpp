@@ -70,8 +70,8 @@ bool makeBone(const anim_bone& source, std::size_t index, std::size_t count, exp
         return boneFailure(why, index, source.name,
                            "has the parent " + std::to_string(source.parent) + ", but there are " +
                                std::to_string(count) + " bones");
-    if (!isFinite(source.translation) || !isFinite(source.rotation))
-        return boneFailure(why, index, source.name, "has a bind pose that is no number");
+    if (!isExportable(source.translation) || !isFinite(source.rotation))
+        return boneFailure(why, index, source.name, "has a bind pose that is no number, or too large");
     bone.is_root = index == 0 && bone.parent < 0;
     bone.translation = exportedTranslation(source.translation);
     bone.euler_degrees = principalAngles(exportedRotation(source.rotation));

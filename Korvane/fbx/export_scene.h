@@ -90,12 +90,13 @@ struct export_scene
 };
 
 // The bones of a skeleton with their bind pose. False, with the bones as they were, when a bone's parent is no bone or
-// its own descendant, or when a value is no number. Comes before addMeshes(): without bones meshes get no skins.
+// its own descendant, or when a value is no number or too large. Comes before addMeshes(): without bones meshes get no
+// skins.
 [[nodiscard]] bool addBones(const anim_data& skeleton, export_scene& scene, failure& why);
 
 // Every group of a LOD as a mesh with its material. False when the model has no such LOD. Weights are normalised; those
 // of bones that the skeleton does not have are left out, and a vertex without any hangs on bone 0. Triangles with an
-// index out of range are left out, values that are no numbers become 0; the warnings say how many.
+// index out of range are left out, values that are no numbers, or too large, become 0; the warnings say how many.
 [[nodiscard]] bool addMeshes(const RMV2_FILE_DATA& model, std::size_t lod, export_scene& scene, failure& why);
 
 enum class take_span
@@ -105,7 +106,8 @@ enum class take_span
 };
 
 // The keys of an animation, for the scene's bones that it has tracks of. The bind pose is the skeleton's. False, with
-// the take as it was, for a frame rate that is none and for values that are no numbers.
+// the take as it was, for a frame rate that is none, for values that are no numbers or too large, and for
+// more than three years.
 [[nodiscard]] bool makeTake(std::shared_ptr<const anim_data> animation_data, const anim_data& skeleton, take_span span,
                             export_take& take, failure& why);
 

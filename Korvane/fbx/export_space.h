@@ -23,6 +23,19 @@ inline bool isFinite(const glm::quat& value)
     return std::isfinite(value.x) && std::isfinite(value.y) && std::isfinite(value.z) && std::isfinite(value.w);
 }
 
+// Larger ones would be infinite as the binary32 inches of keys, when many bones add up.
+inline constexpr float largest_exported = 1e30f;
+
+inline bool isExportable(float value)
+{
+    return std::abs(value) <= largest_exported; // false for what is no number
+}
+
+inline bool isExportable(const glm::vec3& value)
+{
+    return isExportable(value.x) && isExportable(value.y) && isExportable(value.z);
+}
+
 inline glm::dvec3 exportedDirection(const glm::vec3& value)
 {
     // 0 - x, which is never -0: a file of minus signs is hard to read.

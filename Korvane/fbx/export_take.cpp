@@ -18,6 +18,7 @@ namespace
 
 // The fastest and the slowest take whose times a file can count.
 constexpr double slowest_rate = 1e-3, fastest_rate = 1e6;
+constexpr double longest_seconds = 1e8; // three years; the ticks of a file end at six
 
 // The bones of the skeleton among those that have a track.
 std::vector<std::uint32_t> movedBones(const std::vector<std::uint32_t>& bones, std::size_t tracks, std::size_t count)
@@ -36,9 +37,10 @@ bool areNumbers(const anim_data& source, std::uint32_t frame, failure& why)
 {
     const auto translations = source.frameTranslations(frame);
     for (std::size_t i = 0; i < translations.size(); ++i)
-        if (!isFinite(translations[i]))
+        if (!isExportable(translations[i]))
             return fail(why, failure_kind::malformed,
-                        "frame " + std::to_string(frame) + ", translation " + std::to_string(i) + " is no number");
+                        "frame " + std::to_string(frame) + ", translation " + std::to_string(i) +
+                            " is no number, or too large");
     return true;
 }
 
@@ -58,6 +60,10 @@ bool makeTake(std::shared_ptr<const anim_data> animation_data, const anim_data& 
     if (!(made.frame_rate >= slowest_rate && made.frame_rate <= fastest_rate))
         return fail(why, failure_kind::malformed,
                     "a frame rate of " + floatText(source->frame_rate) + " frames a second cannot be exported");
+    if (made.frame_count / made.frame_rate > longest_seconds)
+        return fail(why, failure_kind::malformed,
+                    std::to_string(made.frame_count) + " frames at " + floatText(source->frame_rate) +
+                        " a second are too long for a file");
     made.stop_seconds =
         span == take_span::half ? made.frame_count * 0.5 / made.frame_rate : std::max(made.frame_count, 1u) - 1.0;
     if (span == take_span::full)

@@ -76,7 +76,9 @@ TEST(ExportScene, aSkeletonThatIsNoTreeIsRefused)
         {"a parent beyond the end", skeletonOf({bone("a", -1, {}), bone("b", 2, {})}), "bone 1 (b) has the parent 2"},
         {"its own parent", skeletonOf({bone("a", 0, {})}), "among its own descendants"},
         {"a ring of two", skeletonOf({bone("r", -1, {}), bone("a", 2, {}), bone("b", 1, {})}), "among its own"},
-        {"infinity", skeletonOf({bone("a", -1, {infinity, 0, 0})}), "bone 0 (a) has a bind pose that is no number"},
+        {"infinity", skeletonOf({bone("a", -1, {infinity, 0, 0})}),
+         "bone 0 (a) has a bind pose that is no number, or too large"},
+        {"too far away", skeletonOf({bone("a", -1, {0, 1e37f, 0})}), "bone 0 (a) has a bind pose that is no number"},
     };
     for (const auto& row : rows)
     {
@@ -168,9 +170,10 @@ TEST(ExportScene, damageIsLeftOutAndSaid)
     EXPECT_EQ(sceneOf(nullptr, modelOf(std::move(unknown))).warnings,
               (std::vector<std::string>{"odd_group_01_lod0: empty, its vertex format 2 is not known"}));
     EXPECT_EQ(scene.meshes[0].points[3], 0);
-    EXPECT_EQ(scene.warnings, (std::vector<std::string>{
-                                  "_group_01_lod0: 1 vertex value became 0: the file holds infinity or no number there",
-                                  "_group_01_lod0: 1 triangle left out: an index is out of range"}));
+    EXPECT_EQ(scene.warnings,
+              (std::vector<std::string>{
+                  "_group_01_lod0: 1 vertex value became 0: the file holds no number there, or one that is too large",
+                  "_group_01_lod0: 1 triangle left out: an index is out of range"}));
 }
 
 TEST(ExportScene, materialsNameTheDiffuseAndTheNormalTexture)

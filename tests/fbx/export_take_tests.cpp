@@ -141,7 +141,10 @@ TEST(ExportTake, whatCannotBeTimedOrIsNoNumberIsRefused)
     EXPECT_EQ(refused(smallAnimation(2, nan)), "a frame rate of nan frames a second cannot be exported");
     auto data = smallAnimation(2, 20);
     data->translations[1].y = nan;
-    EXPECT_EQ(refused(data), "frame 1, translation 0 is no number");
+    EXPECT_EQ(refused(data), "frame 1, translation 0 is no number, or too large");
+    data->translations[1].y = 1e37f; // as inches it is infinite
+    EXPECT_EQ(refused(data), "frame 1, translation 0 is no number, or too large");
+    EXPECT_EQ(refused(smallAnimation(101000, 0.001f)), "101000 frames at 0.001 a second are too long for a file");
 }
 
 } // namespace
