@@ -1,6 +1,8 @@
-// Reads any bytes as a DDS file. What is accepted must lie inside the file, every subresource with all its rows.
+// Reads any bytes as a DDS file. What is accepted must lie inside the file, every subresource with all its rows, and
+// can be decoded to a picture of its size.
 
 #include "DDSTextureLoader/dds_image.h"
+#include "Korvane/textures/dds_decoder.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -22,5 +24,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (!is_inside || part.bytes.size() != std::size_t{part.row_pitch} * part.rows || part.rows == 0)
             std::abort();
     }
+    picture target;
+    if (decodeDds(image, target, why) &&
+        (target.width() != image.width || target.height() != image.height * image.array_size))
+        std::abort();
     return 0;
 }

@@ -17,6 +17,7 @@ void addDemoDataCommand(CLI::App& app, cli_context& context);
 void addExportCommand(CLI::App& app, cli_context& context);
 void addFbxCommand(CLI::App& app, cli_context& context);
 void addNormalMapCommand(CLI::App& app, cli_context& context);
+void addTexturesCommand(CLI::App& app, cli_context& context);
 void addVariantCommand(CLI::App& app, cli_context& context);
 #ifdef _WIN32
 void addRenderCommand(CLI::App& app, cli_context& context);

@@ -87,6 +87,7 @@ int run(const std::vector<std::string>& arguments)
     addAnimCommands(app, context);
     addCheckCommand(app, context);
     addNormalMapCommand(app, context);
+    addTexturesCommand(app, context);
     addConfigCommand(app, context);
 #ifdef _WIN32
     addRenderCommand(app, context);

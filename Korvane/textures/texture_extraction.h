@@ -1,0 +1,56 @@
+#pragma once
+
+// Takes the textures that models name out of the archives and puts them below a folder, as they are or as pictures. A
+// wanted path and a stored one are the same whatever their case and separators; of several copies the one that counts
+// in the game is taken, and entries of no bytes are left alone. One bad texture does not stop the others.
+
+#include "EASY_GUI/services/failure.h"
+#include "Korvane/archives/path_tree.h"
+#include "Korvane/textures/picture_file.h"
+#include "Korvane/textures/texture_paths.h"
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace korvane
+{
+
+struct texture_extraction_options
+{
+    std::string folder;
+    bool is_flat = false;             // all in the folder itself; a second file of a name becomes "name_2.dds"
+    std::optional<picture_kind> form; // nothing: the DDS files as they are
+    bool makes_normals_blue = false;  // the normal maps, as pictures: Targa where form says nothing
+};
+
+struct extracted_texture
+{
+    std::string internal_path;
+    std::string archive; // its path on disk
+    std::string path;    // on disk
+    bool is_normal_map = false;
+};
+
+struct texture_extraction_result
+{
+    std::vector<extracted_texture> files; // what was written
+    std::vector<std::string> missing;     // in no archive
+    std::vector<std::string> empty;       // there, without a byte
+    std::vector<failure> failures;        // the texture's internal path is in why.path, or in what
+    bool is_stopped = false;
+};
+
+// progress is called on the calling thread with the textures done and all; may be empty. After a stop request what has
+// begun is finished.
+[[nodiscard]] texture_extraction_result extractTextures(
+    const path_tree& tree, const std::vector<wanted_texture>& wanted, const texture_extraction_options& options,
+    const std::function<void(std::size_t done, std::size_t total)>& progress = {}, std::stop_token stop = {});
+
+// "12 DDS files extracted."
+[[nodiscard]] std::string extractedText(std::size_t count);
+
+} // namespace korvane

@@ -1,0 +1,84 @@
+#!/usr/bin/env python3
+"""korvane normal-map and textures, on pictures made here and on the demo data; called as cli_tests.py is."""
+
+import json
+import os
+import struct
+
+import cli_tests
+from cli_tests import korvane
+
+
+def targa(width, height, pixels):
+    """32 bits, from the bottom; pixels are (red, green, blue, alpha)."""
+    return struct.pack("<BBBHHBHHHHBB", 0, 0, 2, 0, 0, 0, 0, 0, width, height, 32, 8) + b"".join(
+        bytes((blue, green, red, alpha)) for red, green, blue, alpha in pixels)
+
+
+def written(width, height, pixels):
+    plain = targa(width, height, pixels)
+    return b"\x15" + plain[1:18] + b"written with libtarga" + plain[18:]
+
+
+class normal_map(cli_tests.cli_case):
+    def test_both_ways_to_the_byte(self):
+        blue = self.write("blue.tga", targa(1, 2, [(200, 100, 255, 255), (0, 255, 7, 9)]))
+        out = self.path("orange.tga")
+        self.assertEqual(korvane("normal-map", "to-orange", blue, "-o", out, check=0)[1], b"1 picture converted\n")
+        self.assertEqual(open(out, "rb").read(), written(1, 2, [(255, 100, 0, 200), (255, 255, 0, 0)]))
+        orange = self.write("orange2.tga", targa(2, 1, [(255, 128, 0, 128), (255, 255, 0, 255)]))
+        korvane("normal-map", "to-blue", orange, "-o", out, check=0)
+        self.assertEqual(open(out, "rb").read(), written(2, 1, [(128, 128, 254, 255), (255, 255, 127, 255)]))
+
+    def test_many_go_into_a_folder_and_a_bad_one_is_named(self):
+        one = self.write("one.tga", targa(1, 1, [(1, 2, 3, 4)]))
+        os.mkdir(self.path("b"))
+        two = self.write("b/one.tga", targa(1, 1, [(5, 6, 7, 8)]))
+        bad = self.write("bad.tga", b"\0\0\x20" + bytes(15))
+        status, out, err = korvane("normal-map", "to-orange", one, bad, two, "-o", self.path("out"), "--json")
+        self.assertEqual(status, 1)
+        self.assertIn("image type 32", err.decode())
+        self.assertIn("1 of 3 pictures", err.decode())
+        self.assertEqual([os.path.basename(file["path"]) for file in json.loads(out)["files"]], ["one.tga", "one_2.tga"])
+        self.assertEqual(open(self.path("out/one_2.tga"), "rb").read(), written(1, 1, [(255, 6, 0, 5)]))
+
+    def test_an_input_is_never_written_over(self):
+        one = self.write("one.tga", targa(1, 1, [(1, 2, 3, 4)]))
+        self.expect_failure(["normal-map", "to-blue", one, "-o", one], 1, "one.tga", "replace")
+        self.expect_failure(["normal-map", "to-blue", one, "-o", self.path("")], 1, "one.tga", "replace")
+        self.expect_failure(["normal-map", "to-blue", one, "-o", self.path("one.bmp")], 2, "one.bmp")
+        self.expect_failure(["normal-map", "to-blue", self.path("none.tga"), "-o", self.path("x.tga")], 1, "none.tga")
+        self.assertEqual(open(one, "rb").read(), targa(1, 1, [(1, 2, 3, 4)]))
+
+
+class textures(cli_tests.cli_case):
+    MODEL = "pack:variantmeshes/variantmeshdefinitions/demo_guard.variantmeshdefinition"
+
+    def test_what_the_models_name_is_what_info_says(self):
+        demo = self.path("demo")
+        korvane("demo-data", demo, check=0)
+        models = json.loads(korvane("variant", self.MODEL, "--data", demo, "--json", check=0)[1])["models"]
+        named = set()
+        for model in models:
+            for lod in json.loads(korvane("info", "pack:" + model, "--data", demo, "--json", check=0)[1])["lods"]:
+                for group in lod["groups"]:
+                    named |= {texture["path"].lower().replace("\\", "/") for texture in group["textures"]}
+        out = self.path("tex")
+        status, text, err = korvane("textures", self.MODEL, "-o", out, "--data", demo)
+        self.assertEqual((status, text.decode()), (0, "%d DDS files extracted.\n" % len(named)), err)
+        for name in named:
+            korvane("extract", name, "-o", self.path("one.dds"), "--data", demo, check=0)
+            self.assertEqual(open(self.path("one.dds"), "rb").read(), open(os.path.join(out, name), "rb").read(), name)
+        missing = self.path("none.rigid_model_v2")
+        status, text, err = korvane("textures", missing, "pack:" + models[0], "-o", self.path("png"), "--data", demo,
+                                    "--flat", "--as", "png", "--json")
+        result = json.loads(text)
+        self.assertEqual((status, result["failed"][0]["path"]), (1, missing))
+        self.assertGreater(result["count"], 0)
+        for file in result["files"]:
+            self.assertEqual(open(file["path"], "rb").read(8), b"\x89PNG\r\n\x1a\n")
+        self.expect_failure(["textures", "pack:" + models[0], "-o", out, "--as", "bmp"], 2, "bmp")
+
+
+if __name__ == "__main__":
+    cli_tests.main()
