@@ -21,10 +21,10 @@ namespace korvane
 
 struct texture_extraction_options
 {
-    std::string folder;
-    bool is_flat = false;             // all in the folder itself; a second file of a name becomes "name_2.dds"
-    std::optional<picture_kind> form; // nothing: the DDS files as they are
-    bool makes_normals_blue = false;  // the normal maps, as pictures: Targa where form says nothing
+    std::string folder = {};
+    bool is_flat = false; // all in the folder itself; a second file of a name becomes "name_2.dds"
+    std::optional<picture_kind> form = std::nullopt; // nothing: the DDS files as they are
+    bool makes_normals_blue = false;                 // the normal maps, as pictures: Targa where form says nothing
 };
 
 struct extracted_texture
