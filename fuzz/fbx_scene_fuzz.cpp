@@ -1,14 +1,20 @@
-// Reads any bytes as an FBX scene and evaluates it. What loads must hold together: every index within its list, parents
-// before their children, every count as promised.
+// Reads any bytes as an FBX scene, evaluates it, and converts its first take for a template of its own bones' names.
+// What loads must hold together: every index within its list, parents before their children, every count as promised.
+// What is converted must be finite, and an .anim file that can be read.
 
+#include "Korvane/animation/anim_reader.h"
 #include "Korvane/fbx/fbx_evaluator.h"
 #include "Korvane/fbx/fbx_scene.h"
+#include "Korvane/fbx/fbx_to_anim.h"
 
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <span>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace
 {
@@ -101,6 +107,60 @@ void checkStack(const fbx_scene& scene, std::size_t stack)
         require(evaluator.world(time).size() == scene.nodes.size());
 }
 
+// A chain, a ring, one that is none, one behind its child.
+constexpr std::int32_t template_parents[] = {-1, 0, 3, 2, 99, 6, 0};
+
+// Bones of the scene in turn with one that it does not have; every third one without a translation track.
+anim_data templateOf(const fbx_scene& scene)
+{
+    anim_data made;
+    made.version = 5;
+    std::vector<std::string> names;
+    for (const fbx_node& node : scene.nodes)
+        if (node.type == fbx_node_type::skeleton && names.size() < 4)
+            names.push_back(node.name.substr(0, anim_file::max_name));
+    for (std::uint32_t i = 0; i < std::size(template_parents); ++i)
+    {
+        const bool is_scene_s = i % 2 == 0 && i / 2 < names.size();
+        made.bones.push_back({is_scene_s ? names[i / 2] : "no such bone", i, template_parents[i], {}, {}});
+        made.translation_map.push_back(i % 3 == 0 ? 10000 : i);
+        made.rotation_map.push_back(i);
+        if (i % 3 != 0)
+            made.animated_translations.push_back(i);
+        made.animated_rotations.push_back(i);
+    }
+    made.static_translations = {{1, 2, 3}};
+    return made;
+}
+
+void checkConversion(const fbx_scene& scene, std::span<const std::byte> bytes)
+{
+    const anim_data template_data = templateOf(scene);
+    anim_conversion request;
+    request.fbx = bytes;
+    request.template_data = &template_data;
+    request.frame_count = 3;
+    anim_conversion_ports ports;
+    ports.log = [](const std::string& line)
+    {
+        require(!line.empty());
+    };
+    anim_conversion_result result;
+    failure why;
+    if (!convertToAnim(request, ports, result, why))
+        return require(static_cast<bool>(why));
+    for (const anim_output::frame& frame : result.anim.frames)
+        for (const auto& [bone, value] : frame.rotations)
+            require(std::abs(value.x * value.x + value.y * value.y + value.z * value.z + value.w * value.w - 1) <
+                    1e-5f);
+    std::vector<std::byte> file;
+    anim_data read;
+    require(makeAnim(result.anim, 5, file, why) && readAnim({file}, anim_depth::animation, read, why));
+    require(read.frame_count == 3 && read.bones.size() == std::size(template_parents));
+    for (const glm::vec3& value : read.translations)
+        require(std::isfinite(value.x) && std::isfinite(value.y) && std::isfinite(value.z));
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -123,5 +183,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
     for (std::size_t i = 0; i < scene.stacks.size(); ++i)
         checkStack(scene, i);
+    checkConversion(scene, std::as_bytes(std::span(data, size)));
     return 0;
 }

@@ -1,12 +1,13 @@
 #include "Korvane/fbx/fbx_to_anim.h"
 
-#include "EASY_GUI/services/text.h"
 #include "Korvane/fbx/anim_template.h"
 #include "Korvane/fbx/export_space.h"
 #include "Korvane/fbx/fbx_bone_sampler.h"
 #include "Korvane/fbx/fbx_document.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <iterator>
 #include <limits>
@@ -29,7 +30,9 @@ constexpr double still_cosine = 1 - 1e-6;
 
 std::string numberText(double value)
 {
-    return floatText(static_cast<float>(value));
+    std::array<char, 32> text;
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, 6);
+    return std::string(text.data(), end.ptr);
 }
 
 std::string nameList(const std::vector<std::string>& names)
@@ -245,12 +248,14 @@ bool conversion::checkSize(failure& why) const
     const std::uint32_t limit = frame_bytes == 0 ? anim_file::max_trackless_frames : max_converted_frames;
     if (m_frame_count > limit)
         return refuse(why, failure_kind::refused,
-                      asked + " are more than the " + std::to_string(limit) + " that can be converted");
+                      asked + " are more than the " + std::to_string(limit) +
+                          " that can be converted: choose a lower rate or an earlier end");
     if (m_frame_count * frame_bytes > max_converted_bytes)
         return refuse(why, failure_kind::refused,
                       asked + " of " + std::to_string(frame_bytes) + " bytes (" + std::to_string(moved) +
                           " translations, " + std::to_string(turned) + " rotations) are more than the " +
-                          std::to_string(max_converted_bytes >> 20) + " MiB that can be converted");
+                          std::to_string(max_converted_bytes >> 20) +
+                          " MiB that can be converted: choose a lower rate or an earlier end");
     return true;
 }
 
@@ -258,6 +263,12 @@ bool conversion::chooseTimes(failure& why)
 {
     fbx_ticks first = 0, last = 0;
     const bool has_keys = m_take != fbx_none && m_scene.keySpan(m_scene.stacks[m_take], first, last);
+    if (m_take != fbx_none && !has_keys)
+    {
+        log("The take has no keys: nothing moves");
+        first = m_scene.stacks[m_take].begin;
+        last = m_scene.stacks[m_take].end;
+    }
     m_first = m_request.start_seconds ? m_scene.ticks(*m_request.start_seconds) : first;
     m_rate = m_request.frame_rate.value_or(m_scene.frames_per_second);
     double end_time = std::max(m_scene.seconds(last) - m_scene.seconds(m_first), 0.0);
@@ -270,8 +281,6 @@ bool conversion::chooseTimes(failure& why)
     if (has_keys)
         log("The take's keys lie between " + numberText(m_scene.seconds(first)) + " and " +
             numberText(m_scene.seconds(last)) + " seconds");
-    else if (m_take != fbx_none)
-        log("The take has no keys: nothing moves");
     log(std::to_string(m_frame_count) + " frames at " + numberText(m_rate) + " a second, from " +
         numberText(m_scene.seconds(m_first)) + " seconds on");
     return checkSize(why);
@@ -306,7 +315,8 @@ bool conversion::storeFrame(std::span<const bone_place> places, failure& why)
         if (glm::dot(rotation, m_before[i]) < 0) // the same rotation, next to that of the frame before
             rotation = -rotation;
         const glm::quat stored(rotation);
-        if (!isFinite(translation) || !isFinite(stored))
+        if (!isFinite(translation) || !isFinite(stored) ||
+            !isFinite(glm::vec3(places[i].translation * m_scene.unit_metres)))
             return refuse(why, failure_kind::malformed,
                           "where the take puts the bone " + m_template.bones[i].name + " in frame " +
                               std::to_string(m_result.anim.frames.size() - 1) + " is no number");
