@@ -1,16 +1,17 @@
 #include "Korvane/fbx/fbx_arrays.h"
 
-#include <zlib.h>
+#include <libdeflate.h>
 
 #include <algorithm>
 #include <atomic>
 #include <functional>
-#include <limits>
+#include <memory>
 #include <mutex>
 #include <new>
 #include <numeric>
 #include <system_error>
 #include <thread>
+#include <unordered_map>
 
 namespace korvane
 {
@@ -20,9 +21,12 @@ namespace
 
 constexpr std::uint64_t bytes_worth_a_thread = 256 * 1024;
 constexpr std::size_t thread_limit = 8;
+constexpr int fastest_level = 1;
 
-// Calls work(0) to work(count - 1), in no particular order. Of several exceptions one is thrown on.
-void forEach(std::size_t count, std::uint64_t total_bytes, const std::function<void(std::size_t)>& work)
+// Calls work for 0 to count - 1, in no particular order, with a tool for each thread. Of several exceptions one is
+// thrown on.
+template <class tool>
+void forEach(std::size_t count, std::uint64_t total_bytes, const std::function<void(tool&, std::size_t)>& work)
 {
     std::atomic<std::size_t> next{0};
     std::mutex mutex;
@@ -31,8 +35,9 @@ void forEach(std::size_t count, std::uint64_t total_bytes, const std::function<v
     {
         try
         {
+            tool own;
             for (std::size_t at = next++; at < count; at = next++)
-                work(at);
+                work(own, at);
         }
         catch (...)
         {
@@ -59,85 +64,95 @@ void forEach(std::size_t count, std::uint64_t total_bytes, const std::function<v
         std::rethrow_exception(thrown);
 }
 
-// The order in which to work: the largest first, so that no thread is left alone with one at the end.
+// The largest first, so that no thread is left alone with one at the end.
 template <class size_function>
-std::vector<std::size_t> largestFirst(std::size_t count, const size_function& size)
+void sortLargestFirst(std::vector<std::size_t>& order, const size_function& size)
 {
-    std::vector<std::size_t> order(count);
-    std::iota(order.begin(), order.end(), std::size_t{0});
     std::stable_sort(order.begin(), order.end(),
                      [&size](std::size_t left, std::size_t right)
                      {
                          return size(left) > size(right);
                      });
-    return order;
 }
 
-// zlib counts in 32 bits on one of our platforms.
-uInt nextPiece(std::size_t left)
-{
-    return static_cast<uInt>(std::min<std::size_t>(left, std::numeric_limits<std::int32_t>::max()));
-}
-
-Bytef* zlibBytes(const std::byte* bytes)
-{
-    return const_cast<Bytef*>(reinterpret_cast<const Bytef*>(bytes));
-}
-
-class inflater
+class unpacker
 {
 public:
-    inflater()
+    unpacker() : m_own(libdeflate_alloc_decompressor(), libdeflate_free_decompressor)
     {
-        if (inflateInit(&m_stream) != Z_OK)
+        if (!m_own)
             throw std::bad_alloc();
     }
-    ~inflater() { inflateEnd(&m_stream); }
-    inflater(const inflater&) = delete;
-    inflater& operator=(const inflater&) = delete;
 
-    // What is wrong with the stream; empty: nothing.
+    // What is wrong with the stream; empty: nothing. Writes nothing behind the target.
     std::string run(std::span<const std::byte> packed, std::span<std::byte> target)
     {
-        std::byte spare{}; // an address for an empty target, and the place for a byte too many
-        m_stream.next_in = zlibBytes(packed.data());
-        m_stream.next_out = target.empty() ? zlibBytes(&spare) : zlibBytes(target.data());
-        std::size_t in_left = packed.size(), out_left = target.size();
-        int status = Z_OK;
-        while (status == Z_OK)
+        std::byte spare{}; // an address for an empty target
+        std::size_t used = 0, made = 0;
+        switch (libdeflate_zlib_decompress_ex(m_own.get(), packed.data(), packed.size(),
+                                              target.empty() ? &spare : target.data(), target.size(), &used, &made))
         {
-            const uInt in = nextPiece(in_left), out = nextPiece(out_left);
-            m_stream.avail_in = in;
-            m_stream.avail_out = out;
-            status = inflate(&m_stream, Z_NO_FLUSH);
-            in_left -= in - m_stream.avail_in;
-            out_left -= out - m_stream.avail_out;
+        case LIBDEFLATE_SUCCESS:
+            break;
+        case LIBDEFLATE_INSUFFICIENT_SPACE:
+            return "the compressed data holds more than the " + std::to_string(target.size()) + " bytes of the array";
+        default:
+            return "the compressed data is damaged or cut off";
         }
-        if (status == Z_STREAM_END && in_left == 0 && out_left == 0)
-            return {};
-        if (status == Z_MEM_ERROR)
-            throw std::bad_alloc();
-        return fault(status, in_left, target.size() - out_left, target.size());
+        if (made != target.size())
+            return "the compressed data ends after " + std::to_string(made) + " of " + std::to_string(target.size()) +
+                   " bytes";
+        if (used != packed.size())
+            return std::to_string(packed.size() - used) + " bytes are left behind the end of the compressed data";
+        return {};
     }
 
 private:
-    std::string fault(int status, std::size_t in_left, std::size_t made, std::size_t wanted) const
+    std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)> m_own;
+};
+
+class packer
+{
+public:
+    packer() : m_own(libdeflate_alloc_compressor(fastest_level), libdeflate_free_compressor)
     {
-        if (status == Z_STREAM_END && in_left > 0)
-            return std::to_string(in_left) + " bytes are left behind the end of the compressed data";
-        if (status == Z_STREAM_END)
-            return "the compressed data ends after " + std::to_string(made) + " of " + std::to_string(wanted) +
-                   " bytes";
-        if (status == Z_BUF_ERROR && in_left == 0)
-            return "the compressed data is cut off";
-        if (status == Z_BUF_ERROR)
-            return "the compressed data holds more than the " + std::to_string(wanted) + " bytes of the array";
-        return "the compressed data is damaged" +
-               (m_stream.msg ? " (" + std::string(m_stream.msg) + ")" : std::string());
+        if (!m_own)
+            throw std::bad_alloc();
     }
 
-    z_stream m_stream{};
+    // Empty when the stream would not be smaller than its input.
+    std::vector<std::byte> run(std::span<const std::byte> input)
+    {
+        if (m_room < input.size())
+        {
+            m_buffer = std::make_unique_for_overwrite<std::byte[]>(input.size());
+            m_room = input.size();
+        }
+        const std::size_t size = libdeflate_zlib_compress(m_own.get(), input.data(), input.size(), m_buffer.get(),
+                                                          std::max<std::size_t>(input.size(), 1) - 1);
+        return {m_buffer.get(), m_buffer.get() + size};
+    }
+
+private:
+    std::unique_ptr<libdeflate_compressor, decltype(&libdeflate_free_compressor)> m_own;
+    std::unique_ptr<std::byte[]> m_buffer;
+    std::size_t m_room = 0;
 };
+
+// For each array the first one of the same bytes, as far as easily seen: the times of keys stand once in every curve.
+std::vector<std::size_t> firstOfTheSame(std::span<const std::span<const std::byte>> arrays)
+{
+    std::vector<std::size_t> firsts(arrays.size());
+    std::unordered_map<std::size_t, std::size_t> latest; // by size
+    for (std::size_t i = 0; i < arrays.size(); ++i)
+    {
+        const auto [found, is_new] = latest.try_emplace(arrays[i].size(), i);
+        if (!is_new && !std::ranges::equal(arrays[i], arrays[found->second]))
+            found->second = i;
+        firsts[i] = found->second;
+    }
+    return firsts;
+}
 
 } // namespace
 
@@ -146,27 +161,29 @@ bool unpackArrays(std::span<const packed_array> arrays, failure& why)
     std::uint64_t total = 0;
     for (const packed_array& array : arrays)
         total += array.target.size();
-    const std::vector<std::size_t> order = largestFirst(arrays.size(),
-                                                        [&arrays](std::size_t at)
-                                                        {
-                                                            return arrays[at].target.size();
-                                                        });
+    std::vector<std::size_t> order(arrays.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    sortLargestFirst(order,
+                     [&arrays](std::size_t at)
+                     {
+                         return arrays[at].target.size();
+                     });
     std::mutex mutex;
     std::size_t first_damaged = arrays.size();
     std::string what;
-    forEach(arrays.size(), total,
-            [&](std::size_t at)
-            {
-                std::string fault = inflater().run(arrays[order[at]].packed, arrays[order[at]].target);
-                if (fault.empty())
-                    return;
-                const std::lock_guard lock(mutex);
-                if (order[at] < first_damaged)
-                {
-                    first_damaged = order[at];
-                    what = std::move(fault);
-                }
-            });
+    forEach<unpacker>(arrays.size(), total,
+                      [&](unpacker& tool, std::size_t at)
+                      {
+                          std::string fault = tool.run(arrays[order[at]].packed, arrays[order[at]].target);
+                          if (fault.empty())
+                              return;
+                          const std::lock_guard lock(mutex);
+                          if (order[at] < first_damaged)
+                          {
+                              first_damaged = order[at];
+                              what = std::move(fault);
+                          }
+                      });
     if (first_damaged == arrays.size())
         return true;
     if (!why)
@@ -181,28 +198,29 @@ bool unpackArrays(std::span<const packed_array> arrays, failure& why)
 
 std::vector<std::vector<std::byte>> packArrays(std::span<const std::span<const std::byte>> arrays)
 {
+    const std::vector<std::size_t> firsts = firstOfTheSame(arrays);
+    std::vector<std::size_t> order;
     std::uint64_t total = 0;
-    for (const auto& array : arrays)
-        total += array.size();
-    const std::vector<std::size_t> order = largestFirst(arrays.size(),
-                                                        [&arrays](std::size_t at)
-                                                        {
-                                                            return arrays[at].size();
-                                                        });
+    for (std::size_t i = 0; i < arrays.size(); ++i)
+        if (firsts[i] == i)
+        {
+            order.push_back(i);
+            total += arrays[i].size();
+        }
+    sortLargestFirst(order,
+                     [&arrays](std::size_t at)
+                     {
+                         return arrays[at].size();
+                     });
     std::vector<std::vector<std::byte>> packed(arrays.size());
-    forEach(arrays.size(), total,
-            [&](std::size_t at)
-            {
-                const std::span<const std::byte> input = arrays[order[at]];
-                uLongf size = compressBound(static_cast<uLong>(input.size()));
-                std::vector<std::byte> output(size);
-                if (compress2(zlibBytes(output.data()), &size, zlibBytes(input.data()),
-                              static_cast<uLong>(input.size()), Z_BEST_SPEED) != Z_OK)
-                    throw std::bad_alloc(); // the only thing that can fail
-                output.resize(size);
-                output.shrink_to_fit();
-                packed[order[at]] = std::move(output);
-            });
+    forEach<packer>(order.size(), total,
+                    [&](packer& tool, std::size_t at)
+                    {
+                        packed[order[at]] = tool.run(arrays[order[at]]);
+                    });
+    for (std::size_t i = 0; i < arrays.size(); ++i)
+        if (firsts[i] != i)
+            packed[i] = packed[firsts[i]];
     return packed;
 }
 

@@ -30,7 +30,7 @@ struct packed_array
 // bytes.
 [[nodiscard]] bool unpackArrays(std::span<const packed_array> arrays, failure& why);
 
-// One zlib stream for each of the inputs, in their order.
+// One zlib stream for each of the inputs, in their order; an empty one where it would not be smaller than its input.
 [[nodiscard]] std::vector<std::vector<std::byte>> packArrays(std::span<const std::span<const std::byte>> arrays);
 
 } // namespace korvane

@@ -98,7 +98,7 @@ public:
             m_packed.insert(m_packed.end(), packed->begin(), packed->end());
         std::size_t expected = document_overhead;
         for (std::size_t i = 0; i < m_packed.size(); ++i)
-            expected += std::min(arrays.list()[i].size(), m_packed[i].size());
+            expected += m_packed[i].empty() ? arrays.list()[i].size() : m_packed[i].size();
         m_out.reserve(expected);
 
         m_out.text(fbx_binary_magic);
@@ -278,7 +278,7 @@ void binary_writer::write(const std::vector<element>& value)
     if (bytes.size() >= smallest_compressed_bytes)
     {
         const std::span<const std::byte> packed = m_packed[m_next_packed++];
-        is_packed = packed.size() < bytes.size();
+        is_packed = !packed.empty();
         if (is_packed)
             bytes = packed;
     }
