@@ -144,7 +144,7 @@ std::string trackText(const track_list& tracks, std::size_t bone)
     constexpr std::uint32_t first_static = 10000;
     return entry >= first_static && entry - first_static < tracks.static_count
                ? "static " + std::to_string(entry - first_static)
-               : "none (" + std::to_string(entry) + ")";
+               : "no " + std::to_string(entry);
 }
 
 std::string treeText(const anim_data& data, bool is_skeleton)
@@ -156,7 +156,7 @@ std::string treeText(const anim_data& data, bool is_skeleton)
     const std::size_t width = labelWidth(rows, "bone");
     std::string text = "\n  #  " + padded("bone", width) +
                        (is_skeleton ? "         x         y         z, metres    roll   pitch     yaw, degrees\n"
-                                    : "  translation   rotation track\n");
+                                    : "  translation    rotation track\n");
     for (const tree_row& row : rows)
     {
         const auto index = static_cast<std::size_t>(row.node->index());
@@ -170,7 +170,7 @@ std::string treeText(const anim_data& data, bool is_skeleton)
                 "  " +
                 padded(trackText({data.translation_map, data.animated_translations, data.static_translations.size()},
                                  index),
-                       12) +
+                       13) +
                 "  " + trackText({data.rotation_map, data.animated_rotations, data.static_rotations.size()}, index) +
                 "\n";
     }

@@ -76,7 +76,8 @@ CLI::Validator finiteNumber()
         {
             char* end = nullptr;
             const double value = std::strtod(text.c_str(), &end);
-            return *end == '\0' && std::isfinite(value) ? std::string() : "\"" + text + "\" is no number";
+            return !text.empty() && *end == '\0' && std::isfinite(value) ? std::string()
+                                                                         : "\"" + text + "\" is no number";
         },
         "");
 }
