@@ -4,10 +4,41 @@
 #include "EASY_GUI/services/text.h"
 
 #include <atomic>
+#include <mutex>
+#include <set>
 #include <utility>
 
 namespace korvane
 {
+
+namespace
+{
+
+constexpr std::string_view temporary_prefix = ".korvane-"; // process and number follow
+constexpr std::string_view temporary_suffix = ".tmp";
+
+// A process that was killed while it wrote may have left its temporary file. The first write into a folder clears it of
+// these; looking again at each write would be slow where thousands of files are written.
+void removeAbandonedOnce(const std::filesystem::path& folder)
+{
+    static std::mutex guard;
+    static std::set<std::filesystem::path> cleared;
+    {
+        const std::lock_guard lock(guard);
+        if (!cleared.insert(folder).second)
+            return;
+    }
+    std::error_code error;
+    auto entry = std::filesystem::directory_iterator(folder.empty() ? std::filesystem::path(".") : folder, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error))
+    {
+        const std::string name = toUtf8(entry->path().filename());
+        if (name.starts_with(temporary_prefix) && name.ends_with(temporary_suffix))
+            platform::removeAbandoned(entry->path());
+    }
+}
+
+} // namespace
 
 std::filesystem::path toPath(std::string_view utf8)
 {
@@ -79,16 +110,17 @@ bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, f
     if (std::filesystem::exists(target, error) && !std::filesystem::is_regular_file(target, error))
         return fail(why, failure_kind::unwritable, "this is a device or a pipe, not a file", path);
 
-    // Beside the target, so that the rename stays on one volume; numbered, so that two writers do not meet.
+    // Beside the target, so that the rename stays on one volume; numbered, so that two writers do not meet. The
+    // target's name is not in it: that may be as long as a name can be.
     static std::atomic<unsigned> counter{0};
-    std::filesystem::path temporary = target;
-    temporary += "." + std::to_string(platform::processId()) + "-" + std::to_string(counter++) + ".tmp";
-
+    const std::filesystem::path folder = target.parent_path();
+    removeAbandonedOnce(folder);
+    const std::filesystem::path temporary =
+        folder / (std::string(temporary_prefix) + std::to_string(platform::processId()) + "-" +
+                  std::to_string(counter++) + std::string(temporary_suffix));
     std::string reason;
-    if (platform::writeNewFile(temporary, bytes, safety == write_safety::flushed, reason) &&
-        platform::replaceFile(temporary, target, reason))
+    if (platform::replaceWhole(target, temporary, bytes, safety == write_safety::flushed, reason))
         return true;
-    std::filesystem::remove(temporary, error);
     return fail(why, failure_kind::unwritable, "the file cannot be written: " + reason, path);
 }
 

@@ -25,7 +25,9 @@ namespace korvane
 [[nodiscard]] std::string existingPathAnyCase(const std::string& path);
 
 // Replaces the file at path by the bytes: written to a temporary file beside it, flushed to disk, then renamed over
-// it. On failure what stood there before still stands and the temporary file is gone. Devices and pipes are refused.
+// it. On failure what stood there before still stands and the temporary file is gone; so it is when the process is
+// killed, and what then may be left after all (".korvane-….tmp") goes with the next write into the folder. Devices and
+// pipes are refused.
 // A replaceable file, one that can be made again and whose damage is noticed, is not flushed.
 enum class write_safety
 {

@@ -18,12 +18,13 @@ namespace korvane::platform
 [[nodiscard]] std::filesystem::path executablePath();
 [[nodiscard]] unsigned long processId();
 
-// Creates the file, writes all bytes and, where wanted, flushes them to the disk. False: reason says why; the file may
-// be left over.
-[[nodiscard]] bool writeNewFile(const std::filesystem::path& file, std::span<const std::byte> bytes, bool is_flushed,
-                                std::string& reason);
-// Renames source over target in one step. A target that is read-only is not replaced.
-[[nodiscard]] bool replaceFile(const std::filesystem::path& source, const std::filesystem::path& target,
-                               std::string& reason);
+// Writes the bytes to a new file, flushed to the disk where wanted, and puts it in the target's place in one step. The
+// file has no name while it is written, or bears the temporary one, which nobody has, and vanishes with this process,
+// where the system can do that; else it may be left over when the process is killed. A target that is read-only is not
+// replaced. False: reason says why, the target is what it was, and no temporary file remains.
+[[nodiscard]] bool replaceWhole(const std::filesystem::path& target, const std::filesystem::path& temporary,
+                                std::span<const std::byte> bytes, bool is_flushed, std::string& reason);
+// Deletes a temporary file that a killed process has left; one that is being written stays.
+void removeAbandoned(const std::filesystem::path& temporary);
 
 } // namespace korvane::platform

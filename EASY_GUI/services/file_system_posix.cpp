@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +18,106 @@ bool failWithErrno(std::string& reason)
     reason = std::strerror(errno);
     return false;
 }
+
+// A file on its way to its place. It has no name until it is whole, so that a process that is killed leaves nothing;
+// where the file system or a missing /proc do not allow that, it has the temporary name from the beginning. A file with
+// a temporary name is locked as long as its writer lives: removeAbandoned() keeps off.
+class new_file
+{
+public:
+    new_file() = default;
+    new_file(const new_file&) = delete;
+    new_file& operator=(const new_file&) = delete;
+    ~new_file()
+    {
+        if (m_is_named)
+            static_cast<void>(::unlink(m_temporary.c_str()));
+        if (m_descriptor >= 0)
+            static_cast<void>(::close(m_descriptor));
+    }
+
+    bool create(const std::filesystem::path& folder, const std::filesystem::path& temporary, std::string& reason)
+    {
+        m_temporary = temporary;
+        m_descriptor = ::open(folder.empty() ? "." : folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, 0666);
+        if (m_descriptor >= 0 && ::access(ownPath().c_str(), F_OK) != 0)
+        {
+            static_cast<void>(::close(m_descriptor));
+            m_descriptor = -1;
+        }
+        if (m_descriptor >= 0)
+            static_cast<void>(::flock(m_descriptor, LOCK_EX | LOCK_NB)); // a system without locks: nobody cleans up
+        return m_descriptor >= 0 || createNamed(reason);
+    }
+
+    bool write(std::span<const std::byte> bytes, bool is_flushed, std::string& reason)
+    {
+        while (!bytes.empty())
+        {
+            const ssize_t count = ::write(m_descriptor, bytes.data(), bytes.size());
+            if (count >= 0)
+                bytes = bytes.subspan(static_cast<std::size_t>(count));
+            else if (errno != EINTR)
+                return failWithErrno(reason);
+        }
+        return !is_flushed || ::fsync(m_descriptor) == 0 || failWithErrno(reason);
+    }
+
+    bool putInPlaceOf(const std::filesystem::path& target, std::string& reason)
+    {
+        struct stat present = {};
+        const bool is_present = ::stat(target.c_str(), &present) == 0;
+        if (is_present && ::access(target.c_str(), W_OK) != 0)
+            return failWithErrno(reason);
+        if (is_present) // the replaced file's permissions stay
+            static_cast<void>(::fchmod(m_descriptor, present.st_mode & 07777));
+        if (!m_is_named)
+        {
+            if (!is_present && link(target))
+                return true;
+            // A name can only be given where there is none: for as long as it takes to rename it, it has the temporary
+            // one.
+            m_is_named = link(m_temporary);
+            if (!m_is_named)
+                return failWithErrno(reason);
+        }
+        if (::rename(m_temporary.c_str(), target.c_str()) != 0)
+            return failWithErrno(reason);
+        m_is_named = false;
+        return true;
+    }
+
+private:
+    bool createNamed(std::string& reason)
+    {
+        for (int attempt = 0; attempt < 3; ++attempt)
+        {
+            m_descriptor = ::open(m_temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+            m_is_named = m_descriptor >= 0;
+            if (!m_is_named)
+                return failWithErrno(reason);
+            struct stat own = {};
+            if ((::flock(m_descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) &&
+                ::fstat(m_descriptor, &own) == 0 && own.st_nlink > 0)
+                return true;
+            // Another process, which cleans up, has met the file before it was locked, and deletes it.
+            static_cast<void>(::close(m_descriptor));
+            m_descriptor = -1;
+            m_is_named = false;
+        }
+        reason = "the temporary file was deleted";
+        return false;
+    }
+    std::string ownPath() const { return "/proc/self/fd/" + std::to_string(m_descriptor); }
+    bool link(const std::filesystem::path& name) const
+    {
+        return ::linkat(AT_FDCWD, ownPath().c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+    }
+
+    std::filesystem::path m_temporary;
+    int m_descriptor = -1;
+    bool m_is_named = false; // has the temporary name
+};
 
 } // namespace
 
@@ -41,37 +142,22 @@ unsigned long processId()
     return static_cast<unsigned long>(getpid());
 }
 
-bool writeNewFile(const std::filesystem::path& file, std::span<const std::byte> bytes, bool is_flushed,
-                  std::string& reason)
+bool replaceWhole(const std::filesystem::path& target, const std::filesystem::path& temporary,
+                  std::span<const std::byte> bytes, bool is_flushed, std::string& reason)
 {
-    const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor < 0)
-        return failWithErrno(reason);
-    bool is_written = true;
-    while (is_written && !bytes.empty())
-    {
-        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count >= 0)
-            bytes = bytes.subspan(static_cast<std::size_t>(count));
-        else if (errno != EINTR)
-            is_written = failWithErrno(reason);
-    }
-    if (is_flushed && is_written && ::fsync(descriptor) != 0)
-        is_written = failWithErrno(reason);
-    if (::close(descriptor) != 0 && is_written)
-        is_written = failWithErrno(reason);
-    return is_written;
+    new_file file;
+    return file.create(target.parent_path(), temporary, reason) && file.write(bytes, is_flushed, reason) &&
+           file.putInPlaceOf(target, reason);
 }
 
-bool replaceFile(const std::filesystem::path& source, const std::filesystem::path& target, std::string& reason)
+void removeAbandoned(const std::filesystem::path& temporary)
 {
-    struct stat present = {};
-    const bool is_present = ::stat(target.c_str(), &present) == 0;
-    if (is_present && ::access(target.c_str(), W_OK) != 0)
-        return failWithErrno(reason);
-    if (is_present) // the replaced file's permissions stay
-        static_cast<void>(::chmod(source.c_str(), present.st_mode & 07777));
-    return ::rename(source.c_str(), target.c_str()) == 0 || failWithErrno(reason);
+    const int descriptor = ::open(temporary.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (descriptor < 0)
+        return;
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0) // nobody is writing it
+        static_cast<void>(::unlink(temporary.c_str()));
+    static_cast<void>(::close(descriptor));
 }
 
 } // namespace korvane::platform

@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/text.h"
 
 #include <algorithm>
+#include <vector>
 #include <windows.h>
 
 namespace korvane::platform
@@ -21,6 +22,38 @@ bool failWithLastError(std::string& reason)
         --length;
     reason = length > 0 ? utf8FromUtf16(std::u16string(text, text + length)) : "error " + std::to_string(code);
     return false;
+}
+
+bool setDeletedOnClose(HANDLE file, bool is_wanted)
+{
+    FILE_DISPOSITION_INFO information{};
+    information.DeleteFile = is_wanted ? TRUE : FALSE;
+    return SetFileInformationByHandle(file, FileDispositionInfo, &information, sizeof information) != 0;
+}
+
+bool writeAll(HANDLE file, std::span<const std::byte> bytes, bool is_flushed, std::string& reason)
+{
+    while (!bytes.empty())
+    {
+        constexpr std::size_t largest_step = 64u << 20;
+        DWORD count = 0;
+        if (!WriteFile(file, bytes.data(), static_cast<DWORD>(std::min(bytes.size(), largest_step)), &count, nullptr))
+            return failWithLastError(reason);
+        bytes = bytes.subspan(count);
+    }
+    return !is_flushed || FlushFileBuffers(file) || failWithLastError(reason);
+}
+
+// By its handle: the file is open, and so safe from those who clean up, until it bears its own name.
+bool renameOver(HANDLE file, const std::filesystem::path& target)
+{
+    const std::wstring& name = target.native();
+    std::vector<std::byte> buffer(sizeof(FILE_RENAME_INFO) + name.size() * sizeof(wchar_t));
+    const auto information = reinterpret_cast<FILE_RENAME_INFO*>(buffer.data());
+    information->ReplaceIfExists = TRUE;
+    information->FileNameLength = static_cast<DWORD>(name.size() * sizeof(wchar_t));
+    std::copy(name.begin(), name.end(), information->FileName); // the buffer's zeros end it
+    return SetFileInformationByHandle(file, FileRenameInfo, information, static_cast<DWORD>(buffer.size())) != 0;
 }
 
 } // namespace
@@ -57,33 +90,30 @@ unsigned long processId()
     return GetCurrentProcessId();
 }
 
-bool writeNewFile(const std::filesystem::path& file, std::span<const std::byte> bytes, bool is_flushed,
-                  std::string& reason)
+bool replaceWhole(const std::filesystem::path& target, const std::filesystem::path& temporary,
+                  std::span<const std::byte> bytes, bool is_flushed, std::string& reason)
 {
-    const HANDLE handle =
-        CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE)
+    const HANDLE file =
+        CreateFileW(temporary.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
         return failWithLastError(reason);
-    bool is_written = true;
-    while (is_written && !bytes.empty())
+    // The system deletes it with its last handle, whatever becomes of this process, until that is taken back.
+    static_cast<void>(setDeletedOnClose(file, true));
+    bool is_done = writeAll(file, bytes, is_flushed, reason);
+    if (is_done)
     {
-        constexpr std::size_t largest_step = 64u << 20;
-        DWORD count = 0;
-        if (WriteFile(handle, bytes.data(), static_cast<DWORD>(std::min(bytes.size(), largest_step)), &count, nullptr))
-            bytes = bytes.subspan(count);
-        else
-            is_written = failWithLastError(reason);
+        static_cast<void>(setDeletedOnClose(file, false));
+        is_done = renameOver(file, target) || failWithLastError(reason);
+        if (!is_done)
+            static_cast<void>(setDeletedOnClose(file, true));
     }
-    if (is_flushed && is_written && !FlushFileBuffers(handle))
-        is_written = failWithLastError(reason);
-    CloseHandle(handle);
-    return is_written;
+    CloseHandle(file);
+    return is_done;
 }
 
-bool replaceFile(const std::filesystem::path& source, const std::filesystem::path& target, std::string& reason)
+void removeAbandoned(const std::filesystem::path& temporary)
 {
-    return MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0 ||
-           failWithLastError(reason);
+    DeleteFileW(temporary.c_str()); // one that is being written is open, and not shared
 }
 
 } // namespace korvane::platform

@@ -37,6 +37,19 @@ TEST(whole_file, aFailureKeepsWhatStoodThere)
     EXPECT_EQ(folder.fileCount(), 1u); // no temporary file
 }
 
+TEST(whole_file, whatAKilledProcessHasLeftIsClearedByTheNextWriteIntoTheFolder)
+{
+    const test::temporary_folder folder;
+    test::writeBytes(folder.file(".korvane-4242-7.tmp"), "half of a fi");
+    test::writeBytes(folder.file("mine.tmp"), "somebody else's");
+    failure why;
+    const std::string path = folder.file("model");
+    ASSERT_TRUE(writeWholeFile(path, "new", why)) << describe(why);
+    EXPECT_EQ(test::readBytes(path), "new");
+    EXPECT_FALSE(std::filesystem::exists(toPath(folder.file(".korvane-4242-7.tmp"))));
+    EXPECT_EQ(test::readBytes(folder.file("mine.tmp")), "somebody else's");
+}
+
 TEST(memory_file, tellsAMissingFileFromAFolder)
 {
     const test::temporary_folder folder;
