@@ -9,12 +9,6 @@ namespace korvane
 namespace
 {
 
-struct named_number
-{
-    std::uint32_t number;
-    std::string_view name;
-};
-
 // Sorted by number: looked up by bisection.
 constexpr named_number materials[] = {
     {1, "alpha_blend"},
@@ -162,6 +156,11 @@ std::string_view materialName(std::uint32_t material_id)
 std::string_view textureTypeName(std::uint32_t texture_type)
 {
     return lookUp(texture_types, texture_type, "[unknown type]");
+}
+
+std::span<const named_number> textureTypes()
+{
+    return texture_types;
 }
 
 std::span<const alpha_mode_entry> alphaModes()

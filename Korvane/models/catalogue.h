@@ -17,6 +17,14 @@ namespace korvane
 [[nodiscard]] std::string_view materialName(std::uint32_t material_id);     // "<UNKNOWN>" when absent
 [[nodiscard]] std::string_view textureTypeName(std::uint32_t texture_type); // "[unknown type]" when absent
 
+struct named_number
+{
+    std::uint32_t number;
+    std::string_view name;
+};
+// All kinds of texture, by number.
+[[nodiscard]] std::span<const named_number> textureTypes();
+
 struct alpha_mode_entry
 {
     std::string_view label;

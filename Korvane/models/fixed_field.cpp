@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cassert>
 #include <cstring>
 
 namespace korvane
@@ -33,8 +34,7 @@ void fixed_field::setText(std::string_view text)
     if (!m_wide)
         return set(std::as_bytes(std::span(text)));
     std::u16string units = utf16FromUtf8(text);
-    if (width() >= 2)
-        units.resize(std::min(units.size(), width() / 2 - 1)); // the last unit stays zero
+    units.resize(std::min(units.size(), textCapacity())); // the last unit stays zero
     static_assert(std::endian::native == std::endian::little);
     set(std::as_bytes(std::span(units)));
 }
@@ -53,6 +53,23 @@ void fixed_field::set(std::span<const std::byte> source)
     m_edited.assign(width(), std::byte{0});
     const auto kept = source.first(std::min(source.size(), room));
     std::copy(kept.begin(), kept.end(), m_edited.begin());
+}
+
+void fixed_field::setBytes(std::span<const std::byte> bytes)
+{
+    assert(bytes.size() == width());
+    m_edited.assign(bytes.begin(), bytes.end());
+}
+
+bool fixed_field::isEdited() const
+{
+    return !m_edited.empty() && !std::equal(m_edited.begin(), m_edited.end(), m_stored.begin(), m_stored.end());
+}
+
+std::size_t fixed_field::textCapacity() const
+{
+    const std::size_t characters = m_wide ? width() / 2 : width();
+    return characters > 0 && m_mode == field_mode::zero_padded ? characters - 1 : characters;
 }
 
 std::string fixed_field::text() const

@@ -33,9 +33,11 @@ public:
     {
     }
 
-    // 8-bit text, or UTF-8 for a wide field.
+    // 8-bit text, or UTF-8 for a wide field. What is longer than textCapacity() is cut.
     void setText(std::string_view text);
     void setU32(std::uint32_t value);
+    // Exactly width() bytes, as bytes() gave them: an edit that is taken back restores what stood behind the text, too.
+    void setBytes(std::span<const std::byte> bytes);
 
     std::string text() const; // up to the first zero; UTF-8 for a wide field
     std::uint32_t u32() const;
@@ -46,7 +48,12 @@ public:
     {
         return m_edited.empty() ? m_stored : std::span<const std::byte>(m_edited);
     }
+    // What the file image has here: the field's value at the last load or save.
+    std::span<const std::byte> storedBytes() const { return m_stored; }
+    bool isEdited() const; // holds another value than the file image
     bool isWide() const { return m_wide; }
+    // Characters that a text may have: bytes, or 16-bit units in a wide field.
+    std::size_t textCapacity() const;
 
 private:
     void set(std::span<const std::byte> source);

@@ -74,8 +74,8 @@ struct attachment_point
 struct texture_entry
 {
     std::uint32_t type = 0; // named by catalogue.h
-    std::string path;       // internal path of a DDS file, up to the first zero
-    fixed_field path_field; // width 256 (512 in version 5), zero-padded
+    std::string path;       // internal path of a DDS file, up to the first zero, as the file image has it
+    fixed_field path_field; // the edited value; width 256 (512 in version 5), zero-padded
 };
 
 struct lod_header
@@ -87,7 +87,7 @@ struct lod_header
     float lod_distance = 100.0f;
     std::uint32_t lod_index = 0;   // versions 7 and 8
     std::uint32_t kept = 0;        // versions 7 and 8
-    std::uint64_t file_offset = 0; // of this record
+    std::uint64_t file_offset = 0; // of this record; after a version patch, of its copy in the patched file
 };
 
 struct group_header
@@ -120,7 +120,7 @@ struct group_data
     std::vector<attachment_point> attachments;
     std::vector<texture_entry> textures;
     std::uint32_t material_flags = 0;
-    std::uint32_t alpha_mode = 0;     // as loaded; the edited value is alpha_mode_field's
+    std::uint32_t alpha_mode = 0;     // as the file image has it; the edited value is alpha_mode_field's
     fixed_field material_flags_field; // width 4, raw
     fixed_field alpha_mode_field;     // width 4, raw
     vertex_store store;

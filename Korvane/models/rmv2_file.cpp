@@ -32,6 +32,18 @@ influence_layout influenceLayout(std::uint16_t format)
 
 } // namespace
 
+bool isVersion7OverVersion6(std::span<const std::byte> image)
+{
+    constexpr std::uint64_t table = 140; // of LOD headers
+    byte_reader in(image);
+    const bool is_version_7 = in.u32("magic") == 0x32564d52 && in.u32("version") == 7;
+    const std::uint64_t lod_count = in.u32("lod_count") & 0xffffu;
+    in.seek(table + 12, "start_offset");
+    // In a file of version 7 the groups begin behind a table of 28 bytes per LOD; here they begin inside it.
+    const std::uint64_t first_group = in.u32("start_offset");
+    return in.ok() && is_version_7 && first_group >= table + 20 * lod_count && first_group < table + 28 * lod_count;
+}
+
 const std::string& lastModelError()
 {
     return last_model_error;
@@ -89,6 +101,9 @@ bool rmv2_file::validateAndDecode(failure& why)
     if (!is_good)
     {
         found.path = m_path;
+        if (isVersion7OverVersion6(m_image.bytes()))
+            found.what = "the version word says 7, but the LOD headers are those of version 6: this model was saved "
+                         "again after it had been patched (korvane patch --repair makes a version 7 file of it)";
         m_data = {};
         if (!why)
             why = std::move(found);

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -86,6 +87,10 @@ private:
     bool m_is_loaded = false;
     bool m_wide_text = false; // never cleared
 };
+
+// True for an image whose version word says 7 while its LOD headers have the 20 bytes of version 6: what a save makes
+// of a model after it was patched (rmv2_writer.h). Such a file with several LODs cannot be read as it stands.
+[[nodiscard]] bool isVersion7OverVersion6(std::span<const std::byte> image);
 
 // The program-wide text of the last failed validation; empty before.
 [[nodiscard]] const std::string& lastModelError();
