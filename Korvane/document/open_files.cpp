@@ -23,11 +23,18 @@ bool open_files::open(const std::string& path, failure& why)
     return true;
 }
 
+void open_files::close()
+{
+    m_model.close();
+    m_definition = {};
+    m_shown = kind::nothing;
+}
+
 std::vector<open_error> open_files::reopen()
 {
     std::vector<open_error> errors;
     failure why;
-    if (m_model.hasModel() && isPackPath(m_model.file()->path()))
+    if (m_model.hasModel() && !m_model.isEdited() && isPackPath(m_model.file()->path()))
         if (const std::string path = m_model.file()->path(); !m_model.open(path, why))
             errors.push_back(describeOpenFailure(path, why));
     why = {};
@@ -44,7 +51,8 @@ std::string open_files::title() const
         return path.empty() ? "no file loaded" : std::string(fileName(path));
     };
     return std::string(program_name) + ' ' + std::string(program_version) + "   RMV2: [" +
-           nameOf(m_model.hasModel() ? m_model.file()->path() : "") + "] VMD: [" + nameOf(m_definition.path()) + "]";
+           nameOf(m_model.hasModel() ? m_model.file()->path() : "") + "] VMD: [" + nameOf(m_definition.path()) + "]" +
+           (m_model.isEdited() ? "*[edited]" : "");
 }
 
 std::string open_files::status(const std::optional<drawn_models>& drawn) const

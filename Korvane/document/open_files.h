@@ -35,15 +35,19 @@ public:
     // Opens a path by its ending, on the disk or with "pack:" in the archives. On failure nothing changes.
     [[nodiscard]] bool open(const std::string& path, failure& why);
     // After the archives were read again: opens again what came out of them, and the definition, whose references do.
-    // What can no longer be opened stays as it was; a message for each.
+    // What can no longer be opened stays as it was; a message for each. A model with edits is left alone.
     [[nodiscard]] std::vector<open_error> reopen();
 
     kind shown() const { return m_shown; } // what was opened last
+    // "Reset": nothing is open any more.
+    void close();
+
     const open_model& model() const { return m_model; }
+    open_model& model() { return m_model; }
     const open_definition& definition() const { return m_definition; }
     void select(model_selection wanted) { m_model.select(wanted); }
 
-    // "Korvane 0.5.1a   RMV2: [body.rigid_model_v2] VMD: [no file loaded]"
+    // "Korvane 0.5.1a   RMV2: [body.rigid_model_v2] VMD: [no file loaded]", and "*[edited]" behind it.
     [[nodiscard]] std::string title() const;
     // One line about what is shown; drawn is what the view made of a definition.
     [[nodiscard]] std::string status(const std::optional<drawn_models>& drawn) const;

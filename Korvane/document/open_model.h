@@ -1,8 +1,9 @@
 #pragma once
 
-// The model that is open and what is selected in it. No window is known here; texts are UTF-8. One thread.
+// The model that is open, what is selected in it, and its edits. No window is known here; texts are UTF-8. One thread.
 
 #include "EASY_GUI/services/failure.h"
+#include "Korvane/document/model_editor.h"
 #include "Korvane/document/panel_contents.h"
 #include "Korvane/models/rmv2_file.h"
 
@@ -16,13 +17,15 @@ class open_model
 {
 public:
     // Reads the model at a path, on the disk or with "pack:" in the archives. On failure what was open stays open, with
-    // its selection. The former selection is kept as far as the new model has it, else the first LOD and group are
-    // chosen.
+    // its selection and edits. The former selection is kept as far as the new model has it, else the first LOD and
+    // group are chosen.
     [[nodiscard]] bool open(const std::string& path, failure& why);
+    void close();
 
     bool hasModel() const { return m_po_file != nullptr; }
     const rmv2_file* file() const { return m_po_file.get(); } // null: none
-    // The decoded model for others to keep; null: none. It lives as long as anybody holds it.
+    // The decoded model for others to keep; null: none. It lives as long as anybody holds it. Edits change it on this
+    // thread: who reads it on another one makes a copy first.
     std::shared_ptr<const RMV2_FILE_DATA> data() const;
 
     const model_selection& selection() const { return m_selection; }
@@ -30,9 +33,34 @@ public:
     // The selected group; null when there is none.
     const group_data* selectedGroup() const;
 
+    // "Fill all LODs in GROUP": the next edits go to the group of the same name in every LOD.
+    bool fillsAllLods() const { return m_scope == edit_scope::all_lods; }
+    void setFillsAllLods(bool is_wanted) { m_scope = is_wanted ? edit_scope::all_lods : edit_scope::one_group; }
+
+    // The choice at a position of alphaModes(), for the selected group. Without one, and for -1, nothing changes.
+    edit_result chooseAlphaMode(int position);
+    // The texture in a row of the selected group gets the name of the chosen file behind its own directory.
+    edit_result chooseTexture(std::size_t row, const std::string& chosen_file);
+    bool isEdited() const { return m_po_editor != nullptr && m_po_editor->isEdited(); }
+    bool canUndo() const { return m_po_editor != nullptr && m_po_editor->canUndo(); }
+    bool canRedo() const { return m_po_editor != nullptr && m_po_editor->canRedo(); }
+    void undo();
+    void redo();
+    // Edits that a save would write, and those that none can. Empty without a model.
+    [[nodiscard]] std::vector<field_change> changes() const;
+
+    // Korvane/models/rmv2_writer.h, with a model open. Saving clears the edited flag; on failure all stays as it was.
+    [[nodiscard]] bool save(const std::string& path, failure& why);
+    [[nodiscard]] bool patch(const std::string& path, failure& why);
+    // Where the open model was patched to; empty: it was not.
+    const std::string& patchedPath() const { return m_patched_path; }
+
 private:
-    std::shared_ptr<const rmv2_file> m_po_file;
+    std::shared_ptr<rmv2_file> m_po_file;
+    std::unique_ptr<model_editor> m_po_editor; // of the file
     model_selection m_selection;
+    edit_scope m_scope = edit_scope::one_group;
+    std::string m_patched_path;
 };
 
 } // namespace korvane

@@ -25,6 +25,21 @@ const lod_data* lodAt(const RMV2_FILE_DATA& model, int lod)
                                                                          : nullptr;
 }
 
+// With the separator.
+std::size_t directoryLength(std::string_view path)
+{
+    return path.size() - fileName(path).size();
+}
+
+int typePosition(std::uint32_t type)
+{
+    const auto types = textureTypes();
+    for (std::size_t i = 0; i < types.size(); ++i)
+        if (types[i].number == type)
+            return static_cast<int>(i);
+    return -1;
+}
+
 } // namespace
 
 std::string counted(std::size_t count, const char* one, const char* many)
@@ -89,7 +104,7 @@ group_tool_content groupTool(const group_data& group, model_selection selection)
     content.vertex_format = std::to_string(header.vertex_format);
     content.vertex_label = vertexFormatLongLabel(header.vertex_format).value_or("");
     content.material_flags = std::to_string(group.material_flags);
-    content.alpha_mode = static_cast<int>(alphaModeIndex(group.alpha_mode));
+    content.alpha_mode = static_cast<int>(alphaModeIndex(group.alpha_mode_field.u32()));
     return content;
 }
 
@@ -100,18 +115,35 @@ texture_rows textureRows(const group_data& group)
     for (std::size_t i = 0; i < count; ++i)
     {
         const texture_entry& entry = group.textures[i];
-        const std::string path = displayText(entry.path);
-        // Internal paths are written with '/'; one that has only '\' is split there.
-        std::size_t cut = path.rfind('/');
-        if (cut == std::string::npos)
-            cut = path.rfind('\\');
+        const std::string path = entry.path_field.text();
+        const std::size_t cut = directoryLength(path);
         texture_row_content& row = rows[i];
         row.is_used = true;
+        row.type = entry.type;
+        row.type_position = typePosition(entry.type);
         row.type_name = textureTypeName(entry.type);
-        row.directory = cut == std::string::npos ? "" : path.substr(0, cut);
-        row.file = cut == std::string::npos ? path : path.substr(cut + 1);
+        row.directory = displayText(path.substr(0, cut));
+        row.file = displayText(path.substr(cut));
+        row.directory_colour = {255, 230, 230};
+        row.file_colour = {255, 240, 230};
     }
     return rows;
+}
+
+int rowOfType(const texture_rows& rows, std::uint32_t type)
+{
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [type](const texture_row_content& row)
+                                    {
+                                        return row.is_used && row.type_position >= 0 && row.type == type;
+                                    });
+    return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
+}
+
+std::string pathWithChosenFile(const texture_entry& texture, std::string_view chosen_file)
+{
+    const std::string path = texture.path_field.text();
+    return path.substr(0, directoryLength(path)) + std::string(fileName(chosen_file));
 }
 
 std::string modelSummary(const RMV2_FILE_DATA& model, int lod)

@@ -197,7 +197,7 @@ TEST_F(open_model_test, TheGroupPanelsShowLabelsOfTheFormatAndAlphaMode)
 TEST_F(open_model_test, TextureRowsSplitAtTheLastSeparatorAndEndAfterEight)
 {
     test_group group;
-    group.textures = {{0, "a/b/c.dds"}, {2, "plain.dds"}, {27, "x\\y\\z.dds"}, {1, "ends/"}};
+    group.textures = {{0, "a/b/c.dds"}, {2, "plain.dds"}, {27, "x\\y/z.dds"}, {1, "ends/"}};
     test_model model;
     model.lods = {{group}};
     open_model document;
@@ -207,10 +207,10 @@ TEST_F(open_model_test, TextureRowsSplitAtTheLastSeparatorAndEndAfterEight)
     {
         bool is_used;
         const char *type, *directory, *file;
-    } rows[] = {{true, "Diffuse", "a/b", "c.dds"},
+    } rows[] = {{true, "Diffuse", "a/b/", "c.dds"},
                 {true, "[unknown type]", "", "plain.dds"},
-                {true, "Base Colour", "x\\y", "z.dds"},
-                {true, "Normal Map", "ends", ""},
+                {true, "Base Colour", "x\\y/", "z.dds"},
+                {true, "Normal Map", "ends/", ""},
                 {false, "", "", ""}};
     const texture_rows shown = textureRows(*document.selectedGroup());
     for (std::size_t i = 0; i < std::size(rows); ++i)

@@ -22,7 +22,11 @@ public:
     bool confirm(const std::string& title, const std::string& text) override
     {
         shown.emplace_back(title, text);
-        return will_confirm;
+        if (confirmations.empty())
+            return will_confirm;
+        const bool is_yes = confirmations.front();
+        confirmations.erase(confirmations.begin());
+        return is_yes;
     }
     std::optional<std::string> pickOpenPath(const std::string& title, const std::vector<file_filter>& filters) override
     {
@@ -37,6 +41,7 @@ public:
 
     std::vector<std::pair<std::string, std::string>> shown; // title, text
     std::string picked_with;                                // of the last picker: title, first label, first pattern
+    std::vector<bool> confirmations;                        // the next answers; then
     bool will_confirm = false;
     std::optional<std::string> answer; // of the next picker
 };

@@ -46,7 +46,7 @@ TEST_F(main_window_test, AFileOfTheCommandLineFillsThePanelsAndTheView)
                   {control_tool_material_flags, "3"},
                   {control_tool_alpha_mode, "Alpha Off"},
                   {control_texture_type, "Diffuse"},
-                  {control_texture_directory + 1, "men/tex"},
+                  {control_texture_directory + 1, "men/tex/"},
                   {control_texture_file + 1, "body_normal.dds"},
                   {control_texture_file + 2, ""},
                   {control_status, "2 LODs; LOD 1: 2 groups, 6 vertices, 2 triangles"}};

@@ -1,0 +1,183 @@
+#include "Korvane/document/model_commands.h"
+
+#include "EASY_GUI/services/text.h"
+#include "Korvane/archives/game_file.h"
+#include "Korvane/models/rmv2_writer.h"
+
+namespace korvane
+{
+
+namespace
+{
+
+// The missing bracket is the product's own text.
+const std::vector<file_filter> model_filters = {
+    {"Rigid Model v2 Files (*.rigid_model_v2)", "*.rigid_model_v2"},
+    {"All File (*.*", "*.*"},
+};
+constexpr const char* model_extension = "rigid_model_v2";
+
+} // namespace
+
+bool model_commands::isEnabled(document_command command) const
+{
+    const open_model& model = m_document.model();
+    switch (command)
+    {
+    case document_command::save:
+        return model.isEdited();
+    case document_command::undo:
+        return model.canUndo();
+    case document_command::redo:
+        return model.canRedo();
+    case document_command::reset:
+    case document_command::show_view:
+        return m_document.shown() != open_files::kind::nothing;
+    case document_command::open_folder:
+        return hasModel() && !isPackPath(model.file()->path());
+    case document_command::choose_alpha_mode:
+        return model.selectedGroup() != nullptr;
+    case document_command::choose_texture:
+        return model.selectedGroup() != nullptr && !model.selectedGroup()->textures.empty();
+    default:
+        return hasModel();
+    }
+}
+
+command_outcome model_commands::save()
+{
+    if (!hasModel())
+        return command_outcome::cancelled;
+    const std::string path = m_document.model().file()->path();
+    return isPackPath(path) ? saveAs() : saveTo(path);
+}
+
+command_outcome model_commands::saveAs()
+{
+    if (!hasModel())
+        return command_outcome::cancelled;
+    const auto path = m_prompt.pickSavePath("Save RigidModel File As", model_filters, model_extension);
+    return path && !path->empty() ? saveTo(*path) : command_outcome::cancelled;
+}
+
+command_outcome model_commands::saveTo(const std::string& path)
+{
+    open_model& model = m_document.model();
+    if (hasMixedVersions(*model.file()))
+        if (const command_outcome answer = confirmMixedVersions(); answer != command_outcome::done)
+            return answer;
+    std::string lost;
+    for (const field_change& change : model.changes())
+        if (!change.is_saved)
+            lost += "\r\n" + describe(change);
+    failure why;
+    if (!model.save(path, why))
+    {
+        m_prompt.show("Error!", "The model could not be saved.\r\n\r\n" + describe(why), prompt_icon::error);
+        return command_outcome::failed;
+    }
+    if (!lost.empty())
+        m_prompt.show("Saved",
+                      "The model was saved. The alpha mode of a group without textures is never written to the file; "
+                      "these changes are not in it:\r\n" +
+                          lost,
+                      prompt_icon::warning);
+    return command_outcome::done;
+}
+
+command_outcome model_commands::confirmMixedVersions()
+{
+    open_model& model = m_document.model();
+    const std::string explanation =
+        "This model was patched: since then it says version 7 over the headers of version 6. A file with that in it "
+        "cannot be read by the games, nor by this program when it has several LODs.\r\n\r\n";
+    const std::string patched = model.patchedPath();
+    if (!patched.empty() &&
+        m_prompt.confirm("Save", explanation + "Open the patched file instead?\r\n" + patched +
+                                     (model.isEdited() ? "\r\n\r\nUnsaved changes are lost then." : "")))
+    {
+        failure why;
+        if (m_document.open(patched, why))
+            return command_outcome::opened_other;
+        const open_error error = describeOpenFailure(patched, why);
+        m_prompt.show(error.title, error.text, prompt_icon::error);
+        return command_outcome::failed;
+    }
+    return m_prompt.confirm("Save", explanation + "Save it nevertheless?") ? command_outcome::done
+                                                                           : command_outcome::cancelled;
+}
+
+command_outcome model_commands::patch()
+{
+    if (!hasModel())
+        return command_outcome::cancelled;
+    open_model& model = m_document.model();
+    if (const std::string reason = patchRefusal(*model.file()); !reason.empty())
+    {
+        const std::string& patched = model.patchedPath();
+        m_prompt.show("Invalid Operation Requested!", patched.empty() ? reason : reason + "\r\n" + patched,
+                      prompt_icon::error);
+        return command_outcome::failed;
+    }
+    const auto path = m_prompt.pickSavePath("Save Patched RigidModel File", model_filters, model_extension);
+    if (!path || path->empty())
+        return command_outcome::cancelled;
+    failure why;
+    if (!model.patch(*path, why))
+    {
+        m_prompt.show("Error!", "The patched model could not be written.\r\n\r\n" + describe(why), prompt_icon::error);
+        return command_outcome::failed;
+    }
+    if (model.isEdited())
+        m_prompt.show("Patched",
+                      "The patched file holds the model as it was loaded or saved last: the unsaved changes are not in "
+                      "it. Open it and make them there.\r\n" +
+                          *path,
+                      prompt_icon::warning);
+    return command_outcome::done;
+}
+
+command_outcome model_commands::reset()
+{
+    if (!isEnabled(document_command::reset) || !m_prompt.confirm("Clear", "Are you sure you want to clear all fields?"))
+        return command_outcome::cancelled;
+    m_document.close();
+    return command_outcome::done;
+}
+
+command_outcome model_commands::chooseTexture(std::size_t row)
+{
+    if (!isEnabled(document_command::choose_texture) || row >= m_chosen_folders.size() ||
+        row >= m_document.model().selectedGroup()->textures.size())
+        return command_outcome::cancelled;
+    const auto path = m_prompt.pickOpenPath("Choose DDS G", {{" Texture Files (*.dds)", "*.dds"}});
+    if (!path || path->empty())
+        return command_outcome::cancelled;
+    m_chosen_folders[row] = path->substr(0, path->size() - fileName(*path).size());
+    return showNotes(m_document.model().chooseTexture(row, *path));
+}
+
+command_outcome model_commands::chooseAlphaMode(int position)
+{
+    return showNotes(m_document.model().chooseAlphaMode(position));
+}
+
+command_outcome model_commands::showNotes(const edit_result& result)
+{
+    std::string text;
+    for (const std::string& note : result.notes)
+        text += (text.empty() ? "" : "\r\n") + note;
+    if (!text.empty())
+        m_prompt.show("Please note", text, prompt_icon::information);
+    return result.changed > 0 ? command_outcome::done : command_outcome::cancelled;
+}
+
+bool model_commands::mayDiscardEdits()
+{
+    if (!m_document.model().isEdited())
+        return true;
+    return m_prompt.confirm("Unsaved changes", "The changes to this model were not saved. Go on without them?\r\n" +
+                                                   m_document.model().file()->path());
+}
+
+} // namespace korvane

@@ -1,0 +1,77 @@
+#pragma once
+
+// The commands that change or write what is open, as a person gives them in the main window: which of them make sense
+// now, what is asked before, and what is said when it fails. The window calls, and shows the document again afterwards.
+// One thread.
+
+#include "EASY_GUI/services/user_prompt.h"
+#include "Korvane/document/open_files.h"
+
+#include <array>
+#include <cstddef>
+#include <string>
+
+namespace korvane
+{
+
+enum class document_command
+{
+    save,
+    save_as,
+    patch, // "MENU_FILE_PATCH": offered for every model; those that cannot be patched are told why
+    reset,
+    undo,
+    redo,
+    export_static,
+    export_animated, // "MENU_FILE_EXPORT_ANIM"
+    choose_alpha_mode,
+    choose_texture,
+    extract_textures,
+    open_folder, // of the model
+    show_view
+};
+
+enum class command_outcome
+{
+    done,         // show the document again
+    opened_other, // the same, and put the model's path into the recent files
+    cancelled,    // the person changed their mind
+    failed        // and was told why
+};
+
+class model_commands
+{
+public:
+    // Both outlive this.
+    model_commands(open_files& document, user_prompt& prompt) : m_document(document), m_prompt(prompt) {}
+
+    bool isEnabled(document_command command) const;
+
+    // To the model's own path; a model out of an archive gets one first. A model that was patched is only written after
+    // a warning, and the patched file is offered instead.
+    command_outcome save();
+    command_outcome saveAs();
+    command_outcome patch();
+    command_outcome reset();
+    // A texture file for a row of the selected group. notes of the edit are shown.
+    command_outcome chooseTexture(std::size_t row);
+    command_outcome chooseAlphaMode(int position);
+    // The folder of the file that was last chosen for a row; empty: none yet.
+    const std::string& chosenFolder(std::size_t row) const { return m_chosen_folders.at(row); }
+
+    // Before the model is replaced or the program ends: true when there are no unsaved edits, or they may be lost.
+    [[nodiscard]] bool mayDiscardEdits();
+
+private:
+    bool hasModel() const { return m_document.model().hasModel(); }
+    command_outcome saveTo(const std::string& path);
+    // For a model whose file would say 7 over version 6 headers: done when it is to be written nevertheless.
+    command_outcome confirmMixedVersions();
+    command_outcome showNotes(const edit_result& result);
+
+    open_files& m_document;
+    user_prompt& m_prompt;
+    std::array<std::string, texture_row_count> m_chosen_folders;
+};
+
+} // namespace korvane

@@ -1,0 +1,287 @@
+#include "Korvane/document/model_editor.h"
+
+#include "EASY_GUI/services/text.h"
+#include "Korvane/models/catalogue.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+std::string placeText(std::size_t lod, std::size_t group)
+{
+    return "LOD " + std::to_string(lod) + ", group " + std::to_string(group);
+}
+
+std::string placeText(std::size_t lod, std::size_t group, std::size_t texture)
+{
+    return placeText(lod, group) + ", texture " + std::to_string(texture);
+}
+
+bool failAtIndex(failure& why, std::size_t index, const char* what, std::size_t count, const std::string& owner,
+                 const std::string& path)
+{
+    return fail(why, failure_kind::not_found,
+                "there is no " + std::string(what) + " " + std::to_string(index) + ": " + owner + " has " +
+                    std::to_string(count) + (count > 0 ? ", counted from 0" : ""),
+                path);
+}
+
+std::string alphaText(std::uint32_t value)
+{
+    char number[16];
+    std::snprintf(number, sizeof number, value < 0x10000 ? "%u" : "0x%08X", static_cast<unsigned>(value));
+    const alpha_mode_entry& entry = alphaModes()[alphaModeIndex(value)];
+    return entry.value == value && entry.label != number ? std::string(number) + " (" + std::string(entry.label) + ")"
+                                                         : number;
+}
+
+// The position among equals: how many of the first `index` entries have the same key as the one there.
+template <class list, class function>
+std::size_t rankOf(const list& entries, std::size_t index, const function& isSame)
+{
+    return static_cast<std::size_t>(
+        std::count_if(entries.begin(), entries.begin() + static_cast<std::ptrdiff_t>(index), isSame));
+}
+
+// The entry with a rank among those that are the same.
+template <class list, class function>
+std::optional<std::size_t> withRank(const list& entries, std::size_t rank, const function& isSame)
+{
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        if (isSame(entries[i]) && rank-- == 0)
+            return i;
+    return std::nullopt;
+}
+
+auto isNamed(const std::string& name)
+{
+    return [&name](const group_data& group)
+    {
+        return group.header.group_name == name;
+    };
+}
+
+auto hasType(std::uint32_t type)
+{
+    return [type](const texture_entry& texture)
+    {
+        return texture.type == type;
+    };
+}
+
+char folded(char character)
+{
+    if (character == '/')
+        return '\\';
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+std::vector<std::byte> bytesOf(const fixed_field& field)
+{
+    return {field.bytes().begin(), field.bytes().end()};
+}
+
+bool beginsWithPath(std::string_view path, std::string_view wanted)
+{
+    return path.size() >= wanted.size() && std::equal(wanted.begin(), wanted.end(), path.begin(),
+                                                      [](char left, char right)
+                                                      {
+                                                          return folded(left) == folded(right);
+                                                      });
+}
+
+} // namespace
+
+bool model_editor::setTexturePath(texture_place place, std::string_view path, edit_scope scope, edit_result& result,
+                                  failure& why)
+{
+    const group_data* const chosen = groupAt({place.lod, place.group}, why);
+    if (chosen == nullptr)
+        return false;
+    if (place.texture >= chosen->textures.size())
+        return failAtIndex(why, place.texture, "texture", chosen->textures.size(), placeText(place.lod, place.group),
+                           m_model.path());
+    const std::uint32_t type = chosen->textures[place.texture].type;
+    const std::size_t rank = rankOf(chosen->textures, place.texture, hasType(type));
+
+    edit_step step;
+    for (const group_place& at : placesOf({place.lod, place.group}, scope, result))
+    {
+        group_data& group = m_model.data().lods[at.lod].groups[at.group];
+        const bool is_chosen = &group == chosen;
+        const auto texture = is_chosen ? place.texture : withRank(group.textures, rank, hasType(type));
+        if (texture)
+            setPath(step, group.textures[*texture].path_field, path, placeText(at.lod, at.group, *texture), result);
+        else
+            result.notes.push_back(placeText(at.lod, at.group) + " has no such texture (" +
+                                   std::string(textureTypeName(type)) + ")");
+    }
+    finish(std::move(step), result);
+    return true;
+}
+
+bool model_editor::setAlphaMode(group_place place, std::uint32_t value, edit_scope scope, edit_result& result,
+                                failure& why)
+{
+    if (groupAt(place, why) == nullptr)
+        return false;
+    edit_step step;
+    for (const group_place& at : placesOf(place, scope, result))
+        setAlpha(step, m_model.data().lods[at.lod].groups[at.group], value, placeText(at.lod, at.group), result);
+    finish(std::move(step), result);
+    return true;
+}
+
+edit_result model_editor::replacePathPrefix(std::string_view wanted, std::string_view replacement)
+{
+    edit_result result;
+    edit_step step;
+    for (std::size_t lod = 0; lod < m_model.data().lods.size(); ++lod)
+    {
+        std::vector<group_data>& groups = m_model.data().lods[lod].groups;
+        for (std::size_t group = 0; group < groups.size(); ++group)
+            for (std::size_t i = 0; i < groups[group].textures.size(); ++i)
+            {
+                fixed_field& field = groups[group].textures[i].path_field;
+                const std::string path = field.text();
+                if (!wanted.empty() && beginsWithPath(path, wanted))
+                    setPath(step, field, std::string(replacement) + path.substr(wanted.size()),
+                            placeText(lod, group, i), result);
+            }
+    }
+    finish(std::move(step), result);
+    return result;
+}
+
+void model_editor::undo()
+{
+    if (canUndo())
+        restore(m_steps[--m_done], &field_edit::before);
+}
+
+void model_editor::redo()
+{
+    if (canRedo())
+        restore(m_steps[m_done++], &field_edit::after);
+}
+
+std::vector<field_change> model_editor::changes() const
+{
+    std::vector<field_change> changes;
+    const std::vector<lod_data>& lods = std::as_const(m_model).data().lods;
+    for (std::size_t lod = 0; lod < lods.size(); ++lod)
+        for (std::size_t i = 0; i < lods[lod].groups.size(); ++i)
+        {
+            const group_data& group = lods[lod].groups[i];
+            for (std::size_t j = 0; j < group.textures.size(); ++j)
+                if (const texture_entry& texture = group.textures[j]; texture.path_field.isEdited())
+                    changes.push_back(
+                        {lod, i, j, displayText(texture.path), displayText(texture.path_field.text()), true});
+            if (group.alpha_mode_field.isEdited())
+                changes.push_back({lod, i, std::nullopt, alphaText(group.alpha_mode),
+                                   alphaText(group.alpha_mode_field.u32()), !group.textures.empty()});
+        }
+    return changes;
+}
+
+group_data* model_editor::groupAt(group_place place, failure& why)
+{
+    std::vector<lod_data>& lods = m_model.data().lods;
+    if (place.lod >= lods.size())
+    {
+        failAtIndex(why, place.lod, "LOD", lods.size(), "the model", m_model.path());
+        return nullptr;
+    }
+    std::vector<group_data>& groups = lods[place.lod].groups;
+    if (place.group >= groups.size())
+    {
+        failAtIndex(why, place.group, "group", groups.size(), "LOD " + std::to_string(place.lod), m_model.path());
+        return nullptr;
+    }
+    return &groups[place.group];
+}
+
+void model_editor::setPath(edit_step& step, fixed_field& field, std::string_view path, const std::string& place,
+                           edit_result& result)
+{
+    const std::size_t length = field.isWide() ? utf16FromUtf8(path).size() : path.size();
+    if (length > field.textCapacity())
+        result.notes.push_back(place + ": the path has " + std::to_string(length) + " characters and is cut to " +
+                               std::to_string(field.textCapacity()));
+    std::vector<std::byte> before = bytesOf(field);
+    field.setText(path);
+    addEdit(step, field, std::move(before));
+}
+
+void model_editor::setAlpha(edit_step& step, group_data& group, std::uint32_t value, const std::string& place,
+                            edit_result& result)
+{
+    fixed_field& field = group.alpha_mode_field;
+    if (group.textures.empty())
+        result.notes.push_back(place + " has no textures: its alpha mode is not written to the file");
+    std::vector<std::byte> before = bytesOf(field);
+    field.setU32(value);
+    addEdit(step, field, std::move(before));
+}
+
+void model_editor::addEdit(edit_step& step, fixed_field& field, std::vector<std::byte> before)
+{
+    std::vector<std::byte> after = bytesOf(field);
+    if (before != after)
+        step.push_back({&field, std::move(before), std::move(after)});
+}
+
+std::vector<group_place> model_editor::placesOf(group_place place, edit_scope scope, edit_result& result) const
+{
+    std::vector<group_place> places = {place};
+    if (scope == edit_scope::one_group)
+        return places;
+    const std::vector<lod_data>& lods = std::as_const(m_model).data().lods;
+    const std::vector<group_data>& own = lods[place.lod].groups;
+    const std::string& name = own[place.group].header.group_name;
+    const std::size_t rank = rankOf(own, place.group, isNamed(name));
+    for (std::size_t lod = 0; lod < lods.size(); ++lod)
+    {
+        if (lod == place.lod)
+            continue;
+        if (const auto group = withRank(lods[lod].groups, rank, isNamed(name)))
+            places.push_back({lod, *group});
+        else
+            result.notes.push_back("LOD " + std::to_string(lod) + " has no group like " +
+                                   placeText(place.lod, place.group) + " (\"" + displayText(name) + "\")");
+    }
+    return places;
+}
+
+void model_editor::restore(const edit_step& step, std::vector<std::byte> field_edit::*bytes)
+{
+    for (const field_edit& edit : step)
+        edit.field->setBytes(edit.*bytes);
+}
+
+void model_editor::finish(edit_step step, edit_result& result)
+{
+    result.changed += step.size();
+    if (step.empty())
+        return;
+    if (m_saved && *m_saved > m_done)
+        m_saved.reset();
+    m_steps.resize(m_done);
+    m_steps.push_back(std::move(step));
+    ++m_done;
+}
+
+std::string describe(const field_change& change)
+{
+    return (change.texture ? placeText(change.lod, change.group, *change.texture)
+                           : placeText(change.lod, change.group) + ", alpha mode") +
+           ": " + change.before + " -> " + change.after;
+}
+
+} // namespace korvane

@@ -1,0 +1,193 @@
+// The commands of the main window on the open model: what is asked, what is said, what is written.
+
+#include "Korvane/document/model_commands.h"
+#include "Korvane/models/rmv2_writer.h"
+#include "tests/support/model_builder.h"
+#include "tests/support/recording_prompt.h"
+#include "tests/support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+namespace korvane::test
+{
+namespace
+{
+
+class model_commands_test : public testing::Test
+{
+protected:
+    std::string open(std::uint32_t version)
+    {
+        test_model model;
+        model.version = version;
+        test_group bare;
+        bare.textures.clear();
+        model.lods = {{test_group{}, bare}, {test_group{}}};
+        m_bytes = model.bytes();
+        const std::string path = m_folder.file("in.rigid_model_v2");
+        writeBytes(path, m_bytes);
+        failure why;
+        EXPECT_TRUE(m_document.open(path, why)) << describe(why);
+        return path;
+    }
+    const std::string& lastText() const { return m_prompt.shown.back().second; }
+    std::string written(const std::string& name) const { return readBytes(m_folder.file(name)); }
+
+    temporary_folder m_folder;
+    std::string m_bytes; // of the open model
+    open_files m_document;
+    recording_prompt m_prompt;
+    model_commands m_commands{m_document, m_prompt};
+};
+
+TEST_F(model_commands_test, CommandsAreEnabledAsTheyMakeSense)
+{
+    using command = document_command;
+    EXPECT_FALSE(m_commands.isEnabled(command::save_as));
+    EXPECT_FALSE(m_commands.isEnabled(command::reset));
+    open(7);
+    for (const command always : {command::save_as, command::patch, command::reset, command::export_static,
+                                 command::open_folder, command::choose_alpha_mode, command::choose_texture})
+        EXPECT_TRUE(m_commands.isEnabled(always)) << static_cast<int>(always);
+    for (const command later : {command::save, command::undo, command::redo})
+        EXPECT_FALSE(m_commands.isEnabled(later)) << static_cast<int>(later);
+    EXPECT_EQ(m_commands.chooseAlphaMode(1), command_outcome::done);
+    EXPECT_TRUE(m_commands.isEnabled(command::save));
+    EXPECT_TRUE(m_commands.isEnabled(command::undo));
+    m_document.select({0, 1});
+    EXPECT_FALSE(m_commands.isEnabled(command::choose_texture)) << "a group without textures";
+}
+
+TEST_F(model_commands_test, EditsShowInThePanelsAndTheTitleAndReachTheFileWhenTheyAreSaved)
+{
+    const std::string path = open(7);
+    const std::string title = m_document.title();
+    m_prompt.answer = "D:\\Work\\new.dds";
+    EXPECT_EQ(m_commands.chooseTexture(0), command_outcome::done);
+    EXPECT_EQ(m_prompt.picked_with, "Choose DDS G| Texture Files (*.dds)|*.dds");
+    EXPECT_EQ(m_commands.chosenFolder(0), "D:\\Work\\");
+    EXPECT_EQ(m_commands.chooseAlphaMode(2), command_outcome::done);
+    EXPECT_EQ(m_commands.chooseAlphaMode(2), command_outcome::cancelled) << "it is chosen already";
+    EXPECT_EQ(m_document.title(), title + "*[edited]");
+    const group_data& group = *m_document.model().selectedGroup();
+    const texture_rows rows = textureRows(group);
+    EXPECT_EQ(rows[0].directory + "|" + rows[0].file, "tex/|new.dds");
+    EXPECT_EQ(rowOfType(rows, 0), 0);
+    EXPECT_EQ(rowOfType(rows, 1), -1);
+    EXPECT_EQ(rows[0].file_colour, (field_colour{255, 240, 230}));
+    EXPECT_EQ(rows[1].directory_colour, (field_colour{200, 200, 200}));
+    EXPECT_EQ(groupTool(group, {0, 0}).alpha_mode, 2);
+    EXPECT_EQ(readBytes(path), m_bytes);
+
+    EXPECT_EQ(m_commands.save(), command_outcome::done);
+    EXPECT_EQ(m_document.title(), title);
+    EXPECT_EQ(m_commands.chooseTexture(1), command_outcome::cancelled) << "a grey row";
+    rmv2_file saved;
+    failure why;
+    ASSERT_TRUE(saved.open(path, why)) << describe(why);
+    EXPECT_EQ(saved.data().lods[0].groups[0].textures[0].path, "tex/new.dds");
+    EXPECT_EQ(saved.data().lods[0].groups[0].alpha_mode, 0xffffffffu);
+}
+
+TEST_F(model_commands_test, AnAlphaModeThatNoSaveWritesIsSaidWhenItIsChosenAndWhenItIsSaved)
+{
+    const std::string path = open(7);
+    m_document.select({0, 1});
+    EXPECT_EQ(m_commands.chooseAlphaMode(1), command_outcome::done);
+    EXPECT_NE(lastText().find("has no textures"), std::string::npos);
+    EXPECT_EQ(m_commands.save(), command_outcome::done);
+    EXPECT_NE(lastText().find("LOD 0, group 1, alpha mode: 0 (Alpha Off) -> 1 (Alpha On)"), std::string::npos);
+    EXPECT_EQ(readBytes(path), m_bytes);
+}
+
+TEST_F(model_commands_test, ASaveThatFailsKeepsPathAndEditedFlag)
+{
+    const std::string path = open(7);
+    m_commands.chooseAlphaMode(1);
+    m_prompt.answer = m_folder.file("none/out.rigid_model_v2");
+    EXPECT_EQ(m_commands.saveAs(), command_outcome::failed);
+    EXPECT_NE(lastText().find("none"), std::string::npos);
+    EXPECT_TRUE(m_document.model().isEdited());
+    EXPECT_EQ(m_document.model().file()->path(), path);
+    m_prompt.answer.reset();
+    EXPECT_EQ(m_commands.saveAs(), command_outcome::cancelled);
+}
+
+TEST_F(model_commands_test, OnlyVersion6IsPatched)
+{
+    const struct
+    {
+        std::uint32_t version;
+        const char* text;
+    } rows[] = {
+        {7, "This RigidModel file is already version 7!"},
+        {8, "This RigidModel file is version 8 (Three Kingdoms), and cannot be patched!"},
+        {5, "This RigidModel file is version 5, and cannot be patched: its texts have other widths than those of "
+            "version 7!"},
+    };
+    for (const auto& row : rows)
+    {
+        open(row.version);
+        EXPECT_EQ(m_commands.patch(), command_outcome::failed);
+        EXPECT_EQ(m_prompt.shown.back(),
+                  (std::pair<std::string, std::string>("Invalid Operation Requested!", row.text)));
+    }
+}
+
+TEST_F(model_commands_test, AfterAPatchASaveIsAskedAboutAndASecondPatchRefused)
+{
+    open(6);
+    m_commands.chooseAlphaMode(1);
+    m_prompt.answer = m_folder.file("none/p");
+    EXPECT_EQ(m_commands.patch(), command_outcome::failed);
+    m_prompt.answer = m_folder.file("patched.rigid_model_v2");
+    EXPECT_EQ(m_commands.patch(), command_outcome::done) << "the one that failed does not count";
+    EXPECT_NE(m_prompt.picked_with.find("Save Patched RigidModel File|Rigid Model v2 Files (*.rigid_model_v2)|"),
+              std::string::npos);
+    EXPECT_NE(lastText().find("unsaved changes are not in it"), std::string::npos);
+    EXPECT_EQ(written("patched.rigid_model_v2").size(), m_bytes.size() + 16);
+    EXPECT_EQ(m_commands.patch(), command_outcome::failed);
+    EXPECT_NE(lastText().find("patched already"), std::string::npos);
+
+    m_prompt.answer = m_folder.file("mixed");
+    m_prompt.confirmations = {false, false};
+    EXPECT_EQ(m_commands.saveAs(), command_outcome::cancelled);
+    EXPECT_EQ(m_folder.fileCount(), 2u);
+    m_prompt.confirmations = {false, true};
+    EXPECT_EQ(m_commands.saveAs(), command_outcome::done);
+    std::string mixed = m_bytes;
+    mixed[4] = 7;
+    mixed[mixed.find(std::string("\x03\0\0\0\0\0\0\0\x40\x40", 10)) + 4] = 1; // material flags, alpha mode, vertices
+    EXPECT_EQ(written("mixed"), mixed);
+    EXPECT_TRUE(isVersion7OverVersion6(std::as_bytes(std::span(mixed))));
+
+    m_prompt.confirmations = {true};
+    EXPECT_EQ(m_commands.save(), command_outcome::opened_other);
+    EXPECT_EQ(m_document.model().file()->path(), m_folder.file("patched.rigid_model_v2"));
+    EXPECT_EQ(m_document.model().file()->version(), 7u);
+    const std::size_t asked = m_prompt.shown.size();
+    EXPECT_EQ(m_commands.save(), command_outcome::done);
+    EXPECT_EQ(m_prompt.shown.size(), asked) << "an ordinary model is saved without a question";
+}
+
+TEST_F(model_commands_test, EditsAreNotLostWithoutAQuestion)
+{
+    open(7);
+    EXPECT_TRUE(m_commands.mayDiscardEdits());
+    EXPECT_TRUE(m_prompt.shown.empty());
+    m_commands.chooseAlphaMode(1);
+    EXPECT_FALSE(m_commands.mayDiscardEdits());
+    EXPECT_EQ(m_commands.reset(), command_outcome::cancelled);
+    EXPECT_EQ(m_prompt.shown.back(),
+              (std::pair<std::string, std::string>("Clear", "Are you sure you want to clear all fields?")));
+    EXPECT_TRUE(m_document.reopen().empty());
+    EXPECT_TRUE(m_document.model().isEdited());
+    m_prompt.will_confirm = true;
+    EXPECT_TRUE(m_commands.mayDiscardEdits());
+    EXPECT_EQ(m_commands.reset(), command_outcome::done);
+    EXPECT_FALSE(m_document.model().hasModel());
+    EXPECT_EQ(m_document.title(), "Korvane 0.5.1a   RMV2: [no file loaded] VMD: [no file loaded]");
+}
+
+} // namespace
+} // namespace korvane::test
