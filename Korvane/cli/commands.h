@@ -14,9 +14,11 @@ void addCheckCommand(CLI::App& app, cli_context& context);
 void addConfigCommand(CLI::App& app, cli_context& context);
 void addConvertCommand(CLI::App& app, cli_context& context);
 void addDemoDataCommand(CLI::App& app, cli_context& context);
+void addEditCommand(CLI::App& app, cli_context& context);
 void addExportCommand(CLI::App& app, cli_context& context);
 void addFbxCommand(CLI::App& app, cli_context& context);
 void addNormalMapCommand(CLI::App& app, cli_context& context);
+void addPatchCommand(CLI::App& app, cli_context& context);
 void addTexturesCommand(CLI::App& app, cli_context& context);
 void addVariantCommand(CLI::App& app, cli_context& context);
 #ifdef _WIN32

@@ -7,6 +7,7 @@
 #include "Korvane/archives/path_pattern.h"
 #include "Korvane/cli/anim_commands.h"
 #include "Korvane/cli/game_files.h"
+#include "Korvane/cli/output_files.h"
 #include "Korvane/fbx/scene_exporter.h"
 
 #include <algorithm>
@@ -114,12 +115,6 @@ bool export_run::load(failure& why)
     return true;
 }
 
-bool isFolder(const std::string& path)
-{
-    std::error_code ignored;
-    return path.ends_with('/') || path.ends_with('\\') || std::filesystem::is_directory(toPath(path), ignored);
-}
-
 std::vector<export_run::output_file> export_run::outputs() const
 {
     const bool has_folder = isFolder(m_options.output) || m_options.animations.size() > 1;
@@ -150,10 +145,7 @@ bool export_run::prepareFolder(failure& why) const
 {
     if (!isFolder(m_options.output) && m_options.animations.size() < 2)
         return true;
-    std::error_code error;
-    std::filesystem::create_directories(toPath(m_options.output), error);
-    return !error ||
-           fail(why, failure_kind::unwritable, "the folder cannot be created: " + error.message(), m_options.output);
+    return createFolder(m_options.output, why);
 }
 
 bool export_run::exportFile(scene_exporter& exporter, const output_file& file, std::size_t number, std::size_t total,

@@ -79,6 +79,8 @@ int run(const std::vector<std::string>& arguments)
     addSharedOptions(app, context);
     addDemoDataCommand(app, context);
     addInfoCommand(app, context);
+    addEditCommand(app, context);
+    addPatchCommand(app, context);
     addArchiveCommands(app, context);
     addVariantCommand(app, context);
     addExportCommand(app, context);

@@ -1,0 +1,26 @@
+#pragma once
+
+// Where commands write: a file, or for several operands files in a folder.
+
+#include "Korvane/cli/cli_context.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace korvane
+{
+
+// True when -o means a folder: there is one, or it ends in a separator.
+[[nodiscard]] bool isFolder(const std::string& path);
+[[nodiscard]] bool createFolder(const std::string& path, failure& why); // with those above it
+
+// Does the work for each model, a path on disk or pack: and an internal path. The output is a file for a single model,
+// else a folder, which is created and where each file gets its model's name; empty: nothing is written. Of several
+// models one that fails is named and the others go on; the failure of all is told at the end. work writes its output
+// itself.
+using model_work = std::function<bool(const std::string& model, const std::string& output, failure& why)>;
+void forEachModel(cli_context& context, const std::vector<std::string>& models, const std::string& output,
+                  const model_work& work);
+
+} // namespace korvane
