@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace korvane::platform
@@ -17,6 +18,40 @@ bool failWithErrno(std::string& reason)
 {
     reason = std::strerror(errno);
     return false;
+}
+
+int nameAndRenameHere(const char* own, const char* temporary, const char* target)
+{
+    if (::linkat(AT_FDCWD, own, AT_FDCWD, temporary, AT_SYMLINK_FOLLOW) != 0)
+        return errno;
+    if (::rename(temporary, target) == 0)
+        return 0;
+    const int error = errno;
+    static_cast<void>(::unlink(temporary));
+    return error;
+}
+
+// Puts a file without a name over the target; returns an errno value. A name can only be given where there is none, so
+// the file gets the temporary one first. A process of its own does both: a kill of this one cannot come in between.
+int nameAndRename(const char* own, const char* temporary, const char* target)
+{
+    const pid_t child = ::vfork(); // shares this process's memory and may do little more than these calls
+    if (child == 0)
+        ::_exit(nameAndRenameHere(own, temporary, target));
+    if (child < 0)
+        return nameAndRenameHere(own, temporary, target);
+    int status = 0;
+    pid_t ended = 0;
+    do
+        ended = ::waitpid(child, &status, 0);
+    while (ended < 0 && errno == EINTR);
+    if (ended == child)
+        return WIFEXITED(status) ? WEXITSTATUS(status) : EINTR;
+    // Somebody else has taken the status: the file itself tells.
+    struct stat written = {}, placed = {};
+    const bool is_placed = ::stat(own, &written) == 0 && ::stat(target, &placed) == 0 &&
+                           written.st_ino == placed.st_ino && written.st_dev == placed.st_dev;
+    return is_placed ? 0 : ECHILD;
 }
 
 // A file on its way to its place. It has no name until it is whole, so that a process that is killed leaves nothing;
@@ -75,11 +110,8 @@ public:
         {
             if (!is_present && link(target))
                 return true;
-            // A name can only be given where there is none: for as long as it takes to rename it, it has the temporary
-            // one.
-            m_is_named = link(m_temporary);
-            if (!m_is_named)
-                return failWithErrno(reason);
+            errno = nameAndRename(ownPath().c_str(), m_temporary.c_str(), target.c_str());
+            return errno == 0 || failWithErrno(reason);
         }
         if (::rename(m_temporary.c_str(), target.c_str()) != 0)
             return failWithErrno(reason);
