@@ -5,11 +5,6 @@
 namespace korvane
 {
 
-namespace
-{
-constexpr COLORREF loaded_colour = RGB(220, 219, 235);
-}
-
 bool file_info_control::createFields()
 {
     using access = edit_box::access;
@@ -34,11 +29,11 @@ void file_info_control::placeFields()
 
 void file_info_control::show(const std::optional<file_info_content>& content)
 {
-    const std::optional<COLORREF> colour = content ? std::optional(loaded_colour) : std::nullopt;
+    const std::optional<COLORREF> colour = content ? std::optional(systemColour(loaded_colour)) : std::nullopt;
     for (edit_box* const field : {&m_path, &m_version, &m_game, &m_skeleton})
     {
         setFieldColour(*field, colour);
-        field->setText("...");
+        field->setText(empty_file_field);
     }
     m_folder.setEnabled(content && content->is_on_disk);
     if (!content)

@@ -9,6 +9,7 @@
 #include "EASY_GUI/win32/handle_policies.h"
 #include "EASY_GUI/win32/label.h"
 #include "EASY_GUI/win32/window.h"
+#include "Korvane/document/panel_contents.h"
 
 #include <initializer_list>
 #include <map>
@@ -16,6 +17,11 @@
 
 namespace korvane
 {
+
+[[nodiscard]] inline COLORREF systemColour(const rgb_colour& colour)
+{
+    return RGB(colour.red, colour.green, colour.blue);
+}
 
 class panel : public window
 {

@@ -5,13 +5,6 @@
 namespace korvane
 {
 
-namespace
-{
-constexpr COLORREF directory_colour = RGB(255, 230, 230);
-constexpr COLORREF file_colour = RGB(255, 240, 230);
-constexpr COLORREF unused_colour = RGB(200, 200, 200);
-} // namespace
-
 bool texture_field_group::createFields()
 {
     bool is_made = true;
@@ -40,9 +33,9 @@ void texture_field_group::show(const texture_rows& rows)
         field.type.setText(rows[i].type_name);
         field.directory.setText(rows[i].directory);
         field.file.setText(rows[i].file);
-        setFieldColour(field.type, rows[i].is_used ? directory_colour : unused_colour);
-        setFieldColour(field.directory, rows[i].is_used ? directory_colour : unused_colour);
-        setFieldColour(field.file, rows[i].is_used ? file_colour : unused_colour);
+        setFieldColour(field.type, systemColour(rows[i].directory_colour));
+        setFieldColour(field.directory, systemColour(rows[i].directory_colour));
+        setFieldColour(field.file, systemColour(rows[i].file_colour));
     }
 }
 

@@ -34,7 +34,7 @@ bool extraction_folder::place(std::string_view internal_path, std::string& disk_
     if (m_layout == extraction_layout::flat)
         relative = std::string(fileName(*relative));
     if (!claim(*relative))
-        return fail(why, failure_kind::refused, "refused: another file of the archives has the same path on the disk",
+        return fail(why, failure_kind::refused, "refused: another file has the same path on the disk",
                     std::string(internal_path));
     const std::filesystem::path target = toPath(m_folder) / toPath(*relative);
     std::error_code error;

@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/extraction_folder.h"
+#include "Korvane/cli/output_files.h"
 #include "Korvane/textures/normal_map.h"
 #include "Korvane/textures/picture_file.h"
 
@@ -21,12 +22,6 @@ struct normal_map_options
     std::vector<std::string> inputs;
     std::string output;
 };
-
-bool isFolder(const std::string& path)
-{
-    std::error_code ignored;
-    return path.ends_with('/') || path.ends_with('\\') || std::filesystem::is_directory(toPath(path), ignored);
-}
 
 bool isSameFile(const std::string& left, const std::string& right)
 {

@@ -111,8 +111,20 @@ void check_run::checkModel(const std::string& path, std::vector<finding>& found)
     rmv2_file model;
     memory_file bytes;
     failure why;
-    if (isPackPath(path) ? !readGameFile(path, bytes, why) || !model.openFromMemory(std::move(bytes), path, why)
-                         : !model.open(path, why))
+    const bool is_open = isPackPath(path)
+                             ? readGameFile(path, bytes, why) && model.openFromMemory(std::move(bytes), path, why)
+                             : model.open(path, why);
+    if (isVersion7OverVersion6(model.image().bytes())) // what was read of it, if anything, is not what it holds
+    {
+        found.push_back({finding_severity::error,
+                         path,
+                         {},
+                         "version_word",
+                         "the version word says 7, but the LOD headers are those of version 6: the model was saved "
+                         "again after it had been patched. korvane patch --repair makes a version 7 file of it"});
+        return;
+    }
+    if (!is_open)
     {
         found.push_back(errorOf(path, why.kind == failure_kind::not_found ? "not_found" : "unreadable", why));
         return;

@@ -27,15 +27,15 @@ struct model_selection
 // An index that lies outside its list becomes 0, and -1 when the list is empty.
 [[nodiscard]] model_selection clampSelection(const RMV2_FILE_DATA& model, model_selection wanted);
 
-struct field_colour
+struct rgb_colour
 {
     std::uint8_t red = 0, green = 0, blue = 0;
 
-    friend bool operator==(const field_colour&, const field_colour&) = default;
+    friend bool operator==(const rgb_colour&, const rgb_colour&) = default;
 };
 
 // The four fields of the file panel have this background while a model is open; the text stands in them before that.
-constexpr field_colour loaded_colour{220, 219, 235};
+constexpr rgb_colour loaded_colour{220, 219, 235};
 constexpr std::string_view empty_file_field = "...";
 
 struct file_info_content
@@ -73,10 +73,10 @@ struct texture_row_content
     std::uint32_t type = 0;
     int type_position = -1; // in textureTypes(); -1: none of them, nothing is selected
     std::string type_name;
-    std::string directory; // up to the last separator, that included: directory + file is the path
-    std::string file;      // behind it
-    field_colour directory_colour{200, 200, 200}; // of the type list, too
-    field_colour file_colour{200, 200, 200};
+    std::string directory;                      // up to the last separator, that included: directory + file is the path
+    std::string file;                           // behind it
+    rgb_colour directory_colour{200, 200, 200}; // of the type list, too
+    rgb_colour file_colour{200, 200, 200};
 };
 constexpr std::size_t texture_row_count = 8;
 using texture_rows = std::array<texture_row_content, texture_row_count>;

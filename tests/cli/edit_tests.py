@@ -147,7 +147,7 @@ class saving(edit_case):
         twin = self.write("demo_guard.rigid_model_v2", read(good[0]))
         folder = self.path("new/folder")
         err = self.edit(good[0], bad, twin, good[1], "-o", folder, "--alpha", "0:0=1", check=1)[1]
-        for text in ("bad.rigid_model_v2", "byte ", "the same file name", "korvane: ", "2 of 4 models failed"):
+        for text in ("bad.rigid_model_v2", "byte ", "the same path", "korvane: ", "2 of 4 models failed"):
             self.assertIn(text, err)
         self.assertEqual(sorted(os.listdir(folder)), ["demo_column.rigid_model_v2", "demo_guard.rigid_model_v2"])
         for path in good:

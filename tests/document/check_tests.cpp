@@ -321,6 +321,17 @@ TEST_F(check_test, DefinitionsFoldersAndWhatCannotBeRead)
     ASSERT_EQ(found.size(), 1u) << lines(found);
     EXPECT_EQ(found[0].kind, "unreadable");
     EXPECT_NE(found[0].text.find("(at byte "), std::string::npos) << found[0].text;
+
+    test_model patched = soundModel(); // and saved again
+    patched.version = 6;
+    for (const std::size_t lods : {std::size_t{1}, std::size_t{3}}) // with one it can be read after all
+    {
+        patched.lods.assign(lods, patched.lods.front());
+        std::string bytes = patched.bytes();
+        bytes[4] = 7;
+        writeBytes(m_folder.file("mixed.rigid_model_v2"), bytes);
+        EXPECT_TRUE(lines(check(m_folder.file("mixed.rigid_model_v2"))).starts_with("error version_word -.-.-"));
+    }
 }
 
 TEST_F(check_test, WithoutArchivesOnlyTheDiskCounts)

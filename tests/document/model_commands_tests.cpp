@@ -74,8 +74,8 @@ TEST_F(model_commands_test, EditsShowInThePanelsAndTheTitleAndReachTheFileWhenTh
     EXPECT_EQ(rows[0].directory + "|" + rows[0].file, "tex/|new.dds");
     EXPECT_EQ(rowOfType(rows, 0), 0);
     EXPECT_EQ(rowOfType(rows, 1), -1);
-    EXPECT_EQ(rows[0].file_colour, (field_colour{255, 240, 230}));
-    EXPECT_EQ(rows[1].directory_colour, (field_colour{200, 200, 200}));
+    EXPECT_EQ(rows[0].file_colour, (rgb_colour{255, 240, 230}));
+    EXPECT_EQ(rows[1].directory_colour, (rgb_colour{200, 200, 200}));
     EXPECT_EQ(groupTool(group, {0, 0}).alpha_mode, 2);
     EXPECT_EQ(readBytes(path), m_bytes);
 
