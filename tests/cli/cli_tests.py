@@ -31,6 +31,11 @@ def korvane(*arguments, check=None):
     return done.returncode, done.stdout, done.stderr
 
 
+def read(path):
+    with open(path, "rb") as file:
+        return file.read()
+
+
 def same(actual, expected):
     """Equal, where floats are compared as binary32 values and NaN and infinities are texts."""
     if isinstance(expected, float):

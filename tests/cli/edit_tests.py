@@ -12,13 +12,8 @@ import unittest
 
 import cli_tests
 import edit_oracle
-from cli_tests import korvane
+from cli_tests import korvane, read
 from model_oracle import u32
-
-
-def read(path):
-    with open(path, "rb") as file:
-        return file.read()
 
 
 class edit_case(cli_tests.cli_case):

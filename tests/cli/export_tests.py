@@ -13,7 +13,7 @@ import unittest
 import anim_oracle
 import cli_tests
 import model_oracle
-from cli_tests import korvane
+from cli_tests import korvane, read
 
 INCH = 39.37008  # inches a metre
 MODEL = "variantmeshes/wh_variantmodels/hu1/demo/demo_guard.rigid_model_v2"
@@ -21,11 +21,6 @@ SKELETON = "animations/skeletons/humanoid01.anim"
 CLIP = "animations/battle/humanoid01/gesture/hu1_wave.anim"
 OTHER_CLIP = "animations/battle/humanoid01/walk/hu1_walk_forward_v5.anim"
 CONVERTER = os.path.join(os.path.dirname(__file__), "../../build/fbx2gltf/node_modules/fbx2gltf/bin/Linux/FBX2glTF")
-
-
-def read(path):
-    with open(path, "rb") as file:
-        return file.read()
 
 
 def mirrored(vector):

@@ -17,15 +17,10 @@ import unittest
 
 import cli_tests
 import edit_oracle
-from cli_tests import korvane
+from cli_tests import korvane, read
 
 kills = 200
 size_bytes = 24 << 20  # large enough that most of the run is the save itself
-
-
-def read(path):
-    with open(path, "rb") as file:
-        return file.read()
 
 
 class killed(cli_tests.cli_case):

@@ -6,7 +6,7 @@ import os
 import struct
 
 import cli_tests
-from cli_tests import korvane
+from cli_tests import korvane, read
 
 
 def targa(width, height, pixels):
@@ -25,10 +25,10 @@ class normal_map(cli_tests.cli_case):
         blue = self.write("blue.tga", targa(1, 2, [(200, 100, 255, 255), (0, 255, 7, 9)]))
         out = self.path("orange.tga")
         self.assertEqual(korvane("normal-map", "to-orange", blue, "-o", out, check=0)[1], b"1 picture converted\n")
-        self.assertEqual(open(out, "rb").read(), written(1, 2, [(255, 100, 0, 200), (255, 255, 0, 0)]))
+        self.assertEqual(read(out), written(1, 2, [(255, 100, 0, 200), (255, 255, 0, 0)]))
         orange = self.write("orange2.tga", targa(2, 1, [(255, 128, 0, 128), (255, 255, 0, 255)]))
         korvane("normal-map", "to-blue", orange, "-o", out, check=0)
-        self.assertEqual(open(out, "rb").read(), written(2, 1, [(128, 128, 254, 255), (255, 255, 127, 255)]))
+        self.assertEqual(read(out), written(2, 1, [(128, 128, 254, 255), (255, 255, 127, 255)]))
 
     def test_many_go_into_a_folder_and_a_bad_one_is_named(self):
         one = self.write("one.tga", targa(1, 1, [(1, 2, 3, 4)]))
@@ -40,7 +40,7 @@ class normal_map(cli_tests.cli_case):
         self.assertIn("image type 32", err.decode())
         self.assertIn("1 of 3 pictures", err.decode())
         self.assertEqual([os.path.basename(file["path"]) for file in json.loads(out)["files"]], ["one.tga", "one_2.tga"])
-        self.assertEqual(open(self.path("out/one_2.tga"), "rb").read(), written(1, 1, [(255, 6, 0, 5)]))
+        self.assertEqual(read(self.path("out/one_2.tga")), written(1, 1, [(255, 6, 0, 5)]))
 
     def test_an_input_is_never_written_over(self):
         one = self.write("one.tga", targa(1, 1, [(1, 2, 3, 4)]))
@@ -48,7 +48,7 @@ class normal_map(cli_tests.cli_case):
         self.expect_failure(["normal-map", "to-blue", one, "-o", self.path("")], 1, "one.tga", "replace")
         self.expect_failure(["normal-map", "to-blue", one, "-o", self.path("one.bmp")], 2, "one.bmp")
         self.expect_failure(["normal-map", "to-blue", self.path("none.tga"), "-o", self.path("x.tga")], 1, "none.tga")
-        self.assertEqual(open(one, "rb").read(), targa(1, 1, [(1, 2, 3, 4)]))
+        self.assertEqual(read(one), targa(1, 1, [(1, 2, 3, 4)]))
 
 
 class textures(cli_tests.cli_case):
@@ -68,7 +68,7 @@ class textures(cli_tests.cli_case):
         self.assertEqual((status, text.decode()), (0, "%d DDS files extracted.\n" % len(named)), err)
         for name in named:
             korvane("extract", name, "-o", self.path("one.dds"), "--data", demo, check=0)
-            self.assertEqual(open(self.path("one.dds"), "rb").read(), open(os.path.join(out, name), "rb").read(), name)
+            self.assertEqual(read(self.path("one.dds")), read(os.path.join(out, name)), name)
         missing = self.path("none.rigid_model_v2")
         status, text, err = korvane("textures", missing, "pack:" + models[0], "-o", self.path("png"), "--data", demo,
                                     "--flat", "--as", "png", "--json")
@@ -76,7 +76,7 @@ class textures(cli_tests.cli_case):
         self.assertEqual((status, result["failed"][0]["path"]), (1, missing))
         self.assertGreater(result["count"], 0)
         for file in result["files"]:
-            self.assertEqual(open(file["path"], "rb").read(8), b"\x89PNG\r\n\x1a\n")
+            self.assertEqual(read(file["path"].replace("\\", "/"))[:8], b"\x89PNG\r\n\x1a\n")
         self.expect_failure(["textures", "pack:" + models[0], "-o", out, "--as", "bmp"], 2, "bmp")
 
 

@@ -211,8 +211,8 @@ class session(unittest.TestCase):
         self.assertEqual(shown[VERTEX_FORMAT], str(expected["vertex_format"]))
         for row in range(8):
             path = expected["textures"][row]["path"] if row < len(expected["textures"]) else ""
-            joined = shown[TEXTURE_DIRECTORY + row] + "/" + shown[TEXTURE_FILE + row]
-            self.assertEqual(joined.strip("/"), path.replace("\\", "/"))
+            joined = shown[TEXTURE_DIRECTORY + row] + shown[TEXTURE_FILE + row]
+            self.assertEqual(joined.replace("\\", "/"), path.replace("\\", "/"))
 
     def test_a_model_of_the_command_line_is_described_and_drawn(self):
         model = self.make_demo()
