@@ -17,6 +17,44 @@ namespace
 constexpr std::string_view temporary_prefix = ".korvane-"; // process and number follow
 constexpr std::string_view temporary_suffix = ".tmp";
 
+// Exactly as temporaryName() makes it: nothing that somebody else may have called like that by chance.
+bool isTemporaryName(std::string_view name)
+{
+    if (!name.starts_with(temporary_prefix) || !name.ends_with(temporary_suffix))
+        return false;
+    name.remove_prefix(temporary_prefix.size());
+    name.remove_suffix(temporary_suffix.size());
+    const std::size_t dash = name.find('-');
+    const auto isNumber = [](std::string_view digits)
+    {
+        return !digits.empty() && digits.size() <= 10 && digits.find_first_not_of("0123456789") == digits.npos;
+    };
+    return dash != name.npos && isNumber(name.substr(0, dash)) && isNumber(name.substr(dash + 1));
+}
+
+std::string temporaryName()
+{
+    static std::atomic<unsigned> counter{0};
+    return std::string(temporary_prefix) + std::to_string(platform::processId()) + "-" + std::to_string(counter++) +
+           std::string(temporary_suffix);
+}
+
+// The file that a link leads to, which need not exist; false for links that lead in a circle.
+bool followLinks(std::filesystem::path& path)
+{
+    std::error_code error;
+    for (int links = 0; std::filesystem::is_symlink(path, error); ++links)
+    {
+        if (links == 40)
+            return false;
+        const std::filesystem::path next = std::filesystem::read_symlink(path, error);
+        if (error)
+            return false;
+        path = path.parent_path() / next; // an absolute one stands for itself
+    }
+    return true;
+}
+
 // A process that was killed while it wrote may have left its temporary file. The first write into a folder clears it of
 // these; looking again at each write would be slow where thousands of files are written.
 void removeAbandonedOnce(const std::filesystem::path& folder)
@@ -32,8 +70,7 @@ void removeAbandonedOnce(const std::filesystem::path& folder)
     auto entry = std::filesystem::directory_iterator(folder.empty() ? std::filesystem::path(".") : folder, error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error))
     {
-        const std::string name = toUtf8(entry->path().filename());
-        if (name.starts_with(temporary_prefix) && name.ends_with(temporary_suffix))
+        if (isTemporaryName(toUtf8(entry->path().filename())))
             platform::removeAbandoned(entry->path());
     }
 }
@@ -97,12 +134,8 @@ bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, f
 {
     std::filesystem::path target = toPath(path);
     std::error_code error;
-    if (std::filesystem::is_symlink(target, error)) // the file it leads to is replaced, the link stays
-    {
-        target = std::filesystem::weakly_canonical(target, error);
-        if (error)
-            return fail(why, failure_kind::unwritable, "the link leads nowhere: " + error.message(), path);
-    }
+    if (!followLinks(target)) // the file that a link leads to is written, the link stays
+        return fail(why, failure_kind::unwritable, "the link leads in a circle", path);
     if (path.empty() || std::filesystem::is_directory(target, error))
         return fail(why, failure_kind::unwritable,
                     path.empty() ? "no file name was given" : "this is a folder, not a file", path);
@@ -112,12 +145,9 @@ bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, f
 
     // Beside the target, so that the rename stays on one volume; numbered, so that two writers do not meet. The
     // target's name is not in it: that may be as long as a name can be.
-    static std::atomic<unsigned> counter{0};
     const std::filesystem::path folder = target.parent_path();
     removeAbandonedOnce(folder);
-    const std::filesystem::path temporary =
-        folder / (std::string(temporary_prefix) + std::to_string(platform::processId()) + "-" +
-                  std::to_string(counter++) + std::string(temporary_suffix));
+    const std::filesystem::path temporary = folder / temporaryName();
     std::string reason;
     if (platform::replaceWhole(target, temporary, bytes, safety == write_safety::flushed, reason))
         return true;

@@ -26,9 +26,9 @@ namespace korvane
 
 // Replaces the file at path by the bytes: written to a temporary file beside it, flushed to disk, then renamed over
 // it. On failure what stood there before still stands and the temporary file is gone; so it is when the process is
-// killed, and what then may be left after all (".korvane-….tmp") goes with the next write into the folder. Devices and
-// pipes are refused.
-// A replaceable file, one that can be made again and whose damage is noticed, is not flushed.
+// killed, and what then may be left after all (".korvane-PROCESS-NUMBER.tmp") goes with the next write into the folder.
+// Devices and pipes are refused. Of a link the file that it leads to is written, also when it is not there yet. A
+// replaceable file, one that can be made again and whose damage is noticed, is not flushed.
 enum class write_safety
 {
     flushed,

@@ -2,8 +2,10 @@
 
 #include "EASY_GUI/services/file_system.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <limits>
 #include <new>
 
 namespace korvane
@@ -21,6 +23,12 @@ memory_file::memory_file(std::string_view bytes) : memory_file(std::as_bytes(std
 
 bool memory_file::read(const std::string& path, failure& why)
 {
+    std::uint64_t ignored = 0;
+    return readStart(path, std::numeric_limits<std::size_t>::max(), ignored, why);
+}
+
+bool memory_file::readStart(const std::string& path, std::size_t most_bytes, std::uint64_t& file_bytes, failure& why)
+{
     std::error_code error;
     const std::filesystem::path file = toPath(path);
     const auto status = std::filesystem::status(file, error);
@@ -34,9 +42,11 @@ bool memory_file::read(const std::string& path, failure& why)
                     path);
 
     std::ifstream in(file, std::ios::binary | std::ios::ate);
-    const std::streamoff size = in ? static_cast<std::streamoff>(in.tellg()) : -1;
-    if (size < 0)
+    const std::streamoff whole = in ? static_cast<std::streamoff>(in.tellg()) : -1;
+    if (whole < 0)
         return fail(why, failure_kind::unreadable, "the file cannot be opened for reading", path);
+    const auto size =
+        static_cast<std::streamoff>(std::min<std::uint64_t>(static_cast<std::uint64_t>(whole), most_bytes));
 
     try
     {
@@ -48,6 +58,7 @@ bool memory_file::read(const std::string& path, failure& why)
                         "only " + std::to_string(in.gcount()) + " of " + std::to_string(size) + " bytes could be read",
                         path);
         *this = std::move(content);
+        file_bytes = static_cast<std::uint64_t>(whole);
     }
     catch (const std::bad_alloc&)
     {

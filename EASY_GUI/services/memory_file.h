@@ -28,6 +28,9 @@ public:
 
     // Reads the file at a UTF-8 path. On failure the present content stays.
     [[nodiscard]] bool read(const std::string& path, failure& why);
+    // Reads not more than its first bytes, to look at before the rest is read, and says how many it has.
+    [[nodiscard]] bool readStart(const std::string& path, std::size_t most_bytes, std::uint64_t& file_bytes,
+                                 failure& why);
 
     std::span<const std::byte> bytes() const { return {m_bytes.get(), m_size}; }
     std::span<std::byte> mutableBytes() { return {m_bytes.get(), m_size}; }

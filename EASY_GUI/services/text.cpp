@@ -135,6 +135,25 @@ bool isUtf8(std::string_view text)
     return true;
 }
 
+std::size_t utf8Cut(std::string_view text, std::size_t limit)
+{
+    if (text.size() <= limit)
+        return text.size();
+    for (std::size_t begin = limit; begin > 0 && limit - begin < 3;)
+    {
+        const auto byte = static_cast<unsigned char>(text[--begin]);
+        if (byte >= 0xc0) // the last character's first byte: it is whole, or is left out
+        {
+            const std::size_t length = byte >= 0xf0 ? 4 : byte >= 0xe0 ? 3 : 2;
+            const bool is_cut = limit - begin < length && isUtf8(text.substr(begin, length));
+            return is_cut ? begin : limit;
+        }
+        if (byte < 0x80)
+            break;
+    }
+    return limit;
+}
+
 std::string displayText(std::string_view bytes)
 {
     if (isUtf8(bytes))

@@ -22,6 +22,8 @@ void lowerInPlace(char* text, std::size_t size);
 [[nodiscard]] std::string displayText(std::string_view bytes);
 // The same for a terminal: control characters, which could move the cursor or colour the screen, become \x1b and so on.
 [[nodiscard]] std::string terminalText(std::string_view bytes);
+// How many bytes of a text to keep so that at most limit are kept and no character is cut in two.
+[[nodiscard]] std::size_t utf8Cut(std::string_view text, std::size_t limit);
 [[nodiscard]] std::string utf8FromUtf16(std::u16string_view text); // unpaired surrogates become U+FFFD
 [[nodiscard]] std::u16string utf16FromUtf8(std::string_view text); // malformed bytes become U+FFFD
 
