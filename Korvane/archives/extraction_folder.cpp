@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <utility>
 
 namespace korvane
 {
@@ -25,7 +26,7 @@ bool extraction_folder::claim(std::string& relative)
     return true;
 }
 
-bool extraction_folder::place(std::string_view internal_path, std::string& disk_path, failure& why)
+bool extraction_folder::locate(std::string_view internal_path, std::string& disk_path, failure& why)
 {
     std::string reason;
     std::optional<std::string> relative = relativeDiskPath(internal_path, reason);
@@ -36,13 +37,22 @@ bool extraction_folder::place(std::string_view internal_path, std::string& disk_
     if (!claim(*relative))
         return fail(why, failure_kind::refused, "refused: another file has the same path on the disk",
                     std::string(internal_path));
-    const std::filesystem::path target = toPath(m_folder) / toPath(*relative);
+    disk_path = toUtf8(toPath(m_folder) / toPath(*relative));
+    return true;
+}
+
+bool extraction_folder::place(std::string_view internal_path, std::string& disk_path, failure& why)
+{
+    std::string located;
+    if (!locate(internal_path, located, why))
+        return false;
+    const std::filesystem::path target = toPath(located);
     std::error_code error;
     std::filesystem::create_directories(target.parent_path(), error);
     if (error)
         return fail(why, failure_kind::unwritable, "the folder cannot be created: " + error.message(),
                     toUtf8(target.parent_path()));
-    disk_path = toUtf8(target);
+    disk_path = std::move(located);
     return true;
 }
 

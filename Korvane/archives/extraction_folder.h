@@ -28,6 +28,8 @@ public:
     {
     }
 
+    // The path on disk for an internal path, which is taken from then on; nothing is created.
+    [[nodiscard]] bool locate(std::string_view internal_path, std::string& disk_path, failure& why);
     // The path on disk for an internal path; the folders above it are created. Refused are paths that could leave the
     // folder or that Windows could not store (relativeDiskPath).
     [[nodiscard]] bool place(std::string_view internal_path, std::string& disk_path, failure& why);

@@ -8,6 +8,7 @@
 #include "Korvane/archives/pack_entry.h"
 #include "Korvane/archives/path_pattern.h"
 #include "Korvane/cli/game_files.h"
+#include "Korvane/document/panel_contents.h"
 
 #include <memory>
 #include <unordered_map>
@@ -36,7 +37,7 @@ void runArchives(cli_context& context)
                             {"files", archive->file_count}});
         else
             context.print(std::to_string(position) + "  " + archive->format + "  " +
-                          std::to_string(archive->file_count) + " files  " + terminalText(archive->path) + "\n");
+                          counted(archive->file_count, "file", "files") + "  " + terminalText(archive->path) + "\n");
         ++position;
     }
     if (context.is_json)
@@ -124,6 +125,11 @@ bool extractEntry(const pack_file_node& file, extraction_folder& folder, failure
            writeWholeFile(path, bytes.bytes(), why);
 }
 
+std::string filesExtracted(std::size_t count)
+{
+    return counted(count, "file", "files") + " extracted";
+}
+
 void extractMatching(cli_context& context, const extract_options& options)
 {
     failure why;
@@ -144,7 +150,7 @@ void extractMatching(cli_context& context, const extract_options& options)
             ++failed;
             context.note(displayText(describe(reason)));
         }
-        context.progress(std::to_string(written) + " files extracted");
+        context.progress(filesExtracted(written));
     }
     if (failed > 0)
         return context.fail(
@@ -153,7 +159,7 @@ void extractMatching(cli_context& context, const extract_options& options)
              options.output, 0, ""});
     if (written == 0)
         return context.fail({failure_kind::not_found, "no file matches", options.pattern, 0, ""});
-    context.print(std::to_string(written) + " files extracted\n");
+    context.print(filesExtracted(written) + "\n");
 }
 
 } // namespace

@@ -204,7 +204,13 @@ void runCheck(cli_context& context, const std::vector<std::string>& operands)
         run.add(operand);
     check_printer printer(context);
     std::vector<finding> found;
-    while (run.step(found))
+    const auto step = [&]
+    {
+        if (run.doneCount() < run.fileCount())
+            context.workOn(run.nextFile());
+        return run.step(found);
+    };
+    while (step())
     {
         printer.take(found);
         found.clear();

@@ -18,7 +18,10 @@ void cli_context::addJsonOption(CLI::App& command)
 
 void cli_context::print(std::string_view text)
 {
-    if (!text.empty() && std::fwrite(text.data(), 1, text.size(), stdout) != text.size() && m_exit_status == 0)
+    if (text.empty())
+        return;
+    m_progress.clear();
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() && m_exit_status == 0)
     {
         m_exit_status = 1;
         console::error("korvane: standard output cannot be written\n");
@@ -32,30 +35,26 @@ void cli_context::printJson(const json& document)
 
 void cli_context::note(const std::string& text)
 {
-    endProgress();
     if (!is_quiet)
-        console::error(text + "\n");
+        printError(text + "\n");
 }
 
 void cli_context::progress(const std::string& text)
 {
-    if (is_quiet || !console::isTerminal(stderr))
-        return;
-    console::error("\r\x1b[K" + text);
-    m_has_progress = true;
+    if (!is_quiet && console::isTerminal(stderr))
+        m_progress.show(text);
 }
 
-void cli_context::endProgress()
+void cli_context::printError(const std::string& text)
 {
-    if (m_has_progress)
-        console::error("\r\x1b[K");
-    m_has_progress = false;
+    m_progress.clear();
+    std::fflush(stdout); // results keep their place before it
+    console::error(text);
 }
 
 void cli_context::fail(const failure& why)
 {
-    endProgress();
-    console::error("korvane: " + displayText(describe(why)) + "\n");
+    printError("korvane: " + displayText(describe(why)) + "\n");
     m_exit_status = 1;
 }
 

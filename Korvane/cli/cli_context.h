@@ -5,6 +5,7 @@
 // callback does the work and, when something fails, says so with context.fail().
 
 #include "EASY_GUI/services/failure.h"
+#include "Korvane/cli/progress_line.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -37,19 +38,26 @@ public:
     void printJson(const json& document);
     // A line for the person at the terminal, on standard error; silent with --quiet.
     void note(const std::string& text);
-    // Progress of long work, in place on one line; only when standard error is a terminal and --quiet is not given.
+    // Progress of long work, in place on one line; only when standard error is a terminal, --quiet is not given, and
+    // the program has been running for more than a second. Whatever is printed next takes the line's place.
     void progress(const std::string& text);
+    void showProgressAtOnce() { m_progress.showAtOnce(); } // for tests
 
     // Prints "korvane: " and the failure on standard error and makes the exit status 1.
     void fail(const failure& why);
 
+    // The file that is being worked on, named when memory runs out.
+    void workOn(const std::string& path) { m_current_file = path; }
+    const std::string& currentFile() const { return m_current_file; }
+
     int exitStatus() const { return m_exit_status; }
 
 private:
-    void endProgress();
+    void printError(const std::string& text); // behind what was printed before, in place of progress
 
     int m_exit_status = 0;
-    bool m_has_progress = false;
+    std::string m_current_file;
+    progress_line m_progress;
 };
 
 // Checks of option values: a wrong one is a wrong command line (exit status 2).

@@ -2,6 +2,7 @@
 
 // What differs between consoles: arguments in UTF-8, byte-exact standard output, terminal or not.
 
+#include <cstddef>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -16,5 +17,7 @@ void prepare();
 // Writes a text to standard error at once, in one piece.
 void error(const std::string& text);
 [[nodiscard]] bool isTerminal(std::FILE* stream);
+// Of a terminal; 80 where it does not say.
+[[nodiscard]] std::size_t columns(std::FILE* stream);
 
 } // namespace korvane::console

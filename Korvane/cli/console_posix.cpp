@@ -1,5 +1,6 @@
 #include "Korvane/cli/console.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace korvane::console
@@ -21,6 +22,12 @@ void error(const std::string& text)
 bool isTerminal(std::FILE* stream)
 {
     return isatty(fileno(stream)) != 0;
+}
+
+std::size_t columns(std::FILE* stream)
+{
+    winsize size{};
+    return ioctl(fileno(stream), TIOCGWINSZ, &size) == 0 && size.ws_col > 1 ? size.ws_col : 80;
 }
 
 } // namespace korvane::console

@@ -45,4 +45,13 @@ bool isTerminal(std::FILE* stream)
     return _isatty(_fileno(stream)) != 0;
 }
 
+std::size_t columns(std::FILE* stream)
+{
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+    const bool is_known = GetConsoleScreenBufferInfo(handle, &info) != 0;
+    const int width = info.srWindow.Right - info.srWindow.Left + 1;
+    return is_known && width > 1 ? static_cast<std::size_t>(width) : 80;
+}
+
 } // namespace korvane::console

@@ -122,15 +122,15 @@ CLI::Validator replacement()
 bool openToEdit(cli_context& context, const std::string& operand, bool is_forced, rmv2_file& model, failure& why)
 {
     memory_file bytes;
-    if (!readOperand(context, operand, bytes, why))
+    if (!readModelOperand(context, operand, bytes, why))
         return false;
     if (!isVersion7OverVersion6(bytes.bytes()))
         return model.openFromMemory(std::move(bytes), operand, why);
     if (!is_forced)
         return fail(why, failure_kind::refused,
                     "the version word says 7, but the LOD headers are those of version 6: this model was saved again "
-                    "after it had been patched, and neither the games nor other commands can read it. korvane patch "
-                    "--repair makes a version 7 file of it; --force edits it as it is",
+                    "after it had been patched, and the games cannot read it. korvane patch --repair makes a version 7 "
+                    "file of it; --force edits it as it is",
                     operand);
     return openMixedVersions(model, std::move(bytes), operand, why);
 }
@@ -230,7 +230,7 @@ void addEditCommand(CLI::App& app, cli_context& context)
         {
             if (!options->is_dry_run && options->output.empty())
                 throw CLI::RequiredError("-o or --dry-run");
-            forEachModel(context, options->models, options->is_dry_run ? std::string() : options->output,
+            forEachModel(context, options->models, {options->output, options->is_dry_run},
                          [&](const std::string& model, const std::string& out, failure& why)
                          {
                              return editModel(context, *options, model, out, why);

@@ -85,15 +85,28 @@ bool hasDataFolders(const cli_context& context)
 
 bool readOperand(cli_context& context, const std::string& operand, memory_file& bytes, failure& why)
 {
+    context.workOn(operand);
     return (!isPackPath(operand) || loadArchives(context, why)) && readGameFile(operand, bytes, why);
+}
+
+bool readModelOperand(cli_context& context, const std::string& operand, memory_file& bytes, failure& why)
+{
+    context.workOn(operand);
+    return isPackPath(operand) ? readOperand(context, operand, bytes, why) : readModelFile(operand, bytes, why);
 }
 
 bool openModel(cli_context& context, const std::string& operand, rmv2_file& model, failure& why)
 {
-    if (!isPackPath(operand))
-        return model.open(operand, why);
+    context.workOn(operand);
     memory_file bytes;
-    return readOperand(context, operand, bytes, why) && model.openFromMemory(std::move(bytes), operand, why);
+    const bool is_open = isPackPath(operand) ? readOperand(context, operand, bytes, why) &&
+                                                   model.openFromMemory(std::move(bytes), operand, why)
+                                             : model.open(operand, why);
+    if (is_open && isVersion7OverVersion6(model.image().bytes()))
+        context.note(displayText(operand) +
+                     ": the version word says 7, but the LOD headers are those of version 6, and the games cannot read "
+                     "that; korvane patch --repair makes a version 7 file of it");
+    return is_open;
 }
 
 } // namespace korvane

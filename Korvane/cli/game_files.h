@@ -22,6 +22,8 @@ namespace korvane
 
 // Reads what an operand names, from the disk or out of the archives.
 [[nodiscard]] bool readOperand(cli_context& context, const std::string& operand, memory_file& bytes, failure& why);
+[[nodiscard]] bool readModelOperand(cli_context& context, const std::string& operand, memory_file& bytes, failure& why);
+// A note tells of a model that can be read although its version word contradicts its headers.
 [[nodiscard]] bool openModel(cli_context& context, const std::string& operand, rmv2_file& model, failure& why);
 
 } // namespace korvane

@@ -6,9 +6,11 @@
 #include "Korvane/cli/console.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <exception>
 #include <new>
 #include <sstream>
+#include <utility>
 
 namespace
 {
@@ -32,16 +34,23 @@ bool hasCommand(const CLI::App& app, const std::string& name)
     return !app.get_subcommands(isNamed).empty();
 }
 
-// The library only says that a command is missing where an unknown one stands.
-std::string whatIsWrong(const CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& arguments)
+// The last of the commands that were understood, and all of them with a blank behind each.
+std::pair<const CLI::App*, std::string> understood(const CLI::App& app)
 {
-    const CLI::App* last = &app; // of the commands that were understood
-    std::string before;
+    const CLI::App* last = &app;
+    std::string names;
     while (!last->get_subcommands().empty())
     {
         last = last->get_subcommands().front();
-        before += last->get_name() + " ";
+        names += last->get_name() + " ";
     }
+    return {last, names};
+}
+
+// The library only says that a command is missing where an unknown one stands.
+std::string whatIsWrong(const CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& arguments)
+{
+    const auto [last, before] = understood(app);
     const auto isAny = [](const CLI::App*)
     {
         return true;
@@ -66,11 +75,15 @@ void addSharedOptions(CLI::App& app, cli_context& context)
         ->type_name("FILE");
     app.add_flag("--no-cache", context.is_without_cache, "Index the archives again instead of using packs.cache");
     app.add_flag("--quiet", context.is_quiet, "No progress and no notes on standard error");
+    const auto showAtOnce = [&context](std::int64_t)
+    {
+        context.showProgressAtOnce();
+    };
+    app.add_flag("--progress-at-once", showAtOnce)->group(""); // for tests: not in the help
 }
 
-int run(const std::vector<std::string>& arguments)
+int run(const std::vector<std::string>& arguments, cli_context& context)
 {
-    cli_context context;
     CLI::App app("Reads, converts and checks the models, archives and animations of Total War games.", "korvane");
     app.allow_windows_style_options(false); // a path may begin with '/'
     app.set_version_flag("--version", std::string(program_name) + " " + std::string(program_version));
@@ -109,7 +122,8 @@ int run(const std::vector<std::string>& arguments)
     }
     catch (const CLI::ParseError& error)
     {
-        console::error("korvane: " + whatIsWrong(app, error, arguments) + " (see korvane --help)\n");
+        console::error("korvane: " + whatIsWrong(app, error, arguments) + " (see korvane " + understood(app).second +
+                       "--help)\n");
         return 2;
     }
     return context.exitStatus();
@@ -120,9 +134,10 @@ int run(const std::vector<std::string>& arguments)
 int main(int count, char** values)
 {
     console::prepare();
+    cli_context context;
     try
     {
-        const int status = run(console::arguments(count, values));
+        const int status = run(console::arguments(count, values), context);
         if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
             return status;
         if (status == 0)
@@ -131,11 +146,11 @@ int main(int count, char** values)
     }
     catch (const std::bad_alloc&)
     {
-        console::error("korvane: not enough memory\n");
+        context.fail({failure_kind::unreadable, "not enough memory", context.currentFile(), 0, ""});
     }
     catch (const std::exception& error)
     {
-        console::error(("korvane: " + oneLine(error.what()) + "\n"));
+        context.fail({failure_kind::refused, oneLine(error.what()), "", 0, ""});
     }
     return 1;
 }

@@ -5,6 +5,7 @@
 #include "Korvane/archives/extraction_folder.h"
 
 #include <filesystem>
+#include <new>
 #include <system_error>
 
 namespace korvane
@@ -23,19 +24,42 @@ bool createFolder(const std::string& path, failure& why)
     return !error || fail(why, failure_kind::unwritable, "the folder cannot be created: " + error.message(), path);
 }
 
-void forEachModel(cli_context& context, const std::vector<std::string>& models, const std::string& output,
+namespace
+{
+
+bool attempt(const model_work& work, const std::string& model, const std::string& output, failure& why)
+{
+    try
+    {
+        return work(model, output, why);
+    }
+    catch (const std::bad_alloc&)
+    {
+        return fail(why, failure_kind::unreadable, "not enough memory", model);
+    }
+}
+
+} // namespace
+
+void forEachModel(cli_context& context, const std::vector<std::string>& models, const model_output& output,
                   const model_work& work)
 {
     failure why;
-    if (models.size() == 1 && !isFolder(output))
+    if (models.size() == 1 && !isFolder(output.path))
     {
-        if (!work(models.front(), output, why))
+        if (!attempt(work, models.front(), output.path, why))
             context.fail(why);
         return;
     }
-    if (!output.empty() && !createFolder(output, why))
+    if (!output.is_dry_run && !createFolder(output.path, why))
         return context.fail(why);
-    extraction_folder folder(output);
+    extraction_folder folder(output.path);
+    const auto place = [&](const std::string& name, std::string& target, failure& reason)
+    {
+        if (output.is_dry_run)
+            return output.path.empty() || folder.locate(name, target, reason);
+        return folder.place(name, target, reason);
+    };
     std::size_t failed = 0;
     for (std::size_t i = 0; i < models.size(); ++i)
     {
@@ -43,7 +67,7 @@ void forEachModel(cli_context& context, const std::vector<std::string>& models, 
                          displayText(models[i]));
         failure reason;
         std::string target;
-        if ((output.empty() || folder.place(fileName(models[i]), target, reason)) && work(models[i], target, reason))
+        if (place(std::string(fileName(models[i])), target, reason) && attempt(work, models[i], target, reason))
             continue;
         if (reason.path == fileName(models[i])) // of the folder's refusals: say which of the models it is
             reason.path = models[i];
@@ -54,8 +78,8 @@ void forEachModel(cli_context& context, const std::vector<std::string>& models, 
     }
     if (failed > 0)
         context.fail({failure_kind::refused,
-                      std::to_string(failed) + " of " + std::to_string(models.size()) + " models failed", output, 0,
-                      ""});
+                      std::to_string(failed) + " of " + std::to_string(models.size()) + " models failed", output.path,
+                      0, ""});
 }
 
 } // namespace korvane

@@ -27,7 +27,7 @@ bool patchModel(cli_context& context, bool is_repair, const std::string& operand
                 failure& why)
 {
     memory_file bytes;
-    if (!readOperand(context, operand, bytes, why))
+    if (!readModelOperand(context, operand, bytes, why))
         return false;
     if (isVersion7OverVersion6(bytes.bytes()))
     {
@@ -62,7 +62,7 @@ void addPatchCommand(CLI::App& app, cli_context& context)
     command->callback(
         [options, &context]
         {
-            forEachModel(context, options->models, options->output,
+            forEachModel(context, options->models, {options->output},
                          [&](const std::string& model, const std::string& output, failure& why)
                          {
                              return patchModel(context, options->is_repair, model, output, why);

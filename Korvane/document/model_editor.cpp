@@ -87,6 +87,20 @@ std::vector<std::byte> bytesOf(const fixed_field& field)
     return {field.bytes().begin(), field.bytes().end()};
 }
 
+// As much of a path as the field holds, without half a character at its end.
+std::string cutToFit(const fixed_field& field, std::string_view path)
+{
+    if (!field.isWide())
+        return std::string(path.substr(0, utf8Cut(path, field.textCapacity())));
+    std::u16string units = utf16FromUtf8(path);
+    if (units.size() <= field.textCapacity())
+        return std::string(path);
+    units.resize(field.textCapacity());
+    if (units.back() >= 0xd800 && units.back() < 0xdc00) // the first unit of two
+        units.pop_back();
+    return utf8FromUtf16(units);
+}
+
 bool beginsWithPath(std::string_view path, std::string_view wanted)
 {
     return path.size() >= wanted.size() && std::equal(wanted.begin(), wanted.end(), path.begin(),
@@ -210,12 +224,19 @@ group_data* model_editor::groupAt(group_place place, failure& why)
 void model_editor::setPath(edit_step& step, fixed_field& field, std::string_view path, const std::string& place,
                            edit_result& result)
 {
-    const std::size_t length = field.isWide() ? utf16FromUtf8(path).size() : path.size();
-    if (length > field.textCapacity())
-        result.notes.push_back(place + ": the path has " + std::to_string(length) + " characters and is cut to " +
-                               std::to_string(field.textCapacity()));
+    const std::string fitting = cutToFit(field, path);
+    if (fitting != path)
+    {
+        const auto length = [&field](std::string_view text)
+        {
+            return std::to_string(field.isWide() ? utf16FromUtf8(text).size() : text.size());
+        };
+        result.notes.push_back(place + ": the path has " + length(path) +
+                               (field.isWide() ? " characters of 16 bits" : " bytes") + " and is cut to " +
+                               length(fitting));
+    }
     std::vector<std::byte> before = bytesOf(field);
-    field.setText(path);
+    field.setText(fitting);
     addEdit(step, field, std::move(before));
 }
 
@@ -281,7 +302,9 @@ std::string describe(const field_change& change)
 {
     return (change.texture ? placeText(change.lod, change.group, *change.texture)
                            : placeText(change.lod, change.group) + ", alpha mode") +
-           ": " + change.before + " -> " + change.after;
+           ": " + change.before +
+           (change.before == change.after ? " (the path stays; what stands behind its end in the file is cleared)"
+                                          : " -> " + change.after);
 }
 
 } // namespace korvane

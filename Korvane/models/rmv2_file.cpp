@@ -4,6 +4,7 @@
 #include "Korvane/models/rmv2_reader.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace korvane
@@ -11,6 +12,8 @@ namespace korvane
 
 namespace
 {
+
+constexpr std::string_view model_magic = "RMV2";
 
 std::string last_model_error;
 
@@ -31,6 +34,24 @@ influence_layout influenceLayout(std::uint16_t format)
 }
 
 } // namespace
+
+bool readModelFile(const std::string& path, memory_file& image, failure& why)
+{
+    constexpr std::size_t longest_header = 12 + 2 * 128;
+    memory_file start;
+    std::uint64_t size = 0;
+    if (!start.readStart(path, longest_header, size, why))
+        return false;
+    if (start.text().starts_with(model_magic) && size > std::numeric_limits<std::uint32_t>::max())
+        return fail(why, failure_kind::malformed,
+                    std::to_string(size) + " bytes are more than the " +
+                        std::to_string(std::numeric_limits<std::uint32_t>::max()) + " that a model may have",
+                    path);
+    if (start.text().starts_with(model_magic) && size > longest_header)
+        return image.read(path, why);
+    image = std::move(start);
+    return true;
+}
 
 bool isVersion7OverVersion6(std::span<const std::byte> image)
 {
@@ -58,7 +79,7 @@ bool rmv2_file::open(const std::string& path, failure& why)
     m_name = file.substr(0, file.find('.'));
 
     memory_file image;
-    if (!image.read(path, why))
+    if (!readModelFile(path, image, why))
     {
         m_error_code = 4;
         return false;

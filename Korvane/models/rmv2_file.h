@@ -88,6 +88,10 @@ private:
     bool m_wide_text = false; // never cleared
 };
 
+// Reads a model's bytes from the disk. Of a file that does not begin as a model does only the first bytes, of which
+// opening them says what is wrong; one with more bytes than the format's 32-bit offsets reach is refused unread.
+[[nodiscard]] bool readModelFile(const std::string& path, memory_file& image, failure& why);
+
 // True for an image whose version word says 7 while its LOD headers have the 20 bytes of version 6: what a save makes
 // of a model after it was patched (rmv2_writer.h). Such a file with several LODs cannot be read as it stands.
 [[nodiscard]] bool isVersion7OverVersion6(std::span<const std::byte> image);

@@ -14,6 +14,7 @@ import struct
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 import model_oracle
@@ -97,8 +98,38 @@ class command_line(cli_case):
         self.write("real.cfg", b"a = \"1\";")
         korvane("config", "add", "b", "2", "--config", self.path("link.cfg"), check=0)
         self.assertTrue(os.path.islink(self.path("link.cfg")))
-        with open(self.path("real.cfg"), "rb") as file:
-            self.assertIn(b"b = ", file.read())
+        self.assertIn(b"b = ", read(self.path("real.cfg")))
+        model = self.write("model", small_model(0, 32, 3, bytes(96), b"name"))
+        os.symlink("later", self.path("dangling"))  # leads to a file that is not there yet
+        korvane("edit", model, "-o", self.path("dangling"), check=0)
+        self.assertTrue(os.path.islink(self.path("dangling")))
+        self.assertEqual(read(self.path("later")), read(model))
+        os.symlink("circle", self.path("circle"))
+        self.expect_failure(["edit", model, "-o", self.path("circle")], 1, "leads in a circle")
+
+    def test_a_large_file_is_refused_by_its_first_bytes(self):
+        if is_windows:
+            self.skipTest("a sparse file takes its whole size there")
+        for start, text in ((b"no model", "does not begin with \"RMV2\""), (b"RMV2\7\0\0\0", "4294967295")):
+            path = self.write("large.rigid_model_v2", start)
+            os.truncate(path, 5 << 30)
+            for command in (["info"], ["check"], ["edit", "--dry-run"], ["patch", "-o", self.path("x")]):
+                begin = time.monotonic()
+                status, out, err = korvane(command[0], path, *command[1:])
+                self.assertEqual(status, 1)
+                self.assertIn(text, (out + err).decode())
+                self.assertLess(time.monotonic() - begin, 2)
+
+    def test_when_memory_runs_out_the_file_is_named(self):
+        if is_windows or is_sanitized:
+            self.skipTest("needs a limit of address space")
+        path = self.write("much.rigid_model_v2", small_model(0, 32, 500000, bytes(16000000), b"name"))
+        limited = ["sh", "-c", "ulimit -v 60000; exec \"$@\"", "sh"] + program
+        for command in (["info", path], ["edit", path, "--dry-run"], ["check", path]):
+            done = subprocess.run(limited + command, capture_output=True, timeout=60)
+            self.assertEqual(done.returncode, 1)
+            self.assertIn("not enough memory", (done.stdout + done.stderr).decode())
+            self.assertIn(path, (done.stdout + done.stderr).decode())
 
     def test_help_and_version(self):
         for arguments in (["--help"], ["info", "--help"]):

@@ -80,10 +80,17 @@ class saving(edit_case):
     def test_a_long_path_is_cut_to_255_characters_and_a_zero(self):
         path = self.models["demo_guard"]
         err = self.edit(path, "-o", self.out, "--texture", "0:0:1=" + "p" * 300)[1]
-        self.assertIn("300 characters and is cut to 255", err)
+        self.assertIn("300 bytes and is cut to 255", err)
         self.same(self.out, edit_oracle.edited(read(path), {(0, 0, 1): "p" * 300}, {}))
         at = edit_oracle.places(read(path))[0][0][0][1]
         self.assertEqual(read(self.out)[at + 254:at + 256], b"p\0")
+        for name, cut in (("demo_guard", "400 bytes and is cut to 254"),
+                          ("demo_guard_v5", "300 characters of 16 bits and is cut to 254")):
+            character = "\u00fc" if name == "demo_guard" else "\U00010348"  # two units of the field each
+            wanted = "0:0:1=" + character * (200 if name == "demo_guard" else 150)
+            out, err = self.edit(self.models[name], "--dry-run", "--texture", wanted)
+            self.assertIn(cut, err)
+            self.assertIn(" -> " + character * 127 + "\n", out)
 
     def test_the_output_may_be_the_model_itself(self):
         path = self.write("in place.rigid_model_v2", read(self.models["demo_guard"]))
@@ -134,7 +141,15 @@ class saving(edit_case):
         self.assertIn(" -> new.dds\n", out)
         self.assertIn("LOD 1, group 0, alpha mode: 0 (Alpha Off) -> 0xFFFFFFFF (Metal/Reflections)", out)
         self.edit(path, self.models["demo_column"], "-o", self.path("folder"), "--dry-run", "--replace", "a=b")
+        err = self.edit(path, path, "-o", self.path("folder"), "--dry-run", check=1)[1]
+        self.assertIn("the same path on the disk", err)
         self.assertEqual(os.listdir(self.folder), [])
+        name = json.loads(korvane("info", path, "--json", check=0)[1])["lods"][0]["groups"][0]["textures"][0]["path"]
+        data = bytearray(read(path))
+        same = ["--dry-run", "--texture", "0:0:0=" + name]
+        self.assertIn("0 changes", self.edit(path, *same)[0])
+        data[edit_oracle.places(data)[0][0][0][0] + 200] = 7
+        self.assertRegex(self.edit(self.write("junk", bytes(data)), *same)[0], r"1 change\n.* \(the path stays")
 
     def test_several_models_go_into_a_folder_and_a_bad_one_does_not_stop_the_rest(self):
         good = [self.models[name] for name in ("demo_guard", "demo_column")]
@@ -214,6 +229,9 @@ class patching(edit_case):
         self.expect_failure(["edit", path, "-o", self.out] + edits, 1, "LOD headers are those of version 6", "--force")
         self.expect_failure(["patch", path, "-o", self.out], 1, "already version 7!", "--repair")
         self.expect_failure(["info", path], 1, "headers are those of version 6", "--repair")
+        alone = edit_oracle.unpatched(cli_tests.small_model(0, 32, 3, bytes(96), b"one"))
+        alone = self.write("alone", edit_oracle.with_version_word(alone, 7))
+        self.assertIn(b"headers are those of version 6", korvane("info", alone, check=0)[2])
         self.assertFalse(os.path.exists(self.out))
         self.edit(path, "-o", self.out, "--force", *edits)
         self.same(self.out, edit_oracle.edited(mixed, {(2, 0, 0): "x.dds"}, {(0, 0): 1}, 6))
