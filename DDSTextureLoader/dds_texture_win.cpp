@@ -51,6 +51,10 @@ D3D11_SHADER_RESOURCE_VIEW_DESC viewDescription(const dds_image& image, DXGI_FOR
 bool createDdsTexture(ID3D11Device& device, const dds_image& image, com_ptr<ID3D11ShaderResourceView>& view,
                       failure& why)
 {
+    if (image.format == dds_format::unknown)
+        return fail(why, failure_kind::unsupported,
+                    "a graphics device has no format for these pixels (" + std::to_string(image.layout.bytes * 8) +
+                        " bits each)");
     if (isBlockCompressed(image.format) && (image.width % 4 != 0 || image.height % 4 != 0))
         return fail(why, failure_kind::unsupported,
                     "a block-compressed texture must be a multiple of 4 pixels wide and high, but this one is " +

@@ -2,9 +2,9 @@
 
 #include "EASY_GUI/services/byte_reader.h"
 #include "Korvane/models/half_float.h"
+#include "Korvane/textures/channel_bytes.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace korvane
 {
@@ -60,7 +60,7 @@ std::array<std::uint8_t, 16> decodeChannel(const std::byte* block, bool is_signe
     const int first = std::max(endPoint(bits), -127), second = std::max(endPoint(bits >> 8), -127);
     const auto toByte = [is_signed](int value)
     {
-        return is_signed ? byteOfSigned(value) : static_cast<std::uint8_t>(value);
+        return is_signed ? byteOfSigned(value, 127) : static_cast<std::uint8_t>(value);
     };
     std::array<std::uint8_t, 8> palette = {toByte(first), toByte(second)};
     for (int i = 1; i < steps; ++i)
@@ -98,39 +98,24 @@ void decodePair(const std::byte* block, bool is_signed, block_pixels& pixels)
         pixels[i] = rgba(red[i], green[i], 0, 255);
 }
 
-std::uint8_t roundedByte(double unit)
+// By the bits of a half: an array is faster than a search for each pixel.
+const std::array<std::uint8_t, 65536>& lightOfHalves()
 {
-    return static_cast<std::uint8_t>(unit * 255 + 0.5);
-}
-
-struct half_tables
-{
-    std::array<std::uint8_t, 65536> plain;
-    std::array<std::uint8_t, 65536> curved;
-
-    half_tables()
+    static const auto table = []
     {
-        for (std::uint32_t bits = 0; bits < 65536; ++bits)
-        {
-            const double value = halfToFloat(static_cast<std::uint16_t>(bits));
-            const double unit = value > 0 ? std::min(value, 1.0) : 0.0; // what is no number is not above 0
-            plain[bits] = roundedByte(unit);
-            curved[bits] = roundedByte(unit <= 0.0031308 ? unit * 12.92 : 1.055 * std::pow(unit, 1 / 2.4) - 0.055);
-        }
-    }
-};
-
-const half_tables& halfTables()
-{
-    static const half_tables tables;
-    return tables;
+        std::array<std::uint8_t, 65536> bytes;
+        for (std::uint32_t bits = 0; bits < bytes.size(); ++bits)
+            bytes[bits] = byteOfLight(halfToFloat(static_cast<std::uint16_t>(bits)));
+        return bytes;
+    }();
+    return table;
 }
 
 void decodeLight(const std::byte* block, bool is_signed, block_pixels& pixels)
 {
     block_halves halves;
     decodeBc6hHalves(block, is_signed, halves);
-    const auto& curved = halfTables().curved;
+    const auto& curved = lightOfHalves();
     for (std::size_t i = 0; i < 16; ++i)
         pixels[i] = rgba(curved[halves[i][0]], curved[halves[i][1]], curved[halves[i][2]], 255);
 }
@@ -189,16 +174,6 @@ void decodeBc6hUnsigned(const std::byte* block, block_pixels& pixels)
 void decodeBc6hSigned(const std::byte* block, block_pixels& pixels)
 {
     decodeLight(block, true, pixels);
-}
-
-std::uint8_t byteOfLight(std::uint16_t half)
-{
-    return halfTables().curved[half];
-}
-
-std::uint8_t byteOfHalf(std::uint16_t half)
-{
-    return halfTables().plain[half];
 }
 
 } // namespace korvane

@@ -26,16 +26,6 @@ void decodeBc6hUnsigned(const std::byte* block, block_pixels& pixels);
 void decodeBc6hSigned(const std::byte* block, block_pixels& pixels);
 void decodeBc7(const std::byte* block, block_pixels& pixels);
 
-// The bits of a 16-bit float as a byte: cut to 0..1; with the sRGB curve, or without it.
-[[nodiscard]] std::uint8_t byteOfLight(std::uint16_t half);
-[[nodiscard]] std::uint8_t byteOfHalf(std::uint16_t half);
-// A signed channel, -1..1 as -127..127 (-128 counts as -127), moved to 0..255.
-[[nodiscard]] constexpr std::uint8_t byteOfSigned(int value)
-{
-    const int shifted = (value < -127 ? -127 : value) + 127;
-    return static_cast<std::uint8_t>((shifted * 255 + 127) / 254);
-}
-
 // The three channels of a BC6H block as bits of 16-bit floats, before they become bytes.
 using block_halves = std::array<std::array<std::uint16_t, 3>, 16>;
 void decodeBc6hHalves(const std::byte* block, bool is_signed, block_halves& pixels);

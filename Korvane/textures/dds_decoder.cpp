@@ -1,7 +1,7 @@
 #include "Korvane/textures/dds_decoder.h"
 
-#include "EASY_GUI/services/byte_reader.h"
 #include "Korvane/textures/block_decoder.h"
+#include "Korvane/textures/pixel_decoder.h"
 
 #include <algorithm>
 #include <atomic>
@@ -50,53 +50,15 @@ block_decoder decoderOf(dds_format format)
     }
 }
 
-rgba_pixel withoutAlpha(rgba_pixel pixel)
-{
-    return pixel | 0xff000000;
-}
-
-rgba_pixel fromBgra(rgba_pixel pixel)
-{
-    return (pixel & 0xff00ff00) | (pixel & 0xff) << 16 | (pixel >> 16 & 0xff);
-}
-
-rgba_pixel fromHalves(const std::byte* at)
-{
-    const auto half = [at](std::size_t index)
-    {
-        return littleEndian<std::uint16_t>(at + index * 2);
-    };
-    return rgba(byteOfLight(half(0)), byteOfLight(half(1)), byteOfLight(half(2)), byteOfHalf(half(3)));
-}
-
-rgba_pixel plainPixel(dds_format format, const std::byte* row, std::size_t x)
-{
-    switch (format)
-    {
-    case dds_format::rgba16_float:
-        return fromHalves(row + x * 8);
-    case dds_format::rg8:
-        return withoutAlpha(littleEndian<std::uint16_t>(row + x * 2));
-    case dds_format::r8:
-        return withoutAlpha(std::to_integer<unsigned>(row[x]) * 0x010101);
-    case dds_format::bgra8:
-    case dds_format::bgra8_srgb:
-        return fromBgra(littleEndian<std::uint32_t>(row + x * 4));
-    case dds_format::bgrx8:
-    case dds_format::bgrx8_srgb:
-        return withoutAlpha(fromBgra(littleEndian<std::uint32_t>(row + x * 4)));
-    default: // rgba8
-        return littleEndian<std::uint32_t>(row + x * 4);
-    }
-}
-
 // Decodes the rows of one subresource, of pixels or of blocks; target begins with its first row.
 class row_decoder
 {
 public:
-    row_decoder(dds_format format, const dds_subresource& part, std::span<rgba_pixel> target)
-        : m_format(format)
-        , m_decoder(decoderOf(format))
+    // plain is used for formats without blocks.
+    row_decoder(block_decoder blocks, const pixel_decoder& plain, const dds_subresource& part,
+                std::span<rgba_pixel> target)
+        : m_decoder(blocks)
+        , m_plain(plain)
         , m_part(part)
         , m_target(target)
     {
@@ -105,17 +67,13 @@ public:
     void decode(std::uint32_t row) const
     {
         const std::byte* const source = m_part.bytes.data() + std::size_t{row} * m_part.row_pitch;
-        m_decoder ? decodeBlocks(row, source) : decodePixels(row, source);
+        if (m_decoder)
+            decodeBlocks(row, source);
+        else
+            m_plain.decode(source, m_target.subspan(std::size_t{row} * m_part.width, m_part.width));
     }
 
 private:
-    void decodePixels(std::uint32_t row, const std::byte* source) const
-    {
-        rgba_pixel* const target = m_target.data() + std::size_t{row} * m_part.width;
-        for (std::size_t x = 0; x < m_part.width; ++x)
-            target[x] = plainPixel(m_format, source, x);
-    }
-
     void decodeBlocks(std::uint32_t row, const std::byte* source) const
     {
         const std::size_t block_bytes = m_part.row_pitch / ((m_part.width + 3) / 4);
@@ -131,8 +89,8 @@ private:
         }
     }
 
-    dds_format m_format;
-    block_decoder m_decoder; // null for formats without blocks
+    block_decoder m_decoder;
+    const pixel_decoder& m_plain;
     const dds_subresource& m_part;
     std::span<rgba_pixel> m_target;
 };
@@ -173,11 +131,13 @@ bool decodeDds(const dds_image& image, picture& target, failure& why)
                         std::to_string(image.height) + " pixels are more than the " +
                         std::to_string(max_picture_pixels) + " pixels of a picture");
     picture result(image.width, image.height * image.array_size);
+    const block_decoder blocks = decoderOf(image.format);
+    const pixel_decoder plain(blocks ? dds_layout{} : image.layout, result.pixelCount());
     for (std::uint32_t surface = 0; surface < image.array_size; ++surface)
     {
         const dds_subresource& part = image.subresource(surface, 0);
-        decodePart(row_decoder(image.format, part, result.pixels().subspan(surface * surface_pixels, surface_pixels)),
-                   part);
+        const auto target_part = result.pixels().subspan(surface * surface_pixels, surface_pixels);
+        decodePart(row_decoder(blocks, plain, part, target_part), part);
     }
     target = std::move(result);
     return true;

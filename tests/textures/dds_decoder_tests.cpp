@@ -122,6 +122,99 @@ std::vector<rgba_pixel> decoded(const test::test_dds& file)
     return {target.pixels().begin(), target.pixels().end()};
 }
 
+// A file of one row of four pixels, or of fewer that are followed by zeros.
+test::test_dds row(test::test_dds file, const std::string& pixels)
+{
+    file.height = 1;
+    file.pixels = pixels + std::string(64, '\0');
+    return file;
+}
+
+test::test_dds masked(std::uint32_t bits, std::uint32_t flags, const std::vector<std::uint32_t>& masks,
+                      const std::string& pixels)
+{
+    test::test_dds file;
+    file.bits = bits;
+    file.pixel_flags = flags;
+    file.masks = masks;
+    return row(file, pixels);
+}
+
+// Computed by hand from the bits; text literals hold a pixel's bytes, lowest first.
+TEST(DdsDecoder, UncompressedPixelsOfEveryKind)
+{
+    using test::test_dds;
+    using namespace std::string_literals;
+    const struct
+    {
+        const char* name;
+        test_dds file;
+        std::vector<rgba_pixel> first;
+    } rows[] = {
+        {"24 bits", masked(24, 0x40, {0xff0000, 0xff00, 0xff, 0}, "\1\2\3\4\5\6"), {0xff010203, 0xff040506}},
+        {"junk above 24 bits", masked(32, 0x40, {0xff, 0xff00, 0xff0000, 0}, "\1\2\3\4"), {0xff030201}},
+        {"alpha without its flag", masked(32, 0x40, {0xff, 0xff00, 0xff0000, 0xff000000}, "\1\2\3\4"), {0xff030201}},
+        // 10000 = 131.6, 100000 = 129.5 (rounded up), 00001 = 8.2
+        {"565", masked(16, 0x40, {0xf800, 0x7e0, 0x1f, 0}, "\x01\x84"), {rgba(132, 130, 8, 255)}},
+        {"1555", masked(16, 0x41, {0x7c00, 0x3e0, 0x1f, 0x8000}, "\x1f\x40\xff\xff"), {rgba(132, 0, 255, 0), ~0u}},
+        {"4444", masked(16, 0x41, {0xf00, 0xf0, 0xf, 0xf000}, "\x34\x12"), {rgba(34, 51, 68, 17)}},
+        {"332", masked(8, 0x40, {0xe0, 0x1c, 3, 0}, "\x25"), {rgba(36, 36, 85, 255)}},
+        {"grey and alpha in a byte", masked(8, 0x20001, {0xf, 0, 0, 0xf0}, "\x12"), {rgba(34, 34, 34, 17)}},
+        {"grey of 16 bits", masked(16, 0x20000, {0xffff, 0, 0, 0}, "\x81\x01"), {rgba(1, 1, 1, 255)}}, // 1.498
+        {"grey of 32 bits", masked(32, 0x20000, {0xffffffff, 0, 0, 0}, "\xff\xff\xff\x7f"), {rgba(127, 127, 127, 255)}},
+        {"alpha alone", masked(8, 2, {0, 0, 0, 0xff}, "\x12"), {0x12000000}},
+        {"signed pair",
+         masked(16, 0x80000, {0xff, 0xff00, 0, 0}, "\x81\x7f\x80\0"s),
+         {rgba(0, 255, 0, 255), rgba(0, 128, 0, 255)}},
+        {"code 36", row(test_dds::coded("\x24\0\0\0"s, 0), "\0\x80\xff\xff\0\0\x01\x01"s), {rgba(128, 255, 0, 1)}},
+        {"10, 10, 10, 2", row(test_dds::dx10(24, 0), "\xff\x03\x00\x60"s), {rgba(255, 0, 128, 85)}},
+        {"signed bytes", row(test_dds::dx10(31, 0), "\x80\x81\x00\x7f"s), {rgba(0, 0, 128, 255)}},
+        {"alpha in DX10", row(test_dds::dx10(65, 0), "\x34"), {0x34000000}},
+        // 1.0 is 0x3c0 of 11 bits and 0x1e0 of 10; 0.5 is 0x380 and 0.25 0x340: 188 and 137 with the curve.
+        {"small floats", row(test_dds::dx10(26, 0), "\x80\x03\x1a\x78"s), {rgba(188, 137, 255, 255)}},
+        // Exponent 16, the mantissas 256, 128, 0: 256 x 2^(16 - 24) = 1, then 0.5.
+        {"shared exponent", row(test_dds::dx10(67, 0), "\x00\x01\x01\x80"s), {rgba(255, 188, 0, 255)}},
+        {"floats", row(test_dds::dx10(2, 0), "\0\0\0\x3f\0\0\xc0\x7f\0\0\x80\xbf\0\0\0\x3f"s), {rgba(188, 0, 0, 128)}},
+        {"three floats",
+         row(test_dds::dx10(6, 0), "\0\0\0\x3f\0\0\x80\x7f\0\0\0\0\0\0\x80\x3f"s),
+         {rgba(188, 255, 0, 255), rgba(255, 0, 0, 255)}},
+        {"one half", row(test_dds::dx10(54, 0), "\x00\x38"s), {rgba(188, 188, 188, 255)}},
+    };
+    for (const auto& line : rows)
+    {
+        SCOPED_TRACE(line.name);
+        const std::vector<rgba_pixel> pixels = decoded(line.file);
+        ASSERT_EQ(pixels.size(), 4u);
+        for (std::size_t i = 0; i < line.first.size(); ++i)
+            EXPECT_EQ(pixels[i], line.first[i]) << "pixel " << i << std::hex << ": " << pixels[i];
+    }
+}
+
+// Large enough for tables instead of computing: the result must be the same.
+TEST(DdsDecoder, TablesSayWhatIsComputed)
+{
+    for (const std::uint32_t format : {2u, 10u, 11u, 24u, 26u, 31u, 35u, 67u, 86u})
+    {
+        test::test_dds small = test::test_dds::dx10(format, 0);
+        random_blocks source(format, 0);
+        for (int i = 0; i < 4; ++i)
+            for (const std::byte byte : source.next())
+                small.pixels += static_cast<char>(byte);
+        small.height = 1;
+        const std::vector<rgba_pixel> few = decoded(small);
+        test::test_dds large = small;
+        const std::size_t bytes = format == 2 ? 16 : format == 10 || format == 11 ? 8 : format == 86 ? 2 : 4;
+        large.width = large.height = 512;
+        large.pixels.clear();
+        for (int i = 0; i < 512 * 512 / 4; ++i)
+            large.pixels += small.pixels.substr(0, bytes * 4);
+        const std::vector<rgba_pixel> many = decoded(large);
+        ASSERT_EQ(many.size(), 512u * 512);
+        for (std::size_t i = 0; i < many.size(); i += 4099)
+            EXPECT_EQ(many[i], few[i % 4]) << format;
+    }
+}
+
 test::test_dds withPixels(test::test_dds file, const std::string& pixels)
 {
     file.pixels = pixels;
