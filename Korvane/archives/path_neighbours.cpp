@@ -36,9 +36,48 @@ std::uint64_t lettersOf(std::string_view name)
     return letters;
 }
 
-// Insertions, deletions and exchanged characters that make one name of the other; limit + 1 when there are more.
-std::size_t editDistance(std::string_view left, std::string_view right, std::size_t limit)
+std::size_t sharedStart(std::string_view left, std::string_view right)
 {
+    const auto ends = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
+    return static_cast<std::size_t>(ends.first - left.begin());
+}
+
+} // namespace
+
+std::string_view stemMeant(std::string_view path, std::string_view extension)
+{
+    std::string_view name = fileName(path);
+    const auto dropExtension = [&name](std::string_view ending)
+    {
+        const bool has_it = name.size() > ending.size() + 1 && endsWithIgnoringCase(name, ending) &&
+                            name[name.size() - ending.size() - 1] == '.';
+        if (has_it)
+            name.remove_suffix(ending.size() + 1);
+        return has_it;
+    };
+    const auto dropDots = [&name]
+    {
+        while (name.size() > 1 && (name.back() == '.' || name.back() == ' '))
+            name.remove_suffix(1);
+    };
+    dropDots();
+    bool has_extension = false;
+    for (; dropExtension(extension); has_extension = true)
+        dropDots();
+    const std::size_t dot = name.find_last_of('.');
+    if (has_extension || dot == name.npos)
+        return name;
+    const std::string_view other = name.substr(dot + 1);
+    constexpr std::size_t usual_length = 4; // a longer one belongs to the name, or is the extension cut short
+    if (other.size() <= usual_length || extension.starts_with(other))
+        dropExtension(other);
+    return name;
+}
+
+std::size_t nameDistance(std::string_view left, std::string_view right, std::size_t limit)
+{
+    if (left.size() > longest_name || right.size() > longest_name)
+        return limit + 1;
     std::array<std::size_t, longest_name + 1> row;
     for (std::size_t i = 0; i <= right.size(); ++i)
         row[i] = i;
@@ -59,15 +98,7 @@ std::size_t editDistance(std::string_view left, std::string_view right, std::siz
     return std::min(row[right.size()], limit + 1);
 }
 
-std::size_t sharedStart(std::string_view left, std::string_view right)
-{
-    const auto ends = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
-    return static_cast<std::size_t>(ends.first - left.begin());
-}
-
-} // namespace
-
-path_neighbours::path_neighbours(const path_tree& tree, std::string_view extension)
+path_neighbours::path_neighbours(const path_tree& tree, std::string_view extension) : m_extension(extension)
 {
     for (const pack_file_node* file : tree.files())
         if (file->extension() == extension && stemOf(file->internalPath()).size() <= longest_name)
@@ -82,13 +113,13 @@ path_neighbours::path_neighbours(const path_tree& tree, std::string_view extensi
                      });
 }
 
-std::string_view path_neighbours::nearest(std::string_view wanted) const
+path_neighbours::neighbour path_neighbours::nearest(std::string_view wanted) const
 {
-    const std::string_view name = stemOf(wanted);
+    const std::string_view name = stemMeant(wanted, m_extension);
     if (name.empty() || name.size() > longest_name)
         return {};
     if (const std::string_view elsewhere = sameName(name, wanted); !elsewhere.empty())
-        return elsewhere;
+        return {elsewhere, 0};
 
     const std::string_view folder = folderOf(wanted);
     const std::uint64_t letters = lettersOf(name);
@@ -105,7 +136,7 @@ std::string_view path_neighbours::nearest(std::string_view wanted) const
         const std::size_t longer = std::max(each.name.size(), name.size()) - std::min(each.name.size(), name.size());
         if (longer > allowed || static_cast<std::size_t>(std::popcount(each.letters & ~letters)) > allowed)
             continue;
-        const std::size_t distance = editDistance(name, each.name, allowed);
+        const std::size_t distance = nameDistance(name, each.name, allowed);
         if (distance > allowed)
             continue;
         const rank its_rank{distance, !is_beside, wanted.size() - sharedStart(wanted, each.path)};
@@ -115,7 +146,7 @@ std::string_view path_neighbours::nearest(std::string_view wanted) const
             best = each.path;
         }
     }
-    return best;
+    return {best, std::get<0>(best_rank)};
 }
 
 std::string_view path_neighbours::sameName(std::string_view name, std::string_view wanted) const

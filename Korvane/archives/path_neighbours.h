@@ -6,21 +6,36 @@
 
 #include "Korvane/archives/path_tree.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
 namespace korvane
 {
 
+// Of a path that should end in an extension (without its dot) the file's name without it: as it is, doubled, with a dot
+// behind it, or another one instead.
+[[nodiscard]] std::string_view stemMeant(std::string_view path, std::string_view extension);
+
+// Insertions, deletions and exchanged characters that make one name of the other; more than limit when there are more,
+// or when a name is longer than 255.
+[[nodiscard]] std::size_t nameDistance(std::string_view left, std::string_view right, std::size_t limit);
+
 class path_neighbours
 {
 public:
     path_neighbours(const path_tree& tree, std::string_view extension); // without the dot, lower case
 
-    // wanted has the form of the archives (lower case, '\'). Empty when nothing is near enough to be meant: names may
-    // differ by a quarter of their characters, or by a third inside the same folder.
-    [[nodiscard]] std::string_view nearest(std::string_view wanted) const;
+    struct neighbour
+    {
+        std::string_view path;    // empty: nothing is near enough to be meant
+        std::size_t distance = 0; // of the names; 0: the same in another folder
+    };
+    // wanted has the form of the archives (lower case, '\'). Names may differ by a quarter of their characters, or by a
+    // third inside the same folder; what stands in the place of the extension does not count.
+    [[nodiscard]] neighbour nearest(std::string_view wanted) const;
 
 private:
     struct candidate
@@ -32,6 +47,7 @@ private:
 
     std::string_view sameName(std::string_view name, std::string_view wanted) const;
 
+    std::string m_extension;
     std::vector<candidate> m_candidates; // by name, then path
 };
 

@@ -44,7 +44,7 @@ struct chain_link
 class reference_resolver
 {
 public:
-    reference_resolver(std::size_t text_bytes, const variant_tag& root, std::vector<std::string>& problems)
+    reference_resolver(std::size_t text_bytes, const variant_tag& root, std::vector<variant_problem>& problems)
         : m_tree(pack_file::sm_poPathTree)
         , m_text_bytes(text_bytes)
         , m_problems(problems)
@@ -115,7 +115,8 @@ private:
         const path_node* const node = m_tree->find(path);
         if (!node || !node->file())
         {
-            problem(std::string(not_in_tree) + ": " + quotation(path) + " (named in " + quotation(chain.path) + ")");
+            problem(std::string(not_in_tree) + ": " + quotation(path) + " (named in " + quotation(chain.path) + ")",
+                    variant_problem::kind::not_found, path, chain.path);
             return nullptr;
         }
         const auto [place, is_new] = m_definitions.try_emplace(node->file());
@@ -137,14 +138,14 @@ private:
         definition read;
         if (!readEntry(file, text, why, variant_mesh_def::max_text_bytes - m_text_bytes))
         {
-            problem(describe(why));
+            problem(describe(why), variant_problem::kind::unreadable);
             return {};
         }
         m_text_bytes += text.size();
         if (!parseVariantMeshDef(text.bytes(), read.root, why))
         {
             why.path = file.internalPath();
-            problem(describe(why));
+            problem(describe(why), variant_problem::kind::unreadable);
             return {};
         }
         read.extent = extentOf(read.root);
@@ -186,15 +187,24 @@ private:
     }
 
     // Returns 0, for the number of children.
-    std::size_t problem(std::string text)
+    std::size_t problem(std::string text, variant_problem::kind kind = variant_problem::kind::other,
+                        const std::string& path = {}, const std::string& named_in = {})
     {
+        const auto isTold = [&text](const variant_problem& told)
+        {
+            return told.line == text;
+        };
         if (m_problems.size() > variant_mesh_def::max_problems ||
-            std::find(m_problems.begin(), m_problems.end(), text) != m_problems.end())
+            std::any_of(m_problems.begin(), m_problems.end(), isTold))
             return 0;
         if (m_problems.size() == variant_mesh_def::max_problems)
-            text = "there are more problems than the " + std::to_string(variant_mesh_def::max_problems) +
-                   " that are listed";
-        m_problems.push_back(std::move(text));
+            m_problems.push_back({variant_problem::kind::other,
+                                  "there are more problems than the " + std::to_string(variant_mesh_def::max_problems) +
+                                      " that are listed",
+                                  {},
+                                  {}});
+        else
+            m_problems.push_back({kind, std::move(text), quotation(path), quotation(named_in)});
         return 0;
     }
 
@@ -207,7 +217,7 @@ private:
     std::size_t m_tree_bytes = 0;
     std::set<std::pair<std::string, std::string>> m_circles; // that were told: from, to
     bool m_is_full = false;
-    std::vector<std::string>& m_problems;
+    std::vector<variant_problem>& m_problems;
 };
 
 void collectModels(const variant_tag& tag, std::vector<std::string>& models)
@@ -251,6 +261,14 @@ std::vector<std::string> variant_mesh_def::models() const
     return models;
 }
 
+std::vector<std::string> variant_mesh_def::problems() const
+{
+    std::vector<std::string> lines;
+    for (const variant_problem& each : m_problems)
+        lines.push_back(each.line);
+    return lines;
+}
+
 bool variant_mesh_def::take(std::span<const std::byte> text, const std::string& path, const std::string& internal_path,
                             failure& why)
 {
@@ -260,7 +278,7 @@ bool variant_mesh_def::take(std::span<const std::byte> text, const std::string& 
         why.path = path;
         return false;
     }
-    std::vector<std::string> problems;
+    std::vector<variant_problem> problems;
     reference_resolver(text.size(), root, problems).resolve(root, 1, {internal_path});
     m_path = path;
     m_root = std::move(root);

@@ -43,6 +43,21 @@ struct variant_tag
 // them empty (so "\\" counts as "\"), without blanks and separators at the ends.
 [[nodiscard]] std::string normalInternalPath(std::string_view quoted);
 
+// A reference that could not be followed, or a limit that was met.
+struct variant_problem
+{
+    enum class kind
+    {
+        not_found,  // no archive has the definition
+        unreadable, // it is damaged, or no well-formed XML
+        other       // a circle, too many of something, no archives at all
+    };
+    kind what = kind::other;
+    std::string line;     // as problems() says it
+    std::string path;     // not_found: the internal path that was looked for,
+    std::string named_in; // and the definition that refers to it
+};
+
 class variant_mesh_def
 {
 public:
@@ -76,14 +91,15 @@ public:
     // are left out, a model that is named twice stands there twice.
     [[nodiscard]] std::vector<std::string> models() const;
     // What could not be followed, one line each, none twice.
-    const std::vector<std::string>& problems() const { return m_problems; }
+    [[nodiscard]] std::vector<std::string> problems() const;
+    const std::vector<variant_problem>& problemList() const { return m_problems; }
 
 private:
     bool take(std::span<const std::byte> text, const std::string& path, const std::string& internal_path, failure& why);
 
     std::string m_path;
     variant_tag m_root;
-    std::vector<std::string> m_problems;
+    std::vector<variant_problem> m_problems;
 };
 
 } // namespace korvane

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -88,17 +89,14 @@ public:
     std::string text() const
     {
         std::string result;
+        std::map<std::string, std::size_t> notes; // by kind
         for (const row& each : m_rows)
-        {
-            std::string label = severityName(each.first->severity);
-            label.resize(indent - 2, ' ');
-            result += "  " + label + terminalText(each.first->text) + "\n";
-            for (std::size_t i = 0; i < std::min(each.places.size(), most_places); ++i)
-                result += std::string(indent, ' ') + "  at " + each.places[i] + "\n";
-            if (each.places.size() > most_places)
-                result += std::string(indent, ' ') + "  and in " + std::to_string(each.places.size() - most_places) +
-                          " more places\n";
-        }
+            if (each.first->severity != finding_severity::note || ++notes[each.first->kind] <= most_notes)
+                result += rowText(each);
+        for (const auto& [kind, count] : notes)
+            if (count > most_notes)
+                result += std::string(indent, ' ') + "and " + std::to_string(count - most_notes) +
+                          " more notes of the kind " + kind + "; --json has them all\n";
         return result;
     }
 
@@ -110,6 +108,21 @@ private:
     };
     static constexpr std::size_t indent = 11;
     static constexpr std::size_t most_places = 4;
+    static constexpr std::size_t most_notes = 3; // of a kind
+
+    static std::string rowText(const row& each)
+    {
+        std::string result = "  ";
+        result += severityName(each.first->severity);
+        result.resize(indent, ' ');
+        result += terminalText(each.first->text) + "\n";
+        for (std::size_t i = 0; i < std::min(each.places.size(), most_places); ++i)
+            result += std::string(indent, ' ') + "  at " + each.places[i] + "\n";
+        if (each.places.size() > most_places)
+            result += std::string(indent, ' ') + "  and in " + std::to_string(each.places.size() - most_places) +
+                      " more places\n";
+        return result;
+    }
 
     std::vector<row> m_rows;
 };
@@ -188,7 +201,7 @@ bool takeArchives(cli_context& context, const std::vector<std::string>& operands
     if (is_needed)
         tree = loadArchives(context, why);
     else
-        context.note("no data folders: textures are looked for beside the models only, skeletons not at all");
+        context.note("no data folders: textures and skeletons are looked for on the disk around the models only");
     if (why)
         context.fail(why);
     return !why;

@@ -133,6 +133,30 @@ void check_run::checkModel(const std::string& path, std::vector<finding>& found)
     std::move(its.begin(), its.end(), std::back_inserter(found));
 }
 
+// What the game does not find is an error, whatever this program made of the rest.
+void check_run::checkReferences(const std::string& path, const std::vector<variant_problem>& problems,
+                                std::vector<finding>& found)
+{
+    for (const variant_problem& problem : problems)
+    {
+        finding its{finding_severity::error, path, {}, "reference", displayText(problem.line)};
+        if (problem.what == variant_problem::kind::not_found)
+        {
+            const std::string near = m_known.nearest(problem.path, "variantmeshdefinition");
+            its.text = "the definition \"" + displayText(problem.path) + "\" is in no archive";
+            if (problem.named_in != path && problem.named_in != internalPathOf(path))
+                its.text += " (named in \"" + displayText(problem.named_in) + "\")";
+            if (!near.empty())
+                its.text += "; did you mean \"" + displayText(near) + "\"?";
+        }
+        else if (problem.what == variant_problem::kind::unreadable)
+            its.text = "a definition that is referred to cannot be read: " + its.text;
+        else
+            its.severity = finding_severity::warning;
+        found.push_back(std::move(its));
+    }
+}
+
 void check_run::checkDefinition(const std::string& path, std::vector<finding>& found)
 {
     open_definition definition;
@@ -143,10 +167,15 @@ void check_run::checkDefinition(const std::string& path, std::vector<finding>& f
         return;
     }
     if (m_po_tree)
-        for (const std::string& problem : definition.problems())
-            found.push_back({finding_severity::warning, path, {}, "reference", displayText(problem)});
+        checkReferences(path, definition.problemList(), found);
     if (definition.models().empty())
         found.push_back({finding_severity::warning, path, {}, "no_models", "the definition names no models"});
+    else if (!m_po_tree)
+        found.push_back({finding_severity::note,
+                         path,
+                         {},
+                         "model_missing",
+                         "its models come out of the archives, and none were given: they are not checked"});
     std::unordered_set<std::string> seen;
     for (const std::string& model : definition.models())
     {
@@ -157,7 +186,7 @@ void check_run::checkDefinition(const std::string& path, std::vector<finding>& f
             addFile(std::string(pack_prefix) += m_po_tree->find(model)->path());
             continue;
         }
-        const std::string near = m_known.nearest(model);
+        const std::string near = m_known.nearest(model, std::string(model_extension.substr(1)));
         found.push_back({finding_severity::error,
                          path,
                          {},

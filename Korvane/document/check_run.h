@@ -4,6 +4,7 @@
 // it shows progress and stops when they like. A definition's models are checked as well, each once. For one thread at a
 // time.
 
+#include "Korvane/archives/variant_mesh_def.h"
 #include "Korvane/document/finding.h"
 #include "Korvane/document/known_files.h"
 
@@ -38,6 +39,8 @@ private:
     void addFolder(const std::string& folder);
     void addMatching(const std::string& pattern);
     void checkModel(const std::string& path, std::vector<finding>& found);
+    void checkReferences(const std::string& path, const std::vector<variant_problem>& problems,
+                         std::vector<finding>& found);
     void checkDefinition(const std::string& path, std::vector<finding>& found);
 
     std::shared_ptr<const path_tree> m_po_tree;

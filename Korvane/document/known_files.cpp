@@ -65,26 +65,39 @@ known_files::texture_answer known_files::lookUpTexture(const std::string& intern
     return {true, is_read && file.readAt(0, start) && isDdsStart(start), is_read};
 }
 
-const known_files::skeleton_answer& known_files::skeleton(const std::string& id)
+const known_files::skeleton_answer& known_files::skeleton(const std::string& id, const std::string& around)
 {
-    const auto [row, is_new] = m_skeletons.try_emplace(id);
+    std::string key(hasArchives() ? std::string_view() : folderOf(around));
+    (key += '\n') += id;
+    const auto [row, is_new] = m_skeletons.try_emplace(std::move(key));
     if (is_new)
-        row->second = lookUpSkeleton(id);
+        row->second = lookUpSkeleton(id, around);
     return row->second;
 }
 
-known_files::skeleton_answer known_files::lookUpSkeleton(const std::string& id) const
+known_files::skeleton_answer known_files::lookUpSkeleton(const std::string& id, const std::string& around) const
 {
     skeleton_answer answer;
-    const entry_list entries = m_po_tree ? findSkeletons(*m_po_tree, id) : entry_list();
-    if (entries.empty())
-        return answer;
-    answer.path = std::string(entries.front()->internalPath());
-    silent_prompt prompt;
-    anim_file skeleton(prompt);
     memory_file bytes;
     failure why;
-    if (readEntry(*entries.front(), bytes, why))
+    if (m_po_tree)
+    {
+        const entry_list entries = findSkeletons(*m_po_tree, id);
+        if (entries.empty())
+            return answer;
+        answer.path = std::string(entries.front()->internalPath());
+        static_cast<void>(readEntry(*entries.front(), bytes, why));
+    }
+    else
+    {
+        answer.path = around.empty() ? std::string() : findLooseFile("animations\\skeletons\\" + id + ".anim", around);
+        if (answer.path.empty())
+            return answer;
+        static_cast<void>(bytes.read(answer.path, why));
+    }
+    silent_prompt prompt;
+    anim_file skeleton(prompt);
+    if (!why)
     {
         skeleton.openFromMemory(std::move(bytes), answer.path);
         if (skeleton.loadSkeleton({}, why))
@@ -104,20 +117,22 @@ bool known_files::isInArchives(std::string_view internal_path) const
     return node && node->file();
 }
 
-std::string known_files::nearest(std::string_view internal_path)
+std::string known_files::nearest(std::string_view internal_path, const std::string& extension,
+                                 const std::string& around)
 {
-    if (!m_po_tree)
-        return {};
     const std::string wanted = normalInternalPath(internal_path);
-    const auto [row, is_new] = m_nearest.try_emplace(wanted);
-    if (is_new)
-    {
-        const std::string_view name = fileName(wanted);
-        const std::size_t dot = name.find_last_of('.');
-        const std::string extension(dot == name.npos ? std::string_view() : name.substr(dot + 1));
-        const auto neighbours = m_neighbours.try_emplace(extension, *m_po_tree, extension).first;
-        row->second = std::string(neighbours->second.nearest(wanted));
-    }
+    const auto [row, is_new] = m_nearest.try_emplace(wanted + '\n' + extension + '\n' + std::string(folderOf(around)));
+    if (!is_new)
+        return row->second;
+    path_neighbours::neighbour in_archives;
+    if (m_po_tree)
+        in_archives = m_neighbours.try_emplace(extension, *m_po_tree, extension).first->second.nearest(wanted);
+    loose_neighbours::neighbour on_disk;
+    if (!around.empty())
+        on_disk = m_loose_neighbours.nearest(wanted, extension, around);
+    const bool is_on_disk =
+        !on_disk.path.empty() && (in_archives.path.empty() || on_disk.distance < in_archives.distance);
+    row->second = is_on_disk ? on_disk.path : std::string(in_archives.path);
     return row->second;
 }
 

@@ -4,6 +4,7 @@
 // around the file. Answers are remembered, because the models of a folder name the same files again and again. For one
 // thread at a time.
 
+#include "Korvane/archives/loose_neighbours.h"
 #include "Korvane/archives/path_neighbours.h"
 #include "Korvane/archives/path_tree.h"
 
@@ -38,26 +39,28 @@ public:
 
     struct skeleton_answer
     {
-        std::string path;           // internal; empty: no archive has it
+        std::string path;           // internal, or on the disk; empty: it is nowhere
         std::size_t bone_count = 0; // 0: it cannot be read
         std::string problem;        // why not
     };
-    const skeleton_answer& skeleton(const std::string& id);
+    // In the archives; without any, on the disk around the model.
+    const skeleton_answer& skeleton(const std::string& id, const std::string& around);
 
     bool isInArchives(std::string_view internal_path) const;
-    // The existing internal path that a path was most likely meant to be, among those with its extension; empty when
-    // none is near.
-    std::string nearest(std::string_view internal_path);
+    // The existing internal path that a path was most likely meant to be, among the files with an extension (lower
+    // case, without the dot) in the archives and, around a file on the disk, there; empty when none is near.
+    std::string nearest(std::string_view internal_path, const std::string& extension, const std::string& around = {});
 
 private:
     texture_answer lookUpTexture(const std::string& internal_path, const std::string& around) const;
-    skeleton_answer lookUpSkeleton(const std::string& id) const;
+    skeleton_answer lookUpSkeleton(const std::string& id, const std::string& around) const;
 
     std::shared_ptr<const path_tree> m_po_tree;
     std::unordered_map<std::string, texture_answer> m_textures; // by folder and path
     std::unordered_map<std::string, skeleton_answer> m_skeletons;
     std::unordered_map<std::string, std::string> m_nearest;
     std::map<std::string, path_neighbours> m_neighbours; // by extension
+    loose_neighbours m_loose_neighbours;
 };
 
 } // namespace korvane

@@ -20,12 +20,12 @@ namespace korvane
 namespace
 {
 
-constexpr std::size_t short_text = 32;   // bytes of a group's name
-constexpr std::size_t long_text = 256;   // of a directory
-constexpr std::size_t header_text = 128; // of the skeleton's id
+constexpr std::size_t header_text = 128;    // bytes of the skeleton's id, and in version 5 of the text behind it
+constexpr std::size_t attachment_text = 32; // of the name of an attachment point
+constexpr std::size_t shader_text = 12;     // characters
 constexpr std::uint16_t weighted_format = 3, cinematic_format = 4;
 
-std::string quoted(std::string_view text)
+std::string inQuotes(std::string_view text)
 {
     return "\"" + displayText(text) + "\"";
 }
@@ -35,6 +35,19 @@ std::string typeText(std::uint32_t type)
 {
     const std::string_view name = textureTypeName(type);
     return name.front() == '[' ? "type " + std::to_string(type) : std::string(name);
+}
+
+// True for a text that fills its field: one of 8 bits per character, or in wide ones of 16 bits with small codes.
+bool fillsField(std::span<const std::byte> field, bool may_be_wide)
+{
+    if (field.empty())
+        return false;
+    if (untilZero(field).size() == field.size())
+        return true;
+    bool is_full = may_be_wide;
+    for (std::size_t i = 0; i + 1 < field.size() && is_full; i += 2)
+        is_full = field[i] != std::byte{0} && field[i + 1] == std::byte{0};
+    return is_full;
 }
 
 bool hasWeights(const group_data& group)
@@ -132,11 +145,21 @@ void model_check::add(finding_severity severity, const char* kind, std::string t
     m_found.push_back({severity, m_file, m_place, kind, std::move(text)});
 }
 
+void model_check::checkEnd(std::span<const std::byte> field, const std::string& name, finding_severity severity)
+{
+    if (fillsField(field, m_model.version() == 5))
+        add(severity, "no_terminator",
+            name + " fills its field of " + std::to_string(field.size()) + " bytes and has no terminating zero");
+}
+
 void model_check::checkHeader()
 {
     const RMV2_FILE_DATA& model = m_model.data();
-    if (model.skeleton_id.size() == header_text)
-        add(finding_severity::error, "no_terminator", "the skeleton id fills its field and has no terminating zero");
+    constexpr std::size_t first_text = 12; // docs/formats/rigid_model_v2.md
+    const std::span<const std::byte> texts = m_model.image().bytes().subspan(first_text);
+    checkEnd(texts.first(header_text), "the skeleton id", finding_severity::error);
+    if (model.version == 5)
+        checkEnd(texts.subspan(header_text, header_text), "the second text of the header", finding_severity::warning);
     if (model.lods.empty())
         add(finding_severity::error, "lod_empty", "the model has no LODs: nothing of it is drawn");
     checkSkeleton();
@@ -157,19 +180,26 @@ void model_check::checkSkeleton()
                 "vertices have weights, but the model names no skeleton: it does not move");
         return;
     }
-    if (!m_known.hasArchives())
-        return;
-    const known_files::skeleton_answer& answer = m_known.skeleton(id);
+    const known_files::skeleton_answer& answer = m_known.skeleton(id, m_around);
     m_bone_count = answer.bone_count;
     if (answer.path.empty())
-    {
-        const std::string near = m_known.nearest("animations\\skeletons\\" + id + ".anim");
-        add(finding_severity::error, "skeleton_missing",
-            "no archive has the skeleton " + quoted(id) + (near.empty() ? "" : "; did you mean " + quoted(near) + "?"));
-    }
+        reportSkeletonMissing(id);
     else if (answer.bone_count == 0)
         add(finding_severity::error, "skeleton_damaged",
-            "the skeleton " + quoted(answer.path) + " cannot be read: " + answer.problem);
+            "the skeleton " + inQuotes(answer.path) + " cannot be read: " + answer.problem);
+}
+
+void model_check::reportSkeletonMissing(const std::string& id)
+{
+    const std::string near = m_known.nearest("animations\\skeletons\\" + id + ".anim", "anim",
+                                             m_known.hasArchives() ? std::string() : m_around);
+    const std::string hint = near.empty() ? std::string() : "; did you mean " + inQuotes(near) + "?";
+    if (m_known.hasArchives())
+        add(finding_severity::error, "skeleton_missing", "no archive has the skeleton " + inQuotes(id) + hint);
+    else
+        add(near.empty() ? finding_severity::note : finding_severity::warning, "skeleton_missing",
+            "the skeleton " + inQuotes(id) +
+                " is not on the disk around the model; no archives were given, so it may be " + "in them" + hint);
 }
 
 void model_check::checkLods()
@@ -230,16 +260,18 @@ void model_check::checkGroup(const group_data& group)
 
 void model_check::checkTexts(const group_data& group)
 {
-    const auto check = [this](std::size_t size, std::size_t width, const std::string& name)
+    checkEnd(group.group_name_field.storedBytes(), "the group's name", finding_severity::warning);
+    checkEnd(group.texture_directory_field.storedBytes(), "the texture directory", finding_severity::warning);
+    const auto warn = [this](const std::string& name, std::size_t width)
     {
-        if (size >= width)
-            add(finding_severity::warning, "no_terminator",
-                name + " fills its field of " + std::to_string(width) + " bytes and has no terminating zero");
+        add(finding_severity::warning, "no_terminator",
+            name + " has no terminating zero in its field of " + std::to_string(width) + " characters");
     };
-    check(group.header.group_name.size(), short_text, "the group's name");
-    check(group.header.texture_directory.size(), long_text, "the texture directory");
+    if (group.header.shader_name.size() >= shader_text) // it is read up to its zero, wherever that is
+        warn("the shader's name " + inQuotes(group.header.shader_name), shader_text);
     for (const attachment_point& point : group.attachments)
-        check(point.name.size(), short_text, "the name of the attachment point " + quoted(point.name));
+        if (point.name.size() >= attachment_text)
+            warn("the name of the attachment point " + inQuotes(point.name), attachment_text);
 }
 
 void model_check::checkNumbers(const group_data& group)
@@ -294,25 +326,33 @@ void model_check::checkTexture(const texture_entry& texture)
 void model_check::checkTexturePath(const texture_entry& texture)
 {
     const texture_path_fault fault = texturePathFault(texture.path);
-    const bool is_looked_up = m_known.hasArchives() || !m_around.empty();
     const known_files::texture_answer answer =
-        fault.is_fatal || !is_looked_up ? known_files::texture_answer{} : m_known.texture(texture.path, m_around);
-    const std::string near = answer.exists ? std::string() : m_known.nearest(texture.path);
-    const std::string hint = near.empty() ? std::string() : "; did you mean " + quoted(near) + "?";
+        fault.is_fatal ? known_files::texture_answer{} : m_known.texture(texture.path, m_around);
+    const std::string near = answer.exists ? std::string() : m_known.nearest(texture.path, "dds", m_around);
+    const std::string hint = near.empty() ? std::string() : "; did you mean " + inQuotes(near) + "?";
     if (!fault.text.empty())
         add(fault.is_fatal ? finding_severity::error : finding_severity::warning, "texture_path",
             fault.text + (fault.is_fatal ? hint : std::string()));
     if (fault.is_fatal)
         return;
-    if (!endsWithIgnoringCase(texture.path, ".dds"))
-        add(finding_severity::warning, "texture_path", quoted(texture.path) + " does not end in .dds");
-    if (!answer.exists && m_known.hasArchives())
-        add(finding_severity::error, "texture_missing",
-            quoted(texture.path) + " (" + typeText(texture.type) + ") is in no archive" +
-                (m_around.empty() ? "" : " and not beside the model") + hint);
-    else if (answer.exists && !answer.is_dds)
+    if (near.empty() && !endsWithIgnoringCase(texture.path, ".dds")) // else the hint shows it
+        add(finding_severity::warning, "texture_path", inQuotes(texture.path) + " does not end in .dds");
+    if (!answer.exists)
+        reportTextureMissing(texture, hint);
+    else if (!answer.is_dds)
         add(finding_severity::error, "texture_damaged",
-            quoted(texture.path) + (answer.is_read ? " is not a DDS file" : " cannot be read"));
+            inQuotes(texture.path) + (answer.is_read ? " is not a DDS file" : " cannot be read"));
+}
+
+void model_check::reportTextureMissing(const texture_entry& texture, const std::string& hint)
+{
+    const std::string what = inQuotes(texture.path) + " (" + typeText(texture.type) + ") is ";
+    if (m_known.hasArchives())
+        return add(finding_severity::error, "texture_missing",
+                   what + "in no archive" + (m_around.empty() ? "" : " and not beside the model") + hint);
+    // Most textures of a mod are the game's own; a path that nearly leads to a file of the mod is probably misspelt.
+    add(hint.empty() ? finding_severity::note : finding_severity::warning, "texture_missing",
+        what + "not beside the model; no archives were given, so it may be in them" + hint);
 }
 
 void model_check::checkIndices(const group_data& group)
@@ -389,8 +429,8 @@ void model_check::checkWeights(const group_data& group)
     if (beyond > 0)
         add(finding_severity::error, "bones",
             counted(beyond, "vertex hangs", "vertices hang") + " on bones that the skeleton " +
-                quoted(m_model.data().skeleton_id) + " does not have (bone " + std::to_string(last_bone) + "; it has " +
-                std::to_string(m_bone_count) + ")");
+                inQuotes(m_model.data().skeleton_id) + " does not have (bone " + std::to_string(last_bone) +
+                "; it has " + std::to_string(m_bone_count) + ")");
 }
 
 } // namespace korvane

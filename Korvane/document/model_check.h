@@ -8,6 +8,8 @@
 #include "Korvane/document/known_files.h"
 #include "Korvane/models/rmv2_file.h"
 
+#include <cstddef>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,6 +29,7 @@ public:
 private:
     void checkHeader();
     void checkSkeleton();
+    void reportSkeletonMissing(const std::string& id);
     void checkLods();
     void checkLod(std::size_t lod);
     void checkGroup(const group_data& group);
@@ -35,10 +38,13 @@ private:
     void checkTextures(const group_data& group);
     void checkTexture(const texture_entry& texture);
     void checkTexturePath(const texture_entry& texture);
+    void reportTextureMissing(const texture_entry& texture, const std::string& hint);
     void checkIndices(const group_data& group);
     void checkPositions(const group_data& group);
     void checkWeights(const group_data& group);
 
+    // name: of the text, whose field it is; a text that goes on to the field's end has no terminating zero.
+    void checkEnd(std::span<const std::byte> field, const std::string& name, finding_severity severity);
     void add(finding_severity severity, const char* kind, std::string text);
 
     const rmv2_file& m_model;

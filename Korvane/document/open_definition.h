@@ -31,9 +31,10 @@ public:
     [[nodiscard]] bool open(const std::string& path, failure& why);
 
     bool hasDefinition() const { return !path().empty(); }
-    const std::string& path() const { return m_path; }                  // as it was given; empty: none
-    const std::vector<std::string>& models() const { return m_models; } // internal paths, in document order
-    const std::vector<std::string>& problems() const { return m_definition.problems(); } // references, one line each
+    const std::string& path() const { return m_path; }                            // as it was given; empty: none
+    const std::vector<std::string>& models() const { return m_models; }           // internal paths, in document order
+    std::vector<std::string> problems() const { return m_definition.problems(); } // references, one line each
+    const std::vector<variant_problem>& problemList() const { return m_definition.problemList(); }
 
     // "demo_guard: 4 models, 12,345 triangles; 1 could not be opened (see log.txt)". Without what a view says of them
     // only the models are counted.

@@ -65,8 +65,10 @@ texture_path_fault texturePathFault(std::string_view path)
         return {quoted + " has a component \".\" or \"..\", which internal paths do not know", true};
     if (hasControlCharacter(path))
         return {quoted + " holds a control character", true};
-    if (path.front() == ' ' || path.back() == ' ')
-        return {quoted + " has a blank at its end", true};
+    if (path.front() == ' ')
+        return {quoted + " begins with a blank", true};
+    if (path.back() == ' ')
+        return {quoted + " ends with a blank", true};
     if (beginsWithDataFolder(path))
         return {quoted + " begins with the data folder; internal paths begin below it", true};
     if (isSeparator(path.back()))

@@ -146,11 +146,16 @@ TEST_F(check_test, EveryFaultIsFoundWhereItIsAndNothingElse)
          texture(0, "tex/body_difuse.dds"), "did you mean \"tex\\body_diffuse.dds\"?"},
         {"error texture_missing 1.0.1", texture(1, "tex/Helmet.dds"), "\"tex\\other\\helmet.dds\""},
         {"error texture_missing 1.0.1", texture(1, "quite/else.dds"), "beside the model"},
+        {"error texture_missing 1.0.0", texture(0, "tex/body_diffuse.dds."), "\"tex\\body_diffuse.dds\"?"},
+        {"error texture_missing 1.0.0", texture(0, "tex/body_diffuse.dds.dds"), "\"tex\\body_diffuse.dds\"?"},
+        {"error texture_missing 1.0.0", texture(0, "disk/diskonli.dds"), "\"disk\\diskonly.dds\"?"},
+        {"error texture_missing 1.0.0", texture(0, "dusk/diskonly.dds"), "\"disk\\diskonly.dds\"?"},
         {"error texture_path 1.0.0: \"data/tex/body_diffuse.dds\" begins with the data folder",
          texture(0, "data/tex/body_diffuse.dds"), "did you mean \"tex\\body_diffuse.dds\"?"},
         {"error texture_path 1.0.0", texture(0, "C:\\mods\\body_diffuse.dds"), "somebody's disk"},
         {"error texture_path 1.0.0", texture(0, "../tex/body_diffuse.dds"), "\"..\""},
-        {"error texture_path 1.0.0", texture(0, "tex/body_diffuse.dds "), "blank"},
+        {"error texture_path 1.0.0", texture(0, "tex/body_diffuse.dds "), "ends with a blank"},
+        {"error texture_path 1.0.0", texture(0, " tex/body_diffuse.dds"), "begins with a blank"},
         {"error texture_path 1.0.0", texture(0, "tex/body\ndiffuse.dds"), "control character"},
         {"warning texture_path 1.0.0", texture(0, "tex//body_diffuse.dds"), "two separators"},
         {"warning texture_path 1.0.0", texture(0, "/tex/body_diffuse.dds"), "begins with a separator"},
@@ -216,6 +221,11 @@ TEST_F(check_test, EveryFaultIsFoundWhereItIsAndNothingElse)
                                                               {
                                                                   g.group_name.assign(32, 'n');
                                                               })},
+        {"warning no_terminator 1.0.-: the shader's name", group(
+                                                               [](test_group& g)
+                                                               {
+                                                                   g.shader_name = "twelve_bytes";
+                                                               })},
         {"warning no_terminator 1.0.-", group(
                                             [](test_group& g)
                                             {
@@ -268,6 +278,8 @@ TEST_F(check_test, EveryFaultIsFoundWhereItIsAndNothingElse)
              model.skeleton_id.assign(128, 's');
          }},
     };
+    std::filesystem::create_directories(toPath(m_folder.file("disk")));
+    writeBytes(m_folder.file("disk/diskonly.dds"), "DDS and more");
     const std::string path = m_folder.file("model.rigid_model_v2");
     for (const auto& row : rows)
     {
@@ -309,6 +321,12 @@ TEST_F(check_test, DefinitionsFoldersAndWhatCannotBeRead)
     EXPECT_EQ(lines(check("pack:m\\*definition")),
               "error model_missing -.-.-: the model \"m\\sund.rigid_model_v2\" is in no archive; did you mean "
               "\"m\\sound.rigid_model_v2\"?\n");
+    writeBytes(m_folder.file("own.variantmeshdefinition"),
+               "<VARIANT_MESH><VARIANT_MESH_REFERENCE definition=\"m/figur.variantmeshdefinition\"/>"
+               "<VARIANT_MESH model=\"m/sound.rigid_model_v2\"/></VARIANT_MESH>");
+    EXPECT_EQ(lines(check(m_folder.file("own.variantmeshdefinition"))),
+              "error reference -.-.-: the definition \"m\\figur.variantmeshdefinition\" is in no archive; did you mean "
+              "\"m\\figure.variantmeshdefinition\"?\n");
     EXPECT_TRUE(lines(check("pack:none*")).starts_with("error not_found -.-.-"));
     EXPECT_TRUE(lines(check(m_folder.file("none.rigid_model_v2"))).starts_with("error not_found -.-.-"));
 
@@ -342,13 +360,54 @@ TEST_F(check_test, WithoutArchivesOnlyTheDiskCounts)
     writeBytes(path, model.bytes());
     std::filesystem::create_directories(toPath(m_folder.file("tex")));
     writeBytes(m_folder.file("tex/body_diffuse.dds"), "not one");
-    check_run run(nullptr);
-    run.add(path);
-    std::vector<finding> found;
-    while (run.step(found))
-        ;
-    ASSERT_EQ(found.size(), 2u) << lines(found); // of both LODs; what is missing may be in an archive
-    EXPECT_EQ(found[0].kind, "texture_damaged");
+    const auto checkOnDisk = [](const std::string& operand)
+    {
+        check_run run(nullptr);
+        run.add(operand);
+        std::vector<finding> found;
+        while (run.step(found))
+            ;
+        return found;
+    };
+    const std::vector<finding> found = checkOnDisk(path);
+    // What is missing may be in an archive, unless it is nearly the name of a file of the mod.
+    const std::string normal =
+        "\"TEX\\body_normal.dds\" (Normal Map) is not beside the model; no archives were given, so "
+        "it may be in them";
+    const auto expected = [&](const std::string& severity, const std::string& hint)
+    {
+        std::string text =
+            "note skeleton_missing -.-.-: the skeleton \"nobody\" is not on the disk around the model; no "
+            "archives were given, so it may be in them\n";
+        for (const std::string lod : {"0", "1"})
+            text += "error texture_damaged " + lod + ".0.0: \"tex/body_diffuse.dds\" is not a DDS file\n" + severity +
+                    " texture_missing " + lod + ".0.1: " + normal + hint + "\n";
+        return text;
+    };
+    EXPECT_EQ(lines(found), expected("note", ""));
+    writeBytes(m_folder.file("tex/body_norml.dds"), "DDS");
+    EXPECT_EQ(lines(checkOnDisk(path)), expected("warning", "; did you mean \"tex\\body_norml.dds\"?"));
+    model.skeleton_id = "humanoid01";
+    writeBytes(path, model.bytes());
+    std::filesystem::create_directories(toPath(m_folder.file("animations/skeletons")));
+    writeBytes(m_folder.file("animations/skeletons/humanoid01.anim"), test_anim().bytes());
+    EXPECT_EQ(lines(checkOnDisk(path)).find("skeleton"), std::string::npos);
+}
+
+TEST_F(check_test, TheTextsOfAVersion5HeaderNeedAnEnd)
+{
+    for (const bool is_wide : {false, true})
+    {
+        test_model model = soundModel();
+        model.version = 5;
+        std::string bytes = model.bytes();
+        for (std::size_t i = 140; i < 268; ++i)
+            bytes[i] = is_wide && i % 2 == 1 ? '\0' : 't';
+        writeBytes(m_folder.file("old.rigid_model_v2"), bytes);
+        EXPECT_EQ(lines(check(m_folder.file("old.rigid_model_v2"))),
+                  "warning no_terminator -.-.-: the second text of the header fills its field of 128 bytes and has no "
+                  "terminating zero\n");
+    }
 }
 
 } // namespace
