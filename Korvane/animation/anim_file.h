@@ -33,7 +33,8 @@ struct anim_bone
     std::int32_t parent = -1;
     // The bind pose in the program's space; only after a skeleton was loaded.
     glm::vec3 translation{0};
-    glm::quat rotation{1, 0, 0, 0}; // (w, x, y, z) as GLM constructs it
+    glm::quat rotation{1, 0, 0, 0};  // (w, x, y, z) as GLM constructs it
+    std::uint64_t parent_offset = 0; // where the parent stands in the file; 0: made, not read
 };
 
 // What a file holds. Tracks: translation j of a frame belongs to the bone animated_translations[j].

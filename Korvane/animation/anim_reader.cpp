@@ -130,6 +130,7 @@ void anim_reader::readBones()
                           std::to_string(anim_file::max_name) + " are possible",
                       "name length");
         m_data.bones[i].name = textFrom(m_in.bytes(length, "name"));
+        m_data.bones[i].parent_offset = m_in.position();
         m_data.bones[i].parent = static_cast<std::int32_t>(m_in.u32("parent"));
         m_data.bones[i].index = i;
     }

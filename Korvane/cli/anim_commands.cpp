@@ -23,7 +23,15 @@ std::shared_ptr<const anim_data> loadAnim(cli_context& context, const std::strin
         file.openFromMemory(std::move(bytes), operand);
     }
     else
+    {
+        std::error_code ignored;
         path = operand;
+        if (!std::filesystem::exists(toPath(path), ignored))
+        {
+            fail(why, failure_kind::not_found, "the file does not exist", path);
+            return nullptr;
+        }
+    }
     const bool is_loaded = depth == anim_depth::skeleton    ? file.loadSkeleton(path, why)
                            : depth == anim_depth::animation ? file.loadAnimation(path, why)
                                                             : file.loadTemplate(path, why);

@@ -176,17 +176,6 @@ void runSample(cli_context& context, const sample_options& options)
     printPoses(context, pose, list);
 }
 
-CLI::Validator wholeNumber()
-{
-    return CLI::Validator(
-        [](const std::string& text)
-        {
-            const bool is_one = text.size() <= 10 && text.find_first_not_of("0123456789") == std::string::npos;
-            return is_one ? std::string() : "\"" + text + "\" is no whole number from 0 on";
-        },
-        "");
-}
-
 } // namespace
 
 void addAnimSampleCommand(CLI::App& anim, cli_context& context)

@@ -81,6 +81,18 @@ CLI::Validator finiteNumber()
         "");
 }
 
+CLI::Validator wholeNumber()
+{
+    return CLI::Validator(
+        [](const std::string& text)
+        {
+            const bool is_whole =
+                !text.empty() && text.size() <= 10 && text.find_first_not_of("0123456789") == std::string::npos;
+            return is_whole ? std::string() : "\"" + text + "\" is no whole number from 0 on";
+        },
+        "");
+}
+
 json jsonNumber(float value)
 {
     if (!std::isfinite(value))

@@ -63,6 +63,7 @@ private:
 // Checks of option values: a wrong one is a wrong command line (exit status 2).
 [[nodiscard]] CLI::Validator notEmpty();
 [[nodiscard]] CLI::Validator finiteNumber();
+[[nodiscard]] CLI::Validator wholeNumber(); // from 0 on, at most ten digits
 
 // A float as JSON: the shortest number that reads back to the same binary32 value, or the text "nan", "inf" or "-inf".
 [[nodiscard]] json jsonNumber(float value);

@@ -42,6 +42,7 @@ public:
     void run();
 
 private:
+    std::string configPath() const;
     bool load(failure& why);
     bool loadTemplate(failure& why);
     bool loadBoneTable(failure& why);
@@ -57,6 +58,11 @@ private:
     anim_conversion_result m_result;
     json m_log = json::array();
 };
+
+std::string convert_run::configPath() const
+{
+    return m_context.config_path.empty() ? config_file::defaultPath() : m_context.config_path;
+}
 
 bool convert_run::loadTemplate(failure& why)
 {
@@ -88,7 +94,8 @@ bool convert_run::loadBoneTable(failure& why)
 
 bool convert_run::load(failure& why)
 {
-    if (!isFreeToWrite({m_options.fbx, m_options.template_anim, m_options.bone_table}, m_options.output, why) ||
+    if (!isFreeToWrite({m_options.fbx, m_options.template_anim, m_options.bone_table, configPath()}, m_options.output,
+                       why) ||
         !loadTemplate(why) || !loadBoneTable(why) || !readOperand(m_context, m_options.fbx, m_fbx, why))
         return false;
     m_request.fbx_path = m_options.fbx;
@@ -106,7 +113,7 @@ bool convert_run::load(failure& why)
 // lose the rest.
 bool convert_run::addToConfiguration(const std::string& path, std::string& reason) const
 {
-    const std::string config_path = m_context.config_path.empty() ? config_file::defaultPath() : m_context.config_path;
+    const std::string config_path = configPath();
     std::error_code error;
     config_file config;
     const bool is_there =
@@ -172,7 +179,11 @@ void convert_run::run()
     };
     silent_prompt prompt;
     if (!convertToAnimFile(m_request, m_options.output, ports, prompt, m_result, why))
+    {
+        if (why.path.empty())
+            why.path = m_options.template_anim;
         return m_context.fail(why);
+    }
     remember();
     report();
 }

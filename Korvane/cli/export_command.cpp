@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <memory>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -30,7 +32,7 @@ struct export_command_options
     std::vector<std::string> animations;
     std::size_t lod = 0;
     std::string texture_folder;
-    std::string folder_format = "fbx";
+    std::optional<std::string> folder_format; // "fbx" or "dae"
     bool is_without_materials = false;
     bool is_full_span = false;
 };
@@ -61,11 +63,15 @@ private:
 
     bool load(failure& why);
     void noteMismatch(const std::string& what, const std::string& named) const;
+    bool writesFolder() const { return isFolder(m_options.output) || m_options.animations.size() > 1; }
     std::vector<output_file> outputs() const;
-    bool prepareFolder(failure& why) const;
-    bool exportFile(scene_exporter& exporter, const output_file& file, std::size_t number, std::size_t total,
-                    failure& why);
+    bool isFree(const std::string& output, failure& why) const;
+    bool prepare(failure& why);
+    bool exportFile(const output_file& file, std::size_t number, std::size_t total, failure& why);
+    bool loadTake(const output_file& file, export_take& take, failure& why);
+    void reportFile(const output_file& file, const export_take& take);
     bool extractTextures(failure& why);
+    bool extractTexture(const std::string& internal_path, const model_texture_source& source, failure& why);
     std::filesystem::path outputFolder() const;
     export_options sceneOptions() const;
     void report(std::size_t total);
@@ -75,8 +81,8 @@ private:
     rmv2_file m_model;
     std::shared_ptr<const anim_data> m_skeleton;
     export_scene m_scene;
-    std::map<std::string, std::string> m_textures; // internal path to the extracted file
-    std::vector<std::string> m_lines;              // of the file that is being exported
+    std::map<std::string, std::string> m_textures; // internal path in lower case to the extracted file
+    std::unique_ptr<scene_exporter> m_exporter;    // once there is something to write
     std::size_t m_written = 0;
     json m_files = json::array();
     json m_failed = json::array();
@@ -85,8 +91,8 @@ private:
 void export_run::noteMismatch(const std::string& what, const std::string& named) const
 {
     if (!named.empty() && !equalsIgnoringCase(named, m_skeleton->skeleton_name))
-        m_context.note(displayText(what) + " is made for the skeleton " + displayText(named) + ", not for " +
-                       displayText(m_skeleton->skeleton_name));
+        m_context.note(terminalText(what) + " is made for the skeleton " + terminalText(named) + ", not for " +
+                       terminalText(m_skeleton->skeleton_name));
 }
 
 bool export_run::load(failure& why)
@@ -111,22 +117,23 @@ bool export_run::load(failure& why)
         return false;
     }
     for (const std::string& warning : m_scene.warnings)
-        m_context.note(warning);
+        m_context.note(terminalText(warning));
     return true;
 }
 
 std::vector<export_run::output_file> export_run::outputs() const
 {
-    const bool has_folder = isFolder(m_options.output) || m_options.animations.size() > 1;
+    const bool has_folder = writesFolder();
     const auto inFolder = [this](const std::string& name)
     {
-        return toUtf8(toPath(m_options.output) / toPath(name + "." + m_options.folder_format));
+        return toUtf8(toPath(m_options.output) / toPath(name + "." + m_options.folder_format.value_or("fbx")));
     };
     if (m_options.animations.empty())
     {
         const std::string name = baseName(m_options.model, ".rigid_model_v2");
-        return {
-            {has_folder ? inFolder(m_skeleton ? name + std::string(bind_pose_suffix) : name) : m_options.output, ""}};
+        return {{has_folder ? inFolder(!m_options.skeleton.empty() ? name + std::string(bind_pose_suffix) : name)
+                            : m_options.output,
+                 ""}};
     }
     std::vector<output_file> files;
     std::set<std::string> taken; // in lower case, as Windows compares names
@@ -141,40 +148,65 @@ std::vector<export_run::output_file> export_run::outputs() const
     return files;
 }
 
-bool export_run::prepareFolder(failure& why) const
+bool export_run::isFree(const std::string& output, failure& why) const
 {
-    if (!isFolder(m_options.output) && m_options.animations.size() < 2)
-        return true;
-    return createFolder(m_options.output, why);
+    std::vector<std::string> inputs = m_options.animations;
+    inputs.insert(inputs.end(), {m_options.model, m_options.skeleton, m_context.config_path});
+    return isFreeToWrite(inputs, output, why);
 }
 
-bool export_run::exportFile(scene_exporter& exporter, const output_file& file, std::size_t number, std::size_t total,
-                            failure& why)
+// Before the first file is written, and not when there is none.
+bool export_run::prepare(failure& why)
 {
-    m_lines.push_back(exportingLine(fileName(file.path), number, total));
-    m_context.progress(m_lines.back());
-    export_take take;
-    if (!file.animation.empty())
-    {
-        const auto animation = loadAnim(m_context, file.animation, anim_depth::animation, why);
-        if (!animation)
-            return false;
-        noteMismatch(file.animation, animation->skeleton_name);
-        if (!makeTake(animation, *m_skeleton, m_options.is_full_span ? take_span::full : take_span::half, take, why))
-        {
-            why.path = file.animation;
-            return false;
-        }
-    }
-    if (!exporter.save(file.path, file.animation.empty() ? nullptr : &take, why))
+    if (m_exporter)
+        return true;
+    if (!extractTextures(why) || (writesFolder() && !createFolder(m_options.output, why)))
         return false;
+    const auto print = [this](const std::string& text)
+    {
+        const std::size_t begin = text.find_first_not_of('\n'), end = text.find_last_not_of('\n') + 1;
+        m_context.note(terminalText(text.substr(begin, end - begin)));
+    };
+    m_exporter = std::make_unique<scene_exporter>(m_scene, sceneOptions(), print);
+    return true;
+}
+
+bool export_run::loadTake(const output_file& file, export_take& take, failure& why)
+{
+    const auto animation = loadAnim(m_context, file.animation, anim_depth::animation, why);
+    if (!animation)
+        return false;
+    noteMismatch(file.animation, animation->skeleton_name);
+    if (makeTake(animation, *m_skeleton, m_options.is_full_span ? take_span::full : take_span::half, take, why))
+        return true;
+    why.path = file.animation;
+    return false;
+}
+
+bool export_run::exportFile(const output_file& file, std::size_t number, std::size_t total, failure& why)
+{
+    const std::string line = terminalText(exportingLine(fileName(file.path), number, total));
+    m_context.progress(line);
+    export_take take;
+    if ((!file.animation.empty() && !loadTake(file, take, why)) || !prepare(why))
+        return false;
+    m_context.note(line);
+    if (!m_exporter->save(file.path, file.animation.empty() ? nullptr : &take, why))
+        return false;
+    ++m_written;
+    reportFile(file, take);
+    return true;
+}
+
+void export_run::reportFile(const output_file& file, const export_take& take)
+{
     std::size_t points = 0, triangles = 0;
     for (const export_mesh& mesh : m_scene.meshes)
     {
         points += mesh.points.size() / 3;
         triangles += mesh.triangles.size() / 3;
     }
-    m_files.push_back({{"path", file.path},
+    m_files.push_back({{"path", displayText(file.path)},
                        {"animation", file.animation.empty() ? json(nullptr) : json(displayText(file.animation))},
                        {"bones", m_scene.bones.size()},
                        {"meshes", m_scene.meshes.size()},
@@ -183,7 +215,6 @@ bool export_run::exportFile(scene_exporter& exporter, const output_file& file, s
                        {"frames", take.frame_count},
                        {"frame_rate", take.frame_rate},
                        {"take_stop", take.stop_seconds}});
-    return true;
 }
 
 // Copies the textures that the materials name below the folder. Those that are nowhere are named and left out.
@@ -196,33 +227,36 @@ bool export_run::extractTextures(failure& why)
     const model_texture_source source(m_options.model,
                                       [this](const std::string& line)
                                       {
-                                          m_context.note(displayText(line));
+                                          m_context.note(terminalText(line));
                                       });
     for (const export_material& material : m_scene.materials)
         for (const std::string& internal_path : {material.diffuse_path, material.normal_path})
-        {
-            if (internal_path.empty() || m_textures.contains(internal_path))
-                continue;
-            std::string reason;
-            const std::optional<std::string> relative = relativeDiskPath(internal_path, reason);
-            const std::optional<memory_file> bytes = relative ? source.read(internal_path) : std::nullopt;
-            if (!bytes)
-            {
-                m_context.note(displayText(internal_path) + ": the texture " +
-                               (relative ? "was found nowhere" : "is refused: " + reason));
-                m_textures.emplace(internal_path, "");
-                continue;
-            }
-            const std::filesystem::path target = toPath(m_options.texture_folder) / toPath(*relative);
-            std::error_code error;
-            std::filesystem::create_directories(target.parent_path(), error);
-            if (error)
-                return fail(why, failure_kind::unwritable, "the folder cannot be created: " + error.message(),
-                            toUtf8(target.parent_path()));
-            if (!writeWholeFile(toUtf8(target), bytes->bytes(), why))
+            if (!internal_path.empty() && !m_textures.contains(toLower(internal_path)) &&
+                !extractTexture(internal_path, source, why))
                 return false;
-            m_textures.emplace(internal_path, toUtf8(target));
-        }
+    return true;
+}
+
+// Spellings that differ in case mean one texture: the file's name is in lower case.
+bool export_run::extractTexture(const std::string& internal_path, const model_texture_source& source, failure& why)
+{
+    const std::string key = toLower(internal_path);
+    std::string reason;
+    const std::optional<std::string> relative = relativeDiskPath(key, reason);
+    const std::optional<memory_file> bytes = relative ? source.read(internal_path) : std::nullopt;
+    if (!bytes)
+    {
+        m_context.note(terminalText(internal_path) + ": the texture " +
+                       (relative ? "was found nowhere" : "is refused: " + reason));
+        m_textures.emplace(key, "");
+        return true;
+    }
+    const std::filesystem::path target = toPath(m_options.texture_folder) / toPath(*relative);
+    const std::string path = toUtf8(target);
+    if (!isFree(path, why) || !createFolder(toUtf8(target.parent_path()), why) ||
+        !writeWholeFile(path, bytes->bytes(), why))
+        return false;
+    m_textures.emplace(key, path);
     return true;
 }
 
@@ -230,15 +264,18 @@ bool export_run::extractTextures(failure& why)
 std::filesystem::path export_run::outputFolder() const
 {
     std::filesystem::path folder = toPath(m_options.output);
-    if (!isFolder(m_options.output) && m_options.animations.size() < 2)
+    if (!writesFolder())
         folder = folder.parent_path();
     return folder;
 }
 
+// With '/', and without a drive or a root in front: the path is to be relative.
 std::string slashed(std::string path)
 {
     std::replace(path.begin(), path.end(), '\\', '/');
-    return path;
+    if (path.size() > 1 && path[1] == ':')
+        path.erase(0, 2);
+    return path.substr(std::min(path.find_first_not_of('/'), path.size()));
 }
 
 export_options export_run::sceneOptions() const
@@ -248,10 +285,12 @@ export_options export_run::sceneOptions() const
     const std::filesystem::path folder = (here / outputFolder()).lexically_normal();
     const auto texturePath = [this, here, folder](const std::string& internal_path)
     {
-        const auto found = m_textures.find(internal_path);
+        const auto found = m_textures.find(toLower(internal_path));
         if (found == m_textures.end() || found->second.empty())
             return slashed(displayText(internal_path));
-        return slashed(toUtf8((here / toPath(found->second)).lexically_normal().lexically_proximate(folder)));
+        std::string path = toUtf8((here / toPath(found->second)).lexically_normal().lexically_proximate(folder));
+        std::replace(path.begin(), path.end(), '\\', '/'); // it may lie on another drive
+        return path;
     };
     return {!m_options.is_without_materials, texturePath};
 }
@@ -259,28 +298,20 @@ export_options export_run::sceneOptions() const
 void export_run::run()
 {
     failure why;
-    if (!load(why) || !prepareFolder(why) || !extractTextures(why))
-        return m_context.fail(why);
-    scene_exporter exporter(m_scene, sceneOptions(),
-                            [this](const std::string& text)
-                            {
-                                m_lines.push_back(text.substr(0, text.find_last_not_of('\n') + 1));
-                            });
     const std::vector<output_file> files = outputs();
+    for (const output_file& file : files)
+        if (!isFree(file.path, why))
+            return m_context.fail(why);
+    if (!load(why))
+        return m_context.fail(why);
     for (std::size_t i = 0; i < files.size(); ++i)
     {
         failure reason;
-        m_lines.clear();
-        if (exportFile(exporter, files[i], i + 1, files.size(), reason))
-        {
-            ++m_written;
-            for (const std::string& line : m_lines)
-                m_context.note(line);
+        if (exportFile(files[i], i + 1, files.size(), reason))
             continue;
-        }
         if (files.size() == 1)
             return m_context.fail(reason);
-        m_context.note(displayText(describe(reason)));
+        m_context.note(terminalText(describe(reason)));
         m_failed.push_back({{"animation", displayText(files[i].animation)}, {"reason", displayText(describe(reason))}});
     }
     report(files.size());
@@ -293,8 +324,8 @@ void export_run::report(std::size_t total)
     {
         json textures = json::array();
         for (const auto& [internal_path, path] : m_textures)
-            textures.push_back(
-                {{"internal_path", displayText(internal_path)}, {"path", path.empty() ? json(nullptr) : json(path)}});
+            textures.push_back({{"internal_path", displayText(internal_path)},
+                                {"path", path.empty() ? json(nullptr) : json(displayText(path))}});
         m_context.printJson({{"files", std::move(m_files)},
                              {"failed", std::move(m_failed)},
                              {"textures", std::move(textures)},
@@ -315,6 +346,8 @@ void checkOptions(const export_command_options& options)
     const bool is_file = hasExportExtension(options.output) && !isFolder(options.output);
     if (options.animations.size() > 1 && is_file)
         throw CLI::ValidationError("-o", "several animations need a folder, one file is written for each");
+    if (is_file && options.folder_format && !endsWithIgnoringCase(options.output, "." + *options.folder_format))
+        throw CLI::ValidationError("--format", "the file's name says another format: " + options.output);
     if (options.animations.size() < 2 && !is_file && !isFolder(options.output))
         throw CLI::ValidationError("-o",
                                    "the name must end in .fbx or .dae, or be that of a folder: " + options.output);
@@ -338,7 +371,9 @@ void addExportCommand(CLI::App& app, cli_context& context)
     command->add_option("--anim", options->animations, "An animation; may be given more than once, with a folder as -o")
         ->type_name("ANIM")
         ->allow_extra_args(false);
-    command->add_option("--lod", options->lod, "Level of detail; 0, the finest, without it")->type_name("N");
+    command->add_option("--lod", options->lod, "Level of detail; 0, the finest, without it")
+        ->type_name("N")
+        ->check(wholeNumber());
     command->add_option("--textures", options->texture_folder, "Copy the diffuse and normal textures below this folder")
         ->type_name("DIR")
         ->check(notEmpty());

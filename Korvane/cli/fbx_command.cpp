@@ -42,7 +42,16 @@ void runDump(cli_context& context, const fbx_options& options)
         why.path = options.file;
         return context.fail(why);
     }
-    context.print(dumpFbx(document, options.array_limit));
+    std::string dump = dumpFbx(document, options.array_limit);
+    if (!context.is_json)
+        return context.print(dump);
+    json lines = json::array(); // the dump is UTF-8 whatever the file's texts are
+    for (std::size_t begin = 0, end = 0; begin < dump.size(); begin = end + 1)
+    {
+        end = std::min(dump.find('\n', begin), dump.size());
+        lines.push_back(dump.substr(begin, end - begin));
+    }
+    context.printJson({{"lines", std::move(lines)}});
 }
 
 void runScene(cli_context& context, const fbx_options& options)
@@ -111,6 +120,7 @@ void addFbxCommand(CLI::App& app, cli_context& context)
         command->add_flag("--dump", options->is_dump, "All records of the document, one line each");
     command->add_option("--numbers", options->array_limit, "With --dump: show N numbers of an array (0: all)")
         ->type_name("N")
+        ->check(wholeNumber())
         ->needs(dump);
     CLI::Option* const scene =
         command->add_flag("--scene", options->is_scene, "The whole scene, as JSON")->excludes(dump);

@@ -1,5 +1,7 @@
 #include "Korvane/fbx/anim_template.h"
 
+#include "EASY_GUI/services/text.h"
+
 #include <algorithm>
 #include <unordered_map>
 
@@ -63,12 +65,12 @@ std::vector<std::uint32_t> selected(const anim_data& data, const std::vector<std
 {
     std::unordered_map<std::string, std::uint32_t> by_name;
     for (std::uint32_t i = 0; i < data.bones.size(); ++i)
-        by_name.emplace(data.bones[i].name, i);
+        by_name.emplace(displayText(data.bones[i].name), i);
     std::vector<std::uint32_t> result;
     std::vector<bool> is_taken(data.bones.size(), false);
     for (const std::string& name : names)
     {
-        const auto found = by_name.find(name);
+        const auto found = by_name.find(displayText(name));
         if (found == by_name.end())
             unknown.push_back(name);
         else if (!is_taken[found->second])
@@ -113,6 +115,33 @@ std::vector<std::uint32_t> renumbered(const std::vector<std::uint32_t>& map, con
 }
 
 } // namespace
+
+bool checkParents(const anim_data& data, failure& why)
+{
+    const auto count = static_cast<std::int32_t>(data.bones.size());
+    const auto refuse = [&](std::size_t bone, const std::string& text)
+    {
+        why.offset = data.bones[bone].parent_offset;
+        why.field = "bone table, bone " + std::to_string(bone) + ", parent";
+        return fail(why, failure_kind::malformed,
+                    "bone " + std::to_string(bone) + " (" + displayText(data.bones[bone].name) + ") " + text);
+    };
+    for (std::size_t i = 0; i < data.bones.size(); ++i)
+        if (data.bones[i].parent >= count)
+            return refuse(i, "has the parent " + std::to_string(data.bones[i].parent) + ", but there are " +
+                                 std::to_string(count) + " bones");
+    for (std::size_t i = 0; i < data.bones.size(); ++i)
+    {
+        std::int32_t above = data.bones[i].parent;
+        for (std::int32_t step = 0; step < count && above >= 0; ++step)
+        {
+            if (static_cast<std::size_t>(above) == i)
+                return refuse(i, "is among its own descendants");
+            above = data.bones[static_cast<std::size_t>(above)].parent;
+        }
+    }
+    return true;
+}
 
 std::size_t anim_template::translationCount() const
 {

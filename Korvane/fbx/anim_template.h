@@ -4,6 +4,7 @@
 // where those stand that nothing else is known of. Values are the files' own: metres, mirrored in X against the
 // program.
 
+#include "EASY_GUI/services/failure.h"
 #include "Korvane/animation/anim_file.h"
 
 #include <glm/gtc/quaternion.hpp>
@@ -39,6 +40,9 @@ struct anim_template
     std::size_t translationCount() const;
     std::size_t rotationCount() const;
 };
+
+// False, with the place in the file, when a bone's parent is no bone or its own descendant.
+[[nodiscard]] bool checkParents(const anim_data& data, failure& why);
 
 // All bones in the template's order, its maps untouched; or those selected, in that order, their tracks numbered anew
 // and their parents the nearest ones selected. What is selected twice counts once.

@@ -49,6 +49,9 @@ std::string xmlText(std::string_view text)
     for (char& character : result)
         if (static_cast<unsigned char>(character) < 0x20)
             character = '_';
+    for (const std::string_view no_character : {"\xef\xbf\xbe", "\xef\xbf\xbf"}) // U+FFFE, U+FFFF
+        for (std::size_t at = result.find(no_character); at != std::string::npos; at = result.find(no_character, at))
+            result.replace(at, no_character.size(), "_");
     return result;
 }
 

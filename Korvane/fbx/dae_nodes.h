@@ -16,7 +16,7 @@
 namespace korvane::dae_nodes
 {
 
-// A text for an attribute or element: control characters, which XML cannot hold, become '_'.
+// A text for an attribute or element: control characters and U+FFFE and U+FFFF, which XML cannot hold, become '_'.
 [[nodiscard]] std::string xmlText(std::string_view text);
 
 // Ids of one document: made of a wish, letters, digits, '_', '-' and '.' kept, never given twice.

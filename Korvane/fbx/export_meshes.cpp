@@ -171,6 +171,8 @@ bool addMeshes(const RMV2_FILE_DATA& model, std::size_t lod, export_scene& scene
         return fail(why, failure_kind::refused,
                     "there is no LOD " + std::to_string(lod) + ", the model has " + std::to_string(model.lods.size()));
     const std::vector<group_data>& groups = model.lods[lod].groups;
+    if (groups.empty())
+        scene.warnings.push_back("LOD " + std::to_string(lod) + " of the model has no groups: there are no meshes");
     for (std::size_t i = 0; i < groups.size(); ++i)
     {
         const group_data& group = groups[i];

@@ -1,6 +1,7 @@
 #include "Korvane/fbx/export_scene.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/fbx/anim_template.h"
 #include "Korvane/fbx/euler_keys.h"
 #include "Korvane/fbx/export_space.h"
 
@@ -29,13 +30,8 @@ glm::dvec3 limbColour(const export_bone& bone)
     return contains("right") ? glm::dvec3(1, 0, 0) : glm::dvec3(1, 1, 0);
 }
 
-bool boneFailure(failure& why, std::size_t bone, const std::string& name, const std::string& text)
-{
-    return fail(why, failure_kind::malformed, "bone " + std::to_string(bone) + " (" + displayText(name) + ") " + text);
-}
-
-// Parents before children; empty, with the reason, when the bones make no trees.
-std::vector<std::size_t> parentsFirst(const std::vector<export_bone>& bones, failure& why)
+// Of bones that make trees.
+std::vector<std::size_t> parentsFirst(const std::vector<export_bone>& bones)
 {
     std::vector<std::size_t> order;
     std::vector<std::size_t> chain;
@@ -44,11 +40,6 @@ std::vector<std::size_t> parentsFirst(const std::vector<export_bone>& bones, fai
     {
         for (std::size_t bone = i; !is_placed[bone]; bone = static_cast<std::size_t>(bones[bone].parent))
         {
-            if (chain.size() == bones.size())
-            {
-                boneFailure(why, i, bones[i].name, "is among its own descendants");
-                return {};
-            }
             chain.push_back(bone);
             if (bones[bone].parent < 0)
                 break;
@@ -62,20 +53,16 @@ std::vector<std::size_t> parentsFirst(const std::vector<export_bone>& bones, fai
     return order;
 }
 
-bool makeBone(const anim_bone& source, std::size_t index, std::size_t count, export_bone& bone, failure& why)
+bool makeBone(const anim_bone& source, std::size_t index, export_bone& bone, failure& why)
 {
     bone.name = displayText(source.name);
     bone.parent = std::max(source.parent, -1);
-    if (bone.parent >= static_cast<std::int32_t>(count))
-        return boneFailure(why, index, source.name,
-                           "has the parent " + std::to_string(source.parent) + ", but there are " +
-                               std::to_string(count) + " bones");
     if (!isExportable(source.translation) || !isFinite(source.rotation))
-        return boneFailure(why, index, source.name, "has a bind pose that is no number, or too large");
-    bone.is_root = index == 0 && bone.parent < 0;
+        return fail(why, failure_kind::malformed,
+                    "bone " + std::to_string(index) + " (" + bone.name +
+                        ") has a bind pose that is no number, or too large");
     bone.translation = exportedTranslation(source.translation);
     bone.euler_degrees = principalAngles(exportedRotation(source.rotation));
-    bone.limb_colour = limbColour(bone);
     return true;
 }
 
@@ -86,12 +73,21 @@ bool addBones(const anim_data& skeleton, export_scene& scene, failure& why)
     std::vector<export_bone> bones(skeleton.bones.size());
     if (bones.empty())
         return fail(why, failure_kind::malformed, "the skeleton has no bones");
-    for (std::size_t i = 0; i < bones.size(); ++i)
-        if (!makeBone(skeleton.bones[i], i, bones.size(), bones[i], why))
-            return false;
-    const std::vector<std::size_t> order = parentsFirst(bones, why);
-    if (order.empty())
+    if (!checkParents(skeleton, why))
         return false;
+    for (std::size_t i = 0; i < bones.size(); ++i)
+        if (!makeBone(skeleton.bones[i], i, bones[i], why))
+            return false;
+    const auto root = std::find_if(bones.begin(), bones.end(),
+                                   [](const export_bone& bone)
+                                   {
+                                       return bone.parent < 0;
+                                   });
+    if (root != bones.end())
+        root->is_root = true;
+    for (export_bone& bone : bones)
+        bone.limb_colour = limbColour(bone);
+    const std::vector<std::size_t> order = parentsFirst(bones);
     for (const std::size_t i : order)
     {
         export_bone& bone = bones[i];

@@ -34,7 +34,7 @@ struct export_bone
 {
     std::string name;
     std::int32_t parent = -1;  // -1: hangs on the scene itself
-    bool is_root = false;      // the first bone, when it has no parent
+    bool is_root = false;      // the first bone without a parent
     glm::dvec3 translation{0}; // bind pose, relative to the parent
     glm::dvec3 euler_degrees{0};
     glm::dmat4 global{1}; // bind pose, bone to world

@@ -60,8 +60,8 @@ public:
             time_record != nullptr ? time_record->integers() : std::vector<std::int64_t>();
         const std::vector<double> values = takeNumbers(findChild(m_record, "KeyValueFloat"));
         if (times.size() != values.size())
-            return malformed("has " + std::to_string(times.size()) + " key times, but " +
-                             std::to_string(values.size()) + " values");
+            return malformed("KeyTime", "has " + std::to_string(times.size()) + " key times, but " +
+                                            std::to_string(values.size()) + " values");
         curve.keys.resize(times.size());
         for (std::size_t i = 0; i < times.size(); ++i)
         {
@@ -69,14 +69,15 @@ public:
             curve.keys[i].value = values[i];
         }
         readExtrapolation(m_record, curve);
-        return readAttributes(curve) && checkKeyTimes(curve, m_work.label(m_object), m_why);
+        return readAttributes(curve) && checkKeyTimes(curve, time_record != nullptr ? *time_record : m_record,
+                                                      "Objects/AnimationCurve/KeyTime", m_work.label(m_object), m_why);
     }
 
 private:
-    bool malformed(const std::string& what)
+    bool malformed(std::string_view child, const std::string& what)
     {
         const std::string number = " " + std::to_string(m_record.integerAt(0)) + " ";
-        return fail(m_why, failure_kind::malformed, m_work.label(m_object) + number + what);
+        return m_work.malformed(m_object, child, m_work.label(m_object) + number + what, m_why);
     }
 
     // Attribute i serves as many keys as its count says.
@@ -86,21 +87,22 @@ private:
         const std::vector<std::int32_t> counts = takeIntegers(findChild(m_record, "KeyAttrRefCount"));
         const std::vector<float> data = attributeData(m_record.find("KeyAttrDataFloat"));
         if (flags.size() != counts.size() || data.size() / 4 < flags.size())
-            return malformed("has " + std::to_string(flags.size()) + " attribute flags, " +
-                             std::to_string(counts.size()) + " counts and " + std::to_string(data.size()) +
-                             " data, which do not fit together");
+            return malformed("KeyAttrFlags", "has " + std::to_string(flags.size()) + " attribute flags, " +
+                                                 std::to_string(counts.size()) + " counts and " +
+                                                 std::to_string(data.size()) + " data, which do not fit together");
         std::size_t key = 0;
         for (std::size_t i = 0; i < flags.size(); ++i)
         {
             if (counts[i] < 0 || static_cast<std::size_t>(counts[i]) > curve.keys.size() - key)
-                return malformed("has attributes for more than its " + std::to_string(curve.keys.size()) + " keys");
+                return malformed("KeyAttrRefCount",
+                                 "has attributes for more than its " + std::to_string(curve.keys.size()) + " keys");
             for (std::int32_t n = 0; n < counts[i]; ++n)
                 curve.keys[key++].attribute = static_cast<std::uint32_t>(i);
             curve.attributes.push_back(makeAttribute(static_cast<std::uint32_t>(flags[i]), &data[4 * i]));
         }
         if (key < curve.keys.size())
-            return malformed("has attributes for " + std::to_string(key) + " of its " +
-                             std::to_string(curve.keys.size()) + " keys");
+            return malformed("KeyAttrRefCount", "has attributes for " + std::to_string(key) + " of its " +
+                                                    std::to_string(curve.keys.size()) + " keys");
         return true;
     }
 
@@ -317,12 +319,14 @@ void readExtrapolation(const fbx_record& record, fbx_curve& curve)
     readOutside(record.find("Post-Extrapolation"), curve.after);
 }
 
-bool checkKeyTimes(const fbx_curve& curve, const std::string& label, failure& why)
+bool checkKeyTimes(const fbx_curve& curve, const fbx_record& record, const std::string& field, const std::string& label,
+                   failure& why)
 {
     for (std::size_t i = 1; i < curve.keys.size(); ++i)
         if (curve.keys[i].time < curve.keys[i - 1].time)
-            return fail(why, failure_kind::malformed,
-                        label + ": the time of key " + std::to_string(i) + " is before that of the key before it");
+            return failRecord(why, record, field,
+                              label + ": the time of key " + std::to_string(i) +
+                                  " is before that of the key before it");
     return true;
 }
 

@@ -177,7 +177,8 @@ bool binary_parser::readList(std::vector<fbx_record>& records, std::uint64_t lis
                           "the record ends at byte " + std::to_string(header.end) + ", but what holds it ends at " +
                               std::to_string(list_end),
                           "end");
-        if (!readRecord(records.emplace_back(), header))
+        records.emplace_back().offset = header.begin;
+        if (!readRecord(records.back(), header))
             return false;
         m_names.pop_back();
     }
@@ -308,9 +309,10 @@ bool binary_parser::readArray(byte_reader& in, fbx_record& record)
                           std::to_string(stored) + (encoding == 0 ? " bytes" : " compressed bytes"),
                       "array length");
     m_array_bytes += size;
-    if (m_array_bytes > fbx_array_bytes_limit)
+    if (const std::uint64_t limit = unpackedArraysLimit(m_in.size()); m_array_bytes > limit) // before it is made
         return failAt(begin - 12, failure_kind::malformed,
-                      "the file's arrays have more than " + std::to_string(fbx_array_bytes_limit) + " bytes",
+                      "the file's arrays have more than " + std::to_string(limit) +
+                          " bytes when unpacked, too many for a file of " + std::to_string(m_in.size()),
                       "array length");
 
     // The elements stay where they are when the value, and later the record, moves.

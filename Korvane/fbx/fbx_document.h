@@ -40,6 +40,7 @@ struct fbx_record
     // A list record ends with an empty record in binary files even when it has no children; kept so that what is
     // written is what was read.
     bool is_list = false;
+    std::uint64_t offset = 0; // where it begins in the file that it was read from
 
     fbx_record() = default;
     explicit fbx_record(std::string record_name) : name(std::move(record_name)) {}
@@ -85,8 +86,9 @@ struct fbx_document
 
 // Reads either form; which one it is, the first bytes say. False, with the reason and the position, for anything that
 // contradicts itself; the document then stays as it is, and so it does for bad_alloc, the only thing thrown. Limits:
-// depth of records (64), length of names (255), bytes of all unpacked arrays (4 GiB), and no count or length that the
-// file's own bytes do not justify. Large compressed arrays are unpacked by several threads, which have ended on return.
+// depth of records (64), length of names (255), bytes of all unpacked arrays (256 MiB, or 64 times the file's size, but
+// never more than 4 GiB), and no count or length that the file's own bytes do not justify. Large compressed arrays are
+// unpacked by several threads, which have ended on return.
 [[nodiscard]] bool readFbx(std::span<const std::byte> bytes, fbx_document& document, failure& why);
 
 // A binary file of version 7400, whatever the document's own version and byte order. FileId, CreationTime and the

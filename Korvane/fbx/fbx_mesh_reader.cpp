@@ -40,8 +40,8 @@ public:
     {
         mesh.points = takeNumbers(findChild(m_record, "Vertices"));
         if (mesh.points.size() % 3 != 0 || mesh.points.size() / 3 > std::numeric_limits<std::int32_t>::max())
-            return malformed("Vertices has " + std::to_string(mesh.points.size()) +
-                             " numbers: not three for each control point");
+            return malformed("Vertices", "Vertices has " + std::to_string(mesh.points.size()) +
+                                             " numbers: not three for each control point");
         if (!readPolygons(mesh))
             return false;
         for (fbx_record& child : m_record.children)
@@ -56,19 +56,28 @@ public:
     }
 
 private:
-    bool malformed(const std::string& what)
+    static constexpr std::string_view corners_name = "PolygonVertexIndex";
+
+    bool malformed(std::string_view child, const std::string& what)
     {
-        return fail(m_why, failure_kind::malformed, m_work.label(m_object) + ": " + what);
+        return m_work.malformed(m_object, child, m_work.label(m_object) + ": " + what, m_why);
+    }
+    bool malformedElement(const fbx_record& element, std::string_view child, const std::string& what)
+    {
+        const fbx_record* const found = element.find(child);
+        const std::string field = "Objects/" + m_record.name + "/" + element.name;
+        return failRecord(m_why, found != nullptr ? *found : element,
+                          found != nullptr ? field + "/" + found->name : field, m_work.label(m_object) + ": " + what);
     }
 
     // The last corner of a polygon is stored as its bits inverted.
     bool readPolygons(fbx_mesh& mesh)
     {
-        const std::vector<std::int32_t> indices = takeIntegers(findChild(m_record, "PolygonVertexIndex"));
+        const std::vector<std::int32_t> indices = takeIntegers(findChild(m_record, corners_name));
         if (indices.size() > std::numeric_limits<std::uint32_t>::max())
-            return malformed("there are " + std::to_string(indices.size()) + " corners of polygons");
+            return malformed(corners_name, "there are " + std::to_string(indices.size()) + " corners of polygons");
         if (!indices.empty() && indices.back() >= 0)
-            return malformed("the last polygon of PolygonVertexIndex is not closed");
+            return malformed(corners_name, "the last polygon of PolygonVertexIndex is not closed");
         const std::size_t count = mesh.pointCount();
         mesh.corners.resize(indices.size());
         for (std::size_t i = 0; i < indices.size(); ++i)
@@ -76,8 +85,9 @@ private:
             const bool is_last = indices[i] < 0;
             const auto point = static_cast<std::uint32_t>(is_last ? ~indices[i] : indices[i]);
             if (point >= count)
-                return malformed("corner " + std::to_string(i) + " of PolygonVertexIndex is control point " +
-                                 std::to_string(point) + " of " + std::to_string(count));
+                return malformed(corners_name, "corner " + std::to_string(i) +
+                                                   " of PolygonVertexIndex is control point " + std::to_string(point) +
+                                                   " of " + std::to_string(count));
             mesh.corners[i] = point;
             if (is_last)
                 mesh.polygon_ends.push_back(static_cast<std::uint32_t>(i + 1));
@@ -120,27 +130,33 @@ private:
         element.values = takeNumbers(findChild(record, values_name));
         if (reference != nullptr && reference->textAt(0) != "Direct")
             element.indices = takeIntegers(findChild(record, indices_name));
-        if (!checkElement(record.name, element, mesh))
+        if (!checkElement(record, values_name, indices_name, element, mesh))
             return false;
         list.push_back(std::move(element));
         return true;
     }
 
-    bool checkElement(const std::string& name, const fbx_layer_element& element, const fbx_mesh& mesh)
+    bool checkElement(const fbx_record& record, std::string_view values_name, std::string_view indices_name,
+                      const fbx_layer_element& element, const fbx_mesh& mesh)
     {
+        const std::string& name = record.name;
         const std::size_t needed = entryCount(element.mapping, mesh);
         const std::size_t available = element.values.size() / element.width;
         if (element.values.size() % element.width != 0)
-            return malformed(name + " has " + std::to_string(element.values.size()) + " numbers: not " +
-                             std::to_string(element.width) + " for each entry");
+            return malformedElement(record, values_name,
+                                    name + " has " + std::to_string(element.values.size()) + " numbers: not " +
+                                        std::to_string(element.width) + " for each entry");
         const std::size_t count = element.indices.empty() ? available : element.indices.size();
         if (count < needed)
-            return malformed(name + " has " + std::to_string(count) + " entries for " + std::to_string(needed) +
-                             " places");
+            return malformedElement(record, element.indices.empty() ? values_name : indices_name,
+                                    name + " has " + std::to_string(count) + " entries for " + std::to_string(needed) +
+                                        " places");
         for (std::size_t i = 0; i < element.indices.size(); ++i)
             if (element.indices[i] < -1 || element.indices[i] >= static_cast<std::int64_t>(available))
-                return malformed("index " + std::to_string(i) + " of " + name + " is " +
-                                 std::to_string(element.indices[i]) + " of " + std::to_string(available) + " entries");
+                return malformedElement(record, indices_name,
+                                        "index " + std::to_string(i) + " of " + name + " is " +
+                                            std::to_string(element.indices[i]) + " of " + std::to_string(available) +
+                                            " entries");
         return true;
     }
 
@@ -209,14 +225,16 @@ private:
         cluster.indices = takeIntegers(findChild(record, "Indexes"));
         cluster.weights = takeNumbers(findChild(record, "Weights"));
         if (cluster.indices.size() != cluster.weights.size())
-            return fail(m_why, failure_kind::malformed,
-                        m_work.label(object) + " has " + std::to_string(cluster.indices.size()) + " indices, but " +
-                            std::to_string(cluster.weights.size()) + " weights");
+            return m_work.malformed(object, "Weights",
+                                    m_work.label(object) + " has " + std::to_string(cluster.indices.size()) +
+                                        " indices, but " + std::to_string(cluster.weights.size()) + " weights",
+                                    m_why);
         for (const std::int32_t index : cluster.indices)
             if (index < 0 || static_cast<std::size_t>(index) >= mesh.pointCount())
-                return fail(m_why, failure_kind::malformed,
-                            m_work.label(object) + " moves control point " + std::to_string(index) + " of " +
-                                std::to_string(mesh.pointCount()));
+                return m_work.malformed(object, "Indexes",
+                                        m_work.label(object) + " moves control point " + std::to_string(index) +
+                                            " of " + std::to_string(mesh.pointCount()),
+                                        m_why);
         static_cast<void>(readMatrix(findChild(record, "Transform"), cluster.mesh_to_bone));
         static_cast<void>(readMatrix(findChild(record, "TransformLink"), cluster.bone_to_world));
         if (cluster.bone == fbx_none)

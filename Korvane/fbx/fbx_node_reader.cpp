@@ -135,8 +135,8 @@ private:
         for (std::size_t i = 0; i < m_order.size(); ++i)
         {
             if (m_depth[i] > max_depth)
-                return fail(m_why, failure_kind::malformed,
-                            "nodes are nested more than " + std::to_string(max_depth) + " deep");
+                return m_work.malformed(m_order[i], {},
+                                        "nodes are nested more than " + std::to_string(max_depth) + " deep", m_why);
             placeChildren(m_order[i], i);
         }
         return m_order.size() == m_model_count || failAtCircle();
@@ -243,9 +243,10 @@ private:
             ++object;
         for (std::size_t step = 0; step < m_model_count; ++step) // by then it is one of the circle
             object = m_parent[object];
-        return fail(m_why, failure_kind::malformed,
-                    "the node \"" + std::string(m_work.objects[object].name) +
-                        "\" is its own ancestor: the parents of the nodes run in a circle");
+        return m_work.malformed(object, {},
+                                "the node \"" + std::string(m_work.objects[object].name) +
+                                    "\" is its own ancestor: the parents of the nodes run in a circle",
+                                m_why);
     }
 
     fbx_scene_work& m_work;

@@ -67,6 +67,16 @@ void addNote(std::vector<std::string>& notes, std::string text)
         notes.emplace_back("more was left out, without a note for each");
 }
 
+bool failRecord(failure& why, const fbx_record& record, std::string field, std::string what)
+{
+    if (!why)
+    {
+        why.offset = record.offset;
+        why.field = std::move(field);
+    }
+    return fail(why, failure_kind::malformed, std::move(what));
+}
+
 bool fbx_object_table::build(fbx_document& document, std::vector<std::string>& notes, failure& why)
 {
     m_is_numbered = document.version >= 7000;
@@ -112,9 +122,9 @@ bool fbx_object_table::addObject(fbx_record& record, std::vector<std::string>& n
     {
         const std::int64_t number = record.integerAt(0);
         if (!m_by_number.emplace(number, m_objects.size()).second)
-            return fail(why, failure_kind::malformed,
-                        "two objects have the number " + std::to_string(number) + "; the second one is the " +
-                            record.name + " \"" + std::string(object.name) + "\"");
+            return failRecord(why, record, "Objects/" + record.name + ", number",
+                              "two objects have the number " + std::to_string(number) + "; the second one is the " +
+                                  record.name + " \"" + std::string(object.name) + "\"");
     }
     else if (!m_by_name.emplace(nameKey(full_name), m_objects.size()).second)
         addNote(notes, "the name of the " + record.name + " \"" + std::string(object.name) +

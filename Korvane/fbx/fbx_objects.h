@@ -97,6 +97,9 @@ void forEachProperty(const fbx_record& owner, const action_type& action)
             action(property.textAt(0), property, is_new ? std::size_t{4} : std::size_t{3});
 }
 
+// The failure of a record, with its place in the file and, as the field, its path; always false.
+bool failRecord(failure& why, const fbx_record& record, std::string field, std::string what);
+
 // Adds a note unless there are a hundred already.
 void addNote(std::vector<std::string>& notes, std::string text);
 

@@ -4,6 +4,9 @@
 
 #include "Korvane/fbx/fbx_document.h"
 
+#include <algorithm>
+#include <cstdint>
+
 namespace korvane
 {
 
@@ -14,7 +17,14 @@ inline constexpr std::uint32_t fbx_newest_version = 7700;
 inline constexpr std::uint32_t fbx_first_wide_version = 7500; // from here on positions have 64 bits
 inline constexpr std::size_t fbx_depth_limit = 64;
 inline constexpr std::size_t fbx_name_limit = 255;
-inline constexpr std::uint64_t fbx_array_bytes_limit = std::uint64_t{4} << 30; // of all arrays of a file, unpacked
+
+// Bytes of all arrays of a file, unpacked. Arrays of real files shrink to a third or a tenth; a stream of zeros shrinks
+// to a thousandth, and a small file must not take all memory.
+[[nodiscard]] constexpr std::uint64_t unpackedArraysLimit(std::uint64_t file_bytes)
+{
+    constexpr std::uint64_t least = std::uint64_t{256} << 20, most = std::uint64_t{4} << 30, ratio = 64;
+    return std::clamp(file_bytes > most / ratio ? most : file_bytes * ratio, least, most);
+}
 
 // False with the failure when the version is not one of those read.
 [[nodiscard]] bool isReadVersion(std::uint32_t version, std::uint64_t offset, failure& why);

@@ -99,6 +99,14 @@ std::string fbx_scene_work::label(std::size_t object) const
     return std::string(objects[object].kind()) + " \"" + std::string(objects[object].name) + "\"";
 }
 
+bool fbx_scene_work::malformed(std::size_t object, std::string_view child, std::string what, failure& why) const
+{
+    const fbx_record& record = *objects[object].record;
+    const fbx_record* const found = record.find(child);
+    const std::string field = "Objects/" + record.name + (found != nullptr ? "/" + found->name : "");
+    return failRecord(why, found != nullptr ? *found : record, field, std::move(what));
+}
+
 void readSettings(fbx_scene_work& work)
 {
     work.scene.ticks_per_second = ticksPerSecond(work.document);

@@ -25,6 +25,8 @@ struct fbx_scene_work
     bool isNumbered() const { return document.version >= 7000; }
     void note(std::string text) { addNote(scene.notes, std::move(text)); }
     std::string label(std::size_t object) const; // Geometry "body"
+    // The failure of an object, or of its child of that name when there is one; always false.
+    bool malformed(std::size_t object, std::string_view child, std::string what, failure& why) const;
 };
 
 void readSettings(fbx_scene_work& work);
@@ -44,7 +46,8 @@ void readPoses(fbx_scene_work& work);
 [[nodiscard]] bool readMatrix(const fbx_record* record, glm::dmat4& matrix);
 // What lies before and behind the keys.
 void readExtrapolation(const fbx_record& record, fbx_curve& curve);
-// False with the reason when times run back.
-[[nodiscard]] bool checkKeyTimes(const fbx_curve& curve, const std::string& label, failure& why);
+// False with the reason, the fault of that record, when times run back.
+[[nodiscard]] bool checkKeyTimes(const fbx_curve& curve, const fbx_record& record, const std::string& field,
+                                 const std::string& label, failure& why);
 
 } // namespace korvane

@@ -234,15 +234,16 @@ private:
         curve.ticks_per_second = m_work.scene.ticks_per_second;
         const std::string label = "take \"" + m_take + "\", node \"" + m_work.scene.nodes[curve_node.node].name +
                                   "\", channel " + std::string(channel.textAt(0));
+        const std::string field = "Takes/Take/Model/Channel/Key";
         if (!key_list_reader(*list).read(curve))
-            return fail(m_why, failure_kind::malformed,
-                        label + ": key " + std::to_string(curve.keys.size()) + " cannot be read");
+            return failRecord(m_why, *list, field,
+                              label + ": key " + std::to_string(curve.keys.size()) + " cannot be read");
         if (count != nullptr && count->integerAt(0) != static_cast<std::int64_t>(curve.keys.size()))
-            return fail(m_why, failure_kind::malformed,
-                        label + ": there are " + std::to_string(curve.keys.size()) + " keys, but KeyCount is " +
-                            std::to_string(count->integerAt(0)));
+            return failRecord(m_why, *count, field + "Count",
+                              label + ": there are " + std::to_string(curve.keys.size()) + " keys, but KeyCount is " +
+                                  std::to_string(count->integerAt(0)));
         readExtrapolation(channel, curve);
-        if (!checkKeyTimes(curve, label, m_why))
+        if (!checkKeyTimes(curve, *list, field, label, m_why))
             return false;
         curve_node.curves[axis] = m_work.scene.curves.size();
         m_work.scene.curves.push_back(std::move(curve));

@@ -148,6 +148,7 @@ bool text_parser::readRecords(std::vector<fbx_record>& records)
 
 bool text_parser::readRecord(fbx_record& record)
 {
+    record.offset = m_at;
     if (!readName(record.name))
         return false;
     m_names.push_back(record.name); // stays valid: the record does not move before it is read

@@ -1,5 +1,6 @@
 #include "Korvane/fbx/fbx_to_anim.h"
 
+#include "EASY_GUI/services/text.h"
 #include "Korvane/fbx/anim_template.h"
 #include "Korvane/fbx/export_space.h"
 #include "Korvane/fbx/fbx_bone_sampler.h"
@@ -39,7 +40,7 @@ std::string nameList(const std::vector<std::string>& names)
 {
     std::string text;
     for (std::size_t i = 0; i < names.size() && i < listed_names; ++i)
-        text += (i == 0 ? "" : ", ") + names[i];
+        text += (i == 0 ? "" : ", ") + displayText(names[i]);
     return names.size() <= listed_names ? text : text + " and " + std::to_string(names.size() - listed_names) + " more";
 }
 
@@ -78,6 +79,7 @@ private:
     void logUnit() const;
     void chooseTake();
     void collectBones();
+    std::string nodeName(std::size_t node) const;
     bool matchBones(failure& why);
     void keepOwnValues(const anim_template::bone& bone, sampled_bone& target);
     void logDoubts(const std::set<std::string>& repeated) const;
@@ -156,7 +158,7 @@ void conversion::collectBones()
             continue;
         const bool has_parent = node.parent != fbx_none && m_scene.nodes[node.parent].type == fbx_node_type::skeleton;
         if (!has_parent && !m_nodes.empty() && ++errors <= listed_errors) // the first bone is the root
-            log("ERROR: bone : " + node.name + " has no parent");
+            log("ERROR: bone : " + displayText(node.name) + " has no parent");
         m_nodes.push_back(index);
     }
     if (errors > listed_errors)
@@ -167,11 +169,18 @@ void conversion::collectBones()
 void conversion::keepOwnValues(const anim_template::bone& bone, sampled_bone& target)
 {
     m_result.unmatched.push_back(bone.name);
-    log("EROOR: .ANMIM. Bone '" + bone.name + "' does not match any bones in FBX file: " + m_request.fbx_path);
+    log("EROOR: .ANMIM. Bone '" + displayText(bone.name) +
+        "' does not match any bones in FBX file: " + m_request.fbx_path);
     if (bone.translation)
         target.own_translation = *bone.translation / m_scene.unit_metres;
     if (bone.rotation)
         target.own_rotation = *bone.rotation;
+}
+
+// Names are compared as they are shown: FBX files hold UTF-8, .anim files any bytes.
+std::string conversion::nodeName(std::size_t node) const
+{
+    return displayText(m_scene.nodes[node].name);
 }
 
 bool conversion::matchBones(failure& why)
@@ -179,11 +188,11 @@ bool conversion::matchBones(failure& why)
     std::unordered_map<std::string, std::size_t> by_name;
     std::set<std::string> repeated;
     for (const std::size_t node : m_nodes)
-        if (!by_name.emplace(m_scene.nodes[node].name, node).second)
-            repeated.insert(m_scene.nodes[node].name);
+        if (!by_name.emplace(nodeName(node), node).second)
+            repeated.insert(nodeName(node));
     for (const anim_template::bone& bone : m_template.bones)
     {
-        const auto found = by_name.find(bone.name);
+        const auto found = by_name.find(displayText(bone.name));
         sampled_bone& target = m_bones.emplace_back();
         target.parent = bone.parent;
         if (found != by_name.end())
@@ -203,11 +212,11 @@ void conversion::logDoubts(const std::set<std::string>& repeated) const
 {
     std::set<std::string> wanted;
     for (const anim_template::bone& bone : m_template.bones)
-        wanted.insert(bone.name);
+        wanted.insert(displayText(bone.name));
     std::vector<std::string> surplus, doubtful, homeless;
     for (const std::size_t node : m_nodes)
-        if (!wanted.contains(m_scene.nodes[node].name))
-            surplus.push_back(m_scene.nodes[node].name);
+        if (const std::string name = nodeName(node); !wanted.contains(name))
+            surplus.push_back(name);
     std::set_intersection(repeated.begin(), repeated.end(), wanted.begin(), wanted.end(), std::back_inserter(doubtful));
     for (std::size_t i = 0; i < m_bones.size(); ++i)
         if (m_bones[i].node == fbx_none && !m_template.bones[i].translation && !m_template.bones[i].rotation)
@@ -278,6 +287,8 @@ bool conversion::chooseTimes(failure& why)
         end_time = std::max(*m_request.frame_count - 1.0, 0.0) / m_rate;
     m_frame_count = m_request.frame_count.value_or(frameCount(m_rate, end_time));
     m_result.anim.end_time = static_cast<float>(end_time);
+    if (m_take != fbx_none && m_first > last)
+        log("The start lies behind the end of the take: nothing moves");
     if (has_keys)
         log("The take's keys lie between " + numberText(m_scene.seconds(first)) + " and " +
             numberText(m_scene.seconds(last)) + " seconds");
@@ -352,12 +363,21 @@ void conversion::logLosses() const
     if (!moving.empty())
         log("These bones move or turn in the take, but the template has no track for it: " + nameList(moving));
     if (!fixed.empty())
-        log("Static values of the template are not written, these bones stand as their skeleton has them: " +
+        log((m_request.version == 7
+                 ? "Static values of the template are not written, but the maps go on naming them, and the new file "
+                   "has "
+                   "others in their place; with the skeleton as template every bone has its own track: "
+                 : "Static values of the template are not written, these bones stand as their skeleton has them: ") +
             nameList(fixed));
 }
 
 bool conversion::run(failure& why)
 {
+    if (!checkParents(*m_request.template_data, why))
+    {
+        log("ERROR: the template is damaged: " + describe(why));
+        return false;
+    }
     if (!readFile(why))
         return false;
     logUnit();

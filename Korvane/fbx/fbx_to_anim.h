@@ -56,8 +56,9 @@ struct anim_conversion_result
     std::vector<std::string> unmatched; // the bones that the FBX file does not have
 };
 
-// False when the FBX file cannot be read, when it has none of the bones, or when what it says is no number; the result
-// is then good for nothing. Whatever else is amiss is only logged.
+// False when the template's parents make no trees (the failure then has no path), when the FBX file cannot be read,
+// when it has none of the bones, or when what it says is no number; the result is then good for nothing. Whatever else
+// is amiss is only logged.
 [[nodiscard]] bool convertToAnim(const anim_conversion& request, const anim_conversion_ports& ports,
                                  anim_conversion_result& result, failure& why);
 

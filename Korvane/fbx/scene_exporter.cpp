@@ -53,7 +53,8 @@ bool scene_exporter::save(const std::string& path, const export_take* take, fail
     const bool is_collada = isCollada(path);
     m_print(std::string(program_name) + (is_collada ? " Collada exchange version " : " FBX exchange version ") +
             std::string(program_version) + "\n");
-    m_print(is_collada ? "Collada file format version 1.4.1\n\n" : "FBX file format version 7.4.0\n\n");
+    const std::string format =
+        is_collada ? "Collada file format version 1.4.1\n\n" : "FBX file format version 7.4.0\n\n";
     std::vector<std::byte> bytes;
     std::string text;
     if (is_collada)
@@ -69,6 +70,7 @@ bool scene_exporter::save(const std::string& path, const export_take* take, fail
         bytes = m_fbx->file(take);
         if (bytes.empty())
         {
+            m_print(format);
             m_print("\n\nAn error occurred while saving the scene...\n");
             return fail(why, failure_kind::unsupported, "the scene is larger than the 4 GiB of an FBX file", path);
         }
@@ -76,7 +78,10 @@ bool scene_exporter::save(const std::string& path, const export_take* take, fail
     failure reason;
     const auto content = is_collada ? std::as_bytes(std::span(text)) : std::span<const std::byte>(bytes);
     if (writeWholeFile(path, content, reason))
+    {
+        m_print(format);
         return true;
+    }
     m_print("Call to FbxExporter::Initialize() failed.\n");
     m_print("Error returned: " + describe(reason) + "\n\n");
     return fail(why, reason.kind, reason.what, reason.path);

@@ -224,6 +224,15 @@ class convert(cli_tests.cli_case):
             self.write("rig.bone_table", text)
             self.assertIn(what, self.convert("--bone-table", table, check=1)[2].decode())
 
+    def test_names_of_other_alphabets_match(self):
+        korvane("demo-data", self.path("demo"), "--quiet", check=0)
+        template = self.write("latin.anim", skeleton(((b"root", -1), (b"H\xfcfte", 0), (b"Fu\xdf", 1))))
+        korvane("export", self.path("demo/rigidmodels/demo/demo_barrel.rigid_model_v2"), "-o", self.path("e.fbx"),
+                "--skeleton", template, check=0)
+        _, out, _ = self.convert("--json", fbx=self.path("e.fbx"), template=template)
+        self.assertEqual(json.loads(out)["unmatched"], [])
+        self.assertEqual([name for name, _ in self.made().bones], [b"root", b"H\xfcfte", b"Fu\xdf"])
+
     def test_turning_on_and_on_stays_on_one_side(self):
         self.convert(fbx=self.write("spin.fbx", figure().replace(b"a: 0,90", b"a: 0,700")))
         turns = [frame[1][1] for frame in self.made().frames]
@@ -234,8 +243,10 @@ class convert(cli_tests.cli_case):
 
     def test_damaged_and_odd_files(self):
         ring = (*BONES[:1], (b"arm", 2), (b"prop", 1))
-        self.convert(template=self.write("ring.anim", skeleton(ring)))  # each counts as if it had no parent
-        self.assert_near(self.made().frames[20][0][1], (-1, 2, 0), 1e-6)
+        for bones, text in ((ring, b"bone 1 (arm) is among its own descendants (at byte "),
+                            ((*BONES[:2], (b"prop", 7)), b"bone 2 (prop) has the parent 7, but there are 3 bones (at byte ")):
+            _, _, err = self.convert(template=self.write("ring.anim", skeleton(bones)), check=1)
+            self.assertIn(b"ring.anim: " + text, err.splitlines()[-1])
         nodes = [("root", "LimbNode", None, (0, 0, 0), (0, 0, 0), ONE), ("arm", "LimbNode", 0, (0, 2, 0), (0, 0, 0), ONE),
                  ("x", "Null", 0, (0, 0, 0), (0, 0, 0), ONE), ("arm", "LimbNode", 2, (0, 7, 0), (0, 0, 0), ONE)]
         still = self.write("still.fbx", fbx_text.text(nodes, {}, unit=100, has_layers=False))
@@ -266,7 +277,9 @@ class convert(cli_tests.cli_case):
                 self.convert(*options, check=2)
         for options in (("--frames", "2000000"), ("--rate", "1000000", "--end-time", "3")):
             self.assertIn(b"frames are more than", self.convert(*options, check=1)[2])
-        for target in (self.fbx, self.template):
+        self.assertIn(b"behind the end of the take", self.convert("--start-time", "7", "--frames", "2")[2])
+        os.unlink(self.out)
+        for target in (self.fbx, self.template, self.config):
             code, _, err = korvane("convert", self.fbx, "--template", self.template, "-o", target, "--config",
                                    self.config)
             self.assertEqual((code, b"would replace" in err), (1, True))

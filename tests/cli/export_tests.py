@@ -353,9 +353,45 @@ class command(export_case):
         model, out = self.at(MODEL), self.path("out.fbx")
         for arguments in ([model], [model, "-o", self.path("out.obj")], [model, "-o", out, "--anim", "a.anim"],
                           [model, "-o", out, "--skeleton", "s", "--anim", "a", "--anim", "b"],
-                          [model, "-o", out, "--lod", "x"], [model, "-o", self.folder, "--format", "obj"]):
+                          [model, "-o", out, "--lod", "x"], [model, "-o", out, "--lod", "-1"],
+                          [model, "-o", out, "--format", "dae"], [model, "-o", self.folder, "--format", "obj"]):
             with self.subTest(arguments=arguments):
                 self.expect_failure(["export"] + arguments, 2)
+
+    def test_what_is_read_is_never_replaced(self):
+        model = os.path.join(self.folder, "m.fbx")
+        shutil.copyfile(self.at(MODEL), model)
+        skeleton, clip = self.write("s.fbx", read(self.at(SKELETON))), self.write("c.fbx", read(self.at(CLIP)))
+        os.mkdir(self.path("d"))
+        twin = self.write("d/c.fbx.fbx", read(self.at(CLIP)))  # what the first animation's file would be called
+        for link, target in (("l.fbx", skeleton), ("h.fbx", clip)):
+            (os.symlink if link == "l.fbx" else os.link)(target, self.path(link))
+        before = {name: read(self.path(name)) for name in ("m.fbx", "s.fbx", "c.fbx", "d/c.fbx.fbx")}
+        for out, clips in ((model, [clip]), (skeleton, []), (self.path("l.fbx"), []), (self.path("h.fbx"), [clip]),
+                           (self.path("d/"), [clip, twin])):
+            options = [part for path in clips for part in ("--anim", path)]
+            with self.subTest(out):
+                self.expect_failure(["export", model, "-o", out, "--skeleton", skeleton] + options, 1, "would replace")
+        self.assertEqual(before, {name: read(self.path(name)) for name in before})
+
+    def test_one_texture_has_one_file_and_names_are_harmless(self):
+        data = read(self.at(MODEL))
+        path = [t["path"] for g in self.model["lods"][0]["groups"] for t in g["textures"] if t["type"] == 0]
+        twin = next(p for p in path if path.count(p) > 1).encode()
+        odd = data.replace(twin, twin.upper(), 1)
+        self.assertNotEqual(odd, data)
+        odd = self.write("odd.rigid_model_v2", odd)
+        _, out, _ = korvane("export", odd, "-o", self.path("a.fbx"), "--textures", self.path("tex"), "--json", "--data",
+                            self.demo, check=0)
+        textures = json.loads(out)["textures"]
+        files = [os.path.join(folder, f) for folder, _, names in os.walk(self.path("tex")) for f in names]
+        self.assertEqual(len(textures), len(files))
+        self.assertEqual(sorted(t["path"] for t in textures), sorted(files))
+        self.assertTrue(all(t["internal_path"] == t["internal_path"].lower() for t in textures))
+        evil = read(self.at(SKELETON)).replace(b"humanoid01", b"a\x1b[31m\nbcd")
+        _, _, err = korvane("export", self.at(MODEL), "-o", self.path("b.fbx"), "--skeleton",
+                            self.write("evil.anim", evil), check=0)
+        self.assertIn(b"not for a\\x1b[31m\\x0abcd\n", err)
 
     def test_failures_say_what_and_leave_nothing(self):
         model, out = self.at(MODEL), self.path("out.fbx")
@@ -364,11 +400,19 @@ class command(export_case):
                 ([self.path("none"), "-o", out], ["none"]),
                 ([model, "-o", out, "--lod", "9"], ["there is no LOD 9, the model has 3"]),
                 ([model, "-o", out, "--skeleton", cut], ["cut.anim", "at byte"]),
-                ([model, "-o", self.path("missing/out.fbx")], ["out.fbx"]),
                 ([model, "-o", out, "--skeleton", "pack:nothing.anim", "--data", self.demo], ["nothing.anim"])):
             with self.subTest(arguments=arguments):
                 self.expect_failure(["export"] + arguments, 1, *words)
-        self.assertEqual([name for name in os.listdir(self.folder) if name.endswith(".fbx")], [])
+        ring = self.write("ring.anim", anim_oracle.make(5, ((b"a", 1), (b"b", 0)), (0, 1), (0, 1), [([(0.0, 0.0, 0.0)] * 2, [(0, 0, 0, 32767)] * 2)]))
+        self.assertIn(b"bone 0 (a) is among its own descendants (at byte ",
+                      korvane("export", model, "-o", out, "--skeleton", ring, check=1)[2].splitlines()[-1])
+        code, _, err = korvane("export", model, "-o", self.path("missing/out.fbx"))
+        lines = err.decode().splitlines()
+        self.assertEqual((code, lines[-3]), (1, "Call to FbxExporter::Initialize() failed."))
+        self.assertTrue(lines[-2].startswith("Error returned: ") and lines[-1].startswith("korvane: "), lines)
+        code = korvane("export", model, "-o", self.path("new/"), "--textures", self.path("tex"), "--skeleton",
+                       self.at(SKELETON), "--anim", cut, "--anim", cut)[0]
+        self.assertEqual((code, sorted(os.listdir(self.folder))), (1, ["cut.anim", "ring.anim"]))
 
 
 if __name__ == "__main__":

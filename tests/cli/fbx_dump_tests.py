@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """korvane fbx --dump, the records of a file as text; called as cli_tests.py is."""
 
+import json
+
 import cli_tests
 from cli_tests import korvane
 
@@ -17,6 +19,7 @@ class fbx_dump(cli_tests.cli_case):
             "FBX 7500, text", "FBXHeaderExtension:", "  FBXVersion: I 7500", "Objects:",
             "  Geometry: L 5000000001, S \"K\u00f6rper\\x00\\x01Geometry\", S \"Mesh\"",
             "    Vertices: d[3] 0 0.5 -1"])
+        self.assertEqual(json.loads(korvane("fbx", path, "--dump", "--json", check=0)[1]), {"lines": out.splitlines()})
         out = korvane("fbx", path, "--dump", "--numbers", "2", check=0)[1].decode()
         self.assertIn("    Vertices: d[3] 0 0.5 ...\n", out)
 
@@ -24,6 +27,7 @@ class fbx_dump(cli_tests.cli_case):
         path = self.write("cut.fbx", self.TEXT[:-20])
         self.expect_failure(["fbx", path, "--dump"], 1, path, "byte %d" % (len(self.TEXT) - 20),
                             "line 8, Objects/Geometry/Vertices")
+        self.expect_failure(["fbx", path, "--dump", "--numbers", "-1"], 2, "whole number")
         self.expect_failure(["fbx", self.write("empty.fbx", b""), "--dump"], 1, "empty.fbx")
         self.expect_failure(["fbx", self.path("none.fbx"), "--dump"], 1, "none.fbx")
 

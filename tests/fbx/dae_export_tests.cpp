@@ -24,7 +24,7 @@ TEST(DaeExport, holdsTheSceneInInchesWithYUp)
     failure why;
     ASSERT_TRUE(addBones(smallSkeleton(), scene, why));
     std::vector<group_data> groups;
-    groups.push_back(triangleGroup("a & <b>\x01"));
+    groups.push_back(triangleGroup("a & <b>\x01\xef\xbf\xbf"));
     groups[0].textures = {{0, "my tex/d.dds", {}}};
     ASSERT_TRUE(addMeshes(modelOfGroups(std::move(groups)), 0, scene, why));
     export_take take;
@@ -39,9 +39,9 @@ TEST(DaeExport, holdsTheSceneInInchesWithYUp)
     EXPECT_EQ(textOf(document, "//unit/@meter"), "0.0254");
     EXPECT_EQ(textOf(document, "//up_axis"), "Y_UP");
     EXPECT_EQ(textOf(document, "//image/init_from"), "my%20tex/d.dds");
-    EXPECT_EQ(textOf(document, "//geometry/@name"), "a & <b>__group_01_lod0_mesh");
+    EXPECT_EQ(textOf(document, "//geometry/@name"), "a & <b>___group_01_lod0_mesh");
     EXPECT_EQ(textOf(document, "//triangles/p"), "0 2 1");
-    EXPECT_EQ(textOf(document, "//controller/@name"), "a & <b>__group_01_lod0_skin  ");
+    EXPECT_EQ(textOf(document, "//controller/@name"), "a & <b>___group_01_lod0_skin  ");
     EXPECT_EQ(textOf(document, "//skin//Name_array"), "spine arm_left arm_right") << "the joints";
     EXPECT_EQ(textOf(document, "//vertex_weights/v"), "0 0 1 1 2 2");
     EXPECT_EQ(textOf(document, "//node[@id='spine']/@type"), "JOINT");

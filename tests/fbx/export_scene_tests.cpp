@@ -98,6 +98,7 @@ TEST(ExportScene, aChildMayStandBeforeItsParent)
         addBones(skeletonOf({bone("a", 2, {0, 1, 0}), bone("b", 0, {0, 1, 0}), bone("c", -1, {0, 1, 0})}), scene, why));
     EXPECT_NEAR(scene.bones[1].global[3].y, 3 * inch, 1e-4);
     EXPECT_FALSE(scene.bones[0].is_root); // the first bone, but it has a parent
+    EXPECT_TRUE(scene.bones[2].is_root);
 }
 
 TEST(ExportScene, meshesAreMirroredAndTheirTrianglesRunTheOtherWayRound)

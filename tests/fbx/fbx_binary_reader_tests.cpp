@@ -92,6 +92,7 @@ TEST(fbx_binary_reader, everyVersionByteOrderAndEncodingGivesTheSameDocument)
                 EXPECT_EQ(document.is_big_endian, is_big_endian);
                 const std::string shown = dumpFbx(document);
                 EXPECT_EQ(shown.substr(shown.find('\n') + 1), everything_shown);
+                EXPECT_EQ(document.records[0].offset, 27u);
                 EXPECT_TRUE(document.records[0].children[2].is_list);
                 EXPECT_FALSE(document.records[0].children[1].is_list);
             }
@@ -184,6 +185,8 @@ TEST(fbx_binary_reader, liesAreRefusedWithTheirPlace)
          withValue("i" + number.number(2, 4) + std::string(4, '\0') + number.number(4, 4) + "abcd"),
          failure_kind::malformed, 42, "A, array length"},
         {"2^30 numbers of 27 bytes", packed(1u << 30, stream), failure_kind::malformed, 42, "A, array length"},
+        {"300 MiB of a small file", packed(40000000, std::string(320000, '\0')), failure_kind::malformed, 42,
+         "A, array length"},
         {"fewer numbers than packed", packed(1, stream), failure_kind::malformed, 54, "A, array data"},
         {"more numbers than packed", packed(3, stream), failure_kind::malformed, 54, "A, array data"},
         {"packed cut off", packed(2, stream.substr(0, stream.size() - 1)), failure_kind::malformed, 54,
