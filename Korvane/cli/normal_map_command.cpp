@@ -3,6 +3,8 @@
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/extraction_folder.h"
+#include "Korvane/archives/game_file.h"
+#include "Korvane/cli/game_files.h"
 #include "Korvane/cli/output_files.h"
 #include "Korvane/textures/normal_map.h"
 #include "Korvane/textures/picture_file.h"
@@ -32,7 +34,7 @@ bool isSameFile(const std::string& left, const std::string& right)
 // In a folder a picture keeps its name, and its kind when that can be written.
 std::string nameInFolder(const std::string& input)
 {
-    std::string name(fileName(input));
+    std::string name(fileName(internalPathOf(input)));
     if (!pictureKind(name))
         name = name.substr(0, name.rfind('.')) + std::string(extensionOf(picture_kind::targa));
     return name;
@@ -53,6 +55,7 @@ public:
 
 private:
     bool convert(const std::string& input, failure& why);
+    bool read(const std::string& input, picture& image, failure& why);
     bool outputPath(const std::string& input, std::string& path, failure& why);
 
     cli_context& m_context;
@@ -77,11 +80,23 @@ bool normal_map_run::outputPath(const std::string& input, std::string& path, fai
     return !is_input || fail(why, failure_kind::refused, "this would replace a file that is read", path);
 }
 
+bool normal_map_run::read(const std::string& input, picture& image, failure& why)
+{
+    if (!isPackPath(input))
+        return readPictureFile(input, image, why);
+    memory_file bytes;
+    if (readOperand(m_context, input, bytes, why) && readPicture(bytes.bytes(), image, why))
+        return true;
+    if (why.path.empty())
+        why.path = input;
+    return false;
+}
+
 bool normal_map_run::convert(const std::string& input, failure& why)
 {
     std::string path;
     picture image;
-    if (!outputPath(input, path, why) || !readPictureFile(input, image, why))
+    if (!outputPath(input, path, why) || !read(input, image, why))
         return false;
     convertNormals(image.pixels(), m_form);
     if (!writePictureFile(path, pictureKind(path).value_or(picture_kind::targa), image, why))
@@ -123,7 +138,8 @@ void addDirection(CLI::App& command, cli_context& context, const std::string& na
 {
     const auto options = std::make_shared<normal_map_options>();
     CLI::App* direction = command.add_subcommand(name, description);
-    direction->add_option("IN", options->inputs, "Pictures: Targa, PNG, or DDS")->required();
+    direction->add_option("IN", options->inputs, "Pictures: Targa, PNG, or DDS; on disk, or pack: and an internal path")
+        ->required();
     direction
         ->add_option("-o", options->output,
                      "The file to write, .tga or .png; with several pictures, or if it is one, a folder")

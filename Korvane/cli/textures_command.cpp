@@ -7,6 +7,7 @@
 #include "Korvane/document/open_definition.h"
 #include "Korvane/textures/texture_extraction.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace korvane
@@ -33,30 +34,24 @@ public:
 private:
     void add(const std::string& operand);
     void addModel(const std::string& operand);
-    void noteFailure(const failure& why);
     void report(const texture_extraction_result& result);
+    std::shared_ptr<const path_tree> archives(failure& why);
 
     cli_context& m_context;
     const textures_options& m_options;
     std::vector<wanted_texture> m_wanted;
-    json m_failed = json::array();
+    std::vector<failure> m_failures;
 };
-
-void textures_run::noteFailure(const failure& why)
-{
-    m_context.note(terminalText(describe(why)));
-    m_failed.push_back({{"path", displayText(why.path)}, {"reason", displayText(describe(why))}});
-}
 
 void textures_run::addModel(const std::string& operand)
 {
     rmv2_file model;
     failure why;
     if (openModel(m_context, operand, model, why))
-        return addWantedTextures(model.data(), m_wanted);
+        return addWantedTextures(model.data(), m_wanted, isPackPath(operand) ? std::string() : operand);
     if (why.path.empty())
         why.path = operand;
-    noteFailure(why);
+    m_failures.push_back(std::move(why));
 }
 
 // A model, or a definition with all its models.
@@ -70,7 +65,7 @@ void textures_run::add(const std::string& operand)
                              ? definition.openFromInternalPath(std::string(internalPathOf(operand)), why)
                              : definition.open(operand, why);
     if (!is_open)
-        return noteFailure(why);
+        return m_failures.push_back(std::move(why));
     for (const std::string& problem : definition.problems())
         m_context.note(terminalText(problem));
     for (const std::string& model : definition.models())
@@ -80,11 +75,14 @@ void textures_run::add(const std::string& operand)
 void textures_run::report(const texture_extraction_result& result)
 {
     for (const std::string& path : result.missing)
-        m_context.note(terminalText(path) + ": in no archive");
+        m_context.note(terminalText(path) + ": in no archive, and not on the disk around the models");
     for (const std::string& path : result.empty)
         m_context.note(terminalText(path) + ": empty in the archive that counts");
     for (const failure& why : result.failures)
-        noteFailure(why);
+        m_failures.push_back(why);
+    if (m_failures.size() > 1) // a single one is what the program ends with
+        for (const failure& why : m_failures)
+            m_context.note(terminalText(describe(why)));
     if (!m_context.is_json)
         return m_context.print(extractedText(result.files.size()) + "\n");
     const auto texts = [](const std::vector<std::string>& paths)
@@ -97,20 +95,36 @@ void textures_run::report(const texture_extraction_result& result)
     json files = json::array();
     for (const extracted_texture& file : result.files)
         files.push_back({{"internal_path", displayText(file.internal_path)},
-                         {"archive", displayText(file.archive)},
+                         {"archive", file.archive.empty() ? json() : json(displayText(file.archive))},
+                         {"source", file.source.empty() ? json() : json(displayText(file.source))},
                          {"path", displayText(file.path)},
                          {"normal_map", file.is_normal_map}});
+    json failed = json::array();
+    for (const failure& why : m_failures)
+        failed.push_back({{"path", displayText(why.path)}, {"reason", displayText(describe(why))}});
     m_context.printJson({{"count", result.files.size()},
                          {"files", std::move(files)},
                          {"missing", texts(result.missing)},
                          {"empty", texts(result.empty)},
-                         {"failed", m_failed}});
+                         {"failed", std::move(failed)}});
+}
+
+// Without data folders there is still the disk around the models.
+std::shared_ptr<const path_tree> textures_run::archives(failure& why)
+{
+    const bool needs_archives = std::any_of(m_options.models.begin(), m_options.models.end(),
+                                            [](const std::string& model)
+                                            {
+                                                return isPackPath(model) || isDefinitionPath(model);
+                                            });
+    return needs_archives || hasDataFolders(m_context) ? loadArchives(m_context, why)
+                                                       : std::make_shared<const path_tree>();
 }
 
 void textures_run::run()
 {
     failure why;
-    const std::shared_ptr<const path_tree> tree = loadArchives(m_context, why);
+    const std::shared_ptr<const path_tree> tree = archives(why);
     if (!tree)
         return m_context.fail(why);
     for (std::size_t i = 0; i < m_options.models.size(); ++i)
@@ -124,11 +138,11 @@ void textures_run::run()
     };
     const texture_extraction_result result = extractTextures(*tree, m_wanted, m_options.extraction, progress);
     report(result);
-    if (m_failed.empty())
-        return;
-    const std::string first = m_failed.size() == 1 ? m_failed[0]["reason"].get<std::string>()
-                                                   : std::to_string(m_failed.size()) + " models or textures failed";
-    m_context.fail({failure_kind::refused, first, "", 0, ""});
+    if (m_failures.size() == 1)
+        m_context.fail(m_failures.front());
+    else if (!m_failures.empty())
+        m_context.fail({failure_kind::refused, std::to_string(m_failures.size()) + " models or textures failed",
+                        m_options.extraction.folder, 0, ""});
 }
 
 } // namespace
@@ -136,7 +150,8 @@ void textures_run::run()
 void addTexturesCommand(CLI::App& app, cli_context& context)
 {
     const auto options = std::make_shared<textures_options>();
-    CLI::App* command = app.add_subcommand("textures", "Extract the textures that models name out of the archives");
+    CLI::App* command = app.add_subcommand(
+        "textures", "Extract the textures that models name out of the archives, or from the disk around them");
     command
         ->add_option("MODEL", options->models,
                      "Models, or variant mesh definitions with all theirs: on disk, or pack: and an internal path")

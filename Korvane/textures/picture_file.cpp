@@ -4,13 +4,10 @@
 #include "EASY_GUI/services/memory_file.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/textures/dds_decoder.h"
+#include "Korvane/textures/png.h"
 #include "Korvane/textures/targa.h"
 
-#include <lodepng.h>
-
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 
 namespace korvane
 {
@@ -18,79 +15,19 @@ namespace korvane
 namespace
 {
 
-constexpr unsigned char png_signature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
-
-bool beginsWith(std::span<const std::byte> file, const void* bytes, std::size_t size)
+bool beginsWith(std::span<const std::byte> file, std::string_view bytes)
 {
-    return file.size() >= size && std::memcmp(file.data(), bytes, size) == 0;
+    return file.size() >= bytes.size() && std::memcmp(file.data(), bytes.data(), bytes.size()) == 0;
 }
 
-struct freer
-{
-    void operator()(unsigned char* memory) const { std::free(memory); }
-};
+constexpr std::string_view dds_magic = "DDS ";
 
-bool failPng(failure& why, unsigned error)
+// The bytes of a file that matter, seen from its start: what is no picture is not read whole.
+bool pictureFileSize(std::span<const std::byte> start, std::uint64_t& size, failure& why)
 {
-    return fail(why, failure_kind::malformed, std::string("as a PNG file: ") + lodepng_error_text(error));
-}
-
-// What is not shown is not unpacked.
-void ignoreTexts(lodepng::State& state)
-{
-    state.decoder.read_text_chunks = 0;
-    state.decoder.remember_unknown_chunks = 0;
-}
-
-bool readPng(std::span<const std::byte> file, picture& target, failure& why)
-{
-    const auto* const bytes = reinterpret_cast<const unsigned char*>(file.data());
-    lodepng::State state;
-    ignoreTexts(state);
-    unsigned width = 0, height = 0;
-    if (const unsigned error = lodepng_inspect(&width, &height, &state, bytes, file.size()); error != 0)
-        return failPng(why, error);
-    // The decoder takes memory for the whole picture first; a byte of a file unpacks to at most 1032.
-    const std::uint64_t pixels = std::uint64_t{width} * height;
-    const std::uint64_t bits = lodepng_get_bpp(&state.info_png.color);
-    if (pixels > max_picture_pixels || pixels * bits / 8 / 1032 > file.size())
-    {
-        failure too_large{failure_kind::malformed,
-                          std::to_string(width) + " x " + std::to_string(height) +
-                              (pixels > max_picture_pixels
-                                   ? " pixels are more than " + std::to_string(max_picture_pixels)
-                                   : " pixels do not fit into " + std::to_string(file.size()) + " bytes"),
-                          "", 16, "width"};
-        if (!why)
-            why = std::move(too_large);
-        return false;
-    }
-    unsigned char* decoded = nullptr;
-    const unsigned error = lodepng_decode(&decoded, &width, &height, &state, bytes, file.size());
-    const std::unique_ptr<unsigned char, freer> memory(decoded);
-    if (error != 0)
-        return failPng(why, error);
-    picture result(width, height);
-    std::memcpy(result.pixels().data(), decoded, result.pixels().size_bytes());
-    target = std::move(result);
-    return true;
-}
-
-bool writePng(const picture& source, std::span<const std::byte>& file, std::unique_ptr<unsigned char, freer>& memory,
-              failure& why)
-{
-    lodepng::State state;
-    state.encoder.zlibsettings.windowsize = 1024; // 6 to 10 times as fast as the largest, for 2 to 8 % more bytes
-    unsigned char* encoded = nullptr;
-    std::size_t size = 0;
-    const unsigned error =
-        lodepng_encode(&encoded, &size, reinterpret_cast<const unsigned char*>(source.pixels().data()), source.width(),
-                       source.height(), &state);
-    memory.reset(encoded);
-    if (error != 0)
-        return fail(why, failure_kind::unwritable, std::string("as a PNG file: ") + lodepng_error_text(error));
-    file = std::as_bytes(std::span(encoded, size));
-    return true;
+    if (beginsWith(start, png_signature))
+        return pngFileSize(start, size, why);
+    return beginsWith(start, dds_magic) ? ddsFileSize(start, size, why) : targaFileSize(start, size, why);
 }
 
 } // namespace
@@ -110,9 +47,9 @@ std::optional<picture_kind> pictureKind(std::string_view path)
 
 bool readPicture(std::span<const std::byte> file, picture& target, failure& why)
 {
-    if (beginsWith(file, png_signature, sizeof png_signature))
+    if (beginsWith(file, png_signature))
         return readPng(file, target, why);
-    if (!beginsWith(file, "DDS ", 4))
+    if (!beginsWith(file, dds_magic))
         return readTarga(file, target, why);
     dds_image image;
     return readDds(file, image, why) && decodeDds(image, target, why);
@@ -120,10 +57,14 @@ bool readPicture(std::span<const std::byte> file, picture& target, failure& why)
 
 bool readPictureFile(const std::string& path, picture& target, failure& why)
 {
+    constexpr std::size_t start_bytes = 65536;
     memory_file file;
-    if (!file.read(path, why))
+    std::uint64_t file_bytes = 0, wanted = 0;
+    if (!file.readStart(path, start_bytes, file_bytes, why))
         return false;
-    if (readPicture(file.bytes(), target, why))
+    const bool is_read = file_bytes <= start_bytes ||
+                         (pictureFileSize(file.bytes(), wanted, why) && file.readStart(path, wanted, file_bytes, why));
+    if (is_read && readPicture(file.bytes(), target, why))
         return true;
     if (why.path.empty())
         why.path = path;
@@ -134,16 +75,15 @@ bool writePictureFile(const std::string& path, picture_kind kind, const picture&
                       write_safety safety)
 {
     memory_file targa;
-    std::unique_ptr<unsigned char, freer> png;
-    std::span<const std::byte> bytes;
-    const bool is_made = kind == picture_kind::png ? writePng(source, bytes, png, why) : writeTarga(source, targa, why);
+    png_bytes png;
+    const bool is_made = kind == picture_kind::png ? writePng(source, png, why) : writeTarga(source, targa, why);
     if (!is_made)
     {
         if (why.path.empty())
             why.path = path;
         return false;
     }
-    return writeWholeFile(path, kind == picture_kind::png ? bytes : targa.bytes(), why, safety);
+    return writeWholeFile(path, kind == picture_kind::png ? png.bytes() : targa.bytes(), why, safety);
 }
 
 } // namespace korvane

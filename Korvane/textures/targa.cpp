@@ -129,6 +129,7 @@ public:
     explicit targa_reader(std::span<const std::byte> file) : m_in(file) {}
 
     bool read(picture& target, failure& why);
+    bool size(std::uint64_t& most, failure& why);
 
 private:
     void readHeader();
@@ -160,6 +161,8 @@ void targa_reader::readHeader()
     m_header.height = m_in.u16("height");
     m_header.depth = m_in.u8("pixel depth");
     m_header.descriptor = m_in.u8("image descriptor");
+    if (m_in.ok())
+        checkHeader();
 }
 
 void targa_reader::checkHeader()
@@ -184,6 +187,11 @@ void targa_reader::checkHeader()
                     "width");
     else if ((m_header.descriptor & 0xc0) != 0)
         refuse(17, "interleaved rows cannot be read", "image descriptor");
+    else if (m_header.pixelCount() > max_picture_pixels)
+        refuse(12,
+               std::to_string(m_header.width) + " x " + std::to_string(m_header.height) + " pixels are more than " +
+                   std::to_string(max_picture_pixels),
+               "width");
     else
         checkDepth();
 }
@@ -226,11 +234,6 @@ void targa_reader::readMap()
 bool targa_reader::hasRoom()
 {
     m_pixels_at = m_in.position();
-    if (m_header.pixelCount() > max_picture_pixels)
-        return m_in.failAt(12, failure_kind::unsupported,
-                           std::to_string(m_header.width) + " x " + std::to_string(m_header.height) +
-                               " pixels are more than " + std::to_string(max_picture_pixels),
-                           "width");
     const std::uint64_t bytes = m_header.pixelBytes();
     const std::uint64_t most = m_header.isEncoded() ? m_in.left() / (bytes + 1) * longest_packet : m_in.left() / bytes;
     if (m_header.pixelCount() <= most)
@@ -309,11 +312,20 @@ void targa_reader::fillRow(std::uint32_t y, const std::byte* source, std::span<r
         std::reverse(row.begin(), row.end());
 }
 
+// A packet has at least a pixel.
+bool targa_reader::size(std::uint64_t& most, failure& why)
+{
+    readHeader();
+    if (!m_in.finish(why))
+        return false;
+    most = header_size + m_header.id_length + m_header.map_length * ((m_header.map_depth + 7u) / 8) +
+           std::uint64_t{m_header.pixelCount()} * (m_header.pixelBytes() + (m_header.isEncoded() ? 1u : 0u));
+    return true;
+}
+
 bool targa_reader::read(picture& target, failure& why)
 {
     readHeader();
-    if (m_in.ok())
-        checkHeader();
     m_in.skip(m_header.id_length, "image ID");
     readMap();
     if (!m_in.ok() || !hasRoom())
@@ -337,6 +349,11 @@ bool targa_reader::read(picture& target, failure& why)
 bool readTarga(std::span<const std::byte> file, picture& target, failure& why)
 {
     return targa_reader(file).read(target, why);
+}
+
+bool targaFileSize(std::span<const std::byte> start, std::uint64_t& size, failure& why)
+{
+    return targa_reader(start).size(size, why);
 }
 
 bool writeTarga(const picture& source, memory_file& file, failure& why)

@@ -19,6 +19,9 @@ inline constexpr std::uint32_t targa_max_size = 65535; // pixels in each directi
 // On failure target stays as it is. Nothing is allocated for more pixels than the bytes can hold.
 [[nodiscard]] bool readTarga(std::span<const std::byte> file, picture& target, failure& why);
 
+// The bytes that readTarga() looks at at most, by the header alone (18 bytes are enough): what follows is ignored.
+[[nodiscard]] bool targaFileSize(std::span<const std::byte> start, std::uint64_t& size, failure& why);
+
 // A file with the ID "written with libtarga", rows from the bottom, each pixel blue, green, red, alpha, no footer.
 // Fails for an empty picture and for one beyond targa_max_size.
 [[nodiscard]] bool writeTarga(const picture& source, memory_file& file, failure& why);

@@ -3,6 +3,7 @@
 #include "DDSTextureLoader/dds_image.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/extraction_folder.h"
+#include "Korvane/archives/loose_file.h"
 #include "Korvane/archives/pack_entry.h"
 #include "Korvane/archives/variant_mesh_def.h"
 #include "Korvane/textures/dds_decoder.h"
@@ -22,7 +23,7 @@ namespace korvane
 namespace
 {
 
-// Finds stored paths without regard to their separators.
+// Finds stored paths without regard to their separators and to blanks at their ends.
 class entry_finder
 {
 public:
@@ -33,32 +34,39 @@ public:
         const path_node* const node = m_tree.find(path);
         if (node && node->file())
             return node->file();
-        if (!m_has_slashed)
-            indexSlashed();
-        const auto found = m_slashed.find(path);
-        return found == m_slashed.end() ? nullptr : found->second;
+        if (!m_has_odd)
+            indexOdd();
+        const auto found = m_odd.find(path);
+        return found == m_odd.end() ? nullptr : found->second;
     }
 
 private:
-    // Some archives have a '/' in a path, which is an ordinary character to the tree.
-    void indexSlashed()
+    // Some archives have a '/' in a path or a blank at its end, which are ordinary characters to the tree.
+    void indexOdd()
     {
-        m_has_slashed = true;
+        m_has_odd = true;
         for (const auto& files : m_tree.entries())
             for (const pack_file_node& file : files)
-                if (file.internalPath().find('/') != std::string_view::npos)
-                    m_slashed[normalInternalPath(file.internalPath())] = &file; // the last one wins
+                if (isOdd(file.internalPath()))
+                    m_odd[normalInternalPath(file.internalPath())] = &file; // the last one wins
+    }
+
+    static bool isOdd(std::string_view path)
+    {
+        constexpr std::string_view blanks = " \t\r\n";
+        return path.find('/') != std::string_view::npos || path.find_first_of(blanks) == 0 ||
+               path.find_last_of(blanks) == path.size() - 1;
     }
 
     const path_tree& m_tree;
-    bool m_has_slashed = false;
-    std::unordered_map<std::string, const pack_file_node*> m_slashed;
+    bool m_has_odd = false;
+    std::unordered_map<std::string, const pack_file_node*> m_odd;
 };
 
 // One texture on its way; worked on by one thread.
 struct extraction_job
 {
-    const pack_file_node* entry = nullptr;
+    const pack_file_node* entry = nullptr; // null: texture.source is read
     extracted_texture texture;
     std::optional<picture_kind> form;
     bool makes_blue = false;
@@ -73,7 +81,7 @@ bool writePicture(const extraction_job& job, std::span<const std::byte> bytes, f
     if (!readDds(bytes, image, why) || !decodeDds(image, target, why))
     {
         if (why.path.empty())
-            why.path = job.texture.internal_path;
+            why.path = job.entry ? job.texture.internal_path : job.texture.source;
         return false;
     }
     if (job.makes_blue)
@@ -84,7 +92,7 @@ bool writePicture(const extraction_job& job, std::span<const std::byte> bytes, f
 bool extract(const extraction_job& job, failure& why)
 {
     memory_file bytes;
-    if (!readEntry(*job.entry, bytes, why))
+    if (!(job.entry ? readEntry(*job.entry, bytes, why) : bytes.read(job.texture.source, why)))
         return false;
     return job.form ? writePicture(job, bytes.bytes(), why) : writeWholeFile(job.texture.path, bytes.bytes(), why);
 }
@@ -116,7 +124,8 @@ public:
     texture_extraction_result run(const path_tree& tree, const std::vector<wanted_texture>& wanted);
 
 private:
-    void plan(const wanted_texture& wanted, const pack_file_node& entry);
+    void plan(const wanted_texture& wanted, extraction_job job);
+    void planLoose(const wanted_texture& wanted);
     void workOff(bool tells_progress);
     void workOffAll();
 
@@ -131,13 +140,11 @@ private:
 };
 
 // Names are given out before the work begins: they do not depend on which thread is faster.
-void extraction_run::plan(const wanted_texture& wanted, const pack_file_node& entry)
+void extraction_run::plan(const wanted_texture& wanted, extraction_job job)
 {
-    extraction_job job;
-    job.entry = &entry;
+    job.texture.is_normal_map = wanted.is_normal_map;
     job.makes_blue = m_options.makes_normals_blue && wanted.is_normal_map;
     job.form = job.makes_blue && !m_options.form ? picture_kind::targa : m_options.form;
-    job.texture = {std::string(entry.internalPath()), entry.packPath(), "", wanted.is_normal_map};
     std::string name = wanted.path;
     if (job.form)
     {
@@ -149,7 +156,24 @@ void extraction_run::plan(const wanted_texture& wanted, const pack_file_node& en
     if (m_folder.place(name, job.texture.path, why))
         m_jobs.push_back(std::move(job));
     else
+    {
+        if (why.path == name) // not that of the picture to be
+            why.path = job.texture.internal_path;
         m_result.failures.push_back(std::move(why));
+    }
+}
+
+void extraction_run::planLoose(const wanted_texture& wanted)
+{
+    for (const std::string& model : wanted.models)
+        if (std::string found = findLooseFile(wanted.path, model); !found.empty())
+        {
+            extraction_job job;
+            job.texture.internal_path = wanted.path;
+            job.texture.source = std::move(found);
+            return plan(wanted, std::move(job));
+        }
+    m_result.missing.push_back(wanted.path);
 }
 
 void extraction_run::workOff(bool tells_progress)
@@ -193,11 +217,17 @@ texture_extraction_result extraction_run::run(const path_tree& tree, const std::
     {
         const pack_file_node* const entry = finder.find(texture.path);
         if (!entry)
-            m_result.missing.push_back(texture.path);
+            planLoose(texture);
         else if (entry->size() == 0)
             m_result.empty.push_back(texture.path);
         else
-            plan(texture, *entry);
+        {
+            extraction_job job;
+            job.entry = entry;
+            job.texture.internal_path = entry->internalPath();
+            job.texture.archive = entry->packPath();
+            plan(texture, std::move(job));
+        }
     }
     workOffAll();
     for (extraction_job& job : m_jobs)

@@ -1,8 +1,9 @@
 #pragma once
 
-// Takes the textures that models name out of the archives and puts them below a folder, as they are or as pictures. A
-// wanted path and a stored one are the same whatever their case and separators; of several copies the one that counts
-// in the game is taken, and entries of no bytes are left alone. One bad texture does not stop the others.
+// Takes the textures that models name out of the archives, or where those do not have them from the disk around the
+// models (loose_file.h), and puts them below a folder, as they are or as pictures. A wanted path and a stored one are
+// the same whatever their case, their separators and blanks at their ends; of several copies the one that counts in the
+// game is taken, and entries of no bytes are left alone. One bad texture does not stop the others.
 
 #include "EASY_GUI/services/failure.h"
 #include "Korvane/archives/path_tree.h"
@@ -30,7 +31,8 @@ struct texture_extraction_options
 struct extracted_texture
 {
     std::string internal_path;
-    std::string archive; // its path on disk
+    std::string archive; // its path on disk; empty where the texture came from the disk
+    std::string source;  // on disk, where it came from there
     std::string path;    // on disk
     bool is_normal_map = false;
 };
@@ -38,7 +40,7 @@ struct extracted_texture
 struct texture_extraction_result
 {
     std::vector<extracted_texture> files; // what was written
-    std::vector<std::string> missing;     // in no archive
+    std::vector<std::string> missing;     // in no archive and not around its models
     std::vector<std::string> empty;       // there, without a byte
     std::vector<failure> failures;        // the texture's internal path is in why.path, or in what
     bool is_stopped = false;

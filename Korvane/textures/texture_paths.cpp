@@ -10,7 +10,28 @@
 namespace korvane
 {
 
-void addWantedTextures(const RMV2_FILE_DATA& model, std::vector<wanted_texture>& wanted)
+namespace
+{
+
+std::string_view folderOf(std::string_view path)
+{
+    return path.substr(0, path.size() - fileName(path).size());
+}
+
+void addModel(const std::string& model, std::vector<std::string>& models)
+{
+    const bool is_known = std::any_of(models.begin(), models.end(),
+                                      [&model](const std::string& known)
+                                      {
+                                          return folderOf(known) == folderOf(model);
+                                      });
+    if (!model.empty() && !is_known)
+        models.push_back(model);
+}
+
+} // namespace
+
+void addWantedTextures(const RMV2_FILE_DATA& model, std::vector<wanted_texture>& wanted, const std::string& disk_path)
 {
     std::unordered_map<std::string, std::size_t> position_of;
     for (std::size_t i = 0; i < wanted.size(); ++i)
@@ -24,9 +45,10 @@ void addWantedTextures(const RMV2_FILE_DATA& model, std::vector<wanted_texture>&
                     continue;
                 const auto [found, is_new] = position_of.emplace(path, wanted.size());
                 if (is_new)
-                    wanted.push_back({std::move(path), false});
+                    wanted.push_back({std::move(path)});
                 if (texture.type == normal_map_type)
                     wanted[found->second].is_normal_map = true;
+                addModel(disk_path, wanted[found->second].models);
             }
 }
 

@@ -19,10 +19,12 @@ struct wanted_texture
 {
     std::string path; // as archives store it: lower case, '\' between components
     bool is_normal_map = false;
+    std::vector<std::string> models = {}; // on the disk that name it, one of each folder
 };
 // Adds the textures of all LODs and groups that are not in the list yet, in the order of the file. A texture counts as
-// a normal map when one group uses it as such.
-void addWantedTextures(const RMV2_FILE_DATA& model, std::vector<wanted_texture>& wanted);
+// a normal map when one group uses it as such. disk_path is the model's; empty for one out of an archive.
+void addWantedTextures(const RMV2_FILE_DATA& model, std::vector<wanted_texture>& wanted,
+                       const std::string& disk_path = {});
 
 inline constexpr std::string_view copy_paths_announcement = "Copy textures paths";
 inline constexpr std::string_view copy_paths_success = "Copy textures paths: SUCCESS!";

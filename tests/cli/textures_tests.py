@@ -78,6 +78,16 @@ class textures(cli_tests.cli_case):
         for file in result["files"]:
             self.assertEqual(read(file["path"].replace("\\", "/"))[:8], b"\x89PNG\r\n\x1a\n")
         self.expect_failure(["textures", "pack:" + models[0], "-o", out, "--as", "bmp"], 2, "bmp")
+        self.assertEqual(korvane("textures", missing, "-o", out)[2].decode().count("does not exist"), 1)
+
+        normal = sorted(name for name in named if name.endswith("_normal.dds"))[0]
+        korvane("normal-map", "to-blue", "pack:" + normal, "-o", self.path("packed.tga"), "--data", demo, check=0)
+        korvane("normal-map", "to-blue", os.path.join(out, normal), "-o", self.path("loose.tga"), check=0)
+        self.assertEqual(read(self.path("packed.tga")), read(self.path("loose.tga")))
+        # Without archives: what lies on the disk around the model.
+        korvane("extract", models[0], "-o", os.path.join(out, "m.rigid_model_v2"), "--data", demo, check=0)
+        text = korvane("textures", os.path.join(out, "m.rigid_model_v2"), "-o", self.path("again"), check=0)[1]
+        self.assertNotEqual(text.split()[0], b"0")
 
 
 if __name__ == "__main__":

@@ -1,4 +1,5 @@
 #include "Korvane/textures/picture_file.h"
+#include "Korvane/textures/targa.h"
 #include "tests/support/dds_builder.h"
 #include "tests/support/temporary_folder.h"
 
@@ -39,6 +40,49 @@ TEST(PictureFile, BothKindsComeBackAsTheyWere)
     EXPECT_EQ(pictureKind("picture.dds"), std::nullopt);
 }
 
+TEST(PictureFile, PngIsTrueColourAndItsProfileDoesNotMatter)
+{
+    const test::temporary_folder folder;
+    const std::string path = folder.file("picture.png");
+    for (const auto& [pixel, colour_type] : {std::pair(rgba(1, 1, 1, 255), '\2'), std::pair(rgba(1, 1, 1, 9), '\6')})
+    {
+        picture flat(8, 8);
+        std::ranges::fill(flat.pixels(), pixel);
+        failure why;
+        ASSERT_TRUE(writePictureFile(path, picture_kind::png, flat, why)) << describe(why);
+        std::string png = test::readBytes(path);
+        EXPECT_EQ(png[25], colour_type);
+        png.insert(33, std::string("\0\0\0\4iCCPdamaged!", 16)); // behind the header
+        test::writeBytes(path, png);
+        picture read;
+        ASSERT_TRUE(readPictureFile(path, read, why)) << describe(why);
+        EXPECT_EQ(read.pixels()[63], pixel);
+    }
+}
+
+TEST(PictureFile, WhatFollowsAPictureIsNotRead)
+{
+    const test::temporary_folder folder;
+    memory_file targa;
+    failure why;
+    ASSERT_TRUE(writeTarga(gradient(9, 9), targa, why));
+    test::test_dds dds;
+    dds.width = dds.height = 4;
+    for (const std::string& start : {std::string(targa.text()), dds.bytes()})
+    {
+        test::writeBytes(folder.file("long"), start);
+        std::filesystem::resize_file(toPath(folder.file("long")), std::uint64_t{1} << 36); // more than there is memory
+        picture image;
+        ASSERT_TRUE(readPictureFile(folder.file("long"), image, why)) << describe(why);
+        EXPECT_EQ(image.width(), image.height());
+    }
+    test::writeBytes(folder.file("long"), "no picture");
+    std::filesystem::resize_file(toPath(folder.file("long")), std::uint64_t{1} << 36);
+    picture image;
+    EXPECT_FALSE(readPictureFile(folder.file("long"), image, why));
+    EXPECT_EQ(why.path, folder.file("long"));
+}
+
 TEST(PictureFile, DamageIsAFailureWithThePath)
 {
     const test::temporary_folder folder;
@@ -53,13 +97,17 @@ TEST(PictureFile, DamageIsAFailureWithThePath)
     {
         const char* name;
         std::string bytes;
+        std::uint64_t offset;
+        const char* field;
     } rows[] = {
-        {"empty.png", ""},
-        {"cut.png", png.substr(0, png.size() / 2)},
-        {"flipped.png", png.substr(0, 60) + '\x55' + png.substr(61)},
-        {"huge.png", huge},
-        {"wide.png", wide},
-        {"cut.dds", test::test_dds().bytes().substr(0, 150)},
+        {"empty.png", "", 0, "ID length"},
+        {"short.png", png.substr(0, 20), 8, "chunk IHDR"},
+        {"cut.png", png.substr(0, png.size() / 2), 33, "chunk IDAT"},
+        {"flipped.png", png.substr(0, 60) + '\x55' + png.substr(61), 33, "chunk IDAT"},
+        {"endless.png", png.substr(0, png.size() - 12), png.size() - 12, "chunk IEND"},
+        {"huge.png", huge, 16, "width"},
+        {"wide.png", wide, 16, "width"},
+        {"cut.dds", test::test_dds().bytes().substr(0, 150), 128, "surface 0, mip map 0, pixels"},
     };
     for (const auto& row : rows)
     {
@@ -69,7 +117,8 @@ TEST(PictureFile, DamageIsAFailureWithThePath)
         why = {};
         EXPECT_FALSE(readPictureFile(folder.file(row.name), image, why));
         EXPECT_EQ(why.path, folder.file(row.name));
-        EXPECT_FALSE(why.what.empty());
+        EXPECT_EQ(why.offset, row.offset) << describe(why);
+        EXPECT_EQ(why.field, row.field);
         EXPECT_EQ(image.pixelCount(), 0u);
     }
 }

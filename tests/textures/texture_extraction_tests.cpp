@@ -95,6 +95,32 @@ TEST_F(TextureExtraction, TheCopyThatCountsIsWrittenOnceWhateverTheSpelling)
     EXPECT_EQ(extractedText(result.files.size()), "3 DDS files extracted.");
 }
 
+// An archive first, then the disk around the models, each of which has surroundings of its own.
+TEST_F(TextureExtraction, LooseFilesAndBlanksInArchives)
+{
+    enter("a.pack", {{" tex\\blank.dds", "blank"}, {"tex\\both.dds", "archive"}});
+    for (const char* folder : {"one/tex", "one/deep", "two"})
+        std::filesystem::create_directories(toPath(m_folder.file(folder)));
+    test::writeBytes(m_folder.file("one/tex/both.dds"), "disk");
+    test::writeBytes(m_folder.file("one/tex/loose.dds"), "loose");
+    test::writeBytes(m_folder.file("two/second.dds"), "second");
+    const RMV2_FILE_DATA model = modelOf(
+        {{0, " tex/blank.dds"}, {0, "tex/both.dds"}, {0, "TEX/Loose.dds"}, {0, "tex/second.dds"}, {0, "../a.pack"}});
+    std::vector<wanted_texture> wanted;
+    addWantedTextures(model, wanted, m_folder.file("one/deep/m.rigid_model_v2"));
+    addWantedTextures(model, wanted, m_folder.file("two/m.rigid_model_v2"));
+    const texture_extraction_result result = extractTextures(*m_tree, wanted, {.folder = m_folder.file("inner/out")});
+    EXPECT_EQ(written(), (std::map<std::string, std::string>{{"out/tex/blank.dds", "blank"},
+                                                             {"out/tex/both.dds", "archive"},
+                                                             {"out/tex/loose.dds", "loose"},
+                                                             {"out/tex/second.dds", "second"}}));
+    ASSERT_EQ(result.files.size(), 4u);
+    EXPECT_TRUE(result.files[1].source.empty());
+    EXPECT_TRUE(result.files[2].archive.empty());
+    EXPECT_TRUE(result.files[2].source.ends_with("loose.dds"));
+    EXPECT_EQ(result.missing, paths{"..\\a.pack"});
+}
+
 TEST_F(TextureExtraction, HostilePathsWriteNothingOutside)
 {
     const paths hostile = {"..\\evil.dds",     "..\\..\\evil.dds", "tex\\..\\..\\..\\evil.dds",
@@ -140,15 +166,18 @@ TEST_F(TextureExtraction, FlatNamesAreNumberedAndPicturesDecoded)
     normal.pixels.clear();
     for (int i = 0; i < 16; ++i)
         normal.pixels += std::string("\xff\x80\0\x80", 4);
-    enter("a.pack",
-          {{"one\\n.dds", normal.bytes()}, {"two\\N.dds", normal.bytes()}, {"broken.dds", "DDS but no more"}});
-    const RMV2_FILE_DATA model = modelOf({{1, "one/n.dds"}, {0, "two/n.dds"}, {0, "broken.dds"}});
+    enter("a.pack", {{"one\\n.dds", normal.bytes()},
+                     {"two\\N.dds", normal.bytes()},
+                     {"broken.dds", "DDS but no more"},
+                     {"..\\esc.dds", "x"}});
+    const RMV2_FILE_DATA model = modelOf({{1, "one/n.dds"}, {0, "two/n.dds"}, {0, "broken.dds"}, {0, "../esc.dds"}});
 
     texture_extraction_result result =
         extract(model, {.is_flat = true, .form = picture_kind::png, .makes_normals_blue = true});
     ASSERT_EQ(result.files.size(), 2u);
-    ASSERT_EQ(result.failures.size(), 1u);
-    EXPECT_EQ(result.failures[0].path, "broken.dds");
+    ASSERT_EQ(result.failures.size(), 2u);
+    EXPECT_EQ(result.failures[0].path, "..\\esc.dds");
+    EXPECT_EQ(result.failures[1].path, "broken.dds");
     const std::pair<const char*, rgba_pixel> expected[] = {{"inner/out/n.png", rgba(128, 128, 254, 255)},
                                                            {"inner/out/n_2.png", rgba(255, 128, 0, 128)}};
     for (const auto& [name, colour] : expected)
