@@ -14,7 +14,6 @@ import struct
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 
 import model_oracle
@@ -30,6 +29,11 @@ def korvane(*arguments, check=None):
     if check is not None and done.returncode != check:
         raise AssertionError("exit status %d instead of %d: %s" % (done.returncode, check, done.stderr.decode()))
     return done.returncode, done.stdout, done.stderr
+
+
+def limited(kibibytes):
+    """The program in an address space of that size."""
+    return ["sh", "-c", "ulimit -v %d; exec \"$@\"" % kibibytes, "sh"] + program
 
 
 def read(path):
@@ -108,25 +112,22 @@ class command_line(cli_case):
         self.expect_failure(["edit", model, "-o", self.path("circle")], 1, "leads in a circle")
 
     def test_a_large_file_is_refused_by_its_first_bytes(self):
-        if is_windows:
-            self.skipTest("a sparse file takes its whole size there")
+        if is_windows or is_sanitized:
+            self.skipTest("needs a limit of address space and sparse files")
         for start, text in ((b"no model", "does not begin with \"RMV2\""), (b"RMV2\7\0\0\0", "4294967295")):
             path = self.write("large.rigid_model_v2", start)
             os.truncate(path, 5 << 30)
             for command in (["info"], ["check"], ["edit", "--dry-run"], ["patch", "-o", self.path("x")]):
-                begin = time.monotonic()
-                status, out, err = korvane(command[0], path, *command[1:])
-                self.assertEqual(status, 1)
-                self.assertIn(text, (out + err).decode())
-                self.assertLess(time.monotonic() - begin, 2)
+                done = subprocess.run(limited(1 << 20) + [command[0], path, *command[1:]], capture_output=True)
+                self.assertEqual(done.returncode, 1)
+                self.assertIn(text, (done.stdout + done.stderr).decode())
 
     def test_when_memory_runs_out_the_file_is_named(self):
         if is_windows or is_sanitized:
             self.skipTest("needs a limit of address space")
         path = self.write("much.rigid_model_v2", small_model(0, 32, 500000, bytes(16000000), b"name"))
-        limited = ["sh", "-c", "ulimit -v 60000; exec \"$@\"", "sh"] + program
         for command in (["info", path], ["edit", path, "--dry-run"], ["check", path]):
-            done = subprocess.run(limited + command, capture_output=True, timeout=60)
+            done = subprocess.run(limited(60000) + command, capture_output=True, timeout=60)
             self.assertEqual(done.returncode, 1)
             self.assertIn("not enough memory", (done.stdout + done.stderr).decode())
             self.assertIn(path, (done.stdout + done.stderr).decode())
