@@ -386,7 +386,7 @@ class command(export_case):
         textures = json.loads(out)["textures"]
         files = [os.path.join(folder, f) for folder, _, names in os.walk(self.path("tex")) for f in names]
         self.assertEqual(len(textures), len(files))
-        self.assertEqual(sorted(t["path"] for t in textures), sorted(files))
+        self.assertEqual(sorted(t["path"].replace("\\", "/") for t in textures), sorted(files))
         self.assertTrue(all(t["internal_path"] == t["internal_path"].lower() for t in textures))
         evil = read(self.at(SKELETON)).replace(b"humanoid01", b"a\x1b[31m\nbcd")
         _, _, err = korvane("export", self.at(MODEL), "-o", self.path("b.fbx"), "--skeleton",
