@@ -199,7 +199,7 @@ void model_check::reportSkeletonMissing(const std::string& id)
     else
         add(near.empty() ? finding_severity::note : finding_severity::warning, "skeleton_missing",
             "the skeleton " + inQuotes(id) +
-                " is not on the disk around the model; no archives were given, so it may be " + "in them" + hint);
+                " is not on the disk around the model; no archives were given, so it may be in them" + hint);
 }
 
 void model_check::checkLods()

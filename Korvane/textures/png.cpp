@@ -151,13 +151,7 @@ std::vector<std::byte> withoutProfiles(std::span<const std::byte> file)
     return rest;
 }
 
-struct freer
-{
-    void operator()(unsigned char* memory) const { std::free(memory); }
-};
-using decoded_bytes = std::unique_ptr<unsigned char, freer>;
-
-unsigned decode(std::span<const std::byte> file, lodepng::State& state, decoded_bytes& pixels)
+unsigned decode(std::span<const std::byte> file, lodepng::State& state, png_memory& pixels)
 {
     unsigned char* decoded = nullptr;
     unsigned width = 0, height = 0;
@@ -182,7 +176,7 @@ bool readPng(std::span<const std::byte> file, picture& target, failure& why)
                       std::to_string(size.width) + " x " + std::to_string(size.height) + " pixels do not fit into " +
                           std::to_string(file.size()) + " bytes",
                       "width");
-    decoded_bytes pixels;
+    png_memory pixels;
     unsigned error = decode(file, state, pixels);
     if (error != 0)
         if (const std::vector<std::byte> rest = withoutProfiles(file); !rest.empty())

@@ -24,6 +24,12 @@ inline constexpr std::string_view png_signature = "\x89PNG\r\n\x1a\n";
 // enough).
 [[nodiscard]] bool pngFileSize(std::span<const std::byte> start, std::uint64_t& size, failure& why);
 
+struct png_freer
+{
+    void operator()(unsigned char* memory) const { std::free(memory); }
+};
+using png_memory = std::unique_ptr<unsigned char, png_freer>; // what LodePNG allocates
+
 class png_bytes // of a file; owned
 {
 public:
@@ -32,11 +38,7 @@ public:
 private:
     friend bool writePng(const picture& source, png_bytes& file, failure& why);
 
-    struct freer
-    {
-        void operator()(unsigned char* memory) const { std::free(memory); }
-    };
-    std::unique_ptr<unsigned char, freer> m_memory;
+    png_memory m_memory;
     std::size_t m_size = 0;
 };
 
