@@ -56,10 +56,7 @@ void copyTriangles(const std::vector<std::uint16_t>& indices, gpu_mesh& mesh)
     mesh.indices.reserve(indices.size() / 3 * 3);
     for (std::size_t i = 0; i + 2 < indices.size(); i += 3)
     {
-        const auto exists = [&](std::size_t at)
-        {
-            return indices[at] < mesh.vertices.size();
-        };
+        const auto exists = [&](std::size_t at) { return indices[at] < mesh.vertices.size(); };
         if (exists(i) && exists(i + 1) && exists(i + 2))
             mesh.indices.insert(mesh.indices.end(), indices.begin() + static_cast<std::ptrdiff_t>(i),
                                 indices.begin() + static_cast<std::ptrdiff_t>(i) + 3);
@@ -100,11 +97,9 @@ gpu_mesh buildGpuMesh(const group_data& group, int bone)
     mesh.is_wound_backwards = isWoundBackwards(mesh);
     for (std::size_t slot = 0; slot < texture_slot_count; ++slot)
     {
-        const auto found = std::find_if(group.textures.begin(), group.textures.end(),
-                                        [slot](const texture_entry& entry)
-                                        {
-                                            return entry.type == texture_slot_types[slot];
-                                        });
+        const auto found =
+            std::find_if(group.textures.begin(), group.textures.end(),
+                         [slot](const texture_entry& entry) { return entry.type == texture_slot_types[slot]; });
         if (found != group.textures.end())
             mesh.texture_paths[slot] = found->path;
     }

@@ -180,8 +180,7 @@ void lib3d::createEnvironment()
 
 void lib3d::createStates()
 {
-    const auto rasterizer = [this](raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_MODE cull, BOOL reversed)
-    {
+    const auto rasterizer = [this](raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_MODE cull, BOOL reversed) {
         D3D11_RASTERIZER_DESC description{};
         description.FillMode = fill;
         description.CullMode = cull;
@@ -230,11 +229,7 @@ void lib3d::beginScene()
         m_specular_cube.get(), nullptr, m_diffuse_cube.get(), nullptr, nullptr, nullptr};
     m_context->PSSetShaderResources(0, 6, views);
     ID3D11SamplerState* samplers[5];
-    std::transform(std::begin(m_samplers), std::end(m_samplers), samplers,
-                   [](const auto& one)
-                   {
-                       return one.get();
-                   });
+    std::transform(std::begin(m_samplers), std::end(m_samplers), samplers, [](const auto& one) { return one.get(); });
     m_context->PSSetSamplers(0, 5, samplers);
     m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
     m_context->OMSetDepthStencilState(m_depth.get(), 0);

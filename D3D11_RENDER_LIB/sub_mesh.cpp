@@ -42,11 +42,8 @@ bool loadTexture(ID3D11Device& device, std::uint32_t type, const std::string& pa
 {
     if (path.empty())
         return false;
-    const auto known = std::find_if(shared.begin(), shared.end(),
-                                    [&](const texture_info& info)
-                                    {
-                                        return info.path == path;
-                                    });
+    const auto known =
+        std::find_if(shared.begin(), shared.end(), [&](const texture_info& info) { return info.path == path; });
     if (known != shared.end())
     {
         view = known->view;

@@ -46,8 +46,7 @@ constexpr dds_layout bgraOf(unsigned blue, unsigned green, unsigned red, unsigne
     return layout;
 }
 
-constexpr dds_layout without_alpha = []
-{
+constexpr dds_layout without_alpha = [] {
     dds_layout layout = bgraOf(8, 8, 8, 8);
     layout.channels[3] = {};
     return layout;
@@ -179,11 +178,7 @@ bool readMasks(const dds_pixel_format& pixels, dds_layout& layout)
     for (std::size_t i = 0; i < 4; ++i)
         if (!channelOf(masks[i], pixels.bits, layout.channels[i]) || (is_signed && layout.channels[i].bits == 1))
             return false;
-    return std::any_of(masks.begin(), masks.end(),
-                       [](std::uint32_t mask)
-                       {
-                           return mask != 0;
-                       });
+    return std::any_of(masks.begin(), masks.end(), [](std::uint32_t mask) { return mask != 0; });
 }
 
 std::string hex(std::uint32_t value)
@@ -214,10 +209,7 @@ const dds_format_traits* traitsOf(dds_format format)
 const dds_format_traits* ddsTraits(std::uint32_t dxgi)
 {
     const auto* found = std::find_if(std::begin(known_formats), std::end(known_formats),
-                                     [dxgi](const dds_format_traits& known)
-                                     {
-                                         return known.dxgi == dxgi;
-                                     });
+                                     [dxgi](const dds_format_traits& known) { return known.dxgi == dxgi; });
     return found == std::end(known_formats) ? nullptr : found;
 }
 
@@ -244,10 +236,7 @@ bool readLegacyFormat(const dds_pixel_format& pixels, dds_format& format, dds_la
         return false;
     }
     const auto* found = std::find_if(std::begin(known_formats), std::end(known_formats),
-                                     [&layout](const dds_format_traits& known)
-                                     {
-                                         return known.layout == layout;
-                                     });
+                                     [&layout](const dds_format_traits& known) { return known.layout == layout; });
     format = found == std::end(known_formats) ? dds_format::unknown : found->format;
     // A device has no such format without alpha: it shows what stands there.
     dds_layout with_alpha = layout;

@@ -13,10 +13,7 @@ namespace korvane
 
 constexpr std::uint32_t fourCc(char a, char b, char c, char d)
 {
-    const auto byte = [](char value)
-    {
-        return static_cast<std::uint32_t>(static_cast<unsigned char>(value));
-    };
+    const auto byte = [](char value) { return static_cast<std::uint32_t>(static_cast<unsigned char>(value)); };
     return byte(a) | byte(b) << 8 | byte(c) << 16 | byte(d) << 24;
 }
 

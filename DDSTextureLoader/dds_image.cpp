@@ -101,10 +101,7 @@ void readLegacyLayout(byte_reader& in, const header& head, dds_image& image)
 
 bool checkSizes(byte_reader& in, const dds_image& image)
 {
-    const auto bad = [](std::uint32_t size)
-    {
-        return size == 0 || size > dds_max_size;
-    };
+    const auto bad = [](std::uint32_t size) { return size == 0 || size > dds_max_size; };
     if (bad(image.width) || bad(image.height))
         return in.failAt(12, failure_kind::malformed,
                          "the size " + std::to_string(image.width) + " x " + std::to_string(image.height) +

@@ -132,18 +132,10 @@ int main(int count, char** values)
 {
     benchmark::Initialize(&count, values);
     figures fbx, dae;
-    benchmark::RegisterBenchmark("fbx",
-                                 [&fbx](benchmark::State& state)
-                                 {
-                                     exportTwice<fbx_export>(state, fbx);
-                                 })
+    benchmark::RegisterBenchmark("fbx", [&fbx](benchmark::State& state) { exportTwice<fbx_export>(state, fbx); })
         ->Unit(benchmark::kMillisecond)
         ->Iterations(10);
-    benchmark::RegisterBenchmark("dae",
-                                 [&dae](benchmark::State& state)
-                                 {
-                                     exportTwice<dae_export>(state, dae);
-                                 })
+    benchmark::RegisterBenchmark("dae", [&dae](benchmark::State& state) { exportTwice<dae_export>(state, dae); })
         ->Unit(benchmark::kMillisecond)
         ->Iterations(5);
     benchmark::RunSpecifiedBenchmarks();

@@ -194,8 +194,7 @@ std::vector<std::span<const std::byte>> arraysOf(const fbx_record& record)
     std::vector<std::span<const std::byte>> arrays;
     for (const fbx_value& value : record.values)
         std::visit(
-            [&arrays](const auto& held)
-            {
+            [&arrays](const auto& held) {
                 if constexpr (requires { std::as_bytes(std::span(held)); })
                     arrays.push_back(std::as_bytes(std::span(held)));
             },
@@ -251,8 +250,7 @@ void appendRecord(std::string& text, const fbx_record& record)
     {
         text += &value == record.values.data() ? "" : ", ";
         std::visit(
-            [&text](const auto& held)
-            {
+            [&text](const auto& held) {
                 if constexpr (requires { appendText(text, held); })
                     appendText(text, held);
             },

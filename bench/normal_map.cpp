@@ -57,35 +57,17 @@ int main(int count, char** values)
     failure why;
     if (!writeTarga(image, file, why))
         return 1;
-    const auto add = [](const char* name, double& seconds, auto work)
-    {
-        benchmark::RegisterBenchmark(name,
-                                     [&seconds, work](benchmark::State& state)
-                                     {
-                                         measure(state, seconds, work);
-                                     })
+    const auto add = [](const char* name, double& seconds, auto work) {
+        benchmark::RegisterBenchmark(name, [&seconds, work](benchmark::State& state) { measure(state, seconds, work); })
             ->Unit(benchmark::kMillisecond)
             ->Iterations(10);
     };
     add("copy", best[0],
-        [&]
-        {
-            std::memcpy(copy.pixels().data(), image.pixels().data(), image.pixels().size_bytes());
-        });
-    add("to blue", best[1],
-        [&]
-        {
-            toBlue(copy.pixels());
-        });
-    add("to orange", best[2],
-        [&]
-        {
-            toOrange(image.pixels());
-        });
-    const auto wholeWay = [&](normal_form form)
-    {
-        return [&file, form]
-        {
+        [&] { std::memcpy(copy.pixels().data(), image.pixels().data(), image.pixels().size_bytes()); });
+    add("to blue", best[1], [&] { toBlue(copy.pixels()); });
+    add("to orange", best[2], [&] { toOrange(image.pixels()); });
+    const auto wholeWay = [&](normal_form form) {
+        return [&file, form] {
             picture read;
             memory_file written;
             failure reason;

@@ -193,8 +193,7 @@ void straightLine(benchmark::State& state)
     const float* const turns = &data->rotations[0].x;
     static_assert(sizeof(glm::vec3) == 12 && sizeof(glm::quat) == 16 && offsetof(glm::quat, x) == 0);
     std::array<plain_bone, bone_count> bones;
-    const auto pose = [&](std::size_t i)
-    {
+    const auto pose = [&](std::size_t i) {
         const std::size_t frame = i % (frame_count - 1);
         plainPose(places + 3 * bone_count * frame, places + 3 * bone_count * (frame + 1),
                   turns + 4 * bone_count * frame, turns + 4 * bone_count * (frame + 1), fractionOf(i), bones.data());
@@ -222,36 +221,28 @@ void sampled(benchmark::State& state)
     if (!pose.setSkeleton(madeSkeleton()) || !pose.setAnimation(madeAnimation(), why))
         return state.SkipWithError("no pose");
     const std::size_t before = mallinfo2().uordblks;
-    measure(state, result.sample_seconds,
-            [&](std::size_t i)
-            {
-                pose.show(i % (frame_count - 1), fractionOf(i));
-                benchmark::DoNotOptimize(pose.joints().data());
-                benchmark::ClobberMemory();
-            });
+    measure(state, result.sample_seconds, [&](std::size_t i) {
+        pose.show(i % (frame_count - 1), fractionOf(i));
+        benchmark::DoNotOptimize(pose.joints().data());
+        benchmark::ClobberMemory();
+    });
     result.allocated = mallinfo2().uordblks - before;
 }
 
 void ticked(benchmark::State& state)
 {
     double now = 0;
-    skeleton_pose pose(
-        [&now]
-        {
-            return now;
-        });
+    skeleton_pose pose([&now] { return now; });
     playback_control control;
     failure why;
     if (!pose.setSkeleton(madeSkeleton()) || !pose.setAnimation(madeAnimation(), why))
         return state.SkipWithError("no pose");
-    measure(state, result.tick_seconds,
-            [&](std::size_t)
-            {
-                now += 0.013;
-                pose.advance(control);
-                benchmark::DoNotOptimize(pose.joints().data());
-                benchmark::ClobberMemory();
-            });
+    measure(state, result.tick_seconds, [&](std::size_t) {
+        now += 0.013;
+        pose.advance(control);
+        benchmark::DoNotOptimize(pose.joints().data());
+        benchmark::ClobberMemory();
+    });
 }
 
 } // namespace

@@ -40,13 +40,9 @@ void decode(benchmark::State& state, dds_format format, std::uint32_t block_byte
 
 int main(int count, char** values)
 {
-    const auto add = [](const char* name, dds_format format, std::uint32_t block_bytes)
-    {
-        benchmark::RegisterBenchmark(name,
-                                     [format, block_bytes](benchmark::State& state)
-                                     {
-                                         decode(state, format, block_bytes);
-                                     })
+    const auto add = [](const char* name, dds_format format, std::uint32_t block_bytes) {
+        benchmark::RegisterBenchmark(
+            name, [format, block_bytes](benchmark::State& state) { decode(state, format, block_bytes); })
             ->Unit(benchmark::kMillisecond)
             ->UseRealTime();
     };

@@ -223,8 +223,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     counting_prompt prompt;
     anim_file animation(prompt), skeleton(prompt), bones(prompt);
     int expected_boxes = 0;
-    const auto load = [&](anim_file& file, bool (anim_file::*way)(const std::string&, failure&), bool has_frames)
-    {
+    const auto load = [&](anim_file& file, bool (anim_file::*way)(const std::string&, failure&), bool has_frames) {
         failure why;
         file.openFromMemory(memory_file(bytes), "input");
         const bool is_loaded = (file.*way)({}, why);

@@ -49,10 +49,7 @@ void readImage(std::span<const std::byte> data)
 {
     if (data.size() < header_size)
         return;
-    const auto at = [&data](std::size_t place)
-    {
-        return std::to_integer<std::uint32_t>(data[place]);
-    };
+    const auto at = [&data](std::size_t place) { return std::to_integer<std::uint32_t>(data[place]); };
     tree_image_counts counts;
     counts.entries = at(1);
     counts.nodes = at(2);
@@ -70,8 +67,7 @@ void readImage(std::span<const std::byte> data)
     const std::span<char> text =
         tree->memory().allocate<char>(counts.text + path_tree::readable_behind_paths).first(counts.text);
     std::fill(text.begin(), text.end(), 'a');
-    const auto next = [&data](std::size_t size)
-    {
+    const auto next = [&data](std::size_t size) {
         const std::span<const std::byte> block = data.first(std::min(size, data.size()));
         data = data.subspan(block.size());
         return block;

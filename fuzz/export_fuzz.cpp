@@ -39,8 +39,7 @@ void checkNumbers(const fbx_record& record)
 {
     for (const fbx_value& value : record.values)
         std::visit(
-            [](const auto& held)
-            {
+            [](const auto& held) {
                 using type = std::remove_cvref_t<decltype(held)>;
                 if constexpr (std::is_floating_point_v<type>)
                     require(std::isfinite(held));
@@ -98,8 +97,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size < 4)
         return 0;
     auto rest = std::as_bytes(std::span(data, size)).subspan(4);
-    const auto takePart = [&rest](std::size_t wanted)
-    {
+    const auto takePart = [&rest](std::size_t wanted) {
         const auto part = rest.first(std::min(wanted, rest.size()));
         rest = rest.subspan(part.size());
         return part;

@@ -141,10 +141,7 @@ void checkConversion(const fbx_scene& scene, std::span<const std::byte> bytes)
     request.template_data = &template_data;
     request.frame_count = 3;
     anim_conversion_ports ports;
-    ports.log = [](const std::string& line)
-    {
-        require(!line.empty());
-    };
+    ports.log = [](const std::string& line) { require(!line.empty()); };
     anim_conversion_result result;
     failure why;
     if (!convertToAnim(request, ports, result, why))

@@ -50,10 +50,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             checkField(model, group.shader_name_field);
             static_cast<void>(model.influences(group));
         }
-    describeModel(model, true,
-                  [](const std::string& text)
-                  {
-                      require(text.find('\x1b') == std::string::npos);
-                  });
+    describeModel(model, true, [](const std::string& text) { require(text.find('\x1b') == std::string::npos); });
     return 0;
 }

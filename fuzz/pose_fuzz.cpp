@@ -61,8 +61,7 @@ bool sameBits(const value& left, const value& right)
 
 void checkPose(const skeleton_pose& pose, const anim_data& moves)
 {
-    const auto has = [](const std::vector<std::uint32_t>& bones, std::uint32_t bone)
-    {
+    const auto has = [](const std::vector<std::uint32_t>& bones, std::uint32_t bone) {
         return std::find(bones.begin(), bones.end(), bone) != bones.end();
     };
     for (std::uint32_t i = 0; i < pose.joints().size(); ++i)
@@ -113,11 +112,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!skeleton.loadSkeleton({}, why))
         return 0;
     double now = 0;
-    skeleton_pose pose(
-        [&now]
-        {
-            return now;
-        });
+    skeleton_pose pose([&now] { return now; });
     checkTree(pose.tree(), pose.setSkeleton(skeleton.data()));
     if (!file->loadAnimation({}, why))
         return 0;

@@ -25,8 +25,7 @@ bool isTemporaryName(std::string_view name)
     name.remove_prefix(temporary_prefix.size());
     name.remove_suffix(temporary_suffix.size());
     const std::size_t dash = name.find('-');
-    const auto isNumber = [](std::string_view digits)
-    {
+    const auto isNumber = [](std::string_view digits) {
         return !digits.empty() && digits.size() <= 10 && digits.find_first_not_of("0123456789") == digits.npos;
     };
     return dash != name.npos && isNumber(name.substr(0, dash)) && isNumber(name.substr(dash + 1));

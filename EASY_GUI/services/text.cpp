@@ -23,10 +23,7 @@ constexpr char32_t malformed = 0xffffffff;
 // The code point at position, which moves behind it; malformed input gives malformed and moves by one byte.
 char32_t decodeUtf8(std::string_view text, std::size_t& position)
 {
-    const auto byteAt = [&](std::size_t index)
-    {
-        return static_cast<unsigned char>(text[index]);
-    };
+    const auto byteAt = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
     const unsigned char lead = byteAt(position);
     if (lead < 0x80)
     {
@@ -62,10 +59,7 @@ char32_t decodeUtf8(std::string_view text, std::size_t& position)
 
 void appendUtf8(std::string& text, char32_t code)
 {
-    const auto put = [&](char32_t byte)
-    {
-        text += static_cast<char>(static_cast<unsigned char>(byte));
-    };
+    const auto put = [&](char32_t byte) { text += static_cast<char>(static_cast<unsigned char>(byte)); };
     if (code < 0x80)
         return put(code);
     if (code < 0x800)
@@ -116,10 +110,7 @@ std::string toLower(std::string_view text)
 bool equalsIgnoringCase(std::string_view left, std::string_view right)
 {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char a, char b)
-                      {
-                          return lowerCharacter(a) == lowerCharacter(b);
-                      });
+                      [](char a, char b) { return lowerCharacter(a) == lowerCharacter(b); });
 }
 
 bool endsWithIgnoringCase(std::string_view text, std::string_view ending)

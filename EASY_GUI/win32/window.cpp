@@ -90,8 +90,7 @@ ATOM window::classFor(const window_settings& settings)
 
     const HINSTANCE instance = GetModuleHandleW(nullptr);
     const std::wstring name = L"korvane_window_" + std::to_wstring(key) + L"_" + std::to_wstring(GetCurrentThreadId());
-    const auto icon = [&](int metric)
-    {
+    const auto icon = [&](int metric) {
         const LPCWSTR resource = settings.icon != 0 ? MAKEINTRESOURCEW(settings.icon) : nullptr;
         const int size = GetSystemMetrics(metric);
         return resource != nullptr

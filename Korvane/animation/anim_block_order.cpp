@@ -58,11 +58,7 @@ private:
     static bool isStill(std::span<const std::byte> rest, bool has_still_rotations)
     {
         const auto zeros = rest.first(std::min(rest.size(), zero_bytes));
-        if (std::any_of(zeros.begin(), zeros.end(),
-                        [](std::byte byte)
-                        {
-                            return byte != std::byte{0};
-                        }))
+        if (std::any_of(zeros.begin(), zeros.end(), [](std::byte byte) { return byte != std::byte{0}; }))
             return false;
         if (!has_still_rotations || rest.size() <= zero_bytes)
             return true;

@@ -63,10 +63,7 @@ std::string animDump(const anim_data& animation, const anim_origin& origin, std:
     constexpr std::size_t usual_line = 150;
     std::string text;
     text.reserve(1024 + animation.rotations.size() * usual_line);
-    const auto line = [&text, line_end](std::string_view content)
-    {
-        (text += content) += line_end;
-    };
+    const auto line = [&text, line_end](std::string_view content) { (text += content) += line_end; };
     line("***** ANIM DATA Dump - Korvane v0.6  ******");
     line("Parent Pack File: " + origin.pack);
     line("File: " + origin.path);

@@ -108,10 +108,7 @@ glm::vec3 eulerDegrees(const glm::quat& rotation)
     const double roll = std::atan2(2.0 * (z * y + w * x), 1.0 - 2.0 * (x * x + y * y));
     const double pitch = std::abs(sine) >= 1.0 ? std::copysign(straight_up, sine) : std::asin(sine);
     const double yaw = std::atan2(2.0 * (y * x + w * z), 1.0 - 2.0 * (z * z + y * y));
-    const auto degrees = [](double angle)
-    {
-        return static_cast<float>(angle) / 3.1415927f * 180.0f;
-    };
+    const auto degrees = [](double angle) { return static_cast<float>(angle) / 3.1415927f * 180.0f; };
     return {degrees(roll), degrees(pitch), degrees(yaw)};
 }
 

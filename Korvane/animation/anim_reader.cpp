@@ -162,8 +162,7 @@ void anim_reader::checkBlockOrder()
 void anim_reader::readStaticBlock()
 {
     const std::uint64_t begin = m_in.position();
-    const auto readCount = [this](std::uint64_t record_size, std::string_view field) -> std::uint32_t
-    {
+    const auto readCount = [this](std::uint64_t record_size, std::string_view field) -> std::uint32_t {
         const std::uint32_t count = m_in.u32(field);
         if (m_in.ok() && count > left() / record_size)
             m_in.fail(failure_kind::truncated,
@@ -212,8 +211,7 @@ void anim_reader::goOnBehindStart(std::uint64_t wanted)
 
 void anim_reader::readCounts()
 {
-    const auto readTrackCount = [this](std::string_view field)
-    {
+    const auto readTrackCount = [this](std::string_view field) {
         const std::uint32_t count = m_in.u32(field);
         // A skeleton's track i is bone i; other files may have values that belong to nobody.
         if (m_in.ok() && m_depth == anim_depth::skeleton && count > m_data.bones.size())

@@ -170,22 +170,15 @@ entry_list findSkeletons(const path_tree& tree, std::string_view skeleton_id, co
 {
     const std::string pattern = toLower("skeletons\\" + std::string(skeleton_id) + ".anim"); // as paths are spelled
     tell(log, "Searching fpr skeletons...");
-    entry_list found = entriesThat(tree,
-                                   [&pattern](const pack_file_node& entry)
-                                   {
-                                       return entry.internalPath().ends_with(pattern);
-                                   });
+    entry_list found =
+        entriesThat(tree, [&pattern](const pack_file_node& entry) { return entry.internalPath().ends_with(pattern); });
     tell(log, "Number of skeletons added to combobox: " + std::to_string(found.size()));
     return found;
 }
 
 entry_list animationCandidates(const path_tree& tree)
 {
-    return entriesThat(tree,
-                       [](const pack_file_node& entry)
-                       {
-                           return entry.extension() == "anim";
-                       });
+    return entriesThat(tree, [](const pack_file_node& entry) { return entry.extension() == "anim"; });
 }
 
 bool findAnimations(std::span<const pack_file_node* const> candidates, std::string_view skeleton_id, entry_list& found,

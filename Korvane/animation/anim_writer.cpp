@@ -32,8 +32,7 @@ void writeRotation(byte_writer& out, const glm::quat& value)
 {
     // In binary32, towards zero: what a reader made of a file's numbers becomes the same numbers again. Too long a
     // rotation ends at the ends of the type.
-    const auto component = [&out](float part)
-    {
+    const auto component = [&out](float part) {
         const float scaled = std::clamp(std::isnan(part) ? 0.0f : part * 32767.0f, -32768.0f, 32767.0f);
         out.u16(static_cast<std::uint16_t>(static_cast<std::int16_t>(scaled)));
     };
@@ -79,10 +78,7 @@ private:
 
 bool anim_writer::check(failure& why) const
 {
-    const auto refuse = [&why](std::string what)
-    {
-        return fail(why, failure_kind::refused, std::move(what));
-    };
+    const auto refuse = [&why](std::string what) { return fail(why, failure_kind::refused, std::move(what)); };
     constexpr std::size_t longest_name = std::numeric_limits<std::uint16_t>::max();
     if (m_version != 5 && m_version != 7)
         return refuse("version " + std::to_string(m_version) + " cannot be written, only 5 and 7");
@@ -191,8 +187,7 @@ void anim_writer::writeMaps()
 // Each map ends after as many entries as the pose has bones, which only leads to a readable file when it has all.
 void anim_writer::writePoseMaps()
 {
-    const auto writeMap = [this](const std::vector<std::uint32_t>& bones)
-    {
+    const auto writeMap = [this](const std::vector<std::uint32_t>& bones) {
         std::vector<std::uint32_t> map(m_source.bones.size(), no_track);
         for (const std::uint32_t bone : bones)
             map[bone] = bone;
@@ -245,8 +240,7 @@ value anim_writer::valueOfFirstBone(std::map<std::uint32_t, value> anim_output::
 
 void anim_writer::writeFrame(const anim_output::frame& frame)
 {
-    const auto scaled = [this](float part)
-    {
+    const auto scaled = [this](float part) {
         return static_cast<float>(static_cast<double>(part) * m_source.translation_scale);
     };
     for (const auto& [bone, value] : frame.translations)

@@ -20,10 +20,7 @@ template <std::size_t count>
 bool containsAny(std::string_view name, const std::string_view (&words)[count])
 {
     return std::any_of(std::begin(words), std::end(words),
-                       [name](std::string_view word)
-                       {
-                           return name.find(word) != std::string_view::npos;
-                       });
+                       [name](std::string_view word) { return name.find(word) != std::string_view::npos; });
 }
 
 std::string padded(std::string_view text, std::size_t width)
@@ -70,10 +67,7 @@ std::string boneTable(const anim_data& skeleton, std::string_view line_end)
         name_width = std::max(name_width, bone.name.size() + 4);
 
     std::string text;
-    const auto line = [&text, line_end](std::string_view content)
-    {
-        (text += content) += line_end;
-    };
+    const auto line = [&text, line_end](std::string_view content) { (text += content) += line_end; };
     constexpr std::string_view rule = "// *******************************************************";
     line(rule);
     line("// Korvane 0.7 Bone Table Export");

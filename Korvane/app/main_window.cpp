@@ -47,17 +47,11 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
     : m_ports(std::move(ports))
     , m_command_line(std::move(command_line))
     , m_file(std::move(file))
-    , m_file_info(
-          [this]
-          {
-              if (m_document.model().hasModel())
-                  m_ports.open_folder(m_document.model().file()->path());
-          })
-    , m_select(
-          [this](model_selection wanted)
-          {
-              select(wanted);
-          })
+    , m_file_info([this] {
+        if (m_document.model().hasModel())
+            m_ports.open_folder(m_document.model().file()->path());
+    })
+    , m_select([this](model_selection wanted) { select(wanted); })
     , m_content(*this, {&m_file_info, &m_select, &m_group_info, &m_group_tool, &m_textures}, m_status, m_show_view)
     , m_recent(nullptr)
 {
@@ -422,10 +416,7 @@ void main_window::log(const std::string& line)
 
 std::function<void(const std::string&)> main_window::logPort()
 {
-    return [this](const std::string& line)
-    {
-        log(line);
-    };
+    return [this](const std::string& line) { log(line); };
 }
 
 } // namespace korvane

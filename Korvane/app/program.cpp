@@ -87,11 +87,7 @@ int runProgram(const std::string& command_line)
 
     log_file log;
     message_box_prompt prompt;
-    main_window window({config, "", log, "log.txt", prompt,
-                        [&prompt](HWND owner)
-                        {
-                            prompt.setOwner(owner);
-                        },
+    main_window window({config, "", log, "log.txt", prompt, [&prompt](HWND owner) { prompt.setOwner(owner); },
                         &makeD3dModelView, &openFolderOf},
                        command_line, fileOfCommandLine());
     failure why;

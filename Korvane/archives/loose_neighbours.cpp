@@ -61,8 +61,7 @@ loose_neighbours::neighbour loose_neighbours::nearest(std::string_view wanted, s
     if (error || components.empty())
         return {};
     neighbour best;
-    const auto take = [&best](neighbour found)
-    {
+    const auto take = [&best](neighbour found) {
         if (!found.path.empty() && (best.path.empty() || found.distance < best.distance))
             best = std::move(found);
     };

@@ -392,8 +392,7 @@ bool pack_cache::load(const std::vector<std::string>& archive_paths, indexed_arc
     table_blocks tables(file, end);
     bool is_text_right = false;
     {
-        const auto loadText = [&]
-        {
+        const auto loadText = [&] {
             const std::span<std::byte> bytes = std::as_writable_bytes(text);
             is_text_right =
                 file.readAt(end.positionOf(trailer::text), bytes) && checksumOf(bytes) == end.checksums[trailer::text];
@@ -404,10 +403,7 @@ bool pack_cache::load(const std::vector<std::string>& archive_paths, indexed_arc
         else
             loadText();
         tree_image_reader reader(*loaded.tree, end.counts, text,
-                                 [&tables](std::size_t size)
-                                 {
-                                     return tables.next(size);
-                                 });
+                                 [&tables](std::size_t size) { return tables.next(size); });
         if (!reader.read(std::move(archives), why))
             return false;
     }
@@ -435,8 +431,7 @@ bool pack_cache::write(const indexed_archives& indexed, failure& why) const
 
     const std::uint64_t size = end.positionOf(trailer::part_count) + trailer_size;
     memory_file bytes(static_cast<std::size_t>(size));
-    const auto partOf = [&](int part)
-    {
+    const auto partOf = [&](int part) {
         return bytes.mutableBytes().subspan(static_cast<std::size_t>(end.positionOf(part)),
                                             static_cast<std::size_t>(end.sizeOf(part)));
     };

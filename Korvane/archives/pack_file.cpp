@@ -162,10 +162,7 @@ bool pack_file::readRecords(std::size_t position, failure& why)
     m_entries = m_po_tree->memory().allocate<pack_file_node>(m_header.file_count);
     for (std::uint32_t i = 0; i < m_header.file_count; ++i)
     {
-        const auto place = [i]
-        {
-            return "file index, record " + std::to_string(i);
-        };
+        const auto place = [i] { return "file index, record " + std::to_string(i); };
         if (fixed_size >= m_index.size() - position)
             return failAt(why, failure_kind::truncated, "the record runs past the index", position, place());
         const char* at = m_index.data() + position;

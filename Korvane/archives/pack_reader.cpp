@@ -71,11 +71,9 @@ bool pack_reader::findValidPakFiles(const std::string& folder)
 void pack_reader::sortArchives()
 {
     log(".pack files being sorted...");
-    std::stable_sort(m_archives.begin(), m_archives.end(),
-                     [](const std::string& left, const std::string& right)
-                     {
-                         return fileName(left) > fileName(right);
-                     });
+    std::stable_sort(m_archives.begin(), m_archives.end(), [](const std::string& left, const std::string& right) {
+        return fileName(left) > fileName(right);
+    });
     log(".pack files is sorted in the following order: ");
     for (std::size_t i = 0; i < m_archives.size(); ++i)
         log("[PACK FILE] " + std::to_string(i) + " : " + m_archives[i]);
@@ -140,10 +138,7 @@ void pack_reader::indexArchives(indexed_archives& indexed) const
 void pack_reader::writeCache(const indexed_archives& indexed)
 {
     const bool is_certain = std::all_of(indexed.archives.begin(), indexed.archives.end(),
-                                        [](const archive_listing& archive)
-                                        {
-                                            return archive.is_certain;
-                                        });
+                                        [](const archive_listing& archive) { return archive.is_certain; });
     if (!m_ports.cache || !is_certain)
         return;
     failure why;

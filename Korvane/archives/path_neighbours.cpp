@@ -47,16 +47,14 @@ std::size_t sharedStart(std::string_view left, std::string_view right)
 std::string_view stemMeant(std::string_view path, std::string_view extension)
 {
     std::string_view name = fileName(path);
-    const auto dropExtension = [&name](std::string_view ending)
-    {
+    const auto dropExtension = [&name](std::string_view ending) {
         const bool has_it = name.size() > ending.size() + 1 && endsWithIgnoringCase(name, ending) &&
                             name[name.size() - ending.size() - 1] == '.';
         if (has_it)
             name.remove_suffix(ending.size() + 1);
         return has_it;
     };
-    const auto dropDots = [&name]
-    {
+    const auto dropDots = [&name] {
         while (name.size() > 1 && (name.back() == '.' || name.back() == ' '))
             name.remove_suffix(1);
     };
@@ -107,10 +105,7 @@ path_neighbours::path_neighbours(const path_tree& tree, std::string_view extensi
             m_candidates.push_back({name, file->internalPath(), lettersOf(name)});
         }
     std::stable_sort(m_candidates.begin(), m_candidates.end(),
-                     [](const candidate& left, const candidate& right)
-                     {
-                         return left.name < right.name;
-                     });
+                     [](const candidate& left, const candidate& right) { return left.name < right.name; });
 }
 
 path_neighbours::neighbour path_neighbours::nearest(std::string_view wanted) const
@@ -151,10 +146,7 @@ path_neighbours::neighbour path_neighbours::nearest(std::string_view wanted) con
 
 std::string_view path_neighbours::sameName(std::string_view name, std::string_view wanted) const
 {
-    const auto isBefore = [](const candidate& each, std::string_view value)
-    {
-        return each.name < value;
-    };
+    const auto isBefore = [](const candidate& each, std::string_view value) { return each.name < value; };
     std::string_view best;
     std::size_t shared = 0;
     for (auto it = std::lower_bound(m_candidates.begin(), m_candidates.end(), name, isBefore);

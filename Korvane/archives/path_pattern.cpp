@@ -36,12 +36,10 @@ std::string badComponent(std::string_view component)
         return "a component is \"" + std::string(component) + "\"";
     if (component.back() == '.' || component.back() == ' ')
         return "a component ends in a dot or a blank";
-    const bool has_odd = std::any_of(component.begin(), component.end(),
-                                     [](char character)
-                                     {
-                                         return static_cast<unsigned char>(character) < 0x20 ||
-                                                std::string_view("<>:\"|?*").find(character) != std::string_view::npos;
-                                     });
+    const bool has_odd = std::any_of(component.begin(), component.end(), [](char character) {
+        return static_cast<unsigned char>(character) < 0x20 ||
+               std::string_view("<>:\"|?*").find(character) != std::string_view::npos;
+    });
     if (has_odd)
         return "a component holds a character that no file name may hold";
     if (isDeviceName(component))

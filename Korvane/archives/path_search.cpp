@@ -62,11 +62,7 @@ void path_search::find(std::string_view text)
     m_text = std::move(wanted);
     if (is_narrower)
     {
-        std::erase_if(m_hits,
-                      [this](const pack_file_node* file)
-                      {
-                          return !contains(file->internalPath(), m_text);
-                      });
+        std::erase_if(m_hits, [this](const pack_file_node* file) { return !contains(file->internalPath(), m_text); });
         return;
     }
     m_hits.clear();

@@ -240,10 +240,7 @@ std::vector<const path_node*> path_tree::children(const path_node& folder) const
     for (std::uint32_t child = folder.m_first_child; child != 0; child = m_nodes[child].m_next_sibling)
         list.push_back(&m_nodes[child]);
     std::sort(list.begin(), list.end(),
-              [](const path_node* left, const path_node* right)
-              {
-                  return left->name() < right->name();
-              });
+              [](const path_node* left, const path_node* right) { return left->name() < right->name(); });
     return list;
 }
 
@@ -279,10 +276,7 @@ void path_tree::addChildren(const path_node& folder, std::vector<ordered_child>&
             list.push_back({&node, true});
     }
     std::sort(list.begin() + begin, list.end(),
-              [](const ordered_child& left, const ordered_child& right)
-              {
-                  return comesBefore(right, left);
-              });
+              [](const ordered_child& left, const ordered_child& right) { return comesBefore(right, left); });
 }
 
 // A folder's paths go on with a separator behind its name.
@@ -294,8 +288,7 @@ bool path_tree::comesBefore(const ordered_child& left, const ordered_child& righ
     const int order = std::memcmp(a.data(), b.data(), common);
     if (order != 0)
         return order < 0;
-    const auto next = [common](std::string_view name, bool is_folder)
-    {
+    const auto next = [common](std::string_view name, bool is_folder) {
         return name.size() > common ? static_cast<unsigned char>(name[common]) : is_folder ? '\\' : -1;
     };
     return next(a, left.is_folder) < next(b, right.is_folder);

@@ -91,8 +91,7 @@ void tree_image::writeTables(std::byte* target) const
         }
     }
     std::size_t archive = 0; // neighbours mostly come from one
-    const auto numberOf = [&](const pack_file_node* file)
-    {
+    const auto numberOf = [&](const pack_file_node* file) {
         for (std::size_t i = 0; file && i < first.size(); ++i, archive = (archive + 1) % first.size())
             if (file >= first[archive].first && file < first[archive].first + m_tree.m_entries[archive].size())
                 return first[archive].second + static_cast<std::uint32_t>(file - first[archive].first);
@@ -170,45 +169,40 @@ bool tree_image_reader::readFiles(std::vector<std::unique_ptr<archive_record>>& 
         return fail(why, failure_kind::malformed, "the archives have fewer files than there are");
 
     std::size_t of = 0;
-    return readTable(m_files.size(), tree_image_counts::entry_size, why,
-                     [&](const std::byte* in, std::size_t number)
-                     {
-                         while (number == ends[of])
-                             ++of;
-                         const archive_record& archive = *m_tree.m_archives[of];
-                         const std::uint32_t path_at = u32At(in), size = u32At(in + 8), offset = u32At(in + 12);
-                         const std::uint16_t length = u16At(in + 4);
-                         if (!isText(path_at, length) || offset > archive.file.size() ||
-                             size > archive.file.size() - offset)
-                             return isWrong(why, "file", number);
-                         std::construct_at(&m_files[number], archive, std::string_view(m_text.data() + path_at, length),
-                                           size, offset, static_cast<std::uint8_t>(in[6]), u32At(in + 16));
-                         return true;
-                     });
+    return readTable(m_files.size(), tree_image_counts::entry_size, why, [&](const std::byte* in, std::size_t number) {
+        while (number == ends[of])
+            ++of;
+        const archive_record& archive = *m_tree.m_archives[of];
+        const std::uint32_t path_at = u32At(in), size = u32At(in + 8), offset = u32At(in + 12);
+        const std::uint16_t length = u16At(in + 4);
+        if (!isText(path_at, length) || offset > archive.file.size() || size > archive.file.size() - offset)
+            return isWrong(why, "file", number);
+        std::construct_at(&m_files[number], archive, std::string_view(m_text.data() + path_at, length), size, offset,
+                          static_cast<std::uint8_t>(in[6]), u32At(in + 16));
+        return true;
+    });
 }
 
 bool tree_image_reader::readNodes(failure& why)
 {
     m_tree.m_nodes.clear();
     m_tree.m_nodes.reserve(m_counts.nodes);
-    return readTable(m_counts.nodes, tree_image_counts::node_size, why,
-                     [&](const std::byte* in, std::size_t number)
-                     {
-                         path_node node;
-                         const std::uint32_t path_at = u32At(in), file = u32At(in + 8);
-                         node.m_path = m_text.data() + path_at;
-                         node.m_path_length = u16At(in + 4);
-                         node.m_name_at = u16At(in + 6);
-                         node.m_file = file == no_file ? nullptr : m_files.data() + file;
-                         node.m_first_child = u32At(in + 12);
-                         node.m_next_sibling = u32At(in + 16);
-                         if (!isText(path_at, node.m_path_length) || node.m_name_at > node.m_path_length ||
-                             (file != no_file && file >= m_files.size()) || node.m_first_child >= m_counts.nodes ||
-                             node.m_next_sibling >= m_counts.nodes || (number == 0) != (node.m_path_length == 0))
-                             return isWrong(why, "node", number);
-                         m_tree.m_nodes.push_back(node);
-                         return true;
-                     });
+    return readTable(m_counts.nodes, tree_image_counts::node_size, why, [&](const std::byte* in, std::size_t number) {
+        path_node node;
+        const std::uint32_t path_at = u32At(in), file = u32At(in + 8);
+        node.m_path = m_text.data() + path_at;
+        node.m_path_length = u16At(in + 4);
+        node.m_name_at = u16At(in + 6);
+        node.m_file = file == no_file ? nullptr : m_files.data() + file;
+        node.m_first_child = u32At(in + 12);
+        node.m_next_sibling = u32At(in + 16);
+        if (!isText(path_at, node.m_path_length) || node.m_name_at > node.m_path_length ||
+            (file != no_file && file >= m_files.size()) || node.m_first_child >= m_counts.nodes ||
+            node.m_next_sibling >= m_counts.nodes || (number == 0) != (node.m_path_length == 0))
+            return isWrong(why, "node", number);
+        m_tree.m_nodes.push_back(node);
+        return true;
+    });
 }
 
 // Every node but the root is the child of exactly one folder, which has a lower number: so it is a tree.
@@ -238,8 +232,7 @@ bool tree_image_reader::readSlots(failure& why)
     m_tree.m_slots.clear();
     m_tree.m_slots.reserve(m_counts.slots);
     std::size_t free_buckets = 0;
-    const auto readSlot = [&](const std::byte* in, std::size_t number)
-    {
+    const auto readSlot = [&](const std::byte* in, std::size_t number) {
         const std::uint32_t path_at = u32At(in), node = u32At(in + 4);
         const std::uint16_t length = u16At(in + 8);
         // A search ends at a bucket whose last slot is free.

@@ -190,10 +190,7 @@ private:
     std::size_t problem(std::string text, variant_problem::kind kind = variant_problem::kind::other,
                         const std::string& path = {}, const std::string& named_in = {})
     {
-        const auto isTold = [&text](const variant_problem& told)
-        {
-            return told.line == text;
-        };
+        const auto isTold = [&text](const variant_problem& told) { return told.line == text; };
         if (m_problems.size() > variant_mesh_def::max_problems ||
             std::any_of(m_problems.begin(), m_problems.end(), isTold))
             return 0;

@@ -17,11 +17,7 @@ namespace
 std::span<const std::byte> withoutFilling(std::span<const std::byte> text)
 {
     const auto first_zero = std::find(text.begin(), text.end(), std::byte{0});
-    const bool is_filling = std::all_of(first_zero, text.end(),
-                                        [](std::byte value)
-                                        {
-                                            return value == std::byte{0};
-                                        });
+    const bool is_filling = std::all_of(first_zero, text.end(), [](std::byte value) { return value == std::byte{0}; });
     return is_filling ? text.first(static_cast<std::size_t>(first_zero - text.begin())) : text;
 }
 

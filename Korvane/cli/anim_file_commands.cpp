@@ -110,11 +110,7 @@ void addOutputCommand(CLI::App& anim, cli_context& context, const std::string& n
         ->required()
         ->check(notEmpty());
     command->add_option("-o", options->output, "The file to write")->type_name("FILE")->required()->check(notEmpty());
-    command->callback(
-        [options, run, &context]
-        {
-            run(context, *options);
-        });
+    command->callback([options, run, &context] { run(context, *options); });
 }
 
 } // namespace
@@ -131,11 +127,7 @@ void addAnimFileCommands(CLI::App& anim, cli_context& context)
         ->required()
         ->check(notEmpty());
     context.addJsonOption(*search);
-    search->callback(
-        [skeleton_id, &context]
-        {
-            runSearch(context, *skeleton_id);
-        });
+    search->callback([skeleton_id, &context] { runSearch(context, *skeleton_id); });
 }
 
 } // namespace korvane

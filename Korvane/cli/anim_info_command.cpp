@@ -40,20 +40,12 @@ json listJson(const range& values, const function& each)
 template <class range>
 json arraysJson(const range& values)
 {
-    return listJson(values,
-                    [](const auto& value)
-                    {
-                        return arrayJson(value);
-                    });
+    return listJson(values, [](const auto& value) { return arrayJson(value); });
 }
 
 json eulersJson(std::span<const glm::quat> rotations)
 {
-    return listJson(rotations,
-                    [](const glm::quat& rotation)
-                    {
-                        return arrayJson(eulerDegrees(rotation));
-                    });
+    return listJson(rotations, [](const glm::quat& rotation) { return arrayJson(eulerDegrees(rotation)); });
 }
 
 json headJson(const anim_data& data, const info_options& options)
@@ -70,12 +62,9 @@ json headJson(const anim_data& data, const info_options& options)
     }
     head["end_time"] = jsonNumber(data.end_time);
     head["bone_count"] = data.bones.size();
-    head["bones"] =
-        listJson(data.bones,
-                 [](const anim_bone& bone)
-                 {
-                     return json{{"index", bone.index}, {"name", displayText(bone.name)}, {"parent", bone.parent}};
-                 });
+    head["bones"] = listJson(data.bones, [](const anim_bone& bone) {
+        return json{{"index", bone.index}, {"name", displayText(bone.name)}, {"parent", bone.parent}};
+    });
     head["translation_map"] = data.translation_map;
     head["rotation_map"] = data.rotation_map;
     head["animated_translations"] = data.animated_translations;
@@ -86,13 +75,11 @@ json headJson(const anim_data& data, const info_options& options)
     head["rotation_track_count"] = data.rotation_count;
     head["frame_count"] = data.frame_count;
     if (depthOf(options) == anim_depth::skeleton)
-        head["bind"] = listJson(data.bones,
-                                [](const anim_bone& bone)
-                                {
-                                    return json{{"translation", arrayJson(bone.translation)},
-                                                {"rotation", arrayJson(bone.rotation)},
-                                                {"euler", arrayJson(eulerDegrees(bone.rotation))}};
-                                });
+        head["bind"] = listJson(data.bones, [](const anim_bone& bone) {
+            return json{{"translation", arrayJson(bone.translation)},
+                        {"rotation", arrayJson(bone.rotation)},
+                        {"euler", arrayJson(eulerDegrees(bone.rotation))}};
+        });
     return head;
 }
 
@@ -211,10 +198,7 @@ std::string frameText(const anim_data& data, std::size_t frame)
     if (data.frame_rate > 0)
         text += ", " + number(static_cast<double>(frame) / static_cast<double>(data.frame_rate)) + " s";
     text += "\n";
-    const auto name = [&data](std::size_t bone)
-    {
-        return "  " + padded(terminalText(data.bones[bone].name), 24);
-    };
+    const auto name = [&data](std::size_t bone) { return "  " + padded(terminalText(data.bones[bone].name), 24); };
     const auto translations = data.frameTranslations(frame);
     for (std::size_t i = 0; i < data.animated_translations.size(); ++i)
         text += name(data.animated_translations[i]) + " translation" + columns(translations[i], 9, 4) + "\n";
@@ -257,13 +241,11 @@ void addAnimInfoCommand(CLI::App& anim, cli_context& context)
         ->check(CLI::IsMember({"skeleton", "animation", "template"}));
     command->add_flag("--frames", options->with_frames, "Add the frames");
     context.addJsonOption(*command);
-    command->callback(
-        [options, &context]
-        {
-            if (options->with_frames && depthOf(*options) != anim_depth::animation)
-                throw CLI::ValidationError("--frames", "only what is read as an animation has frames");
-            runInfo(context, *options);
-        });
+    command->callback([options, &context] {
+        if (options->with_frames && depthOf(*options) != anim_depth::animation)
+            throw CLI::ValidationError("--frames", "only what is read as an animation has frames");
+        runInfo(context, *options);
+    });
 }
 
 } // namespace korvane

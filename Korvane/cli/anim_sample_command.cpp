@@ -129,8 +129,7 @@ void noteMismatch(cli_context& context, const anim_data& moves, const anim_data&
 {
     if (moves.skeleton_name == skeleton.skeleton_name)
         return;
-    const auto named = [](const anim_data& data)
-    {
+    const auto named = [](const anim_data& data) {
         return data.skeleton_name.empty() ? "a skeleton without a name" : terminalText(data.skeleton_name);
     };
     context.note("note: the animation is made for " + named(moves) + ", not for " + named(skeleton));
@@ -210,14 +209,12 @@ void addAnimSampleCommand(CLI::App& anim, cli_context& context)
         ->check(CLI::Range(0.0, 1.0))
         ->needs(frame);
     context.addJsonOption(*command);
-    command->callback(
-        [options, frame, &context]
-        {
-            if (options->anim.empty() && options->skeleton.empty())
-                throw CLI::RequiredError("ANIM or --skeleton");
-            options->has_frame = frame->count() > 0;
-            runSample(context, *options);
-        });
+    command->callback([options, frame, &context] {
+        if (options->anim.empty() && options->skeleton.empty())
+            throw CLI::RequiredError("ANIM or --skeleton");
+        options->has_frame = frame->count() > 0;
+        runSample(context, *options);
+    });
 }
 
 } // namespace korvane

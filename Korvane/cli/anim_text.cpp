@@ -16,9 +16,7 @@ std::size_t shownWidth(const std::string& text)
 {
     return static_cast<std::size_t>(std::count_if(text.begin(), text.end(),
                                                   [](char byte) // one that goes on with a character takes no room
-                                                  {
-                                                      return (static_cast<unsigned char>(byte) & 0xc0) != 0x80;
-                                                  }));
+                                                  { return (static_cast<unsigned char>(byte) & 0xc0) != 0x80; }));
 }
 
 std::string formatted(const char* format, int digits, double value)

@@ -168,21 +168,13 @@ void addArchiveCommands(CLI::App& app, cli_context& context)
 {
     CLI::App* archives = app.add_subcommand("archives", "List the archives in the order in which they are read");
     context.addJsonOption(*archives);
-    archives->callback(
-        [&context]
-        {
-            runArchives(context);
-        });
+    archives->callback([&context] { runArchives(context); });
 
     const auto pattern = std::make_shared<std::string>("*");
     CLI::App* list = app.add_subcommand("list", "List the files of all archives");
     list->add_option("PATTERN", *pattern, "Internal paths to list, with * and ? (default: all)");
     context.addJsonOption(*list);
-    list->callback(
-        [&context, pattern]
-        {
-            runList(context, *pattern);
-        });
+    list->callback([&context, pattern] { runList(context, *pattern); });
 
     const auto options = std::make_shared<extract_options>();
     CLI::App* extract = app.add_subcommand("extract", "Write files out of the archives to disk");
@@ -192,15 +184,13 @@ void addArchiveCommands(CLI::App& app, cli_context& context)
     extract->add_option("-o", options->output, "The file to write, or with --match the folder")
         ->required()
         ->check(notEmpty());
-    extract->callback(
-        [&context, options]
-        {
-            if (!options->pattern.empty())
-                return extractMatching(context, *options);
-            if (options->path.empty())
-                throw CLI::RequiredError("INTERNAL_PATH or --match");
-            extractOne(context, *options);
-        });
+    extract->callback([&context, options] {
+        if (!options->pattern.empty())
+            return extractMatching(context, *options);
+        if (options->path.empty())
+            throw CLI::RequiredError("INTERNAL_PATH or --match");
+        extractOne(context, *options);
+    });
 }
 
 } // namespace korvane

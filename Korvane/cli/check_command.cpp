@@ -69,21 +69,16 @@ public:
     {
         for (const finding& each : found)
         {
-            const auto same =
-                std::find_if(m_rows.begin(), m_rows.end(),
-                             [&](const row& other)
-                             {
-                                 return other.first->severity == each.severity && other.first->text == each.text;
-                             });
+            const auto same = std::find_if(m_rows.begin(), m_rows.end(), [&](const row& other) {
+                return other.first->severity == each.severity && other.first->text == each.text;
+            });
             row& its = same == m_rows.end() ? m_rows.emplace_back(row{&each, {}}) : *same;
             if (each.place.lod)
                 its.places.push_back(placeText(each.place));
         }
-        std::stable_sort(m_rows.begin(), m_rows.end(),
-                         [](const row& left, const row& right)
-                         {
-                             return left.first->severity > right.first->severity;
-                         });
+        std::stable_sort(m_rows.begin(), m_rows.end(), [](const row& left, const row& right) {
+            return left.first->severity > right.first->severity;
+        });
     }
 
     std::string text() const
@@ -176,10 +171,7 @@ private:
     {
         if (m_files_with_findings == 0)
             return "nothing found";
-        const auto of = [this](finding_severity severity)
-        {
-            return m_counts[static_cast<std::size_t>(severity)];
-        };
+        const auto of = [this](finding_severity severity) { return m_counts[static_cast<std::size_t>(severity)]; };
         return counted(of(finding_severity::error), "error", "errors") + ", " +
                counted(of(finding_severity::warning), "warning", "warnings") + ", " +
                counted(of(finding_severity::note), "note", "notes") + " in " +
@@ -217,8 +209,7 @@ void runCheck(cli_context& context, const std::vector<std::string>& operands)
         run.add(operand);
     check_printer printer(context);
     std::vector<finding> found;
-    const auto step = [&]
-    {
+    const auto step = [&] {
         if (run.doneCount() < run.fileCount())
             context.workOn(run.nextFile());
         return run.step(found);
@@ -244,11 +235,7 @@ void addCheckCommand(CLI::App& app, cli_context& context)
                      "Models, definitions or folders on the disk, or pack: and a pattern over internal paths")
         ->required();
     context.addJsonOption(*command);
-    command->callback(
-        [&context, operands]
-        {
-            runCheck(context, *operands);
-        });
+    command->callback([&context, operands] { runCheck(context, *operands); });
 }
 
 } // namespace korvane

@@ -61,18 +61,13 @@ void cli_context::fail(const failure& why)
 CLI::Validator notEmpty()
 {
     return CLI::Validator(
-        [](const std::string& text)
-        {
-            return text.empty() ? std::string("it is empty") : std::string();
-        },
-        "");
+        [](const std::string& text) { return text.empty() ? std::string("it is empty") : std::string(); }, "");
 }
 
 CLI::Validator finiteNumber()
 {
     return CLI::Validator(
-        [](const std::string& text)
-        {
+        [](const std::string& text) {
             char* end = nullptr;
             const double value = std::strtod(text.c_str(), &end);
             return !text.empty() && *end == '\0' && std::isfinite(value) ? std::string()
@@ -84,8 +79,7 @@ CLI::Validator finiteNumber()
 CLI::Validator wholeNumber()
 {
     return CLI::Validator(
-        [](const std::string& text)
-        {
+        [](const std::string& text) {
             const bool is_whole =
                 !text.empty() && text.size() <= 10 && text.find_first_not_of("0123456789") == std::string::npos;
             return is_whole ? std::string() : "\"" + text + "\" is no whole number from 0 on";

@@ -106,8 +106,7 @@ void addConfigCommand(CLI::App& app, cli_context& context)
 {
     const auto options = std::make_shared<config_options>();
     const auto key_check = CLI::Validator(
-        [](const std::string& key)
-        {
+        [](const std::string& key) {
             return isKey(key) ? std::string() : "a key is made of letters, digits and '_', not \"" + key + "\"";
         },
         "KEY");
@@ -120,26 +119,16 @@ void addConfigCommand(CLI::App& app, cli_context& context)
     add->add_option("KEY", options->key)->required()->check(key_check);
     add->add_option("VALUE", options->values)->required();
     add->add_flag("--front", options->at_front, "Put the values before those that are there");
-    add->callback(
-        [options, &context]
-        {
-            addValues(context, *options);
-        });
+    add->callback([options, &context] { addValues(context, *options); });
 
     CLI::App* clear = command->add_subcommand("clear", "Empty a key's list");
     clear->add_option("KEY", options->key)->required()->check(key_check);
-    clear->callback(
-        [options, &context]
-        {
-            clearKey(context, *options);
-        });
+    clear->callback([options, &context] { clearKey(context, *options); });
 
-    command->callback(
-        [command, &context]
-        {
-            if (command->get_subcommands().empty())
-                showConfig(context);
-        });
+    command->callback([command, &context] {
+        if (command->get_subcommands().empty())
+            showConfig(context);
+    });
 }
 
 } // namespace korvane

@@ -168,13 +168,11 @@ void convert_run::run()
     if (!load(why))
         return m_context.fail(why);
     anim_conversion_ports ports;
-    ports.log = [this](const std::string& line)
-    {
+    ports.log = [this](const std::string& line) {
         m_log.push_back(displayText(line));
         m_context.note(terminalText(line));
     };
-    ports.progress = [this](std::uint32_t frame, std::uint32_t of)
-    {
+    ports.progress = [this](std::uint32_t frame, std::uint32_t of) {
         m_context.progress("frame " + std::to_string(frame) + " of " + std::to_string(of));
     };
     silent_prompt prompt;
@@ -192,8 +190,7 @@ void convert_run::run()
 CLI::Validator numberBetween(double low, double high, const std::string& meaning)
 {
     return CLI::Validator(
-        [low, high, meaning](const std::string& text)
-        {
+        [low, high, meaning](const std::string& text) {
             std::string checked = text;
             const std::string wrong = finiteNumber()(checked);
             if (!wrong.empty())
@@ -251,11 +248,7 @@ void addConvertCommand(CLI::App& app, cli_context& context)
         ->type_name("FILE")
         ->check(notEmpty());
     context.addJsonOption(*command);
-    command->callback(
-        [options, &context]
-        {
-            convert_run(context, *options).run();
-        });
+    command->callback([options, &context] { convert_run(context, *options).run(); });
 }
 
 } // namespace korvane

@@ -26,8 +26,7 @@ void runDemoData(cli_context& context, const demo_data_options& options)
 {
     std::size_t textures = 0, texture_bytes = 0, total_bytes = 0, files = 0;
     json list = json::array();
-    const auto written = [&](const demo::file& made, std::size_t size)
-    {
+    const auto written = [&](const demo::file& made, std::size_t size) {
         ++files;
         total_bytes += size;
         context.progress(std::to_string(files) + " files, " + sizeText(total_bytes));
@@ -61,11 +60,7 @@ void addDemoDataCommand(CLI::App& app, cli_context& context)
         ->check(finiteNumber())
         ->check(CLI::Range(demo::min_scale, demo::max_scale));
     context.addJsonOption(*command);
-    command->callback(
-        [options, &context]
-        {
-            runDemoData(context, *options);
-        });
+    command->callback([options, &context] { runDemoData(context, *options); });
 }
 
 } // namespace korvane

@@ -87,8 +87,7 @@ std::optional<std::uint32_t> alphaValue(std::string_view text)
 CLI::Validator textureEdit()
 {
     return CLI::Validator(
-        [](const std::string& text)
-        {
+        [](const std::string& text) {
             const auto parts = halves(text);
             return parts && indices<3>(parts->first) ? std::string() : "\"" + text + "\" is not LOD:GROUP:TEXTURE=PATH";
         },
@@ -98,8 +97,7 @@ CLI::Validator textureEdit()
 CLI::Validator alphaEdit()
 {
     return CLI::Validator(
-        [](const std::string& text) -> std::string
-        {
+        [](const std::string& text) -> std::string {
             const auto parts = halves(text);
             if (!parts || !indices<2>(parts->first))
                 return "\"" + text + "\" is not LOD:GROUP=VALUE";
@@ -111,8 +109,7 @@ CLI::Validator alphaEdit()
 CLI::Validator replacement()
 {
     return CLI::Validator(
-        [](const std::string& text)
-        {
+        [](const std::string& text) {
             const auto parts = halves(text);
             return parts && !parts->first.empty() ? std::string() : "\"" + text + "\" is not OLD=NEW";
         },
@@ -137,8 +134,7 @@ bool openToEdit(cli_context& context, const std::string& operand, bool is_forced
 
 bool applyEdits(const edit_options& options, model_editor& editor, std::vector<std::string>& notes, failure& why)
 {
-    const auto keep = [&notes](edit_result& result)
-    {
+    const auto keep = [&notes](edit_result& result) {
         notes.insert(notes.end(), result.notes.begin(), result.notes.end());
     };
     for (const std::string& text : options.replaced)
@@ -209,8 +205,7 @@ void addEditCommand(CLI::App& app, cli_context& context)
         ->type_name("OUT")
         ->check(notEmpty());
     const auto addEdits = [command](const char* name, std::vector<std::string>& values, const char* type,
-                                    const CLI::Validator& check, const char* about)
-    {
+                                    const CLI::Validator& check, const char* about) {
         command->add_option(name, values, about)->type_name(type)->allow_extra_args(false)->check(check);
     };
     addEdits("--texture", options->textures, "L:G:T=PATH", textureEdit(),
@@ -225,17 +220,14 @@ void addEditCommand(CLI::App& app, cli_context& context)
     command->add_flag("--dry-run", options->is_dry_run, "Only list what would change; nothing is written");
     command->add_flag("--force", options->is_forced,
                       "Edit a model that says version 7 over the LOD headers of version 6");
-    command->callback(
-        [options, &context]
-        {
-            if (!options->is_dry_run && options->output.empty())
-                throw CLI::RequiredError("-o or --dry-run");
-            forEachModel(context, options->models, {options->output, options->is_dry_run},
-                         [&](const std::string& model, const std::string& out, failure& why)
-                         {
-                             return editModel(context, *options, model, out, why);
-                         });
-        });
+    command->callback([options, &context] {
+        if (!options->is_dry_run && options->output.empty())
+            throw CLI::RequiredError("-o or --dry-run");
+        forEachModel(context, options->models, {options->output, options->is_dry_run},
+                     [&](const std::string& model, const std::string& out, failure& why) {
+                         return editModel(context, *options, model, out, why);
+                     });
+    });
 }
 
 } // namespace korvane

@@ -124,8 +124,7 @@ bool export_run::load(failure& why)
 std::vector<export_run::output_file> export_run::outputs() const
 {
     const bool has_folder = writesFolder();
-    const auto inFolder = [this](const std::string& name)
-    {
+    const auto inFolder = [this](const std::string& name) {
         return toUtf8(toPath(m_options.output) / toPath(name + "." + m_options.folder_format.value_or("fbx")));
     };
     if (m_options.animations.empty())
@@ -162,8 +161,7 @@ bool export_run::prepare(failure& why)
         return true;
     if (!extractTextures(why) || (writesFolder() && !createFolder(m_options.output, why)))
         return false;
-    const auto print = [this](const std::string& text)
-    {
+    const auto print = [this](const std::string& text) {
         const std::size_t begin = text.find_first_not_of('\n'), end = text.find_last_not_of('\n') + 1;
         m_context.note(terminalText(text.substr(begin, end - begin)));
     };
@@ -225,10 +223,7 @@ bool export_run::extractTextures(failure& why)
     if (hasDataFolders(m_context) && !loadArchives(m_context, why))
         return false;
     const model_texture_source source(m_options.model,
-                                      [this](const std::string& line)
-                                      {
-                                          m_context.note(terminalText(line));
-                                      });
+                                      [this](const std::string& line) { m_context.note(terminalText(line)); });
     for (const export_material& material : m_scene.materials)
         for (const std::string& internal_path : {material.diffuse_path, material.normal_path})
             if (!internal_path.empty() && !m_textures.contains(toLower(internal_path)) &&
@@ -283,8 +278,7 @@ export_options export_run::sceneOptions() const
     std::error_code ignored;
     const std::filesystem::path here = std::filesystem::current_path(ignored);
     const std::filesystem::path folder = (here / outputFolder()).lexically_normal();
-    const auto texturePath = [this, here, folder](const std::string& internal_path)
-    {
+    const auto texturePath = [this, here, folder](const std::string& internal_path) {
         const auto found = m_textures.find(toLower(internal_path));
         if (found == m_textures.end() || found->second.empty())
             return slashed(displayText(internal_path));
@@ -383,12 +377,10 @@ void addExportCommand(CLI::App& app, cli_context& context)
     command->add_flag("--no-materials", options->is_without_materials, "Neither materials nor textures");
     command->add_flag("--full-span", options->is_full_span, "The take's time span ends with the last frame");
     context.addJsonOption(*command);
-    command->callback(
-        [options, &context]
-        {
-            checkOptions(*options);
-            export_run(context, *options).run();
-        });
+    command->callback([options, &context] {
+        checkOptions(*options);
+        export_run(context, *options).run();
+    });
 }
 
 } // namespace korvane

@@ -133,13 +133,11 @@ void addFbxCommand(CLI::App& app, cli_context& context)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->needs(scene);
     context.addJsonOption(*command);
-    command->callback(
-        [&context, options]
-        {
-            if (options->is_dump)
-                return runDump(context, *options);
-            return options->is_scene ? runScene(context, *options) : runImport(context, *options);
-        });
+    command->callback([&context, options] {
+        if (options->is_dump)
+            return runDump(context, *options);
+        return options->is_scene ? runScene(context, *options) : runImport(context, *options);
+    });
 }
 
 } // namespace korvane

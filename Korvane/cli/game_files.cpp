@@ -57,8 +57,7 @@ std::shared_ptr<const path_tree> loadArchives(cli_context& context, failure& why
     // Folders of the command line are for once: a cache of them would replace that of the configuration's.
     const bool has_cache = context.data_folders.empty() && !context.is_without_cache;
     silent_prompt messages;
-    const auto showProgress = [&context](std::size_t done, std::size_t of, const std::string& path)
-    {
+    const auto showProgress = [&context](std::size_t done, std::size_t of, const std::string& path) {
         context.progress("reading archive " + std::to_string(done + 1) + " of " + std::to_string(of) + ": " +
                          displayText(path));
     };

@@ -181,11 +181,7 @@ void runInfo(cli_context& context, const info_options& options)
         return context.fail(why);
     if (context.is_json)
         return printModelJson(context, model, options.with_vertices);
-    describeModel(model, options.with_vertices,
-                  [&context](const std::string& text)
-                  {
-                      context.print(text);
-                  });
+    describeModel(model, options.with_vertices, [&context](const std::string& text) { context.print(text); });
 }
 
 } // namespace
@@ -198,11 +194,7 @@ void addInfoCommand(CLI::App& app, cli_context& context)
         ->required();
     command->add_flag("--vertices", options->with_vertices, "Add vertices and indices");
     context.addJsonOption(*command);
-    command->callback(
-        [options, &context]
-        {
-            runInfo(context, *options);
-        });
+    command->callback([options, &context] { runInfo(context, *options); });
 }
 
 } // namespace korvane

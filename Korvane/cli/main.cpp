@@ -27,10 +27,7 @@ std::string oneLine(std::string text)
 
 bool hasCommand(const CLI::App& app, const std::string& name)
 {
-    const auto isNamed = [&name](const CLI::App* command)
-    {
-        return command->get_name() == name;
-    };
+    const auto isNamed = [&name](const CLI::App* command) { return command->get_name() == name; };
     return !app.get_subcommands(isNamed).empty();
 }
 
@@ -51,10 +48,7 @@ std::pair<const CLI::App*, std::string> understood(const CLI::App& app)
 std::string whatIsWrong(const CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& arguments)
 {
     const auto [last, before] = understood(app);
-    const auto isAny = [](const CLI::App*)
-    {
-        return true;
-    };
+    const auto isAny = [](const CLI::App*) { return true; };
     if (last->get_subcommands(isAny).empty()) // it takes no command
         return oneLine(error.what());
     auto argument = arguments.begin();
@@ -75,10 +69,7 @@ void addSharedOptions(CLI::App& app, cli_context& context)
         ->type_name("FILE");
     app.add_flag("--no-cache", context.is_without_cache, "Index the archives again instead of using packs.cache");
     app.add_flag("--quiet", context.is_quiet, "No progress and no notes on standard error");
-    const auto showAtOnce = [&context](std::int64_t)
-    {
-        context.showProgressAtOnce();
-    };
+    const auto showAtOnce = [&context](std::int64_t) { context.showProgressAtOnce(); };
     app.add_flag("--progress-at-once", showAtOnce)->group(""); // for tests: not in the help
 }
 

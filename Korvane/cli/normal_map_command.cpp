@@ -73,10 +73,7 @@ bool normal_map_run::outputPath(const std::string& input, std::string& path, fai
     else if (!m_folder.place(nameInFolder(input), path, why))
         return false;
     const bool is_input = std::any_of(m_options.inputs.begin(), m_options.inputs.end(),
-                                      [&path](const std::string& other)
-                                      {
-                                          return isSameFile(path, other);
-                                      });
+                                      [&path](const std::string& other) { return isSameFile(path, other); });
     return !is_input || fail(why, failure_kind::refused, "this would replace a file that is read", path);
 }
 
@@ -146,19 +143,17 @@ void addDirection(CLI::App& command, cli_context& context, const std::string& na
         ->required()
         ->check(notEmpty());
     context.addJsonOption(*direction);
-    direction->callback(
-        [&context, options, form]
-        {
-            const bool is_picture = pictureKind(options->output) && !isFolder(options->output);
-            if (options->inputs.size() > 1 && is_picture)
-                throw CLI::ValidationError("-o", "several pictures need a folder, one file is written for each");
-            if (options->inputs.size() > 1 && !isFolder(options->output))
-                options->output += '/';
-            if (!is_picture && !isFolder(options->output))
-                throw CLI::ValidationError("-o", "the name must end in .tga or .png, or be that of a folder: " +
-                                                     options->output);
-            normal_map_run(context, *options, form).run();
-        });
+    direction->callback([&context, options, form] {
+        const bool is_picture = pictureKind(options->output) && !isFolder(options->output);
+        if (options->inputs.size() > 1 && is_picture)
+            throw CLI::ValidationError("-o", "several pictures need a folder, one file is written for each");
+        if (options->inputs.size() > 1 && !isFolder(options->output))
+            options->output += '/';
+        if (!is_picture && !isFolder(options->output))
+            throw CLI::ValidationError("-o",
+                                       "the name must end in .tga or .png, or be that of a folder: " + options->output);
+        normal_map_run(context, *options, form).run();
+    });
 }
 
 } // namespace

@@ -54,8 +54,7 @@ void forEachModel(cli_context& context, const std::vector<std::string>& models, 
     if (!output.is_dry_run && !createFolder(output.path, why))
         return context.fail(why);
     extraction_folder folder(output.path);
-    const auto place = [&](const std::string& name, std::string& target, failure& reason)
-    {
+    const auto place = [&](const std::string& name, std::string& target, failure& reason) {
         if (output.is_dry_run)
             return output.path.empty() || folder.locate(name, target, reason);
         return folder.place(name, target, reason);

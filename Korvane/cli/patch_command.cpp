@@ -59,15 +59,12 @@ void addPatchCommand(CLI::App& app, cli_context& context)
         ->check(notEmpty());
     command->add_flag("--repair", options->is_repair,
                       "Take models that say version 7 over the LOD headers of version 6, too");
-    command->callback(
-        [options, &context]
-        {
-            forEachModel(context, options->models, {options->output},
-                         [&](const std::string& model, const std::string& output, failure& why)
-                         {
-                             return patchModel(context, options->is_repair, model, output, why);
-                         });
-        });
+    command->callback([options, &context] {
+        forEachModel(context, options->models, {options->output},
+                     [&](const std::string& model, const std::string& output, failure& why) {
+                         return patchModel(context, options->is_repair, model, output, why);
+                     });
+    });
 }
 
 } // namespace korvane

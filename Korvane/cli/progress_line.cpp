@@ -36,11 +36,7 @@ void progress_line::show(const std::string& text)
         return;
     try
     {
-        m_helper = std::thread(
-            [this]
-            {
-                showWhenDue();
-            });
+        m_helper = std::thread([this] { showWhenDue(); });
     }
     catch (const std::system_error&) // no more threads: the next call shows it
     {
@@ -67,11 +63,7 @@ void progress_line::draw()
 void progress_line::showWhenDue()
 {
     std::unique_lock lock(m_guard);
-    const bool is_over = m_ending.wait_until(lock, m_due,
-                                             [this]
-                                             {
-                                                 return m_is_over;
-                                             });
+    const bool is_over = m_ending.wait_until(lock, m_due, [this] { return m_is_over; });
     if (!is_over && !m_text.empty())
         draw();
 }

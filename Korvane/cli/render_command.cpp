@@ -49,8 +49,7 @@ bool readSize(const std::string& text, std::uint32_t& width, std::uint32_t& heig
 CLI::Validator pictureSize()
 {
     return CLI::Validator(
-        [](const std::string& text)
-        {
+        [](const std::string& text) {
             std::uint32_t width = 0;
             std::uint32_t height = 0;
             return readSize(text, width, height)
@@ -101,10 +100,7 @@ bool render(const render_arguments& arguments, cli_context& context, failure& wh
     options.pitch += arguments.pitch_degrees * radians_per_degree;
     options.view.is_wireframe = arguments.is_wireframe;
     options.view.shows_floor = arguments.shows_floor;
-    options.log = [&context](const std::string& line)
-    {
-        context.note(line);
-    };
+    options.log = [&context](const std::string& line) { context.note(line); };
 
     render_result result;
     const auto draw = isDefinitionPath(arguments.model) ? &drawDefinition : &drawModel;
@@ -152,17 +148,15 @@ void addRenderCommand(CLI::App& app, cli_context& context)
         ->check(CLI::Range(1, 10000));
     command->add_flag("--wireframe", arguments->is_wireframe, "Draws the edges of the triangles");
     command->add_flag("--floor", arguments->shows_floor, "Draws a grid below the model");
-    command->callback(
-        [arguments, &context]
+    command->callback([arguments, &context] {
+        failure why;
+        if (!render(*arguments, context, why))
         {
-            failure why;
-            if (!render(*arguments, context, why))
-            {
-                if (why.path.empty())
-                    why.path = arguments->model;
-                context.fail(why);
-            }
-        });
+            if (why.path.empty())
+                why.path = arguments->model;
+            context.fail(why);
+        }
+    });
 }
 
 } // namespace korvane

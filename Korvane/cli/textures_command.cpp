@@ -85,8 +85,7 @@ void textures_run::report(const texture_extraction_result& result)
             m_context.note(terminalText(describe(why)));
     if (!m_context.is_json)
         return m_context.print(extractedText(result.files.size()) + "\n");
-    const auto texts = [](const std::vector<std::string>& paths)
-    {
+    const auto texts = [](const std::vector<std::string>& paths) {
         json list = json::array();
         for (const std::string& path : paths)
             list.push_back(displayText(path));
@@ -112,11 +111,9 @@ void textures_run::report(const texture_extraction_result& result)
 // Without data folders there is still the disk around the models.
 std::shared_ptr<const path_tree> textures_run::archives(failure& why)
 {
-    const bool needs_archives = std::any_of(m_options.models.begin(), m_options.models.end(),
-                                            [](const std::string& model)
-                                            {
-                                                return isPackPath(model) || isDefinitionPath(model);
-                                            });
+    const bool needs_archives =
+        std::any_of(m_options.models.begin(), m_options.models.end(),
+                    [](const std::string& model) { return isPackPath(model) || isDefinitionPath(model); });
     return needs_archives || hasDataFolders(m_context) ? loadArchives(m_context, why)
                                                        : std::make_shared<const path_tree>();
 }
@@ -132,8 +129,7 @@ void textures_run::run()
         m_context.progress("reading model " + std::to_string(i + 1) + " of " + std::to_string(m_options.models.size()));
         add(m_options.models[i]);
     }
-    const auto progress = [this](std::size_t done, std::size_t total)
-    {
+    const auto progress = [this](std::size_t done, std::size_t total) {
         m_context.progress("texture " + std::to_string(done) + " of " + std::to_string(total));
     };
     const texture_extraction_result result = extractTextures(*tree, m_wanted, m_options.extraction, progress);
@@ -168,14 +164,12 @@ void addTexturesCommand(CLI::App& app, cli_context& context)
         ->type_name("FORM")
         ->check(CLI::IsMember({"blue"}));
     context.addJsonOption(*command);
-    command->callback(
-        [&context, options]
-        {
-            if (!options->form.empty())
-                options->extraction.form = pictureKind("." + options->form);
-            options->extraction.makes_normals_blue = !options->normals.empty();
-            textures_run(context, *options).run();
-        });
+    command->callback([&context, options] {
+        if (!options->form.empty())
+            options->extraction.form = pictureKind("." + options->form);
+        options->extraction.makes_normals_blue = !options->normals.empty();
+        textures_run(context, *options).run();
+    });
 }
 
 } // namespace korvane

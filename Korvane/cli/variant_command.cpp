@@ -215,11 +215,7 @@ void addVariantCommand(CLI::App& app, cli_context& context)
     CLI::App* command = app.add_subcommand("variant", "Show the models that a variant mesh definition puts together");
     command->add_option("FILE", *operand, "The definition: a path on disk, or pack: and an internal path")->required();
     context.addJsonOption(*command);
-    command->callback(
-        [&context, operand]
-        {
-            runVariant(context, *operand);
-        });
+    command->callback([&context, operand] { runVariant(context, *operand); });
 }
 
 } // namespace korvane

@@ -90,8 +90,7 @@ extent extentOf(std::span<const vertex_record> vertices)
 extent inFileAxes(const extent& decoded, const group_data& group)
 {
     extent result = decoded;
-    const auto negate = [&](int axis, float offset)
-    {
+    const auto negate = [&](int axis, float offset) {
         result.low[axis] = offset - decoded.high[axis];
         result.high[axis] = offset - decoded.low[axis];
     };
@@ -171,8 +170,7 @@ void model_check::checkSkeleton()
     m_bone_count = 0;
     if (id.empty())
     {
-        const auto isWeighted = [](const lod_data& lod)
-        {
+        const auto isWeighted = [](const lod_data& lod) {
             return std::any_of(lod.groups.begin(), lod.groups.end(), hasWeights);
         };
         if (std::any_of(m_model.data().lods.begin(), m_model.data().lods.end(), isWeighted))
@@ -227,8 +225,7 @@ void model_check::checkLod(std::size_t lod)
             add(finding_severity::warning, "lod_order",
                 "the LOD is meant for nearer distances (" + floatText(header.lod_distance) + ") than the one before (" +
                     floatText(before.lod_distance) + ")");
-        const auto triangles = [](const lod_data& of)
-        {
+        const auto triangles = [](const lod_data& of) {
             std::size_t count = 0;
             for (const group_data& group : of.groups)
                 count += group.header.index_count / 3;
@@ -262,8 +259,7 @@ void model_check::checkTexts(const group_data& group)
 {
     checkEnd(group.group_name_field.storedBytes(), "the group's name", finding_severity::warning);
     checkEnd(group.texture_directory_field.storedBytes(), "the texture directory", finding_severity::warning);
-    const auto warn = [this](const std::string& name, std::size_t width)
-    {
+    const auto warn = [this](const std::string& name, std::size_t width) {
         add(finding_severity::warning, "no_terminator",
             name + " has no terminating zero in its field of " + std::to_string(width) + " characters");
     };
@@ -284,11 +280,8 @@ void model_check::checkNumbers(const group_data& group)
     if (materialName(header.material_id) == "<UNKNOWN>")
         add(finding_severity::warning, "material", "material " + std::to_string(header.material_id) + " is not known");
     const auto modes = alphaModes();
-    const bool is_known_mode = std::any_of(modes.begin(), modes.end(),
-                                           [&](const alpha_mode_entry& mode)
-                                           {
-                                               return mode.value == group.alpha_mode;
-                                           });
+    const bool is_known_mode = std::any_of(
+        modes.begin(), modes.end(), [&](const alpha_mode_entry& mode) { return mode.value == group.alpha_mode; });
     if (!is_known_mode)
         add(finding_severity::note, "alpha_mode", "alpha mode " + std::to_string(group.alpha_mode) + " is not known");
 }

@@ -61,18 +61,12 @@ std::optional<std::size_t> withRank(const list& entries, std::size_t rank, const
 
 auto isNamed(const std::string& name)
 {
-    return [&name](const group_data& group)
-    {
-        return group.header.group_name == name;
-    };
+    return [&name](const group_data& group) { return group.header.group_name == name; };
 }
 
 auto hasType(std::uint32_t type)
 {
-    return [type](const texture_entry& texture)
-    {
-        return texture.type == type;
-    };
+    return [type](const texture_entry& texture) { return texture.type == type; };
 }
 
 char folded(char character)
@@ -103,11 +97,9 @@ std::string cutToFit(const fixed_field& field, std::string_view path)
 
 bool beginsWithPath(std::string_view path, std::string_view wanted)
 {
-    return path.size() >= wanted.size() && std::equal(wanted.begin(), wanted.end(), path.begin(),
-                                                      [](char left, char right)
-                                                      {
-                                                          return folded(left) == folded(right);
-                                                      });
+    return path.size() >= wanted.size() &&
+           std::equal(wanted.begin(), wanted.end(), path.begin(),
+                      [](char left, char right) { return folded(left) == folded(right); });
 }
 
 } // namespace
@@ -227,8 +219,7 @@ void model_editor::setPath(edit_step& step, fixed_field& field, std::string_view
     const std::string fitting = cutToFit(field, path);
     if (fitting != path)
     {
-        const auto length = [&field](std::string_view text)
-        {
+        const auto length = [&field](std::string_view text) {
             return std::to_string(field.isWide() ? utf16FromUtf8(text).size() : text.size());
         };
         result.notes.push_back(place + ": the path has " + length(path) +

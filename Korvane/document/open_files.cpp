@@ -46,8 +46,7 @@ std::vector<open_error> open_files::reopen()
 
 std::string open_files::title() const
 {
-    const auto nameOf = [](const std::string& path)
-    {
+    const auto nameOf = [](const std::string& path) {
         return path.empty() ? "no file loaded" : std::string(fileName(path));
     };
     return std::string(program_name) + ' ' + std::string(program_version) + "   RMV2: [" +

@@ -132,11 +132,9 @@ texture_rows textureRows(const group_data& group)
 
 int rowOfType(const texture_rows& rows, std::uint32_t type)
 {
-    const auto found = std::find_if(rows.begin(), rows.end(),
-                                    [type](const texture_row_content& row)
-                                    {
-                                        return row.is_used && row.type_position >= 0 && row.type == type;
-                                    });
+    const auto found = std::find_if(rows.begin(), rows.end(), [type](const texture_row_content& row) {
+        return row.is_used && row.type_position >= 0 && row.type == type;
+    });
     return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
 }
 

@@ -27,11 +27,7 @@ std::vector<std::string> recentFiles(const config_file& config)
 void addRecentFile(config_file& config, const std::string& path)
 {
     std::vector<std::string> files = config.get(key);
-    std::erase_if(files,
-                  [&](const std::string& file)
-                  {
-                      return equalsIgnoringCase(file, path);
-                  });
+    std::erase_if(files, [&](const std::string& file) { return equalsIgnoringCase(file, path); });
     files.insert(files.begin(), path);
     files.resize(std::min(files.size(), max_recent_files));
     config.clear(key);

@@ -17,11 +17,9 @@ bool isSeparator(char character)
 
 bool hasControlCharacter(std::string_view path)
 {
-    return std::any_of(path.begin(), path.end(),
-                       [](char character)
-                       {
-                           return static_cast<unsigned char>(character) < 0x20 || character == 0x7f;
-                       });
+    return std::any_of(path.begin(), path.end(), [](char character) {
+        return static_cast<unsigned char>(character) < 0x20 || character == 0x7f;
+    });
 }
 
 bool hasDots(std::string_view path)
@@ -39,11 +37,9 @@ bool hasDots(std::string_view path)
 
 bool hasDoubledSeparator(std::string_view path)
 {
-    return std::adjacent_find(path.begin(), path.end(),
-                              [](char left, char right)
-                              {
-                                  return isSeparator(left) && isSeparator(right);
-                              }) != path.end();
+    return std::adjacent_find(path.begin(), path.end(), [](char left, char right) {
+               return isSeparator(left) && isSeparator(right);
+           }) != path.end();
 }
 
 // The first folder below the games' data folder is where internal paths begin.

@@ -119,8 +119,7 @@ std::vector<std::uint32_t> renumbered(const std::vector<std::uint32_t>& map, con
 bool checkParents(const anim_data& data, failure& why)
 {
     const auto count = static_cast<std::int32_t>(data.bones.size());
-    const auto refuse = [&](std::size_t bone, const std::string& text)
-    {
+    const auto refuse = [&](std::size_t bone, const std::string& text) {
         why.offset = data.bones[bone].parent_offset;
         why.field = "bone table, bone " + std::to_string(bone) + ", parent";
         return fail(why, failure_kind::malformed,
@@ -145,20 +144,14 @@ bool checkParents(const anim_data& data, failure& why)
 
 std::size_t anim_template::translationCount() const
 {
-    return static_cast<std::size_t>(std::count_if(bones.begin(), bones.end(),
-                                                  [](const bone& each)
-                                                  {
-                                                      return each.has_translations;
-                                                  }));
+    return static_cast<std::size_t>(
+        std::count_if(bones.begin(), bones.end(), [](const bone& each) { return each.has_translations; }));
 }
 
 std::size_t anim_template::rotationCount() const
 {
-    return static_cast<std::size_t>(std::count_if(bones.begin(), bones.end(),
-                                                  [](const bone& each)
-                                                  {
-                                                      return each.has_rotations;
-                                                  }));
+    return static_cast<std::size_t>(
+        std::count_if(bones.begin(), bones.end(), [](const bone& each) { return each.has_rotations; }));
 }
 
 anim_template makeTemplate(const anim_data& data, const std::optional<std::vector<std::string>>& selection)

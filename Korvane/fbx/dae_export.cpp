@@ -145,8 +145,7 @@ std::string dae_writer::addTextureSampler(pugi::xml_node profile, const std::str
 void dae_writer::addEffect(pugi::xml_node library, const export_material& material, const std::string& id)
 {
     pugi::xml_node profile = addElement(library, "effect", id, material.name).append_child("profile_COMMON");
-    const auto samplerOf = [&](const std::string& path, const char* name)
-    {
+    const auto samplerOf = [&](const std::string& path, const char* name) {
         return path.empty() ? std::string() : addTextureSampler(profile, path, name);
     };
     const std::string diffuse = samplerOf(material.diffuse_path, "diffuse");
@@ -154,8 +153,7 @@ void dae_writer::addEffect(pugi::xml_node library, const export_material& materi
     pugi::xml_node technique = profile.append_child("technique");
     technique.append_attribute("sid") = "common";
     pugi::xml_node phong = technique.append_child("phong");
-    const auto addTexture = [](pugi::xml_node parent, const char* name, const std::string& sampler)
-    {
+    const auto addTexture = [](pugi::xml_node parent, const char* name, const std::string& sampler) {
         pugi::xml_node texture = parent.append_child(name).append_child("texture");
         texture.append_attribute("texture") = sampler.c_str();
         texture.append_attribute("texcoord") = texture_coordinates;

@@ -38,13 +38,11 @@ glm::dvec3 principalAngles(const glm::dquat& rotation, double z_when_locked)
 
 glm::dvec3 nearestAngles(const glm::dvec3& euler_degrees, const glm::dvec3& reference)
 {
-    const auto turned = [&reference](const glm::dvec3& angles)
-    {
+    const auto turned = [&reference](const glm::dvec3& angles) {
         return glm::dvec3(nearestTurn(angles.x, reference.x), nearestTurn(angles.y, reference.y),
                           nearestTurn(angles.z, reference.z));
     };
-    const auto distance = [&reference](const glm::dvec3& angles)
-    {
+    const auto distance = [&reference](const glm::dvec3& angles) {
         return glm::dot(angles - reference, angles - reference);
     };
     const glm::dvec3 same = turned(euler_degrees);

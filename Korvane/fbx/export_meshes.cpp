@@ -32,8 +32,7 @@ std::string counted(std::size_t count, const std::string& what)
 
 void warn(export_scene& scene, const std::string& mesh, const left_out& lost)
 {
-    const auto say = [&](std::size_t count, const std::string& what, const std::string& text)
-    {
+    const auto say = [&](std::size_t count, const std::string& what, const std::string& text) {
         if (count > 0)
             scene.warnings.push_back(mesh + ": " + counted(count, what) + text);
     };

@@ -19,10 +19,7 @@ namespace
 
 glm::dvec3 limbColour(const export_bone& bone)
 {
-    const auto contains = [&bone](std::string_view word)
-    {
-        return bone.name.find(word) != std::string::npos;
-    };
+    const auto contains = [&bone](std::string_view word) { return bone.name.find(word) != std::string::npos; };
     if (bone.is_root)
         return {0, 1, 1};
     if (contains("left")) // a name with both words is of the left
@@ -78,11 +75,7 @@ bool addBones(const anim_data& skeleton, export_scene& scene, failure& why)
     for (std::size_t i = 0; i < bones.size(); ++i)
         if (!makeBone(skeleton.bones[i], i, bones[i], why))
             return false;
-    const auto root = std::find_if(bones.begin(), bones.end(),
-                                   [](const export_bone& bone)
-                                   {
-                                       return bone.parent < 0;
-                                   });
+    const auto root = std::find_if(bones.begin(), bones.end(), [](const export_bone& bone) { return bone.parent < 0; });
     if (root != bones.end())
         root->is_root = true;
     for (export_bone& bone : bones)

@@ -25,11 +25,7 @@ std::vector<std::uint32_t> movedBones(const std::vector<std::uint32_t>& bones, s
 {
     std::vector<std::uint32_t> moved(bones.begin(),
                                      bones.begin() + static_cast<std::ptrdiff_t>(std::min(bones.size(), tracks)));
-    std::erase_if(moved,
-                  [count](std::uint32_t bone)
-                  {
-                      return bone >= count;
-                  });
+    std::erase_if(moved, [count](std::uint32_t bone) { return bone >= count; });
     return moved;
 }
 

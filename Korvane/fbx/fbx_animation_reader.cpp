@@ -21,10 +21,7 @@ std::vector<float> attributeData(const fbx_record* record)
     const std::vector<double> numbers = record->numbers();
     std::vector<float> result(numbers.size());
     std::transform(numbers.begin(), numbers.end(), result.begin(),
-                   [](double number)
-                   {
-                       return static_cast<float>(number);
-                   });
+                   [](double number) { return static_cast<float>(number); });
     return result;
 }
 
@@ -143,8 +140,7 @@ private:
         stack.name = m_work.objects[object].name;
         bool has_span = false;
         forEachProperty(*m_work.objects[object].record,
-                        [&stack, &has_span](std::string_view name, const fbx_record& record, std::size_t position)
-                        {
+                        [&stack, &has_span](std::string_view name, const fbx_record& record, std::size_t position) {
                             if (name == "LocalStart")
                                 stack.begin = record.integerAt(position);
                             else if (name == "LocalStop")
@@ -154,10 +150,7 @@ private:
         if (!has_span)
             readSpan(stack);
         forEachChild(object, "AnimationLayer",
-                     [this, &stack](std::size_t layer)
-                     {
-                         stack.layers.push_back(readLayer(layer));
-                     });
+                     [this, &stack](std::size_t layer) { stack.layers.push_back(readLayer(layer)); });
         m_work.scene.stacks.push_back(std::move(stack));
     }
 
@@ -178,21 +171,19 @@ private:
 
     static void readLayerProperties(const fbx_record& record, fbx_animation_layer& layer)
     {
-        forEachProperty(record,
-                        [&layer](std::string_view name, const fbx_record& property, std::size_t position)
-                        {
-                            const std::int64_t number = property.integerAt(position);
-                            if (name == "Weight")
-                                layer.weight = property.numberAt(position, layer.weight);
-                            else if (name == "Mute")
-                                layer.is_muted = number != 0;
-                            else if (name == "BlendMode" && number >= 0 && number <= 2)
-                                layer.blend = static_cast<fbx_animation_layer::blend_kind>(number);
-                            else if (name == "RotationAccumulationMode")
-                                layer.adds_angles = number == 1;
-                            else if (name == "ScaleAccumulationMode")
-                                layer.adds_scales = number == 1;
-                        });
+        forEachProperty(record, [&layer](std::string_view name, const fbx_record& property, std::size_t position) {
+            const std::int64_t number = property.integerAt(position);
+            if (name == "Weight")
+                layer.weight = property.numberAt(position, layer.weight);
+            else if (name == "Mute")
+                layer.is_muted = number != 0;
+            else if (name == "BlendMode" && number >= 0 && number <= 2)
+                layer.blend = static_cast<fbx_animation_layer::blend_kind>(number);
+            else if (name == "RotationAccumulationMode")
+                layer.adds_angles = number == 1;
+            else if (name == "ScaleAccumulationMode")
+                layer.adds_scales = number == 1;
+        });
     }
 
     fbx_animation_layer readLayer(std::size_t object)
@@ -203,10 +194,7 @@ private:
             readLayerProperties(*defaults, layer);
         readLayerProperties(*m_work.objects[object].record, layer);
         forEachChild(object, "AnimationCurveNode",
-                     [this, &layer, object](std::size_t curve_node)
-                     {
-                         readCurveNode(curve_node, object, layer);
-                     });
+                     [this, &layer, object](std::size_t curve_node) { readCurveNode(curve_node, object, layer); });
         return layer;
     }
 
@@ -263,8 +251,7 @@ private:
                 curve_node.defaults = placement.scaling;
         }
         forEachProperty(*m_work.objects[object].record,
-                        [&curve_node](std::string_view name, const fbx_record& record, std::size_t position)
-                        {
+                        [&curve_node](std::string_view name, const fbx_record& record, std::size_t position) {
                             const std::size_t channel = channelOf(name);
                             if (channel < 3)
                                 curve_node.defaults[static_cast<glm::length_t>(channel)] =

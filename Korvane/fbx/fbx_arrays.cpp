@@ -31,8 +31,7 @@ void forEach(std::size_t count, std::uint64_t total_bytes, const std::function<v
     std::atomic<std::size_t> next{0};
     std::mutex mutex;
     std::exception_ptr thrown;
-    const auto run = [&]
-    {
+    const auto run = [&] {
         try
         {
             tool own;
@@ -69,10 +68,7 @@ template <class size_function>
 void sortLargestFirst(std::vector<std::size_t>& order, const size_function& size)
 {
     std::stable_sort(order.begin(), order.end(),
-                     [&size](std::size_t left, std::size_t right)
-                     {
-                         return size(left) > size(right);
-                     });
+                     [&size](std::size_t left, std::size_t right) { return size(left) > size(right); });
 }
 
 class unpacker
@@ -163,27 +159,21 @@ bool unpackArrays(std::span<const packed_array> arrays, failure& why)
         total += array.target.size();
     std::vector<std::size_t> order(arrays.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
-    sortLargestFirst(order,
-                     [&arrays](std::size_t at)
-                     {
-                         return arrays[at].target.size();
-                     });
+    sortLargestFirst(order, [&arrays](std::size_t at) { return arrays[at].target.size(); });
     std::mutex mutex;
     std::size_t first_damaged = arrays.size();
     std::string what;
-    forEach<unpacker>(arrays.size(), total,
-                      [&](unpacker& tool, std::size_t at)
-                      {
-                          std::string fault = tool.run(arrays[order[at]].packed, arrays[order[at]].target);
-                          if (fault.empty())
-                              return;
-                          const std::lock_guard lock(mutex);
-                          if (order[at] < first_damaged)
-                          {
-                              first_damaged = order[at];
-                              what = std::move(fault);
-                          }
-                      });
+    forEach<unpacker>(arrays.size(), total, [&](unpacker& tool, std::size_t at) {
+        std::string fault = tool.run(arrays[order[at]].packed, arrays[order[at]].target);
+        if (fault.empty())
+            return;
+        const std::lock_guard lock(mutex);
+        if (order[at] < first_damaged)
+        {
+            first_damaged = order[at];
+            what = std::move(fault);
+        }
+    });
     if (first_damaged == arrays.size())
         return true;
     if (!why)
@@ -207,17 +197,10 @@ std::vector<std::vector<std::byte>> packArrays(std::span<const std::span<const s
             order.push_back(i);
             total += arrays[i].size();
         }
-    sortLargestFirst(order,
-                     [&arrays](std::size_t at)
-                     {
-                         return arrays[at].size();
-                     });
+    sortLargestFirst(order, [&arrays](std::size_t at) { return arrays[at].size(); });
     std::vector<std::vector<std::byte>> packed(arrays.size());
     forEach<packer>(order.size(), total,
-                    [&](packer& tool, std::size_t at)
-                    {
-                        packed[order[at]] = tool.run(arrays[order[at]]);
-                    });
+                    [&](packer& tool, std::size_t at) { packed[order[at]] = tool.run(arrays[order[at]]); });
     for (std::size_t i = 0; i < arrays.size(); ++i)
         if (firsts[i] != i)
             packed[i] = packed[firsts[i]];

@@ -317,8 +317,7 @@ bool binary_parser::readArray(byte_reader& in, fbx_record& record)
 
     // The elements stay where they are when the value, and later the record, moves.
     auto& array = std::get<std::vector<element>>(record.values.emplace_back(std::vector<element>(count)));
-    const auto swap = [](std::span<std::byte> target)
-    {
+    const auto swap = [](std::span<std::byte> target) {
         for (std::size_t at = 0; at + sizeof(element) <= target.size(); at += sizeof(element))
             std::reverse(&target[at], &target[at] + sizeof(element));
     };

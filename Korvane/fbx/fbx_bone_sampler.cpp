@@ -63,10 +63,7 @@ fbx_bone_sampler::fbx_bone_sampler(const fbx_scene& scene, std::size_t stack, st
         depth[i] = depthOf(m_bones, i);
     std::iota(m_order.begin(), m_order.end(), std::size_t{0});
     std::stable_sort(m_order.begin(), m_order.end(),
-                     [&depth](std::size_t left, std::size_t right)
-                     {
-                         return depth[left] < depth[right];
-                     });
+                     [&depth](std::size_t left, std::size_t right) { return depth[left] < depth[right]; });
     std::vector<bool> is_needed(scene.nodes.size(), false);
     for (const sampled_bone& bone : m_bones)
         for (std::size_t node = bone.node; node != fbx_none && !is_needed[node]; node = scene.nodes[node].parent)

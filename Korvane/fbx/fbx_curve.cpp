@@ -198,10 +198,7 @@ double cubic(const fbx_curve& curve, std::size_t key, double place)
 double evaluateInside(const fbx_curve& curve, fbx_ticks time)
 {
     const auto behind = std::upper_bound(curve.keys.begin(), curve.keys.end(), time,
-                                         [](fbx_ticks wanted, const fbx_key& key)
-                                         {
-                                             return wanted < key.time;
-                                         });
+                                         [](fbx_ticks wanted, const fbx_key& key) { return wanted < key.time; });
     if (behind == curve.keys.begin())
         return curve.keys.front().value;
     const auto key = static_cast<std::size_t>(behind - curve.keys.begin()) - 1;

@@ -57,8 +57,7 @@ template <class result>
 std::optional<result> single(const fbx_value& value)
 {
     return std::visit(
-        [](const auto& held) -> std::optional<result>
-        {
+        [](const auto& held) -> std::optional<result> {
             using type = std::remove_cvref_t<decltype(held)>;
             if constexpr (std::is_same_v<type, char>)
                 return truthOf(held);
@@ -74,8 +73,7 @@ template <class result>
 void append(std::vector<result>& list, const fbx_value& value)
 {
     std::visit(
-        [&list, &value](const auto& held)
-        {
+        [&list, &value](const auto& held) {
             using type = std::remove_cvref_t<decltype(held)>;
             if constexpr (std::is_same_v<type, std::vector<result>>)
                 list.insert(list.end(), held.begin(), held.end());
@@ -84,10 +82,7 @@ void append(std::vector<result>& list, const fbx_value& value)
                 const std::size_t before = list.size();
                 list.resize(before + held.size());
                 std::transform(held.begin(), held.end(), list.begin() + static_cast<std::ptrdiff_t>(before),
-                               [](auto number)
-                               {
-                                   return converted<result>(number).value_or(result{});
-                               });
+                               [](auto number) { return converted<result>(number).value_or(result{}); });
             }
             else if constexpr (std::is_arithmetic_v<type> && !std::is_same_v<type, char>)
                 list.push_back(single<result>(value).value_or(result{}));

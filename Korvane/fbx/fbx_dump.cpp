@@ -26,12 +26,7 @@ public:
         {
             m_text += is_first ? " " : ", ";
             is_first = false;
-            std::visit(
-                [this](const auto& held)
-                {
-                    show(held);
-                },
-                value);
+            std::visit([this](const auto& held) { show(held); }, value);
         }
         m_text += '\n';
         for (const fbx_record& child : record.children)

@@ -50,8 +50,7 @@ fbx_record headerExtension()
     header.add("EncryptionType", std::int32_t(0));
     // "1970-01-01 10:00:00:000"
     const std::string time = creationTime();
-    const auto part = [&time](std::size_t begin, std::size_t length) -> std::int32_t
-    {
+    const auto part = [&time](std::size_t begin, std::size_t length) -> std::int32_t {
         return time.size() < begin + length ? 0 : std::stoi(time.substr(begin, length));
     };
     fbx_record& stamp = header.add("CreationTimeStamp");

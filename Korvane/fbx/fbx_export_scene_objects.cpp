@@ -150,8 +150,7 @@ void scene_objects::addGeometry(const export_mesh& mesh, const mesh_ids& ids)
         corners[i] = -corners[i] - 1; // the last one of its polygon
     geometry.add("PolygonVertexIndex", std::move(corners));
     const auto addElement = [&geometry](const char* name, std::int32_t version, const char* title, const char* mapping,
-                                        const char* reference) -> fbx_record&
-    {
+                                        const char* reference) -> fbx_record& {
         fbx_record& element = geometry.add(name, std::int32_t(0));
         element.add("Version", version);
         element.add("Name", std::string(title));
@@ -184,8 +183,7 @@ void scene_objects::addBindPose()
     pose.add("Type", std::string("BindPose"));
     pose.add("Version", std::int32_t(100));
     pose.add("NbPoseNodes", static_cast<std::int32_t>(m_scene.bones.size() + m_scene.meshes.size()));
-    const auto addNode = [&pose](std::int64_t id, const glm::dmat4& global)
-    {
+    const auto addNode = [&pose](std::int64_t id, const glm::dmat4& global) {
         fbx_record& node = pose.add("PoseNode");
         node.add("Node", id);
         node.add("Matrix", matrixValues(global));

@@ -259,8 +259,7 @@ bool isMesh(const fbx_scene_work& work, std::size_t object)
 // Before version 7000 the node is its mesh, too.
 void connectNodes(fbx_scene_work& work, std::size_t object, fbx_mesh& mesh)
 {
-    const auto connect = [&work, &mesh](std::size_t node)
-    {
+    const auto connect = [&work, &mesh](std::size_t node) {
         // A node whose first attribute is another one shows that.
         if (node == fbx_none || work.scene.nodes[node].type != fbx_node_type::mesh ||
             work.scene.nodes[node].mesh != fbx_none)

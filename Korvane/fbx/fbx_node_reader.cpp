@@ -65,29 +65,27 @@ glm::dvec3 vectorAt(const fbx_record& record, std::size_t position, const glm::d
 
 void readProperties(const fbx_record& owner, model_properties& target)
 {
-    forEachProperty(owner,
-                    [&target](std::string_view name, const fbx_record& record, std::size_t position)
-                    {
-                        fbx_placement& placement = target.placement;
-                        for (const vector_property& property : vector_properties)
-                            if (property.name == name)
-                                placement.*property.member = vectorAt(record, position, placement.*property.member);
-                        const std::int64_t number = record.integerAt(position, -1);
-                        if (name == "RotationOrder" && number >= 0 && number <= 6)
-                            placement.rotation_order = static_cast<fbx_rotation_order>(number);
-                        else if (name == "InheritType" && number >= 0 && number <= 2)
-                            placement.inherit_type = static_cast<fbx_inherit>(number);
-                        else if (name == "RotationActive")
-                            placement.rotation_active = number > 0;
-                        else if (name == "RotationSpaceForLimitOnly")
-                            placement.rotation_space_for_limit_only = number > 0;
-                        else if (name == "DefaultAttributeIndex")
-                            target.default_attribute = number;
-                        else if (name == "Color")
-                            target.color = vectorAt(record, position, target.color);
-                        else if (name == "Size")
-                            target.size = record.numberAt(position, target.size);
-                    });
+    forEachProperty(owner, [&target](std::string_view name, const fbx_record& record, std::size_t position) {
+        fbx_placement& placement = target.placement;
+        for (const vector_property& property : vector_properties)
+            if (property.name == name)
+                placement.*property.member = vectorAt(record, position, placement.*property.member);
+        const std::int64_t number = record.integerAt(position, -1);
+        if (name == "RotationOrder" && number >= 0 && number <= 6)
+            placement.rotation_order = static_cast<fbx_rotation_order>(number);
+        else if (name == "InheritType" && number >= 0 && number <= 2)
+            placement.inherit_type = static_cast<fbx_inherit>(number);
+        else if (name == "RotationActive")
+            placement.rotation_active = number > 0;
+        else if (name == "RotationSpaceForLimitOnly")
+            placement.rotation_space_for_limit_only = number > 0;
+        else if (name == "DefaultAttributeIndex")
+            target.default_attribute = number;
+        else if (name == "Color")
+            target.color = vectorAt(record, position, target.color);
+        else if (name == "Size")
+            target.size = record.numberAt(position, target.size);
+    });
 }
 
 class node_reader

@@ -165,14 +165,8 @@ void fbx_object_table::addConnections(const fbx_record& list, std::vector<std::s
     }
     if (dangling > 0)
         addNote(notes, std::to_string(dangling) + " connections name objects that are not there");
-    const auto childOf = [](const connection& entry)
-    {
-        return entry.child;
-    };
-    const auto parentOf = [](const connection& entry)
-    {
-        return entry.parent;
-    };
+    const auto childOf = [](const connection& entry) { return entry.child; };
+    const auto parentOf = [](const connection& entry) { return entry.parent; };
     sortLinks(connections, m_objects.size(), parentOf, childOf, m_children, m_children_begin);
     sortLinks(connections, m_objects.size(), childOf, parentOf, m_parents, m_parents_begin);
 }

@@ -63,13 +63,11 @@ struct time_settings
 void readSetting(std::string_view name, const fbx_record& record, std::size_t position, fbx_scene& scene,
                  time_settings& time)
 {
-    const auto axis = [&record, position](fbx_axis& target)
-    {
+    const auto axis = [&record, position](fbx_axis& target) {
         const std::int64_t value = record.integerAt(position, target.axis);
         target.axis = value >= 0 && value <= 2 ? static_cast<int>(value) : target.axis;
     };
-    const auto sign = [&record, position](fbx_axis& target)
-    {
+    const auto sign = [&record, position](fbx_axis& target) {
         target.sign = record.integerAt(position, 1) < 0 ? -1 : 1;
     };
     if (name == "UpAxis")
@@ -116,8 +114,7 @@ void readSettings(fbx_scene_work& work)
     time_settings time;
     if (settings != nullptr)
         forEachProperty(*settings,
-                        [&work, &time](std::string_view name, const fbx_record& record, std::size_t position)
-                        {
+                        [&work, &time](std::string_view name, const fbx_record& record, std::size_t position) {
                             readSetting(name, record, position, work.scene, time);
                         });
     double rate = time.mode ? frameRate(*time.mode) : oldFrameRate(work.document);
@@ -179,13 +176,11 @@ std::vector<std::int32_t> takeIntegers(fbx_record* record)
             return std::move(*array);
     const std::vector<std::int64_t> wide = record->integers();
     std::vector<std::int32_t> result(wide.size());
-    std::transform(wide.begin(), wide.end(), result.begin(),
-                   [](std::int64_t value)
-                   {
-                       using limits = std::numeric_limits<std::int32_t>;
-                       const bool fits = value >= limits::min() && value <= limits::max();
-                       return fits ? static_cast<std::int32_t>(value) : limits::max();
-                   });
+    std::transform(wide.begin(), wide.end(), result.begin(), [](std::int64_t value) {
+        using limits = std::numeric_limits<std::int32_t>;
+        const bool fits = value >= limits::min() && value <= limits::max();
+        return fits ? static_cast<std::int32_t>(value) : limits::max();
+    });
     return result;
 }
 

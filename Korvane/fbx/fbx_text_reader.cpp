@@ -165,8 +165,7 @@ bool text_parser::readRecord(fbx_record& record)
 bool text_parser::readName(std::string& name)
 {
     const std::size_t begin = m_at;
-    const auto isNamePart = [](char letter)
-    {
+    const auto isNamePart = [](char letter) {
         return static_cast<unsigned char>(letter) >= ' ' &&
                std::string_view("\"{},;*:").find(letter) == std::string_view::npos;
     };
@@ -260,10 +259,7 @@ bool text_parser::readText(std::string& text)
         text += rest.substr(0, amp);
         rest.remove_prefix(amp);
         const auto* const escape = std::find_if(std::begin(escapes), std::end(escapes),
-                                                [rest](const auto& row)
-                                                {
-                                                    return rest.starts_with(row.written);
-                                                });
+                                                [rest](const auto& row) { return rest.starts_with(row.written); });
         const bool is_escape = escape != std::end(escapes);
         text += is_escape ? escape->meant : '&';
         rest.remove_prefix(is_escape ? escape->written.size() : 1);
@@ -366,27 +362,18 @@ fbx_value arrayOf(std::string_view name, const std::vector<std::int64_t>& whole,
     {
         std::vector<float> floats(whole.size());
         std::transform(whole.begin(), whole.end(), floats.begin(),
-                       [](std::int64_t bits)
-                       {
-                           return std::bit_cast<float>(static_cast<std::uint32_t>(bits));
-                       });
+                       [](std::int64_t bits) { return std::bit_cast<float>(static_cast<std::uint32_t>(bits)); });
         return floats;
     }
     if (!real.empty())
         return real;
     const bool is_small = std::all_of(whole.begin(), whole.end(),
-                                      [](std::int64_t number)
-                                      {
-                                          return number == static_cast<std::int32_t>(number);
-                                      });
+                                      [](std::int64_t number) { return number == static_cast<std::int32_t>(number); });
     if (!is_small)
         return whole;
     std::vector<std::int32_t> small(whole.size());
     std::transform(whole.begin(), whole.end(), small.begin(),
-                   [](std::int64_t number)
-                   {
-                       return static_cast<std::int32_t>(number);
-                   });
+                   [](std::int64_t number) { return static_cast<std::int32_t>(number); });
     return small;
 }
 

@@ -62,10 +62,7 @@ glm::dvec3 eulerFromQuaternion(const glm::dquat& rotation, fbx_rotation_order or
 {
     const axis_order& axes = axesOf(order);
     const glm::dmat3 columns = glm::mat3_cast(glm::normalize(rotation));
-    const auto entry = [&columns](glm::length_t row, glm::length_t column)
-    {
-        return columns[column][row];
-    };
+    const auto entry = [&columns](glm::length_t row, glm::length_t column) { return columns[column][row]; };
     const double sine = std::clamp(-axes.sign * entry(axes.third, axes.first), -1.0, 1.0);
     glm::dvec3 angles(0);
     angles[axes.second] = std::asin(sine);

@@ -66,8 +66,7 @@ void large_arrays::collect(const fbx_record& record)
 {
     for (const fbx_value& value : record.values)
         std::visit(
-            [this](const auto& held)
-            {
+            [this](const auto& held) {
                 using type = std::remove_cvref_t<decltype(held)>;
                 if constexpr (array_letter<type> != '\0')
                 {
@@ -196,12 +195,7 @@ void binary_writer::writeRecord(const fbx_record& record)
     m_out.text(record.name);
     const std::size_t values = m_out.size();
     for (const fbx_value& value : record.values)
-        std::visit(
-            [this](const auto& held)
-            {
-                write(held);
-            },
-            value);
+        std::visit([this](const auto& held) { write(held); }, value);
     m_out.putU32(begin + 8, static_cast<std::uint32_t>(m_out.size() - values));
     for (const fbx_record& child : record.children)
         writeRecord(child);

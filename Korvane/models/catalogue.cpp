@@ -89,11 +89,9 @@ template <std::size_t count>
 std::string_view lookUp(const named_number (&table)[count], std::uint32_t number, std::string_view absent)
 {
     static_assert(count > 0);
-    const auto found = std::lower_bound(std::begin(table), std::end(table), number,
-                                        [](const named_number& entry, std::uint32_t wanted)
-                                        {
-                                            return entry.number < wanted;
-                                        });
+    const auto found =
+        std::lower_bound(std::begin(table), std::end(table), number,
+                         [](const named_number& entry, std::uint32_t wanted) { return entry.number < wanted; });
     return found != std::end(table) && found->number == number ? found->name : absent;
 }
 
@@ -171,10 +169,7 @@ std::span<const alpha_mode_entry> alphaModes()
 std::size_t alphaModeIndex(std::uint32_t value)
 {
     const auto found = std::find_if(std::begin(alpha_modes), std::end(alpha_modes),
-                                    [value](const alpha_mode_entry& entry)
-                                    {
-                                        return entry.value == value;
-                                    });
+                                    [value](const alpha_mode_entry& entry) { return entry.value == value; });
     return found != std::end(alpha_modes) ? static_cast<std::size_t>(found - std::begin(alpha_modes))
                                           : unknown_alpha_mode;
 }

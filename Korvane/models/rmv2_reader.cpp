@@ -384,8 +384,7 @@ void rmv2_reader::decode()
             decoded_bytes += group.store.vertices.size() * sizeof(vertex_record);
         }
     std::atomic<std::size_t> next{0};
-    const auto work = [&]
-    {
+    const auto work = [&] {
         for (std::size_t i = next++; i < groups.size(); i = next++)
             decodeGroup(*groups[i]);
     };
@@ -425,11 +424,8 @@ void rmv2_reader::decodeGroup(group_data& group) const
         std::memcpy(indices.data(), m_image.data() + position, indices.size() * 2);
     for (std::size_t i = 0; i + 2 < indices.size(); i += 3)
         std::swap(indices[i + 1], indices[i + 2]);
-    group.store.indices_out_of_range = static_cast<std::size_t>(std::count_if(indices.begin(), indices.end(),
-                                                                              [vertex_count](std::uint16_t index)
-                                                                              {
-                                                                                  return index >= vertex_count;
-                                                                              }));
+    group.store.indices_out_of_range = static_cast<std::size_t>(std::count_if(
+        indices.begin(), indices.end(), [vertex_count](std::uint16_t index) { return index >= vertex_count; }));
 }
 
 } // namespace korvane

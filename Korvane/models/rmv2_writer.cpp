@@ -48,12 +48,10 @@ class image_edit
 public:
     explicit image_edit(rmv2_file& model) : m_image(model.image().mutableBytes())
     {
-        forEachSavedField(model.data(),
-                          [this](const fixed_field& field)
-                          {
-                              if (field.isEdited())
-                                  apply(field);
-                          });
+        forEachSavedField(model.data(), [this](const fixed_field& field) {
+            if (field.isEdited())
+                apply(field);
+        });
     }
     image_edit(const image_edit&) = delete;
     image_edit& operator=(const image_edit&) = delete;

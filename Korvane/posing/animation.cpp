@@ -34,8 +34,7 @@ bool animation::expand(std::shared_ptr<const anim_data> source, std::span<const 
         channels[i].bind_translation = bind[i].translation;
         channels[i].bind_rotation = bind[i].rotation;
     }
-    const auto assign = [&channels](const std::vector<std::uint32_t>& bones, std::uint32_t tracks, auto member)
-    {
+    const auto assign = [&channels](const std::vector<std::uint32_t>& bones, std::uint32_t tracks, auto member) {
         for (std::uint32_t track = 0; track < std::min<std::size_t>(bones.size(), tracks); ++track)
             if (bones[track] < channels.size())
                 channels[bones[track]].*member = track;

@@ -69,10 +69,7 @@ bool skeleton_tree::cutRings()
 {
     bool fits = true;
     std::vector<std::size_t> walk_of(m_nodes.size(), 0); // 0: not seen yet
-    const auto number = [this](const skeleton_node* node)
-    {
-        return static_cast<std::size_t>(node - m_nodes.data());
-    };
+    const auto number = [this](const skeleton_node* node) { return static_cast<std::size_t>(node - m_nodes.data()); };
     for (std::size_t i = 0; i < m_nodes.size(); ++i)
     {
         const skeleton_node* node = &m_nodes[i];

@@ -38,8 +38,7 @@ struct bc6h_mode
 constexpr bc6h_layout layoutOf(std::string_view text)
 {
     bc6h_layout layout;
-    const auto number = [&text]
-    {
+    const auto number = [&text] {
         unsigned value = 0;
         while (!text.empty() && text.front() >= '0' && text.front() <= '9')
         {

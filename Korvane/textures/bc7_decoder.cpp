@@ -105,8 +105,7 @@ void decodeSeparateAlpha(block_bits& in, block_pixels& pixels)
     }
     for (rgba_pixel& pixel : pixels)
     {
-        const auto weightOf = [](std::uint64_t& indices, unsigned bits)
-        {
+        const auto weightOf = [](std::uint64_t& indices, unsigned bits) {
             const unsigned weight = block_weights[bits][indices & ((1u << bits) - 1)];
             indices >>= bits;
             return weight;

@@ -21,8 +21,7 @@ rgba_pixel from565(unsigned colour)
 // (a x first + b x second) / (a + b) for each colour, to nearest; alpha 255.
 rgba_pixel mixed(rgba_pixel first, unsigned a, rgba_pixel second, unsigned b)
 {
-    const auto channel = [=](int shift)
-    {
+    const auto channel = [=](int shift) {
         return ((first >> shift & 0xff) * a + (second >> shift & 0xff) * b + (a + b) / 2) / (a + b);
     };
     return rgba(channel(0), channel(8), channel(16), 255);
@@ -52,14 +51,12 @@ void decodeColours(const std::byte* block, bool has_own_alpha, block_pixels& pix
 std::array<std::uint8_t, 16> decodeChannel(const std::byte* block, bool is_signed)
 {
     const std::uint64_t bits = littleEndian<std::uint64_t>(block);
-    const auto endPoint = [is_signed](std::uint64_t byte)
-    {
+    const auto endPoint = [is_signed](std::uint64_t byte) {
         return is_signed ? static_cast<std::int8_t>(byte) : static_cast<int>(byte & 255);
     };
     const int steps = endPoint(bits) > endPoint(bits >> 8) ? 7 : 5; // -128 differs from -127 here only
     const int first = std::max(endPoint(bits), -127), second = std::max(endPoint(bits >> 8), -127);
-    const auto toByte = [is_signed](int value)
-    {
+    const auto toByte = [is_signed](int value) {
         return is_signed ? byteOfSigned(value, 127) : static_cast<std::uint8_t>(value);
     };
     std::array<std::uint8_t, 8> palette = {toByte(first), toByte(second)};
@@ -101,8 +98,7 @@ void decodePair(const std::byte* block, bool is_signed, block_pixels& pixels)
 // By the bits of a half: an array is faster than a search for each pixel.
 const std::array<std::uint8_t, 65536>& lightOfHalves()
 {
-    static const auto table = []
-    {
+    static const auto table = [] {
         std::array<std::uint8_t, 65536> bytes;
         for (std::uint32_t bits = 0; bits < bytes.size(); ++bits)
             bytes[bits] = byteOfLight(halfToFloat(static_cast<std::uint16_t>(bits)));

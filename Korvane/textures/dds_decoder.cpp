@@ -99,8 +99,7 @@ void decodePart(const row_decoder& decoder, const dds_subresource& part)
 {
     constexpr std::uint32_t rows_at_once = 8;
     std::atomic<std::uint32_t> next{0};
-    const auto work = [&]
-    {
+    const auto work = [&] {
         for (std::uint32_t row = next.fetch_add(rows_at_once); row < part.rows; row = next.fetch_add(rows_at_once))
             for (std::uint32_t i = row; i < std::min(row + rows_at_once, part.rows); ++i)
                 decoder.decode(i);

@@ -88,8 +88,7 @@ void pixel_decoder::decodePixels(const std::byte* source, std::span<rgba_pixel> 
         std::array<std::uint32_t, (bytes + 3) / 4> words{};
         std::memcpy(words.data(), source, bytes);
         source += bytes;
-        const auto byteOf = [&](const channel_reader& channel, unsigned otherwise)
-        {
+        const auto byteOf = [&](const channel_reader& channel, unsigned otherwise) {
             return channel.bits == 0 ? otherwise : channelByte(channel, words[channel.word]);
         };
         const unsigned first = byteOf(red, 0);

@@ -45,10 +45,7 @@ public:
         lodepng_chunk_type(name, chunk);
         m_name = name;
         if (!std::all_of(m_name.begin(), m_name.end(),
-                         [](unsigned char letter)
-                         {
-                             return letter < 128 && std::isalpha(letter);
-                         }))
+                         [](unsigned char letter) { return letter < 128 && std::isalpha(letter); }))
             m_name = "without a name";
         if (m_wanted > left)
             return std::nullopt;
@@ -134,8 +131,7 @@ std::vector<std::byte> withoutProfiles(std::span<const std::byte> file)
 {
     std::vector<std::byte> rest;
     std::size_t kept = 0; // so far
-    const auto keepUpTo = [&](std::size_t end)
-    {
+    const auto keepUpTo = [&](std::size_t end) {
         rest.insert(rest.end(), file.begin() + static_cast<std::ptrdiff_t>(kept),
                     file.begin() + static_cast<std::ptrdiff_t>(end));
     };
@@ -204,10 +200,7 @@ bool pngFileSize(std::span<const std::byte> start, std::uint64_t& size, failure&
 bool writePng(const picture& source, png_bytes& file, failure& why)
 {
     const bool is_opaque = std::all_of(source.pixels().begin(), source.pixels().end(),
-                                       [](rgba_pixel pixel)
-                                       {
-                                           return pixel >> 24 == 255;
-                                       });
+                                       [](rgba_pixel pixel) { return pixel >> 24 == 255; });
     lodepng::State state;
     state.encoder.auto_convert = 0; // palettes and grey are what game tools stumble over
     state.info_png.color.colortype = is_opaque ? LCT_RGB : LCT_RGBA;

@@ -73,38 +73,24 @@ void convertPixels(pixel_layout layout, const std::byte* source, std::span<rgba_
     {
     case pixel_layout::grey8:
         return convertEach(source, 1, target,
-                           [](const std::byte* at)
-                           {
-                               return byteAt(at, 0) * 0x010101 | 0xff000000;
-                           });
+                           [](const std::byte* at) { return byteAt(at, 0) * 0x010101 | 0xff000000; });
     case pixel_layout::grey8_alpha8:
         return convertEach(source, 2, target,
-                           [](const std::byte* at)
-                           {
-                               return byteAt(at, 0) * 0x010101 | byteAt(at, 1) << 24;
-                           });
+                           [](const std::byte* at) { return byteAt(at, 0) * 0x010101 | byteAt(at, 1) << 24; });
     case pixel_layout::bgr888:
         return convertEach(source, 3, target,
-                           [](const std::byte* at)
-                           {
-                               return rgba(byteAt(at, 2), byteAt(at, 1), byteAt(at, 0), 255);
-                           });
+                           [](const std::byte* at) { return rgba(byteAt(at, 2), byteAt(at, 1), byteAt(at, 0), 255); });
     case pixel_layout::bgra8888:
         return convertEach(source, 4, target,
-                           [](const std::byte* at)
-                           {
-                               return swapRedAndBlue(littleEndian<std::uint32_t>(at));
-                           });
+                           [](const std::byte* at) { return swapRedAndBlue(littleEndian<std::uint32_t>(at)); });
     case pixel_layout::bgr555:
     case pixel_layout::bgra5551:
         const unsigned opaque = layout == pixel_layout::bgr555 ? 0x8000 : 0;
-        return convertEach(source, 2, target,
-                           [opaque](const std::byte* at)
-                           {
-                               const unsigned value = littleEndian<std::uint16_t>(at) | opaque;
-                               return rgba(from5Bits(value >> 10 & 31), from5Bits(value >> 5 & 31),
-                                           from5Bits(value & 31), (value >> 15) * 255);
-                           });
+        return convertEach(source, 2, target, [opaque](const std::byte* at) {
+            const unsigned value = littleEndian<std::uint16_t>(at) | opaque;
+            return rgba(from5Bits(value >> 10 & 31), from5Bits(value >> 5 & 31), from5Bits(value & 31),
+                        (value >> 15) * 255);
+        });
     }
 }
 
@@ -167,8 +153,7 @@ void targa_reader::readHeader()
 
 void targa_reader::checkHeader()
 {
-    const auto refuse = [this](std::uint64_t position, std::string what, std::string_view field)
-    {
+    const auto refuse = [this](std::uint64_t position, std::string what, std::string_view field) {
         m_in.failAt(position, failure_kind::unsupported, std::move(what), field);
     };
     if (m_header.map_type > 1)
@@ -362,10 +347,7 @@ bool writeTarga(const picture& source, memory_file& file, failure& why)
         return fail(why, failure_kind::refused,
                     "a Targa file has 1 to " + std::to_string(targa_max_size) + " pixels in each direction, not " +
                         std::to_string(source.width()) + " x " + std::to_string(source.height()));
-    const auto low = [](std::uint32_t value)
-    {
-        return static_cast<unsigned char>(value);
-    };
+    const auto low = [](std::uint32_t value) { return static_cast<unsigned char>(value); };
     const unsigned char header[header_size] = {low(written_id.size()),
                                                0, // no colour map
                                                2, // true-colour

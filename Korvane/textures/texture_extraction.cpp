@@ -198,11 +198,7 @@ void extraction_run::workOffAll()
     try
     {
         while (helpers.size() + 1 < wanted)
-            helpers.emplace_back(
-                [this]
-                {
-                    workOff(false);
-                });
+            helpers.emplace_back([this] { workOff(false); });
     }
     catch (const std::system_error&) // no more threads: those that are there do it
     {

@@ -20,11 +20,9 @@ std::string_view folderOf(std::string_view path)
 
 void addModel(const std::string& model, std::vector<std::string>& models)
 {
-    const bool is_known = std::any_of(models.begin(), models.end(),
-                                      [&model](const std::string& known)
-                                      {
-                                          return folderOf(known) == folderOf(model);
-                                      });
+    const bool is_known = std::any_of(models.begin(), models.end(), [&model](const std::string& known) {
+        return folderOf(known) == folderOf(model);
+    });
     if (!model.empty() && !is_known)
         models.push_back(model);
 }

@@ -146,11 +146,9 @@ void d3d_window::setModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std
                           std::shared_ptr<const texture_source> textures)
 {
     const model_texture_source own(model_path, m_ports.log);
-    m_po_worker->changeScene(
-        [&](model_scene& scene, ID3D11Device& device)
-        {
-            scene.setModel(device, {model.get(), model_path, lod, textures ? textures.get() : &own});
-        });
+    m_po_worker->changeScene([&](model_scene& scene, ID3D11Device& device) {
+        scene.setModel(device, {model.get(), model_path, lod, textures ? textures.get() : &own});
+    });
     showChanged(model_path, model_path != m_shown_path);
 }
 
@@ -158,11 +156,9 @@ variant_outcome d3d_window::setVariant(const std::vector<std::string>& models, c
 {
     const model_texture_source own(definition_path, m_ports.log);
     variant_outcome outcome;
-    m_po_worker->changeScene(
-        [&](model_scene& scene, ID3D11Device& device)
-        {
-            outcome = scene.setVariant(device, {models, 0, &own});
-        });
+    m_po_worker->changeScene([&](model_scene& scene, ID3D11Device& device) {
+        outcome = scene.setVariant(device, {models, 0, &own});
+    });
     showChanged(definition_path, m_is_framed || definition_path != m_shown_path);
     return outcome;
 }

@@ -53,11 +53,7 @@ void frame_pacer::retryAfter(std::chrono::milliseconds pause)
 frame_request frame_pacer::next()
 {
     std::unique_lock lock(m_mutex);
-    m_changed.wait(lock,
-                   [this]
-                   {
-                       return isDue();
-                   });
+    m_changed.wait(lock, [this] { return isDue(); });
     // The limit holds between frames that are drawn: a stop or a waiting window thread is answered at once.
     while (!m_request.must_stop && !m_is_woken && clock::now() < m_next_frame)
         m_changed.wait_until(lock, m_next_frame);

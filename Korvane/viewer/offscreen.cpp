@@ -15,10 +15,7 @@ constexpr std::uint32_t largest_picture = 8192;
 
 bool checkSize(const render_options& options, failure& why)
 {
-    const auto bad = [](std::uint32_t size)
-    {
-        return size == 0 || size > largest_picture;
-    };
+    const auto bad = [](std::uint32_t size) { return size == 0 || size > largest_picture; };
     return !(bad(options.width) || bad(options.height)) ||
            fail(why, failure_kind::refused,
                 "the picture must be 1 to " + std::to_string(largest_picture) + " pixels wide and high");
@@ -70,8 +67,7 @@ bool renderToImage(const RMV2_FILE_DATA& model, const std::string& model_path, c
                     "the model has no LOD " + std::to_string(options.lod) + ": it has " +
                         std::to_string(model.lods.size()));
     const model_texture_source own(model_path, options.log);
-    const auto fill = [&](model_scene& scene, ID3D11Device& device)
-    {
+    const auto fill = [&](model_scene& scene, ID3D11Device& device) {
         scene.setModel(device, {&model, model_path, options.lod, options.textures ? options.textures : &own});
         return true;
     };
@@ -86,8 +82,7 @@ bool renderToImage(const std::vector<std::string>& models, const std::string& de
     if (models.empty())
         return fail(why, failure_kind::refused, "the definition names no models", definition_path);
     const model_texture_source own(definition_path, options.log);
-    const auto fill = [&](model_scene& scene, ID3D11Device& device)
-    {
+    const auto fill = [&](model_scene& scene, ID3D11Device& device) {
         const texture_source* const textures = options.textures ? options.textures : &own;
         return scene.setVariant(device, {models, options.lod, textures}).parts > 0 ||
                fail(why, failure_kind::not_found,

@@ -106,11 +106,7 @@ void render_worker::changeScene(const std::function<void(model_scene&, ID3D11Dev
 {
     // A software adapter may need long for a frame, so patience is repeated: without the render thread's answer the
     // scene is still in use.
-    if (!m_gate.close(gate_patience,
-                      [this]
-                      {
-                          m_pacer.wake();
-                      }))
+    if (!m_gate.close(gate_patience, [this] { m_pacer.wake(); }))
     {
         if (m_log)
             m_log("d3d_window: waiting for the frame that is being drawn");

@@ -304,10 +304,7 @@ TEST_F(anim_file_tests, theNameIsReadFromAFilesFirstBytes)
     test_anim source;
     source.version = 3;
     const std::string bytes = source.bytes();
-    const auto start = [&bytes](std::size_t size)
-    {
-        return std::as_bytes(std::span(bytes)).first(size);
-    };
+    const auto start = [&bytes](std::size_t size) { return std::as_bytes(std::span(bytes)).first(size); };
     std::string name = "as before";
     EXPECT_FALSE(anim_file::readSkeletonName(start(23), name, why)); // one letter less
     EXPECT_EQ(why.field, "skeleton name");

@@ -99,11 +99,7 @@ TEST_F(anim_search_tests, everyArchivesCopyOfASkeletonIsListedInOrder)
 {
     addUsualArchives();
     text_list log;
-    const entry_list found = findSkeletons(*tree, "MAN_01",
-                                           [&log](const std::string& line)
-                                           {
-                                               log.push_back(line);
-                                           });
+    const entry_list found = findSkeletons(*tree, "MAN_01", [&log](const std::string& line) { log.push_back(line); });
     // The pattern is compared from the end of the path: it may end in the middle of a folder's name.
     EXPECT_EQ(names(found), (text_list{"z:man_01.anim", "a:man_01.anim", "a:man_01.anim"}));
     ASSERT_EQ(found.size(), 3u);
@@ -163,11 +159,8 @@ TEST_F(anim_search_tests, theListBeginsWithConvertedFiles)
     test::recording_prompt prompt;
     text_list log;
     const text_list converted = {"d:\\work\\my walk.anim", "other/run.anim"};
-    const std::vector<animation_choice> list = listAnimations(*tree, "man_01", converted, prompt,
-                                                              [&log](const std::string& line)
-                                                              {
-                                                                  log.push_back(line);
-                                                              });
+    const std::vector<animation_choice> list =
+        listAnimations(*tree, "man_01", converted, prompt, [&log](const std::string& line) { log.push_back(line); });
     ASSERT_EQ(list.size(), 3u);
     EXPECT_EQ(list[0].label, "[DISK]: my walk.anim");
     EXPECT_EQ(list[0].disk_path, converted[0]);

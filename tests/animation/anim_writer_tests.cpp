@@ -21,8 +21,7 @@ constexpr std::uint32_t none = 0xffffffff;
 // The take of test_anim, whose numbers are in the file's space as these are.
 anim_output sampleTake()
 {
-    const auto unit = [](int x, int y, int z, int w)
-    {
+    const auto unit = [](int x, int y, int z, int w) {
         return glm::quat(static_cast<float>(w) / 32767.0f, static_cast<float>(x) / 32767.0f,
                          static_cast<float>(y) / 32767.0f, static_cast<float>(z) / 32767.0f);
     };
@@ -283,54 +282,18 @@ TEST_F(anim_writer_tests, contradictionsAreRefusedAndNothingIsWritten)
         std::uint32_t version;
     } rows[] = {
         {"version 6", [](anim_output&) {}, 6},
-        {"257 bones",
-         [](anim_output& output)
-         {
-             output.bones.resize(257);
-         },
-         5},
-        {"bone's name",
-         [](anim_output& output)
-         {
-             output.bones[1].name.assign(257, 'x');
-         },
-         5},
-        {"skeleton's name",
-         [](anim_output& output)
-         {
-             output.skeleton_name.assign(65536, 'x');
-         },
-         5},
-        {"bone 3",
-         [](anim_output& output)
-         {
-             output.frames[1].translations[3] = {};
-         },
-         5},
-        {"map",
-         [](anim_output& output)
-         {
-             output.rotation_map.pop_back();
-         },
-         7},
-        {"frame 1",
-         [](anim_output& output)
-         {
-             output.frames[1].rotations.erase(1);
-         },
-         5},
+        {"257 bones", [](anim_output& output) { output.bones.resize(257); }, 5},
+        {"bone's name", [](anim_output& output) { output.bones[1].name.assign(257, 'x'); }, 5},
+        {"skeleton's name", [](anim_output& output) { output.skeleton_name.assign(65536, 'x'); }, 5},
+        {"bone 3", [](anim_output& output) { output.frames[1].translations[3] = {}; }, 5},
+        {"map", [](anim_output& output) { output.rotation_map.pop_back(); }, 7},
+        {"frame 1", [](anim_output& output) { output.frames[1].rotations.erase(1); }, 5},
         {"frame 0",
-         [](anim_output& output)
-         {
+         [](anim_output& output) {
              output.rotation_map = {none, 0, 1};
          },
          5},
-        {"single pose",
-         [](anim_output& output)
-         {
-             output.is_single_pose = true;
-         },
-         5},
+        {"single pose", [](anim_output& output) { output.is_single_pose = true; }, 5},
     };
     for (const auto& row : rows)
     {

@@ -67,8 +67,7 @@ std::string contentOf(const path_tree& tree)
     for (const auto& archive : tree.archives())
         text += archive->name + " " + archive->path + " " + archive->format + " " +
                 std::to_string(archive->file_count) + "\n";
-    const auto add = [&text](const pack_file_node& file)
-    {
+    const auto add = [&text](const pack_file_node& file) {
         text += file.archive().name + ": " + std::string(file.internalPath()) + " " + std::to_string(file.size()) +
                 " " + std::to_string(file.offset()) + " " + std::to_string(file.compression()) + " " +
                 std::to_string(file.timeStamp()) + "\n";
@@ -98,8 +97,7 @@ struct loading
     explicit loading(const data_folder& folder, const pack_cache* cache)
     {
         test::recording_prompt prompt;
-        const auto note = [this](const std::string& line)
-        {
+        const auto note = [this](const std::string& line) {
             if (line.starts_with("[PACK CACHE]"))
                 cache_line = line;
             else
@@ -145,8 +143,7 @@ TEST(pack_cache, whatComesOutOfItIsWhatTheArchivesHold)
 
 TEST(pack_cache, anyChangeOfTheArchivesIsNoticed)
 {
-    const auto edit = [](const data_folder& folder, const std::string& name, const test_pack& pack)
-    {
+    const auto edit = [](const data_folder& folder, const std::string& name, const test_pack& pack) {
         const auto time = std::filesystem::last_write_time(folder.onDisk("data.pack"));
         folder.write(name, pack);
         std::filesystem::last_write_time(folder.onDisk(name), time); // as it was
@@ -158,37 +155,19 @@ TEST(pack_cache, anyChangeOfTheArchivesIsNoticed)
         const char* name;
         std::function<void(const data_folder&)> change;
     } rows[] = {
-        {"other size, same time",
-         [&](const data_folder& folder)
-         {
-             edit(folder, "data.pack", larger);
-         }},
+        {"other size, same time", [&](const data_folder& folder) { edit(folder, "data.pack", larger); }},
         {"other time, same size",
-         [](const data_folder& folder)
-         {
+         [](const data_folder& folder) {
              const auto time = std::filesystem::last_write_time(folder.onDisk("data.pack"));
              std::filesystem::last_write_time(folder.onDisk("data.pack"), time + std::chrono::seconds(2));
          }},
-        {"an archive more",
-         [&](const data_folder& folder)
-         {
-             folder.write("z.pack", larger);
-         }},
-        {"an archive less",
-         [](const data_folder& folder)
-         {
-             std::filesystem::remove(folder.onDisk("empty.pack"));
-         }},
+        {"an archive more", [&](const data_folder& folder) { folder.write("z.pack", larger); }},
+        {"an archive less", [](const data_folder& folder) { std::filesystem::remove(folder.onDisk("empty.pack")); }},
         {"another name",
-         [](const data_folder& folder)
-         {
+         [](const data_folder& folder) {
              std::filesystem::rename(folder.onDisk("data.pack"), folder.onDisk("renamed.pack"));
          }},
-        {"the damaged one mended",
-         [&](const data_folder& folder)
-         {
-             folder.write("bad.pack", larger);
-         }},
+        {"the damaged one mended", [&](const data_folder& folder) { folder.write("bad.pack", larger); }},
     };
     for (const auto& row : rows)
     {
@@ -216,8 +195,7 @@ TEST(pack_cache, aDamagedCacheNeverChangesTheTree)
                                                folder.path("cut.pack"), folder.path("bad.pack"),
                                                folder.path("a_mod.pack")};
     std::size_t used = 0;
-    const auto check = [&](const std::string& bytes, std::size_t at)
-    {
+    const auto check = [&](const std::string& bytes, std::size_t at) {
         test::writeBytes(cache.path(), bytes);
         indexed_archives indexed;
         failure why;

@@ -48,12 +48,7 @@ struct loaded_folder
 
     explicit loaded_folder(const std::vector<std::string>& folders)
     {
-        pack_reader reader({prompt,
-                            [this](const std::string& line)
-                            {
-                                log.push_back(line);
-                            },
-                            {}});
+        pack_reader reader({prompt, [this](const std::string& line) { log.push_back(line); }, {}});
         is_loaded = reader.loadAllArchives(folders);
     }
 };
@@ -142,8 +137,7 @@ TEST(pack_file, damagedArchivesAreRefusedWithTheirPlace)
     pack.names = {"base.pack"};
     pack.entries = {{"a\\b", "data"}, {"c", "more"}};
     const std::string good = pack.bytes();
-    const auto patched = [&](std::size_t at, std::uint32_t value)
-    {
+    const auto patched = [&](std::size_t at, std::uint32_t value) {
         test::bytes_out out;
         out.text(good);
         out.putU32(at, value);
@@ -237,8 +231,7 @@ TEST(pack_file, theNamesCountByteByByteWhateverTheirSizeSays)
 TEST(pack_reader, theLowestNameWinsAndTheLogTellsTheOrder)
 {
     const test::temporary_folder folder;
-    const auto write = [&](const std::string& name, const std::string& content)
-    {
+    const auto write = [&](const std::string& name, const std::string& content) {
         test_pack pack;
         pack.entries = {{"shared", content}, {"only " + name, content}};
         test::writeBytes(folder.file(name), pack.bytes());

@@ -44,11 +44,9 @@ TEST(path_search, findsWhatAPlainSearchFindsInTheOrderOfThePaths)
     for (int i = 0; i < 300; ++i) // lengths around the sixteen bytes that are looked at in one go
         paths.push_back("long\\" + std::string(static_cast<std::size_t>(i % 50), 'x') + "needle" + std::to_string(i));
     const std::shared_ptr<path_tree> tree = treeOf(paths);
-    std::sort(paths.begin(), paths.end(),
-              [](const std::string& left, const std::string& right)
-              {
-                  return std::string_view(left) < std::string_view(right); // as unsigned bytes
-              });
+    std::sort(paths.begin(), paths.end(), [](const std::string& left, const std::string& right) {
+        return std::string_view(left) < std::string_view(right); // as unsigned bytes
+    });
     path_search search(tree);
     EXPECT_EQ(search.fileCount(), paths.size());
     for (const std::string text : {"", "a", "\\", "needle", "NEEDLE29", "e2", "x", "xneedle", "UNITS/man_0", "s\\m",
@@ -63,11 +61,9 @@ TEST(path_search, findsWhatAPlainSearchFindsInTheOrderOfThePaths)
         {
         }
         std::string wanted = text;
-        std::transform(wanted.begin(), wanted.end(), wanted.begin(),
-                       [](char each)
-                       {
-                           return each == '/' ? '\\' : each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each;
-                       });
+        std::transform(wanted.begin(), wanted.end(), wanted.begin(), [](char each) {
+            return each == '/' ? '\\' : each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each;
+        });
         std::vector<std::string> expected;
         for (const std::string& path : paths)
             if (path.find(wanted) != std::string::npos)

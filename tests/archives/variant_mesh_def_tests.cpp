@@ -226,8 +226,7 @@ TEST_F(variant_mesh_def_tests, anyCutAndAnyPatchFailsOrHoldsTogether)
     const std::string marked = "\xef\xbb\xbf<!DOCTYPE a [<!ENTITY x 'y'>]>" + figure + "<![CDATA[<a>]]>&#65;&#x110000;";
     for (const std::string& text : {marked, utf16(figure, false, true)})
     {
-        const auto check = [this](const std::string& damaged)
-        {
+        const auto check = [this](const std::string& damaged) {
             failure why;
             const auto exact = std::make_unique<char[]>(damaged.size()); // of that size: a byte too many is seen
             std::copy(damaged.begin(), damaged.end(), exact.get());
@@ -352,8 +351,7 @@ TEST_F(variant_mesh_def_tests, problemsAreListedUpToTheirLimit)
 
 TEST_F(variant_mesh_def_tests, longChainsAndDoublingChainsEnd)
 {
-    const auto chain = [](std::size_t count, std::size_t copies, const std::string& wrapper)
-    {
+    const auto chain = [](std::size_t count, std::size_t copies, const std::string& wrapper) {
         std::vector<test::test_entry> entries;
         for (std::size_t i = 0; i < count; ++i)
         {

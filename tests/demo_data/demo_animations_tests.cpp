@@ -246,8 +246,7 @@ TEST(demo_animations, joints_stay_above_the_ground_near_the_figure_and_never_jum
             for (std::size_t i = 0; i < pose.size(); ++i)
             {
                 const glm::vec3 p = pose[i].position;
-                const auto where = [&]
-                {
+                const auto where = [&] {
                     return each->path + " frame " + std::to_string(frame) + " " + animation.bones[i].name;
                 };
                 ASSERT_GT(p.y, -0.08f) << where(); // a joint of one that falls may dip in

@@ -207,8 +207,7 @@ TEST(demo_models, a_large_scale_is_split_where_sixteen_bit_indices_end)
     failure why;
     EXPECT_FALSE(makeFiles(
         large,
-        [&](const file& made)
-        {
+        [&](const file& made) {
             groups = groupsOf(made.bytes); // the guard; the rest is not needed
             return false;
         },

@@ -71,12 +71,7 @@ TEST(demo_data_golden, options_out_of_range_are_refused)
         wanted.scale = scale;
         failure why;
         EXPECT_FALSE(makeFiles(
-            wanted,
-            [](const file&)
-            {
-                return true;
-            },
-            why));
+            wanted, [](const file&) { return true; }, why));
         EXPECT_EQ(why.kind, failure_kind::refused);
     }
 }

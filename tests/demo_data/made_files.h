@@ -18,8 +18,7 @@ inline std::vector<file> makeSome(const options& wanted, std::size_t limit)
 {
     std::vector<file> files;
     failure why;
-    const auto keep = [&](file made)
-    {
+    const auto keep = [&](file made) {
         files.push_back(std::move(made));
         return files.size() < limit;
     };

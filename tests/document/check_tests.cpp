@@ -88,8 +88,7 @@ protected:
     static std::string line(const finding& each)
     {
         static const char* const severities[] = {"note", "warning", "error"};
-        const auto index = [](const std::optional<std::size_t>& value)
-        {
+        const auto index = [](const std::optional<std::size_t>& value) {
             return value ? std::to_string(*value) : std::string("-");
         };
         return severities[static_cast<std::size_t>(each.severity)] + (" " + each.kind + " ") + index(each.place.lod) +
@@ -114,25 +113,15 @@ TEST_F(check_test, ASoundModelHasNoFindings)
 TEST_F(check_test, EveryFaultIsFoundWhereItIsAndNothingElse)
 {
     using model_change = std::function<void(test_model&)>;
-    const auto texture = [](std::size_t index, const char* path) -> model_change
-    {
-        return [index, path](test_model& model)
-        {
-            model.lods[1][0].textures[index].second = path;
-        };
+    const auto texture = [](std::size_t index, const char* path) -> model_change {
+        return [index, path](test_model& model) { model.lods[1][0].textures[index].second = path; };
     };
-    const auto group = [](const std::function<void(test_group&)>& change) -> model_change
-    {
-        return [change](test_model& model)
-        {
-            change(model.lods[1][0]);
-        };
+    const auto group = [](const std::function<void(test_group&)>& change) -> model_change {
+        return [change](test_model& model) { change(model.lods[1][0]); };
     };
     const auto vertex = [](std::array<std::uint16_t, 3> halves, std::array<unsigned, 4> bones,
-                           std::array<unsigned, 4> weights) -> model_change
-    {
-        return [=](test_model& model)
-        {
+                           std::array<unsigned, 4> weights) -> model_change {
+        return [=](test_model& model) {
             model.lods[1][0].vertices.replace(32, 32, cinematicVertex(halves, bones, weights));
         };
     };
@@ -162,121 +151,40 @@ TEST_F(check_test, EveryFaultIsFoundWhereItIsAndNothingElse)
         {"warning texture_path 1.0.1", texture(1, "tex/other\\helmet.dds"), "both separators"},
         {"warning texture_empty 1.0.0", texture(0, ""), "names no file"},
         {"error texture_damaged 1.0.0", texture(0, "tex/text.dds"), "is not a DDS file"},
-        {"warning texture_type 1.0.1: texture type 99", group(
-                                                            [](test_group& g)
-                                                            {
-                                                                g.textures[1].first = 99;
-                                                            })},
-        {"note texture_type 1.0.1: the group has a second", group(
-                                                                [](test_group& g)
-                                                                {
-                                                                    g.textures[1].first = 0;
-                                                                })},
-        {"warning material 1.0.-: material 2 ", group(
-                                                    [](test_group& g)
-                                                    {
-                                                        g.material_id = 2;
-                                                    })},
-        {"note alpha_mode 1.0.-", group(
-                                      [](test_group& g)
-                                      {
-                                          g.alpha_mode = 7;
-                                      })},
-        {"warning vertex_format 1.0.-", group(
-                                            [](test_group& g)
-                                            {
-                                                g.vertex_format = 9;
-                                            })},
-        {"error index_range 1.0.-: 2 indices name a vertex", group(
-                                                                 [](test_group& g)
-                                                                 {
-                                                                     g.indices = {3, 1, 4};
-                                                                 })},
-        {"warning index_count 1.0.-", group(
-                                          [](test_group& g)
-                                          {
-                                              g.indices = {0, 1};
-                                          })},
-        {"warning empty_group 1.0.-: the group has no triangles", group(
-                                                                      [](test_group& g)
-                                                                      {
-                                                                          g.indices.clear();
-                                                                      })},
-        {"warning bounding_box 1.0.-",
-         group(
-             [](test_group& g)
-             {
-                 g.bbox_max[2] = -1.5f;
-             }),
-         "0.5 m out of"},
-        {"warning bounding_box 1.0.-",
-         group(
-             [](test_group& g)
-             {
-                 g.bbox_min[1] = nan;
-             }),
-         "no box"},
-        {"warning no_terminator 1.0.-: the group's name", group(
-                                                              [](test_group& g)
-                                                              {
-                                                                  g.group_name.assign(32, 'n');
-                                                              })},
-        {"warning no_terminator 1.0.-: the shader's name", group(
-                                                               [](test_group& g)
-                                                               {
-                                                                   g.shader_name = "twelve_bytes";
-                                                               })},
-        {"warning no_terminator 1.0.-", group(
-                                            [](test_group& g)
-                                            {
-                                                g.texture_directory.assign(256, 'n');
-                                            })},
-        {"warning no_terminator 1.0.-", group(
-                                            [](test_group& g)
-                                            {
-                                                g.attachments = {{std::string(32, 'a'), 1.0f}};
-                                            })},
+        {"warning texture_type 1.0.1: texture type 99", group([](test_group& g) { g.textures[1].first = 99; })},
+        {"note texture_type 1.0.1: the group has a second", group([](test_group& g) { g.textures[1].first = 0; })},
+        {"warning material 1.0.-: material 2 ", group([](test_group& g) { g.material_id = 2; })},
+        {"note alpha_mode 1.0.-", group([](test_group& g) { g.alpha_mode = 7; })},
+        {"warning vertex_format 1.0.-", group([](test_group& g) { g.vertex_format = 9; })},
+        {"error index_range 1.0.-: 2 indices name a vertex", group([](test_group& g) {
+             g.indices = {3, 1, 4};
+         })},
+        {"warning index_count 1.0.-", group([](test_group& g) {
+             g.indices = {0, 1};
+         })},
+        {"warning empty_group 1.0.-: the group has no triangles", group([](test_group& g) { g.indices.clear(); })},
+        {"warning bounding_box 1.0.-", group([](test_group& g) { g.bbox_max[2] = -1.5f; }), "0.5 m out of"},
+        {"warning bounding_box 1.0.-", group([](test_group& g) { g.bbox_min[1] = nan; }), "no box"},
+        {"warning no_terminator 1.0.-: the group's name", group([](test_group& g) { g.group_name.assign(32, 'n'); })},
+        {"warning no_terminator 1.0.-: the shader's name",
+         group([](test_group& g) { g.shader_name = "twelve_bytes"; })},
+        {"warning no_terminator 1.0.-", group([](test_group& g) { g.texture_directory.assign(256, 'n'); })},
+        {"warning no_terminator 1.0.-", group([](test_group& g) {
+             g.attachments = {{std::string(32, 'a'), 1.0f}};
+         })},
         {"error vertex_position 1.0.-: 1 vertex has", vertex({0x7c00, 0, 0}, {0, 0, 0, 0}, {255, 0, 0, 0})},
         {"warning weights 1.0.-", vertex({0, 0, 0}, {0, 1, 0, 0}, {250, 4, 0, 0}), "(vertex 1: 254)"},
         {"error bones 1.0.-: 1 vertex hangs", vertex({0, 0, 0}, {0, 9, 200, 3}, {200, 0, 0, 55}), "(bone 3; it has 3)"},
-        {"error lod_empty 1.-.-",
-         [](test_model& model)
-         {
-             model.lods[1].clear();
-         }},
-        {"error lod_empty -.-.-",
-         [](test_model& model)
-         {
-             model.lods.clear();
-         }},
-        {"warning lod_order 1.-.-: the LOD has more triangles (2) than",
-         group(
-             [](test_group& g)
-             {
-                 g.indices.insert(g.indices.end(), {0, 1, 2});
-             })},
-        {"warning skeleton_missing -.-.-",
-         [](test_model& model)
-         {
-             model.skeleton_id.clear();
-         },
-         "names no skeleton"},
-        {"error skeleton_missing -.-.-",
-         [](test_model& model)
-         {
-             model.skeleton_id = "humanoid1";
-         },
+        {"error lod_empty 1.-.-", [](test_model& model) { model.lods[1].clear(); }},
+        {"error lod_empty -.-.-", [](test_model& model) { model.lods.clear(); }},
+        {"warning lod_order 1.-.-: the LOD has more triangles (2) than", group([](test_group& g) {
+             g.indices.insert(g.indices.end(), {0, 1, 2});
+         })},
+        {"warning skeleton_missing -.-.-", [](test_model& model) { model.skeleton_id.clear(); }, "names no skeleton"},
+        {"error skeleton_missing -.-.-", [](test_model& model) { model.skeleton_id = "humanoid1"; },
          "did you mean \"animations\\skeletons\\humanoid01.anim\"?"},
-        {"error skeleton_damaged -.-.-",
-         [](test_model& model)
-         {
-             model.skeleton_id = "broken";
-         }},
-        {"error no_terminator -.-.-",
-         [](test_model& model)
-         {
-             model.skeleton_id.assign(128, 's');
-         }},
+        {"error skeleton_damaged -.-.-", [](test_model& model) { model.skeleton_id = "broken"; }},
+        {"error no_terminator -.-.-", [](test_model& model) { model.skeleton_id.assign(128, 's'); }},
     };
     std::filesystem::create_directories(toPath(m_folder.file("disk")));
     writeBytes(m_folder.file("disk/diskonly.dds"), "DDS and more");
@@ -360,8 +268,7 @@ TEST_F(check_test, WithoutArchivesOnlyTheDiskCounts)
     writeBytes(path, model.bytes());
     std::filesystem::create_directories(toPath(m_folder.file("tex")));
     writeBytes(m_folder.file("tex/body_diffuse.dds"), "not one");
-    const auto checkOnDisk = [](const std::string& operand)
-    {
+    const auto checkOnDisk = [](const std::string& operand) {
         check_run run(nullptr);
         run.add(operand);
         std::vector<finding> found;
@@ -374,8 +281,7 @@ TEST_F(check_test, WithoutArchivesOnlyTheDiskCounts)
     const std::string normal =
         "\"TEX\\body_normal.dds\" (Normal Map) is not beside the model; no archives were given, so "
         "it may be in them";
-    const auto expected = [&](const std::string& severity, const std::string& hint)
-    {
+    const auto expected = [&](const std::string& severity, const std::string& hint) {
         std::string text =
             "note skeleton_missing -.-.-: the skeleton \"nobody\" is not on the disk around the model; no "
             "archives were given, so it may be in them\n";

@@ -50,11 +50,8 @@ protected:
     }
     bool rereadArchives()
     {
-        return rereadGameArchives({m_config, m_config_path, m_prompt,
-                                   [this](const std::string& line)
-                                   {
-                                       m_log.push_back(line);
-                                   }});
+        return rereadGameArchives(
+            {m_config, m_config_path, m_prompt, [this](const std::string& line) { m_log.push_back(line); }});
     }
     void open(const std::string& path)
     {
@@ -117,8 +114,7 @@ TEST_F(open_files_test, TheBoxOfABrokenDefinitionHasItsFixedBeginningAndTheParse
 
 TEST_F(open_files_test, TheStatusOfADefinitionSaysWhatIsDrawn)
 {
-    const auto definition = [](std::size_t models, const char* rest)
-    {
+    const auto definition = [](std::size_t models, const char* rest) {
         std::string text = "<VARIANT_MESH>";
         for (std::size_t i = 0; i < models; ++i)
             text += "<VARIANT_MESH model=\"m.rigid_model_v2\"/>";

@@ -29,10 +29,7 @@ TEST(DaeExport, holdsTheSceneInInchesWithYUp)
     ASSERT_TRUE(addMeshes(modelOfGroups(std::move(groups)), 0, scene, why));
     export_take take;
     ASSERT_TRUE(makeTake(smallAnimation(4, 20), smallSkeleton(), take_span::half, take, why));
-    const auto slashes = [](const std::string&)
-    {
-        return std::string("my tex/d.dds");
-    };
+    const auto slashes = [](const std::string&) { return std::string("my tex/d.dds"); };
     pugi::xml_document document;
     ASSERT_TRUE(document.load_string(dae_export(scene, {true, slashes}).text(&take).c_str()));
 

@@ -129,8 +129,7 @@ TEST(ExportTake, tracksOfBonesThatTheSkeletonLacksArePassedOver)
 TEST(ExportTake, whatCannotBeTimedOrIsNoNumberIsRefused)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    const auto refused = [](const std::shared_ptr<anim_data>& data)
-    {
+    const auto refused = [](const std::shared_ptr<anim_data>& data) {
         export_take take;
         failure why;
         EXPECT_FALSE(makeTake(data, smallSkeleton(), take_span::half, take, why));

@@ -136,20 +136,17 @@ TEST(fbx_binary_reader, everyPatchedByteIsReadOrRefused)
 TEST(fbx_binary_reader, liesAreRefusedWithTheirPlace)
 {
     const fbx_builder number;
-    const auto withValue = [](const std::string& value)
-    {
+    const auto withValue = [](const std::string& value) {
         fbx_builder file;
         file.record("A", {value});
         file.endList();
         return file.str();
     };
-    const auto patched = [&](std::size_t at, std::uint32_t value)
-    {
+    const auto patched = [&](std::size_t at, std::uint32_t value) {
         std::string file = withValue(number.whole('I', 5));
         return file.replace(at, 4, number.number(value, 4));
     };
-    const auto packed = [&](std::uint32_t count, const std::string& stream)
-    {
+    const auto packed = [&](std::uint32_t count, const std::string& stream) {
         return withValue('d' + number.number(count, 4) + number.number(1, 4) + number.number(stream.size(), 4) +
                          stream);
     };
@@ -207,8 +204,7 @@ TEST(fbx_binary_reader, liesAreRefusedWithTheirPlace)
 
 TEST(fbx_binary_reader, listsEndWithAnEmptyRecordAndNothingBehindIt)
 {
-    const auto outer = [](const std::function<void(fbx_builder&)>& add)
-    {
+    const auto outer = [](const std::function<void(fbx_builder&)>& add) {
         fbx_builder file;
         file.begin("List");
         add(file);
@@ -216,17 +212,11 @@ TEST(fbx_binary_reader, listsEndWithAnEmptyRecordAndNothingBehindIt)
         file.endList();
         return file.str();
     };
-    const std::string without = outer(
-        [](fbx_builder& file)
-        {
-            file.record("A");
-        });
-    const std::string behind = outer(
-        [](fbx_builder& file)
-        {
-            file.endList();
-            file.record("A");
-        });
+    const std::string without = outer([](fbx_builder& file) { file.record("A"); });
+    const std::string behind = outer([](fbx_builder& file) {
+        file.endList();
+        file.record("A");
+    });
     for (const std::string& bytes : {without, behind})
     {
         fbx_document document;

@@ -50,8 +50,7 @@ TEST(fbx_curve, valuesBetweenKeys)
 {
     // 0 at 0 s, 2 at 1 s, 1 at 3 s: secants 2 and -0.5, 1/3 across; q = 1/3. Automatic slope in the middle
     // 1/6 + (2 * 2/3 - 0.5 * 1/3) / 2 = 0.75, at the end -0.5.
-    const auto bent = [](std::uint32_t kind, const std::array<double, 3>& data)
-    {
+    const auto bent = [](std::uint32_t kind, const std::array<double, 3>& data) {
         return std::vector<test_key>{{0, 0, kind}, {1, 2, kind, data}, {3, 1, kind}};
     };
     const struct

@@ -240,10 +240,7 @@ TEST_F(FbxExport, materialsReferToTexturesByTheGivenPath)
         groups.back().textures = {{0, "a/d.dds", {}}, {1, "a/n.dds", {}}};
     }
     build(true, std::move(groups));
-    const auto below_tex = [](const std::string& path)
-    {
-        return "tex/" + path;
-    };
+    const auto below_tex = [](const std::string& path) { return "tex/" + path; };
     fbx_export exporter(m_scene, {true, below_tex});
     const exported file(exporter.document(nullptr));
     EXPECT_EQ(file.count("Material"), 2u) << "equal names stay two materials";
@@ -274,11 +271,7 @@ TEST_F(FbxExport, whatWroteTheFileIsSaidAndWhatFailed)
     build(true, oneGroup());
     const temporary_folder folder;
     std::string console;
-    scene_exporter exporter(m_scene, {},
-                            [&console](const std::string& text)
-                            {
-                                console += text;
-                            });
+    scene_exporter exporter(m_scene, {}, [&console](const std::string& text) { console += text; });
     failure why;
     ASSERT_TRUE(exporter.save(folder.file("out.FBX"), nullptr, why)) << describe(why);
     EXPECT_EQ(console, "Korvane FBX exchange version 0.5.1a\nFBX file format version 7.4.0\n\n");

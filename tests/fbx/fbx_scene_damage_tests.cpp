@@ -44,46 +44,32 @@ using change = std::function<void(scene_builder&)>;
 
 void drop(std::vector<fbx_record>& records, const std::string& name)
 {
-    std::erase_if(records,
-                  [&name](const fbx_record& record)
-                  {
-                      return record.name == name;
-                  });
+    std::erase_if(records, [&name](const fbx_record& record) { return record.name == name; });
 }
 
 // Removes the last of an array's elements.
 template <class type>
 change shorten(std::int64_t number, const std::string& name)
 {
-    return [number, name](scene_builder& builder)
-    {
-        arrayOf<type>(entry(builder, number, name)).pop_back();
-    };
+    return [number, name](scene_builder& builder) { arrayOf<type>(entry(builder, number, name)).pop_back(); };
 }
 
 template <class type>
 change put(std::int64_t number, const std::string& name, std::size_t position, type value)
 {
-    return [number, name, position, value](scene_builder& builder)
-    {
+    return [number, name, position, value](scene_builder& builder) {
         arrayOf<type>(entry(builder, number, name))[position] = value;
     };
 }
 
 change dropTop(const std::string& name)
 {
-    return [name](scene_builder& builder)
-    {
-        drop(builder.document().records, name);
-    };
+    return [name](scene_builder& builder) { drop(builder.document().records, name); };
 }
 
 change connect(std::int64_t child, std::int64_t parent)
 {
-    return [child, parent](scene_builder& builder)
-    {
-        builder.connect(child, parent);
-    };
+    return [child, parent](scene_builder& builder) { builder.connect(child, parent); };
 }
 
 } // namespace
@@ -99,18 +85,8 @@ TEST(fbx_scene_damage, whatContradictsItselfIsRefusedAndNamed)
     } rows[] = {
         {"no objects", dropTop("Objects"), "no record Objects"},
         {"no connections", dropTop("Connections"), "no record Connections"},
-        {"old",
-         [](scene_builder& b)
-         {
-             b.document().version = 6000;
-         },
-         "version 6000"},
-        {"number twice",
-         [](scene_builder& b)
-         {
-             b.model(figure::body, "x", "Null");
-         },
-         "have the number 103"},
+        {"old", [](scene_builder& b) { b.document().version = 6000; }, "version 6000"},
+        {"number twice", [](scene_builder& b) { b.model(figure::body, "x", "Null"); }, "have the number 103"},
         {"parents in a circle", connect(figure::root_bone, figure::tip_bone), "is its own ancestor"},
         {"its own parent", connect(figure::nested, figure::nested), "\"nested\" is its own ancestor"},
         {"points", shorten<double>(figure::body_mesh, "Vertices"), "Geometry \"body mesh\": Vertices has 11 numbers"},
@@ -119,35 +95,19 @@ TEST(fbx_scene_damage, whatContradictsItselfIsRefusedAndNamed)
         {"last corner too large", put<i32>(figure::body_mesh, "PolygonVertexIndex", 6, -2147483647 - 1), "corner 6"},
         {"open polygon", shorten<i32>(figure::body_mesh, "PolygonVertexIndex"), "not closed"},
         {"normals short",
-         [](scene_builder& b)
-         {
-             arrayOf<double>(layerEntry(b, "LayerElementNormal", "Normals")).resize(9);
-         },
+         [](scene_builder& b) { arrayOf<double>(layerEntry(b, "LayerElementNormal", "Normals")).resize(9); },
          "LayerElementNormal has 3 entries for 4 places"},
         {"normals odd",
-         [](scene_builder& b)
-         {
-             arrayOf<double>(layerEntry(b, "LayerElementNormal", "Normals")).push_back(0);
-         },
+         [](scene_builder& b) { arrayOf<double>(layerEntry(b, "LayerElementNormal", "Normals")).push_back(0); },
          "has 13 numbers"},
         {"UV indices short",
-         [](scene_builder& b)
-         {
-             arrayOf<i32>(layerEntry(b, "LayerElementUV", "UVIndex")).pop_back();
-         },
+         [](scene_builder& b) { arrayOf<i32>(layerEntry(b, "LayerElementUV", "UVIndex")).pop_back(); },
          "LayerElementUV has 6 entries for 7 places"},
         {"UV index too large",
-         [](scene_builder& b)
-         {
-             arrayOf<i32>(layerEntry(b, "LayerElementUV", "UVIndex"))[2] = 3;
-         },
+         [](scene_builder& b) { arrayOf<i32>(layerEntry(b, "LayerElementUV", "UVIndex"))[2] = 3; },
          "index 2 of LayerElementUV is 3 of 3"},
         {"UV index negative",
-         [](scene_builder& b)
-         {
-             arrayOf<i32>(layerEntry(b, "LayerElementUV", "UVIndex"))[2] = -2;
-         },
-         "is -2 of 3"},
+         [](scene_builder& b) { arrayOf<i32>(layerEntry(b, "LayerElementUV", "UVIndex"))[2] = -2; }, "is -2 of 3"},
         {"weights short", shorten<double>(figure::tip_cluster, "Weights"), "\"high\" has 3 indices, but 2 weights"},
         {"weight of no point", put<i32>(figure::tip_cluster, "Indexes", 0, 4), "\"high\" moves control point 4 of 4"},
         {"weight below all points", put<i32>(figure::tip_cluster, "Indexes", 0, -1), "control point -1"},
@@ -215,28 +175,18 @@ TEST(fbx_scene_damage, whatLeadsNowhereIsLeftOutWithANote)
         const char* note;
     } rows[] = {
         {"connection to nobody", connect(figure::body, 77), "1 connections name objects that are not there"},
-        {"node without a parent",
-         [](scene_builder& b)
-         {
-             b.model(900, "stray", "Null");
-         },
+        {"node without a parent", [](scene_builder& b) { b.model(900, "stray", "Null"); },
          "\"stray\" is connected to no parent"},
         {"cluster without a bone",
-         [](scene_builder& b)
-         {
+         [](scene_builder& b) {
              b.object("Deformer", 900, "stray", "SubDeformer", "Cluster");
              b.connect(900, figure::skin);
          },
          "\"stray\" is connected to no bone"},
-        {"pose of nobody",
-         [](scene_builder& b)
-         {
-             b.object("Pose", 900, "stray", "Pose", "BindPose").add("PoseNode");
-         },
+        {"pose of nobody", [](scene_builder& b) { b.object("Pose", 900, "stray", "Pose", "BindPose").add("PoseNode"); },
          "1 entries of the pose \"stray\""},
         {"mapping by edge",
-         [](scene_builder& b)
-         {
+         [](scene_builder& b) {
              layerEntry(b, "LayerElementUV", "MappingInformationType").values[0] = std::string("ByEdge");
          },
          "LayerElementUV is mapped"},

@@ -144,10 +144,7 @@ TEST(fbx_scene, oldKeysOfEveryLetter)
     fbx_record& x = rotation.children[0];
     x.children.clear();
     fbx_record keys("Key", std::int64_t{0}, 1.0, 'C', 's');
-    const auto add = [&keys](auto... values)
-    {
-        (keys.values.emplace_back(values), ...);
-    };
+    const auto add = [&keys](auto... values) { (keys.values.emplace_back(values), ...); };
     add(second, 2.0, 'C', 'n');
     add(2 * second, 3.0, 'L');
     add(3 * second, 0.0, 'U', 's', 3.0, 0.0, 'n');
@@ -261,8 +258,7 @@ TEST(fbx_scene, attributesServeRunsOfKeys)
     animated.builder.connect(5, 4, "d|X");
     const fbx_scene scene = readOrFail(animated.builder.document());
     const fbx_evaluator take(scene, 0);
-    const auto x = [&scene, &take](double seconds)
-    {
+    const auto x = [&scene, &take](double seconds) {
         const glm::dvec3 value = take.placement(0, scene.ticks(seconds)).translation;
         EXPECT_EQ(value.y, 5);
         return value.x;
@@ -286,10 +282,7 @@ TEST(fbx_scene, settingsSayUnitAxesAndTime)
     fbx_record& header = builder.top("FBXHeaderExtension");
     header.add("FBXHeaderVersion", std::int32_t{1004});
     header.add("OtherFlags").add("TCDefinition", std::int32_t{0});
-    const auto read = [&builder]
-    {
-        return readOrFail(builder.document());
-    };
+    const auto read = [&builder] { return readOrFail(builder.document()); };
     fbx_scene scene = read();
     EXPECT_DOUBLE_EQ(scene.unit_metres, 0.0254);
     EXPECT_EQ(scene.up.axis, 2);

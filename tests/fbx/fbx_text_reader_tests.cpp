@@ -179,8 +179,7 @@ TEST(fbx_text_reader, everyCutAndEveryPatchedByteIsReadOrRefused)
     const std::string whole =
         head + "Objects: {\n Model: 5, \"Model::a&quot;\", \"Mesh\" {\n  V: *3 {\n   a: 1,2.5,-3e1\n  }\n"
                "  K: 1,U,s,0.5,n ; comment\n  ,2\n }\n}\n";
-    const auto check = [](const std::string& text)
-    {
+    const auto check = [](const std::string& text) {
         fbx_document document;
         failure why;
         if (read(text, document, why))

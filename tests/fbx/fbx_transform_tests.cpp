@@ -150,10 +150,7 @@ TEST(fbx_transform, inheritTypesDifferInTheParentsScale)
 
 TEST(fbx_transform, onlyTheParentsOwnScaleIsLeftOut)
 {
-    const auto scaled = [](double factor)
-    {
-        return fbx_transform{{}, {1, 0, 0, 0}, glm::dvec3(factor)};
-    };
+    const auto scaled = [](double factor) { return fbx_transform{{}, {1, 0, 0, 0}, glm::dvec3(factor)}; };
     const fbx_world grandparent = worldTransform({}, fbx_inherit::rs_rs, scaled(2));
     const fbx_world parent = worldTransform(grandparent, fbx_inherit::rs_rs, scaled(0)); // cannot be divided by
     const fbx_world child = worldTransform(parent, fbx_inherit::rr_s, scaled(5));

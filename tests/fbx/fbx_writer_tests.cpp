@@ -172,8 +172,7 @@ TEST(fbx_writer, everyValueComesBack)
 
 TEST(fbx_writer, arraysOfMoreThanThousandBytesAreCompressedWhereThatHelps)
 {
-    const auto sizeWith = [](std::vector<std::uint8_t> array)
-    {
+    const auto sizeWith = [](std::vector<std::uint8_t> array) {
         fbx_document document;
         document.records.emplace_back("A", std::move(array));
         return writeFbx(document).size();

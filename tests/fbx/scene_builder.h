@@ -135,10 +135,7 @@ inline void addCurveNode(scene_builder& builder, std::int64_t number, std::int64
 {
     fbx_record& record = builder.object("AnimationCurveNode", number, property, "AnimCurveNode", "");
     for (std::size_t i = 0; i < defaults.size(); ++i)
-        builder.property(record, std::string("d|") + "XYZ" [i],
-                         {
-                             defaults[i]
-                         });
+        builder.property(record, std::string("d|") + "XYZ" [i], { defaults[i] });
     builder.connect(number, layer);
     builder.connect(number, node, property);
 }

@@ -15,11 +15,7 @@ namespace
 TEST(PlaybackControl, CommandsBetweenTwoPicturesAllCount)
 {
     double now = 0;
-    playback player(
-        [&now]
-        {
-            return now;
-        });
+    playback player([&now] { return now; });
     playback_control control;
     player.load({10, 100, 1001});
     now = 0.52;
@@ -54,15 +50,13 @@ TEST(PlaybackControl, NoStepIsLostAndNoPositionTornBetweenThreads)
     control.setState(play_state::paused);
     std::atomic<bool> is_done{false};
     std::atomic<std::uint32_t> pictures{0};
-    std::thread renderer(
-        [&]
-        {
-            playback player;
-            player.load({10, 1e6, 10'000'000});
-            for (; !is_done.load(); ++pictures)
-                control.advance(player);
+    std::thread renderer([&] {
+        playback player;
+        player.load({10, 1e6, 10'000'000});
+        for (; !is_done.load(); ++pictures)
             control.advance(player);
-        });
+        control.advance(player);
+    });
     std::uint32_t last = 0;
     std::uint32_t backwards = 0;
     std::uint32_t torn = 0;

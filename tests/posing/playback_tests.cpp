@@ -89,11 +89,7 @@ TEST(Playback, DoesWhatAPersonExpects)
     for (const auto& row : rows)
     {
         double now = 12345;
-        playback player(
-            [&now]
-            {
-                return now;
-            });
+        playback player([&now] { return now; });
         player.load(second);
         for (std::size_t i = 0; i < row.deeds.size(); ++i)
         {
@@ -116,11 +112,7 @@ TEST(Playback, AFrameThatWasSteppedToStaysThatFrameAtAnyRate)
     for (const double rate : {20.0, 24.5, 29.97, 30.0, 59.94})
     {
         double now = 1e6 / 3;
-        playback player(
-            [&now]
-            {
-                return now;
-            });
+        playback player([&now] { return now; });
         player.load({rate, 1000 / rate, 1001});
         for (std::uint32_t frame = 1; frame < 1000; ++frame)
         {
@@ -139,11 +131,7 @@ TEST(Playback, SenselessLengthsStandStillAndCanBeStepped)
         for (const bool is_rate : {true, false})
         {
             double now = 0;
-            playback player(
-                [&now]
-                {
-                    return now;
-                });
+            playback player([&now] { return now; });
             player.load(is_rate ? playback_length{wrong, 1, 4} : playback_length{10, wrong, 4});
             now = 3;
             player.tick();
@@ -153,11 +141,7 @@ TEST(Playback, SenselessLengthsStandStillAndCanBeStepped)
             EXPECT_EQ(player.position(), (playback_position{3, 0})) << wrong;
         }
     double now = 0;
-    playback player(
-        [&now]
-        {
-            return now;
-        });
+    playback player([&now] { return now; });
     player.step(1);
     player.tick(); // nothing is loaded
     player.load({10, 1, 0});
@@ -177,11 +161,7 @@ TEST(Playback, SenselessLengthsStandStillAndCanBeStepped)
 TEST(Playback, LoadingBeginsAtFrame0AndLeavesAPauseAlone)
 {
     double now = 0;
-    playback player(
-        [&now]
-        {
-            return now;
-        });
+    playback player([&now] { return now; });
     player.load(second);
     player.setState(play_state::paused);
     player.step(5);

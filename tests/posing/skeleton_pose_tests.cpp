@@ -182,11 +182,7 @@ TEST(SkeletonPose, AnAnimationThatDoesNotHoldItsFramesIsRefusedAndTheOldOneGoesO
 TEST(SkeletonPose, PlayingMovesTheBonesAndTakesNoMemory)
 {
     double now = 50;
-    skeleton_pose pose(
-        [&now]
-        {
-            return now;
-        });
+    skeleton_pose pose([&now] { return now; });
     playback_control control;
     failure why;
     ASSERT_TRUE(pose.setSkeleton(fourBones()));

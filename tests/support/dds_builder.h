@@ -26,8 +26,7 @@ struct test_dds
     std::string bytes() const
     {
         std::string out = "DDS ";
-        const auto word = [&out](std::uint32_t value)
-        {
+        const auto word = [&out](std::uint32_t value) {
             for (int shift = 0; shift < 32; shift += 8)
                 out += static_cast<char>(static_cast<unsigned char>(value >> shift));
         };

@@ -112,8 +112,7 @@ private:
             a = (a + static_cast<unsigned char>(byte)) % 65521;
             b = (b + a) % 65521;
         }
-        const auto little = [](std::size_t value)
-        {
+        const auto little = [](std::size_t value) {
             return std::string{static_cast<char>(value & 0xff), static_cast<char>((value >> 8) & 0xff)};
         };
         std::string stream = "\x78\x01\x01" + little(bytes.size()) + little(~bytes.size()) + bytes;

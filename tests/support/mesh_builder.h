@@ -32,10 +32,8 @@ group_data surfaceGroup(int columns, int rows, point_function&& point, normal_fu
             record.normal = normal(u, v);
             record.uv = {u, 1 - v};
         }
-    const auto add = [&group](int a, int b, int c)
-    {
-        const auto at = [&group](int i) -> const vertex_record&
-        {
+    const auto add = [&group](int a, int b, int c) {
+        const auto at = [&group](int i) -> const vertex_record& {
             return group.store.vertices[static_cast<std::size_t>(i)];
         };
         const glm::vec3 across = glm::cross(at(b).position - at(a).position, at(c).position - at(a).position);
@@ -56,34 +54,21 @@ group_data surfaceGroup(int columns, int rows, point_function&& point, normal_fu
 
 inline group_data sphereGroup(const glm::vec3& centre, float radius, int segments)
 {
-    const auto direction = [](float u, float v)
-    {
+    const auto direction = [](float u, float v) {
         const float around = u * 6.2831853f;
         const float down = v * 3.1415927f;
         return glm::vec3(std::sin(down) * std::cos(around), std::cos(down), std::sin(down) * std::sin(around));
     };
     return surfaceGroup(
-        segments, segments / 2,
-        [=](float u, float v)
-        {
-            return centre + radius * direction(u, v);
-        },
-        direction);
+        segments, segments / 2, [=](float u, float v) { return centre + radius * direction(u, v); }, direction);
 }
 
 // A square in the plane z = 0 that looks towards +z. For a viewer in front of it u grows to the right and v downwards.
 inline group_data squareGroup(float half, int divisions = 1)
 {
     return surfaceGroup(
-        divisions, divisions,
-        [=](float u, float v)
-        {
-            return glm::vec3((1 - 2 * u) * half, (1 - 2 * v) * half, 0);
-        },
-        [](float, float)
-        {
-            return glm::vec3(0, 0, 1);
-        });
+        divisions, divisions, [=](float u, float v) { return glm::vec3((1 - 2 * u) * half, (1 - 2 * v) * half, 0); },
+        [](float, float) { return glm::vec3(0, 0, 1); });
 }
 
 template <class... group_type>

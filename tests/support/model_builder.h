@@ -95,10 +95,7 @@ inline void writeGroup(bytes_out& out, const test_group& group, const test_model
 {
     const std::size_t start = out.size();
     const bool is_v5 = model.version == 5;
-    const auto name = [&](const std::string& text)
-    {
-        return model.is_wide ? wide(text) : text;
-    };
+    const auto name = [&](const std::string& text) { return model.is_wide ? wide(text) : text; };
     out.u32(group.material_id);
     out.zeros(5 * 4); // sizes and offsets, set below
     for (const float value : group.bbox_min)

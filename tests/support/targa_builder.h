@@ -21,12 +21,8 @@ struct test_targa
     std::string bytes() const
     {
         std::string out;
-        const auto byte = [&out](unsigned value)
-        {
-            out += static_cast<char>(static_cast<unsigned char>(value));
-        };
-        const auto word = [&byte](unsigned value)
-        {
+        const auto byte = [&out](unsigned value) { out += static_cast<char>(static_cast<unsigned char>(value)); };
+        const auto word = [&byte](unsigned value) {
             byte(value & 255);
             byte(value >> 8);
         };

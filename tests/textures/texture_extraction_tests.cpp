@@ -144,11 +144,7 @@ TEST_F(TextureExtraction, HostilePathsWriteNothingOutside)
         for (const failure& why : result.failures)
             EXPECT_EQ(why.kind, failure_kind::refused) << describe(why);
         auto after = filesBelow(m_folder.file(""));
-        std::erase_if(after,
-                      [](const auto& file)
-                      {
-                          return file.first.starts_with("inner/out/");
-                      });
+        std::erase_if(after, [](const auto& file) { return file.first.starts_with("inner/out/"); });
         EXPECT_EQ(after, before) << "nothing outside the folder";
         // A network path and a path from the root lose what makes them so.
         EXPECT_EQ(written(),
@@ -209,8 +205,7 @@ TEST_F(TextureExtraction, StopsWhenAskedAndTellsProgress)
     std::stop_source stop;
     const texture_extraction_result result = extractTextures(
         *m_tree, wanted, {.folder = m_folder.file("inner/out")},
-        [&stop](std::size_t, std::size_t total)
-        {
+        [&stop](std::size_t, std::size_t total) {
             EXPECT_EQ(total, 40u);
             stop.request_stop();
         },

@@ -34,8 +34,7 @@ TEST(EnvironmentMap, LevelsHalveDownToOneTexelAndStayInRange)
 // The average over all directions is the light in the room: blurring must move it, not make it.
 TEST(EnvironmentMap, BlurringKeepsTheLight)
 {
-    const auto average = [](float roughness)
-    {
+    const auto average = [](float roughness) {
         double sum = 0;
         double weights = 0;
         for (std::uint32_t face = 0; face < 6; ++face)

@@ -22,11 +22,7 @@ public:
     test_renderer()
     {
         gate.open();
-        m_thread = std::thread(
-            [this]
-            {
-                run();
-            });
+        m_thread = std::thread([this] { run(); });
     }
     ~test_renderer() { stop(); }
     void stop()
@@ -85,11 +81,7 @@ TEST(FrameHandOver, NothingIsReadWhileTheGateIsClosed)
     for (int round = 1; round <= 60; ++round)
     {
         renderer.pacer.post(view_state());
-        ASSERT_TRUE(renderer.gate.close(5s,
-                                        [&]
-                                        {
-                                            renderer.pacer.wake();
-                                        }));
+        ASSERT_TRUE(renderer.gate.close(5s, [&] { renderer.pacer.wake(); }));
         const int frames = renderer.frames;
         renderer.scene_first = round;
         if (round % 4 == 0) // hold it closed for longer than a frame
@@ -99,11 +91,7 @@ TEST(FrameHandOver, NothingIsReadWhileTheGateIsClosed)
         renderer.gate.open();
         renderer.pacer.wake();
     }
-    EXPECT_TRUE(eventually(
-        [&]
-        {
-            return renderer.frames > 0;
-        }));
+    EXPECT_TRUE(eventually([&] { return renderer.frames > 0; }));
     EXPECT_EQ(renderer.torn, 0);
 }
 
@@ -127,11 +115,7 @@ TEST(FrameHandOver, DrawsOnlyWhenSomethingHasChangedAndCanBeSeen)
     std::this_thread::sleep_for(60ms);
     EXPECT_EQ(renderer.frames, 0) << "hidden";
     renderer.pacer.postVisible(true);
-    EXPECT_TRUE(eventually(
-        [&]
-        {
-            return renderer.frames == 1;
-        }));
+    EXPECT_TRUE(eventually([&] { return renderer.frames == 1; }));
     std::this_thread::sleep_for(80ms);
     EXPECT_EQ(renderer.frames, 1) << "nothing has changed";
     renderer.pacer.postSize(0, 480);
@@ -139,19 +123,10 @@ TEST(FrameHandOver, DrawsOnlyWhenSomethingHasChangedAndCanBeSeen)
     std::this_thread::sleep_for(60ms);
     EXPECT_EQ(renderer.frames, 1) << "empty";
     renderer.pacer.postSize(800, 600);
-    EXPECT_TRUE(eventually(
-        [&]
-        {
-            return renderer.last_width == 800;
-        }));
+    EXPECT_TRUE(eventually([&] { return renderer.last_width == 800; }));
     renderer.pacer.postVisible(false);
     const int frames = renderer.frames;
-    ASSERT_TRUE(renderer.gate.close(5s,
-                                    [&]
-                                    {
-                                        renderer.pacer.wake();
-                                    }))
-        << "a hidden window answers too";
+    ASSERT_TRUE(renderer.gate.close(5s, [&] { renderer.pacer.wake(); })) << "a hidden window answers too";
     EXPECT_EQ(renderer.frames, frames);
 }
 
@@ -176,12 +151,10 @@ TEST(FrameHandOver, StoppingIsAnsweredAtOnceAlsoWhilePausing)
     makeVisible(pacer);
     ASSERT_TRUE(pacer.next().is_dirty);
     pacer.retryAfter(60s);
-    std::thread stopper(
-        [&pacer]
-        {
-            std::this_thread::sleep_for(20ms);
-            pacer.stop();
-        });
+    std::thread stopper([&pacer] {
+        std::this_thread::sleep_for(20ms);
+        pacer.stop();
+    });
     const auto start = std::chrono::steady_clock::now();
     EXPECT_TRUE(pacer.next().must_stop);
     EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);

@@ -38,8 +38,7 @@ TEST(ShaderSources, TheHashSeesEveryEditButNoLineEnds)
 {
     const fs::path folder = fs::temp_directory_path() / "korvane_shader_hash_test";
     fs::create_directories(folder);
-    const auto write = [&folder](const char* name, const char* text)
-    {
+    const auto write = [&folder](const char* name, const char* text) {
         std::ofstream(folder / name, std::ios::binary) << text;
     };
     write("a.hlsl", "float x;\nfloat y;\n");

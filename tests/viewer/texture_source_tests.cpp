@@ -86,10 +86,7 @@ TEST_F(DiskTextureSource, TheArchivesComeFirstWhenTheyAreLoaded)
 
     std::vector<std::string> log;
     const model_texture_source source(toUtf8(m_root / "data/units/man/man.rigid_model_v2"),
-                                      [&](const std::string& line)
-                                      {
-                                          log.push_back(line);
-                                      });
+                                      [&](const std::string& line) { log.push_back(line); });
     EXPECT_EQ(source.read("variantmeshes/body_diffuse.dds").value().text(), "from the archive");
     EXPECT_EQ(source.read("beside.dds").value().text(), "beside");
     EXPECT_FALSE(source.read("broken.dds"));

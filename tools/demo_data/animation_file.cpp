@@ -98,11 +98,8 @@ private:
     void add(std::vector<type> track, const type& rest, std::vector<std::uint32_t>& map,
              std::vector<std::vector<type>>& tracks, std::vector<type>& statics)
     {
-        const bool is_still = std::all_of(track.begin(), track.end(),
-                                          [&rest](const type& value)
-                                          {
-                                              return value == rest;
-                                          });
+        const bool is_still =
+            std::all_of(track.begin(), track.end(), [&rest](const type& value) { return value == rest; });
         if (!is_still || m_source.still == still_bones::tracks)
         {
             map.push_back(static_cast<std::uint32_t>(tracks.size()));

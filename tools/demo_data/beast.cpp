@@ -63,8 +63,7 @@ rig_skeleton makeBeastRig()
 {
     rig_skeleton result{"beast01", {}};
     std::vector<std::string> tails;
-    const auto add = [&](const bone_row& row, bool is_left)
-    {
+    const auto add = [&](const bone_row& row, bool is_left) {
         const vec3 mirror{is_left ? 1.0 : -1.0, 1, 1};
         const int parent = row.parent ? result.find(sided(row.parent, is_left)) : -1;
         result.bones.push_back({sided(row.name, is_left), parent, row.position * mirror, {}});

@@ -42,10 +42,7 @@ void setHoof(hoof_controls& hoof, const beast_gait& how, double cycle, bool is_f
 beast_controls gaitAt(const beast_gait& how, double seconds)
 {
     const double cycle = seconds / how.seconds;
-    const auto wave = [cycle](double times, double late)
-    {
-        return cosineOfTurns(times * (cycle - late));
-    };
+    const auto wave = [cycle](double times, double late) { return cosineOfTurns(times * (cycle - late)); };
     beast_controls c;
     setHoof(c.fore_left, how, cycle - how.late[0], true);
     setHoof(c.fore_right, how, cycle - how.late[1], true);
@@ -64,28 +61,17 @@ beast_controls gaitAt(const beast_gait& how, double seconds)
 
 clip clipOf(std::string_view name, std::string_view about, double frame_rate, int intervals, const beast_gait& how)
 {
-    return {name,
-            about,
-            frame_rate,
-            intervals,
-            true,
-            [how](double seconds)
-            {
-                return beastPose(gaitAt(how, seconds));
-            }};
+    return {name,      about, frame_rate,
+            intervals, true,  [how](double seconds) {
+                return beastPose(gaitAt(how, seconds)); }};
 }
 
 clip clipOf(std::string_view name, std::string_view about, double frame_rate, int intervals, bool is_loop, keys motion)
 {
-    return {name,
-            about,
-            frame_rate,
-            intervals,
-            is_loop,
-            [motion = std::move(motion)](double seconds)
-            {
-                return beastPose(motion.sample(seconds));
-            }};
+    return {name,       about,
+            frame_rate, intervals,
+            is_loop,    [motion = std::move(motion)](double seconds) {
+                return beastPose(motion.sample(seconds)); }};
 }
 
 beast_controls atRest()
@@ -102,30 +88,26 @@ keys idling()
     keys motion;
     motion.at(0, rest)
         .at(0.7, rest,
-            [](beast_controls& c)
-            {
+            [](beast_controls& c) {
                 c.tail_sway = 26;
                 c.ears = -18;
                 c.back.x = 0.8;
             })
         .at(1.3, rest,
-            [](beast_controls& c)
-            {
+            [](beast_controls& c) {
                 c.tail_sway = -24;
                 c.neck = {4, 10, 0};
                 c.head = {2, 6, 0};
             })
         .at(2.1, rest,
-            [](beast_controls& c)
-            {
+            [](beast_controls& c) {
                 c.neck = {8, 16, 0};
                 c.head = {4, 12, 4};
                 c.back.x = 0.8;
                 c.ears = 10;
             })
         .at(3.1, rest,
-            [](beast_controls& c)
-            {
+            [](beast_controls& c) {
                 c.neck = {-2, -6, 0};
                 c.head = {-4, 0, 0};
                 c.tail_sway = 8;
@@ -137,8 +119,7 @@ keys idling()
 keys grazing()
 {
     const beast_controls rest = atRest();
-    const auto down = [](beast_controls& c)
-    {
+    const auto down = [](beast_controls& c) {
         c.body = {0, -0.03, -0.03};
         c.fore_left.place = {0, 0, -0.16};
         c.fore_left.swing = 6;
@@ -149,30 +130,26 @@ keys grazing()
     keys motion;
     motion.at(0, rest)
         .at(0.5, rest,
-            [](beast_controls& c)
-            {
+            [](beast_controls& c) {
                 c.fore_left.place = {0, 0.06, -0.10};
                 c.fore_left.roll = 25;
                 c.neck.x = 20;
             })
         .at(1.2, rest, down)
         .at(1.6, rest,
-            [&](beast_controls& c)
-            {
+            [&](beast_controls& c) {
                 down(c);
                 c.jaw = 9;
                 c.head.y = 5;
             })
         .at(2.0, rest,
-            [&](beast_controls& c)
-            {
+            [&](beast_controls& c) {
                 down(c);
                 c.tail_sway = 20;
                 c.head.x = -30;
             })
         .at(2.4, rest,
-            [&](beast_controls& c)
-            {
+            [&](beast_controls& c) {
                 down(c);
                 c.jaw = 9;
                 c.head.y = -6;
@@ -180,8 +157,7 @@ keys grazing()
             })
         .at(2.9, rest, down)
         .at(3.5, rest,
-            [](beast_controls& c)
-            {
+            [](beast_controls& c) {
                 c.fore_left.place = {0, 0.05, -0.08};
                 c.fore_left.roll = 20;
                 c.neck.x = 24;
@@ -193,8 +169,7 @@ keys grazing()
 keys rearing()
 {
     const beast_controls rest = atRest();
-    const auto up = [](beast_controls& c, double side)
-    {
+    const auto up = [](beast_controls& c, double side) {
         c.body = {0, -0.26, 0.14};
         c.body_turn = {-46, 0, 0};
         c.back.x = -6;
@@ -214,36 +189,21 @@ keys rearing()
     keys motion;
     motion.at(0, rest)
         .at(0.35, rest,
-            [](beast_controls& c)
-            {
+            [](beast_controls& c) {
                 c.body = {0, -0.12, 0.06};
                 c.body_turn.x = 4;
                 c.neck.x = 16;
                 c.head.x = 8;
             })
-        .at(0.8, rest,
-            [&](beast_controls& c)
-            {
-                up(c, 1);
-            })
-        .at(1.1, rest,
-            [&](beast_controls& c)
-            {
-                up(c, -1);
-            })
-        .at(1.4, rest,
-            [&](beast_controls& c)
-            {
-                up(c, 1);
-            })
-        .at(1.95, rest,
-            [](beast_controls& c)
-            {
-                c.body = {0, -0.10, 0.0};
-                c.body_turn.x = 4;
-                c.neck.x = 22;
-                c.tail_lift = 14;
-            });
+        .at(0.8, rest, [&](beast_controls& c) { up(c, 1); })
+        .at(1.1, rest, [&](beast_controls& c) { up(c, -1); })
+        .at(1.4, rest, [&](beast_controls& c) { up(c, 1); })
+        .at(1.95, rest, [](beast_controls& c) {
+            c.body = {0, -0.10, 0.0};
+            c.body_turn.x = 4;
+            c.neck.x = 22;
+            c.tail_lift = 14;
+        });
     return motion.at(2.5, rest);
 }
 
@@ -253,16 +213,14 @@ keys kicking()
     keys motion;
     motion.at(0, rest)
         .at(0.3, rest,
-            [](beast_controls& c)
-            {
+            [](beast_controls& c) {
                 c.body = {0, -0.06, -0.02};
                 c.body_turn.x = -3;
                 c.neck.x = 20;
                 c.ears = -30;
             })
         .at(0.6, rest,
-            [](beast_controls& c)
-            {
+            [](beast_controls& c) {
                 c.body = {0, 0.16, -0.05};
                 c.body_turn.x = 18;
                 c.back.x = 4;
@@ -275,8 +233,7 @@ keys kicking()
                 c.ears = -30;
             })
         .at(0.85, rest,
-            [](beast_controls& c)
-            {
+            [](beast_controls& c) {
                 c.body = {0, 0.08, -0.03};
                 c.body_turn.x = 9;
                 c.neck.x = 18;
@@ -284,12 +241,10 @@ keys kicking()
                 c.hind_left.roll = c.hind_right.roll = 50;
                 c.tail_lift = 24;
             })
-        .at(1.1, rest,
-            [](beast_controls& c)
-            {
-                c.body = {0, -0.08, 0.02};
-                c.neck.x = -6;
-            });
+        .at(1.1, rest, [](beast_controls& c) {
+            c.body = {0, -0.08, 0.02};
+            c.neck.x = -6;
+        });
     return motion.at(1.5, rest);
 }
 
@@ -298,8 +253,7 @@ keys turning()
     const beast_controls rest = atRest();
     // Each hoof in its turn goes to where it stands when the beast has turned.
     const double degrees = 60;
-    const auto placed = [&](hoof_controls& hoof, const char* bone, double done)
-    {
+    const auto placed = [&](hoof_controls& hoof, const char* bone, double done) {
         const vec3 at = beastRig().bones[static_cast<std::size_t>(beastRig().find(bone))].position;
         hoof.place = rotated(turnOf({0, degrees * done, 0}), at);
         return hoof.place;
@@ -341,14 +295,12 @@ keys turning()
 keys dying()
 {
     const beast_controls rest = atRest();
-    const auto folded = [](hoof_controls& hoof, bool is_fore, double side, double out)
-    {
+    const auto folded = [](hoof_controls& hoof, bool is_fore, double side, double out) {
         hoof.place = {side * out, 0.06, is_fore ? -0.30 : -0.34};
         hoof.roll = 30;
         hoof.swing = is_fore ? 12 : 24;
     };
-    const auto down = [&](beast_controls& c)
-    {
+    const auto down = [&](beast_controls& c) {
         c.body = {0.10, -1.02, 0.05};
         c.body_turn = {0, 0, 74};
         c.neck = {46, 0, 10};
@@ -364,16 +316,14 @@ keys dying()
     keys motion;
     motion.at(0, rest)
         .at(0.4, rest,
-            [](beast_controls& c)
-            {
+            [](beast_controls& c) {
                 c.body = {0, -0.10, 0.04};
                 c.neck = {-20, 10, 0};
                 c.jaw = 14;
                 c.head.x = -10;
             })
         .at(0.9, rest,
-            [](beast_controls& c)
-            {
+            [](beast_controls& c) {
                 c.body = {0.04, -0.50, 0.02};
                 c.body_turn = {6, 0, 14};
                 c.neck = {30, 0, 6};
@@ -382,8 +332,7 @@ keys dying()
                 c.hind_left.place = c.hind_right.place = {0, 0, -0.20};
             })
         .at(1.15, rest,
-            [&](beast_controls& c)
-            {
+            [&](beast_controls& c) {
                 c.body = {0.06, -0.52, 0.03};
                 c.body_turn = {3, 0, 30};
                 c.neck = {36, 0, 8};
@@ -393,19 +342,15 @@ keys dying()
                     folded(*each, false, -1, 0.50);
             })
         .at(1.5, rest, down)
-        .at(1.65, rest,
-            [&](beast_controls& c)
-            {
-                down(c);
-                c.neck.x = 40;
-                c.tail_sway = 20;
-            });
-    return motion.at(2.25, rest,
-                     [&](beast_controls& c)
-                     {
-                         down(c);
-                         c.neck = {52, 0, 14};
-                     });
+        .at(1.65, rest, [&](beast_controls& c) {
+            down(c);
+            c.neck.x = 40;
+            c.tail_sway = 20;
+        });
+    return motion.at(2.25, rest, [&](beast_controls& c) {
+        down(c);
+        c.neck = {52, 0, 14};
+    });
 }
 
 std::vector<clip> makeClips()

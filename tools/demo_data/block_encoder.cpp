@@ -147,10 +147,7 @@ private:
 
 std::uint32_t to565(const colour& value)
 {
-    const auto scaled = [](double channel, int top)
-    {
-        return static_cast<std::uint32_t>(channel / 255 * top + 0.5);
-    };
+    const auto scaled = [](double channel, int top) { return static_cast<std::uint32_t>(channel / 255 * top + 0.5); };
     return scaled(value[0], 31) << 11 | scaled(value[1], 63) << 5 | scaled(value[2], 31);
 }
 

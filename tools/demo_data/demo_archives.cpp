@@ -111,8 +111,7 @@ void demo_archives::addInstead(archive_kind archive, const std::string& path, st
 
 std::vector<file> demo_archives::take()
 {
-    const auto archive = [](const char* name, const char* about, pack_writer& writer)
-    {
+    const auto archive = [](const char* name, const char* about, pack_writer& writer) {
         const std::string files = std::to_string(writer.entryCount()) + " files";
         return file{name, std::string(about) + ": " + files, writer.take()};
     };

@@ -42,8 +42,7 @@ enum class texture_slot : std::uint32_t
 std::vector<model_texture> texturesOf(const std::string& set)
 {
     const std::string start = texture_folder + set;
-    const auto entry = [&](texture_slot slot, const char* ending)
-    {
+    const auto entry = [&](texture_slot slot, const char* ending) {
         return model_texture{static_cast<std::uint32_t>(slot), start + ending};
     };
     return {entry(texture_slot::diffuse, "_diffuse.dds"), entry(texture_slot::normal, "_normal.dds"),
@@ -176,10 +175,7 @@ model everyFormat(std::uint32_t version)
 // The shield with one fault of every common kind, for whoever wants to see what a check says.
 model faultyShield(double density)
 {
-    const auto build = [](double piece_density)
-    {
-        return buildGuardPiece(guard_piece::shield, piece_density);
-    };
+    const auto build = [](double piece_density) { return buildGuardPiece(guard_piece::shield, piece_density); };
     model result = riggedModel(7, cinematic_style, density, 3, build);
     model_group& group = result.lods[0].groups.front();
     group.textures[0].path.insert(group.textures[0].path.find("_diffuse"), "s"); // a misspelt name
@@ -236,10 +232,7 @@ private:
     {
         for (const piece_row& row : guard_pieces)
         {
-            const auto build = [&row](double density)
-            {
-                return buildGuardPiece(row.piece, density);
-            };
+            const auto build = [&row](double density) { return buildGuardPiece(row.piece, density); };
             if (!addModel(figure_folder, row.name, row.about, riggedModel(7, cinematic_style, m_density, 3, build)))
                 return false;
         }
@@ -249,14 +242,8 @@ private:
 
     bool props()
     {
-        const auto column = [this](double density)
-        {
-            return buildColumn(density, m_seed);
-        };
-        const auto grass = [this](double density)
-        {
-            return buildGrass(density, m_seed);
-        };
+        const auto column = [this](double density) { return buildColumn(density, m_seed); };
+        const auto grass = [this](double density) { return buildGrass(density, m_seed); };
         group_style pivoted = static_style;
         pivoted.format = 6;
         pivoted.pivot = {0.25, 1, -0.5};
@@ -314,11 +301,9 @@ private:
     {
         m_archives.addInstead(archive_kind::older, olderSkeleton().path, olderSkeleton().bytes);
         m_archives.addInstead(archive_kind::mod, moddedAnimation().path, moddedAnimation().bytes);
-        return makeAnimations(
-            [this](made_animation made)
-            {
-                return add(std::move(made.path), std::move(made.about), std::move(made.bytes));
-            });
+        return makeAnimations([this](made_animation made) {
+            return add(std::move(made.path), std::move(made.about), std::move(made.bytes));
+        });
     }
 
     bool archives()
@@ -372,8 +357,7 @@ bool makeFiles(const options& wanted, const file_sink& sink, failure& why)
 bool writeFolder(const std::string& folder, const options& wanted,
                  const std::function<void(const file& made, std::size_t size_bytes)>& written, failure& why)
 {
-    const auto write = [&](file made)
-    {
+    const auto write = [&](file made) {
         const std::filesystem::path target = toPath(folder) / toPath(made.path);
         std::error_code error;
         std::filesystem::create_directories(target.parent_path(), error);

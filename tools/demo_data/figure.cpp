@@ -164,8 +164,7 @@ void addSword(mesh_builder& blade, mesh_builder& leather, mesh_builder& steel)
     options.back_hint = edge;
     options.v0 = 1;
     options.v1 = 0;
-    const auto piece = [&](double height, double half_flat, double half_edge, double square = 0)
-    {
+    const auto piece = [&](double height, double half_flat, double half_edge, double square = 0) {
         return section{hold + up * height, half_flat, half_edge, half_edge, square};
     };
     blade.closedLoft({piece(0.068, 0.0052, 0.026), piece(0.18, 0.0050, 0.0255), piece(0.36, 0.0045, 0.024),
@@ -201,8 +200,7 @@ void addSpear(mesh_builder& wood, mesh_builder& blade, mesh_builder& leather, me
     options.around = 16;
     options.along = 4;
     options.back_hint = normalised(vec3{0, 0, 1} - up * up.z);
-    const auto piece = [&](double height, double half_flat, double half_edge)
-    {
+    const auto piece = [&](double height, double half_flat, double half_edge) {
         return section{hold + up * height, half_flat, half_edge, half_edge, 0};
     };
     options.v1 = 6;
@@ -291,8 +289,7 @@ struct guard_meshes
     std::vector<figure_part> parts(const char* wood_name, const char* blade_name)
     {
         std::vector<figure_part> result;
-        const auto take = [&](const char* name, const char* texture, mesh_builder& from)
-        {
+        const auto take = [&](const char* name, const char* texture, mesh_builder& from) {
             if (mesh shape = from.take(); !shape.indices.empty())
                 result.push_back({name, texture, std::move(shape)});
         };

@@ -20,8 +20,7 @@ keys slashing()
     keys motion;
     motion.at(0, ready)
         .at(0.35, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {-0.02, -0.08, 0.06};
                 c.hips_turn.y = -30;
                 c.chest = {-2, -16, -6};
@@ -31,8 +30,7 @@ keys slashing()
                 c.right_arm.elbow = {-0.8, 0, 0.2};
             })
         .at(0.52, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.02, -0.10, -0.05};
                 c.hips_turn.y = 4;
                 c.chest = {12, 14, 4};
@@ -44,8 +42,7 @@ keys slashing()
                 setCape(c, 14, -6);
             })
         .at(0.68, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.03, -0.13, -0.07};
                 c.hips_turn.y = 10;
                 c.chest = {18, 28, 6};
@@ -56,16 +53,14 @@ keys slashing()
                 c.left_arm.hand = {0.06, 0.06, 0.04};
                 setCape(c, 10, -12);
             })
-        .at(0.9, ready,
-            [](controls& c)
-            {
-                c.hips = {0.02, -0.11, -0.02};
-                c.hips_turn.y = 0;
-                c.chest = {12, 16, 2};
-                c.head = {-6, -8, 0};
-                c.right_arm.hand = {0.30, 0.02, -0.16};
-                c.right_arm.turn = {60, 34, 30};
-            });
+        .at(0.9, ready, [](controls& c) {
+            c.hips = {0.02, -0.11, -0.02};
+            c.hips_turn.y = 0;
+            c.chest = {12, 16, 2};
+            c.head = {-6, -8, 0};
+            c.right_arm.hand = {0.30, 0.02, -0.16};
+            c.right_arm.turn = {60, 34, 30};
+        });
     return motion.at(1.4, ready);
 }
 
@@ -76,8 +71,7 @@ keys slashingBack()
     keys motion;
     motion.at(0, ready)
         .at(0.4, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.02, -0.10, -0.01};
                 c.hips_turn.y = 8;
                 c.chest = {6, 30, 2};
@@ -86,8 +80,7 @@ keys slashingBack()
                 c.right_arm.turn = {20, 60, 60};
             })
         .at(0.6, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0, -0.12, -0.05};
                 c.hips_turn.y = -16;
                 c.chest = {8, -8, 0};
@@ -97,17 +90,15 @@ keys slashingBack()
                 c.jaw = 12;
                 setCape(c, 8, 9);
             })
-        .at(0.76, ready,
-            [](controls& c)
-            {
-                c.hips = {-0.02, -0.11, -0.02};
-                c.hips_turn.y = -32;
-                c.chest = {6, -28, -3};
-                c.head = {-2, 44, 0};
-                c.right_arm.hand = {-0.16, 0.22, 0.04};
-                c.right_arm.turn = {80, -60, 0};
-                setCape(c, 6, 14);
-            });
+        .at(0.76, ready, [](controls& c) {
+            c.hips = {-0.02, -0.11, -0.02};
+            c.hips_turn.y = -32;
+            c.chest = {6, -28, -3};
+            c.head = {-2, 44, 0};
+            c.right_arm.hand = {-0.16, 0.22, 0.04};
+            c.right_arm.turn = {80, -60, 0};
+            setCape(c, 6, 14);
+        });
     return motion.at(1.3, ready);
 }
 
@@ -117,8 +108,7 @@ keys thrusting()
     keys motion;
     motion.at(0, ready)
         .at(0.35, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {-0.02, -0.09, 0.10};
                 c.hips_turn.y = -28;
                 c.chest = {2, -12, 0};
@@ -128,8 +118,7 @@ keys thrusting()
                 c.left_foot.place = {0.03, 0.03, -0.22};
             })
         .at(0.6, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.01, -0.16, -0.20};
                 c.hips_turn = {8, 6, 0};
                 c.chest = {10, 18, 0};
@@ -144,8 +133,7 @@ keys thrusting()
                 setCape(c, 20, 0);
             })
         .at(0.75, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.01, -0.16, -0.19};
                 c.hips_turn = {8, 5, 0};
                 c.chest = {10, 16, 0};
@@ -157,11 +145,9 @@ keys thrusting()
                 c.left_arm.hand = {0.08, 0.05, 0.05};
                 setCape(c, 10, 0);
             })
-        .at(1.1, ready,
-            [](controls& c)
-            {
-                c.left_foot.place = {0.03, 0.04, -0.30};
-            });
+        .at(1.1, ready, [](controls& c) {
+            c.left_foot.place = {0.03, 0.04, -0.30};
+        });
     return motion.at(1.4, ready);
 }
 
@@ -171,8 +157,7 @@ keys overhead()
     keys motion;
     motion.at(0, ready)
         .at(0.5, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0, -0.03, 0.05};
                 c.left_foot.place = {0.03, 0, -0.18};
                 c.hips_turn.y = -14;
@@ -185,8 +170,7 @@ keys overhead()
                 setCape(c, 1, 0);
             })
         .at(0.72, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.02, -0.15, -0.09};
                 c.hips_turn = {10, 0, 0};
                 c.chest = {24, 8, 0};
@@ -197,18 +181,16 @@ keys overhead()
                 c.jaw = 16;
                 setCape(c, 22, 0);
             })
-        .at(0.9, ready,
-            [](controls& c)
-            {
-                c.hips = {0.02, -0.16, -0.08};
-                c.hips_turn = {10, 0, 0};
-                c.chest = {26, 8, 0};
-                c.head = {-12, -6, 0};
-                c.right_foot.heel = 32;
-                c.right_arm.hand = {0.20, 0.02, -0.24};
-                c.right_arm.turn = {92, 0, 0};
-                setCape(c, 8, 0);
-            });
+        .at(0.9, ready, [](controls& c) {
+            c.hips = {0.02, -0.16, -0.08};
+            c.hips_turn = {10, 0, 0};
+            c.chest = {26, 8, 0};
+            c.head = {-12, -6, 0};
+            c.right_foot.heel = 32;
+            c.right_arm.hand = {0.20, 0.02, -0.24};
+            c.right_arm.turn = {92, 0, 0};
+            setCape(c, 8, 0);
+        });
     return motion.at(1.5, ready);
 }
 
@@ -218,16 +200,14 @@ keys bashing()
     keys motion;
     motion.at(0, ready)
         .at(0.25, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0, -0.11, 0.07};
                 c.hips_turn.y = 4;
                 c.chest = {8, 16, 0};
                 c.left_arm.hand = {0.04, 0.12, 0.04};
             })
         .at(0.45, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.01, -0.12, -0.14};
                 c.hips_turn = {8, -34, 0};
                 c.chest = {12, -14, 0};
@@ -240,19 +220,16 @@ keys bashing()
                 c.jaw = 10;
                 setCape(c, 18, 4);
             })
-        .at(0.75, ready,
-            [](controls& c)
-            {
-                c.left_foot.place = {0.03, 0.03, -0.26};
-            });
+        .at(0.75, ready, [](controls& c) {
+            c.left_foot.place = {0.03, 0.03, -0.26};
+        });
     return motion.at(1.0, ready);
 }
 
 keys blocking()
 {
     const controls ready = guarding();
-    const auto covered = [](controls& c)
-    {
+    const auto covered = [](controls& c) {
         c.hips = {0, -0.17, 0.06};
         c.hips_turn.y = -22;
         c.chest = {14, -6, 0};
@@ -266,8 +243,7 @@ keys blocking()
         .at(0.25, ready, covered)
         .at(0.4, ready, covered)
         .at(0.5, ready, // the blow
-            [&](controls& c)
-            {
+            [&](controls& c) {
                 covered(c);
                 c.hips = c.hips + vec3{0, -0.04, 0.06};
                 c.left_arm.hand = c.left_arm.hand + vec3{0, -0.05, 0.09};
@@ -284,8 +260,7 @@ keys hitFromAhead()
     keys motion;
     motion.at(0, ready)
         .at(0.12, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.01, -0.09, 0.09};
                 c.hips_turn.x = -6;
                 c.chest = {-14, -10, -4};
@@ -296,8 +271,7 @@ keys hitFromAhead()
                 setCape(c, -8, 0);
             })
         .at(0.35, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.01, -0.12, 0.15};
                 c.hips_turn.x = 4;
                 c.chest = {12, -4, 2};
@@ -307,17 +281,14 @@ keys hitFromAhead()
                 setCape(c, 12, 0);
             })
         .at(0.55, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0, -0.12, 0.10};
                 c.chest = {12, 0, 0};
                 c.right_foot.place = {-0.07, 0, 0.36};
             })
-        .at(0.85, ready,
-            [](controls& c)
-            {
-                c.right_foot.place = {-0.07, 0.03, 0.30};
-            });
+        .at(0.85, ready, [](controls& c) {
+            c.right_foot.place = {-0.07, 0.03, 0.30};
+        });
     return motion.at(1.1, ready);
 }
 
@@ -347,8 +318,7 @@ keys dyingBackwards()
     keys motion;
     motion.at(0, ready)
         .at(0.2, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0, -0.06, 0.08};
                 c.hips_turn.x = -8;
                 c.chest = {-18, -8, 0};
@@ -359,8 +329,7 @@ keys dyingBackwards()
                 setCape(c, -6, 0);
             })
         .at(0.6, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.01, -0.38, 0.28};
                 c.hips_turn = {-30, -8, 2};
                 c.chest = {-4, -4, 4};
@@ -374,27 +343,23 @@ keys dyingBackwards()
                 setCape(c, -12, 0);
             })
         .at(0.95, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 lieOnBack(c);
                 c.head.x = 26;
                 c.left_foot.place.y = 0.05;
             })
         .at(1.12, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 lieOnBack(c);
                 c.hips.y += 0.012; // a short bounce
                 c.chest.x = 4;
             })
         .at(1.3, ready, lieOnBack);
-    return motion.at(2.0, ready,
-                     [](controls& c)
-                     {
-                         lieOnBack(c);
-                         c.head.y = 34;
-                         c.right_arm.open = 0.9;
-                     });
+    return motion.at(2.0, ready, [](controls& c) {
+        lieOnBack(c);
+        c.head.y = 34;
+        c.right_arm.open = 0.9;
+    });
 }
 
 void lieOnFace(controls& c)
@@ -424,8 +389,7 @@ keys dyingForwards()
     keys motion;
     motion.at(0, ready)
         .at(0.25, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0, -0.14, -0.02};
                 c.chest = {26, 0, 4};
                 c.head = {24, 0, 0};
@@ -434,8 +398,7 @@ keys dyingForwards()
                 c.jaw = 14;
             })
         .at(0.7, ready, // on the knees
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0, -0.47, 0.0};
                 c.hips_turn = {6, 0, 0};
                 c.chest = {22, 0, 6};
@@ -449,32 +412,23 @@ keys dyingForwards()
                 setCape(c, 4, 0);
             })
         .at(1.2, ready, lieOnFace)
-        .at(1.35, ready,
-            [](controls& c)
-            {
-                lieOnFace(c);
-                c.hips.y += 0.01;
-                c.head.x = -18;
-            });
-    return motion.at(2.0, ready,
-                     [](controls& c)
-                     {
-                         lieOnFace(c);
-                         c.head = {-16, 36, 0};
-                     });
+        .at(1.35, ready, [](controls& c) {
+            lieOnFace(c);
+            c.hips.y += 0.01;
+            c.head.x = -18;
+        });
+    return motion.at(2.0, ready, [](controls& c) {
+        lieOnFace(c);
+        c.head = {-16, 36, 0};
+    });
 }
 
 clip clipOf(std::string_view name, std::string_view about, double frame_rate, int intervals, keys motion)
 {
-    return {name,
-            about,
-            frame_rate,
-            intervals,
-            false,
-            [motion = std::move(motion)](double seconds)
-            {
-                return figurePose(motion.sample(seconds));
-            }};
+    return {name,       about,
+            frame_rate, intervals,
+            false,      [motion = std::move(motion)](double seconds) {
+                return figurePose(motion.sample(seconds)); }};
 }
 
 std::vector<clip> makeClips()

@@ -65,10 +65,7 @@ void setFoot(foot_controls& foot, const gait& how, double cycle, double side)
 figure_controls gaitAt(const gait& how, double seconds)
 {
     const double cycle = seconds / how.seconds;
-    const auto wave = [cycle](double times, double late)
-    {
-        return cosineOfTurns(times * (cycle - late));
-    };
+    const auto wave = [cycle](double times, double late) { return cosineOfTurns(times * (cycle - late)); };
     figure_controls c;
     setFoot(c.left_foot, how, cycle, 1);
     setFoot(c.right_foot, how, cycle + 0.5, -1);
@@ -80,8 +77,7 @@ figure_controls gaitAt(const gait& how, double seconds)
     c.chest = {how.lean * 0.6 + how.guard * 4 + 0.8 * wave(2, middle + 0.05), twist * 1.9, 4.0 * wave(1, middle)};
     c.head = {-how.lean * 0.8 - how.guard * 3, -twist * 0.9, -1.0 * wave(1, middle)};
     const double swing = how.arms * ahead * wave(1, 0.05);
-    const auto arm = [&](arm_controls& hand, double forward, double side)
-    {
+    const auto arm = [&](arm_controls& hand, double forward, double side) {
         hand.hand = {side * -0.12 * forward, how.bend + 0.25 * how.arms + 0.35 * forward * forward / 0.1 * how.arms,
                      -forward};
         hand.turn = {forward * -60, 0, 0};
@@ -104,15 +100,9 @@ figure_controls gaitAt(const gait& how, double seconds)
 
 clip clipOf(std::string_view name, std::string_view about, double frame_rate, int intervals, const gait& how)
 {
-    return {name,
-            about,
-            frame_rate,
-            intervals,
-            true,
-            [how](double seconds)
-            {
-                return figurePose(gaitAt(how, seconds));
-            }};
+    return {name,      about, frame_rate,
+            intervals, true,  [how](double seconds) {
+                return figurePose(gaitAt(how, seconds)); }};
 }
 
 std::vector<clip> walks()
@@ -204,8 +194,7 @@ std::vector<clip> runs()
     jog.arms = 0.13;
     jog.cape = 20;
     clip charging = clipOf("run/hu1_charge", "a charge, shield ahead and sword raised", 30, 18, charge);
-    charging.motion = [charge](double seconds)
-    {
+    charging.motion = [charge](double seconds) {
         figure_controls c = gaitAt(charge, seconds);
         c.right_arm.hand = c.right_arm.hand + vec3{0.02, 0.42, 0.24};
         c.right_arm.turn = {-20, 0, 0};
@@ -262,15 +251,9 @@ clip turnClip(std::string_view name, std::string_view about, double degrees, int
               int intervals)
 {
     const auto keys = turning(degrees, steps, intervals / frame_rate);
-    return {name,
-            about,
-            frame_rate,
-            intervals,
-            false,
-            [keys](double seconds)
-            {
-                return figurePose(keys.sample(seconds));
-            }};
+    return {name,      about, frame_rate,
+            intervals, false, [keys](double seconds) {
+                return figurePose(keys.sample(seconds)); }};
 }
 
 std::vector<clip> makeClips()

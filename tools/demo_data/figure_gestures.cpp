@@ -30,13 +30,7 @@ void breathe(controls& c, double seconds, double period, double depth = 1)
 clip clipOf(std::string_view name, std::string_view about, double frame_rate, int intervals, bool is_loop, keys motion,
             double breath)
 {
-    return {name,
-            about,
-            frame_rate,
-            intervals,
-            is_loop,
-            [motion = std::move(motion), breath](double seconds)
-            {
+    return {name, about, frame_rate, intervals, is_loop, [motion = std::move(motion), breath](double seconds) {
                 controls c = motion.sample(seconds);
                 breathe(c, seconds, breath);
                 return figurePose(c);
@@ -60,32 +54,28 @@ keys lookingAround()
     keys motion;
     motion.at(0, rest)
         .at(0.8, rest,
-            [](controls& c)
-            {
+            [](controls& c) {
                 lean(c, 0.6);
                 c.head = {-2, 48, 2};
                 c.chest.y = 10;
                 c.hips_turn.y = 3;
             })
         .at(1.7, rest,
-            [](controls& c)
-            {
+            [](controls& c) {
                 lean(c, 0.8);
                 c.head = {4, 55, 3};
                 c.chest.y = 12;
                 c.hips_turn.y = 4;
             })
         .at(2.8, rest,
-            [](controls& c)
-            {
+            [](controls& c) {
                 lean(c, -0.7);
                 c.head = {-3, -46, -2};
                 c.chest.y = -12;
                 c.hips_turn.y = -4;
             })
         .at(3.6, rest,
-            [](controls& c)
-            {
+            [](controls& c) {
                 lean(c, -0.8);
                 c.head = {6, -50, -4};
                 c.chest.y = -13;
@@ -101,24 +91,21 @@ keys shiftingWeight()
     keys motion;
     motion.at(0, rest)
         .at(1.2, rest,
-            [](controls& c)
-            {
+            [](controls& c) {
                 lean(c, 1);
                 c.right_arm.hand = {-0.03, -0.10, -0.06}; // the sword's point sinks to the ground
                 c.right_arm.turn = {125, 0, 8};
                 c.head = {14, -14, 0};
             })
         .at(2.6, rest,
-            [](controls& c)
-            {
+            [](controls& c) {
                 lean(c, 1);
                 c.right_arm.hand = {-0.03, -0.11, -0.05};
                 c.right_arm.turn = {128, 6, 8};
                 c.head = {16, -8, 0};
             })
         .at(3.8, rest,
-            [](controls& c)
-            {
+            [](controls& c) {
                 lean(c, -1);
                 c.head = {-4, 10, 0};
                 c.left_arm.shrug = 5;
@@ -134,22 +121,19 @@ keys weighingSword()
     keys motion;
     motion.at(0, ready)
         .at(0.6, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips.y -= 0.015;
                 c.right_arm.hand = c.right_arm.hand + vec3{0, 0.04, 0};
                 c.right_arm.turn = {2, 8, -14};
             })
         .at(1.2, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = c.hips + vec3{-0.02, 0.006, 0.015};
                 c.right_arm.turn = {28, 8, 10};
                 c.head.y += 4;
             })
         .at(1.7, ready,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips.x += 0.02;
                 c.left_arm.hand = c.left_arm.hand + vec3{0, 0.03, -0.02};
             })
@@ -161,8 +145,7 @@ keys weighingSword()
 keys waving(int times, double reach)
 {
     const controls rest = standing();
-    const auto raised = [reach](controls& c, double side)
-    {
+    const auto raised = [reach](controls& c, double side) {
         lean(c, 0.7);
         c.right_arm.hand = {0.01 + 0.10 * reach * side, 0.84 - 0.03 * side * side, 0.05};
         c.right_arm.turn = {-14, 0, 30 * reach * side};
@@ -174,37 +157,20 @@ keys waving(int times, double reach)
         setCape(c, 3, -2 * side);
     };
     keys motion;
-    motion.at(0, rest).at(0.25, rest,
-                          [](controls& c)
-                          {
-                              c.right_arm.hand = {-0.06, 0.16, -0.04};
-                          });
+    motion.at(0, rest).at(0.25, rest, [](controls& c) { c.right_arm.hand = {-0.06, 0.16, -0.04}; });
     double time = 0.7;
     for (int i = 0; i < times; ++i, time += 0.6)
-        motion
-            .at(time, rest,
-                [&](controls& c)
-                {
-                    raised(c, 1);
-                })
-            .at(time + 0.3, rest,
-                [&](controls& c)
-                {
-                    raised(c, -1);
-                });
-    motion.at(time + 0.25, rest,
-              [](controls& c)
-              {
-                  c.right_arm.hand = {-0.08, 0.20, -0.05};
-              });
+        motion.at(time, rest, [&](controls& c) { raised(c, 1); }).at(time + 0.3, rest, [&](controls& c) {
+            raised(c, -1);
+        });
+    motion.at(time + 0.25, rest, [](controls& c) { c.right_arm.hand = {-0.08, 0.20, -0.05}; });
     return motion.at(time + 0.7, rest);
 }
 
 keys saluting()
 {
     const controls rest = standing();
-    const auto before_face = [](controls& c)
-    {
+    const auto before_face = [](controls& c) {
         c.hips.y = -0.004;
         c.chest.x = -3;
         c.head = {-3, 0, 0};
@@ -219,8 +185,7 @@ keys saluting()
         .at(0.5, rest, before_face)
         .at(1.2, rest, before_face)
         .at(1.65, rest,
-            [&](controls& c)
-            {
+            [&](controls& c) {
                 before_face(c);
                 c.right_arm.hand = {-0.14, -0.05, -0.04}; // swept out and down
                 c.right_arm.turn = {112, -25, -8};
@@ -228,16 +193,14 @@ keys saluting()
                 c.head = {9, 0, 0};
                 c.chest.x = 5;
             })
-        .at(2.0, rest,
-            [&](controls& c)
-            {
-                before_face(c);
-                c.right_arm.hand = {-0.13, -0.06, -0.03};
-                c.right_arm.turn = {114, -25, -8};
-                c.right_arm.elbow = {};
-                c.head = {10, 0, 0};
-                c.chest.x = 5;
-            });
+        .at(2.0, rest, [&](controls& c) {
+            before_face(c);
+            c.right_arm.hand = {-0.13, -0.06, -0.03};
+            c.right_arm.turn = {114, -25, -8};
+            c.right_arm.elbow = {};
+            c.head = {10, 0, 0};
+            c.chest.x = 5;
+        });
     return motion.at(2.5, rest);
 }
 
@@ -245,8 +208,7 @@ keys saluting()
 keys cheering()
 {
     const controls rest = standing();
-    const auto low = [](controls& c)
-    {
+    const auto low = [](controls& c) {
         c.hips = {0, -0.06, 0.01};
         c.chest = {6, 0, 0};
         c.right_arm.hand = {-0.02, 0.48, 0.08};
@@ -255,8 +217,7 @@ keys cheering()
         c.left_arm.hand = {0.02, 0.05, -0.05};
         setCape(c, 2, 0);
     };
-    const auto high = [](controls& c)
-    {
+    const auto high = [](controls& c) {
         c.hips = {0, 0.022, 0};
         c.left_foot.heel = c.right_foot.heel = 14;
         c.chest = {-8, -4, 0};
@@ -279,24 +240,21 @@ keys cheering()
 keys drumming()
 {
     const controls ready = guarding();
-    const auto shield = [](controls& c)
-    {
+    const auto shield = [](controls& c) {
         c.left_arm.hand = {-0.06, 0.14, -0.06};
         c.left_arm.turn = {0, 6, 0};
     };
     keys motion;
     motion
         .at(0, ready,
-            [&](controls& c)
-            {
+            [&](controls& c) {
                 shield(c);
                 c.right_arm.hand = {0.02, 0.24, 0.02};
                 c.right_arm.turn = {10, 10, -10};
                 c.head.x = -8;
             })
         .at(0.3, ready,
-            [&](controls& c)
-            {
+            [&](controls& c) {
                 shield(c);
                 c.hips.y -= 0.02;
                 c.chest.y += 8;
@@ -312,8 +270,7 @@ keys drumming()
 keys pointing()
 {
     const controls rest = standing();
-    const auto stretched = [](controls& c, double shake)
-    {
+    const auto stretched = [](controls& c, double shake) {
         c.hips = {0.02, -0.03, -0.04};
         c.hips_turn.y = 8;
         c.chest = {6, 14, 0};
@@ -329,42 +286,26 @@ keys pointing()
     keys motion;
     motion.at(0, rest)
         .at(0.3, rest,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.03, -0.03, 0.02};
                 c.chest = {-4, -8, 0};
                 c.right_foot.place = {0, 0.05, -0.08};
                 c.right_arm.hand = {-0.04, 0.40, 0.10};
                 c.right_arm.turn = {-10, 0, 0};
             })
-        .at(0.7, rest,
-            [&](controls& c)
-            {
-                stretched(c, 0);
-            })
-        .at(1.1, rest,
-            [&](controls& c)
-            {
-                stretched(c, 3);
-            })
-        .at(1.5, rest,
-            [&](controls& c)
-            {
-                stretched(c, 0);
-            })
-        .at(2.0, rest,
-            [](controls& c)
-            {
-                c.right_foot.place = {0, 0.05, -0.09};
-            });
+        .at(0.7, rest, [&](controls& c) { stretched(c, 0); })
+        .at(1.1, rest, [&](controls& c) { stretched(c, 3); })
+        .at(1.5, rest, [&](controls& c) { stretched(c, 0); })
+        .at(2.0, rest, [](controls& c) {
+            c.right_foot.place = {0, 0.05, -0.09};
+        });
     return motion.at(2.4, rest);
 }
 
 keys bowing()
 {
     const controls rest = standing();
-    const auto bowed = [](controls& c)
-    {
+    const auto bowed = [](controls& c) {
         c.hips = {0, -0.03, 0.09};
         c.hips_turn.x = 24;
         c.chest.x = 30;
@@ -382,8 +323,7 @@ keys bowing()
 keys kneeling()
 {
     const controls rest = standing();
-    const auto down = [](controls& c)
-    {
+    const auto down = [](controls& c) {
         c.hips = {-0.01, -0.455, 0.06};
         c.hips_turn = {4, -6, 0};
         c.chest = {10, 4, 0};
@@ -400,8 +340,7 @@ keys kneeling()
     keys motion;
     motion.at(0, rest)
         .at(0.45, rest,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.04, -0.10, 0};
                 c.right_foot.place = {-0.02, 0.06, 0.24};
                 c.right_foot.heel = 40;
@@ -409,8 +348,7 @@ keys kneeling()
                 c.chest.x = 8;
             })
         .at(0.6, rest,
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = {0.02, -0.16, -0.02};
                 c.right_foot.place = {-0.03, 0, 0.34};
                 c.right_foot.heel = 50;
@@ -418,24 +356,16 @@ keys kneeling()
                 c.chest.x = 12;
             })
         .at(1.3, rest, down)
-        .at(2.0, rest,
-            [&](controls& c)
-            {
-                down(c);
-                c.head.x = 26;
-            });
+        .at(2.0, rest, [&](controls& c) {
+            down(c);
+            c.head.x = 26;
+        });
     return motion;
 }
 
 clip parade()
 {
-    return {"stand/hu1_pose_parade",
-            "one frame: on parade",
-            20,
-            0,
-            false,
-            [](double)
-            {
+    return {"stand/hu1_pose_parade", "one frame: on parade", 20, 0, false, [](double) {
                 controls c = standing();
                 c.hips.y = -0.002;
                 c.chest.x = -4;
@@ -454,8 +384,7 @@ std::vector<clip> makeClips()
     still.at(0, standing());
     ready.at(0, guarding())
         .at(1, guarding(),
-            [](controls& c)
-            {
+            [](controls& c) {
                 c.hips = c.hips + vec3{0.01, -0.02, -0.01};
             })
         .repeating(2);

@@ -41,8 +41,7 @@ void addArm(const body_side& side, mesh_builder& skin, mesh_builder& cloth, mesh
     options.around = 26;
     options.v1 = 1;
     options.u1 = 2;
-    options.shape = [](vec3 point, vec3 outward, double turn, double along)
-    {
+    options.shape = [](vec3 point, vec3 outward, double turn, double along) {
         return point + outward * (0.005 * along * sineOfTurns(turn * 7));
     };
     const auto sleeve = tube({{inside + vec3{side.sign * -0.022, 0.012, 0}, 0},
@@ -147,8 +146,7 @@ void addLeg(const body_side& side, mesh_builder& trousers, mesh_builder& leather
     options.around = 22;
     options.along = 3;
     options.v1 = 3;
-    options.shape = [](vec3 point, vec3 outward, double turn, double along)
-    {
+    options.shape = [](vec3 point, vec3 outward, double turn, double along) {
         return point + outward * (0.003 * sineOfTurns(turn * 3 + along * 9));
     };
     trousers.closedLoft(tube({{hip + vec3{0, 0.05, 0}, 0.086},
@@ -175,8 +173,7 @@ void addLeg(const body_side& side, mesh_builder& trousers, mesh_builder& leather
                               {mix(knee, ankle, 0.70), 0.052, 0.056, 0.054},
                               {mix(knee, ankle, 0.90), 0.047, 0.052, 0.050},
                               {mix(knee, ankle, 0.97), 0.051, 0.058, 0.052}};
-    plate.shape = [](vec3 point, vec3, double turn, double)
-    {
+    plate.shape = [](vec3 point, vec3, double turn, double) {
         const double d = (turn - 0.5) / 0.09;
         return point + vec3{0, 0, -0.008 * bump(d * d)}; // the ridge along the shin
     };
@@ -213,8 +210,7 @@ void addLeg(const body_side& side, mesh_builder& trousers, mesh_builder& leather
     sole.along = 3;
     sole.back_hint = {0, 1, 0};
     const vec3 ahead = normalised(vec3{toe.x - ankle.x, 0, toe.z - ankle.z});
-    const auto slice = [&](double reach, double height, double half_width, double up)
-    {
+    const auto slice = [&](double reach, double height, double half_width, double up) {
         const vec3 centre{ankle.x + ahead.x * reach, height, ankle.z + ahead.z * reach};
         return section{centre, half_width, height, up, 0.55};
     };

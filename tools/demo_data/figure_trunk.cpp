@@ -122,10 +122,7 @@ void addHelmet(mesh_builder& steel, mesh_builder& plume)
         if (plate.from_turn > plate.to_turn)
             std::swap(plate.from_turn, plate.to_turn);
         // The lower end sweeps forward, to the corner of the mouth.
-        plate.shape = [](vec3 point, vec3, double, double along)
-        {
-            return point + vec3{0, 0, -0.016 * along * along};
-        };
+        plate.shape = [](vec3 point, vec3, double, double along) { return point + vec3{0, 0, -0.016 * along * along}; };
         steel.shell(loft(cheek, plate, steel.density()), 0.004, head);
     }
 
@@ -189,8 +186,7 @@ void addSkirt(mesh_builder& cloth, mesh_builder& leather)
     options.along = 3;
     options.axis = {0, 1, 0};
     options.u1 = 4;
-    options.shape = [](vec3 point, vec3 outward, double turn, double along)
-    {
+    options.shape = [](vec3 point, vec3 outward, double turn, double along) {
         const double depth = 0.012 * along + 0.006 * along * sineOfTurns(turn * 5 + 0.2);
         return point + outward * (depth * sineOfTurns(turn * 17 + 0.1 * sineOfTurns(turn * 3))) +
                vec3{0, 0.008 * along * sineOfTurns(turn * 6), 0};
@@ -263,8 +259,7 @@ void addScarf(mesh_builder& cloth)
     options.axis = {0, 1, 0};
     options.u1 = 3;
     options.v1 = 0.45; // above the pattern
-    options.shape = [](vec3 point, vec3 outward, double turn, double along)
-    {
+    options.shape = [](vec3 point, vec3 outward, double turn, double along) {
         const double fold = sineOfTurns(along * 2.3 + 0.35 * sineOfTurns(turn * 2) + 0.1 * sineOfTurns(turn * 5));
         return point + outward * (0.006 * fold * bump((along - 0.5) * (along - 0.5) * 4));
     };

@@ -20,8 +20,7 @@ double powerOf2Point4(double x)
 
 const std::array<double, 256>& linearTable()
 {
-    static const std::array<double, 256> table = []
-    {
+    static const std::array<double, 256> table = [] {
         std::array<double, 256> values{};
         for (std::size_t i = 0; i < values.size(); ++i)
         {

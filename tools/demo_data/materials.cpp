@@ -27,8 +27,7 @@ image filled(std::size_t size, const std::vector<surface>& texels, const std::fu
 image normalMap(std::size_t size, const std::vector<surface>& texels, bool has_alpha)
 {
     image result(size, size);
-    const auto heightAt = [&](std::size_t x, std::size_t y)
-    {
+    const auto heightAt = [&](std::size_t x, std::size_t y) {
         return texels[(y % size) * size + x % size].height * static_cast<double>(size);
     };
     for (std::size_t y = 0; y < size; ++y)
@@ -87,8 +86,7 @@ painted_image recoloured(const material& source, const std::vector<surface>& tex
     return {"diffuse", source.diffuse,
             filled(
                 source.size, texels,
-                [colour](const surface& s)
-                {
+                [colour](const surface& s) {
                     const double light = (s.colour.x + 2 * s.colour.y + s.colour.z) * 0.25;
                     return mix(s.colour, colour * light, s.mask.x);
                 },
@@ -98,39 +96,21 @@ painted_image recoloured(const material& source, const std::vector<surface>& tex
 std::vector<painted_image> imagesOf(const material& source, const std::vector<surface>& texels)
 {
     std::vector<painted_image> images;
-    const auto add = [&](const char* suffix, dds_format format, image pixels)
-    {
+    const auto add = [&](const char* suffix, dds_format format, image pixels) {
         images.push_back({suffix, format, std::move(pixels)});
     };
     add("diffuse", source.diffuse,
         filled(
-            source.size, texels,
-            [](const surface& s)
-            {
-                return s.colour;
-            },
-            true));
+            source.size, texels, [](const surface& s) { return s.colour; }, true));
     add("normal", source.normal, normalMap(source.size, texels, source.normal != dds_format::bc5));
-    add("specular", source.specular,
-        filled(source.size, texels,
-               [](const surface& s)
-               {
-                   return s.specular;
-               }));
+    add("specular", source.specular, filled(source.size, texels, [](const surface& s) { return s.specular; }));
     add("gloss", dds_format::bc1,
         halved(filled(source.size, texels,
-                      [](const surface& s)
-                      {
+                      [](const surface& s) {
                           return vec3{s.gloss, s.gloss, s.gloss};
                       }),
                false));
-    add("mask", dds_format::bc1,
-        halved(filled(source.size, texels,
-                      [](const surface& s)
-                      {
-                          return s.mask;
-                      }),
-               false));
+    add("mask", dds_format::bc1, halved(filled(source.size, texels, [](const surface& s) { return s.mask; }), false));
     return images;
 }
 

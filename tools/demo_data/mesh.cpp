@@ -28,10 +28,7 @@ void bind(mesh_vertex& vertex, bone_choice bones)
         found.push_back({bone, bones.size() == 1 ? 1.0 : near * near * near});
     }
     std::stable_sort(found.begin(), found.end(),
-                     [](const influence& a, const influence& b)
-                     {
-                         return a.strength > b.strength;
-                     });
+                     [](const influence& a, const influence& b) { return a.strength > b.strength; });
     found.resize(std::min<std::size_t>(found.size(), 4));
     for (const influence& each : found)
         total += each.strength;
@@ -62,8 +59,7 @@ vec3 rowCentre(const grid& surface, std::size_t row)
 std::vector<vec3> normalsOf(const grid& surface)
 {
     std::vector<vec3> normals(surface.points.size());
-    const auto addTriangle = [&](std::size_t a, std::size_t b, std::size_t c)
-    {
+    const auto addTriangle = [&](std::size_t a, std::size_t b, std::size_t c) {
         const vec3 normal = cross(surface.points[b] - surface.points[a], surface.points[c] - surface.points[a]);
         for (const std::size_t i : {a, b, c})
             normals[i] = normals[i] + normal;
@@ -215,8 +211,7 @@ std::vector<mesh> split(const mesh& whole, std::size_t limit)
 
 grid loft(std::span<const section> sections, const loft_options& options, double density)
 {
-    const auto scaled = [density](int count, int least)
-    {
+    const auto scaled = [density](int count, int least) {
         return static_cast<std::size_t>(std::max(least, static_cast<int>(count * density + 0.5)));
     };
     const bool wraps = options.to_turn - options.from_turn > 0.999;
@@ -270,8 +265,7 @@ void mesh_builder::add(const grid& surface, std::vector<vec3> normals, bool flip
         vertex.uv = surface.uvs[i];
         bind(vertex, bones);
     }
-    const auto addTriangle = [&](std::size_t a, std::size_t b, std::size_t c)
-    {
+    const auto addTriangle = [&](std::size_t a, std::size_t b, std::size_t c) {
         const vec3 normal = cross(surface.points[b] - surface.points[a], surface.points[c] - surface.points[a]);
         if (dot(normal, normal) < 1e-18)
             return; // at a pole
@@ -328,8 +322,7 @@ void mesh_builder::shell(const grid& surface, double thickness, bone_choice bone
     add(inner, normalsOf(inner), !flip, bones);
 
     // The edges: strips of two points across, one along each open side.
-    const auto edge = [&](std::size_t first, std::size_t step, std::size_t count, std::size_t inside)
-    {
+    const auto edge = [&](std::size_t first, std::size_t step, std::size_t count, std::size_t inside) {
         grid strip{count, 2, false, {}, {}};
         vec3 away;
         for (std::size_t i = 0; i < count; ++i)
@@ -352,8 +345,7 @@ void mesh_builder::shell(const grid& surface, double thickness, bone_choice bone
     };
     const std::size_t columns = surface.columns;
     const std::size_t last_row = (surface.rows - 1) * columns;
-    const auto isPoint = [&](std::size_t first)
-    {
+    const auto isPoint = [&](std::size_t first) {
         return length(surface.points[first] - surface.points[first + columns / 2]) < 1e-7;
     };
     if (!isPoint(0))

@@ -70,8 +70,7 @@ std::vector<figure_part> buildColumn(double density, std::uint32_t seed)
                        turnedOnce(48, 2, 4, 0.5), density),
                   unrigged);
     loft_options shaft = turnedOnce(160, 5, 4, 3);
-    shaft.shape = [seed](vec3 point, vec3 outward, double turn, double along)
-    {
+    shaft.shape = [seed](vec3 point, vec3 outward, double turn, double along) {
         const vec3 cut = fluted(point, outward, turn, along);
         // The top is broken off at a slant, unevenly.
         const double jagged = 0.16 * outward.x + 0.10 * outward.z + 0.20 * (cloudy(turn, 0.3, 5, 5, 3, seed) - 0.5);
@@ -128,8 +127,7 @@ std::vector<figure_part> buildBanner(double density)
                                            level(3.06, 0.040), level(3.12, 0.030), level(3.26, 0)},
                       tip, density),
                  unrigged);
-    const auto count = [density](int at_one)
-    {
+    const auto count = [density](int at_one) {
         return static_cast<std::size_t>(std::max(3, static_cast<int>(at_one * density + 0.5)));
     };
     const std::size_t rows = count(40), columns = count(24);

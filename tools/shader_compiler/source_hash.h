@@ -24,8 +24,7 @@ inline std::string shaderSourceHash(const std::filesystem::path& folder)
     std::sort(files.begin(), files.end());
 
     std::uint64_t hash = 0xcbf29ce484222325u;
-    const auto add = [&hash](const std::string& text)
-    {
+    const auto add = [&hash](const std::string& text) {
         for (const char character : text)
             if (character != '\r')
                 hash = (hash ^ static_cast<unsigned char>(character)) * 0x100000001b3u;

@@ -50,11 +50,7 @@ TEST_F(main_window_test, ADefinitionOfTheCommandLineIsShownBesideAModel)
     ASSERT_EQ(m_view.models.size(), 1u);
 
     pressWithControl('2'); // the definition again
-    ASSERT_TRUE(pumpUntil(
-        [&]
-        {
-            return m_view.definitions.size() == 2;
-        }));
+    ASSERT_TRUE(pumpUntil([&] { return m_view.definitions.size() == 2; }));
     choose(control_lod, 1); // of the model in the panels; the view keeps showing the definition
     EXPECT_EQ(text(control_tool_caption), "L(1) G(0)");
     EXPECT_EQ(m_view.models.size(), 1u);

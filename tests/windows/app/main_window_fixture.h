@@ -104,14 +104,8 @@ protected:
                               "",
                               m_prompt,
                               {},
-                              [this](std::function<void(const std::string&)>, failure& why)
-                              {
-                                  return makeView(why);
-                              },
-                              [this](const std::string& path)
-                              {
-                                  m_opened_folder = path;
-                              }},
+                              [this](std::function<void(const std::string&)>, failure& why) { return makeView(why); },
+                              [this](const std::string& path) { m_opened_folder = path; }},
             "\"" + file + "\"", file);
         failure why;
         ASSERT_TRUE(m_window->open(why)) << describe(why);
@@ -164,8 +158,7 @@ protected:
         } wanted{id, nullptr};
         EnumChildWindows(
             m_window->handle(),
-            [](HWND child, LPARAM parameter) -> BOOL
-            {
+            [](HWND child, LPARAM parameter) -> BOOL {
                 auto& looked_for = *reinterpret_cast<search*>(parameter);
                 if (GetDlgCtrlID(child) == looked_for.id)
                     looked_for.found = child;

@@ -125,22 +125,14 @@ TEST_F(main_window_test, ShortcutsOpenTheDialogAndRecentFiles)
     openWindow();
     m_prompt.answer = first;
     pressWithControl('O');
-    ASSERT_TRUE(pumpUntil(
-        [&]
-        {
-            return m_window->document().model().hasModel();
-        }));
+    ASSERT_TRUE(pumpUntil([&] { return m_window->document().model().hasModel(); }));
     EXPECT_EQ(m_prompt.picked_with,
               "Open File|RMV2+VMD Files (*.rigid_model_v2)|*.rigid_model_v2;*.variantmeshdefinition");
     EXPECT_TRUE(m_window->openFile(second));
     const std::string title = m_window->title();
     EXPECT_NE(title.find("[second.rigid_model_v2]"), std::string::npos);
     pressWithControl('2'); // the one before
-    EXPECT_TRUE(pumpUntil(
-        [&]
-        {
-            return m_window->title().find("[first.rigid_model_v2]") != std::string::npos;
-        }))
+    EXPECT_TRUE(pumpUntil([&] { return m_window->title().find("[first.rigid_model_v2]") != std::string::npos; }))
         << m_window->title();
 
     config_file saved;
@@ -193,8 +185,7 @@ TEST_F(main_window_test, ALowWindowScrollsToItsLastRow)
     openWindow(write("soldier.rigid_model_v2", soldier()));
     SetWindowPos(m_window->handle(), nullptr, 0, 0, 620, 420, SWP_NOMOVE | SWP_NOZORDER);
     pump();
-    const auto bottomOf = [&](int id)
-    {
+    const auto bottomOf = [&](int id) {
         RECT rectangle{};
         GetWindowRect(find(id), &rectangle);
         POINT corner{rectangle.left, rectangle.bottom};

@@ -128,8 +128,7 @@ HWND controlOf(HWND window, int id)
     control_search wanted{id};
     EnumChildWindows(
         window,
-        [](HWND child, LPARAM parameter) -> BOOL
-        {
+        [](HWND child, LPARAM parameter) -> BOOL {
             auto& looked_for = *reinterpret_cast<control_search*>(parameter);
             if (GetDlgCtrlID(child) == looked_for.id)
                 looked_for.found = child;

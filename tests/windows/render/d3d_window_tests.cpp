@@ -52,14 +52,8 @@ protected:
     void SetUp() override
     {
         viewer_ports ports;
-        ports.log = [this](const std::string& line)
-        {
-            m_lines.push_back(line);
-        };
-        ports.closed = [this]
-        {
-            ++m_closings;
-        };
+        ports.log = [this](const std::string& line) { m_lines.push_back(line); };
+        ports.closed = [this] { ++m_closings; };
         failure why;
         m_window = d3d_window::create(GetModuleHandleW(nullptr), nullptr, ports, sphere(1), "Z:/nowhere/a", why);
         ASSERT_TRUE(m_window) << describe(why);
@@ -68,11 +62,7 @@ protected:
     {
         SetWindowPos(m_window->handle(), nullptr, 10, 10, 340, 220, SWP_NOZORDER);
         m_window->show();
-        ASSERT_TRUE(pumpUntil(
-            [this]
-            {
-                return m_window->framesDrawn() > 0;
-            }));
+        ASSERT_TRUE(pumpUntil([this] { return m_window->framesDrawn() > 0; }));
         settle();
     }
     // Until no frame was drawn for a while.
@@ -82,24 +72,14 @@ protected:
         do
         {
             frames = m_window->framesDrawn();
-            pumpUntil(
-                []
-                {
-                    return false;
-                },
-                250ms);
+            pumpUntil([] { return false; }, 250ms);
         } while (frames != m_window->framesDrawn());
     }
     bool drawsAfter(const std::function<void()>& action)
     {
         const std::uint64_t frames = m_window->framesDrawn();
         action();
-        return pumpUntil(
-            [&]
-            {
-                return m_window->framesDrawn() > frames;
-            },
-            5s);
+        return pumpUntil([&] { return m_window->framesDrawn() > frames; }, 5s);
     }
 
     std::vector<std::string> m_lines;
@@ -137,11 +117,9 @@ TEST_F(D3dWindow, InitialisationLogsItsSteps)
                                                "Create Render Thread",
                                                "DirectX INIT successful!!"};
     std::vector<std::string> seen = m_lines; // without the notes about textures and adapters in between
-    std::erase_if(seen,
-                  [&](const std::string& line)
-                  {
-                      return std::find(expected.begin(), expected.end(), line) == expected.end();
-                  });
+    std::erase_if(seen, [&](const std::string& line) {
+        return std::find(expected.begin(), expected.end(), line) == expected.end();
+    });
     EXPECT_EQ(seen, expected);
     EXPECT_EQ(m_window->title(), "Korvane GFX-D3D11 - Move/rotate/Zoom with: A,D,S,W/Q,E,R,T,C,V/Wheel");
     const RECT client = m_window->clientRectangle();
@@ -151,45 +129,24 @@ TEST_F(D3dWindow, InitialisationLogsItsSteps)
 
 TEST_F(D3dWindow, DrawsOnceForEachChangeAndThenRests)
 {
-    EXPECT_FALSE(pumpUntil(
-        [this]
-        {
-            return m_window->framesDrawn() > 0;
-        },
-        200ms))
-        << "still hidden";
+    EXPECT_FALSE(pumpUntil([this] { return m_window->framesDrawn() > 0; }, 200ms)) << "still hidden";
     showSmall();
     const HWND handle = m_window->handle();
     const float yaw = m_window->view().eye.yaw;
-    EXPECT_TRUE(drawsAfter(
-        [&]
-        {
-            PostMessageW(handle, WM_KEYDOWN, 'A', 0);
-        }));
+    EXPECT_TRUE(drawsAfter([&] { PostMessageW(handle, WM_KEYDOWN, 'A', 0); }));
     EXPECT_NEAR(m_window->view().eye.yaw, yaw + 0.06f, 1e-5f);
     const float distance = m_window->view().eye.distance;
-    EXPECT_TRUE(drawsAfter(
-        [&]
-        {
-            PostMessageW(handle, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0);
-        }));
+    EXPECT_TRUE(drawsAfter([&] { PostMessageW(handle, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0); }));
     EXPECT_LT(m_window->view().eye.distance, distance) << "away from the person: closer";
-    EXPECT_TRUE(drawsAfter(
-        [&]
-        {
-            PostMessageW(handle, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(50, 50));
-            PostMessageW(handle, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(90, 50));
-            PostMessageW(handle, WM_LBUTTONUP, 0, MAKELPARAM(90, 50));
-        }));
+    EXPECT_TRUE(drawsAfter([&] {
+        PostMessageW(handle, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(50, 50));
+        PostMessageW(handle, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(90, 50));
+        PostMessageW(handle, WM_LBUTTONUP, 0, MAKELPARAM(90, 50));
+    }));
     EXPECT_GT(std::abs(m_window->view().eye.yaw - yaw - 0.06f), 0.1f) << "dragging turns";
     settle();
     const std::uint64_t frames = m_window->framesDrawn();
-    pumpUntil(
-        []
-        {
-            return false;
-        },
-        300ms);
+    pumpUntil([] { return false; }, 300ms);
     EXPECT_EQ(m_window->framesDrawn(), frames);
 }
 
@@ -198,34 +155,17 @@ TEST_F(D3dWindow, ResizingAndMinimising)
     showSmall();
     const HWND handle = m_window->handle();
     for (const int size : {200, 420, 150, 360})
-        EXPECT_TRUE(drawsAfter(
-            [&]
-            {
-                SetWindowPos(handle, nullptr, 0, 0, size * 2, size, SWP_NOMOVE | SWP_NOZORDER);
-            }));
+        EXPECT_TRUE(
+            drawsAfter([&] { SetWindowPos(handle, nullptr, 0, 0, size * 2, size, SWP_NOMOVE | SWP_NOZORDER); }));
     settle();
     ShowWindow(handle, SW_MINIMIZE);
-    pumpUntil(
-        []
-        {
-            return false;
-        },
-        300ms);
+    pumpUntil([] { return false; }, 300ms);
     const std::uint64_t frames = m_window->framesDrawn();
     for (int i = 0; i < 20; ++i)
         m_window->redraw();
-    pumpUntil(
-        []
-        {
-            return false;
-        },
-        300ms);
+    pumpUntil([] { return false; }, 300ms);
     EXPECT_EQ(m_window->framesDrawn(), frames) << "nothing is drawn while minimised";
-    EXPECT_TRUE(drawsAfter(
-        [&]
-        {
-            m_window->show();
-        }));
+    EXPECT_TRUE(drawsAfter([&] { m_window->show(); }));
 }
 
 TEST_F(D3dWindow, ModelsAreReplacedWhileItDrawsAndWhileItIsHidden)
@@ -239,11 +179,7 @@ TEST_F(D3dWindow, ModelsAreReplacedWhileItDrawsAndWhileItIsHidden)
                            "Z:/nowhere/" + std::to_string(i));
         pump();
     }
-    EXPECT_TRUE(drawsAfter(
-        [this]
-        {
-            m_window->redraw();
-        }));
+    EXPECT_TRUE(drawsAfter([this] { m_window->redraw(); }));
 }
 
 TEST_F(D3dWindow, AModelThatCannotBeBuiltToItsEndLeavesAWorkingView)
@@ -262,12 +198,7 @@ TEST_F(D3dWindow, AModelThatCannotBeBuiltToItsEndLeavesAWorkingView)
     {
         m_window->setModel(sphere(1), path);
         settle();
-        EXPECT_TRUE(drawsAfter(
-            [this]
-            {
-                m_window->redraw();
-            }))
-            << path;
+        EXPECT_TRUE(drawsAfter([this] { m_window->redraw(); })) << path;
     }
 }
 
@@ -277,11 +208,7 @@ TEST_F(D3dWindow, ClosingHidesItAndDestructionIsQuick)
     SendMessageW(m_window->handle(), WM_CLOSE, 0, 0);
     EXPECT_EQ(m_closings, 1);
     EXPECT_FALSE(m_window->isVisible());
-    EXPECT_TRUE(drawsAfter(
-        [this]
-        {
-            m_window->show();
-        }));
+    EXPECT_TRUE(drawsAfter([this] { m_window->show(); }));
     for (int i = 0; i < 50; ++i)
         m_window->redraw();
     const auto start = clock::now();

@@ -138,8 +138,7 @@ private:
     }
     void fill(const glm::vec2& a, const glm::vec2& b, const glm::vec2& c)
     {
-        const auto side = [](const glm::vec2& from, const glm::vec2& to, const glm::vec2& p)
-        {
+        const auto side = [](const glm::vec2& from, const glm::vec2& to, const glm::vec2& p) {
             return (to.x - from.x) * (p.y - from.y) - (to.y - from.y) * (p.x - from.x);
         };
         for (std::uint32_t y = 0; y < height; ++y)
@@ -251,8 +250,7 @@ TEST(Render, BothKindsOfNormalMapsTiltTheSurfaceTheSameWay)
 
 TEST(Render, NormalMapsChangeTheLight)
 {
-    const auto brightness = [](std::uint32_t normal)
-    {
+    const auto brightness = [](std::uint32_t normal) {
         texture_map textures;
         textures.files = {{"d", colourDds(0x808080ff)}, {"n", colourDds(normal)}};
         render_options options = straightOn();
@@ -284,8 +282,7 @@ TEST(Render, AlphaTestCutsHolesOnlyInAlphaMode)
 
 TEST(Render, ColourSpacesOfTheDiffuseAreTreatedAlike)
 {
-    const auto plain = [](std::uint32_t format)
-    {
+    const auto plain = [](std::uint32_t format) {
         test_dds file = test_dds::dx10(format, 64);
         file.pixels = std::string(64, '\x90');
         texture_map textures;
@@ -309,10 +306,7 @@ TEST(Render, TextureLoadingEndsAtTheFirstGroupWithoutItsMainTextures)
     std::vector<std::string> lines;
     render_options options = straightOn();
     options.textures = &textures;
-    options.log = [&lines](const std::string& line)
-    {
-        lines.push_back(line);
-    };
+    options.log = [&lines](const std::string& line) { lines.push_back(line); };
     drawn(modelOf(textured(squareGroup(1), {{0, "d1"}, {1, "n1"}, {11, "missing"}}),
                   textured(squareGroup(1), {{0, "d2"}, {1, "n2"}}), textured(squareGroup(1), {{0, "d3"}, {1, "n3"}})),
           options);
@@ -330,10 +324,7 @@ TEST(Render, DamagedTexturesAndMeshesLeaveAPicture)
     std::vector<std::string> lines;
     render_options options = straightOn();
     options.textures = &textures;
-    options.log = [&lines](const std::string& line)
-    {
-        lines.push_back(line);
-    };
+    options.log = [&lines](const std::string& line) { lines.push_back(line); };
     const render_result result = drawn(modelOf(std::move(empty), std::move(square)), options);
     EXPECT_GT(pixelAt(result, 0.5, 0.5).brightness(), 120);
     EXPECT_GE(lines.size(), 2u) << "the texture and the triangle are named";

@@ -95,18 +95,12 @@ protected:
     }
     lib3d::log_port log()
     {
-        return [this](const std::string& line)
-        {
-            m_lines.push_back(line);
-        };
+        return [this](const std::string& line) { m_lines.push_back(line); };
     }
     bool logHolds(const std::string& text) const
     {
         return std::any_of(m_lines.begin(), m_lines.end(),
-                           [&](const std::string& line)
-                           {
-                               return line.find(text) != std::string::npos;
-                           });
+                           [&](const std::string& line) { return line.find(text) != std::string::npos; });
     }
     bool draw(const std::vector<std::string>& models, failure& why)
     {
@@ -193,10 +187,7 @@ TEST_F(render_variant_test, TheWindowShowsEitherAModelOrAFigureAndFramesIt)
     failure why;
     const auto window = d3d_window::create(GetModuleHandleW(nullptr), nullptr, {log(), {}}, nullptr, {}, why);
     ASSERT_TRUE(window) << describe(why);
-    const auto extent = [&]
-    {
-        return window->view().eye.model_extent.x;
-    };
+    const auto extent = [&] { return window->view().eye.model_extent.x; };
     const std::vector<std::string> both = {"men\\left.rigid_model_v2", "men\\right.rigid_model_v2"};
     EXPECT_EQ(window->setVariant(both, "pack:a").triangles, 4u);
     EXPECT_NEAR(extent(), 2, 1e-3);
