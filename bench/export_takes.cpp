@@ -2,9 +2,9 @@
 // every bone. A first file is made from the decoded model on; each further one uses what does not depend on its take
 // again. The last lines are what a further file takes against the first (at most a third), without writing to the disk.
 
-#include "Korvane/fbx/dae_export.h"
-#include "Korvane/fbx/export_scene.h"
-#include "Korvane/fbx/fbx_export.h"
+#include "Korvane/fbx/export/dae_export.h"
+#include "Korvane/fbx/export/export_scene.h"
+#include "Korvane/fbx/export/fbx_export.h"
 #include "tests/fbx/export_fixtures.h"
 
 #include <benchmark/benchmark.h>

@@ -8,7 +8,7 @@
 //  - reading the same document in the text form, against the binary one: no limit.
 // With a path as the argument behind Google Benchmark's own, the binary file is left there for other programs.
 
-#include "Korvane/fbx/fbx_document.h"
+#include "Korvane/fbx/container/fbx_document.h"
 
 #include <benchmark/benchmark.h>
 #include <libdeflate.h>

@@ -4,10 +4,10 @@
 
 #include "EASY_GUI/services/silent_prompt.h"
 #include "Korvane/animation/anim_file.h"
-#include "Korvane/fbx/dae_export.h"
-#include "Korvane/fbx/export_scene.h"
-#include "Korvane/fbx/fbx_evaluator.h"
-#include "Korvane/fbx/fbx_export.h"
+#include "Korvane/fbx/export/dae_export.h"
+#include "Korvane/fbx/export/export_scene.h"
+#include "Korvane/fbx/export/fbx_export.h"
+#include "Korvane/fbx/scene/fbx_evaluator.h"
 #include "Korvane/models/rmv2_file.h"
 
 #include <pugixml.hpp>

@@ -1,7 +1,7 @@
 // Reads any bytes as an FBX document, binary or text. What is read must be written, the written file must be read, and
 // writing that again must give the same bytes.
 
-#include "Korvane/fbx/fbx_document.h"
+#include "Korvane/fbx/container/fbx_document.h"
 
 #include <cstdint>
 #include <cstdlib>

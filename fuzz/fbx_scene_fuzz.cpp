@@ -3,9 +3,9 @@
 // What is converted must be finite, and an .anim file that can be read.
 
 #include "Korvane/animation/anim_reader.h"
-#include "Korvane/fbx/fbx_evaluator.h"
-#include "Korvane/fbx/fbx_scene.h"
-#include "Korvane/fbx/fbx_to_anim.h"
+#include "Korvane/fbx/convert/fbx_to_anim.h"
+#include "Korvane/fbx/scene/fbx_evaluator.h"
+#include "Korvane/fbx/scene/fbx_scene.h"
 
 #include <cmath>
 #include <cstdint>

@@ -1,5 +1,6 @@
 #include "Korvane/animation/anim_file.h"
 
+#include "EASY_GUI/services/text.h"
 #include "Korvane/animation/anim_reader.h"
 
 #include <algorithm>
@@ -119,6 +120,32 @@ std::vector<std::uint32_t> trackBones(std::span<const std::uint32_t> map, std::s
         if (hasTrack(map[bone]))
             bones.push_back(bone);
     return bones;
+}
+
+bool checkParents(const anim_data& data, failure& why)
+{
+    const auto count = static_cast<std::int32_t>(data.bones.size());
+    const auto refuse = [&](std::size_t bone, const std::string& text) {
+        why.offset = data.bones[bone].parent_offset;
+        why.field = "bone table, bone " + std::to_string(bone) + ", parent";
+        return fail(why, failure_kind::malformed,
+                    "bone " + std::to_string(bone) + " (" + displayText(data.bones[bone].name) + ") " + text);
+    };
+    for (std::size_t i = 0; i < data.bones.size(); ++i)
+        if (data.bones[i].parent >= count)
+            return refuse(i, "has the parent " + std::to_string(data.bones[i].parent) + ", but there are " +
+                                 std::to_string(count) + " bones");
+    for (std::size_t i = 0; i < data.bones.size(); ++i)
+    {
+        std::int32_t above = data.bones[i].parent;
+        for (std::int32_t step = 0; step < count && above >= 0; ++step)
+        {
+            if (static_cast<std::size_t>(above) == i)
+                return refuse(i, "is among its own descendants");
+            above = data.bones[static_cast<std::size_t>(above)].parent;
+        }
+    }
+    return true;
 }
 
 std::uint32_t frameCount(double frame_rate, double end_time_seconds)

@@ -93,6 +93,9 @@ enum class anim_depth
 // The bones that a map gives a track, ascending: all of them, or the first ones where a frame has fewer values.
 [[nodiscard]] std::vector<std::uint32_t> trackBones(std::span<const std::uint32_t> map, std::size_t value_count);
 
+// False, with the place in the file, when a bone's parent is no bone or its own descendant.
+[[nodiscard]] bool checkParents(const anim_data& data, failure& why);
+
 // The frames of a take: frame_rate * end_time + 1, truncated; a product within 1e-6 of the next whole number is that.
 // 0 for products below -1 and for what is no number; never more than a u32 holds.
 [[nodiscard]] std::uint32_t frameCount(double frame_rate, double end_time_seconds);

@@ -8,7 +8,7 @@
 #include "Korvane/cli/anim_commands.h"
 #include "Korvane/cli/commands.h"
 #include "Korvane/cli/game_files.h"
-#include "Korvane/fbx/fbx_to_anim.h"
+#include "Korvane/fbx/convert/fbx_to_anim.h"
 
 #include <cstdlib>
 #include <limits>

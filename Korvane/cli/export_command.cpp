@@ -8,7 +8,7 @@
 #include "Korvane/cli/anim_commands.h"
 #include "Korvane/cli/game_files.h"
 #include "Korvane/cli/output_files.h"
-#include "Korvane/fbx/scene_exporter.h"
+#include "Korvane/fbx/export/scene_exporter.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -5,9 +5,9 @@
 #include "EASY_GUI/services/text.h"
 #include "Korvane/cli/fbx_scene_json.h"
 #include "Korvane/cli/game_files.h"
-#include "Korvane/fbx/fbx_document.h"
-#include "Korvane/fbx/fbx_model_import.h"
-#include "Korvane/fbx/fbx_scene.h"
+#include "Korvane/fbx/container/fbx_document.h"
+#include "Korvane/fbx/scene/fbx_model_import.h"
+#include "Korvane/fbx/scene/fbx_scene.h"
 
 #include <array>
 #include <memory>

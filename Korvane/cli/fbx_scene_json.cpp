@@ -1,7 +1,7 @@
 #include "Korvane/cli/fbx_scene_json.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/fbx/fbx_evaluator.h"
+#include "Korvane/fbx/scene/fbx_evaluator.h"
 
 #include <algorithm>
 #include <array>

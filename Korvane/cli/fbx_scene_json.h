@@ -3,7 +3,7 @@
 // An FBX scene as JSON, for `korvane fbx --scene`.
 
 #include "Korvane/cli/cli_context.h"
-#include "Korvane/fbx/fbx_scene.h"
+#include "Korvane/fbx/scene/fbx_scene.h"
 
 #include <vector>
 

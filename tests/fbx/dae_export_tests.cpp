@@ -1,5 +1,5 @@
-#include "Korvane/fbx/dae_export.h"
-#include "Korvane/fbx/dae_nodes.h"
+#include "Korvane/fbx/export/dae_export.h"
+#include "Korvane/fbx/export/dae_nodes.h"
 #include "tests/fbx/export_fixtures.h"
 
 #include <gtest/gtest.h>

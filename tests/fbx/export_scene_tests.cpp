@@ -1,4 +1,4 @@
-#include "Korvane/fbx/export_scene.h"
+#include "Korvane/fbx/export/export_scene.h"
 #include "tests/fbx/export_fixtures.h"
 #include "tests/support/mesh_builder.h"
 

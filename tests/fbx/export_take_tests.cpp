@@ -1,6 +1,6 @@
-#include "Korvane/fbx/euler_keys.h"
-#include "Korvane/fbx/export_scene.h"
-#include "Korvane/fbx/fbx_transform.h"
+#include "Korvane/fbx/export/euler_keys.h"
+#include "Korvane/fbx/export/export_scene.h"
+#include "Korvane/fbx/scene/fbx_transform.h"
 #include "tests/fbx/export_fixtures.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // Binary documents from hand-written bytes: every type, width and byte order; then every cut, every patched byte, and
 // the particular lies a hostile file can tell.
 
-#include "Korvane/fbx/fbx_document.h"
+#include "Korvane/fbx/container/fbx_document.h"
 #include "tests/support/fbx_builder.h"
 
 #include <gtest/gtest.h>

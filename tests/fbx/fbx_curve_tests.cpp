@@ -1,4 +1,4 @@
-#include "Korvane/fbx/fbx_curve.h"
+#include "Korvane/fbx/scene/fbx_curve.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "Korvane/fbx/fbx_export.h"
-#include "Korvane/fbx/scene_exporter.h"
+#include "Korvane/fbx/export/fbx_export.h"
+#include "Korvane/fbx/export/scene_exporter.h"
 #include "tests/fbx/export_fixtures.h"
 #include "tests/support/temporary_folder.h"
 

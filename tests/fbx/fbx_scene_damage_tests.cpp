@@ -1,6 +1,6 @@
-#include "Korvane/fbx/fbx_scene.h"
+#include "Korvane/fbx/scene/fbx_scene.h"
 
-#include "Korvane/fbx/fbx_evaluator.h"
+#include "Korvane/fbx/scene/fbx_evaluator.h"
 #include "tests/fbx/figure_document.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "Korvane/fbx/fbx_scene.h"
+#include "Korvane/fbx/scene/fbx_scene.h"
 
-#include "Korvane/fbx/fbx_evaluator.h"
-#include "Korvane/fbx/fbx_model_import.h"
+#include "Korvane/fbx/scene/fbx_evaluator.h"
+#include "Korvane/fbx/scene/fbx_model_import.h"
 #include "tests/fbx/figure_document.h"
 
 #include <glm/geometric.hpp>

@@ -1,6 +1,6 @@
 // Text documents: how each way of writing comes out in the shape of binary files, and what is refused.
 
-#include "Korvane/fbx/fbx_document.h"
+#include "Korvane/fbx/container/fbx_document.h"
 
 #include <gtest/gtest.h>
 

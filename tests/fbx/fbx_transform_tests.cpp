@@ -1,4 +1,4 @@
-#include "Korvane/fbx/fbx_transform.h"
+#include "Korvane/fbx/scene/fbx_transform.h"
 
 #include <glm/geometric.hpp>
 

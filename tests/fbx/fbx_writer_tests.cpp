@@ -1,8 +1,8 @@
 // Documents that are written: the bytes of a small one, derived by hand from docs/formats/fbx.md; the entries that must
 // fit together, against files of other programs; and back through the reader.
 
-#include "Korvane/fbx/fbx_document.h"
-#include "Korvane/fbx/fbx_identity.h"
+#include "Korvane/fbx/container/fbx_document.h"
+#include "Korvane/fbx/container/fbx_identity.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 // Puts FBX documents of any version together for tests of the scene layer, straight from docs/formats/fbx.md: objects,
 // properties and connections by number, which version 6100 gets as names.
 
-#include "Korvane/fbx/fbx_document.h"
+#include "Korvane/fbx/container/fbx_document.h"
 
 #include <cstdint>
 #include <map>

@@ -1,0 +1,420 @@
+#include "Korvane/fbx/convert/fbx_to_anim.h"
+
+#include "EASY_GUI/services/text.h"
+#include "Korvane/fbx/container/fbx_document.h"
+#include "Korvane/fbx/convert/anim_template.h"
+#include "Korvane/fbx/convert/fbx_bone_sampler.h"
+#include "Korvane/fbx/export/export_space.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <iterator>
+#include <limits>
+#include <set>
+#include <unordered_map>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+constexpr std::size_t listed_names = 12;   // of bones in one line
+constexpr std::size_t listed_errors = 100; // lines of one kind
+
+// Movement that is worth a word: of a translation in metres, and of a rotation's cosine of the half angle.
+constexpr double still_distance = 1e-4;
+constexpr double still_cosine = 1 - 1e-6;
+
+std::string numberText(double value)
+{
+    std::array<char, 32> text;
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, 6);
+    return std::string(text.data(), end.ptr);
+}
+
+std::string nameList(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (std::size_t i = 0; i < names.size() && i < listed_names; ++i)
+        text += (i == 0 ? "" : ", ") + displayText(names[i]);
+    return names.size() <= listed_names ? text : text + " and " + std::to_string(names.size() - listed_names) + " more";
+}
+
+std::string axisText(const fbx_axis& axis)
+{
+    return std::string(axis.sign < 0 ? "-" : "") + "XYZ"[axis.axis];
+}
+
+fbx_ticks later(fbx_ticks time, fbx_ticks by)
+{
+    constexpr fbx_ticks last = std::numeric_limits<fbx_ticks>::max();
+    return by > 0 && time > last - by ? last : time + by;
+}
+
+class conversion
+{
+public:
+    conversion(const anim_conversion& request, const anim_conversion_ports& ports, anim_conversion_result& result)
+        : m_request(request)
+        , m_ports(ports)
+        , m_result(result)
+        , m_template(makeTemplate(*request.template_data, request.bone_selection))
+    {
+    }
+
+    bool run(failure& why);
+
+private:
+    void log(const std::string& line) const { m_ports.log(line); }
+    bool refuse(failure& why, failure_kind kind, std::string what) const
+    {
+        return fail(why, kind, std::move(what), m_request.fbx_path);
+    }
+
+    bool readFile(failure& why);
+    void logUnit() const;
+    void chooseTake();
+    void collectBones();
+    std::string nodeName(std::size_t node) const;
+    bool matchBones(failure& why);
+    void keepOwnValues(const anim_template::bone& bone, sampled_bone& target);
+    void logDoubts(const std::set<std::string>& repeated) const;
+    void makeHeader();
+    bool chooseTimes(failure& why);
+    bool checkSize(failure& why) const;
+    bool sampleFrames(failure& why);
+    bool storeFrame(std::span<const bone_place> places, failure& why);
+    void watchMovement(std::size_t bone, const bone_place& place);
+    void logLosses() const;
+
+    const anim_conversion& m_request;
+    const anim_conversion_ports& m_ports;
+    anim_conversion_result& m_result;
+    anim_template m_template;
+    fbx_scene m_scene;
+    std::size_t m_take = fbx_none;
+    std::vector<std::size_t> m_nodes; // the skeleton's, in the order of the tree
+    std::vector<sampled_bone> m_bones;
+    fbx_ticks m_first = 0; // the first frame's
+    double m_rate = 0;
+    std::uint32_t m_frame_count = 0;
+    std::vector<bone_place> m_start;  // the first frame
+    std::vector<glm::dquat> m_before; // the rotations of the frame before
+    std::set<std::size_t> m_losses;   // bones that move without a track for it
+};
+
+bool conversion::readFile(failure& why)
+{
+    log("Reading .FBX file: " + m_request.fbx_path);
+    log("Importimg Scene... ");
+    fbx_document document;
+    if (!readFbx(m_request.fbx, document, why) || !readScene(std::move(document), m_scene, why))
+    {
+        why.path = m_request.fbx_path;
+        return false;
+    }
+    for (const std::string& note : m_scene.notes)
+        log("note: " + note);
+    return true;
+}
+
+void conversion::logUnit() const
+{
+    log("Performing unit/scale calculation...");
+    log("One unit is " + numberText(m_scene.unit_metres) + " m; " + axisText(m_scene.up) + " points up, " +
+        axisText(m_scene.front) + " to the front, " + axisText(m_scene.right) + " to the right");
+}
+
+void conversion::chooseTake()
+{
+    log(std::to_string(m_scene.stacks.size()) + " number of animation stacks/takes...");
+    if (m_scene.stacks.empty())
+        return log("There is no take: the bones are converted as they stand");
+    m_take = 0;
+    log("FBBX Animation Take 0: " + m_scene.stacks.front().name);
+    std::vector<std::string> others;
+    for (std::size_t i = 1; i < m_scene.stacks.size(); ++i)
+        others.push_back(m_scene.stacks[i].name);
+    if (!others.empty())
+        log("Only the first take is converted, not: " + nameList(others));
+}
+
+void conversion::collectBones()
+{
+    log("Converting FBX bone hierachy (tree) to linear data");
+    std::vector<std::size_t> open(m_scene.roots.rbegin(), m_scene.roots.rend());
+    std::size_t errors = 0;
+    while (!open.empty())
+    {
+        const std::size_t index = open.back();
+        const fbx_node& node = m_scene.nodes[index];
+        open.pop_back();
+        open.insert(open.end(), node.children.rbegin(), node.children.rend());
+        if (node.type != fbx_node_type::skeleton)
+            continue;
+        const bool has_parent = node.parent != fbx_none && m_scene.nodes[node.parent].type == fbx_node_type::skeleton;
+        if (!has_parent && !m_nodes.empty() && ++errors <= listed_errors) // the first bone is the root
+            log("ERROR: bone : " + displayText(node.name) + " has no parent");
+        m_nodes.push_back(index);
+    }
+    if (errors > listed_errors)
+        log("The same holds for " + std::to_string(errors - listed_errors) + " more bones");
+}
+
+// A bone that the FBX file does not have stays as the template has it.
+void conversion::keepOwnValues(const anim_template::bone& bone, sampled_bone& target)
+{
+    m_result.unmatched.push_back(bone.name);
+    log("EROOR: .ANMIM. Bone '" + displayText(bone.name) +
+        "' does not match any bones in FBX file: " + m_request.fbx_path);
+    if (bone.translation)
+        target.own_translation = *bone.translation / m_scene.unit_metres;
+    if (bone.rotation)
+        target.own_rotation = *bone.rotation;
+}
+
+// Names are compared as they are shown: FBX files hold UTF-8, .anim files any bytes.
+std::string conversion::nodeName(std::size_t node) const
+{
+    return displayText(m_scene.nodes[node].name);
+}
+
+bool conversion::matchBones(failure& why)
+{
+    std::unordered_map<std::string, std::size_t> by_name;
+    std::set<std::string> repeated;
+    for (const std::size_t node : m_nodes)
+        if (!by_name.emplace(nodeName(node), node).second)
+            repeated.insert(nodeName(node));
+    for (const anim_template::bone& bone : m_template.bones)
+    {
+        const auto found = by_name.find(displayText(bone.name));
+        sampled_bone& target = m_bones.emplace_back();
+        target.parent = bone.parent;
+        if (found != by_name.end())
+            target.node = found->second;
+        else
+            keepOwnValues(bone, target);
+    }
+    logDoubts(repeated);
+    if (m_result.unmatched.size() < m_bones.size())
+        return true;
+    const std::string text = "ERROR: Skeletons do not match, have you selected right files";
+    log(text);
+    return refuse(why, failure_kind::refused, text);
+}
+
+void conversion::logDoubts(const std::set<std::string>& repeated) const
+{
+    std::set<std::string> wanted;
+    for (const anim_template::bone& bone : m_template.bones)
+        wanted.insert(displayText(bone.name));
+    std::vector<std::string> surplus, doubtful, homeless;
+    for (const std::size_t node : m_nodes)
+        if (const std::string name = nodeName(node); !wanted.contains(name))
+            surplus.push_back(name);
+    std::set_intersection(repeated.begin(), repeated.end(), wanted.begin(), wanted.end(), std::back_inserter(doubtful));
+    for (std::size_t i = 0; i < m_bones.size(); ++i)
+        if (m_bones[i].node == fbx_none && !m_template.bones[i].translation && !m_template.bones[i].rotation)
+            homeless.push_back(m_template.bones[i].name);
+    if (m_nodes.empty())
+        log("There are no bones in the FBX file");
+    if (!surplus.empty())
+        log("Bones of the FBX file that the template does not have: " + nameList(surplus));
+    if (!doubtful.empty())
+        log("Several bones of the FBX file have the same name, the first one is taken: " + nameList(doubtful));
+    if (!homeless.empty() && homeless.size() < m_bones.size())
+        log("The template does not say either where these stand, they are put where their parents are: " +
+            nameList(homeless));
+}
+
+void conversion::makeHeader()
+{
+    const anim_data& source = *m_request.template_data;
+    anim_output& anim = m_result.anim;
+    anim.header_word = source.header_word;
+    anim.skeleton_name = source.skeleton_name;
+    for (const anim_template::bone& bone : m_template.bones)
+        anim.bones.push_back({bone.name, bone.parent});
+    anim.translation_map = m_template.translation_map;
+    anim.rotation_map = m_template.rotation_map;
+    anim.translation_scale = m_scene.unit_metres;
+    anim.frame_rate = static_cast<float>(m_rate);
+}
+
+bool conversion::checkSize(failure& why) const
+{
+    if (!(m_rate >= slowest_converted_rate && m_rate <= fastest_converted_rate))
+        return refuse(why, failure_kind::refused,
+                      numberText(m_rate) + " frames a second are no rate that can be converted");
+    const std::size_t moved = m_template.translationCount(), turned = m_template.rotationCount();
+    const std::uint64_t frame_bytes = 12 * moved + 8 * turned;
+    const std::string asked = std::to_string(m_frame_count) + " frames";
+    const std::uint32_t limit = frame_bytes == 0 ? anim_file::max_trackless_frames : max_converted_frames;
+    if (m_frame_count > limit)
+        return refuse(why, failure_kind::refused,
+                      asked + " are more than the " + std::to_string(limit) +
+                          " that can be converted: choose a lower rate or an earlier end");
+    if (m_frame_count * frame_bytes > max_converted_bytes)
+        return refuse(why, failure_kind::refused,
+                      asked + " of " + std::to_string(frame_bytes) + " bytes (" + std::to_string(moved) +
+                          " translations, " + std::to_string(turned) + " rotations) are more than the " +
+                          std::to_string(max_converted_bytes >> 20) +
+                          " MiB that can be converted: choose a lower rate or an earlier end");
+    return true;
+}
+
+bool conversion::chooseTimes(failure& why)
+{
+    fbx_ticks first = 0, last = 0;
+    const bool has_keys = m_take != fbx_none && m_scene.keySpan(m_scene.stacks[m_take], first, last);
+    if (m_take != fbx_none && !has_keys)
+    {
+        log("The take has no keys: nothing moves");
+        first = m_scene.stacks[m_take].begin;
+        last = m_scene.stacks[m_take].end;
+    }
+    m_first = m_request.start_seconds ? m_scene.ticks(*m_request.start_seconds) : first;
+    m_rate = m_request.frame_rate.value_or(m_scene.frames_per_second);
+    double end_time = std::max(m_scene.seconds(last) - m_scene.seconds(m_first), 0.0);
+    if (m_request.end_time)
+        end_time = *m_request.end_time;
+    if (m_request.frame_count)
+        end_time = std::max(*m_request.frame_count - 1.0, 0.0) / m_rate;
+    m_frame_count = m_request.frame_count.value_or(frameCount(m_rate, end_time));
+    m_result.anim.end_time = static_cast<float>(end_time);
+    if (m_take != fbx_none && m_first > last)
+        log("The start lies behind the end of the take: nothing moves");
+    if (has_keys)
+        log("The take's keys lie between " + numberText(m_scene.seconds(first)) + " and " +
+            numberText(m_scene.seconds(last)) + " seconds");
+    log(std::to_string(m_frame_count) + " frames at " + numberText(m_rate) + " a second, from " +
+        numberText(m_scene.seconds(m_first)) + " seconds on");
+    return checkSize(why);
+}
+
+bool conversion::sampleFrames(failure& why)
+{
+    fbx_bone_sampler sampler(m_scene, m_take, m_bones);
+    if (!sampler.hasAxes())
+        log("The axes of the FBX file contradict each other: Y is taken for up");
+    m_before.assign(m_bones.size(), glm::dquat(1, 0, 0, 0));
+    m_result.anim.frames.reserve(m_frame_count);
+    for (std::uint32_t frame = 0; frame < m_frame_count; ++frame)
+    {
+        if (!storeFrame(sampler.sample(later(m_first, m_scene.ticks(frame / m_rate))), why))
+            return false;
+        if (m_ports.progress && frame % 256 == 255)
+            m_ports.progress(frame + 1, m_frame_count);
+    }
+    return true;
+}
+
+bool conversion::storeFrame(std::span<const bone_place> places, failure& why)
+{
+    anim_output::frame& frame = m_result.anim.frames.emplace_back();
+    if (m_start.empty())
+        m_start.assign(places.begin(), places.end());
+    for (std::uint32_t i = 0; i < places.size(); ++i)
+    {
+        const glm::vec3 translation(places[i].translation);
+        glm::dquat rotation = places[i].rotation;
+        if (glm::dot(rotation, m_before[i]) < 0) // the same rotation, next to that of the frame before
+            rotation = -rotation;
+        const glm::quat stored(rotation);
+        if (!isFinite(translation) || !isFinite(stored) ||
+            !isFinite(glm::vec3(places[i].translation * m_scene.unit_metres)))
+            return refuse(why, failure_kind::malformed,
+                          "where the take puts the bone " + m_template.bones[i].name + " in frame " +
+                              std::to_string(m_result.anim.frames.size() - 1) + " is no number");
+        if (m_template.bones[i].has_translations)
+            frame.translations.emplace_hint(frame.translations.end(), i, translation);
+        if (m_template.bones[i].has_rotations)
+            frame.rotations.emplace_hint(frame.rotations.end(), i, stored);
+        m_before[i] = rotation;
+        watchMovement(i, places[i]);
+    }
+    return true;
+}
+
+void conversion::watchMovement(std::size_t bone, const bone_place& place)
+{
+    const bone_place& start = m_start[bone];
+    const anim_template::bone& target = m_template.bones[bone];
+    const double distance = glm::length(place.translation - start.translation) * m_scene.unit_metres;
+    if ((!target.has_translations && distance > still_distance) ||
+        (!target.has_rotations && std::abs(glm::dot(place.rotation, start.rotation)) < still_cosine))
+        m_losses.insert(bone);
+}
+
+// What an animator would miss in the file.
+void conversion::logLosses() const
+{
+    std::vector<std::string> moving, fixed;
+    for (const std::size_t bone : m_losses)
+        moving.push_back(m_template.bones[bone].name);
+    for (const anim_template::bone& bone : m_template.bones)
+        if (bone.has_static_value)
+            fixed.push_back(bone.name);
+    if (!moving.empty())
+        log("These bones move or turn in the take, but the template has no track for it: " + nameList(moving));
+    if (!fixed.empty())
+        log((m_request.version == 7
+                 ? "Static values of the template are not written, but the maps go on naming them, and the new file "
+                   "has "
+                   "others in their place; with the skeleton as template every bone has its own track: "
+                 : "Static values of the template are not written, these bones stand as their skeleton has them: ") +
+            nameList(fixed));
+}
+
+bool conversion::run(failure& why)
+{
+    if (!checkParents(*m_request.template_data, why))
+    {
+        log("ERROR: the template is damaged: " + describe(why));
+        return false;
+    }
+    if (!readFile(why))
+        return false;
+    logUnit();
+    chooseTake();
+    collectBones();
+    if (!m_template.unknown.empty())
+        log("Not in the template, though in the bone table: " + nameList(m_template.unknown));
+    if (!matchBones(why) || !chooseTimes(why))
+        return false;
+    makeHeader();
+    if (!sampleFrames(why))
+        return false;
+    logLosses();
+    log("FBX conversion process completed");
+    if (m_request.version == 7)
+        log("Files of version 7 are written as the games' tools take them: this program does not read them back");
+    return true;
+}
+
+} // namespace
+
+bool convertToAnim(const anim_conversion& request, const anim_conversion_ports& ports, anim_conversion_result& result,
+                   failure& why)
+{
+    result = {};
+    return conversion(request, ports, result).run(why);
+}
+
+bool convertToAnimFile(const anim_conversion& request, const std::string& output_path,
+                       const anim_conversion_ports& ports, user_prompt& prompt, anim_conversion_result& result,
+                       failure& why)
+{
+    ports.log("Starting new Anim File....");
+    const bool is_done =
+        convertToAnim(request, ports, result, why) && writeAnim(result.anim, request.version, output_path, prompt, why);
+    ports.log(is_done ? "Sucess!" : "Failure");
+    return is_done;
+}
+
+} // namespace korvane
