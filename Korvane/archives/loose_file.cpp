@@ -11,6 +11,18 @@ namespace korvane
 namespace
 {
 
+// With '/', and without blanks at the ends: those of a disk that is asked would count.
+std::string relativePath(std::string_view internal_path)
+{
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t begin = internal_path.find_first_not_of(blanks);
+    if (begin == std::string_view::npos)
+        return {};
+    std::string path(internal_path.substr(begin, internal_path.find_last_not_of(blanks) + 1 - begin));
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
 // Only plain names between the slashes: what a file says must not lead anywhere else on the disk.
 bool staysInside(const std::string& path)
 {
@@ -35,10 +47,15 @@ std::string existingFile(const std::filesystem::path& folder, const std::string&
 
 } // namespace
 
+std::string findFileBelow(const std::string& folder, std::string_view internal_path)
+{
+    const std::string relative = relativePath(internal_path);
+    return staysInside(relative) ? existingFile(toPath(existingPathAnyCase(folder)), relative) : std::string();
+}
+
 std::string findLooseFile(std::string_view internal_path, const std::string& around)
 {
-    std::string relative(internal_path);
-    std::replace(relative.begin(), relative.end(), '\\', '/');
+    const std::string relative = relativePath(internal_path);
     if (!staysInside(relative))
         return {};
     std::error_code error;

@@ -9,10 +9,13 @@
 namespace korvane
 {
 
-// Where the file of an internal path ('\' or '/', any case) lies on the disk around another file, which need not exist;
-// empty when nowhere. Tried in this order, without regard to case: the path below the other file's folder, below each
-// folder that contains it, and the bare file name in its folder. A path that leaves these folders (a drive, a root,
-// "..") finds nothing.
+// Where the file of an internal path ('\' or '/', any case, blanks at its ends passed over) lies on the disk around
+// another file, which need not exist; empty when nowhere. Tried in this order, without regard to case: the path below
+// the other file's folder, below each folder that contains it, and the bare file name in its folder. A path that leaves
+// these folders (a drive, a root, "..") finds nothing.
 [[nodiscard]] std::string findLooseFile(std::string_view internal_path, const std::string& around);
+
+// The same in one folder only, below it; empty when it is not there.
+[[nodiscard]] std::string findFileBelow(const std::string& folder, std::string_view internal_path);
 
 } // namespace korvane

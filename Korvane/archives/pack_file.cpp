@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/byte_reader.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/internal_path.h"
 
 #include <algorithm>
 #include <array>

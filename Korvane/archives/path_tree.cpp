@@ -1,6 +1,7 @@
 #include "Korvane/archives/path_tree.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/internal_path.h"
 
 #include <algorithm>
 #include <bit>
@@ -15,20 +16,11 @@ namespace
 
 constexpr std::size_t longest_run = 64;
 
-constexpr std::uint64_t ones = 0x0101010101010101u;
-constexpr std::uint64_t separators = '\\' * ones;
-
 std::uint64_t wordAt(const char* bytes)
 {
     std::uint64_t word;
     std::memcpy(&word, bytes, sizeof word);
     return word;
-}
-
-// The high bit of every byte that is zero (and perhaps of one above such a byte: enough to know whether there is any).
-std::uint64_t zeroBytes(std::uint64_t word)
-{
-    return (word - ones) & ~word & (0x80u * ones);
 }
 
 // Paths are hashed and compared sixteen bytes at a time, from their beginning, with zeros behind their end. So a lookup
@@ -166,30 +158,6 @@ private:
 
 } // namespace
 
-bool hasEmptyComponents(std::string_view path)
-{
-    if (path.empty() || path.front() == '\\' || path.back() == '\\')
-        return true;
-    // Eight neighbours at a time: a byte of the sum is zero where a separator follows a separator.
-    std::size_t at = 1;
-    for (; at + 8 <= path.size(); at += 8)
-        if (zeroBytes((wordAt(path.data() + at) ^ separators) | (wordAt(path.data() + at - 1) ^ separators)) != 0)
-            return true;
-    for (; at < path.size(); ++at)
-        if (path[at] == '\\' && path[at - 1] == '\\')
-            return true;
-    return false;
-}
-
-std::size_t dropEmptyComponents(char* path, std::size_t length)
-{
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < length; ++i)
-        if (path[i] != '\\' || (kept > 0 && path[kept - 1] != '\\'))
-            path[kept++] = path[i];
-    return kept > 0 && path[kept - 1] == '\\' ? kept - 1 : kept;
-}
-
 std::string_view pack_file_node::fileName() const
 {
     return korvane::fileName(internalPath());
@@ -232,6 +200,34 @@ const path_node* path_tree::findStored(std::string_view path) const
     const std::string_view stored = std::string_view(copy).substr(0, path.size());
     const slot* const found = path.empty() ? nullptr : findSlot(stored, hashOf(stored));
     return found && found->node != 0 ? &m_nodes[found->node] : nullptr;
+}
+
+const pack_file_node* path_tree::findFile(std::string_view path) const
+{
+    const auto fileOf = [](const path_node* node) { return node ? node->file() : nullptr; };
+    if (path.find('/') != std::string_view::npos)
+        if (const pack_file_node* const stored = fileOf(findStored(toLower(path))))
+            return stored;
+    if (const pack_file_node* const file = fileOf(find(path)))
+        return file;
+    const std::string normal = normalInternalPath(path);
+    if (const pack_file_node* const file = fileOf(find(normal)))
+        return file;
+    const std::lock_guard lock(m_odd_lock);
+    if (!m_po_odd)
+        indexOdd();
+    const auto found = m_po_odd->find(normal);
+    return found == m_po_odd->end() ? nullptr : found->second;
+}
+
+void path_tree::indexOdd() const
+{
+    auto index = std::make_unique<std::unordered_map<std::string, const pack_file_node*>>();
+    for (const std::span<const pack_file_node>& files : m_entries)
+        for (const pack_file_node& file : files)
+            if (isOddlyStored(file.internalPath()))
+                (*index)[normalInternalPath(file.internalPath())] = &file; // the last one wins
+    m_po_odd = std::move(index);
 }
 
 std::vector<const path_node*> path_tree::children(const path_node& folder) const
@@ -314,6 +310,7 @@ void path_tree::enter(std::unique_ptr<archive_record> archive, std::span<const p
 {
     m_archives.push_back(std::move(archive));
     m_entries.push_back(entered);
+    m_po_odd.reset();
     std::vector<std::uint64_t> hashes;
     for (std::size_t begin = 0; begin < entered.size();)
     {

@@ -14,18 +14,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace korvane
 {
-
-// True for a path with an empty component: two separators in a row, or one at either end.
-[[nodiscard]] bool hasEmptyComponents(std::string_view path);
-// Drops them in place; returns the new length.
-[[nodiscard]] std::size_t dropEmptyComponents(char* path, std::size_t length);
 
 // One archive: what is known of the file on disk. Entries refer to it.
 struct archive_record
@@ -109,6 +106,11 @@ public:
     const path_node* find(std::string_view path) const;
     // The node of a path exactly as it is stored, where '/' is an ordinary character.
     const path_node* findStored(std::string_view path) const;
+    // The file of a path as a person, a model or a definition spells it: '\' or '/', in any case, blanks and separators
+    // at its ends passed over. What an archive stores just so counts first; last of all the stored paths that have a
+    // '/' or such blanks themselves. Null when there is none, or only a folder. Valid as long as the caller holds the
+    // tree. This is the one way in which files are looked up, but where a listing goes from path to path.
+    const pack_file_node* findFile(std::string_view path) const;
 
     const path_node& root() const { return m_nodes.front(); }
     std::vector<const path_node*> children(const path_node& folder) const; // ordered by name
@@ -165,12 +167,16 @@ private:
     std::uint32_t findOrAdd(std::string_view path, std::size_t name_at, std::uint64_t hash, std::uint32_t parent);
     const slot* findSlot(std::string_view path, std::uint64_t hash) const;
     void grow(std::size_t slot_count);
+    void indexOdd() const;
 
     large_vector<path_node> m_nodes; // the root first
     large_vector<slot> m_slots;      // a power of two, in buckets
     std::vector<std::unique_ptr<archive_record>> m_archives;
     std::vector<std::span<const pack_file_node>> m_entries;
     arena m_memory;
+    // Made when a look-up first finds nothing else: the oddly stored files by their normal paths.
+    mutable std::mutex m_odd_lock;
+    mutable std::unique_ptr<std::unordered_map<std::string, const pack_file_node*>> m_po_odd;
 };
 
 } // namespace korvane

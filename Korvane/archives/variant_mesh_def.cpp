@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/memory_file.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/internal_path.h"
 #include "Korvane/archives/pack_entry.h"
 #include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/variant_mesh_def_text.h"
@@ -237,18 +238,6 @@ std::string_view variant_tag::attribute(std::string_view wanted) const
         if (equalsIgnoringCase(attribute_name, wanted))
             return value;
     return {};
-}
-
-std::string normalInternalPath(std::string_view quoted)
-{
-    constexpr std::string_view passed_over = " \t\r\n/\\"; // at the ends
-    const std::size_t begin = quoted.find_first_not_of(passed_over);
-    if (begin == std::string_view::npos)
-        return {};
-    std::string path = toLower(quoted.substr(begin, quoted.find_last_not_of(passed_over) + 1 - begin));
-    std::replace(path.begin(), path.end(), '/', '\\');
-    path.resize(dropEmptyComponents(path.data(), path.size()));
-    return path;
 }
 
 std::vector<std::string> variant_mesh_def::models() const

@@ -39,10 +39,6 @@ struct variant_tag
     std::string_view attribute(std::string_view wanted) const;
 };
 
-// A path as a definition quotes it, in the form of the archives: lower case (ASCII), '\' between components, none of
-// them empty (so "\\" counts as "\"), without blanks and separators at the ends.
-[[nodiscard]] std::string normalInternalPath(std::string_view quoted);
-
 // A reference that could not be followed, or a limit that was met.
 struct variant_problem
 {
@@ -87,7 +83,7 @@ public:
 
     const std::string& path() const { return m_path; } // as it was given; empty: nothing is open
     const variant_tag& root() const { return m_root; }
-    // The internal paths of all models in document order, as normalInternalPath() gives them; meshes without a model
+    // The internal paths of all models in document order, as normalInternalPath() of internal_path.h gives them; meshes without a model
     // are left out, a model that is named twice stands there twice.
     [[nodiscard]] std::vector<std::string> models() const;
     // What could not be followed, one line each, none twice.

@@ -1,5 +1,6 @@
 // variant: what a variant mesh definition puts together.
 
+#include "Korvane/archives/internal_path.h"
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"

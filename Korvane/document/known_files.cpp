@@ -6,9 +6,9 @@
 #include "Korvane/animation/anim_file.h"
 #include "Korvane/animation/anim_search.h"
 #include "Korvane/archives/entry_start.h"
+#include "Korvane/archives/internal_path.h"
 #include "Korvane/archives/loose_file.h"
 #include "Korvane/archives/pack_entry.h"
-#include "Korvane/archives/variant_mesh_def.h"
 
 #include <array>
 #include <cstring>

@@ -3,9 +3,9 @@
 #include "DDSTextureLoader/dds_image.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/extraction_folder.h"
+#include "Korvane/archives/internal_path.h"
 #include "Korvane/archives/loose_file.h"
 #include "Korvane/archives/pack_entry.h"
-#include "Korvane/archives/variant_mesh_def.h"
 #include "Korvane/textures/dds_decoder.h"
 #include "Korvane/textures/normal_map.h"
 

@@ -1,7 +1,7 @@
 #include "Korvane/textures/texture_paths.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/variant_mesh_def.h"
+#include "Korvane/archives/internal_path.h"
 
 #include <algorithm>
 #include <unordered_map>

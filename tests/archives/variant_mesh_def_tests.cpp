@@ -1,5 +1,6 @@
 #include "Korvane/archives/variant_mesh_def.h"
 
+#include "Korvane/archives/internal_path.h"
 #include "Korvane/archives/pack_file.h"
 #include "tests/support/pack_builder.h"
 #include "tests/support/temporary_folder.h"

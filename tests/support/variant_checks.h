@@ -2,6 +2,7 @@
 
 // What holds for every variant mesh definition that was opened, however damaged its text was.
 
+#include "Korvane/archives/internal_path.h"
 #include "Korvane/archives/variant_mesh_def.h"
 
 #include <string>

@@ -13,7 +13,7 @@ FLOORS = [
     {"EASY_GUI/services"},
     {"EASY_GUI/win32"},
     {"Korvane/models", "Korvane/archives", "DDSTextureLoader"},
-    {"Korvane/animation", "Korvane/textures"},
+    {"Korvane/animation", "Korvane/game", "Korvane/textures"},
     {"Korvane/posing"},
     {"Korvane/document", "D3D11_RENDER_LIB", "tools/demo_data"},
     {"Korvane/fbx/container"},

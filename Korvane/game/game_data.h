@@ -1,0 +1,66 @@
+#pragma once
+
+// The game's files as one value: folders laid over the archives (a person's own work), the archives, and the disk
+// around a file. Immutable: made by game_loader.h, handed around as a const reference, between threads as a shared
+// pointer to const, and used from any thread. Paths may be spelled with '\' or '/', in any case, with blanks at their
+// ends; nothing that a path says leads out of the folders in which it is looked for.
+
+#include "Korvane/archives/path_tree.h"
+#include "Korvane/game/game_file.h"
+#include "Korvane/game/game_path.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvane
+{
+
+class game_data
+{
+public:
+    game_data() = default; // no archives and no folders: the disk alone
+    // A null tree: no archives are loaded. Of several folders the first that has a file counts.
+    explicit game_data(std::shared_ptr<const path_tree> archives, std::vector<std::string> folders_over = {})
+        : m_po_archives(std::move(archives))
+        , m_folders_over(std::move(folders_over))
+    {
+    }
+
+    bool hasArchives() const { return m_po_archives != nullptr; }
+    // For listings and searches; null: none are loaded.
+    const std::shared_ptr<const path_tree>& archives() const { return m_po_archives; }
+    const std::vector<std::string>& foldersOver() const { return m_folders_over; }
+
+    // The game's file of that internal path: in a folder over the archives, else in the archives.
+    [[nodiscard]] game_file find(std::string_view internal_path) const;
+    // The same, and where neither has it, on the disk around another file (loose_file.h), as for the textures of a
+    // model. An internal path has no disk around it.
+    [[nodiscard]] game_file findAround(std::string_view internal_path, const game_path& around) const;
+    // The skeleton of an id: below "animations\skeletons" in a folder over the archives; the first entry whose path
+    // ends with "skeletons\ID.anim"; without any archives below "animations\skeletons" around a file on the disk.
+    [[nodiscard]] game_file findSkeleton(std::string_view id, const game_path& around) const;
+
+    // Reads what a path names, from the disk or, with "pack:", out of the game. On failure bytes stays as it is, and
+    // not_found says whether there are no archives, or none that holds it.
+    [[nodiscard]] bool read(const game_path& path, memory_file& bytes, failure& why) const;
+    // The bytes of a model's texture, found around the model; nothing when there is none or it cannot be read. For an
+    // entry that is there but damaged the log, which may be empty, gets a line.
+    [[nodiscard]] std::optional<memory_file> readTexture(std::string_view internal_path, const game_path& around,
+                                                         const std::function<void(const std::string&)>& log) const;
+
+private:
+    game_file findOver(std::string_view internal_path) const;
+    game_file ofEntry(const pack_file_node* entry) const;
+
+    std::shared_ptr<const path_tree> m_po_archives;
+    std::vector<std::string> m_folders_over;
+};
+
+// What is loaded in this process (pack_file::sm_poPathTree), for the one who hands it on.
+[[nodiscard]] game_data publishedGame();
+
+} // namespace korvane

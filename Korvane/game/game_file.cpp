@@ -1,0 +1,31 @@
+#include "Korvane/game/game_file.h"
+
+#include "EASY_GUI/services/positioned_file.h"
+#include "Korvane/archives/entry_start.h"
+#include "Korvane/archives/pack_entry.h"
+
+#include <algorithm>
+
+namespace korvane
+{
+
+bool game_file::read(memory_file& bytes, failure& why) const
+{
+    return m_po_entry ? readEntry(*m_po_entry, bytes, why) : bytes.read(m_disk_path, why);
+}
+
+bool game_file::readStart(std::span<std::byte> target, std::size_t& count, failure& why) const
+{
+    if (m_po_entry)
+        return readEntryStart(*m_po_entry, target, count, why);
+    positioned_file file;
+    if (!file.open(m_disk_path, why))
+        return false;
+    const auto there = static_cast<std::size_t>(std::min<std::uint64_t>(target.size(), file.size()));
+    if (!file.readAt(0, target.first(there)))
+        return fail(why, failure_kind::unreadable, "the file cannot be read", m_disk_path);
+    count = there;
+    return true;
+}
+
+} // namespace korvane
