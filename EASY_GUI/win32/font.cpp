@@ -1,5 +1,6 @@
 #include "EASY_GUI/win32/font.h"
 
+#include "EASY_GUI/win32/dpi.h"
 #include "EASY_GUI/win32/wide_text.h"
 
 namespace korvane
@@ -30,19 +31,6 @@ private:
     HDC m_context;
     HGDIOBJ m_old;
 };
-
-LOGFONTW messageFont(unsigned dpi)
-{
-    NONCLIENTMETRICSW metrics{};
-    metrics.cbSize = sizeof(metrics);
-    if (SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0, dpi))
-        return metrics.lfMessageFont;
-    if (SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0))
-        return metrics.lfMessageFont; // of the system's density: too small or large, but there
-    LOGFONTW fallback{};
-    GetObjectW(GetStockObject(DEFAULT_GUI_FONT), sizeof(fallback), &fallback);
-    return fallback;
-}
 
 } // namespace
 

@@ -1,5 +1,6 @@
 #include "EASY_GUI/win32/window.h"
 
+#include "EASY_GUI/win32/dpi.h"
 #include "EASY_GUI/win32/wide_text.h"
 
 #include <exception>
@@ -70,6 +71,7 @@ void window::detach()
     if (m_handle != nullptr)
         windowsByHandle().erase(m_handle);
     m_handle = nullptr;
+    m_dpi = 0;
 }
 
 window* window::fromHandle(HWND handle)
@@ -170,8 +172,8 @@ void window::invalidate()
 
 unsigned window::dpi() const
 {
-    const unsigned dpi = m_handle != nullptr ? GetDpiForWindow(m_handle) : GetDpiForSystem();
-    return dpi != 0 ? dpi : 96;
+    const window* const top = fromHandle(GetAncestor(m_handle, GA_ROOT));
+    return top != nullptr && top->m_dpi != 0 ? top->m_dpi : dpiOf(m_handle);
 }
 
 LRESULT CALLBACK window::windowProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam)
@@ -261,10 +263,11 @@ bool window::handleGeometry(UINT message, WPARAM wparam, LPARAM lparam)
     }
     case WM_DPICHANGED:
     {
+        m_dpi = HIWORD(wparam);
         const RECT& suggested = *reinterpret_cast<const RECT*>(lparam);
         SetWindowPos(m_handle, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
                      suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
-        onDpiChanged(HIWORD(wparam));
+        onDpiChanged(m_dpi);
         return true;
     }
     default:

@@ -77,7 +77,8 @@ public:
     RECT clientRectangle() const;
     void invalidate();
 
-    unsigned dpi() const; // of the monitor that shows the window; the system's while there is no window
+    // Of the monitor that shows the top-level window around this one; the system's while there is no window.
+    unsigned dpi() const;
     int scaled(int pixels_at_96) const { return MulDiv(pixels_at_96, static_cast<int>(dpi()), 96); }
 
     // The object that owns the handle; null for windows that are not of this class.
@@ -115,6 +116,7 @@ private:
     void detach();
 
     HWND m_handle = nullptr;
+    unsigned m_dpi = 0; // of the last WM_DPICHANGED; 0: none came, the system knows it
 };
 
 } // namespace korvane
