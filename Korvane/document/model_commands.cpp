@@ -49,7 +49,7 @@ command_outcome model_commands::save()
     if (!hasModel())
         return command_outcome::cancelled;
     const std::string path = m_document.model().file()->path();
-    return isPackPath(path) ? saveAs() : saveTo(path);
+    return isPackPath(path) || m_document.model().savesElsewhere() ? saveAs() : saveTo(path);
 }
 
 command_outcome model_commands::saveAs()

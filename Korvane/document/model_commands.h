@@ -47,8 +47,8 @@ public:
 
     bool isEnabled(document_command command) const;
 
-    // To the model's own path; a model out of an archive gets one first. A model that was patched is only written after
-    // a warning, and the patched file is offered instead.
+    // To the model's own path; a model out of an archive, and one whose file has become another, get one first. A model
+    // that was patched is only written after a warning, and the patched file is offered instead.
     command_outcome save();
     command_outcome saveAs();
     command_outcome patch();

@@ -77,6 +77,7 @@ public:
     // True while undo or redo would be needed to come back to what was saved or loaded.
     bool isEdited() const { return m_saved != m_done; }
     void markSaved() { m_saved = m_done; }
+    void markEdited() { m_saved.reset(); } // the file image itself is what was not saved
 
     // All that would be different after a save, in the order of the file.
     [[nodiscard]] std::vector<field_change> changes() const;

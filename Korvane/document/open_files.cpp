@@ -4,6 +4,8 @@
 #include "EASY_GUI/services/version.h"
 #include "Korvane/archives/game_file.h"
 
+#include <utility>
+
 namespace korvane
 {
 
@@ -21,6 +23,12 @@ bool open_files::open(const std::string& path, failure& why)
         return false;
     m_shown = is_definition ? kind::definition : kind::model;
     return true;
+}
+
+void open_files::openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere)
+{
+    m_model.openKept(std::move(model), std::move(origin), is_elsewhere);
+    m_shown = kind::model;
 }
 
 void open_files::close()

@@ -38,6 +38,8 @@ public:
     // What can no longer be opened stays as it was; a message for each. A model with edits is left alone.
     [[nodiscard]] std::vector<open_error> reopen();
 
+    void openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere); // open_model.h
+
     kind shown() const { return m_shown; } // what was opened last
     // "Reset": nothing is open any more.
     void close();

@@ -17,11 +17,42 @@ bool open_model::open(const std::string& path, failure& why)
     if (isPackPath(path) ? !readGameFile(path, bytes, why) || !fresh->openFromMemory(std::move(bytes), path, why)
                          : !fresh->open(path, why))
         return false;
-    m_po_editor = std::make_unique<model_editor>(*fresh);
-    m_po_file = std::move(fresh);
+    replace(std::move(fresh));
+    tellKeeper(image_state::other);
+    return true;
+}
+
+void open_model::openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere)
+{
+    replace(std::move(model));
+    m_po_editor->markEdited();
+    m_origin = std::move(origin);
+    m_saves_elsewhere = is_elsewhere;
+    tellKeeper(image_state::other);
+}
+
+void open_model::replace(std::shared_ptr<rmv2_file> model)
+{
+    m_po_editor = std::make_unique<model_editor>(*model);
+    m_po_file = std::move(model);
+    m_origin = {};
+    m_saves_elsewhere = false;
     m_patched_path.clear();
     select(m_selection);
-    return true;
+}
+
+void open_model::tellKeeper(image_state state)
+{
+    if (m_po_keeper == nullptr)
+        return;
+    m_is_held = m_is_held && state == image_state::same && isEdited();
+    if (!isEdited())
+        return m_po_keeper->release();
+    if (m_is_held)
+        return m_po_keeper->update(savedEdits(*m_po_file));
+    const edit_origin origin = m_origin.path.empty() ? edit_origin{m_po_file->path(), ""} : m_origin;
+    m_po_keeper->hold(origin, m_po_file->image().bytes(), savedEdits(*m_po_file));
+    m_is_held = true;
 }
 
 void open_model::close()
@@ -30,6 +61,7 @@ void open_model::close()
     m_po_file.reset();
     m_patched_path.clear();
     select({});
+    tellKeeper(image_state::other);
 }
 
 std::shared_ptr<const RMV2_FILE_DATA> open_model::data() const
@@ -61,6 +93,7 @@ edit_result open_model::chooseAlphaMode(int position)
     static_cast<void>(m_po_editor->setAlphaMode(
         {static_cast<std::size_t>(m_selection.lod), static_cast<std::size_t>(m_selection.group)},
         choices[static_cast<std::size_t>(position)].value, m_scope, result, never));
+    tellKeeper(image_state::same);
     return result;
 }
 
@@ -74,19 +107,24 @@ edit_result open_model::chooseTexture(std::size_t row, const std::string& chosen
     static_cast<void>(m_po_editor->setTexturePath(
         {static_cast<std::size_t>(m_selection.lod), static_cast<std::size_t>(m_selection.group), row},
         pathWithChosenFile(group->textures[row], chosen_file), m_scope, result, never));
+    tellKeeper(image_state::same);
     return result;
 }
 
 void open_model::undo()
 {
-    if (canUndo())
-        m_po_editor->undo();
+    if (!canUndo())
+        return;
+    m_po_editor->undo();
+    tellKeeper(image_state::same);
 }
 
 void open_model::redo()
 {
-    if (canRedo())
-        m_po_editor->redo();
+    if (!canRedo())
+        return;
+    m_po_editor->redo();
+    tellKeeper(image_state::same);
 }
 
 std::vector<field_change> open_model::changes() const
@@ -99,6 +137,9 @@ bool open_model::save(const std::string& path, failure& why)
     if (!saveModel(*m_po_file, path, why))
         return false;
     m_po_editor->markSaved();
+    m_origin = {};
+    m_saves_elsewhere = false;
+    tellKeeper(image_state::other);
     return true;
 }
 
@@ -107,6 +148,7 @@ bool open_model::patch(const std::string& path, failure& why)
     if (!patchToVersion7(*m_po_file, path, why))
         return false;
     m_patched_path = path;
+    tellKeeper(image_state::other); // which got another version word
     return true;
 }
 

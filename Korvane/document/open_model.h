@@ -3,6 +3,7 @@
 // The model that is open, what is selected in it, and its edits. No window is known here; texts are UTF-8. One thread.
 
 #include "EASY_GUI/services/failure.h"
+#include "Korvane/document/kept_edits.h"
 #include "Korvane/document/model_editor.h"
 #include "Korvane/document/panel_contents.h"
 #include "Korvane/models/rmv2_file.h"
@@ -21,6 +22,12 @@ public:
     // group are chosen.
     [[nodiscard]] bool open(const std::string& path, failure& why);
     void close();
+    // Edits that were kept when a program ended, in place of what was open: they are not saved, and there is no undo to
+    // before them. is_elsewhere: what stands at the path now is not what was edited, a save has to ask for a path.
+    void openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere);
+    bool savesElsewhere() const { return m_saves_elsewhere; }
+    // Holds the unsaved edits from now on; outlives the model.
+    void setKeeper(edit_keeper& keeper) { m_po_keeper = &keeper; }
 
     bool hasModel() const { return m_po_file != nullptr; }
     const rmv2_file* file() const { return m_po_file.get(); } // null: none
@@ -56,6 +63,18 @@ public:
     const std::string& patchedPath() const { return m_patched_path; }
 
 private:
+    enum class image_state
+    {
+        same, // as the keeper got it
+        other
+    };
+    void replace(std::shared_ptr<rmv2_file> model);
+    void tellKeeper(image_state state); // after all that changes the edits
+
+    edit_keeper* m_po_keeper = nullptr;
+    bool m_is_held = false; // by the keeper
+    edit_origin m_origin;   // of kept edits
+    bool m_saves_elsewhere = false;
     std::shared_ptr<rmv2_file> m_po_file;
     std::unique_ptr<model_editor> m_po_editor; // of the file
     model_selection m_selection;

@@ -29,56 +29,58 @@ std::uint32_t imageVersion(const rmv2_file& model)
     return littleEndian<std::uint32_t>(model.image().bytes().data() + version_offset);
 }
 
-// Calls edit for every field that a save writes, in the order of the file.
-template <class function>
-void forEachSavedField(const RMV2_FILE_DATA& model, const function& edit)
-{
-    for (const lod_data& lod : model.lods)
-        for (const group_data& group : lod.groups)
-            for (const texture_entry& texture : group.textures)
-            {
-                edit(texture.path_field);
-                edit(group.alpha_mode_field); // once per texture, so never for a group without textures
-            }
-}
-
 // The edits in the image, for as long as it takes to write it; kept when it was written.
 class image_edit
 {
 public:
     explicit image_edit(rmv2_file& model) : m_image(model.image().mutableBytes())
     {
-        forEachSavedField(model.data(), [this](const fixed_field& field) {
-            if (field.isEdited())
-                apply(field);
-        });
+        for (const image_patch& edit : savedEdits(model))
+        {
+            const auto place = at(edit.file_offset);
+            const auto end = place + static_cast<std::ptrdiff_t>(edit.bytes.size());
+            m_former.push_back({edit.file_offset, std::vector<std::byte>(place, end)});
+            std::copy(edit.bytes.begin(), edit.bytes.end(), place);
+        }
     }
     image_edit(const image_edit&) = delete;
     image_edit& operator=(const image_edit&) = delete;
     ~image_edit()
     {
         for (auto former = m_former.rbegin(); former != m_former.rend(); ++former)
-            std::copy(former->second.begin(), former->second.end(), at(former->first));
+            std::copy(former->bytes.begin(), former->bytes.end(), at(former->file_offset));
     }
     void keep() { m_former.clear(); }
 
 private:
-    void apply(const fixed_field& field)
-    {
-        const auto stored = field.storedBytes();
-        m_former.emplace_back(field.fileOffset(), std::vector<std::byte>(stored.begin(), stored.end()));
-        std::copy(field.bytes().begin(), field.bytes().end(), at(field.fileOffset()));
-    }
     std::span<std::byte>::iterator at(std::uint64_t offset) const
     {
         return m_image.begin() + static_cast<std::ptrdiff_t>(offset);
     }
 
     std::span<std::byte> m_image;
-    std::vector<std::pair<std::uint64_t, std::vector<std::byte>>> m_former; // offset, bytes
+    std::vector<image_patch> m_former;
 };
 
 } // namespace
+
+std::vector<image_patch> savedEdits(const rmv2_file& model)
+{
+    std::vector<image_patch> edits;
+    const auto add = [&edits](const fixed_field& field) {
+        if (field.isEdited())
+            edits.push_back({field.fileOffset(), {field.bytes().begin(), field.bytes().end()}});
+    };
+    for (const lod_data& lod : model.data().lods)
+        for (const group_data& group : lod.groups)
+        {
+            if (!group.textures.empty())
+                add(group.alpha_mode_field);
+            for (const texture_entry& texture : group.textures)
+                add(texture.path_field);
+        }
+    return edits;
+}
 
 bool saveModel(rmv2_file& model, const std::string& path, failure& why)
 {

@@ -8,10 +8,22 @@
 #include "EASY_GUI/services/failure.h"
 #include "Korvane/models/rmv2_file.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace korvane
 {
+
+// Bytes that an edit puts into the file image.
+struct image_patch
+{
+    std::uint64_t file_offset;
+    std::vector<std::byte> bytes;
+};
+// What saveModel would put into the image: with it the image is the file that a save would write.
+[[nodiscard]] std::vector<image_patch> savedEdits(const rmv2_file& model);
 
 // Writes the texture paths and alpha modes into the image, the image to the path, and makes the path the model's own.
 // An alpha mode is written together with its group's textures: that of a group without textures never reaches the file.

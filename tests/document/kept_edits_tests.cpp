@@ -1,0 +1,220 @@
+// Edits that a program kept when it had to end, and the next start.
+
+#include "Korvane/document/kept_edits.h"
+#include "Korvane/document/model_commands.h"
+#include "tests/support/model_builder.h"
+#include "tests/support/recording_prompt.h"
+#include "tests/support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace korvane::test
+{
+namespace
+{
+
+class kept_edits_test : public testing::Test
+{
+protected:
+    struct program // one run of it
+    {
+        explicit program(const std::string& folder) : keeper(folder) { document.model().setKeeper(keeper); }
+        edit_keeper keeper;
+        open_files document;
+    };
+
+    std::string write(std::uint32_t version = 7)
+    {
+        test_model model;
+        model.version = version;
+        model.lods = {{test_group{}}, {test_group{}}};
+        writeBytes(m_path, model.bytes());
+        return m_path;
+    }
+    void open(program& which)
+    {
+        failure why;
+        ASSERT_TRUE(which.document.open(m_path, why)) << describe(why);
+    }
+    // What another thread keeps; its folder, or nothing.
+    std::string keep(program& which)
+    {
+        edit_keeper::outcome outcome{};
+        std::string where;
+        failure why;
+        std::thread([&] { outcome = which.keeper.keep(where, why); }).join();
+        EXPECT_NE(outcome, edit_keeper::outcome::failed) << describe(why);
+        return outcome == edit_keeper::outcome::kept ? where : "";
+    }
+    bool offer(program& which)
+    {
+        return offerKeptEdits(m_kept, which.document, m_prompt, [this](const std::string& line) { m_log = line; });
+    }
+
+    temporary_folder m_folder;
+    std::string m_path = m_folder.file("soldier.rigid_model_v2");
+    std::string m_kept = m_folder.file("kept");
+    recording_prompt m_prompt;
+    std::string m_log;
+};
+
+TEST_F(kept_edits_test, WhatASaveWouldHaveWrittenIsOfferedAndSavedToItsOwnPath)
+{
+    for (const std::uint32_t version : {5u, 6u, 7u, 8u})
+    {
+        write(version);
+        {
+            program first(m_kept);
+            open(first);
+            EXPECT_EQ(keep(first), "") << "nothing was edited";
+            first.document.model().chooseTexture(0, "other.dds");
+            first.document.model().chooseAlphaMode(1);
+            first.document.model().undo();
+            first.document.model().chooseAlphaMode(2);
+            const std::string where = keep(first);
+            EXPECT_EQ(keep(first), "") << "kept once";
+            ASSERT_TRUE(first.document.model().chooseAlphaMode(1).changed) << "another thread does not mind";
+            first.document.model().undo();
+            failure why;
+            ASSERT_TRUE(first.document.model().save(m_folder.file("saved"), why)) << describe(why);
+            EXPECT_EQ(readBytes(where + "model.rigid_model_v2"), readBytes(m_folder.file("saved")));
+        }
+        m_prompt.confirmations = {true};
+        program second(m_kept);
+        ASSERT_TRUE(offer(second));
+        EXPECT_NE(m_prompt.shown.back().second.find(m_path), std::string::npos);
+        EXPECT_EQ(second.document.title(),
+                  "Korvane 0.5.1a   RMV2: [soldier.rigid_model_v2] VMD: [no file loaded]*[edited]");
+        EXPECT_FALSE(offer(second)) << "it is gone";
+        model_commands commands(second.document, m_prompt);
+        EXPECT_EQ(commands.save(), command_outcome::done);
+        EXPECT_EQ(readBytes(m_path), readBytes(m_folder.file("saved")));
+        EXPECT_EQ(keep(second), "") << "saved";
+    }
+}
+
+TEST_F(kept_edits_test, AModelThatWasOpenedSoIsKeptAgain)
+{
+    write();
+    program first(m_kept);
+    open(first);
+    first.document.model().chooseAlphaMode(1);
+    keep(first);
+    m_prompt.will_confirm = true;
+    program second(m_kept);
+    ASSERT_TRUE(offer(second));
+    const std::string where = keep(second);
+    ASSERT_NE(where, "");
+    program third(m_kept);
+    ASSERT_TRUE(offer(third));
+    EXPECT_FALSE(third.document.model().savesElsewhere()) << "the file is what it was before the first edit";
+    third.document.model().chooseAlphaMode(0);
+    EXPECT_NE(keep(third), "");
+}
+
+TEST_F(kept_edits_test, AFileThatChangedSinceIsNotWrittenOver)
+{
+    for (const char* const now : {"another model", ""}) // empty: gone
+    {
+        write();
+        program first(m_kept);
+        open(first);
+        first.document.model().chooseAlphaMode(1);
+        keep(first);
+        std::filesystem::remove(toPath(m_path));
+        if (*now != '\0')
+            writeBytes(m_path, now);
+        m_prompt.confirmations = {true};
+        program second(m_kept);
+        ASSERT_TRUE(offer(second));
+        EXPECT_NE(m_prompt.shown.back().second.find("ask where"), std::string::npos);
+        model_commands commands(second.document, m_prompt);
+        EXPECT_EQ(commands.save(), command_outcome::cancelled);
+        EXPECT_EQ(readBytes(m_path), now);
+        m_prompt.answer = m_folder.file("elsewhere.rigid_model_v2");
+        EXPECT_EQ(commands.save(), command_outcome::done);
+        m_prompt.answer.reset();
+        EXPECT_EQ(commands.save(), command_outcome::done) << "the new path is its own";
+    }
+}
+
+TEST_F(kept_edits_test, SeveralProgramsKeepBesideEachOtherAndNoDiscards)
+{
+    write();
+    program first(m_kept);
+    program second(m_kept);
+    for (program* const each : {&first, &second})
+    {
+        open(*each);
+        each->document.model().chooseAlphaMode(1);
+    }
+    EXPECT_NE(keep(first), keep(second));
+    m_prompt.confirmations = {false, true};
+    program next(m_kept);
+    EXPECT_TRUE(offer(next));
+    EXPECT_TRUE(std::filesystem::is_empty(toPath(m_kept)));
+}
+
+TEST_F(kept_edits_test, AModelThatWasPatchedIsKept)
+{
+    write(6);
+    program first(m_kept);
+    open(first);
+    first.document.model().chooseAlphaMode(1);
+    failure why;
+    ASSERT_TRUE(first.document.model().patch(m_folder.file("patched"), why)) << describe(why);
+    keep(first);
+    m_prompt.confirmations = {true};
+    program second(m_kept);
+    EXPECT_TRUE(offer(second));
+    EXPECT_TRUE(hasMixedVersions(*second.document.model().file()));
+}
+
+TEST_F(kept_edits_test, ADamagedKeepIsNamedAndLeftAlone)
+{
+    const struct
+    {
+        const char* name;
+        const char* file;
+        std::size_t length; // to which it is cut
+        char last;          // its last byte then
+    } rows[] = {{"a note that was not written", "origin.txt", 0, 0},
+                {"half a note", "origin.txt", 120, 'x'},
+                {"a cut model", "model.rigid_model_v2", 100, 0},
+                {"another model", "model.rigid_model_v2", 100000, 'x'}};
+    for (const auto& row : rows)
+    {
+        write();
+        program first(m_kept);
+        open(first);
+        first.document.model().chooseAlphaMode(1);
+        const std::string file = keep(first) + row.file;
+        std::string bytes = readBytes(file).substr(0, row.length);
+        bytes.empty() ? void() : void(bytes.back() = row.last);
+        writeBytes(file, bytes);
+        program second(m_kept);
+        EXPECT_FALSE(offer(second)) << row.name;
+        EXPECT_NE(m_prompt.shown.back().second.find("left where they are"), std::string::npos) << row.name;
+        EXPECT_NE(m_log.find(row.file), std::string::npos) << m_log;
+        EXPECT_EQ(readBytes(file), bytes);
+        std::filesystem::remove_all(toPath(m_kept));
+    }
+}
+
+TEST_F(kept_edits_test, WhereNothingCanBeWrittenTheReasonIsSaid)
+{
+    write();
+    writeBytes(m_kept, "a file in place of the folder");
+    program first(m_kept);
+    open(first);
+    first.document.model().chooseAlphaMode(1);
+    std::string where;
+    failure why;
+    EXPECT_EQ(first.keeper.keep(where, why), edit_keeper::outcome::failed);
+    EXPECT_NE(describe(why).find("kept"), std::string::npos) << describe(why);
+}
+
+} // namespace
+} // namespace korvane::test
