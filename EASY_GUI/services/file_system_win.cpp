@@ -1,5 +1,6 @@
 #include "EASY_GUI/services/file_system_platform.h"
 
+#include "EASY_GUI/services/kernel_handle_win.h"
 #include "EASY_GUI/services/text.h"
 
 #include <algorithm>
@@ -93,10 +94,11 @@ unsigned long processId()
 bool replaceWhole(const std::filesystem::path& target, const std::filesystem::path& temporary,
                   std::span<const std::byte> bytes, bool is_flushed, std::string& reason)
 {
-    const HANDLE file =
-        CreateFileW(temporary.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
+    const unique_kernel_handle owner(
+        CreateFileW(temporary.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!owner)
         return failWithLastError(reason);
+    const HANDLE file = owner.get();
     // The system deletes it with its last handle, whatever becomes of this process, until that is taken back.
     static_cast<void>(setDeletedOnClose(file, true));
     bool is_done = writeAll(file, bytes, is_flushed, reason);
@@ -107,7 +109,6 @@ bool replaceWhole(const std::filesystem::path& target, const std::filesystem::pa
         if (!is_done)
             static_cast<void>(setDeletedOnClose(file, true));
     }
-    CloseHandle(file);
     return is_done;
 }
 

@@ -1,8 +1,10 @@
 #include "EASY_GUI/services/positioned_file.h"
 
 #include "EASY_GUI/services/file_system.h"
+#include "EASY_GUI/services/kernel_handle_win.h"
 
 #include <algorithm>
+#include <utility>
 #include <windows.h>
 
 namespace korvane
@@ -19,24 +21,21 @@ HANDLE asHandle(std::intptr_t handle)
 bool positioned_file::open(const std::string& path, failure& why)
 {
     close();
-    const HANDLE handle =
-        CreateFileW(toPath(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE)
+    unique_kernel_handle file(CreateFileW(toPath(path).c_str(), GENERIC_READ,
+                                          FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file)
     {
         const DWORD code = GetLastError();
         const bool is_missing = code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND;
         return fail(why, is_missing ? failure_kind::not_found : failure_kind::unreadable,
                     "the file cannot be opened (error " + std::to_string(code) + ")", path);
     }
-    m_handle = reinterpret_cast<std::intptr_t>(handle);
     LARGE_INTEGER size = {};
     FILETIME written = {};
-    if (!GetFileSizeEx(handle, &size) || !GetFileTime(handle, nullptr, nullptr, &written))
-    {
-        close();
+    if (!GetFileSizeEx(file.get(), &size) || !GetFileTime(file.get(), nullptr, nullptr, &written))
         return fail(why, failure_kind::unreadable, "this is not a file", path);
-    }
+    m_handle = reinterpret_cast<std::intptr_t>(file.release());
     m_size = static_cast<std::uint64_t>(size.QuadPart);
     m_modification_time =
         static_cast<std::int64_t>((std::uint64_t{written.dwHighDateTime} << 32) | written.dwLowDateTime);
@@ -46,8 +45,7 @@ bool positioned_file::open(const std::string& path, failure& why)
 void positioned_file::close()
 {
     if (isOpen())
-        CloseHandle(asHandle(m_handle));
-    m_handle = no_handle;
+        unique_kernel_handle(asHandle(std::exchange(m_handle, no_handle)));
 }
 
 bool positioned_file::readAt(std::uint64_t position, std::span<std::byte> target) const

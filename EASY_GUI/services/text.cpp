@@ -233,4 +233,22 @@ std::string floatText(float value)
     return std::string(buffer, result.ptr);
 }
 
+std::string grouped(std::uint64_t number)
+{
+    std::string digits = std::to_string(number);
+    for (std::size_t place = digits.size(); place > 3; place -= 3)
+        digits.insert(place - 3, ",");
+    return digits;
+}
+
+std::string counted(std::uint64_t count, std::string_view singular)
+{
+    return counted(count, singular, std::string(singular) + 's');
+}
+
+std::string counted(std::uint64_t count, std::string_view singular, std::string_view plural)
+{
+    return grouped(count) + ' ' + std::string(count == 1 ? singular : plural);
+}
+
 } // namespace korvane

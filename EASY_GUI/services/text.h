@@ -3,6 +3,7 @@
 // Text helpers. Texts inside the program are UTF-8; texts from game files are bytes until they are shown.
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -13,6 +14,13 @@ namespace korvane
 // ASCII letters only: other bytes belong to multi-byte characters and are kept.
 [[nodiscard]] std::string toLower(std::string_view text);
 void lowerInPlace(char* text, std::size_t size);
+// One byte of an internal path as comparisons see it: ASCII letters small, '/' as '\\'.
+[[nodiscard]] constexpr char foldedCharacter(char character)
+{
+    if (character == '/')
+        return '\\';
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A')) : character;
+}
 [[nodiscard]] bool equalsIgnoringCase(std::string_view left, std::string_view right);
 [[nodiscard]] bool endsWithIgnoringCase(std::string_view text, std::string_view ending);
 
@@ -35,5 +43,11 @@ void lowerInPlace(char* text, std::size_t size);
 
 // The shortest decimal text that reads back to the same value; "nan", "inf", "-inf".
 [[nodiscard]] std::string floatText(float value);
+
+// "12,345": the digits in groups of three.
+[[nodiscard]] std::string grouped(std::uint64_t number);
+// "1 frame", "12,345 frames"; with a plural of its own "2 vertices".
+[[nodiscard]] std::string counted(std::uint64_t count, std::string_view singular);
+[[nodiscard]] std::string counted(std::uint64_t count, std::string_view singular, std::string_view plural);
 
 } // namespace korvane

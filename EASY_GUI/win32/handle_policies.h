@@ -2,7 +2,7 @@
 
 // How each kind of Windows handle is closed (unique_handle.h).
 
-#include "EASY_GUI/win32/unique_handle.h"
+#include "EASY_GUI/services/unique_handle.h"
 
 #include <windows.h>
 

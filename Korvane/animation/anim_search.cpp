@@ -1,6 +1,7 @@
 #include "Korvane/animation/anim_search.h"
 
 #include "EASY_GUI/services/byte_reader.h"
+#include "EASY_GUI/services/parallel.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/animation/anim_file.h"
 #include "Korvane/archives/entry_start.h"
@@ -9,8 +10,6 @@
 #include <cstring>
 #include <limits>
 #include <new>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 namespace korvane
@@ -56,26 +55,15 @@ public:
     block_search(std::span<const pack_file_node* const> candidates, std::string_view skeleton_id)
         : m_candidates(candidates)
         , m_skeleton_id(skeleton_id)
+        , m_blocks(candidates.size(), block_size)
     {
     }
 
     bool run(entry_list& found, failure& why)
     {
         constexpr std::size_t worth_a_thread = 1024; // candidates
-        std::vector<outcome> outcomes(std::min<std::size_t>(
-            {std::max(std::thread::hardware_concurrency(), 1u), 8, 1 + m_candidates.size() / worth_a_thread}));
-        {
-            std::vector<std::jthread> helpers;
-            try
-            {
-                for (std::size_t i = 1; i < outcomes.size(); ++i)
-                    helpers.emplace_back(&block_search::work, this, std::ref(outcomes[i]));
-            }
-            catch (const std::system_error&) // no more threads: those that are there do it
-            {
-            }
-            work(outcomes.front());
-        }
+        std::vector<outcome> outcomes(threadsFor(1 + m_candidates.size() / worth_a_thread));
+        runOnThreads(outcomes.size(), [&](std::size_t thread) { work(outcomes[thread]); });
         return collect(outcomes, found, why);
     }
 
@@ -96,8 +84,8 @@ private:
         try
         {
             std::vector<std::byte> start(name_at + m_skeleton_id.size());
-            while ((at = m_next.fetch_add(block_size)) < m_candidates.size())
-                for (const std::size_t end = std::min(at + block_size, m_candidates.size()); at < end; ++at)
+            for (std::size_t end = 0; m_blocks.take(at, end);)
+                for (; at < end; ++at)
                 {
                     if (at >= m_end.load())
                         return;
@@ -143,7 +131,7 @@ private:
 
     std::span<const pack_file_node* const> m_candidates;
     std::string_view m_skeleton_id;
-    std::atomic<std::size_t> m_next{0};
+    shared_range m_blocks;
     std::atomic<std::size_t> m_end{nowhere}; // the first candidate that could not be read
 };
 
@@ -158,15 +146,9 @@ entry_list entriesThat(const path_tree& tree, condition isWanted)
     return list;
 }
 
-void tell(const search_log& log, const std::string& line)
-{
-    if (log)
-        log(line);
-}
-
 } // namespace
 
-entry_list findSkeletons(const path_tree& tree, std::string_view skeleton_id, const search_log& log)
+entry_list findSkeletons(const path_tree& tree, std::string_view skeleton_id, const log_port& log)
 {
     const std::string pattern = toLower("skeletons\\" + std::string(skeleton_id) + ".anim"); // as paths are spelled
     tell(log, "Searching fpr skeletons...");
@@ -191,7 +173,7 @@ bool findAnimations(std::span<const pack_file_node* const> candidates, std::stri
 
 std::vector<animation_choice> listAnimations(const path_tree& tree, std::string_view skeleton_id,
                                              std::span<const std::string> converted_files, user_prompt& prompt,
-                                             const search_log& log)
+                                             const log_port& log)
 {
     std::vector<animation_choice> list;
     for (const std::string& path : converted_files)

@@ -7,6 +7,7 @@
 // An animation belongs to a skeleton when its header names it, byte for byte.
 
 #include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/log_port.h"
 #include "EASY_GUI/services/user_prompt.h"
 #include "Korvane/archives/path_tree.h"
 
@@ -23,11 +24,10 @@ namespace korvane
 {
 
 using entry_list = std::vector<const pack_file_node*>;
-using search_log = std::function<void(const std::string&)>; // a line without its end
 
 // The entries whose internal path ends with "skeletons\ID.anim", in any case. The first one is the one to load
 // until somebody picks another.
-[[nodiscard]] entry_list findSkeletons(const path_tree& tree, std::string_view skeleton_id, const search_log& log = {});
+[[nodiscard]] entry_list findSkeletons(const path_tree& tree, std::string_view skeleton_id, const log_port& log = {});
 
 // Every entry with the extension "anim".
 [[nodiscard]] entry_list animationCandidates(const path_tree& tree);
@@ -50,7 +50,7 @@ struct animation_choice
 // gets told ("Error!") and the list has what was found so far.
 [[nodiscard]] std::vector<animation_choice> listAnimations(const path_tree& tree, std::string_view skeleton_id,
                                                            std::span<const std::string> converted_files,
-                                                           user_prompt& prompt, const search_log& log = {});
+                                                           user_prompt& prompt, const log_port& log = {});
 
 // The same search in steps, for a dialog that shows its progress. Takes versions 5 and 7 only, and passes over whatever
 // cannot be read. One thread at a time, but for requestStop().

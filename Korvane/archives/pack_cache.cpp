@@ -4,6 +4,7 @@
 #include "EASY_GUI/services/byte_writer.h"
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/memory_file.h"
+#include "EASY_GUI/services/parallel.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/tree_image.h"
 
@@ -11,7 +12,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
-#include <thread>
+#include <optional>
 #include <utility>
 
 namespace korvane
@@ -397,15 +398,17 @@ bool pack_cache::load(const std::vector<std::string>& archive_paths, indexed_arc
             is_text_right =
                 file.readAt(end.positionOf(trailer::text), bytes) && checksumOf(bytes) == end.checksums[trailer::text];
         };
-        std::jthread other;
+        std::optional<side_work> other;
         if (end.counts.text >= worth_a_thread)
-            other = std::jthread(loadText);
+            other.emplace(loadText);
         else
             loadText();
         tree_image_reader reader(*loaded.tree, end.counts, text,
                                  [&tables](std::size_t size) { return tables.next(size); });
         if (!reader.read(std::move(archives), why))
             return false;
+        if (other)
+            other->finish();
     }
     if (!is_text_right || !tables.areRight())
         return fail(why, failure_kind::malformed, "it is damaged");

@@ -10,13 +10,6 @@ namespace korvane
 namespace
 {
 
-char folded(char character)
-{
-    if (character == '/')
-        return '\\';
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A')) : character;
-}
-
 // "con", "nul.txt", "com1": names that Windows gives to devices, whatever the extension.
 bool isDeviceName(std::string_view component)
 {
@@ -61,7 +54,8 @@ bool matchesPattern(std::string_view path, std::string_view pattern)
             star = in_pattern++;
             resume = at;
         }
-        else if (has_more && (pattern[in_pattern] == '?' || folded(pattern[in_pattern]) == folded(path[at])))
+        else if (has_more &&
+                 (pattern[in_pattern] == '?' || foldedCharacter(pattern[in_pattern]) == foldedCharacter(path[at])))
         {
             ++in_pattern;
             ++at;

@@ -104,11 +104,6 @@ void printJsonWithFrames(cli_context& context, const anim_data& data, const info
     context.print(text + "]}\n");
 }
 
-std::string counted(std::size_t count, const std::string& thing)
-{
-    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
-
 // What the file says of one kind of a bone's values.
 struct track_list
 {

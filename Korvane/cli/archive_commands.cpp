@@ -8,7 +8,6 @@
 #include "Korvane/archives/pack_entry.h"
 #include "Korvane/archives/path_pattern.h"
 #include "Korvane/cli/game_files.h"
-#include "Korvane/document/panel_contents.h"
 
 #include <memory>
 #include <unordered_map>

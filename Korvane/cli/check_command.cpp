@@ -6,7 +6,6 @@
 #include "Korvane/archives/game_file.h"
 #include "Korvane/cli/game_files.h"
 #include "Korvane/document/check_run.h"
-#include "Korvane/document/panel_contents.h"
 
 #include <algorithm>
 #include <array>

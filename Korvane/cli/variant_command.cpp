@@ -80,11 +80,6 @@ void printDefinitionJson(cli_context& context, const variant_mesh_def& definitio
                        {"tree", tagJson(definition.root())}});
 }
 
-std::string counted(std::size_t count, const std::string& what)
-{
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 // The definition as an indented text, a line for each element.
 class definition_printer
 {

@@ -2,7 +2,6 @@
 
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/game_file.h"
-#include "Korvane/document/panel_contents.h"
 #include "Korvane/document/texture_path_fault.h"
 #include "Korvane/models/catalogue.h"
 #include "Korvane/models/vertex_decoder.h"

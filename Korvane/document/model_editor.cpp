@@ -69,13 +69,6 @@ auto hasType(std::uint32_t type)
     return [type](const texture_entry& texture) { return texture.type == type; };
 }
 
-char folded(char character)
-{
-    if (character == '/')
-        return '\\';
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
 std::vector<std::byte> bytesOf(const fixed_field& field)
 {
     return {field.bytes().begin(), field.bytes().end()};
@@ -99,7 +92,7 @@ bool beginsWithPath(std::string_view path, std::string_view wanted)
 {
     return path.size() >= wanted.size() &&
            std::equal(wanted.begin(), wanted.end(), path.begin(),
-                      [](char left, char right) { return folded(left) == folded(right); });
+                      [](char left, char right) { return foldedCharacter(left) == foldedCharacter(right); });
 }
 
 } // namespace

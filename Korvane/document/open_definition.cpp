@@ -3,7 +3,6 @@
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/game_file.h"
 #include "Korvane/archives/pack_file.h"
-#include "Korvane/document/panel_contents.h"
 
 #include <algorithm>
 #include <string_view>

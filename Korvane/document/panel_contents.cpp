@@ -42,14 +42,6 @@ int typePosition(std::uint32_t type)
 
 } // namespace
 
-std::string counted(std::size_t count, const char* one, const char* many)
-{
-    std::string digits = std::to_string(count);
-    for (std::size_t place = digits.size(); place > 3; place -= 3)
-        digits.insert(place - 3, ",");
-    return digits + ' ' + (count == 1 ? one : many);
-}
-
 model_selection clampSelection(const RMV2_FILE_DATA& model, model_selection wanted)
 {
     model_selection selection;

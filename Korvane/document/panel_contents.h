@@ -96,7 +96,4 @@ using texture_rows = std::array<texture_row_content, texture_row_count>;
 // "3 LODs; LOD 1: 5 groups, 4,213 vertices, 7,920 triangles"
 [[nodiscard]] std::string modelSummary(const RMV2_FILE_DATA& model, int lod);
 
-// "1 vertex", "4,213 vertices"
-[[nodiscard]] std::string counted(std::size_t count, const char* one, const char* many);
-
 } // namespace korvane

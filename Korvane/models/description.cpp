@@ -12,20 +12,6 @@ namespace korvane
 namespace
 {
 
-// 1234567 as "1,234,567".
-std::string grouped(std::size_t number)
-{
-    std::string digits = std::to_string(number);
-    for (std::size_t position = digits.size(); position > 3;)
-        digits.insert(position -= 3, ",");
-    return digits;
-}
-
-std::string counted(std::size_t number, const std::string& singular, const std::string& plural)
-{
-    return grouped(number) + " " + (number == 1 ? singular : plural);
-}
-
 std::string line(int indent, const std::string& label, const std::string& value)
 {
     constexpr std::size_t label_width = 18;

@@ -1,14 +1,12 @@
 #include "Korvane/models/rmv2_reader.h"
 
+#include "EASY_GUI/services/parallel.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/models/rmv2_file.h"
 #include "Korvane/models/vertex_decoder.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstring>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 namespace korvane
@@ -383,27 +381,10 @@ void rmv2_reader::decode()
             group.store.indices.resize(group.header.index_count);
             decoded_bytes += group.store.vertices.size() * sizeof(vertex_record);
         }
-    std::atomic<std::size_t> next{0};
-    const auto work = [&] {
-        for (std::size_t i = next++; i < groups.size(); i = next++)
-            decodeGroup(*groups[i]);
-    };
     // A large model keeps several cores busy; each group is decoded by one of them.
     constexpr std::uint64_t worth_a_thread = 8u << 20;
-    const std::uint64_t wanted = std::min<std::uint64_t>(
-        {std::thread::hardware_concurrency(), 8, groups.size(), 1 + decoded_bytes / worth_a_thread});
-    std::vector<std::thread> helpers;
-    try
-    {
-        while (helpers.size() + 1 < wanted)
-            helpers.emplace_back(work);
-    }
-    catch (const std::system_error&) // no more threads: those that are there do it
-    {
-    }
-    work();
-    for (std::thread& helper : helpers)
-        helper.join();
+    const std::size_t threads = threadsFor(std::min<std::uint64_t>(groups.size(), 1 + decoded_bytes / worth_a_thread));
+    parallelFor(groups.size(), threads, [&](std::size_t i) { decodeGroup(*groups[i]); });
 }
 
 void rmv2_reader::decodeGroup(group_data& group) const

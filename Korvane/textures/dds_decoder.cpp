@@ -1,14 +1,12 @@
 #include "Korvane/textures/dds_decoder.h"
 
+#include "EASY_GUI/services/parallel.h"
 #include "Korvane/textures/block_decoder.h"
 #include "Korvane/textures/pixel_decoder.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstring>
 #include <string>
-#include <system_error>
-#include <thread>
 #include <vector>
 
 namespace korvane
@@ -97,26 +95,12 @@ private:
 
 void decodePart(const row_decoder& decoder, const dds_subresource& part)
 {
-    constexpr std::uint32_t rows_at_once = 8;
-    std::atomic<std::uint32_t> next{0};
-    const auto work = [&] {
-        for (std::uint32_t row = next.fetch_add(rows_at_once); row < part.rows; row = next.fetch_add(rows_at_once))
-            for (std::uint32_t i = row; i < std::min(row + rows_at_once, part.rows); ++i)
-                decoder.decode(i);
-    };
+    constexpr std::size_t rows_at_once = 8;
     constexpr std::uint64_t pixels_worth_a_thread = 1 << 16;
-    const std::uint64_t wanted = std::min<std::uint64_t>(
-        {std::thread::hardware_concurrency(), 16, std::uint64_t{part.width} * part.height / pixels_worth_a_thread});
-    std::vector<std::jthread> helpers;
-    try
-    {
-        while (helpers.size() + 1 < wanted)
-            helpers.emplace_back(work);
-    }
-    catch (const std::system_error&) // no more threads: those that are there do it
-    {
-    }
-    work();
+    const std::size_t threads = threadsFor(std::uint64_t{part.width} * part.height / pixels_worth_a_thread);
+    parallelFor(
+        part.rows, threads, [&decoder](std::size_t row) { decoder.decode(static_cast<std::uint32_t>(row)); },
+        rows_at_once);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "Korvane/textures/texture_extraction.h"
 
 #include "DDSTextureLoader/dds_image.h"
+#include "EASY_GUI/services/parallel.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/extraction_folder.h"
 #include "Korvane/archives/internal_path.h"
@@ -12,8 +13,6 @@
 #include <algorithm>
 #include <atomic>
 #include <new>
-#include <system_error>
-#include <thread>
 #include <unordered_map>
 #include <utility>
 
@@ -192,18 +191,8 @@ void extraction_run::workOff(bool tells_progress)
 
 void extraction_run::workOffAll()
 {
-    const std::size_t wanted =
-        std::min<std::size_t>({std::thread::hardware_concurrency(), 4, m_jobs.size()}); // each holds a whole picture
-    std::vector<std::jthread> helpers;
-    try
-    {
-        while (helpers.size() + 1 < wanted)
-            helpers.emplace_back([this] { workOff(false); });
-    }
-    catch (const std::system_error&) // no more threads: those that are there do it
-    {
-    }
-    workOff(true);
+    constexpr std::size_t most_pictures = 4; // at a time, each held whole
+    runOnThreads(threadsFor(m_jobs.size(), most_pictures), [this](std::size_t thread) { workOff(thread == 0); });
 }
 
 texture_extraction_result extraction_run::run(const path_tree& tree, const std::vector<wanted_texture>& wanted)

@@ -67,6 +67,7 @@ TEST(text, lowerCaseTouchesAsciiOnly)
     EXPECT_TRUE(endsWithIgnoringCase("x.RIGID_model_v2", ".rigid_model_v2"));
     EXPECT_FALSE(endsWithIgnoringCase("v2", ".rigid_model_v2"));
     EXPECT_EQ(fileName("a\\b/c.d"), "c.d");
+    EXPECT_EQ(counted(1, "frame") + ", " + counted(1234567, "vertex", "vertices"), "1 frame, 1,234,567 vertices");
 }
 
 TEST(failure, isOneLineAndTheFirstOneWins)

@@ -1,16 +1,14 @@
 #include "Korvane/fbx/container/fbx_arrays.h"
 
+#include "EASY_GUI/services/parallel.h"
+
 #include <libdeflate.h>
 
 #include <algorithm>
-#include <atomic>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <new>
 #include <numeric>
-#include <system_error>
-#include <thread>
 #include <unordered_map>
 
 namespace korvane
@@ -20,47 +18,11 @@ namespace
 {
 
 constexpr std::uint64_t bytes_worth_a_thread = 256 * 1024;
-constexpr std::size_t thread_limit = 8;
 constexpr int fastest_level = 1;
 
-// Calls work for 0 to count - 1, in no particular order, with a tool for each thread. Of several exceptions one is
-// thrown on.
-template <class tool>
-void forEach(std::size_t count, std::uint64_t total_bytes, const std::function<void(tool&, std::size_t)>& work)
+std::uint64_t worthOf(std::size_t count, std::uint64_t total_bytes)
 {
-    std::atomic<std::size_t> next{0};
-    std::mutex mutex;
-    std::exception_ptr thrown;
-    const auto run = [&] {
-        try
-        {
-            tool own;
-            for (std::size_t at = next++; at < count; at = next++)
-                work(own, at);
-        }
-        catch (...)
-        {
-            const std::lock_guard lock(mutex);
-            thrown = std::current_exception();
-            next = count;
-        }
-    };
-    std::vector<std::jthread> threads;
-    const std::size_t wanted = std::min<std::size_t>(
-        {std::thread::hardware_concurrency(), thread_limit, count,
-         static_cast<std::size_t>(std::min<std::uint64_t>(total_bytes / bytes_worth_a_thread, thread_limit))});
-    try
-    {
-        while (threads.size() + 1 < wanted)
-            threads.emplace_back(run);
-    }
-    catch (const std::system_error&) // no more threads to be had: fewer do it, too
-    {
-    }
-    run();
-    threads.clear();
-    if (thrown)
-        std::rethrow_exception(thrown);
+    return std::min<std::uint64_t>(count, total_bytes / bytes_worth_a_thread);
 }
 
 // The largest first, so that no thread is left alone with one at the end.
@@ -163,17 +125,18 @@ bool unpackArrays(std::span<const packed_array> arrays, failure& why)
     std::mutex mutex;
     std::size_t first_damaged = arrays.size();
     std::string what;
-    forEach<unpacker>(arrays.size(), total, [&](unpacker& tool, std::size_t at) {
-        std::string fault = tool.run(arrays[order[at]].packed, arrays[order[at]].target);
-        if (fault.empty())
-            return;
-        const std::lock_guard lock(mutex);
-        if (order[at] < first_damaged)
-        {
-            first_damaged = order[at];
-            what = std::move(fault);
-        }
-    });
+    parallelForWith<unpacker>(arrays.size(), threadsFor(worthOf(arrays.size(), total)), 1,
+                              [&](unpacker& tool, std::size_t at) {
+                                  std::string fault = tool.run(arrays[order[at]].packed, arrays[order[at]].target);
+                                  if (fault.empty())
+                                      return;
+                                  const std::lock_guard lock(mutex);
+                                  if (order[at] < first_damaged)
+                                  {
+                                      first_damaged = order[at];
+                                      what = std::move(fault);
+                                  }
+                              });
     if (first_damaged == arrays.size())
         return true;
     if (!why)
@@ -199,8 +162,8 @@ std::vector<std::vector<std::byte>> packArrays(std::span<const std::span<const s
         }
     sortLargestFirst(order, [&arrays](std::size_t at) { return arrays[at].size(); });
     std::vector<std::vector<std::byte>> packed(arrays.size());
-    forEach<packer>(order.size(), total,
-                    [&](packer& tool, std::size_t at) { packed[order[at]] = tool.run(arrays[order[at]]); });
+    parallelForWith<packer>(order.size(), threadsFor(worthOf(order.size(), total)), 1,
+                            [&](packer& tool, std::size_t at) { packed[order[at]] = tool.run(arrays[order[at]]); });
     for (std::size_t i = 0; i < arrays.size(); ++i)
         if (firsts[i] != i)
             packed[i] = packed[firsts[i]];

@@ -25,11 +25,6 @@ struct left_out // of one group
     std::uint32_t highest_bone = 0;
 };
 
-std::string counted(std::size_t count, const std::string& what)
-{
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 void warn(export_scene& scene, const std::string& mesh, const left_out& lost)
 {
     const auto say = [&](std::size_t count, const std::string& what, const std::string& text) {

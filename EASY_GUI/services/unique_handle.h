@@ -1,7 +1,7 @@
 #pragma once
 
 // One owner for every kind of Windows handle. The policy names the handle's type, its empty value and how it is closed;
-// handle_policies.h lists the policies that the toolkit needs.
+// EASY_GUI/win32/handle_policies.h lists those of the toolkit.
 
 #include <utility>
 
