@@ -9,7 +9,7 @@ namespace korvane
 namespace
 {
 
-constexpr int margin = 8;       // at 96 dots per inch
+constexpr int panel_margin = 8; // at 96 dots per inch
 constexpr int scroll_step = 29; // a row of fields
 
 SCROLLINFO scrollState(HWND window)
@@ -43,10 +43,10 @@ int panel_column::barHeight() const
 
 int panel_column::contentHeight() const
 {
-    int height = m_owner.scaled(margin);
+    int height = m_owner.scaled(panel_margin);
     for (const panel* const part : m_panels)
-        height += part->preferredHeight() + m_owner.scaled(margin);
-    return height + barHeight() + m_owner.scaled(margin);
+        height += part->preferredHeight() + m_owner.scaled(panel_margin);
+    return height + barHeight() + m_owner.scaled(panel_margin);
 }
 
 void panel_column::fitHeight()
@@ -68,7 +68,7 @@ void panel_column::layOut()
     range.nPage = static_cast<UINT>(m_owner.clientRectangle().bottom);
     SetScrollInfo(m_owner.handle(), SB_VERT, &range, TRUE); // hides the bar when everything fits
     const RECT client = m_owner.clientRectangle();
-    const int border = m_owner.scaled(margin);
+    const int border = m_owner.scaled(panel_margin);
     const int width = client.right - 2 * border;
     int y = border - GetScrollPos(m_owner.handle(), SB_VERT);
     for (panel* const part : m_panels)

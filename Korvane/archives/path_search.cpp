@@ -1,6 +1,7 @@
 #include "Korvane/archives/path_search.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/path_chunk.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -13,16 +14,7 @@ namespace korvane
 namespace
 {
 
-constexpr std::size_t step = path_tree::readable_behind_paths;
-using chunk = unsigned char __attribute__((vector_size(step)));
-using chunk_words = std::uint64_t __attribute__((vector_size(step)));
-
-chunk chunkAt(const char* bytes)
-{
-    chunk loaded;
-    std::memcpy(&loaded, bytes, sizeof loaded);
-    return loaded;
-}
+constexpr std::size_t step = sizeof(path_chunk);
 
 // Sixteen places at a time: only where the text's first and last character stand in their places it is compared.
 bool contains(std::string_view path, std::string_view text)
@@ -34,8 +26,8 @@ bool contains(std::string_view path, std::string_view text)
     const auto last = static_cast<unsigned char>(text.back());
     for (std::size_t at = 0; at < places; at += step)
     {
-        const auto alike = reinterpret_cast<chunk_words>((chunkAt(path.data() + at) == first) &
-                                                         (chunkAt(path.data() + at + text.size() - 1) == last));
+        const auto alike = reinterpret_cast<path_chunk_words>((chunkAt(path.data() + at) == first) &
+                                                              (chunkAt(path.data() + at + text.size() - 1) == last));
         if ((alike[0] | alike[1]) == 0)
             continue;
         const std::size_t end = std::min(places, at + step);

@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/internal_path.h"
+#include "Korvane/archives/path_chunk.h"
 
 #include <algorithm>
 #include <bit>
@@ -26,18 +27,10 @@ std::uint64_t wordAt(const char* bytes)
 // Paths are hashed and compared sixteen bytes at a time, from their beginning, with zeros behind their end. So a lookup
 // reads its own path only in the pieces in which it has just written it; anything else would have to wait until the
 // processor has put them together, and lookups could not overlap in their waiting for memory.
-using chunk = unsigned char __attribute__((vector_size(path_tree::readable_behind_paths)));
-using chunk_words = std::uint64_t __attribute__((vector_size(sizeof(chunk))));
-
-chunk chunkAt(const char* bytes)
-{
-    chunk loaded;
-    std::memcpy(&loaded, bytes, sizeof loaded);
-    return loaded;
-}
+using chunk = path_chunk;
 
 // The bytes of a path that ends after left bytes; what lies behind them becomes zero.
-chunk chunkAt(const char* bytes, std::size_t left)
+chunk lastChunkAt(const char* bytes, std::size_t left)
 {
     alignas(64) static constexpr unsigned char masks[2 * sizeof(chunk)] = {255, 255, 255, 255, 255, 255, 255, 255,
                                                                            255, 255, 255, 255, 255, 255, 255, 255};
@@ -50,7 +43,7 @@ class path_hash
 public:
     void add(const chunk& bytes)
     {
-        const auto words = reinterpret_cast<chunk_words>(bytes);
+        const auto words = reinterpret_cast<path_chunk_words>(bytes);
         m_even = mix(m_even, words[0]); // two chains, so that neither waits for the other's product
         m_odd = mix(m_odd, words[1]);
     }
@@ -71,7 +64,7 @@ std::uint64_t hashOf(std::string_view path)
 {
     path_hash hash;
     for (std::size_t at = 0; at < path.size(); at += sizeof(chunk))
-        hash.add(chunkAt(path.data() + at, path.size() - at));
+        hash.add(lastChunkAt(path.data() + at, path.size() - at));
     return hash.value(path.size());
 }
 
@@ -79,8 +72,8 @@ bool areEqual(const char* left, const char* right, std::size_t size)
 {
     chunk difference{};
     for (std::size_t at = 0; at < size; at += sizeof(chunk))
-        difference |= chunkAt(left + at, size - at) ^ chunkAt(right + at, size - at);
-    const auto words = reinterpret_cast<chunk_words>(difference);
+        difference |= lastChunkAt(left + at, size - at) ^ lastChunkAt(right + at, size - at);
+    const auto words = reinterpret_cast<path_chunk_words>(difference);
     return (words[0] | words[1]) == 0;
 }
 
@@ -128,13 +121,13 @@ private:
         {
             std::uint64_t word = 0;
             std::memcpy(&word, path, size);
-            return reinterpret_cast<chunk>(chunk_words{word, 0});
+            return reinterpret_cast<chunk>(path_chunk_words{word, 0});
         }
         const std::size_t left = size - at;
         const std::uint64_t last = wordAt(path + size - 8);
         if (left <= 8)
-            return reinterpret_cast<chunk>(chunk_words{last >> (64 - 8 * left), 0});
-        return reinterpret_cast<chunk>(chunk_words{wordAt(path + at), last >> (128 - 8 * left)});
+            return reinterpret_cast<chunk>(path_chunk_words{last >> (64 - 8 * left), 0});
+        return reinterpret_cast<chunk>(path_chunk_words{wordAt(path + at), last >> (128 - 8 * left)});
     }
 
     chunk fold(chunk text, std::size_t at)
@@ -142,7 +135,7 @@ private:
         text ^= (text == '/') & static_cast<unsigned char>('/' ^ '\\');
         text |= (text - 'A' < 26) & static_cast<unsigned char>(0x20);
         std::memcpy(m_text + at, &text, sizeof text);
-        const auto found = reinterpret_cast<chunk_words>(text == '\\');
+        const auto found = reinterpret_cast<path_chunk_words>(text == '\\');
         m_has_pairs |= (found[0] & (found[0] << 8 | m_last_was_separator)) != 0;
         m_has_pairs |= (found[1] & (found[1] << 8 | found[0] >> 56)) != 0;
         m_last_was_separator = found[1] >> 56;

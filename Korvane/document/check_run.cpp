@@ -21,12 +21,12 @@ namespace korvane
 namespace
 {
 
-constexpr std::string_view model_extension = ".rigid_model_v2";
+constexpr std::string_view model_ending = ".rigid_model_v2";
 constexpr std::string_view pack_prefix = "pack:";
 
 bool isCheckedPath(std::string_view path)
 {
-    return endsWithIgnoringCase(path, model_extension) || isDefinitionPath(std::string(path));
+    return endsWithIgnoringCase(path, model_ending) || isDefinitionPath(std::string(path));
 }
 
 finding errorOf(const std::string& file, const char* kind, failure why)
@@ -186,7 +186,7 @@ void check_run::checkDefinition(const std::string& path, std::vector<finding>& f
             addFile(std::string(pack_prefix) += m_po_tree->find(model)->path());
             continue;
         }
-        const std::string near = m_known.nearest(model, std::string(model_extension.substr(1)));
+        const std::string near = m_known.nearest(model, std::string(model_ending.substr(1)));
         found.push_back({finding_severity::error,
                          path,
                          {},

@@ -74,7 +74,7 @@ constexpr bc6h_layout layoutOf(std::string_view text)
     return layout;
 }
 
-constexpr bc6h_mode modes[] = {
+constexpr bc6h_mode bc6h_modes[] = {
     {0x00,
      10,
      {5, 5, 5},
@@ -149,7 +149,7 @@ constexpr bc6h_mode modes[] = {
 
 const bc6h_mode* modeOf(unsigned first_bits)
 {
-    for (const bc6h_mode& mode : modes)
+    for (const bc6h_mode& mode : bc6h_modes)
         if (mode.number == first_bits)
             return &mode;
     return nullptr; // reserved

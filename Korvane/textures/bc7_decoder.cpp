@@ -19,7 +19,7 @@ struct bc7_mode
     unsigned index_bits, second_index_bits;
 };
 
-constexpr bc7_mode modes[] = {
+constexpr bc7_mode bc7_modes[] = {
     {3, 4, 0, 0, 4, 0, 1, 0, 3, 0}, {2, 6, 0, 0, 6, 0, 0, 1, 3, 0}, {3, 6, 0, 0, 5, 0, 0, 0, 2, 0},
     {2, 6, 0, 0, 7, 0, 1, 0, 2, 0}, {1, 0, 2, 1, 5, 6, 0, 0, 2, 3}, {1, 0, 2, 0, 7, 8, 0, 0, 2, 2},
     {1, 0, 0, 0, 7, 7, 1, 0, 4, 0}, {2, 6, 0, 0, 5, 5, 1, 0, 2, 0},
@@ -48,9 +48,9 @@ constexpr unsigned to8Bits(unsigned value, unsigned bits)
 }
 
 template <unsigned number>
-std::array<wide_pixel, 2 * modes[number].subsets> takeEndPoints(block_bits& in)
+std::array<wide_pixel, 2 * bc7_modes[number].subsets> takeEndPoints(block_bits& in)
 {
-    constexpr bc7_mode mode = modes[number];
+    constexpr bc7_mode mode = bc7_modes[number];
     constexpr unsigned count = 2 * mode.subsets;
     constexpr unsigned low_bits = mode.own_low_bits + mode.shared_low_bits;
     std::array<std::array<unsigned, 4>, count> channels;
@@ -90,7 +90,7 @@ rgba_pixel rotated(rgba_pixel pixel, unsigned rotation)
 template <unsigned number>
 void decodeSeparateAlpha(block_bits& in, block_pixels& pixels)
 {
-    constexpr bc7_mode mode = modes[number];
+    constexpr bc7_mode mode = bc7_modes[number];
     constexpr std::array<unsigned, 1> anchor = {0};
     const auto rotation = static_cast<unsigned>(in.take(mode.rotation_bits));
     const bool is_swapped = in.take(mode.selection_bits) != 0;
@@ -119,7 +119,7 @@ void decodeSeparateAlpha(block_bits& in, block_pixels& pixels)
 template <unsigned number>
 void decodeMode(block_bits& in, block_pixels& pixels)
 {
-    constexpr bc7_mode mode = modes[number];
+    constexpr bc7_mode mode = bc7_modes[number];
     if constexpr (mode.second_index_bits > 0)
         return decodeSeparateAlpha<number>(in, pixels);
     else

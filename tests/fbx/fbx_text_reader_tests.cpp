@@ -12,7 +12,7 @@ namespace korvane
 namespace
 {
 
-bool read(const std::string& text, fbx_document& document, failure& why)
+bool readText(const std::string& text, fbx_document& document, failure& why)
 {
     return readFbx(std::as_bytes(std::span(text)), document, why);
 }
@@ -23,7 +23,7 @@ std::string shownOf(const std::string& text)
 {
     fbx_document document;
     failure why;
-    if (!read(head + text, document, why))
+    if (!readText(head + text, document, why))
         return describe(why);
     const std::string shown = dumpFbx(document);
     return shown.substr(shown.find('\n') + 1);
@@ -71,7 +71,7 @@ TEST(fbx_text_reader, keyAttributesAreTheBitsOfFloats)
 {
     fbx_document document;
     failure why;
-    ASSERT_TRUE(read(head + "KeyAttrDataFloat: *3 { a: 218434821,-1090519040,0 }", document, why)) << describe(why);
+    ASSERT_TRUE(readText(head + "KeyAttrDataFloat: *3 { a: 218434821,-1090519040,0 }", document, why)) << describe(why);
     const auto* const numbers = std::get_if<std::vector<float>>(&document.records[0].values[0]);
     ASSERT_NE(numbers, nullptr);
     EXPECT_EQ(std::bit_cast<std::uint32_t>((*numbers)[0]), 0x0d050d05u); // 1/3 each as two weights
@@ -98,7 +98,7 @@ TEST(fbx_text_reader, theVersionIsThatOfTheHeaderOrTheComment)
     {
         fbx_document document;
         failure why;
-        EXPECT_EQ(read(row.text, document, why), row.version != 0) << row.text;
+        EXPECT_EQ(readText(row.text, document, why), row.version != 0) << row.text;
         if (row.version != 0)
             EXPECT_EQ(document.version, row.version) << row.text;
         else
@@ -139,7 +139,7 @@ TEST(fbx_text_reader, damageIsRefusedWithItsPlace)
         const std::string behind = row.kind == failure_kind::truncated ? "" : "\n";
         fbx_document document;
         failure why;
-        EXPECT_FALSE(read(head + row.text + behind, document, why)) << row.name;
+        EXPECT_FALSE(readText(head + row.text + behind, document, why)) << row.name;
         EXPECT_EQ(why.kind, row.kind) << row.name << ": " << describe(why);
         EXPECT_EQ(why.offset, head.size() + row.offset) << row.name << ": " << describe(why);
         EXPECT_EQ(why.field, row.field) << row.name << ": " << describe(why);
@@ -157,7 +157,7 @@ TEST(fbx_text_reader, recordsNestSixtyFourLevelsDeepAndNoDeeper)
         text += std::string(static_cast<std::size_t>(levels) - 1, '}');
         fbx_document document;
         failure why;
-        EXPECT_EQ(read(text, document, why), levels == 64) << describe(why);
+        EXPECT_EQ(readText(text, document, why), levels == 64) << describe(why);
     }
 }
 
@@ -169,7 +169,7 @@ TEST(fbx_text_reader, otherFilesAreNoFbxFiles)
     {
         fbx_document document;
         failure why;
-        EXPECT_FALSE(read(bytes, document, why));
+        EXPECT_FALSE(readText(bytes, document, why));
         EXPECT_EQ(why.kind, failure_kind::unsupported) << describe(why);
     }
 }
@@ -182,7 +182,7 @@ TEST(fbx_text_reader, everyCutAndEveryPatchedByteIsReadOrRefused)
     const auto check = [](const std::string& text) {
         fbx_document document;
         failure why;
-        if (read(text, document, why))
+        if (readText(text, document, why))
             EXPECT_FALSE(writeFbx(document).empty()) << text;
         else
             EXPECT_TRUE(why && !why.what.empty() && why.offset <= text.size()) << text;

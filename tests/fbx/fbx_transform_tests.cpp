@@ -9,7 +9,7 @@ namespace korvane
 namespace
 {
 
-glm::dvec3 image(const glm::dmat4& matrix, const glm::dvec3& point)
+glm::dvec3 imageOf(const glm::dmat4& matrix, const glm::dvec3& point)
 {
     return glm::dvec3(matrix * glm::dvec4(point, 1));
 }
@@ -108,7 +108,7 @@ TEST(fbx_transform, everyTermOfALocalTransformActsAtItsPlace)
          {-1, 4, 3}},
     };
     for (const auto& row : rows)
-        expectNear(image(localTransform(row.placement).matrix(), {1, 2, 3}), row.expected, row.name);
+        expectNear(imageOf(localTransform(row.placement).matrix(), {1, 2, 3}), row.expected, row.name);
 }
 
 TEST(fbx_transform, theGeometricPartIsOfItsOwn)
@@ -117,8 +117,8 @@ TEST(fbx_transform, theGeometricPartIsOfItsOwn)
     placement.geometric_translation = {1, 0, 0};
     placement.geometric_rotation = {0, 0, 90};
     placement.geometric_scaling = {2, 1, 1};
-    expectNear(image(geometricTransform(placement).matrix(), {1, 2, 3}), {-1, 2, 3}, "geometric");
-    expectNear(image(localTransform(placement).matrix(), {1, 2, 3}), {1, 2, 3}, "local");
+    expectNear(imageOf(geometricTransform(placement).matrix(), {1, 2, 3}), {-1, 2, 3}, "geometric");
+    expectNear(imageOf(localTransform(placement).matrix(), {1, 2, 3}), {1, 2, 3}, "local");
 }
 
 // Parent: (x, y) -> (10 - 3y, 2x). The child's origin (1, 1) lies at (7, 2) whatever is inherited; the three rows
@@ -142,9 +142,9 @@ TEST(fbx_transform, inheritTypesDifferInTheParentsScale)
     for (const auto& row : rows)
     {
         const fbx_world world = worldTransform(above, row.kind, child);
-        expectNear(image(world.matrix, {0, 0, 0}), {7, 2, 0}, row.name);
-        expectNear(image(world.matrix, {1, 0, 0}), row.x, row.name);
-        expectNear(image(world.matrix, {0, 1, 0}), row.y, row.name);
+        expectNear(imageOf(world.matrix, {0, 0, 0}), {7, 2, 0}, row.name);
+        expectNear(imageOf(world.matrix, {1, 0, 0}), row.x, row.name);
+        expectNear(imageOf(world.matrix, {0, 1, 0}), row.y, row.name);
     }
 }
 
@@ -154,7 +154,7 @@ TEST(fbx_transform, onlyTheParentsOwnScaleIsLeftOut)
     const fbx_world grandparent = worldTransform({}, fbx_inherit::rs_rs, scaled(2));
     const fbx_world parent = worldTransform(grandparent, fbx_inherit::rs_rs, scaled(0)); // cannot be divided by
     const fbx_world child = worldTransform(parent, fbx_inherit::rr_s, scaled(5));
-    expectNear(image(child.matrix, {1, 1, 1}), {10, 10, 10}, "child");
+    expectNear(imageOf(child.matrix, {1, 1, 1}), {10, 10, 10}, "child");
 }
 
 } // namespace korvane

@@ -17,7 +17,7 @@ using namespace test;
 const glm::quat none(1, 0, 0, 0);
 const glm::quat about_z_30(0.96592583f, 0, 0, 0.25881905f);
 constexpr std::uint64_t far_frame = std::numeric_limits<std::uint64_t>::max();
-constexpr float nan_number = std::numeric_limits<float>::quiet_NaN();
+constexpr float not_a_number = std::numeric_limits<float>::quiet_NaN();
 
 // Four bones in a row: bone 1 has both tracks, bone 2 only a rotation, bone 3 only a translation.
 anim_data fourBones()
@@ -92,7 +92,7 @@ TEST(SkeletonPose, SamplesBlendNeighboursAndTheLastFrameIntoTheFirst)
          {4.5f, 4.5f, 6.5f},
          {0.83146961f, 0, 0, 0.55557023f},
          {0.83146961f, 0.55557023f, 0, 0}},
-        {"no number is the frame itself", 1, nan_number, {2, 0, 0}, {0, 4, 8}, about_z_90, none},
+        {"no number is the frame itself", 1, not_a_number, {2, 0, 0}, {0, 4, 8}, about_z_90, none},
         {"below 0", 1, -3, {2, 0, 0}, {0, 4, 8}, about_z_90, none},
         {"above 1", 1, 3, {5, 0, 0}, {6, 6, 6}, about_z_90, about_x_90},
     };

@@ -353,7 +353,7 @@ keys dying()
     });
 }
 
-std::vector<clip> makeClips()
+std::vector<clip> makeBeastClips()
 {
     beast_gait walk{1.2, {1.36, 0.64, 0.09}, {0.25, 0.75, 0.0, 0.5}};
     walk.drop = 0.05;
@@ -388,7 +388,7 @@ std::vector<clip> makeClips()
 
 std::span<const clip> beastClips()
 {
-    static const std::vector<clip> all = makeClips();
+    static const std::vector<clip> all = makeBeastClips();
     return all;
 }
 

@@ -431,7 +431,7 @@ clip clipOf(std::string_view name, std::string_view about, double frame_rate, in
                 return figurePose(motion.sample(seconds)); }};
 }
 
-std::vector<clip> makeClips()
+std::vector<clip> makeCombatClips()
 {
     return {
         clipOf("attack/hu1_attack_slash_01", "a blow from above the right shoulder", 30, 42, slashing()),
@@ -450,7 +450,7 @@ std::vector<clip> makeClips()
 
 std::span<const clip> combatClips()
 {
-    static const std::vector<clip> all = makeClips();
+    static const std::vector<clip> all = makeCombatClips();
     return all;
 }
 

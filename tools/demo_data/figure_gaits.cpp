@@ -256,7 +256,7 @@ clip turnClip(std::string_view name, std::string_view about, double degrees, int
                 return figurePose(keys.sample(seconds)); }};
 }
 
-std::vector<clip> makeClips()
+std::vector<clip> makeGaitClips()
 {
     std::vector<clip> all = walks();
     for (clip& each : runs())
@@ -271,7 +271,7 @@ std::vector<clip> makeClips()
 
 std::span<const clip> gaitClips()
 {
-    static const std::vector<clip> all = makeClips();
+    static const std::vector<clip> all = makeGaitClips();
     return all;
 }
 

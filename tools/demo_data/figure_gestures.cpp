@@ -378,7 +378,7 @@ clip parade()
             }};
 }
 
-std::vector<clip> makeClips()
+std::vector<clip> makeStandClips()
 {
     keys still, ready;
     still.at(0, standing());
@@ -409,7 +409,7 @@ std::vector<clip> makeClips()
 
 std::span<const clip> standClips()
 {
-    static const std::vector<clip> all = makeClips();
+    static const std::vector<clip> all = makeStandClips();
     return all;
 }
 
