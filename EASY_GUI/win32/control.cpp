@@ -1,6 +1,7 @@
 #include "EASY_GUI/win32/control.h"
 
 #include "EASY_GUI/win32/wide_text.h"
+#include "EASY_GUI/win32/window.h"
 
 #include <commctrl.h>
 
@@ -17,19 +18,22 @@ control::~control()
     if (m_handle == nullptr)
         return;
     const HWND handle = m_handle;
-    RemoveWindowSubclass(handle, &control::watchDestruction, subclass_id);
+    RemoveWindowSubclass(handle, &control::watch, subclass_id);
     DestroyWindow(handle);
 }
 
-LRESULT CALLBACK control::watchDestruction(HWND handle, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR,
-                                           DWORD_PTR self)
+LRESULT CALLBACK control::watch(HWND handle, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR, DWORD_PTR self)
 {
     if (message == WM_NCDESTROY)
     {
-        RemoveWindowSubclass(handle, &control::watchDestruction, subclass_id);
+        RemoveWindowSubclass(handle, &control::watch, subclass_id);
         reinterpret_cast<control*>(self)->m_handle = nullptr;
     }
-    return DefSubclassProc(handle, message, wparam, lparam);
+    const LRESULT result = DefSubclassProc(handle, message, wparam, lparam);
+    if (message == WM_SETFOCUS)
+        if (window* const top = window::fromHandle(GetAncestor(handle, GA_ROOT)); top != nullptr)
+            top->onControlFocused(handle);
+    return result;
 }
 
 bool control::createControl(const wchar_t* class_name, HWND parent, int id, std::string_view text, DWORD style,
@@ -39,7 +43,7 @@ bool control::createControl(const wchar_t* class_name, HWND parent, int id, std:
         CreateWindowExW(extended_style, class_name, toWide(text).c_str(), style | WS_CHILD | WS_VISIBLE, 0, 0, 0, 0,
                         parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
     return m_handle != nullptr &&
-           SetWindowSubclass(m_handle, &control::watchDestruction, subclass_id, reinterpret_cast<DWORD_PTR>(this)) != 0;
+           SetWindowSubclass(m_handle, &control::watch, subclass_id, reinterpret_cast<DWORD_PTR>(this)) != 0;
 }
 
 void control::setText(std::string_view text)
@@ -66,6 +70,8 @@ void control::place(int x, int y, int width, int height)
 
 void control::setEnabled(bool is_enabled)
 {
+    if (!is_enabled && GetFocus() == m_handle)
+        SetFocus(GetNextDlgTabItem(GetAncestor(m_handle, GA_ROOT), m_handle, FALSE));
     EnableWindow(m_handle, is_enabled);
 }
 

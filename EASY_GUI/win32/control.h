@@ -2,7 +2,8 @@
 
 // The base of the system's own controls: a child window that a window or panel owns as a member. The parent's
 // destruction takes the control's window along; the object then is empty and may be created again. Commands of a
-// control arrive at its parent's onCommand. Window thread only. Texts are UTF-8, sizes pixels.
+// control arrive at its parent's onCommand; the top-level window hears of the focus (onControlFocused). Window thread
+// only. Texts are UTF-8, sizes pixels. In the text of a button, a frame and a name '&' stands before the mnemonic.
 
 #include "EASY_GUI/win32/font.h"
 
@@ -19,17 +20,18 @@ public:
     control(const control&) = delete;
     control& operator=(const control&) = delete;
 
+    virtual ~control();
+
     HWND handle() const { return m_handle; }
     void setText(std::string_view text);
     [[nodiscard]] std::string text() const;
     void setFont(const font& used);
     virtual void place(int x, int y, int width, int height);
-    void setEnabled(bool is_enabled);
+    void setEnabled(bool is_enabled); // the focus goes on to the next control when it cannot stay
     bool isEnabled() const { return IsWindowEnabled(m_handle) != 0; }
 
 protected:
     control() = default;
-    virtual ~control();
 
     // False when the system refuses the window.
     [[nodiscard]] bool createControl(const wchar_t* class_name, HWND parent, int id, std::string_view text, DWORD style,
@@ -40,8 +42,7 @@ protected:
     }
 
 private:
-    static LRESULT CALLBACK watchDestruction(HWND handle, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
-                                             DWORD_PTR self);
+    static LRESULT CALLBACK watch(HWND handle, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id, DWORD_PTR self);
 
     HWND m_handle = nullptr;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
-// A line of text that cannot take the focus.
+// A line of text that cannot take the focus, and the name before a field: its mnemonic focuses the field, which is
+// created next.
 
 #include "EASY_GUI/win32/control.h"
 
@@ -14,6 +15,15 @@ public:
     [[nodiscard]] bool create(HWND parent, int id, std::string_view text = {})
     {
         return createControl(L"STATIC", parent, id, text, SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS);
+    }
+};
+
+class field_name : public control
+{
+public:
+    [[nodiscard]] bool create(HWND parent, std::string_view text)
+    {
+        return createControl(L"STATIC", parent, 0, text, SS_LEFTNOWORDWRAP | SS_CENTERIMAGE);
     }
 };
 

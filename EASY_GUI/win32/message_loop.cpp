@@ -3,9 +3,47 @@
 namespace korvane
 {
 
+namespace
+{
+
+// Select all, copy, cut, paste and undo, in a field that can do it: a field that is only read leaves the others to the
+// document.
+bool isForText(const MSG& message)
+{
+    const auto isDown = [](int key) { return GetKeyState(key) < 0; };
+    if (message.message != WM_KEYDOWN || !isDown(VK_CONTROL) || isDown(VK_SHIFT) || isDown(VK_MENU) ||
+        (SendMessageW(message.hwnd, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) == 0)
+        return false;
+    DWORD first = 0;
+    DWORD last = 0;
+    SendMessageW(message.hwnd, EM_GETSEL, reinterpret_cast<WPARAM>(&first), reinterpret_cast<LPARAM>(&last));
+    const bool is_editable = (GetWindowLongPtrW(message.hwnd, GWL_STYLE) & ES_READONLY) == 0;
+    switch (message.wParam)
+    {
+    case 'A':
+        return true;
+    case 'C':
+        return first != last;
+    case 'V':
+    case 'X':
+    case 'Z':
+        return is_editable;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+bool message_loop::isShortcut(const MSG& message) const
+{
+    return m_accelerators != nullptr && m_main.isOpen() && IsWindowEnabled(m_main.handle()) &&
+           m_main.takesShortcutsOf(GetAncestor(message.hwnd, GA_ROOT)) && !isForText(message);
+}
+
 void message_loop::dispatch(MSG& message) const
 {
-    if (m_accelerators != nullptr && m_main.isOpen())
+    if (isShortcut(message))
         TranslateAcceleratorW(m_main.handle(), m_accelerators, &message);
     if (m_main.isOpen() && IsDialogMessageW(m_main.handle(), &message))
         return; // it has translated and dispatched the message itself

@@ -1,8 +1,9 @@
 #pragma once
 
-// The program's message loop. Shortcuts become commands of the main window first; the key press is then dispatched as a
-// key as well (a consumed shortcut is deliberately not swallowed). Tab, arrow keys and mnemonics move between the
-// controls of the main window.
+// The program's message loop. Keys of the main window, and of windows that belong to it (takesShortcutsOf), are looked
+// up in its table of shortcuts and become its commands, unless the focused field wants them for its text; never those
+// of a dialog, nor while one holds the main window. A key that became a command is dispatched as a key as well: that is
+// deliberate. Tab, arrow keys and mnemonics move between the controls of the main window.
 
 #include "EASY_GUI/win32/window.h"
 
@@ -18,6 +19,8 @@ public:
     void dispatch(MSG& message) const; // one message, as run() treats it
 
 private:
+    bool isShortcut(const MSG& message) const;
+
     window& m_main;
     HACCEL m_accelerators; // null: no shortcuts
 };

@@ -71,6 +71,7 @@ void window::detach()
     if (m_handle != nullptr)
         windowsByHandle().erase(m_handle);
     m_handle = nullptr;
+    m_focused = nullptr;
     m_dpi = 0;
 }
 
@@ -246,6 +247,35 @@ bool window::handleMouse(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& re
     return onMouseButton(event);
 }
 
+void window::focusWhenActive(HWND control)
+{
+    m_focused = control;
+    if (GetActiveWindow() == m_handle)
+        SetFocus(control);
+}
+
+bool window::focusControl()
+{
+    const bool is_there = IsChild(m_handle, m_focused) && IsWindowEnabled(m_focused) && IsWindowVisible(m_focused);
+    const HWND control = is_there ? m_focused : GetNextDlgTabItem(m_handle, nullptr, FALSE);
+    if (control == nullptr || control == m_handle)
+        return false;
+    SetFocus(control);
+    return true;
+}
+
+// As a dialog answers: mnemonics of names come this way, first to the name and then on to what is behind it.
+void window::focusNextControl(WPARAM wparam, LPARAM lparam)
+{
+    const HWND next =
+        LOWORD(lparam) != 0 ? reinterpret_cast<HWND>(wparam) : GetNextDlgTabItem(m_handle, GetFocus(), wparam != 0);
+    if (next == nullptr)
+        return;
+    SetFocus(next);
+    if ((SendMessageW(next, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) != 0)
+        SendMessageW(next, EM_SETSEL, 0, -1);
+}
+
 bool window::handleGeometry(UINT message, WPARAM wparam, LPARAM lparam)
 {
     switch (message)
@@ -301,6 +331,14 @@ LRESULT window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
         if (onKeyDown(static_cast<unsigned>(wparam), (lparam & (1L << 30)) != 0))
             return 0;
         break;
+    case WM_SETFOCUS:
+        if (hasControls() && focusControl())
+            return 0;
+        break;
+    case WM_NEXTDLGCTL:
+        if (hasControls())
+            focusNextControl(wparam, lparam);
+        return 0;
     case WM_CAPTURECHANGED:
         if (reinterpret_cast<HWND>(lparam) != m_handle)
             onCaptureLost();

@@ -83,6 +83,8 @@ public:
 
     // The object that owns the handle; null for windows that are not of this class.
     static window* fromHandle(HWND handle);
+    // True when the keys of a top-level window are looked up in this one's table of shortcuts (message_loop.h).
+    virtual bool takesShortcutsOf(HWND top) const { return top == m_handle; }
 
 protected:
     // Handlers. The defaults do what Windows does by default. A handler that throws is reported in a message box and
@@ -104,19 +106,30 @@ protected:
     virtual void onFilesDropped(const std::vector<std::string>& /*paths*/) {}
     // The window moved to a monitor of another density. The window was moved to the suggested rectangle already.
     virtual void onDpiChanged(unsigned /*dpi*/) {}
+    // The focus came to a control of this top-level window. The default remembers it: with WS_EX_CONTROLPARENT the
+    // focus goes there whenever the window itself gets it, which is when it was activated again, and else to the first
+    // control.
+    virtual void onControlFocused(HWND control) { m_focused = control; }
+    // Now, or when the window is activated the next time.
+    void focusWhenActive(HWND control);
     // Everything else, and the whole table of handlers: override to see messages that have no handler, and call this.
     virtual LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam);
 
 private:
+    friend class control; // says which one has the focus
     static LRESULT CALLBACK windowProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam);
     static ATOM classFor(const window_settings& settings);
     bool handleMouse(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result);
     bool handleGeometry(UINT message, WPARAM wparam, LPARAM lparam);
     LRESULT defaultResult(UINT message, WPARAM wparam, LPARAM lparam) const;
+    bool hasControls() const { return (GetWindowLongPtrW(m_handle, GWL_EXSTYLE) & WS_EX_CONTROLPARENT) != 0; }
+    bool focusControl();
+    void focusNextControl(WPARAM wparam, LPARAM lparam);
     void detach();
 
     HWND m_handle = nullptr;
-    unsigned m_dpi = 0; // of the last WM_DPICHANGED; 0: none came, the system knows it
+    HWND m_focused = nullptr; // control that has, or had, the focus
+    unsigned m_dpi = 0;       // of the last WM_DPICHANGED; 0: none came, the system knows it
 };
 
 } // namespace korvane
