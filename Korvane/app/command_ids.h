@@ -3,18 +3,17 @@
 // The numbers of commands (menu items, shortcuts) and of controls. Tests find controls by them; resource numbers are in
 // resources.h.
 
+#include "Korvane/document/model_commands.h"
+
 namespace korvane
 {
 
-enum command_id : int
+// Of the command's menu item and shortcut.
+constexpr int numberOf(document_command command)
 {
-    command_open = 100,
-    command_exit,
-    command_about,
-    command_file_update,        // read the archives again
-    command_variant_open,       // open a definition
-    command_recent_first = 200, // ten of them
-};
+    return 100 + static_cast<int>(command);
+}
+constexpr int recent_file_first = 200; // ten of them
 
 enum control_id : int
 {

@@ -4,7 +4,9 @@
 #include "EASY_GUI/services/version.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/resources.h"
+#include "Korvane/document/command_table.h"
 #include "Korvane/document/game_archives.h"
+#include "Korvane/document/kept_edits.h"
 #include "Korvane/document/recent_files.h"
 
 #include <algorithm>
@@ -20,12 +22,20 @@ namespace
 constexpr int margin = 8;          // at 96 dots per inch
 constexpr int default_width = 620; // outer
 
-RECT workArea()
+// Of the monitor that shows the window; null: the first one.
+RECT workArea(HWND window)
 {
-    RECT area{};
-    if (!SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0))
-        area = {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
-    return area;
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    if (GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTOPRIMARY), &monitor))
+        return monitor.rcWork;
+    return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+}
+
+shortcut acceleratorOf(const key_shortcut& keys, int command)
+{
+    return {static_cast<BYTE>(FCONTROL | (keys.with_shift ? FSHIFT : 0)), static_cast<WORD>(keys.key),
+            static_cast<WORD>(command)};
 }
 
 // While large files are read.
@@ -47,19 +57,17 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
     : m_ports(std::move(ports))
     , m_command_line(std::move(command_line))
     , m_file(std::move(file))
-    , m_file_info([this] {
-        if (m_document.model().hasModel())
-            m_ports.open_folder(m_document.model().file()->path());
-    })
-    , m_select([this](model_selection wanted) { select(wanted); })
-    , m_content(*this, {&m_file_info, &m_select, &m_group_info, &m_group_tool, &m_textures}, m_status, m_show_view)
+    , m_commands(m_document, m_ports.prompt)
+    , m_panels([this](int control) { actOn(control); })
+    , m_content(*this, m_panels.all(), m_status, m_show_view)
     , m_recent(nullptr)
 {
+    m_document.model().setKeeper(m_ports.keeper);
 }
 
 bool main_window::open(failure& why)
 {
-    const RECT area = workArea();
+    const RECT area = workArea(nullptr);
     window_settings settings;
     settings.title = m_document.title();
     settings.style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN | WS_VSCROLL;
@@ -69,7 +77,12 @@ bool main_window::open(failure& why)
     settings.width = std::min(scaled(default_width), static_cast<int>(area.right) - settings.x);
     settings.height = area.bottom - settings.y - scaled(margin); // until the panels say what they need
     settings.icon = resource_program_icon;
-    return create(settings, why);
+    m_start_failure = {};
+    if (create(settings, why))
+        return true;
+    if (m_start_failure)
+        why = m_start_failure;
+    return false;
 }
 
 // The order of these steps is what the log of a start shows.
@@ -83,9 +96,11 @@ bool main_window::onCreated()
     showFirstRunNotice();
 
     log("assigning accelerators ");
-    failure why;
-    if (!createPanels(why))
+    if (!createPanels())
+    {
+        log("main_window::onCreated(). " + describe(m_start_failure));
         return false;
+    }
     buildMenus();
     fillRecentFiles();
     m_content.applyFont();
@@ -99,8 +114,21 @@ bool main_window::onCreated()
     {
         log("main_window::onCreated(). command line processed: " + m_file);
         openFile(m_file);
+        if (m_document.model().hasModel())
+            focusWhenActive(m_panels.lodList());
+    }
+    if (offerKeptEdits(m_ports.keeper.folder(), m_document, m_ports.prompt, logPort()))
+    {
+        showDocument();
+        showView();
     }
     return true;
+}
+
+void main_window::onClose()
+{
+    if (m_commands.mayDiscardEdits())
+        destroy();
 }
 
 void main_window::onDestroyed()
@@ -124,39 +152,46 @@ void main_window::showFirstRunNotice()
     saveConfig();
 }
 
-bool main_window::createPanels(failure& why)
+bool main_window::createPanels()
 {
-    return m_file_info.createIn(handle(), "File Info: ", why) && m_select.createIn(handle(), "Select LOD/Group", why) &&
-           m_group_info.createIn(handle(), "Group Info:", why) && m_group_tool.createIn(handle(), "Group Tool:", why) &&
-           m_textures.createIn(handle(), "Textures:", why) && m_status.create(handle(), control_status) &&
-           m_show_view.create(handle(), control_show_view, "Show &3D View");
+    if (!m_panels.createIn(handle(), m_start_failure))
+        return false;
+    return (m_status.create(handle(), control_status) &&
+            m_show_view.create(handle(), control_show_view, "Show &3D View")) ||
+           fail(m_start_failure, failure_kind::refused,
+                "the lower edge could not be created (error " + std::to_string(GetLastError()) + ")");
 }
 
 void main_window::buildMenus()
 {
-    menu file = menu::makePopup();
-    m_recent = menu::makePopup();
-    file.addItem(command_open, "&Open \t\t Ctrl+O");
-    file.addSubmenu(m_recent, "Recent Files...");
-    file.addSeparator();
-    file.addItem(command_file_update, "Re-read .pack files...");
-    file.addSeparator();
-    file.addItem(command_exit, "E&xit \t\t Alt+F4");
-    menu variants = menu::makePopup();
-    variants.addItem(command_variant_open, "&Open .variantmeshdefintion file");
-    menu help = menu::makePopup();
-    help.addItem(command_about, "&Info And Credits");
     menu bar = menu::makeBar();
-    bar.addSubmenu(file, "&File");
-    bar.addSubmenu(variants, "&Variants");
-    bar.addSubmenu(help, "&Help");
+    menu open_menu(nullptr);
+    std::string_view open_name;
+    std::vector<shortcut> shortcuts;
+    for (const command_row& row : commandTable())
+    {
+        if (row.menu != open_name)
+        {
+            open_menu = menu::makePopup();
+            open_name = row.menu;
+            bar.addSubmenu(open_menu, row.menu);
+        }
+        if (row.starts_section)
+            open_menu.addSeparator();
+        if (row.command == document_command::open_recent)
+        {
+            m_recent = menu::makePopup();
+            open_menu.addSubmenu(m_recent, row.text);
+            continue;
+        }
+        open_menu.addItem(numberOf(row.command), row.text);
+        if (const auto keys = shortcutOf(row.text))
+            shortcuts.push_back(acceleratorOf(*keys, numberOf(row.command)));
+    }
     SetMenu(handle(), bar.handle());
-
-    // Alt+F4 is the system's own and closes whichever window is in front.
-    std::vector<shortcut> shortcuts = {{FCONTROL, 'O', command_open}};
-    for (WORD i = 0; i < max_recent_files; ++i)
-        shortcuts.push_back(
-            {FCONTROL, static_cast<WORD>('0' + (i + 1) % 10), static_cast<WORD>(command_recent_first + i)});
+    for (std::size_t i = 0; i < max_recent_files; ++i)
+        if (const auto keys = shortcutOf(recentFileLabel(i, "")))
+            shortcuts.push_back(acceleratorOf(*keys, recent_file_first + static_cast<int>(i)));
     m_accelerators = makeAccelerators(shortcuts);
 }
 
@@ -165,17 +200,17 @@ void main_window::fillRecentFiles()
     m_recent_files = recentFiles(m_ports.config);
     m_recent.clear();
     for (std::size_t i = 0; i < m_recent_files.size(); ++i)
-        m_recent.addItem(command_recent_first + static_cast<int>(i), recentFileLabel(i, m_recent_files[i]));
+        m_recent.addItem(recent_file_first + static_cast<int>(i), recentFileLabel(i, m_recent_files[i]));
     if (m_recent_files.empty())
     {
-        m_recent.addItem(command_recent_first, "(none yet)");
+        m_recent.addItem(recent_file_first, "(none yet)");
         EnableMenuItem(m_recent.handle(), 0, MF_BYPOSITION | MF_GRAYED);
     }
 }
 
 void main_window::onSize(int, int, size_change change)
 {
-    if (change != size_change::minimised && m_textures.isOpen())
+    if (change != size_change::minimised && m_panels.areOpen())
         m_content.layOut();
 }
 
@@ -201,37 +236,62 @@ void main_window::onDpiChanged(unsigned)
     m_content.applyFont();
 }
 
-bool main_window::onCommand(int id, int notification, HWND)
+bool main_window::takesShortcutsOf(HWND top) const
 {
-    if (id >= command_recent_first && id < command_recent_first + static_cast<int>(max_recent_files))
+    return window::takesShortcutsOf(top) || (m_po_view != nullptr && top == m_po_view->handle());
+}
+
+void main_window::onControlFocused(HWND control)
+{
+    window::onControlFocused(control);
+    m_content.scrollInto(control);
+}
+
+bool main_window::onCommand(int id, int notification, HWND control)
+{
+    if (control != nullptr) // the panels handle their own
     {
-        openRecent(static_cast<std::size_t>(id - command_recent_first));
-        return true;
-    }
-    switch (id)
-    {
-    case command_open:
-        chooseFile();
-        return true;
-    case command_variant_open:
-        chooseDefinition();
-        return true;
-    case command_file_update:
-        rereadArchives();
-        return true;
-    case command_exit:
-        PostMessageW(handle(), WM_CLOSE, 0, 0);
-        return true;
-    case command_about:
-        showAbout();
-        return true;
-    case control_show_view:
-        if (notification == BN_CLICKED)
+        if (id == control_show_view && notification == BN_CLICKED)
             showView();
-        return true;
-    default:
-        return false;
+        return id == control_show_view;
     }
+    if (id >= recent_file_first && id < recent_file_first + static_cast<int>(max_recent_files))
+    {
+        openRecent(static_cast<std::size_t>(id - recent_file_first));
+        return true;
+    }
+    for (const command_row& row : commandTable())
+        if (numberOf(row.command) == id && m_commands.isEnabled(row.command))
+            return runCommand(row.command), true;
+    return false;
+}
+
+void main_window::runCommand(document_command command)
+{
+    switch (command)
+    {
+    case document_command::open:
+        return chooseFile();
+    case document_command::open_definition:
+        return chooseDefinition();
+    case document_command::reread_archives:
+        return rereadArchives();
+    case document_command::exit:
+        PostMessageW(handle(), WM_CLOSE, 0, 0);
+        return;
+    case document_command::about:
+        return showAbout();
+    default:
+        return;
+    }
+}
+
+void main_window::actOn(int control)
+{
+    if (control == control_open_folder && m_commands.isEnabled(document_command::open_folder))
+        m_ports.open_folder(m_document.model().file()->path());
+    else if (control == control_lod || control == control_group)
+        select();
 }
 
 void main_window::onFilesDropped(const std::vector<std::string>& paths)
@@ -264,6 +324,8 @@ void main_window::openRecent(std::size_t position)
 
 bool main_window::openFile(const std::string& path)
 {
+    if (!isDefinitionPath(path) && !m_commands.mayDiscardEdits())
+        return false;
     const wait_cursor waiting;
     failure why;
     if (!m_document.open(path, why))
@@ -301,10 +363,10 @@ void main_window::logProblems()
         log(m_document.definition().path() + ": " + problem);
 }
 
-void main_window::select(model_selection wanted)
+void main_window::select()
 {
     const int former_lod = m_document.model().selection().lod;
-    m_document.select(wanted);
+    m_document.select(m_panels.chosen());
     showSelection();
     if (m_document.shown() == open_files::kind::model && m_document.model().selection().lod != former_lod)
         showInView();
@@ -312,32 +374,22 @@ void main_window::select(model_selection wanted)
 
 void main_window::showDocument()
 {
-    const open_model& model = m_document.model();
     setTitle(m_document.title());
-    m_file_info.show(model.hasModel() ? std::optional(fileInfo(*model.file())) : std::nullopt);
-    m_show_view.setEnabled(m_document.shown() != open_files::kind::nothing);
+    m_panels.showFile(m_document.model());
+    m_show_view.setEnabled(m_commands.isEnabled(document_command::show_view));
     showInView();
     showSelection();
 }
 
 void main_window::showSelection()
 {
-    const open_model& document = m_document.model();
-    const model_selection selection = document.selection();
-    const group_data* const group = document.selectedGroup();
-    if (document.hasModel())
-        m_select.show(lodEntries(*document.data()), groupEntries(*document.data(), selection.lod), selection);
-    else
-        m_select.show({}, {}, selection);
+    m_panels.showSelection(m_document.model());
     m_status.setText(m_document.status(m_drawn));
-    m_group_info.show(group != nullptr ? std::optional(groupInfo(*group)) : std::nullopt);
-    m_group_tool.show(group != nullptr ? std::optional(groupTool(*group, selection)) : std::nullopt);
-    m_textures.show(group != nullptr ? textureRows(*group) : texture_rows{});
 }
 
 void main_window::showView()
 {
-    if (m_document.shown() == open_files::kind::nothing)
+    if (!m_commands.isEnabled(document_command::show_view))
         return;
     if (m_po_view == nullptr)
     {
@@ -380,7 +432,7 @@ void main_window::placeView()
     RECT wanted{};
     if (view == nullptr || !GetWindowRect(handle(), &own) || !GetWindowRect(view, &wanted))
         return;
-    const RECT area = workArea();
+    const RECT area = workArea(handle());
     const LONG x = own.right + scaled(margin);
     const LONG room = area.right - scaled(margin) - x;
     if (room < scaled(320))

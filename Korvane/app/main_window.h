@@ -7,13 +7,10 @@
 #include "EASY_GUI/services/log_file.h"
 #include "EASY_GUI/services/user_prompt.h"
 #include "EASY_GUI/win32/menu.h"
-#include "Korvane/app/file_info_control.h"
-#include "Korvane/app/group_info_control.h"
-#include "Korvane/app/group_tool_window.h"
+#include "Korvane/app/information_panels.h"
 #include "Korvane/app/model_view.h"
 #include "Korvane/app/panel_column.h"
-#include "Korvane/app/select_window.h"
-#include "Korvane/app/texture_field_group.h"
+#include "Korvane/document/model_commands.h"
 #include "Korvane/document/open_files.h"
 
 #include <functional>
@@ -36,6 +33,7 @@ struct main_window_ports
     std::function<void(HWND)> set_prompt_owner; // the window over which the prompt shows its boxes; may be empty
     model_view_factory make_view;
     std::function<void(const std::string& path)> open_folder; // shows a file in the system's file manager
+    edit_keeper& keeper;                                      // of unsaved edits, and what the last program kept
 };
 
 class main_window : public window
@@ -50,11 +48,14 @@ public:
     const open_files& document() const { return m_document; }
     const model_view* view() const { return m_po_view.get(); } // null until a file was opened
 
-    // As if the person had chosen it. False, after a message box, when it cannot be opened: what was open stays.
+    // As if the person had chosen it. False, after a message box, when it cannot be opened, and when unsaved changes
+    // are not to be lost: what was open stays.
     bool openFile(const std::string& path);
+    bool takesShortcutsOf(HWND top) const override;
 
 protected:
     bool onCreated() override;
+    void onClose() override;
     void onDestroyed() override;
     void onSize(int width, int height, size_change change) override;
     void onVerticalScroll(int request) override;
@@ -63,15 +64,18 @@ protected:
     void onMinimumSize(SIZE& outer) override;
     void onDpiChanged(unsigned dpi) override;
     void onFilesDropped(const std::vector<std::string>& paths) override;
+    void onControlFocused(HWND control) override;
 
 private:
-    bool createPanels(failure& why);
+    bool createPanels();
     void buildMenus();
+    void runCommand(document_command command);
+    void actOn(int control);
     void fillRecentFiles();
     void showFirstRunNotice();
     void showDocument();
     void showSelection();
-    void select(model_selection wanted);
+    void select();
     void chooseFile();
     void chooseDefinition();
     void openChosen(const std::vector<file_filter>& filters);
@@ -90,14 +94,12 @@ private:
     std::string m_command_line;
     std::string m_file;
     open_files m_document;
+    model_commands m_commands;
+    failure m_start_failure;             // why the window could not be filled
     std::optional<drawn_models> m_drawn; // what the view made of the definition; nothing while it has not shown it
     std::unique_ptr<model_view> m_po_view;
 
-    file_info_control m_file_info;
-    select_window m_select;
-    group_info_control m_group_info;
-    group_tool_window m_group_tool;
-    texture_field_group m_textures;
+    information_panels m_panels;
     label m_status;
     button m_show_view;
     panel_column m_content; // lays all of these out

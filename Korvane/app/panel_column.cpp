@@ -26,12 +26,12 @@ SCROLLINFO scrollState(HWND window)
 void panel_column::applyFont()
 {
     font fresh(m_owner.dpi(), font::weight::regular);
-    for (panel* const part : m_panels)
+    for (field_panel* const part : m_panels)
         part->setFont(fresh);
     m_status.setFont(fresh);
     m_last.setFont(fresh);
     m_font = std::move(fresh); // the old one goes only now that no control uses it
-    for (panel* const part : m_panels)
+    for (field_panel* const part : m_panels)
         part->setFont(m_font);
     layOut();
 }
@@ -44,7 +44,7 @@ int panel_column::barHeight() const
 int panel_column::contentHeight() const
 {
     int height = m_owner.scaled(panel_margin);
-    for (const panel* const part : m_panels)
+    for (const field_panel* const part : m_panels)
         height += part->preferredHeight() + m_owner.scaled(panel_margin);
     return height + barHeight() + m_owner.scaled(panel_margin);
 }
@@ -71,7 +71,7 @@ void panel_column::layOut()
     const int border = m_owner.scaled(panel_margin);
     const int width = client.right - 2 * border;
     int y = border - GetScrollPos(m_owner.handle(), SB_VERT);
-    for (panel* const part : m_panels)
+    for (field_panel* const part : m_panels)
     {
         const int height = part->preferredHeight();
         part->place(border, y, width, height);
@@ -111,6 +111,18 @@ void panel_column::scroll(int request)
 void panel_column::scrollByWheel(int delta)
 {
     scrollTo(scrollState(m_owner.handle()).nPos - MulDiv(delta, 3 * m_owner.scaled(scroll_step), WHEEL_DELTA));
+}
+
+void panel_column::scrollInto(HWND control)
+{
+    RECT place{};
+    GetWindowRect(control, &place);
+    MapWindowPoints(nullptr, m_owner.handle(), reinterpret_cast<POINT*>(&place), 2);
+    const int border = m_owner.scaled(panel_margin);
+    const LONG below = place.bottom + border - m_owner.clientRectangle().bottom;
+    const LONG above = place.top - border;
+    if (above < 0 || below > 0)
+        scrollTo(scrollState(m_owner.handle()).nPos + (above < 0 ? above : below));
 }
 
 void panel_column::scrollTo(int position)

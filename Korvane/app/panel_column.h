@@ -4,7 +4,9 @@
 // a button, which stays at the lower edge while there is room. What does not fit is reached with the scroll bar. The
 // window owns the controls and hands its messages on.
 
-#include "Korvane/app/panel.h"
+#include "EASY_GUI/win32/button.h"
+#include "EASY_GUI/win32/label.h"
+#include "Korvane/app/field_panel.h"
 
 #include <vector>
 
@@ -15,7 +17,7 @@ class panel_column
 {
 public:
     // All of them outlive this.
-    panel_column(window& owner, std::vector<panel*> panels, label& status, button& last)
+    panel_column(window& owner, std::vector<field_panel*> panels, label& status, button& last)
         : m_owner(owner)
         , m_panels(std::move(panels))
         , m_status(status)
@@ -30,6 +32,7 @@ public:
     void layOut();
     void scroll(int request); // SB_LINEUP, SB_THUMBTRACK, ...
     void scrollByWheel(int delta);
+    void scrollInto(HWND control); // so that it is seen
 
 private:
     int contentHeight() const;
@@ -37,7 +40,7 @@ private:
     void scrollTo(int position);
 
     window& m_owner;
-    std::vector<panel*> m_panels;
+    std::vector<field_panel*> m_panels;
     label& m_status;
     button& m_last;
     font m_font;

@@ -1,5 +1,6 @@
 // The Windows program: prepares the process, opens the main window and runs the message loop.
 
+#include "D3D11_RENDER_LIB/d3d_check.h"
 #include "EASY_GUI/services/config_file.h"
 #include "EASY_GUI/services/log_file.h"
 #include "EASY_GUI/win32/handle_policies.h"
@@ -7,10 +8,13 @@
 #include "EASY_GUI/win32/message_loop.h"
 #include "EASY_GUI/win32/wide_text.h"
 #include "Korvane/app/d3d_model_view.h"
+#include "Korvane/app/fatal_end.h"
 #include "Korvane/app/main_window.h"
 #include "Korvane/archives/game_file.h"
 
 #include <commctrl.h>
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <objbase.h>
 #include <shellapi.h>
@@ -44,7 +48,8 @@ void makeDpiAware()
     using set_awareness = HRESULT(WINAPI*)(int);
     void* const address = reinterpret_cast<void*>(GetProcAddress(library.get(), "SetProcessDpiAwareness"));
     if (const auto ppfnSetAwareness = reinterpret_cast<set_awareness>(address); ppfnSetAwareness != nullptr)
-        ppfnSetAwareness(1); // one density for the whole session
+        ppfnSetAwareness(
+            1); // where the system has read the manifest, this finds per-monitor awareness set and does nothing
 }
 
 void registerControls()
@@ -77,7 +82,50 @@ void openFolderOf(const std::string& path)
     ShellExecuteW(nullptr, nullptr, L"explorer.exe", arguments.c_str(), nullptr, SW_SHOWNORMAL);
 }
 
-int runProgram(const std::string& command_line)
+constexpr int exit_status = 3; // that of abort()
+
+// Of the whole process; the handlers below have no other way to it.
+fatal_end* s_po_end = nullptr;
+
+[[noreturn]] void onTerminate()
+{
+    std::string reason = "The program had to stop.";
+    try
+    {
+        if (std::current_exception())
+            std::rethrow_exception(std::current_exception());
+    }
+    catch (const std::exception& error)
+    {
+        reason = std::string("The program had to stop: ") + error.what();
+    }
+    catch (...)
+    {
+    }
+    s_po_end->report(reason);
+    std::_Exit(exit_status);
+}
+
+LONG WINAPI onCrash(EXCEPTION_POINTERS* crash)
+{
+    const DWORD code = crash->ExceptionRecord->ExceptionCode;
+    if ((code & 0x20ffffff) == 0x20474343)   // the compiler's own, of a C++ exception that nobody catches
+        return EXCEPTION_CONTINUE_EXECUTION; // to terminate()
+    char reason[80];
+    std::snprintf(reason, sizeof reason, "The program crashed (code %08lX).", code);
+    s_po_end->report(reason);
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+void endWith(fatal_end& end)
+{
+    s_po_end = &end;
+    setAssertionPort([&end](const std::string& text) { end.report(text); });
+    std::set_terminate(&onTerminate);
+    SetUnhandledExceptionFilter(&onCrash);
+}
+
+int runProgram(const std::string& command_line, log_file& log, edit_keeper& keeper, fatal_end& end)
 {
     config_file config;
     config.load(config_file::defaultPath());
@@ -85,13 +133,15 @@ int runProgram(const std::string& command_line)
     registerControls();
     const com_apartment apartment;
 
-    log_file log;
     message_box_prompt prompt;
-    main_window window({config, "", log, "log.txt", prompt, [&prompt](HWND owner) { prompt.setOwner(owner); },
-                        &makeD3dModelView, &openFolderOf},
+    const auto set_owner = [&prompt, &end](HWND owner) {
+        prompt.setOwner(owner);
+        end.setOwner(owner);
+    };
+    main_window window({config, "", log, "log.txt", prompt, set_owner, &makeD3dModelView, &openFolderOf, keeper},
                        command_line, fileOfCommandLine());
     failure why;
-    if (!window.open(why))
+    if (!end.open(why) || !window.open(why))
     {
         prompt.show("Error!", "The program could not start.\r\n\r\n" + describe(why), prompt_icon::error);
         return 1;
@@ -103,14 +153,21 @@ int runProgram(const std::string& command_line)
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR command_line, int)
 {
+    log_file log;
+    edit_keeper keeper(defaultKeepFolder());
+    fatal_end end({keeper, [&log](const std::string& line) { log.write(line + "\r\n"); },
+                   [](const std::string& text, HWND owner) {
+                       MessageBoxW(owner, toWide(text).c_str(), L"Error!", MB_OK | MB_ICONERROR | MB_SETFOREGROUND);
+                   },
+                   [] { std::_Exit(exit_status); }});
+    endWith(end);
     try
     {
-        return runProgram(korvane::fromWide(command_line));
+        return runProgram(fromWide(command_line), log, keeper, end);
     }
     catch (const std::exception& error)
     {
-        const std::wstring text = L"The program had to stop: " + korvane::toWide(error.what());
-        MessageBoxW(nullptr, text.c_str(), L"Error!", MB_OK | MB_ICONERROR);
+        end.report(std::string("The program had to stop: ") + error.what());
     }
     return 1;
 }

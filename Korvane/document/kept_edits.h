@@ -44,6 +44,8 @@ public:
 
     explicit edit_keeper(std::string folder) : m_folder(std::move(folder)) {} // made when something is kept
 
+    const std::string& folder() const { return m_folder; }
+
     // By the document's thread. hold replaces what was held; the image is copied.
     void hold(const edit_origin& origin, std::span<const std::byte> image, std::vector<image_patch> edits);
     void update(std::vector<image_patch> edits); // of the model that is held

@@ -10,7 +10,7 @@ namespace korvane
 namespace
 {
 
-// The missing bracket is the product's own text.
+// The missing bracket stays: the text is documented so.
 const std::vector<file_filter> model_filters = {
     {"Rigid Model v2 Files (*.rigid_model_v2)", "*.rigid_model_v2"},
     {"All File (*.*", "*.*"},
@@ -24,6 +24,13 @@ bool model_commands::isEnabled(document_command command) const
     const open_model& model = m_document.model();
     switch (command)
     {
+    case document_command::open:
+    case document_command::open_recent:
+    case document_command::reread_archives:
+    case document_command::exit:
+    case document_command::open_definition:
+    case document_command::about:
+        return true;
     case document_command::save:
         return model.isEdited();
     case document_command::undo:

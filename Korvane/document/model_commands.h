@@ -16,6 +16,12 @@ namespace korvane
 
 enum class document_command
 {
+    open,
+    open_recent, // the submenu of the files that were opened last
+    reread_archives,
+    exit,
+    open_definition,
+    about,
     save,
     save_as,
     patch, // "MENU_FILE_PATCH": offered for every model; those that cannot be patched are told why

@@ -11,7 +11,7 @@ namespace korvane
 
 open_error describeOpenFailure(const std::string& path, const failure& why)
 {
-    if (isDefinitionPath(path)) // the doubled slips are the product's own text
+    if (isDefinitionPath(path)) // the slips stay: the text is documented so
         return {"Error!", "Loading .variantmeshdefintion failed. \r\nErro string: r\n" + describe(why)};
     return {"Error!", "The model could not be opened.\r\n\r\n" + describe(why)};
 }

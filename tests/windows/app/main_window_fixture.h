@@ -24,6 +24,19 @@
 namespace korvane::test
 {
 
+class plain_window : public window // top-level, visible
+{
+public:
+    plain_window()
+    {
+        window_settings settings;
+        settings.style = WS_POPUP | WS_VISIBLE;
+        settings.x = settings.y = settings.width = settings.height = 40;
+        failure why;
+        EXPECT_TRUE(create(settings, why)) << describe(why);
+    }
+};
+
 struct view_record
 {
     int made = 0, shown = 0, destroyed = 0;
@@ -51,11 +64,12 @@ public:
     }
     void show() override { ++m_record.shown; }
     bool isVisible() const override { return m_record.shown > 0; }
-    HWND handle() const override { return nullptr; }
+    HWND handle() const override { return m_window.handle(); }
 
 private:
     static std::string fileName(const std::string& path) { return path.substr(path.find_last_of("/\\") + 1); }
     view_record& m_record;
+    plain_window m_window;
 };
 
 class main_window_test : public testing::Test
@@ -93,8 +107,18 @@ protected:
         write("data\\a.pack", pack.bytes());
         m_config.add("data_paths", {m_folder + "data\\"}, false);
     }
-    void choose(int command) { SendMessageW(m_window->handle(), WM_COMMAND, static_cast<WPARAM>(command), 0); }
+    void choose(document_command command)
+    {
+        SendMessageW(m_window->handle(), WM_COMMAND, static_cast<WPARAM>(numberOf(command)), 0);
+    }
     void openWindow(const std::string& file = {})
+    {
+        failure why;
+        ASSERT_TRUE(tryToOpen(why, file)) << describe(why);
+        m_loop = std::make_unique<message_loop>(*m_window, m_window->accelerators());
+        pump();
+    }
+    bool tryToOpen(failure& why, const std::string& file = {})
     {
         m_log.openAt(m_folder + "log.txt");
         m_window = std::make_unique<main_window>(
@@ -105,12 +129,10 @@ protected:
                               m_prompt,
                               {},
                               [this](std::function<void(const std::string&)>, failure& why) { return makeView(why); },
-                              [this](const std::string& path) { m_opened_folder = path; }},
+                              [this](const std::string& path) { m_opened_folder = path; },
+                              m_keeper},
             "\"" + file + "\"", file);
-        failure why;
-        ASSERT_TRUE(m_window->open(why)) << describe(why);
-        m_loop = std::make_unique<message_loop>(*m_window, m_window->accelerators());
-        pump();
+        return m_window->open(why);
     }
     std::unique_ptr<model_view> makeView(failure& why)
     {
@@ -123,7 +145,10 @@ protected:
     {
         MSG message{};
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        {
+            m_released += message.message == WM_KEYUP || message.message == WM_SYSKEYUP ? 1 : 0;
             m_loop->dispatch(message);
+        }
     }
     bool pumpUntil(const std::function<bool()>& is_true)
     {
@@ -135,18 +160,27 @@ protected:
         }
         return is_true();
     }
-    void pressWithControl(WORD key)
+    // As the person does, where the focus is; modifier 0: the key alone. Whatever it causes has happened then.
+    void press(WORD key, WORD modifier = 0)
     {
-        INPUT inputs[4]{};
-        for (INPUT& input : inputs)
+        std::vector<INPUT> inputs;
+        const auto add = [&](WORD code, DWORD flags) {
+            INPUT input{};
             input.type = INPUT_KEYBOARD;
-        inputs[0].ki.wVk = inputs[3].ki.wVk = VK_CONTROL;
-        inputs[1].ki.wVk = inputs[2].ki.wVk = key;
-        inputs[2].ki.dwFlags = inputs[3].ki.dwFlags = KEYEVENTF_KEYUP;
-        SetForegroundWindow(m_window->handle());
-        SetFocus(m_window->handle());
-        SendInput(4, inputs, sizeof(INPUT));
+            input.ki.wVk = code;
+            input.ki.dwFlags = flags;
+            if (code != 0)
+                inputs.push_back(input);
+        };
+        add(modifier, 0);
+        add(key, 0);
+        add(key, KEYEVENTF_KEYUP);
+        add(modifier, KEYEVENTF_KEYUP);
+        m_released = 0;
+        SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
+        EXPECT_TRUE(pumpUntil([&] { return m_released == (modifier != 0 ? 2 : 1); })) << "key " << key;
     }
+    void pressWithControl(WORD key) { press(key, VK_CONTROL); }
 
     // A control of any panel by its number.
     HWND find(int id) const
@@ -211,7 +245,9 @@ protected:
     std::string m_folder = toUtf8(std::filesystem::temp_directory_path()) + "korvane window 李\\";
     config_file m_config;
     log_file m_log;
+    int m_released = 0; // keys, since the last press
     test::recording_prompt m_prompt;
+    edit_keeper m_keeper{m_folder + "kept"};
     view_record m_view;
     bool m_has_graphics = true;
     std::string m_opened_folder;
