@@ -1,7 +1,8 @@
 #pragma once
 
 // The program's diagnostic log: append-only, one banner per start. Every write opens, appends, flushes and closes the
-// file, so that a message is on disk before write returns. For the user-interface thread only.
+// file, so that a message is on disk before write returns. For the user-interface thread, but for the last words of
+// another one that ends the program.
 
 #include <functional>
 #include <string>
@@ -29,7 +30,7 @@ public:
     bool openAt(const std::string& path);
 
     // Appends the text; callers bring their own line ends "\r\n". In text mode: on Windows each "\n" gets one more
-    // carriage return, as it always had in this log.
+    // carriage return: that is the log's form.
     void write(const std::string& text);
 
 private:

@@ -45,12 +45,12 @@ std::optional<std::string> pick(IFileDialog& dialog, HWND owner, const std::stri
         texts.push_back(toWide(filter.label));
         texts.push_back(toWide(filter.pattern));
     }
-    std::vector<COMDLG_FILTERSPEC> specifications;
+    std::vector<COMDLG_FILTERSPEC> entries;
     for (std::size_t i = 0; i < texts.size(); i += 2)
-        specifications.push_back({texts[i].c_str(), texts[i + 1].c_str()});
+        entries.push_back({texts[i].c_str(), texts[i + 1].c_str()});
     dialog.SetTitle(toWide(title).c_str());
-    if (!specifications.empty())
-        dialog.SetFileTypes(static_cast<UINT>(specifications.size()), specifications.data());
+    if (!entries.empty())
+        dialog.SetFileTypes(static_cast<UINT>(entries.size()), entries.data());
     FILEOPENDIALOGOPTIONS options = 0;
     if (SUCCEEDED(dialog.GetOptions(&options)))
         dialog.SetOptions(options | FOS_FORCEFILESYSTEM);

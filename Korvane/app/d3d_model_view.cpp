@@ -46,7 +46,7 @@ void showProgramIcon(HWND window)
 
 } // namespace
 
-std::unique_ptr<model_view> makeD3dModelView(std::function<void(const std::string&)> log, failure& why)
+std::unique_ptr<model_view> makeD3dModelView(log_port log, failure& why)
 {
     viewer_ports ports;
     ports.log = std::move(log);

@@ -6,6 +6,7 @@
 // window and while nobody can work in it; a window thread that does not answer, since it waits for the one that reports
 // or hangs, leaves the box to that one. Lives on the window thread, and longer than all that may report.
 
+#include "EASY_GUI/services/log_port.h"
 #include "EASY_GUI/win32/window.h"
 #include "Korvane/document/kept_edits.h"
 
@@ -22,7 +23,7 @@ namespace korvane
 struct fatal_ports
 {
     edit_keeper& keeper;
-    std::function<void(const std::string& line)> log; // any thread
+    log_port log; // any thread
     std::function<void(const std::string& text, HWND owner)>
         show;                  // any thread; a null owner: on another one than it has
     std::function<void()> end; // ends the process

@@ -466,7 +466,7 @@ void main_window::log(const std::string& line)
     m_ports.log.write(line + "\r\n");
 }
 
-std::function<void(const std::string&)> main_window::logPort()
+log_port main_window::logPort()
 {
     return [this](const std::string& line) { log(line); };
 }

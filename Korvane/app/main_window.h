@@ -88,7 +88,7 @@ private:
     void showAbout();
     void saveConfig();
     void log(const std::string& line);
-    std::function<void(const std::string&)> logPort();
+    log_port logPort();
 
     main_window_ports m_ports;
     std::string m_command_line;

@@ -4,6 +4,7 @@
 // window record.
 
 #include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/log_port.h"
 #include "Korvane/document/open_definition.h"
 #include "Korvane/models/rmv2_data.h"
 
@@ -32,7 +33,6 @@ public:
 
 // Makes a view that shows nothing yet and is hidden; null and a reason when there is no usable graphics device. The log
 // function takes one line.
-using model_view_factory =
-    std::function<std::unique_ptr<model_view>(std::function<void(const std::string&)> log, failure& why)>;
+using model_view_factory = std::function<std::unique_ptr<model_view>(log_port log, failure& why)>;
 
 } // namespace korvane

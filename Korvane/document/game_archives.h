@@ -4,22 +4,20 @@
 // there are no folders. For the user-interface thread.
 
 #include "EASY_GUI/services/config_file.h"
+#include "EASY_GUI/services/log_port.h"
 #include "EASY_GUI/services/user_prompt.h"
 
-#include <functional>
 #include <string>
 
 namespace korvane
 {
-
-using log_line_port = std::function<void(const std::string& line)>; // without the line's end
 
 struct archive_ports
 {
     config_file& config;            // a new cache is recorded in it, and it is saved then
     const std::string& config_path; // empty: "config.cfg" beside the program; the cache lies beside it
     user_prompt& prompt;
-    log_line_port log;
+    log_port log;
 };
 
 // As at the start of the program: nothing is said when no folders are set, the program then runs on the disk alone.

@@ -201,7 +201,7 @@ edit_keeper::outcome edit_keeper::write(std::string& where, failure& why)
     return fail(why, failure_kind::refused, "no folder can be made there", m_folder), outcome::failed;
 }
 
-bool offerKeptEdits(const std::string& folder, open_files& document, user_prompt& prompt, const log_line_port& log)
+bool offerKeptEdits(const std::string& folder, open_files& document, user_prompt& prompt, const log_port& log)
 {
     const std::string title = "Unsaved changes";
     for (const std::string& keep : keepsIn(folder))

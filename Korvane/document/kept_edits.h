@@ -11,8 +11,9 @@
 // The next start offers what it finds there. Of several programs the one that removes the note has the keep.
 
 #include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/log_port.h"
 #include "EASY_GUI/services/memory_file.h"
-#include "Korvane/document/game_archives.h"
+#include "EASY_GUI/services/user_prompt.h"
 
 #include "Korvane/models/rmv2_writer.h"
 
@@ -70,6 +71,6 @@ private:
 
 // At the start: asks for each keep whether it is to be opened, until one is. What is opened or declined is removed;
 // what is damaged is named and left alone. True when the document now shows the edits, as edits that are not saved.
-bool offerKeptEdits(const std::string& folder, open_files& document, user_prompt& prompt, const log_line_port& log);
+bool offerKeptEdits(const std::string& folder, open_files& document, user_prompt& prompt, const log_port& log);
 
 } // namespace korvane

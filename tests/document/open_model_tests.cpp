@@ -1,10 +1,8 @@
-#include "EASY_GUI/services/file_system.h"
 #include "Korvane/document/open_model.h"
 #include "tests/support/model_builder.h"
+#include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
 
 namespace korvane::test
 {
@@ -14,30 +12,15 @@ namespace
 class open_model_test : public testing::Test
 {
 protected:
-    void SetUp() override { std::filesystem::create_directories(toPath(m_folder)); }
-    void TearDown() override { std::filesystem::remove_all(toPath(m_folder)); }
-
     std::string write(const std::string& name, const std::string& bytes)
     {
-        const std::string path = m_folder + "/" + name;
-        failure why;
-        EXPECT_TRUE(writeWholeFile(path, bytes, why)) << describe(why);
-        return path;
+        writeBytes(m_folder.file(name), bytes);
+        return m_folder.file(name);
     }
     std::string write(const std::string& name, const test_model& model) { return write(name, model.bytes()); }
 
-    std::string m_folder = toUtf8(std::filesystem::temp_directory_path()) + "/korvane document 李 " +
-                           testing::UnitTest::GetInstance()->current_test_info()->name();
+    temporary_folder m_folder;
 };
-
-test_group groupWithFormat(std::uint16_t format, std::size_t stride)
-{
-    test_group group;
-    group.vertex_format = format;
-    group.stride = stride;
-    group.vertices = std::string(3 * stride, '\x40');
-    return group;
-}
 
 test_model threeLods()
 {
@@ -60,7 +43,7 @@ TEST_F(open_model_test, AFileThatCannotBeOpenedLeavesWhatWasOpen)
         std::string path;
         failure_kind kind;
     } broken[] = {
-        {"no such file", m_folder + "/none.rigid_model_v2", failure_kind::not_found},
+        {"no such file", m_folder.file("none.rigid_model_v2"), failure_kind::not_found},
         {"another format", write("text.rigid_model_v2", std::string(400, 'x')), failure_kind::unsupported},
         {"cut in the first group", write("cut.rigid_model_v2", threeLods().bytes().substr(0, 900)),
          failure_kind::malformed},
@@ -127,71 +110,14 @@ TEST_F(open_model_test, TheSelectionStaysInsideTheModel)
     EXPECT_EQ(document.selectedGroup(), nullptr);
 }
 
-TEST_F(open_model_test, TheFilePanelNamesTheGameOfTheVersion)
+TEST_F(open_model_test, TextsThatAreNotUtf8AreShownNevertheless)
 {
-    const struct
-    {
-        std::uint32_t version;
-        const char* game;
-    } rows[] = {{5, "<error or unknown>"}, {6, "Rome2/Atilla/Thrones"}, {7, "WH/WH2"}, {8, "Three Kingdoms"}};
-    for (const auto& row : rows)
-    {
-        test_model model;
-        model.version = row.version;
-        model.skeleton_id = "rider\xe9"; // not UTF-8
-        rmv2_file file;
-        failure why;
-        const std::string path = write("m.rigid_model_v2", model);
-        ASSERT_TRUE(file.open(path, why)) << describe(why);
-        const file_info_content content = fileInfo(file);
-        EXPECT_EQ(content.version, std::to_string(row.version));
-        EXPECT_EQ(content.game, row.game);
-        EXPECT_EQ(content.path, path);
-        EXPECT_EQ(content.skeleton_id, "rideré");
-    }
-}
-
-TEST_F(open_model_test, TheGroupPanelsShowLabelsOfTheFormatAndAlphaMode)
-{
-    const struct
-    {
-        test_group group;
-        std::uint32_t material, alpha;
-        const char* material_name;
-        std::optional<std::string> short_label;
-        const char* long_label;
-        int alpha_position;
-    } rows[] = {
-        {groupWithFormat(0, 32), 68, 0, "default", "Default", "\"Default\" (static)", 0},
-        {groupWithFormat(3, 28), 70, 1, "weighted_skin", "Weighted", "\"Weighted\" (2 weights/verrtx))", 1},
-        {groupWithFormat(4, 32), 99, 0xffffffff, "decal_overlay", "Cinematic", "\"Cinematic\" (4 weights/vertex)", 2},
-        {groupWithFormat(5, 32), 0, 7, "<UNKNOWN>", std::nullopt, "\"Grass\" (internal)", 3},
-        {groupWithFormat(6, 32), 1, 0x40000000, "alpha_blend", std::nullopt, "", 4},
-    };
-    for (const auto& row : rows)
-    {
-        test_group group = row.group;
-        group.material_id = row.material;
-        group.alpha_mode = row.alpha;
-        group.material_flags = 0xfffffffe;
-        test_model model;
-        model.lods = {{test_group{}, group}};
-        open_model document;
-        failure why;
-        ASSERT_TRUE(document.open(write("m.rigid_model_v2", model), why)) << describe(why);
-        document.select({0, 1});
-        ASSERT_NE(document.selectedGroup(), nullptr);
-        const group_info_content info = groupInfo(*document.selectedGroup());
-        const group_tool_content tool = groupTool(*document.selectedGroup(), document.selection());
-        EXPECT_EQ(info.material_name, row.material_name);
-        EXPECT_EQ(info.material_id, std::to_string(row.material));
-        EXPECT_EQ(info.vertex_label, row.short_label) << group.vertex_format;
-        EXPECT_EQ(info.vertex_format, std::to_string(group.vertex_format));
-        EXPECT_EQ(tool.vertex_label, row.long_label) << group.vertex_format;
-        EXPECT_EQ(tool.caption, "L(0) G(1)");
-        EXPECT_EQ(tool.material_flags, "4294967294");
-        EXPECT_EQ(tool.alpha_mode, row.alpha_position) << row.alpha;
-    }
+    test_model model;
+    model.skeleton_id = "rider\xe9";
+    open_model document;
+    failure why;
+    ASSERT_TRUE(document.open(write("m.rigid_model_v2", model), why)) << describe(why);
+    EXPECT_EQ(fileInfo(*document.file()).skeleton_id, "rideré");
 }
 
 TEST_F(open_model_test, TextureRowsSplitAtTheLastSeparatorAndEndAfterEight)

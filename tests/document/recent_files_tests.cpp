@@ -1,3 +1,4 @@
+#include "Korvane/document/command_table.h"
 #include "Korvane/document/recent_files.h"
 
 #include <gtest/gtest.h>
@@ -33,6 +34,11 @@ TEST(RecentFiles, LabelsCarryTheirShortcut)
 {
     EXPECT_EQ(recentFileLabel(0, "C:\\a.rigid_model_v2"), "C:\\a.rigid_model_v2\tCtrl + 1");
     EXPECT_EQ(recentFileLabel(9, "x & y"), "x && y\tCtrl + 0");
+    EXPECT_EQ(shortcutOf(recentFileLabel(9, "x")), (key_shortcut{'0'}));
+    EXPECT_EQ(shortcutOf("&Open \t\t Ctrl+O"), (key_shortcut{'O'}));
+    EXPECT_EQ(shortcutOf("Convert FBX animation to .ANIM\t Ctrl+Shift+C"), (key_shortcut{'C', true}));
+    EXPECT_FALSE(shortcutOf("E&xit \t\t Alt+F4")) << "the system's own";
+    EXPECT_FALSE(shortcutOf("Re-read .pack files..."));
 }
 
 } // namespace

@@ -121,17 +121,17 @@ protected:
     bool tryToOpen(failure& why, const std::string& file = {})
     {
         m_log.openAt(m_folder + "log.txt");
-        m_window = std::make_unique<main_window>(
-            main_window_ports{m_config,
-                              m_folder + "config.cfg",
-                              m_log,
-                              "",
-                              m_prompt,
-                              {},
-                              [this](std::function<void(const std::string&)>, failure& why) { return makeView(why); },
-                              [this](const std::string& path) { m_opened_folder = path; },
-                              m_keeper},
-            "\"" + file + "\"", file);
+        m_window =
+            std::make_unique<main_window>(main_window_ports{m_config,
+                                                            m_folder + "config.cfg",
+                                                            m_log,
+                                                            "",
+                                                            m_prompt,
+                                                            {},
+                                                            [this](log_port, failure& why) { return makeView(why); },
+                                                            [this](const std::string& path) { m_opened_folder = path; },
+                                                            m_keeper},
+                                          "\"" + file + "\"", file);
         return m_window->open(why);
     }
     std::unique_ptr<model_view> makeView(failure& why)
