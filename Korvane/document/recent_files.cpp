@@ -11,12 +11,12 @@ namespace korvane
 
 namespace
 {
-constexpr const char* key = "config_recent_files";
+constexpr const char* recent_files_key = "config_recent_files";
 }
 
 std::vector<std::string> recentFiles(const config_file& config)
 {
-    std::vector<std::string> files = config.get(key);
+    std::vector<std::string> files = config.get(recent_files_key);
     files.resize(std::min(files.size(), max_recent_files));
     for (std::string& file : files)
         if (!isPackPath(file))
@@ -26,12 +26,12 @@ std::vector<std::string> recentFiles(const config_file& config)
 
 void addRecentFile(config_file& config, const std::string& path)
 {
-    std::vector<std::string> files = config.get(key);
+    std::vector<std::string> files = config.get(recent_files_key);
     std::erase_if(files, [&](const std::string& file) { return equalsIgnoringCase(file, path); });
     files.insert(files.begin(), path);
     files.resize(std::min(files.size(), max_recent_files));
-    config.clear(key);
-    config.add(key, files, false);
+    config.clear(recent_files_key);
+    config.add(recent_files_key, files, false);
 }
 
 std::string recentFileLabel(std::size_t position, const std::string& path)
