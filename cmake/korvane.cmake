@@ -49,3 +49,16 @@ function(korvane_test name)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
   endif()
 endfunction()
+
+# korvane_program_resources(TARGET RC PROGRAM DESCRIPTION): an object library of the program's manifest, which lies beside
+# the .rc file with ".manifest.in" behind its name, its version and what else RC holds. A library of its own, for the
+# resource compiler does not know the C++ options.
+function(korvane_program_resources target rc program description)
+  get_filename_component(name ${rc} NAME_WE)
+  configure_file(${name}.manifest.in ${CMAKE_CURRENT_BINARY_DIR}/${name}.manifest @ONLY)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${name}.version.rc @ONLY)
+  add_library(${target} OBJECT ${rc})
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR} ${CMAKE_CURRENT_BINARY_DIR})
+  set_source_files_properties(${rc} PROPERTIES OBJECT_DEPENDS
+    "${CMAKE_CURRENT_BINARY_DIR}/${name}.manifest;${CMAKE_CURRENT_BINARY_DIR}/${name}.version.rc")
+endfunction()

@@ -8,6 +8,6 @@ namespace korvane
 {
 
 inline constexpr std::string_view program_name = "Korvane";
-inline constexpr std::string_view program_version = "0.5.1a";
+extern const std::string_view program_version; // "1.2.3a", from CMakeLists.txt
 
 } // namespace korvane

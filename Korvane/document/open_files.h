@@ -49,7 +49,7 @@ public:
     const open_definition& definition() const { return m_definition; }
     void select(model_selection wanted) { m_model.select(wanted); }
 
-    // "Korvane 0.5.1a   RMV2: [body.rigid_model_v2] VMD: [no file loaded]", and "*[edited]" behind it.
+    // "Korvane 1.2.3a   RMV2: [body.rigid_model_v2] VMD: [no file loaded]", and "*[edited]" behind it.
     [[nodiscard]] std::string title() const;
     // One line about what is shown; drawn is what the view made of a definition.
     [[nodiscard]] std::string status(const std::optional<drawn_models>& drawn) const;

@@ -3,6 +3,7 @@
 #include "Korvane/document/kept_edits.h"
 #include "Korvane/document/model_commands.h"
 #include "tests/support/model_builder.h"
+#include "tests/support/program_title.h"
 #include "tests/support/recording_prompt.h"
 #include "tests/support/temporary_folder.h"
 
@@ -86,7 +87,7 @@ TEST_F(kept_edits_test, WhatASaveWouldHaveWrittenIsOfferedAndSavedToItsOwnPath)
         ASSERT_TRUE(offer(second));
         EXPECT_NE(m_prompt.shown.back().second.find(m_path), std::string::npos);
         EXPECT_EQ(second.document.title(),
-                  "Korvane 0.5.1a   RMV2: [soldier.rigid_model_v2] VMD: [no file loaded]*[edited]");
+                  test::programTitle("RMV2: [soldier.rigid_model_v2] VMD: [no file loaded]*[edited]"));
         EXPECT_FALSE(offer(second)) << "it is gone";
         model_commands commands(second.document, m_prompt);
         EXPECT_EQ(commands.save(), command_outcome::done);

@@ -3,6 +3,7 @@
 #include "Korvane/document/model_commands.h"
 #include "Korvane/models/rmv2_writer.h"
 #include "tests/support/model_builder.h"
+#include "tests/support/program_title.h"
 #include "tests/support/recording_prompt.h"
 #include "tests/support/temporary_folder.h"
 
@@ -186,7 +187,7 @@ TEST_F(model_commands_test, EditsAreNotLostWithoutAQuestion)
     EXPECT_TRUE(m_commands.mayDiscardEdits());
     EXPECT_EQ(m_commands.reset(), command_outcome::done);
     EXPECT_FALSE(m_document.model().hasModel());
-    EXPECT_EQ(m_document.title(), "Korvane 0.5.1a   RMV2: [no file loaded] VMD: [no file loaded]");
+    EXPECT_EQ(m_document.title(), test::programTitle("RMV2: [no file loaded] VMD: [no file loaded]"));
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "Korvane/document/open_files.h"
 #include "tests/support/model_builder.h"
 #include "tests/support/pack_builder.h"
+#include "tests/support/program_title.h"
 #include "tests/support/recording_prompt.h"
 #include "tests/support/temporary_folder.h"
 
@@ -69,7 +70,7 @@ protected:
 
 TEST_F(open_files_test, AModelAndADefinitionAreOpenAtTheSameTimeAndTheLastOneIsShown)
 {
-    const std::string start = "Korvane 0.5.1a   ";
+    const std::string start = test::programTitle("");
     EXPECT_EQ(m_files.title(), start + "RMV2: [no file loaded] VMD: [no file loaded]");
     EXPECT_EQ(m_files.shown(), open_files::kind::nothing);
     EXPECT_NE(m_files.status({}).find("Ctrl+O"), std::string::npos);
@@ -158,7 +159,7 @@ TEST_F(open_files_test, PathsIntoTheArchivesAreOpenedInAnyCase)
     EXPECT_FALSE(fileInfo(*m_files.model().file()).is_on_disk);
     open("pack:men\\GUARD.variantmeshdefinition");
     EXPECT_EQ(m_files.definition().models().size(), 2u);
-    EXPECT_EQ(m_files.title(), "Korvane 0.5.1a   RMV2: [Body.rigid_model_v2] VMD: [GUARD.variantmeshdefinition]");
+    EXPECT_EQ(m_files.title(), test::programTitle("RMV2: [Body.rigid_model_v2] VMD: [GUARD.variantmeshdefinition]"));
     failure why;
     EXPECT_FALSE(m_files.open("pack:men", why));
     EXPECT_EQ(why.kind, failure_kind::not_found);

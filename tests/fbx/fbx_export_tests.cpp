@@ -1,3 +1,4 @@
+#include "EASY_GUI/services/version.h"
 #include "Korvane/fbx/export/fbx_export.h"
 #include "Korvane/fbx/export/scene_exporter.h"
 #include "tests/fbx/export_fixtures.h"
@@ -274,7 +275,8 @@ TEST_F(FbxExport, whatWroteTheFileIsSaidAndWhatFailed)
     scene_exporter exporter(m_scene, {}, [&console](const std::string& text) { console += text; });
     failure why;
     ASSERT_TRUE(exporter.save(folder.file("out.FBX"), nullptr, why)) << describe(why);
-    EXPECT_EQ(console, "Korvane FBX exchange version 0.5.1a\nFBX file format version 7.4.0\n\n");
+    EXPECT_EQ(console,
+              "Korvane FBX exchange version " + std::string(program_version) + "\nFBX file format version 7.4.0\n\n");
     console.clear();
     EXPECT_FALSE(exporter.save(folder.file("missing/out.fbx"), nullptr, why));
     EXPECT_NE(console.find("Call to FbxExporter::Initialize() failed.\nError returned: "), std::string::npos)

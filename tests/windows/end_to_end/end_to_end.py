@@ -20,8 +20,11 @@ import unittest
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "..", "cli"))
 import model_oracle  # noqa: E402
 
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "..", "support"))
+from project_version import VERSION  # noqa: E402
+
 PROGRAM, CONSOLE_PROGRAM, PROBE, EMULATOR = (os.path.abspath(path) for path in sys.argv[1:5])
-TITLE = "Korvane 0.5.1a"
+TITLE = "Korvane " + VERSION
 VIEW = "Korvane GFX-D3D11"
 NO_FILE = TITLE + "   RMV2: [no file loaded] VMD: [no file loaded]"
 
