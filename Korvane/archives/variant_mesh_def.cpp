@@ -21,7 +21,7 @@ namespace korvane
 namespace
 {
 
-// Both are known to users by these very words.
+// Spelled so for ever: people search for them.
 constexpr const char* no_tree = "variant_mesh_def::fillTag(): pack_file::sm_poPathTree == nullptr";
 constexpr const char* not_in_tree = "variant_mesh_def::fillTag(): pfn = nullptr: problem findinh path";
 

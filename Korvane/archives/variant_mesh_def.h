@@ -83,8 +83,8 @@ public:
 
     const std::string& path() const { return m_path; } // as it was given; empty: nothing is open
     const variant_tag& root() const { return m_root; }
-    // The internal paths of all models in document order, as normalInternalPath() of internal_path.h gives them; meshes without a model
-    // are left out, a model that is named twice stands there twice.
+    // The internal paths of all models in document order, as normalInternalPath() of internal_path.h gives them; meshes
+    // without a model are left out, a model that is named twice stands there twice.
     [[nodiscard]] std::vector<std::string> models() const;
     // What could not be followed, one line each, none twice.
     [[nodiscard]] std::vector<std::string> problems() const;

@@ -1,7 +1,7 @@
 #pragma once
 
-// The tables that give names to the numbers in a rigid_model_v2 file. The spellings are the product's own and fixed:
-// users and scripts search for them.
+// The tables that give names to the numbers in a rigid_model_v2 file. The spellings are fixed: people and
+// scripts search for them (docs/known_behaviour.md).
 
 #include <cstdint>
 #include <optional>

@@ -36,8 +36,8 @@ struct image_patch
 // Writes a version 7 copy of a version 6 model: 8 more bytes in each LOD header, and every start_offset moved by their
 // sum. Edits that were not saved are not in it. The loaded model keeps its headers and its path, but its image's
 // version word becomes 7 and its header offsets move: a later save writes a file that says 7 over version 6 headers, so
-// ask hasMixedVersions() first. Refused with the sentence that users know for other versions, and a second time for the
-// same model. On failure nothing changes.
+// ask hasMixedVersions() first. Other versions are refused, and a second time for the same model. On failure nothing
+// changes.
 [[nodiscard]] bool patchToVersion7(rmv2_file& model, const std::string& path, failure& why);
 
 // Why patchToVersion7 would refuse the model; empty: it would not.
