@@ -22,9 +22,10 @@ bool fatal_end::open(failure& why)
 
 std::string fatal_end::lastWords(const std::string& reason)
 {
-    std::string text = reason;
+    std::string text;
     try
     {
+        text = "The program cannot go on and ends now.\r\n\r\n" + reason;
         std::string where;
         failure why;
         switch (m_ports.keeper.keep(where, why))

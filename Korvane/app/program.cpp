@@ -89,7 +89,7 @@ fatal_end* s_po_end = nullptr;
 
 [[noreturn]] void onTerminate()
 {
-    std::string reason = "The program had to stop.";
+    std::string reason = "unexpected end";
     try
     {
         if (std::current_exception())
@@ -97,7 +97,7 @@ fatal_end* s_po_end = nullptr;
     }
     catch (const std::exception& error)
     {
-        reason = std::string("The program had to stop: ") + error.what();
+        reason = error.what();
     }
     catch (...)
     {
@@ -112,7 +112,7 @@ LONG WINAPI onCrash(EXCEPTION_POINTERS* crash)
     if ((code & 0x20ffffff) == 0x20474343)   // the compiler's own, of a C++ exception that nobody catches
         return EXCEPTION_CONTINUE_EXECUTION; // to terminate()
     char reason[80];
-    std::snprintf(reason, sizeof reason, "The program crashed (code %08lX).", code);
+    std::snprintf(reason, sizeof reason, "crash, code %08lX", code);
     s_po_end->report(reason);
     return EXCEPTION_CONTINUE_SEARCH;
 }
@@ -167,7 +167,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR command_line, int)
     }
     catch (const std::exception& error)
     {
-        end.report(std::string("The program had to stop: ") + error.what());
+        end.report(error.what());
     }
     return 1;
 }

@@ -90,7 +90,8 @@ TEST_F(fatal_end_test, EditsAreKeptTheLogHasTheReasonAndTheWindowThreadShowsIt)
     EXPECT_TRUE(pumpUntil([this] { return m_ends == 1; }));
     render.join();
     EXPECT_EQ(m_shown_by, GetCurrentThreadId());
-    EXPECT_EQ(m_shown.rfind("Assertion failed: SUCCEEDED(hr), file d3d_window\r\n\r\nThe changes", 0), 0u) << m_shown;
+    EXPECT_NE(m_shown.find("Assertion failed: SUCCEEDED(hr), file d3d_window\r\n\r\nThe changes"), std::string::npos)
+        << m_shown;
     EXPECT_NE(logText().find("SUCCEEDED(hr), file d3d_window"), std::string::npos);
     EXPECT_TRUE(std::filesystem::exists(toPath(m_folder + "kept\\1\\model.rigid_model_v2")));
     m_end.report("once more");
@@ -109,7 +110,7 @@ TEST_F(fatal_end_test, AWindowThreadThatWaitsForTheReporterDoesNotHoldItUp)
     });
     render.join(); // as the window does that ends its render thread
     EXPECT_EQ(m_shown_by, reporter);
-    EXPECT_EQ(m_shown, "the device cannot be made") << "nothing was edited";
+    EXPECT_TRUE(m_shown.ends_with("the device cannot be made")) << "nothing was edited: " << m_shown;
     pump(); // the message that came too late
     EXPECT_EQ(m_ends, 1);
 }
