@@ -65,7 +65,7 @@ test_dds cube(test_dds file)
     return file;
 }
 
-TEST(DdsImage, FormatsAndSizesOfEveryKindOfFile)
+TEST(dds_image, formatsAndSizesOfEveryKindOfFile)
 {
     const struct
     {
@@ -118,7 +118,7 @@ TEST(DdsImage, FormatsAndSizesOfEveryKindOfFile)
     }
 }
 
-TEST(DdsImage, SubresourcesLieOneAfterTheOtherFaceByFace)
+TEST(dds_image, subresourcesLieOneAfterTheOtherFaceByFace)
 {
     test_dds file = cube(sized(test_dds::coded("DXT1", 0), 4, 4, 2));
     file.pixels.clear();
@@ -142,7 +142,7 @@ std::string patched(std::string bytes, std::size_t at, char value)
     return bytes;
 }
 
-TEST(DdsImage, DamageIsRefusedWithItsReason)
+TEST(dds_image, damageIsRefusedWithItsReason)
 {
     const std::string good = test_dds().bytes();
     test_dds volume = test_dds();
@@ -202,7 +202,7 @@ TEST(DdsImage, DamageIsRefusedWithItsReason)
     }
 }
 
-TEST(DdsImage, CutAtEachLengthAndPatchedAtEachHeaderByte)
+TEST(dds_image, cutAtEachLengthAndPatchedAtEachHeaderByte)
 {
     const std::string samples[] = {sized(test_dds::coded("DXT1", 56), 8, 8, 4).bytes(),
                                    cube(sized(test_dds::coded("DXT5", 6 * 32), 4, 4, 2)).bytes(),

@@ -18,7 +18,7 @@ std::string textOf(const pugi::xml_document& document, const char* path)
     return found.attribute() ? found.attribute().value() : found.node().text().get();
 }
 
-TEST(DaeExport, holdsTheSceneInInchesWithYUp)
+TEST(dae_export, holdsTheSceneInInchesWithYUp)
 {
     export_scene scene;
     failure why;
@@ -51,7 +51,7 @@ TEST(DaeExport, holdsTheSceneInInchesWithYUp)
     EXPECT_EQ(textOf(document, "//float_array[@id='take-times-array']"), "0 0.05 0.1 0.15");
 }
 
-TEST(DaeExport, idsAreMadeOfWhatXmlTakesAndNeverTwice)
+TEST(dae_export, idsAreMadeOfWhatXmlTakesAndNeverTwice)
 {
     dae_nodes::id_list ids;
     EXPECT_EQ(ids.make("bone a"), "bone_a");
@@ -61,7 +61,7 @@ TEST(DaeExport, idsAreMadeOfWhatXmlTakesAndNeverTwice)
     EXPECT_EQ(ids.make("\xc3\xa4"), "__");
 }
 
-TEST(DaeExport, aModelAloneHasNoControllersAndWithoutMaterialsNone)
+TEST(dae_export, aModelAloneHasNoControllersAndWithoutMaterialsNone)
 {
     export_scene scene;
     failure why;

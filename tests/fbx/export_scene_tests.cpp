@@ -30,7 +30,7 @@ export_scene sceneOf(const anim_data* skeleton, const RMV2_FILE_DATA& model)
     return scene;
 }
 
-TEST(ExportScene, bonesAreMirroredIntoTheFilesSpaceAndInInches)
+TEST(export_scene, bonesAreMirroredIntoTheFilesSpaceAndInInches)
 {
     export_scene scene;
     failure why;
@@ -42,7 +42,7 @@ TEST(ExportScene, bonesAreMirroredIntoTheFilesSpaceAndInInches)
     expectNear(scene.bones[2].global[0], {0, -1, 0}); // where its x axis points
 }
 
-TEST(ExportScene, limbColoursComeFromNames)
+TEST(export_scene, limbColoursComeFromNames)
 {
     const struct
     {
@@ -63,7 +63,7 @@ TEST(ExportScene, limbColoursComeFromNames)
     }
 }
 
-TEST(ExportScene, aSkeletonThatIsNoTreeIsRefused)
+TEST(export_scene, aSkeletonThatIsNoTreeIsRefused)
 {
     const float infinity = std::numeric_limits<float>::infinity();
     const struct
@@ -90,7 +90,7 @@ TEST(ExportScene, aSkeletonThatIsNoTreeIsRefused)
     }
 }
 
-TEST(ExportScene, aChildMayStandBeforeItsParent)
+TEST(export_scene, aChildMayStandBeforeItsParent)
 {
     export_scene scene;
     failure why;
@@ -101,7 +101,7 @@ TEST(ExportScene, aChildMayStandBeforeItsParent)
     EXPECT_TRUE(scene.bones[2].is_root);
 }
 
-TEST(ExportScene, meshesAreMirroredAndTheirTrianglesRunTheOtherWayRound)
+TEST(export_scene, meshesAreMirroredAndTheirTrianglesRunTheOtherWayRound)
 {
     const export_scene scene = sceneOf(nullptr, modelOf(triangleGroup()));
     const export_mesh& mesh = scene.meshes.at(0);
@@ -112,7 +112,7 @@ TEST(ExportScene, meshesAreMirroredAndTheirTrianglesRunTheOtherWayRound)
     EXPECT_TRUE(mesh.clusters.empty()) << "without a skeleton there is no skin";
 }
 
-TEST(ExportScene, nodesAreNumberedFromOneBehindAZero)
+TEST(export_scene, nodesAreNumberedFromOneBehindAZero)
 {
     std::vector<group_data> groups;
     for (int i = 0; i < 10; ++i)
@@ -128,7 +128,7 @@ TEST(ExportScene, nodesAreNumberedFromOneBehindAZero)
     EXPECT_EQ(why.what, "there is no LOD 1, the model has 1");
 }
 
-TEST(ExportScene, weightsOfAPointAddUpToOne)
+TEST(export_scene, weightsOfAPointAddUpToOne)
 {
     const anim_data skeleton = smallSkeleton();
     const export_scene scene =
@@ -159,7 +159,7 @@ TEST(ExportScene, weightsOfAPointAddUpToOne)
     EXPECT_EQ(scene.warnings[0], "skin_group_01_lod0: 2 weights left out: for bones up to 9, but the skeleton has 4");
 }
 
-TEST(ExportScene, damageIsLeftOutAndSaid)
+TEST(export_scene, damageIsLeftOutAndSaid)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const export_scene scene = sceneOf(
@@ -177,7 +177,7 @@ TEST(ExportScene, damageIsLeftOutAndSaid)
                   "_group_01_lod0: 1 triangle left out: an index is out of range"}));
 }
 
-TEST(ExportScene, materialsNameTheDiffuseAndTheNormalTexture)
+TEST(export_scene, materialsNameTheDiffuseAndTheNormalTexture)
 {
     group_data group = triangleGroup("head"), coloured = triangleGroup(), plain = triangleGroup();
     group.textures = {{11, "s.dds", {}}, {1, "tex/n.dds", {}}, {0, "tex/d.dds", {}}, {27, "b.dds", {}}};

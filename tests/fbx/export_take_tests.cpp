@@ -44,7 +44,7 @@ export_take takeOf(const anim_data& data, take_span span = take_span::half)
     return take;
 }
 
-TEST(EulerKeys, anglesGiveTheRotationBack)
+TEST(euler_keys, anglesGiveTheRotationBack)
 {
     const glm::dvec3 rows[] = {{10, 20, 30},  {-170, 80, 100}, {0, 90, 0},      {40, 90, 10},
                                {40, -90, 10}, {0, 0, 180},     {1, 89.99999, 2}};
@@ -58,7 +58,7 @@ TEST(EulerKeys, anglesGiveTheRotationBack)
     EXPECT_NEAR(principalAngles(rotationOf({40, 90, 10}), 25).z, 25, 1e-9) << "Z is free when Y is 90";
 }
 
-TEST(EulerKeys, theNearestOfBothFamiliesIsTaken)
+TEST(euler_keys, theNearestOfBothFamiliesIsTaken)
 {
     const struct
     {
@@ -75,7 +75,7 @@ TEST(EulerKeys, theNearestOfBothFamiliesIsTaken)
                 << row.angles.x << ", component " << axis;
 }
 
-TEST(EulerKeys, aTurnThroughYOf90HasNoJumps)
+TEST(euler_keys, aTurnThroughYOf90HasNoJumps)
 {
     std::vector<glm::dquat> rotations;
     for (int i = 0; i <= 180; ++i) // Y from 0 to 180: principal angles jump by 180 in X and Z
@@ -87,7 +87,7 @@ TEST(EulerKeys, aTurnThroughYOf90HasNoJumps)
         EXPECT_LT(difference(rotationOf(keys[i]), rotations[i]), 1e-12) << "key " << i;
 }
 
-TEST(ExportTake, spansHalfOfItsFramesOrAll)
+TEST(export_take, spansHalfOfItsFramesOrAll)
 {
     const std::shared_ptr<anim_data> data = smallAnimation(40, 20);
     const export_take half = takeOf(*data);
@@ -98,7 +98,7 @@ TEST(ExportTake, spansHalfOfItsFramesOrAll)
     EXPECT_EQ(takeOf(*smallAnimation(0, 20), take_span::full).stop_seconds, 0);
 }
 
-TEST(ExportTake, onlyMovedBonesHaveKeys)
+TEST(export_take, onlyMovedBonesHaveKeys)
 {
     const export_take take = takeOf(*smallAnimation(3, 20));
     ASSERT_EQ(take.translations.size(), 1u);
@@ -110,14 +110,14 @@ TEST(ExportTake, onlyMovedBonesHaveKeys)
     EXPECT_NEAR(take.rotations[0].keys[2].y, -2, 1e-4) << "turns about y the other way round in the mirror";
 }
 
-TEST(ExportTake, keysGoOnBeyondAWholeTurn)
+TEST(export_take, keysGoOnBeyondAWholeTurn)
 {
     const export_take take = takeOf(*smallAnimation(100, 20, 7));
     EXPECT_NEAR(take.rotations.at(0).keys.back().y, -7 * 99, 1e-3);
     EXPECT_LT(largestStep(take.rotations[0].keys), 7.001);
 }
 
-TEST(ExportTake, tracksOfBonesThatTheSkeletonLacksArePassedOver)
+TEST(export_take, tracksOfBonesThatTheSkeletonLacksArePassedOver)
 {
     auto data = smallAnimation(2, 20);
     data->animated_rotations = {40};
@@ -126,7 +126,7 @@ TEST(ExportTake, tracksOfBonesThatTheSkeletonLacksArePassedOver)
     EXPECT_EQ(take.translations.size(), 1u);
 }
 
-TEST(ExportTake, whatCannotBeTimedOrIsNoNumberIsRefused)
+TEST(export_take, whatCannotBeTimedOrIsNoNumberIsRefused)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const auto refused = [](const std::shared_ptr<anim_data>& data) {

@@ -89,7 +89,7 @@ const fbx_record* property(const fbx_record& object, std::string_view name)
     return nullptr;
 }
 
-class FbxExport : public testing::Test
+class fbx_export_test : public testing::Test
 {
 protected:
     void build(bool with_skeleton, std::vector<group_data> groups)
@@ -117,7 +117,7 @@ protected:
     export_scene m_scene;
 };
 
-TEST_F(FbxExport, theRootIsALimbNodeWithARootAttribute)
+TEST_F(fbx_export_test, theRootIsALimbNodeWithARootAttribute)
 {
     build(true, oneGroup());
     fbx_export exporter(m_scene, {});
@@ -132,7 +132,7 @@ TEST_F(FbxExport, theRootIsALimbNodeWithARootAttribute)
               (std::vector<double>{1, 0, 0}));
 }
 
-TEST_F(FbxExport, clustersUndoTheBindPose)
+TEST_F(fbx_export_test, clustersUndoTheBindPose)
 {
     build(true, oneGroup());
     fbx_export exporter(m_scene, {});
@@ -156,7 +156,7 @@ TEST_F(FbxExport, clustersUndoTheBindPose)
     EXPECT_EQ(pose.find("NbPoseNodes")->integerAt(0), 5);
 }
 
-TEST_F(FbxExport, aModelWithoutSkeletonHasMeshesAlone)
+TEST_F(fbx_export_test, aModelWithoutSkeletonHasMeshesAlone)
 {
     build(false, oneGroup());
     fbx_export exporter(m_scene, {false, {}});
@@ -166,7 +166,7 @@ TEST_F(FbxExport, aModelWithoutSkeletonHasMeshesAlone)
               (std::vector<std::int64_t>{0, 2, -2}));
 }
 
-TEST_F(FbxExport, everyClassIsDefinedOrReadersDropIt)
+TEST_F(fbx_export_test, everyClassIsDefinedOrReadersDropIt)
 {
     std::vector<group_data> groups = oneGroup();
     groups[0].textures = {{0, "d.dds", {}}};
@@ -187,7 +187,7 @@ TEST_F(FbxExport, everyClassIsDefinedOrReadersDropIt)
     EXPECT_EQ(file.document().find("Definitions")->find("Count")->integerAt(0), total);
 }
 
-TEST_F(FbxExport, fortyFramesAtTwentyEndAtOneSecondAndGoOn)
+TEST_F(fbx_export_test, fortyFramesAtTwentyEndAtOneSecondAndGoOn)
 {
     build(true, oneGroup());
     fbx_export exporter(m_scene, {});
@@ -213,7 +213,7 @@ TEST_F(FbxExport, fortyFramesAtTwentyEndAtOneSecondAndGoOn)
     EXPECT_EQ(file.at(file.object("Model", "arm_right"), "Lcl Rotation"), nullptr) << "not moved";
 }
 
-TEST_F(FbxExport, frameRatesThatAreInNoListAreGivenAsTheyAre)
+TEST_F(fbx_export_test, frameRatesThatAreInNoListAreGivenAsTheyAre)
 {
     build(true, {});
     fbx_export exporter(m_scene, {});
@@ -232,7 +232,7 @@ TEST_F(FbxExport, frameRatesThatAreInNoListAreGivenAsTheyAre)
     }
 }
 
-TEST_F(FbxExport, materialsReferToTexturesByTheGivenPath)
+TEST_F(fbx_export_test, materialsReferToTexturesByTheGivenPath)
 {
     std::vector<group_data> groups;
     for (int i = 0; i < 2; ++i)
@@ -253,7 +253,7 @@ TEST_F(FbxExport, materialsReferToTexturesByTheGivenPath)
     EXPECT_EQ(file.below("Texture", "n.dds"), (std::vector<std::string>{"n.dds"}));
 }
 
-TEST_F(FbxExport, whatIsUsedAgainGivesTheSameBytesAsWhatIsMadeAnew)
+TEST_F(fbx_export_test, whatIsUsedAgainGivesTheSameBytesAsWhatIsMadeAnew)
 {
     std::vector<group_data> groups; // with arrays that are large enough to be compressed
     groups.push_back(groupOf("body", std::vector<test_vertex>(300, {{1, 2, 3}, {{1, 1.0f}}}), {0, 1, 2}));
@@ -267,7 +267,7 @@ TEST_F(FbxExport, whatIsUsedAgainGivesTheSameBytesAsWhatIsMadeAnew)
     EXPECT_NE(second_time, writeFbx(anew.document(nullptr)));
 }
 
-TEST_F(FbxExport, whatWroteTheFileIsSaidAndWhatFailed)
+TEST_F(fbx_export_test, whatWroteTheFileIsSaidAndWhatFailed)
 {
     build(true, oneGroup());
     const temporary_folder folder;
@@ -284,7 +284,7 @@ TEST_F(FbxExport, whatWroteTheFileIsSaidAndWhatFailed)
     EXPECT_TRUE(console.ends_with("\n\n"));
 }
 
-TEST(ExportLines, areThoseOfTheLog)
+TEST(export_lines, areThoseOfTheLog)
 {
     EXPECT_EQ(exportingLine("walk.fbx", 2, 10), "Exporting File: walk.fbx   (2 / 10 )");
     EXPECT_EQ(exportedLine(10), "Done. Files Exported: 10");

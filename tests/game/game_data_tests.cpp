@@ -54,7 +54,7 @@ protected:
     test::temporary_folder m_folder;
 };
 
-TEST_F(game_data_test, OneToleranceForSeparatorsCaseAndBlanks)
+TEST_F(game_data_test, oneToleranceForSeparatorsCaseAndBlanks)
 {
     const game_data game(treeOf({{"Maps\\Body.dds", "body"},
                                  {"maps/odd.dds", "slash"},
@@ -88,7 +88,7 @@ TEST_F(game_data_test, OneToleranceForSeparatorsCaseAndBlanks)
     }
 }
 
-TEST_F(game_data_test, FoldersStandBeforeTheArchivesAndTheDiskAroundAFileBehindThem)
+TEST_F(game_data_test, foldersStandBeforeTheArchivesAndTheDiskAroundAFileBehindThem)
 {
     write("mod/Maps/body.DDS", "painted");
     write("second mod/maps/body.dds", "other paint");
@@ -133,7 +133,7 @@ TEST_F(game_data_test, FoldersStandBeforeTheArchivesAndTheDiskAroundAFileBehindT
     EXPECT_NE(log[0].find("broken.dds in "), std::string::npos) << log[0];
 }
 
-TEST_F(game_data_test, ASkeletonIsThatOfTheModThenOfTheFirstArchiveAndWithoutArchivesTheOneAroundTheModel)
+TEST_F(game_data_test, aSkeletonIsThatOfTheModThenOfTheFirstArchiveAndWithoutArchivesTheOneAroundTheModel)
 {
     write("data/animations/skeletons/man.anim", "around");
     const auto tree = treeOf({{"old\\skeletons\\Man.anim", "first"}, {"animations\\skeletons\\man.anim", "second"}});
@@ -145,7 +145,7 @@ TEST_F(game_data_test, ASkeletonIsThatOfTheModThenOfTheFirstArchiveAndWithoutArc
     EXPECT_EQ(contentOf(game_data(tree, {m_folder.file("mod")}).findSkeleton("man", model())), "mine");
 }
 
-TEST_F(game_data_test, WhatIsFoundOutlivesItsGameAndIsReadAgain)
+TEST_F(game_data_test, whatIsFoundOutlivesItsGameAndIsReadAgain)
 {
     game_file found;
     {
@@ -163,7 +163,7 @@ TEST_F(game_data_test, WhatIsFoundOutlivesItsGameAndIsReadAgain)
     EXPECT_EQ(count, 2u);
 }
 
-TEST_F(game_data_test, ReadingSaysWhatIsMissing)
+TEST_F(game_data_test, readingSaysWhatIsMissing)
 {
     const game_data game(treeOf({{"folder\\a", "content"}}));
     const struct

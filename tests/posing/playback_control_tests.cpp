@@ -12,7 +12,7 @@ namespace korvane
 namespace
 {
 
-TEST(PlaybackControl, CommandsBetweenTwoPicturesAllCount)
+TEST(playback_control, commandsBetweenTwoPicturesAllCount)
 {
     double now = 0;
     playback player([&now] { return now; });
@@ -43,7 +43,7 @@ TEST(PlaybackControl, CommandsBetweenTwoPicturesAllCount)
     EXPECT_EQ(control.shown().frame, 9u);
 }
 
-TEST(PlaybackControl, NoStepIsLostAndNoPositionTornBetweenThreads)
+TEST(playback_control, noStepIsLostAndNoPositionTornBetweenThreads)
 {
     constexpr std::uint32_t presses = 20000;
     playback_control control;

@@ -38,7 +38,7 @@ struct deed
     playback_position expected;
 };
 
-TEST(Playback, DoesWhatAPersonExpects)
+TEST(playback, doesWhatAPersonExpects)
 {
     using enum action;
     const struct
@@ -107,7 +107,7 @@ TEST(Playback, DoesWhatAPersonExpects)
     }
 }
 
-TEST(Playback, AFrameThatWasSteppedToStaysThatFrameAtAnyRate)
+TEST(playback, aFrameThatWasSteppedToStaysThatFrameAtAnyRate)
 {
     for (const double rate : {20.0, 24.5, 29.97, 30.0, 59.94})
     {
@@ -125,7 +125,7 @@ TEST(Playback, AFrameThatWasSteppedToStaysThatFrameAtAnyRate)
     }
 }
 
-TEST(Playback, SenselessLengthsStandStillAndCanBeStepped)
+TEST(playback, senselessLengthsStandStillAndCanBeStepped)
 {
     for (const double wrong : {0.0, -1.0, nan_number, infinite, -infinite})
         for (const bool is_rate : {true, false})
@@ -158,7 +158,7 @@ TEST(Playback, SenselessLengthsStandStillAndCanBeStepped)
     }
 }
 
-TEST(Playback, LoadingBeginsAtFrame0AndLeavesAPauseAlone)
+TEST(playback, loadingBeginsAtFrame0AndLeavesAPauseAlone)
 {
     double now = 0;
     playback player([&now] { return now; });
@@ -172,7 +172,7 @@ TEST(Playback, LoadingBeginsAtFrame0AndLeavesAPauseAlone)
     EXPECT_EQ(player.state(), play_state::paused);
 }
 
-TEST(Playback, TimesFindTheirFrameAndGoRound)
+TEST(playback, timesFindTheirFrameAndGoRound)
 {
     const struct
     {

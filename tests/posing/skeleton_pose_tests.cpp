@@ -48,7 +48,7 @@ std::shared_ptr<const anim_data> shared(anim_data data)
     return std::make_shared<const anim_data>(std::move(data));
 }
 
-TEST(SkeletonPose, TheBindPoseComesFromTheSkeletonFile)
+TEST(skeleton_pose, theBindPoseComesFromTheSkeletonFile)
 {
     skeleton_pose pose;
     ASSERT_TRUE(pose.setSkeleton(fourBones()));
@@ -63,7 +63,7 @@ TEST(SkeletonPose, TheBindPoseComesFromTheSkeletonFile)
     expectNear(pose.tree().nodes()[2].worldTranslation(), {1, 1, 2}, "without an animation");
 }
 
-TEST(SkeletonPose, SamplesBlendNeighboursAndTheLastFrameIntoTheFirst)
+TEST(skeleton_pose, samplesBlendNeighboursAndTheLastFrameIntoTheFirst)
 {
     const struct
     {
@@ -119,7 +119,7 @@ TEST(SkeletonPose, SamplesBlendNeighboursAndTheLastFrameIntoTheFirst)
     expectNear(pose.tree().nodes()[2].worldTranslation(), {1, 1, 2}, "the bind pose again");
 }
 
-TEST(SkeletonPose, OneFrameStandsStillAndNoFrameIsTheBindPose)
+TEST(skeleton_pose, oneFrameStandsStillAndNoFrameIsTheBindPose)
 {
     anim_data one = threeFrames();
     one.frame_count = 1;
@@ -141,7 +141,7 @@ TEST(SkeletonPose, OneFrameStandsStillAndNoFrameIsTheBindPose)
     }
 }
 
-TEST(SkeletonPose, TracksOfUnknownBonesArePassedOver)
+TEST(skeleton_pose, tracksOfUnknownBonesArePassedOver)
 {
     anim_data data = threeFrames();
     data.animated_translations = {3, 4}; // the skeleton ends at bone 3
@@ -156,7 +156,7 @@ TEST(SkeletonPose, TracksOfUnknownBonesArePassedOver)
     expectNear(pose.joints()[1].translation, {1, 0, 0}, "no track any more");
 }
 
-TEST(SkeletonPose, AnAnimationThatDoesNotHoldItsFramesIsRefusedAndTheOldOneGoesOn)
+TEST(skeleton_pose, anAnimationThatDoesNotHoldItsFramesIsRefusedAndTheOldOneGoesOn)
 {
     anim_data short_translations = threeFrames();
     short_translations.translations.pop_back();
@@ -179,7 +179,7 @@ TEST(SkeletonPose, AnAnimationThatDoesNotHoldItsFramesIsRefusedAndTheOldOneGoesO
     }
 }
 
-TEST(SkeletonPose, PlayingMovesTheBonesAndTakesNoMemory)
+TEST(skeleton_pose, playingMovesTheBonesAndTakesNoMemory)
 {
     double now = 50;
     skeleton_pose pose([&now] { return now; });

@@ -22,7 +22,7 @@ std::vector<joint> spelling(const std::vector<test_bone>& bones)
     return result;
 }
 
-TEST(SkeletonTree, WhatHangsTogetherIsPlacedWhateverTheTableSays)
+TEST(skeleton_tree, whatHangsTogetherIsPlacedWhateverTheTableSays)
 {
     constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
@@ -70,7 +70,7 @@ TEST(SkeletonTree, WhatHangsTogetherIsPlacedWhateverTheTableSays)
     }
 }
 
-TEST(SkeletonTree, NodesKnowTheirParentsChildrenAndRoot)
+TEST(skeleton_tree, nodesKnowTheirParentsChildrenAndRoot)
 {
     std::vector<joint> bones = joints({{3, 0}, {0, -1}, {1, 0}, {2, 1}, {4, -1}});
     skeleton_tree tree;
@@ -91,7 +91,7 @@ TEST(SkeletonTree, NodesKnowTheirParentsChildrenAndRoot)
     EXPECT_TRUE(tree.find(0)->children().empty()) << "bones of a ring hang nowhere";
 }
 
-TEST(SkeletonTree, AChildTurnsItsOwnWayAndThenItsParents)
+TEST(skeleton_tree, aChildTurnsItsOwnWayAndThenItsParents)
 {
     // Root at (1, 2, 3), turned about z. The child is 2 along the root's x, which now points along y, and turned
     // about x; its child is 1 along that one's y: about x it becomes z, which the root leaves alone.
@@ -112,7 +112,7 @@ TEST(SkeletonTree, AChildTurnsItsOwnWayAndThenItsParents)
     expectNear(nodes[2].worldTranslation(), {0, 2, 1}, "the root has moved");
 }
 
-TEST(SkeletonTree, LongChainsAndLongRingsTakeNoStack)
+TEST(skeleton_tree, longChainsAndLongRingsTakeNoStack)
 {
     constexpr std::int32_t length = 200000;
     std::vector<test_bone> chain;

@@ -15,7 +15,7 @@ namespace
 
 using namespace test;
 
-TEST(Transform, FirstAndThenSecondIsTheOrderOfTheFactors)
+TEST(transform, firstAndThenSecondIsTheOrderOfTheFactors)
 {
     // About z: x to y. About x: y to z. So x goes to z; the other way round x stays at first and ends as y.
     expectNear(rotated({1, 0, 0}, about_z_90), {0, 1, 0}, "about z");
@@ -28,7 +28,7 @@ TEST(Transform, FirstAndThenSecondIsTheOrderOfTheFactors)
     expectNear(rotated({1, 0, 0}, {2 * half_root, 0, 0, 2 * half_root}), {0, 4, 0}, "not of unit length");
 }
 
-TEST(Transform, MatricesLieInMemoryAsRowVectorsReadThem)
+TEST(transform, matricesLieInMemoryAsRowVectorsReadThem)
 {
     // Rows: where x, y and z go, and the translation.
     const float expected[16] = {0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 1, 2, 3, 1};
@@ -42,7 +42,7 @@ TEST(Transform, MatricesLieInMemoryAsRowVectorsReadThem)
     expectNear(glm::vec3(both * glm::vec4(1, 0, 0, 1)), {1, -3, 13}, "A then B");
 }
 
-TEST(Transform, InterpolationTakesTheShorterArcAndIsLinearFrom099999On)
+TEST(transform, interpolationTakesTheShorterArcAndIsLinearFrom099999On)
 {
     const glm::quat none(1, 0, 0, 0);
     const struct

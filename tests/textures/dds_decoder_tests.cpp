@@ -51,7 +51,7 @@ constexpr std::uint64_t hash_of_nothing = 0xcbf29ce484222325;
 constexpr int blocks_of_each = 4096;
 
 // The sums are those of the pixels that Mesa 22.3.6 makes of the same blocks (glCompressedTexImage2D, glGetTexImage).
-TEST(BlockDecoder, EveryModeOfBc7IsWhatAnotherDecoderMakesOfIt)
+TEST(block_decoder, everyModeOfBc7IsWhatAnotherDecoderMakesOfIt)
 {
     const struct
     {
@@ -77,7 +77,7 @@ TEST(BlockDecoder, EveryModeOfBc7IsWhatAnotherDecoderMakesOfIt)
     }
 }
 
-TEST(BlockDecoder, EveryModeOfBc6hIsWhatAnotherDecoderMakesOfIt)
+TEST(block_decoder, everyModeOfBc6hIsWhatAnotherDecoderMakesOfIt)
 {
     const struct
     {
@@ -141,7 +141,7 @@ test::test_dds masked(std::uint32_t bits, std::uint32_t flags, const std::vector
 }
 
 // Computed by hand from the bits; text literals hold a pixel's bytes, lowest first.
-TEST(DdsDecoder, UncompressedPixelsOfEveryKind)
+TEST(dds_decoder, uncompressedPixelsOfEveryKind)
 {
     using test::test_dds;
     using namespace std::string_literals;
@@ -191,7 +191,7 @@ TEST(DdsDecoder, UncompressedPixelsOfEveryKind)
 }
 
 // Large enough for tables instead of computing: the result must be the same.
-TEST(DdsDecoder, TablesSayWhatIsComputed)
+TEST(dds_decoder, tablesSayWhatIsComputed)
 {
     for (const std::uint32_t format : {2u, 10u, 11u, 24u, 26u, 31u, 35u, 67u, 86u})
     {
@@ -222,7 +222,7 @@ test::test_dds withPixels(test::test_dds file, const std::string& pixels)
 }
 
 // The first pixels of a block, computed by hand: indices 0, 1, 2, 3 (and on) in the first row.
-TEST(DdsDecoder, EveryFormatBecomesBytesOfColour)
+TEST(dds_decoder, everyFormatBecomesBytesOfColour)
 {
     using test::test_dds;
     // 0xf800 red and 0x001f blue; (2 x 255 + 0) / 3 = 170. The second order has a mean (127.5 up) and a hole.
@@ -283,7 +283,7 @@ TEST(DdsDecoder, EveryFormatBecomesBytesOfColour)
 }
 
 // A block of one colour each, 5 x 6 pixels of them; and large enough for several threads.
-TEST(DdsDecoder, BlocksLieWhereTheyBelong)
+TEST(dds_decoder, blocksLieWhereTheyBelong)
 {
     for (const auto& [width, height] : {std::pair(5u, 6u), std::pair(1021u, 515u)})
     {

@@ -11,14 +11,14 @@ namespace korvane
 namespace
 {
 
-TEST(NormalMap, ToOrangeKeepsXAndYOnly)
+TEST(normal_map, toOrangeKeepsXAndYOnly)
 {
     std::vector<rgba_pixel> pixels = {rgba(200, 100, 255, 255), rgba(0, 0, 0, 7), rgba(255, 254, 1, 0)};
     toOrange(pixels);
     EXPECT_EQ(pixels, (std::vector<rgba_pixel>{rgba(255, 100, 0, 200), rgba(255, 0, 0, 0), rgba(255, 254, 0, 255)}));
 }
 
-TEST(NormalMap, ToBlueComputesZ)
+TEST(normal_map, toBlueComputesZ)
 {
     std::vector<rgba_pixel> pixels = {
         rgba(255, 128, 0, 128), // z is 0.99997, its byte 254.996
@@ -54,7 +54,7 @@ rgba_pixel blueStepByStep(unsigned red, unsigned green, unsigned alpha)
     return rgba(static_cast<unsigned>(new_red), static_cast<unsigned>(new_green), static_cast<unsigned>(blue), 255);
 }
 
-TEST(NormalMap, ToBlueIsTheFormulasToTheBit)
+TEST(normal_map, toBlueIsTheFormulasToTheBit)
 {
     std::vector<rgba_pixel> pixels(65536);
     std::size_t wrong = 0;

@@ -21,7 +21,7 @@ picture gradient(std::uint32_t width, std::uint32_t height)
     return image;
 }
 
-TEST(PictureFile, BothKindsComeBackAsTheyWere)
+TEST(picture_file, bothKindsComeBackAsTheyWere)
 {
     const test::temporary_folder folder;
     for (const auto& [name, kind] :
@@ -40,7 +40,7 @@ TEST(PictureFile, BothKindsComeBackAsTheyWere)
     EXPECT_EQ(pictureKind("picture.dds"), std::nullopt);
 }
 
-TEST(PictureFile, PngIsTrueColourAndItsProfileDoesNotMatter)
+TEST(picture_file, pngIsTrueColourAndItsProfileDoesNotMatter)
 {
     const test::temporary_folder folder;
     const std::string path = folder.file("picture.png");
@@ -60,7 +60,7 @@ TEST(PictureFile, PngIsTrueColourAndItsProfileDoesNotMatter)
     }
 }
 
-TEST(PictureFile, WhatFollowsAPictureIsNotRead)
+TEST(picture_file, whatFollowsAPictureIsNotRead)
 {
     // More than there is memory, where files can be as long: with a 32-bit long they cannot.
     constexpr std::uint64_t length = std::uint64_t{1} << (sizeof(long) > 4 ? 36 : 30);
@@ -85,7 +85,7 @@ TEST(PictureFile, WhatFollowsAPictureIsNotRead)
     EXPECT_EQ(why.path, folder.file("long"));
 }
 
-TEST(PictureFile, DamageIsAFailureWithThePath)
+TEST(picture_file, damageIsAFailureWithThePath)
 {
     const test::temporary_folder folder;
     failure why;

@@ -31,7 +31,7 @@ colours pixelsOf(const picture& source)
 constexpr rgba_pixel a = rgba(1, 2, 3, 4), b = rgba(5, 6, 7, 8), c = rgba(9, 10, 11, 12), d = rgba(13, 14, 15, 16);
 const std::string a_to_d("\3\2\1\4\7\6\5\x8\xb\xa\x9\xc\xf\xe\xd\x10", 16); // blue, green, red, alpha
 
-TEST(Targa, EveryVariantStandsTheRightWayUp)
+TEST(targa, everyVariantStandsTheRightWayUp)
 {
     constexpr rgba_pixel opaque = 0xff000000;
     const struct
@@ -115,7 +115,7 @@ TEST(Targa, EveryVariantStandsTheRightWayUp)
     }
 }
 
-TEST(Targa, WhatCannotBeReadIsSaidWithItsPlace)
+TEST(targa, whatCannotBeReadIsSaidWithItsPlace)
 {
     const test_targa good{.pixels = a_to_d};
     const struct
@@ -221,7 +221,7 @@ TEST(Targa, WhatCannotBeReadIsSaidWithItsPlace)
     }
 }
 
-TEST(Targa, WrittenFilesAreExactlyAsDescribed)
+TEST(targa, writtenFilesAreExactlyAsDescribed)
 {
     picture image(2, 2);
     std::ranges::copy(colours{a, b, c, d}, image.pixels().begin());

@@ -46,7 +46,7 @@ RMV2_FILE_DATA modelOf(const std::vector<std::pair<std::uint32_t, std::string>>&
     return model;
 }
 
-class TextureExtraction : public testing::Test
+class texture_extraction_test : public testing::Test
 {
 protected:
     void enter(const std::string& name, const std::vector<test::test_entry>& entries)
@@ -73,7 +73,7 @@ protected:
     std::shared_ptr<path_tree> m_tree = std::make_shared<path_tree>();
 };
 
-TEST_F(TextureExtraction, TheCopyThatCountsIsWrittenOnceWhateverTheSpelling)
+TEST_F(texture_extraction_test, theCopyThatCountsIsWrittenOnceWhateverTheSpelling)
 {
     enter("old.pack", {{"tex\\a.dds", "old"}, {"tex\\b.dds", "b"}, {"tex\\empty.dds", ""}, {"odd/path\\c.dds", "c"}});
     enter("new.pack", {{"tex\\a.dds", "new"}, {"tex\\unwanted.dds", "u"}});
@@ -96,7 +96,7 @@ TEST_F(TextureExtraction, TheCopyThatCountsIsWrittenOnceWhateverTheSpelling)
 }
 
 // An archive first, then the disk around the models, each of which has surroundings of its own.
-TEST_F(TextureExtraction, LooseFilesAndBlanksInArchives)
+TEST_F(texture_extraction_test, looseFilesAndBlanksInArchives)
 {
     enter("a.pack", {{" tex\\blank.dds", "blank"}, {"tex\\both.dds", "archive"}});
     for (const char* folder : {"one/tex", "one/deep", "two"})
@@ -121,7 +121,7 @@ TEST_F(TextureExtraction, LooseFilesAndBlanksInArchives)
     EXPECT_EQ(result.missing, paths{"..\\a.pack"});
 }
 
-TEST_F(TextureExtraction, HostilePathsWriteNothingOutside)
+TEST_F(texture_extraction_test, hostilePathsWriteNothingOutside)
 {
     const paths hostile = {"..\\evil.dds",     "..\\..\\evil.dds", "tex\\..\\..\\..\\evil.dds",
                            "c:\\evil.dds",     "c:evil.dds",       "tex\\a.dds:stream",
@@ -155,7 +155,7 @@ TEST_F(TextureExtraction, HostilePathsWriteNothingOutside)
     }
 }
 
-TEST_F(TextureExtraction, FlatNamesAreNumberedAndPicturesDecoded)
+TEST_F(texture_extraction_test, flatNamesAreNumberedAndPicturesDecoded)
 {
     // Red 255, green 128, blue 0, alpha 128, as the games store X 128, Y 128.
     test::test_dds normal;
@@ -192,7 +192,7 @@ TEST_F(TextureExtraction, FlatNamesAreNumberedAndPicturesDecoded)
     EXPECT_EQ(names, (paths{"out/broken.dds", "out/one/n.tga", "out/two/n.dds"}));
 }
 
-TEST_F(TextureExtraction, StopsWhenAskedAndTellsProgress)
+TEST_F(texture_extraction_test, stopsWhenAskedAndTellsProgress)
 {
     std::vector<test::test_entry> entries;
     std::vector<wanted_texture> wanted;
@@ -217,7 +217,7 @@ TEST_F(TextureExtraction, StopsWhenAskedAndTellsProgress)
     EXPECT_TRUE(extractTextures(*m_tree, wanted, {.folder = m_folder.file("none")}, {}, stop.get_token()).is_stopped);
 }
 
-TEST(TexturePaths, TheTableHoldsEveryTextureAndEachFileOnce)
+TEST(texture_paths, theTableHoldsEveryTextureAndEachFileOnce)
 {
     const texture_path_table table = texturePathTable(
         modelOf({{0, "Tex/A.dds"}, {1, "tex\\n.DDS"}, {3, "other/a.dds"}}), "D:\\Mods\\Guard.rigid_model_v2");
