@@ -174,23 +174,6 @@ class anim_texts(cli_tests.cli_case):
         with open(self.path(name), "rb") as file:
             return file.read()
 
-    def test_a_dump_lists_the_rotations_of_every_frame(self):
-        bones = [(b"root", -1), (b"spine", 0)]
-        data = anim_oracle.make(5, bones, [NONE, NONE], [NONE, 0], [([], [(0, 0, 0, 32767)]), ([], [(32767, 0, 0, 0)])])
-        path = self.write("two.anim", data)
-        korvane("anim", "dump", path, "-o", self.path("two.txt"), check=0)
-        lines = self.read("two.txt").split(self.end)
-        self.assertEqual(lines[0], b"***** ANIM DATA Dump - Korvane v0.6  ******")
-        self.assertEqual(lines[1], b"Parent Pack File: ")
-        self.assertTrue(lines[2].startswith(b"File: ") and lines[2].endswith(b"two.anim"))
-        self.assertEqual(lines[3:5], [b"joint_count: 2", b"frame_count: 2"])
-        numbered = [line for line in lines if line.startswith((b"Frame Number", b"Name"))]
-        self.assertEqual([line.split(b"\t")[0] for line in numbered],
-                         [b"Frame Number: 0", b"Name: spine                   ", b"Frame Number: 1",
-                          b"Name: spine                   "])
-        self.assertTrue(numbered[3].endswith(b"Eulers Degrees: (180.000000, 0.000000, -0.000000)") or
-                        numbered[3].endswith(b"Eulers Degrees: (180.000000, -0.000000, -0.000000)"), numbered[3])
-
     def test_a_bone_table_has_a_line_for_every_bone(self):
         bones = [(b"root", -1), (b"Left_Thumb", 1), (b"jaw", 1)]
         path = self.write("rig.anim", anim_oracle.make(7, bones, range(3), range(3), [([(0.0, 0.0, 0.0)] * 3,
