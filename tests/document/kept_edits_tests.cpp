@@ -26,16 +26,12 @@ protected:
         open_files document;
     };
 
-    std::string write(std::uint32_t version = 7)
+    void open(program& which, std::uint32_t version = 7)
     {
         test_model model;
         model.version = version;
         model.lods = {{test_group{}}, {test_group{}}};
         writeBytes(m_path, model.bytes());
-        return m_path;
-    }
-    void open(program& which)
-    {
         failure why;
         ASSERT_TRUE(which.document.open(m_path, why)) << describe(why);
     }
@@ -48,6 +44,12 @@ protected:
         std::thread([&] { outcome = which.keeper.keep(where, why); }).join();
         EXPECT_NE(outcome, edit_keeper::outcome::failed) << describe(why);
         return outcome == edit_keeper::outcome::kept ? where : "";
+    }
+    std::string keepAnEdit(program& which)
+    {
+        open(which);
+        which.document.model().chooseAlphaMode(1);
+        return keep(which);
     }
     bool offer(program& which)
     {
@@ -65,10 +67,9 @@ TEST_F(kept_edits_test, WhatASaveWouldHaveWrittenIsOfferedAndSavedToItsOwnPath)
 {
     for (const std::uint32_t version : {5u, 6u, 7u, 8u})
     {
-        write(version);
         {
             program first(m_kept);
-            open(first);
+            open(first, version);
             EXPECT_EQ(keep(first), "") << "nothing was edited";
             first.document.model().chooseTexture(0, "other.dds");
             first.document.model().chooseAlphaMode(1);
@@ -98,37 +99,25 @@ TEST_F(kept_edits_test, WhatASaveWouldHaveWrittenIsOfferedAndSavedToItsOwnPath)
 
 TEST_F(kept_edits_test, AModelThatWasOpenedSoIsKeptAgain)
 {
-    write();
-    program first(m_kept);
-    open(first);
-    first.document.model().chooseAlphaMode(1);
-    keep(first);
+    program first(m_kept), second(m_kept), third(m_kept);
+    keepAnEdit(first);
     m_prompt.will_confirm = true;
-    program second(m_kept);
     ASSERT_TRUE(offer(second));
-    const std::string where = keep(second);
-    ASSERT_NE(where, "");
-    program third(m_kept);
+    ASSERT_NE(keep(second), "");
     ASSERT_TRUE(offer(third));
     EXPECT_FALSE(third.document.model().savesElsewhere()) << "the file is what it was before the first edit";
-    third.document.model().chooseAlphaMode(0);
-    EXPECT_NE(keep(third), "");
 }
 
 TEST_F(kept_edits_test, AFileThatChangedSinceIsNotWrittenOver)
 {
     for (const char* const now : {"another model", ""}) // empty: gone
     {
-        write();
-        program first(m_kept);
-        open(first);
-        first.document.model().chooseAlphaMode(1);
-        keep(first);
+        program first(m_kept), second(m_kept);
+        keepAnEdit(first);
         std::filesystem::remove(toPath(m_path));
         if (*now != '\0')
             writeBytes(m_path, now);
         m_prompt.confirmations = {true};
-        program second(m_kept);
         ASSERT_TRUE(offer(second));
         EXPECT_NE(m_prompt.shown.back().second.find("ask where"), std::string::npos);
         model_commands commands(second.document, m_prompt);
@@ -143,62 +132,42 @@ TEST_F(kept_edits_test, AFileThatChangedSinceIsNotWrittenOver)
 
 TEST_F(kept_edits_test, SeveralProgramsKeepBesideEachOtherAndNoDiscards)
 {
-    write();
-    program first(m_kept);
-    program second(m_kept);
-    for (program* const each : {&first, &second})
-    {
-        open(*each);
-        each->document.model().chooseAlphaMode(1);
-    }
-    EXPECT_NE(keep(first), keep(second));
+    program first(m_kept), second(m_kept), next(m_kept);
+    EXPECT_NE(keepAnEdit(first), keepAnEdit(second));
     m_prompt.confirmations = {false, true};
-    program next(m_kept);
     EXPECT_TRUE(offer(next));
     EXPECT_TRUE(std::filesystem::is_empty(toPath(m_kept)));
 }
 
 TEST_F(kept_edits_test, AModelThatWasPatchedIsKept)
 {
-    write(6);
-    program first(m_kept);
-    open(first);
+    program first(m_kept), second(m_kept);
+    open(first, 6);
     first.document.model().chooseAlphaMode(1);
     failure why;
     ASSERT_TRUE(first.document.model().patch(m_folder.file("patched"), why)) << describe(why);
     keep(first);
     m_prompt.confirmations = {true};
-    program second(m_kept);
     EXPECT_TRUE(offer(second));
     EXPECT_TRUE(hasMixedVersions(*second.document.model().file()));
 }
 
 TEST_F(kept_edits_test, ADamagedKeepIsNamedAndLeftAlone)
 {
-    const struct
+    const std::pair<const char*, std::size_t>
+        rows[] = // a file and the length to which it is cut, its last byte changed
+        {{"origin.txt", 0}, {"origin.txt", 120}, {"model.rigid_model_v2", 100}, {"model.rigid_model_v2", 100000}};
+    for (const auto& [name, length] : rows)
     {
-        const char* name;
-        const char* file;
-        std::size_t length; // to which it is cut
-        char last;          // its last byte then
-    } rows[] = {{"a note that was not written", "origin.txt", 0, 0},
-                {"half a note", "origin.txt", 120, 'x'},
-                {"a cut model", "model.rigid_model_v2", 100, 0},
-                {"another model", "model.rigid_model_v2", 100000, 'x'}};
-    for (const auto& row : rows)
-    {
-        write();
-        program first(m_kept);
-        open(first);
-        first.document.model().chooseAlphaMode(1);
-        const std::string file = keep(first) + row.file;
-        std::string bytes = readBytes(file).substr(0, row.length);
-        bytes.empty() ? void() : void(bytes.back() = row.last);
+        program first(m_kept), second(m_kept);
+        const std::string file = keepAnEdit(first) + name;
+        std::string bytes = readBytes(file).substr(0, length);
+        if (!bytes.empty())
+            ++bytes.back();
         writeBytes(file, bytes);
-        program second(m_kept);
-        EXPECT_FALSE(offer(second)) << row.name;
-        EXPECT_NE(m_prompt.shown.back().second.find("left where they are"), std::string::npos) << row.name;
-        EXPECT_NE(m_log.find(row.file), std::string::npos) << m_log;
+        EXPECT_FALSE(offer(second)) << name << length;
+        EXPECT_NE(m_prompt.shown.back().second.find("left where they are"), std::string::npos) << name << length;
+        EXPECT_NE(m_log.find(name), std::string::npos) << m_log;
         EXPECT_EQ(readBytes(file), bytes);
         std::filesystem::remove_all(toPath(m_kept));
     }
@@ -206,7 +175,6 @@ TEST_F(kept_edits_test, ADamagedKeepIsNamedAndLeftAlone)
 
 TEST_F(kept_edits_test, WhereNothingCanBeWrittenTheReasonIsSaid)
 {
-    write();
     writeBytes(m_kept, "a file in place of the folder");
     program first(m_kept);
     open(first);

@@ -202,6 +202,13 @@ protected:
         EXPECT_NE(wanted.found, nullptr) << id;
         return wanted.found;
     }
+    RECT placeOf(HWND control) const // in the main window
+    {
+        RECT place{};
+        GetWindowRect(control, &place);
+        MapWindowPoints(nullptr, m_window->handle(), reinterpret_cast<POINT*>(&place), 2);
+        return place;
+    }
     std::string text(int id) const
     {
         const HWND control = find(id);

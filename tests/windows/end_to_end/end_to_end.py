@@ -26,7 +26,6 @@ from project_version import VERSION  # noqa: E402
 PROGRAM, CONSOLE_PROGRAM, PROBE, EMULATOR = (os.path.abspath(path) for path in sys.argv[1:5])
 TITLE = "Korvane " + VERSION
 VIEW = "Korvane GFX-D3D11"
-NO_FILE = TITLE + "   RMV2: [no file loaded] VMD: [no file loaded]"
 
 DEFINITION = "variantmeshes/variantmeshdefinitions/demo_guard.variantmeshdefinition"
 
@@ -177,10 +176,9 @@ class session(unittest.TestCase):
             self.oracle = model_oracle.model(file.read())
         return renamed
 
-    def start(self, *arguments, first_time=False):
-        if not first_time:
-            with open(self.path("config.cfg"), "a", encoding="utf-8") as config:
-                config.write('first_time = \r"no";\r\n\r\n')
+    def start(self, *arguments):
+        with open(self.path("config.cfg"), "a", encoding="utf-8") as config:
+            config.write('first_time = \r"no";\r\n\r\n')
         self.running = subprocess.Popen([EMULATOR, self.path("Korvane.exe"), *arguments], stdin=subprocess.DEVNULL,
                                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
@@ -342,22 +340,6 @@ class session(unittest.TestCase):
         self.assertTrue(probe("wait", TITLE + "   RMV2: [my", 1))
         self.assertEqual(self.close(), 0)
 
-    def test_the_first_start_shows_its_notice_once(self):
-        self.start(first_time=True)
-        self.assertTrue(probe("wait", "Important!", 60))
-        message = " ".join(control["text"] for control in probe("texts", "Important!"))
-        self.assertIn("'Setup Game Folders'", message)
-        press("Return")
-        self.assertEqual(probe("wait", TITLE, 30), NO_FILE)
-        self.assertEqual(self.close(), 0)
-        with open(self.path("config.cfg"), "rb") as file:
-            self.assertRegex(file.read(), rb'first_time = \r"[^"]+";\r\n')
-        self.start(first_time=True)
-        self.assertEqual(probe("wait", TITLE, 60), NO_FILE)
-        self.assertIsNone(probe("wait", "Important!", 0))
-        self.assertEqual(self.close(), 0)
-        self.assertEqual(self.log().count("Korvane 0.X debugging log"), 2)
-
 
 class executable(unittest.TestCase):
     def test_the_program_is_hardened_and_carries_manifest_icon_and_version(self):
@@ -371,7 +353,8 @@ class executable(unittest.TestCase):
         for bit, name in ((0x20, "high-entropy addresses"), (0x40, "address randomisation"),
                           (0x100, "no execution of data")):
             self.assertTrue(flags & bit, "the program lacks " + name)
-        for text in (b"Microsoft.Windows.Common-Controls", "Korvane contributors".encode("utf-16-le")):
+        for text in (b"Microsoft.Windows.Common-Controls", b"PerMonitorV2, system",
+                     "Korvane contributors".encode("utf-16-le")):
             self.assertIn(text, data)
 
 
