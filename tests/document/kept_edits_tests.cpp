@@ -63,7 +63,7 @@ protected:
     std::string m_log;
 };
 
-TEST_F(kept_edits_test, WhatASaveWouldHaveWrittenIsOfferedAndSavedToItsOwnPath)
+TEST_F(kept_edits_test, whatASaveWouldHaveWrittenIsOfferedAndSavedToItsOwnPath)
 {
     for (const std::uint32_t version : {5u, 6u, 7u, 8u})
     {
@@ -97,7 +97,7 @@ TEST_F(kept_edits_test, WhatASaveWouldHaveWrittenIsOfferedAndSavedToItsOwnPath)
     }
 }
 
-TEST_F(kept_edits_test, AModelThatWasOpenedSoIsKeptAgain)
+TEST_F(kept_edits_test, aModelThatWasOpenedSoIsKeptAgain)
 {
     program first(m_kept), second(m_kept), third(m_kept);
     keepAnEdit(first);
@@ -108,7 +108,7 @@ TEST_F(kept_edits_test, AModelThatWasOpenedSoIsKeptAgain)
     EXPECT_FALSE(third.document.model().savesElsewhere()) << "the file is what it was before the first edit";
 }
 
-TEST_F(kept_edits_test, AFileThatChangedSinceIsNotWrittenOver)
+TEST_F(kept_edits_test, aFileThatChangedSinceIsNotWrittenOver)
 {
     for (const char* const now : {"another model", ""}) // empty: gone
     {
@@ -130,7 +130,7 @@ TEST_F(kept_edits_test, AFileThatChangedSinceIsNotWrittenOver)
     }
 }
 
-TEST_F(kept_edits_test, SeveralProgramsKeepBesideEachOtherAndNoDiscards)
+TEST_F(kept_edits_test, severalProgramsKeepBesideEachOtherAndNoDiscards)
 {
     program first(m_kept), second(m_kept), next(m_kept);
     EXPECT_NE(keepAnEdit(first), keepAnEdit(second));
@@ -139,7 +139,7 @@ TEST_F(kept_edits_test, SeveralProgramsKeepBesideEachOtherAndNoDiscards)
     EXPECT_TRUE(std::filesystem::is_empty(toPath(m_kept)));
 }
 
-TEST_F(kept_edits_test, AModelThatWasPatchedIsKept)
+TEST_F(kept_edits_test, aModelThatWasPatchedIsKept)
 {
     program first(m_kept), second(m_kept);
     open(first, 6);
@@ -152,7 +152,7 @@ TEST_F(kept_edits_test, AModelThatWasPatchedIsKept)
     EXPECT_TRUE(hasMixedVersions(*second.document.model().file()));
 }
 
-TEST_F(kept_edits_test, ADamagedKeepIsNamedAndLeftAlone)
+TEST_F(kept_edits_test, aDamagedKeepIsNamedAndLeftAlone)
 {
     const std::pair<const char*, std::size_t>
         rows[] = // a file and the length to which it is cut, its last byte changed
@@ -173,7 +173,7 @@ TEST_F(kept_edits_test, ADamagedKeepIsNamedAndLeftAlone)
     }
 }
 
-TEST_F(kept_edits_test, WhereNothingCanBeWrittenTheReasonIsSaid)
+TEST_F(kept_edits_test, whereNothingCanBeWrittenTheReasonIsSaid)
 {
     writeBytes(m_kept, "a file in place of the folder");
     program first(m_kept);

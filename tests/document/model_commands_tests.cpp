@@ -41,7 +41,7 @@ protected:
     model_commands m_commands{m_document, m_prompt};
 };
 
-TEST_F(model_commands_test, CommandsAreEnabledAsTheyMakeSense)
+TEST_F(model_commands_test, commandsAreEnabledAsTheyMakeSense)
 {
     using command = document_command;
     EXPECT_FALSE(m_commands.isEnabled(command::save_as));
@@ -59,7 +59,7 @@ TEST_F(model_commands_test, CommandsAreEnabledAsTheyMakeSense)
     EXPECT_FALSE(m_commands.isEnabled(command::choose_texture)) << "a group without textures";
 }
 
-TEST_F(model_commands_test, EditsShowInThePanelsAndTheTitleAndReachTheFileWhenTheyAreSaved)
+TEST_F(model_commands_test, editsShowInThePanelsAndTheTitleAndReachTheFileWhenTheyAreSaved)
 {
     const std::string path = open(7);
     const std::string title = m_document.title();
@@ -90,7 +90,7 @@ TEST_F(model_commands_test, EditsShowInThePanelsAndTheTitleAndReachTheFileWhenTh
     EXPECT_EQ(saved.data().lods[0].groups[0].alpha_mode, 0xffffffffu);
 }
 
-TEST_F(model_commands_test, AnAlphaModeThatNoSaveWritesIsSaidWhenItIsChosenAndWhenItIsSaved)
+TEST_F(model_commands_test, anAlphaModeThatNoSaveWritesIsSaidWhenItIsChosenAndWhenItIsSaved)
 {
     const std::string path = open(7);
     m_document.select({0, 1});
@@ -101,7 +101,7 @@ TEST_F(model_commands_test, AnAlphaModeThatNoSaveWritesIsSaidWhenItIsChosenAndWh
     EXPECT_EQ(readBytes(path), m_bytes);
 }
 
-TEST_F(model_commands_test, ASaveThatFailsKeepsPathAndEditedFlag)
+TEST_F(model_commands_test, aSaveThatFailsKeepsPathAndEditedFlag)
 {
     const std::string path = open(7);
     m_commands.chooseAlphaMode(1);
@@ -114,7 +114,7 @@ TEST_F(model_commands_test, ASaveThatFailsKeepsPathAndEditedFlag)
     EXPECT_EQ(m_commands.saveAs(), command_outcome::cancelled);
 }
 
-TEST_F(model_commands_test, OnlyVersion6IsPatched)
+TEST_F(model_commands_test, onlyVersion6IsPatched)
 {
     const struct
     {
@@ -135,7 +135,7 @@ TEST_F(model_commands_test, OnlyVersion6IsPatched)
     }
 }
 
-TEST_F(model_commands_test, AfterAPatchASaveIsAskedAboutAndASecondPatchRefused)
+TEST_F(model_commands_test, afterAPatchASaveIsAskedAboutAndASecondPatchRefused)
 {
     open(6);
     m_commands.chooseAlphaMode(1);
@@ -171,7 +171,7 @@ TEST_F(model_commands_test, AfterAPatchASaveIsAskedAboutAndASecondPatchRefused)
     EXPECT_EQ(m_prompt.shown.size(), asked) << "an ordinary model is saved without a question";
 }
 
-TEST_F(model_commands_test, EditsAreNotLostWithoutAQuestion)
+TEST_F(model_commands_test, editsAreNotLostWithoutAQuestion)
 {
     open(7);
     EXPECT_TRUE(m_commands.mayDiscardEdits());

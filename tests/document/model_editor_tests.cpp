@@ -54,7 +54,7 @@ protected:
     model_editor m_editor{m_model};
 };
 
-TEST_F(model_editor_test, TheEditedFlagFollowsUndoRedoAndSaving)
+TEST_F(model_editor_test, theEditedFlagFollowsUndoRedoAndSaving)
 {
     const struct
     {
@@ -94,7 +94,7 @@ TEST_F(model_editor_test, TheEditedFlagFollowsUndoRedoAndSaving)
     }
 }
 
-TEST_F(model_editor_test, FillingAllLodsReachesTheSameGroupAndTheSameKindOfTextureAndIsOneStep)
+TEST_F(model_editor_test, fillingAllLodsReachesTheSameGroupAndTheSameKindOfTextureAndIsOneStep)
 {
     const edit_result first = set({0, 0, 1}, "new.dds", edit_scope::all_lods);
     EXPECT_EQ(first.changed, 3u);
@@ -116,7 +116,7 @@ TEST_F(model_editor_test, FillingAllLodsReachesTheSameGroupAndTheSameKindOfTextu
               (std::vector<std::string>{"LOD 2, group 0 has no such texture (Diffuse)"}));
 }
 
-TEST_F(model_editor_test, AnEditThatIsTakenBackSavesTheVeryBytesOfTheFile)
+TEST_F(model_editor_test, anEditThatIsTakenBackSavesTheVeryBytesOfTheFile)
 {
     std::string bytes = armour().bytes();
     bytes[bytes.find("t/d.dds") + 100] = '!'; // behind the text's zero
@@ -132,7 +132,7 @@ TEST_F(model_editor_test, AnEditThatIsTakenBackSavesTheVeryBytesOfTheFile)
     EXPECT_EQ(readBytes(folder.file("saved")), bytes);
 }
 
-TEST_F(model_editor_test, AFailedSaveChangesNothing)
+TEST_F(model_editor_test, aFailedSaveChangesNothing)
 {
     set({0, 0, 0}, "x.dds");
     const temporary_folder folder;

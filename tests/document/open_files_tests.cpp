@@ -68,7 +68,7 @@ protected:
     open_files m_files;
 };
 
-TEST_F(open_files_test, AModelAndADefinitionAreOpenAtTheSameTimeAndTheLastOneIsShown)
+TEST_F(open_files_test, aModelAndADefinitionAreOpenAtTheSameTimeAndTheLastOneIsShown)
 {
     const std::string start = test::programTitle("");
     EXPECT_EQ(m_files.title(), start + "RMV2: [no file loaded] VMD: [no file loaded]");
@@ -100,7 +100,7 @@ TEST_F(open_files_test, AModelAndADefinitionAreOpenAtTheSameTimeAndTheLastOneIsS
     }
 }
 
-TEST_F(open_files_test, TheBoxOfABrokenDefinitionHasItsFixedBeginningAndTheParsersText)
+TEST_F(open_files_test, theBoxOfABrokenDefinitionHasItsFixedBeginningAndTheParsersText)
 {
     const std::string path = write("broken.variantmeshdefinition", "<VARIANT_MESH></SLOT>");
     failure why;
@@ -113,7 +113,7 @@ TEST_F(open_files_test, TheBoxOfABrokenDefinitionHasItsFixedBeginningAndTheParse
     EXPECT_NE(error.text.find("byte "), std::string::npos) << error.text;
 }
 
-TEST_F(open_files_test, TheStatusOfADefinitionSaysWhatIsDrawn)
+TEST_F(open_files_test, theStatusOfADefinitionSaysWhatIsDrawn)
 {
     const auto definition = [](std::size_t models, const char* rest) {
         std::string text = "<VARIANT_MESH>";
@@ -147,7 +147,7 @@ TEST_F(open_files_test, TheStatusOfADefinitionSaysWhatIsDrawn)
               "guard: 2 models; there are no archives to take them from: set the data folders");
 }
 
-TEST_F(open_files_test, PathsIntoTheArchivesAreOpenedInAnyCase)
+TEST_F(open_files_test, pathsIntoTheArchivesAreOpenedInAnyCase)
 {
     ASSERT_TRUE(reread(
         {{"men\\body.rigid_model_v2", modelWithLods(3).bytes()}, {"men\\guard.variantmeshdefinition", two_models}}));
@@ -162,7 +162,7 @@ TEST_F(open_files_test, PathsIntoTheArchivesAreOpenedInAnyCase)
     EXPECT_EQ(why.kind, failure_kind::not_found);
 }
 
-TEST_F(open_files_test, ReReadingBringsTheArchivesNewContent)
+TEST_F(open_files_test, reReadingBringsTheArchivesNewContent)
 {
     ASSERT_TRUE(reread({{"body.rigid_model_v2", modelWithLods(1).bytes()}, {"a.variantmeshdefinition", two_models}}));
     open("pack:body.rigid_model_v2");
@@ -186,7 +186,7 @@ TEST_F(open_files_test, ReReadingBringsTheArchivesNewContent)
     EXPECT_EQ(m_files.definition().models().size(), 1u);
 }
 
-TEST_F(open_files_test, TheCacheIsRecordedAndAReReadDoesNotTrustIt)
+TEST_F(open_files_test, theCacheIsRecordedAndAReReadDoesNotTrustIt)
 {
     ASSERT_TRUE(reread({{"a", "1"}}));
     EXPECT_EQ(m_config.get("packs_cache"), std::vector<std::string>{"packs.cache"});
@@ -206,7 +206,7 @@ TEST_F(open_files_test, TheCacheIsRecordedAndAReReadDoesNotTrustIt)
     EXPECT_FALSE(pack_file::sm_poPathTree->find("a"));
 }
 
-TEST_F(open_files_test, WithoutDataFoldersReReadingOnlySaysSo)
+TEST_F(open_files_test, withoutDataFoldersReReadingOnlySaysSo)
 {
     EXPECT_FALSE(rereadArchives());
     ASSERT_EQ(m_prompt.shown.size(), 1u);

@@ -29,7 +29,7 @@ test_model threeLods()
     return model;
 }
 
-TEST_F(open_model_test, AFileThatCannotBeOpenedLeavesWhatWasOpen)
+TEST_F(open_model_test, aFileThatCannotBeOpenedLeavesWhatWasOpen)
 {
     open_model document;
     failure why;
@@ -60,7 +60,7 @@ TEST_F(open_model_test, AFileThatCannotBeOpenedLeavesWhatWasOpen)
     }
 }
 
-TEST_F(open_model_test, AVersion5ModelLeavesTheNextOneReadable)
+TEST_F(open_model_test, aVersion5ModelLeavesTheNextOneReadable)
 {
     test_model old;
     old.version = 5;
@@ -71,7 +71,7 @@ TEST_F(open_model_test, AVersion5ModelLeavesTheNextOneReadable)
     EXPECT_TRUE(document.open(write("seven.rigid_model_v2", test_model{}), why)) << describe(why);
 }
 
-TEST_F(open_model_test, TheSelectionStaysInsideTheModel)
+TEST_F(open_model_test, theSelectionStaysInsideTheModel)
 {
     const struct
     {
@@ -110,7 +110,7 @@ TEST_F(open_model_test, TheSelectionStaysInsideTheModel)
     EXPECT_EQ(document.selectedGroup(), nullptr);
 }
 
-TEST_F(open_model_test, TextsThatAreNotUtf8AreShownNevertheless)
+TEST_F(open_model_test, textsThatAreNotUtf8AreShownNevertheless)
 {
     test_model model;
     model.skeleton_id = "rider\xe9";
@@ -120,7 +120,7 @@ TEST_F(open_model_test, TextsThatAreNotUtf8AreShownNevertheless)
     EXPECT_EQ(fileInfo(*document.file()).skeleton_id, "rideré");
 }
 
-TEST_F(open_model_test, TextureRowsSplitAtTheLastSeparatorAndEndAfterEight)
+TEST_F(open_model_test, textureRowsSplitAtTheLastSeparatorAndEndAfterEight)
 {
     test_group group;
     group.textures = {{0, "a/b/c.dds"}, {2, "plain.dds"}, {27, "x\\y/z.dds"}, {1, "ends/"}};
@@ -155,7 +155,7 @@ TEST_F(open_model_test, TextureRowsSplitAtTheLastSeparatorAndEndAfterEight)
     EXPECT_EQ(textureRows(*document.selectedGroup()).back().file, "7.dds");
 }
 
-TEST_F(open_model_test, TheListsCountFromOneAndTheSummaryAddsUp)
+TEST_F(open_model_test, theListsCountFromOneAndTheSummaryAddsUp)
 {
     open_model document;
     failure why;

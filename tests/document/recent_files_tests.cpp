@@ -8,7 +8,7 @@ namespace korvane::test
 namespace
 {
 
-TEST(RecentFiles, TheNewestStandsFirstOnceAndTenAreKept)
+TEST(recent_files, theNewestStandsFirstOnceAndTenAreKept)
 {
     config_file config;
     EXPECT_TRUE(recentFiles(config).empty());
@@ -30,7 +30,7 @@ TEST(RecentFiles, TheNewestStandsFirstOnceAndTenAreKept)
     EXPECT_EQ(recentFiles(config).front(), "pack:men/a.rigid_model_v2") << "kept, although no disk holds it";
 }
 
-TEST(RecentFiles, LabelsCarryTheirShortcut)
+TEST(recent_files, labelsCarryTheirShortcut)
 {
     EXPECT_EQ(recentFileLabel(0, "C:\\a.rigid_model_v2"), "C:\\a.rigid_model_v2\tCtrl + 1");
     EXPECT_EQ(recentFileLabel(9, "x & y"), "x && y\tCtrl + 0");

@@ -7,7 +7,7 @@ namespace korvane::test
 namespace
 {
 
-TEST_F(main_window_test, TheArchivesAreReadBeforeAnythingElse)
+TEST_F(main_window_test, theArchivesAreReadBeforeAnythingElse)
 {
     const std::string data = m_folder + "Data\\";
     std::filesystem::create_directories(toPath(data));
@@ -33,7 +33,7 @@ TEST_F(main_window_test, TheArchivesAreReadBeforeAnythingElse)
     }
 }
 
-TEST_F(main_window_test, ADefinitionOfTheCommandLineIsShownBesideAModel)
+TEST_F(main_window_test, aDefinitionOfTheCommandLineIsShownBesideAModel)
 {
     writeArchive({{"men\\body.rigid_model_v2", "body"}});
     openWindow(write("guard.VARIANTMESHDEFINITION", std::string(guard_definition)));
@@ -56,7 +56,7 @@ TEST_F(main_window_test, ADefinitionOfTheCommandLineIsShownBesideAModel)
     EXPECT_EQ(text(control_status), "guard: 2 models, 1,000 triangles; 1 could not be opened (see log.txt)");
 }
 
-TEST_F(main_window_test, ReReadingReplacesTheArchivesAndWhatIsShownOfThem)
+TEST_F(main_window_test, reReadingReplacesTheArchivesAndWhatIsShownOfThem)
 {
     openWindow();
     writeArchive({{"men\\guard.variantmeshdefinition", guard_definition},

@@ -7,7 +7,7 @@ namespace korvane::test
 namespace
 {
 
-TEST_F(main_window_test, WithoutAModelThereIsNothingToChoose)
+TEST_F(main_window_test, withoutAModelThereIsNothingToChoose)
 {
     openWindow();
     EXPECT_EQ(m_window->title(), m_window->document().title());
@@ -20,7 +20,7 @@ TEST_F(main_window_test, WithoutAModelThereIsNothingToChoose)
     EXPECT_TRUE(m_prompt.shown.empty());
 }
 
-TEST_F(main_window_test, AFileOfTheCommandLineFillsThePanelsAndTheView)
+TEST_F(main_window_test, aFileOfTheCommandLineFillsThePanelsAndTheView)
 {
     const std::string path = write("soldier.rigid_model_v2", soldier());
     openWindow(path);
@@ -60,7 +60,7 @@ TEST_F(main_window_test, AFileOfTheCommandLineFillsThePanelsAndTheView)
     EXPECT_EQ(m_opened_folder, path);
 }
 
-TEST_F(main_window_test, ChoosingALodOrGroupFollowsInAllPanels)
+TEST_F(main_window_test, choosingALodOrGroupFollowsInAllPanels)
 {
     openWindow(write("soldier.rigid_model_v2", soldier()));
     choose(control_group, 1);
@@ -79,7 +79,7 @@ TEST_F(main_window_test, ChoosingALodOrGroupFollowsInAllPanels)
     EXPECT_EQ(m_view.models.back().second, 1u);
 }
 
-TEST_F(main_window_test, AVertexFormatWithoutAShortLabelKeepsTheFormerText)
+TEST_F(main_window_test, aVertexFormatWithoutAShortLabelKeepsTheFormerText)
 {
     test_model model = soldier();
     model.lods[0].push_back(grass());
@@ -90,7 +90,7 @@ TEST_F(main_window_test, AVertexFormatWithoutAShortLabelKeepsTheFormerText)
     EXPECT_EQ(text(control_tool_vertex_label), "\"Grass\" (internal)");
 }
 
-TEST_F(main_window_test, ShortcutsOpenTheDialogAndRecentFiles)
+TEST_F(main_window_test, shortcutsOpenTheDialogAndRecentFiles)
 {
     const std::string first = write("first.rigid_model_v2", soldier());
     const std::string second = write("second.rigid_model_v2", soldier());
@@ -126,7 +126,7 @@ TEST_F(main_window_test, ShortcutsOpenTheDialogAndRecentFiles)
     EXPECT_EQ(GetMenuItemCount(GetSubMenu(file_menu, 1)), 2);
 }
 
-TEST_F(main_window_test, DroppedFilesAreOpened)
+TEST_F(main_window_test, droppedFilesAreOpened)
 {
     openWindow();
     drop(write("dropped 李.rigid_model_v2", soldier()));
@@ -135,7 +135,7 @@ TEST_F(main_window_test, DroppedFilesAreOpened)
     EXPECT_TRUE(m_window->document().definition().hasDefinition());
 }
 
-TEST_F(main_window_test, TheFirstStartShowsItsNoticeOnce)
+TEST_F(main_window_test, theFirstStartShowsItsNoticeOnce)
 {
     m_config.clear("FIRST_TIME");
     openWindow();
@@ -149,7 +149,7 @@ TEST_F(main_window_test, TheFirstStartShowsItsNoticeOnce)
     EXPECT_EQ(m_prompt.shown.size(), 1u);
 }
 
-TEST_F(main_window_test, WithoutAGraphicsDeviceTheModelIsStillShown)
+TEST_F(main_window_test, withoutAGraphicsDeviceTheModelIsStillShown)
 {
     m_has_graphics = false;
     openWindow(write("soldier.rigid_model_v2", soldier()));
@@ -161,7 +161,7 @@ TEST_F(main_window_test, WithoutAGraphicsDeviceTheModelIsStillShown)
     EXPECT_EQ(m_view.models.size(), 1u);
 }
 
-TEST_F(main_window_test, ALowWindowScrollsToItsLastRow)
+TEST_F(main_window_test, aLowWindowScrollsToItsLastRow)
 {
     openWindow(write("soldier.rigid_model_v2", soldier()));
     SetWindowPos(m_window->handle(), nullptr, 0, 0, 620, 420, SWP_NOMOVE | SWP_NOZORDER);
@@ -176,7 +176,7 @@ TEST_F(main_window_test, ALowWindowScrollsToItsLastRow)
     EXPECT_GT(placeOf(find(control_file_path)).bottom, 0) << "there is room again";
 }
 
-TEST_F(main_window_test, TheKeyboardReachesEverythingAndMnemonicsAreUnique)
+TEST_F(main_window_test, theKeyboardReachesEverythingAndMnemonicsAreUnique)
 {
     openWindow(write("soldier.rigid_model_v2", soldier()));
     SetWindowPos(m_window->handle(), nullptr, 0, 0, 620, 420, SWP_NOMOVE | SWP_NOZORDER);
@@ -236,7 +236,7 @@ TEST_F(main_window_test, TheKeyboardReachesEverythingAndMnemonicsAreUnique)
     EXPECT_EQ(std::adjacent_find(mnemonics.begin(), mnemonics.end()), mnemonics.end()) << mnemonics;
 }
 
-TEST_F(main_window_test, TheFocusComesBackWithTheWindow)
+TEST_F(main_window_test, theFocusComesBackWithTheWindow)
 {
     test_model model = soldier();
     model.lods.push_back({});
@@ -255,7 +255,7 @@ TEST_F(main_window_test, TheFocusComesBackWithTheWindow)
     EXPECT_EQ(GetFocus(), find(control_material_name)) << "the focus does not stay where no key works";
 }
 
-TEST_F(main_window_test, AnotherDensityScalesFontsAndLayout)
+TEST_F(main_window_test, anotherDensityScalesFontsAndLayout)
 {
     openWindow(write("soldier.rigid_model_v2", soldier()));
     const auto heightOf = [&](int id) { return placeOf(find(id)).bottom - placeOf(find(id)).top; };
@@ -272,7 +272,7 @@ TEST_F(main_window_test, AnotherDensityScalesFontsAndLayout)
     EXPECT_EQ(window::fromHandle(GetParent(find(control_file_path)))->dpi(), dpi) << "a panel is as its window";
 }
 
-TEST_F(main_window_test, UnsavedChangesAreOfferedAgainAndNotLostWithoutAQuestion)
+TEST_F(main_window_test, unsavedChangesAreOfferedAgainAndNotLostWithoutAQuestion)
 {
     const std::string path = write("soldier.rigid_model_v2", soldier());
     {
@@ -299,7 +299,7 @@ TEST_F(main_window_test, UnsavedChangesAreOfferedAgainAndNotLostWithoutAQuestion
     EXPECT_FALSE(m_window->isOpen());
 }
 
-TEST_F(main_window_test, WhyThePanelsCouldNotBeMadeReachesThePersonAndTheLog)
+TEST_F(main_window_test, whyThePanelsCouldNotBeMadeReachesThePersonAndTheLog)
 {
     const HHOOK hook = SetWindowsHookExW(
         WH_CBT,
@@ -317,7 +317,7 @@ TEST_F(main_window_test, WhyThePanelsCouldNotBeMadeReachesThePersonAndTheLog)
     EXPECT_NE(logText().find(describe(why)), std::string::npos);
 }
 
-TEST_F(main_window_test, ClosingEndsTheViewAndTheMessageLoop)
+TEST_F(main_window_test, closingEndsTheViewAndTheMessageLoop)
 {
     openWindow(write("soldier.rigid_model_v2", soldier()));
     choose(document_command::exit);

@@ -11,7 +11,7 @@ namespace korvane::test
 namespace
 {
 
-TEST_F(main_window_test, TextKeysGoToTheFieldThatCanDoThemAndElseToTheTable)
+TEST_F(main_window_test, textKeysGoToTheFieldThatCanDoThemAndElseToTheTable)
 {
     class counting_window : public plain_window
     {
@@ -75,7 +75,7 @@ protected:
     std::atomic<int> m_ends{0};
 };
 
-TEST_F(fatal_end_test, EditsAreKeptTheLogHasTheReasonAndTheWindowThreadShowsIt)
+TEST_F(fatal_end_test, editsAreKeptTheLogHasTheReasonAndTheWindowThreadShowsIt)
 {
     const std::string path = write("soldier.rigid_model_v2", soldier());
     openWindow();
@@ -98,7 +98,7 @@ TEST_F(fatal_end_test, EditsAreKeptTheLogHasTheReasonAndTheWindowThreadShowsIt)
     EXPECT_EQ(m_ends, 1) << "the first reason is the one that is shown";
 }
 
-TEST_F(fatal_end_test, AWindowThreadThatWaitsForTheReporterDoesNotHoldItUp)
+TEST_F(fatal_end_test, aWindowThreadThatWaitsForTheReporterDoesNotHoldItUp)
 {
     openWindow();
     failure why;
