@@ -42,9 +42,4 @@ int combo_box::selected() const
     return static_cast<int>(send(CB_GETCURSEL));
 }
 
-std::uint32_t combo_box::valueOf(int position) const
-{
-    return static_cast<std::uint32_t>(send(CB_GETITEMDATA, static_cast<WPARAM>(position)));
-}
-
 } // namespace korvane

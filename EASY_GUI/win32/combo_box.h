@@ -18,10 +18,9 @@ public:
     void place(int x, int y, int width, int height) override; // of the closed list
 
     void clear();
-    void add(std::string_view text, std::uint32_t value = 0);
-    void select(int position); // -1: none
-    int selected() const;      // -1: none
-    std::uint32_t valueOf(int position) const;
+    void add(std::string_view text, std::uint32_t value = 0); // the value is the entry's CB_GETITEMDATA
+    void select(int position);                                // -1: none
+    int selected() const;                                     // -1: none
 };
 
 } // namespace korvane

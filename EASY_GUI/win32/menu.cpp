@@ -29,18 +29,6 @@ void menu::clear()
     }
 }
 
-std::string menu::textOf(int position) const
-{
-    const auto place = static_cast<UINT>(position);
-    const int length = GetMenuStringW(m_handle, place, nullptr, 0, MF_BYPOSITION);
-    if (length <= 0)
-        return {};
-    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
-    GetMenuStringW(m_handle, place, text.data(), static_cast<int>(text.size()), MF_BYPOSITION);
-    text.resize(static_cast<std::size_t>(length));
-    return fromWide(text);
-}
-
 unique_accelerators makeAccelerators(std::span<const shortcut> shortcuts)
 {
     std::vector<ACCEL> table;

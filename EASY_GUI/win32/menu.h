@@ -6,7 +6,6 @@
 #include "EASY_GUI/win32/handle_policies.h"
 
 #include <span>
-#include <string>
 #include <string_view>
 
 namespace korvane
@@ -25,7 +24,6 @@ public:
     // The submenu belongs to this menu from then on.
     void addSubmenu(const menu& submenu, std::string_view text);
     void clear();
-    [[nodiscard]] std::string textOf(int position) const;
 
 private:
     HMENU m_handle; // a view: the window owns its menu bar, and a menu its submenus

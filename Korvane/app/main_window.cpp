@@ -247,6 +247,18 @@ void main_window::onControlFocused(HWND control)
     m_content.scrollInto(control);
 }
 
+LRESULT main_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
+{
+    if (message == WM_ENDSESSION && wparam != 0) // the system ends the program now and asks nobody
+    {
+        std::string where;
+        failure why;
+        if (m_ports.keeper.keep(where, why) == edit_keeper::outcome::failed)
+            log("main_window: the changes that were not saved could not be kept: " + describe(why));
+    }
+    return window::handleMessage(message, wparam, lparam);
+}
+
 bool main_window::onCommand(int id, int notification, HWND control)
 {
     if (control != nullptr) // the panels handle their own

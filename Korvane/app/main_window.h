@@ -65,6 +65,7 @@ protected:
     void onDpiChanged(unsigned dpi) override;
     void onFilesDropped(const std::vector<std::string>& paths) override;
     void onControlFocused(HWND control) override;
+    LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
 
 private:
     bool createPanels();

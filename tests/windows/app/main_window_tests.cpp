@@ -294,6 +294,10 @@ TEST_F(main_window_test, unsavedChangesAreOfferedAgainAndNotLostWithoutAQuestion
     SendMessageW(m_window->handle(), WM_CLOSE, 0, 0);
     EXPECT_TRUE(m_window->isOpen());
     EXPECT_EQ(text(control_file_path), path);
+    const std::string kept = m_folder + "kept\\1\\model.rigid_model_v2";
+    EXPECT_FALSE(std::filesystem::exists(toPath(kept)));
+    SendMessageW(m_window->handle(), WM_ENDSESSION, TRUE, 0);
+    EXPECT_TRUE(std::filesystem::exists(toPath(kept))) << "the person logs off";
     m_prompt.will_confirm = true;
     SendMessageW(m_window->handle(), WM_CLOSE, 0, 0);
     EXPECT_FALSE(m_window->isOpen());
