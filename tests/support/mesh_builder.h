@@ -8,7 +8,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace korvane::test
 {
@@ -80,6 +83,23 @@ RMV2_FILE_DATA modelOf(group_type&&... groups)
     data.lods.resize(1);
     (data.lods[0].groups.push_back(std::forward<group_type>(groups)), ...);
     return data;
+}
+
+inline group_data textured(group_data group, const std::vector<std::pair<std::uint32_t, std::string>>& paths)
+{
+    for (const auto& [type, path] : paths)
+    {
+        texture_entry& entry = group.textures.emplace_back();
+        entry.type = type;
+        entry.path = path;
+    }
+    return group;
+}
+
+// For those who only look: the data must outlive it.
+inline std::shared_ptr<const RMV2_FILE_DATA> lent(const RMV2_FILE_DATA& data)
+{
+    return {std::shared_ptr<const void>(), &data};
 }
 
 } // namespace korvane::test

@@ -14,7 +14,7 @@ FLOORS = [
     {"EASY_GUI/win32"},
     {"Korvane/models", "Korvane/archives", "DDSTextureLoader"},
     {"Korvane/animation", "Korvane/game", "Korvane/textures"},
-    {"Korvane/posing"},
+    {"Korvane/posing", "Korvane/scene"},
     {"Korvane/document", "D3D11_RENDER_LIB", "tools/demo_data"},
     {"Korvane/fbx/container"},
     {"Korvane/fbx/scene"},

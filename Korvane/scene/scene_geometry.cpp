@@ -1,0 +1,42 @@
+#include "Korvane/scene/scene_geometry.h"
+
+#include <glm/common.hpp>
+
+#include <algorithm>
+#include <cmath>
+
+namespace korvane
+{
+
+namespace
+{
+
+constexpr float furthest = 1000.0f;
+
+} // namespace
+
+float usableCoordinate(float value)
+{
+    return std::isfinite(value) ? std::clamp(value, -furthest, furthest) : 0.0f;
+}
+
+glm::vec3 usableCoordinates(const glm::vec3& value)
+{
+    return {usableCoordinate(value.x), usableCoordinate(value.y), usableCoordinate(value.z)};
+}
+
+void model_bounds::add(const glm::vec3& point)
+{
+    min = glm::min(min, point);
+    max = glm::max(max, point);
+}
+
+triangle_count measureGroup(const vertex_store& store, model_bounds& bounds)
+{
+    return forEachTriangle(store, [&](std::size_t first) {
+        for (std::size_t corner = first; corner < first + 3; ++corner)
+            bounds.add(usableCoordinates(store.vertices[store.indices[corner]].position));
+    });
+}
+
+} // namespace korvane

@@ -1,0 +1,60 @@
+#pragma once
+
+// What of a decoded group can be shown at all: coordinates that are numbers, and triangles whose vertices exist.
+// Whatever draws, frames or counts asks here, so that all agree.
+
+#include "Korvane/models/rmv2_data.h"
+
+#include <glm/vec3.hpp>
+
+#include <cstddef>
+#include <limits>
+
+namespace korvane
+{
+
+// NaN and infinity become 0; beyond a kilometre a coordinate is damage too, and would swallow the rest of the model.
+[[nodiscard]] float usableCoordinate(float value);
+[[nodiscard]] glm::vec3 usableCoordinates(const glm::vec3& value);
+
+// An axis-aligned box.
+struct model_bounds
+{
+    glm::vec3 min{std::numeric_limits<float>::max()};
+    glm::vec3 max{std::numeric_limits<float>::lowest()};
+
+    bool isEmpty() const { return min.x > max.x; }
+    glm::vec3 centre() const { return isEmpty() ? glm::vec3(0) : (min + max) * 0.5f; }
+    glm::vec3 extent() const { return isEmpty() ? glm::vec3(0) : max - min; }
+    void add(const glm::vec3& point);
+};
+
+struct triangle_count
+{
+    std::size_t drawn = 0;
+    std::size_t dropped = 0; // name a vertex that does not exist
+};
+
+// Calls visit(index of the first corner) for each triangle that can be drawn, in their order.
+template <class visitor>
+triangle_count forEachTriangle(const vertex_store& store, visitor&& visit)
+{
+    triangle_count count;
+    const auto exists = [&store](std::size_t corner) { return store.indices[corner] < store.vertices.size(); };
+    for (std::size_t i = 0; i + 2 < store.indices.size(); i += 3)
+    {
+        if (exists(i) && exists(i + 1) && exists(i + 2))
+        {
+            visit(i);
+            ++count.drawn;
+        }
+        else
+            ++count.dropped;
+    }
+    return count;
+}
+
+// Takes the vertices that triangles use into the bounds (a group's stored box may say anything).
+triangle_count measureGroup(const vertex_store& store, model_bounds& bounds);
+
+} // namespace korvane

@@ -1,0 +1,215 @@
+#include "Korvane/scene/scene_loader.h"
+
+#include "DDSTextureLoader/dds_image.h"
+#include "Korvane/models/rmv2_file.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+scene_group sceneGroup(const group_data& group)
+{
+    scene_group result;
+    result.store = &group.store;
+    result.has_alpha = group.alpha_mode == 1;
+    result.has_weights = group.header.vertex_format == 3 || group.header.vertex_format == 4;
+    for (std::size_t slot = 0; slot < texture_slot_count; ++slot)
+    {
+        const auto found =
+            std::find_if(group.textures.begin(), group.textures.end(),
+                         [slot](const texture_entry& entry) { return entry.type == texture_slot_types[slot]; });
+        if (found != group.textures.end())
+            result.texture_paths[slot] = found->path;
+    }
+    return result;
+}
+
+std::shared_ptr<const scene_model> sceneModel(std::shared_ptr<const RMV2_FILE_DATA> data, const std::string& path)
+{
+    auto model = std::make_shared<scene_model>();
+    model->path = path;
+    model->has_skeleton = !data->skeleton_id.empty();
+    model->lods.reserve(data->lods.size());
+    for (const lod_data& lod : data->lods)
+        std::transform(lod.groups.begin(), lod.groups.end(), std::back_inserter(model->lods.emplace_back()),
+                       &sceneGroup);
+    model->data = std::move(data);
+    return model;
+}
+
+texture_reader readerAround(const game_data& game, const std::string& path)
+{
+    return [game, around = game_path(path)](const std::string& internal_path, memory_file& bytes, failure& why) {
+        const game_file found = game.findAround(internal_path, around);
+        if (!found)
+            return fail(why, failure_kind::not_found, "there is no such texture", internal_path);
+        return found.read(bytes, why);
+    };
+}
+
+} // namespace
+
+scene_loader::scene_loader(game_data game, work_port work) : m_game(std::move(game)), m_work(std::move(work)) {}
+
+void scene_loader::report(loaded_scene& scene, std::string line) const
+{
+    tell(m_work.log, line);
+    scene.problems.push_back(std::move(line));
+}
+
+loaded_scene scene_loader::begin(const std::string& path) const
+{
+    loaded_scene scene;
+    scene.path = path;
+    scene.read_texture = m_reader ? m_reader : readerAround(m_game, path);
+    return scene;
+}
+
+scene_pointer scene_loader::loadModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& path,
+                                      std::size_t lod, int bone)
+{
+    m_known.clear();
+    loaded_scene scene = begin(path);
+    if (model)
+        addPart(scene, sceneModel(std::move(model), path), lod, bone);
+    return m_work.isStopped() ? nullptr : std::make_shared<const loaded_scene>(std::move(scene));
+}
+
+scene_pointer scene_loader::loadFigure(const std::vector<std::string>& models, const std::string& path, std::size_t lod)
+{
+    m_known.clear();
+    loaded_scene scene = begin(path);
+    const std::size_t count = std::min(models.size(), max_parts);
+    for (std::size_t i = 0; i < count && !m_work.isStopped(); ++i)
+    {
+        m_work.report(i, count, models[i]);
+        if (std::shared_ptr<const scene_model> model = readModel(scene, models[i]))
+            addPart(scene, std::move(model), lod, -1);
+    }
+    if (count < models.size())
+        report(scene, "the definition names " + std::to_string(models.size()) + " models; only the first " +
+                          std::to_string(max_parts) + " are drawn");
+    scene.failed = models.size() - scene.parts.size();
+    return m_work.isStopped() ? nullptr : std::make_shared<const loaded_scene>(std::move(scene));
+}
+
+scene_pointer scene_loader::loadLevel(const loaded_scene& former, std::size_t lod)
+{
+    m_known.clear();
+    for (const scene_part& part : former.parts)
+        for (const group_textures& group : part.textures)
+            for (const std::shared_ptr<const scene_texture>& texture : group)
+                if (texture)
+                    m_known.push_back({texture->path(), texture});
+    loaded_scene scene;
+    scene.path = former.path;
+    scene.read_texture = former.read_texture;
+    scene.failed = former.failed;
+    for (const scene_part& part : former.parts)
+        addPart(scene, part.model, lod, part.bone);
+    return m_work.isStopped() ? nullptr : std::make_shared<const loaded_scene>(std::move(scene));
+}
+
+// The names of functions in the first lines are what people search the log for; the line behind them names the model.
+std::shared_ptr<const scene_model> scene_loader::readModel(loaded_scene& scene, const std::string& internal_path)
+{
+    const game_file found = m_game.find(internal_path);
+    failure why;
+    if (!found && !m_game.hasArchives())
+        fail(why, failure_kind::not_found, "rigid_model::getFromInternalPath(): pack_file::sm_poPathTree == nullptr",
+             internal_path);
+    else if (!found)
+    {
+        report(scene, "render_variant::addRigidModelByInternalPath: pfn = nullptr");
+        fail(why, failure_kind::not_found,
+             m_game.archives()->find(internal_path) ? "this is a folder of the archives, not a model"
+                                                    : "no archive holds this model",
+             internal_path);
+    }
+    else
+    {
+        memory_file bytes;
+        auto file = std::make_shared<rmv2_file>();
+        if (found.read(bytes, why) && file->openFromMemory(std::move(bytes), internal_path, why))
+            return sceneModel(std::shared_ptr<const RMV2_FILE_DATA>(file, &file->data()), internal_path);
+    }
+    report(scene, describe(why));
+    return nullptr;
+}
+
+void scene_loader::addPart(loaded_scene& scene, std::shared_ptr<const scene_model> model, std::size_t lod, int bone)
+{
+    scene_part& part = scene.parts.emplace_back();
+    part.model = std::move(model);
+    part.lod = std::min(lod, std::max<std::size_t>(part.model->lods.size(), 1) - 1);
+    part.bone = bone;
+    const std::vector<scene_group>& groups = part.groups();
+    part.textures.resize(groups.size());
+    for (std::size_t i = 0; i < groups.size(); ++i)
+    {
+        const triangle_count count = measureGroup(*groups[i].store, scene.bounds);
+        part.triangles += count.drawn;
+        if (count.dropped > 0)
+            report(scene, part.model->path + ": group " + std::to_string(i) + ": " + std::to_string(count.dropped) +
+                              " triangles name vertices that do not exist and are not drawn");
+    }
+    scene.triangles += part.triangles;
+    loadTextures(scene, part);
+}
+
+// The end at the first group without its two main textures is deliberate: such a model is not unpacked with its
+// textures, and searching on for every group would only take time.
+void scene_loader::loadTextures(loaded_scene& scene, scene_part& part)
+{
+    const std::vector<scene_group>& groups = part.groups();
+    for (std::size_t i = 0; i < groups.size() && !m_work.isStopped(); ++i)
+        for (std::size_t slot = 0; slot < texture_slot_count; ++slot)
+        {
+            const bool is_needed = slot == diffuse_slot || slot == normal_slot;
+            if (loadTexture(scene, groups[i].texture_paths[slot], part.textures[i][slot]) || !is_needed)
+                continue;
+            report(scene, part.model->path + ": group " + std::to_string(i) +
+                              ": diffuse or normal map was not found; no further textures are loaded");
+            return;
+        }
+}
+
+// False: there is no such file. A damaged one is found and leaves the slot empty.
+bool scene_loader::loadTexture(loaded_scene& scene, const std::string& path,
+                               std::shared_ptr<const scene_texture>& texture)
+{
+    if (path.empty())
+        return false;
+    const auto known =
+        std::find_if(m_known.begin(), m_known.end(), [&](const known_texture& one) { return one.path == path; });
+    if (known != m_known.end())
+    {
+        texture = known->texture;
+        return true;
+    }
+    memory_file bytes;
+    failure why;
+    if (!scene.read_texture(path, bytes, why))
+    {
+        if (why.kind != failure_kind::not_found)
+            report(scene, describe(why));
+        return false;
+    }
+    dds_image image; // only looked at: whoever draws reads the bytes once more
+    if (readDds(bytes.bytes(), image, why))
+        texture = std::make_shared<const scene_texture>(path, scene.read_texture, std::move(bytes));
+    else
+    {
+        why.path = path;
+        report(scene, describe(why));
+    }
+    m_known.push_back({path, texture});
+    return true;
+}
+
+} // namespace korvane

@@ -1,0 +1,62 @@
+#pragma once
+
+// Makes loaded_scene values, on any thread: looks models and textures up, reads and decodes them. What is missing or
+// damaged is named in the log and in the scene, and left out; the rest is shown. A loader is used by one thread at a
+// time; its work port is called by that thread.
+
+#include "EASY_GUI/services/work_port.h"
+#include "Korvane/game/game_data.h"
+#include "Korvane/scene/loaded_scene.h"
+
+#include <string>
+#include <vector>
+
+namespace korvane
+{
+
+class scene_loader
+{
+public:
+    static constexpr std::size_t max_parts = 512; // of one figure; further models are left out and counted as failed
+
+    explicit scene_loader(game_data game, work_port work = {});
+
+    // Replaces the game as the source of textures, for all scenes that are loaded from now on.
+    void setTextureReader(texture_reader reader) { m_reader = std::move(reader); }
+
+    // Each gives null only when the work port has asked to stop. A level of detail beyond a model's last one means the
+    // last one. The path (UTF-8, of the model or the definition) says where textures are looked for on the disk.
+    //
+    // A decoded model; without data the scene is empty. Bone below zero: it stands on its own bones, else all of it
+    // hangs on that one. Of the data only the vertex stores are read after the call.
+    [[nodiscard]] scene_pointer loadModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& path,
+                                          std::size_t lod = 0, int bone = -1);
+    // The models of a definition, by their internal paths, in the order in which they are drawn.
+    [[nodiscard]] scene_pointer loadFigure(const std::vector<std::string>& models, const std::string& path,
+                                           std::size_t lod = 0);
+    // The same scene at another level of detail; textures that the former one has are taken over.
+    [[nodiscard]] scene_pointer loadLevel(const loaded_scene& former, std::size_t lod);
+
+private:
+    loaded_scene begin(const std::string& path) const;
+    void report(loaded_scene& scene, std::string line) const;
+    [[nodiscard]] std::shared_ptr<const scene_model> readModel(loaded_scene& scene, const std::string& internal_path);
+    void addPart(loaded_scene& scene, std::shared_ptr<const scene_model> model, std::size_t lod, int bone);
+    void loadTextures(loaded_scene& scene, scene_part& part);
+    [[nodiscard]] bool loadTexture(loaded_scene& scene, const std::string& path,
+                                   std::shared_ptr<const scene_texture>& texture);
+
+    // Textures of the scene that is being loaded, by internal path; null for one that is damaged.
+    struct known_texture
+    {
+        std::string path;
+        std::shared_ptr<const scene_texture> texture;
+    };
+
+    game_data m_game;
+    work_port m_work;
+    texture_reader m_reader;
+    std::vector<known_texture> m_known;
+};
+
+} // namespace korvane

@@ -1,0 +1,41 @@
+#include "Korvane/scene/scene_texture.h"
+
+#include <utility>
+
+namespace korvane
+{
+
+scene_texture::scene_texture(std::string path, texture_reader reader, memory_file bytes)
+    : m_path(std::move(path))
+    , m_reader(std::move(reader))
+    , m_bytes(std::make_shared<const memory_file>(std::move(bytes)))
+{
+}
+
+std::shared_ptr<const memory_file> scene_texture::bytes(failure& why) const
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_bytes)
+            return m_bytes;
+    }
+    memory_file again; // not kept: the device that asks takes it over at once
+    if (!m_reader(m_path, again, why))
+        return nullptr;
+    return std::make_shared<const memory_file>(std::move(again));
+}
+
+void scene_texture::letGo() const
+{
+    std::shared_ptr<const memory_file> unused; // freed after the lock
+    const std::lock_guard lock(m_mutex);
+    unused.swap(m_bytes);
+}
+
+bool scene_texture::isHeld() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_bytes != nullptr;
+}
+
+} // namespace korvane

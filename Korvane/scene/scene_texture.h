@@ -1,0 +1,40 @@
+#pragma once
+
+// One texture of a scene. Its bytes are held until a device has them; afterwards only where they came from, and a new
+// device reads them again. To whoever asks it is one unchanging value, from any thread.
+
+#include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/memory_file.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace korvane
+{
+
+// Reads a texture by its internal path ('\' or '/', any case). not_found: there is no such file; any other kind: it is
+// there and cannot be read. On failure the bytes stay as they are. Called from any thread, for as long as a scene
+// lives.
+using texture_reader = std::function<bool(const std::string& internal_path, memory_file& bytes, failure& why)>;
+
+class scene_texture
+{
+public:
+    scene_texture(std::string path, texture_reader reader, memory_file bytes);
+
+    const std::string& path() const { return m_path; } // internal, as the model names it
+    // The file's bytes, out of memory or read again; null and the reason when it cannot be read any more.
+    [[nodiscard]] std::shared_ptr<const memory_file> bytes(failure& why) const;
+    void letGo() const; // a device has them
+    bool isHeld() const;
+
+private:
+    std::string m_path;
+    texture_reader m_reader;
+    mutable std::mutex m_mutex; // guards m_bytes
+    mutable std::shared_ptr<const memory_file> m_bytes;
+};
+
+} // namespace korvane
