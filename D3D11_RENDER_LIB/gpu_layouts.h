@@ -158,12 +158,20 @@ static_assert(offsetof(light_buffer, eyePosistion) == 336);
 static_assert(offsetof(light_buffer, pad1) == 348);
 static_assert(offsetof(light_buffer, debug_flags) == 352);
 
+// What the final pass shows, and so what it does with it: content_... in shaders/final_ps.hlsl.
+enum class target_content : std::int32_t
+{
+    light,  // linear, high dynamic range
+    colour, // linear, 0..1
+    data    // shown value for value
+};
+
 // FinalPassBuffer in shaders/final_ps.hlsl
 struct final_pass_buffer
 {
     std::int32_t width = 1;
     std::int32_t height = 1;
-    std::int32_t is_linear = 1;
+    target_content content = target_content::light;
     std::int32_t pad = 0;
 };
 static_assert(sizeof(final_pass_buffer) == 16);

@@ -5,8 +5,8 @@
 #include "D3D11_RENDER_LIB/shader_resources.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <span>
+#include <cstring>
+#include <string>
 #include <vector>
 
 namespace korvane
@@ -42,7 +42,8 @@ std::span<const std::byte> resourceBytes(int number)
     return {static_cast<const std::byte*>(bytes), SizeofResource(nullptr, found)};
 }
 
-com_ptr<ID3D11ShaderResourceView> cubeView(ID3D11Device& device, const std::vector<cube_level>& levels)
+bool createCube(lib3d& library, const std::vector<cube_level>& levels, const char* name,
+                com_ptr<ID3D11ShaderResourceView>& view)
 {
     D3D11_TEXTURE2D_DESC description{};
     description.Width = description.Height = levels.front().size;
@@ -61,89 +62,139 @@ com_ptr<ID3D11ShaderResourceView> cubeView(ID3D11Device& device, const std::vect
             contents.push_back({level.texels.data() + face * face_texels * 4, level.size * 8, face_texels * 8});
         }
     com_ptr<ID3D11Texture2D> texture;
-    requireSuccess(device.CreateTexture2D(&description, contents.data(), texture.put()), source_name);
-    com_ptr<ID3D11ShaderResourceView> view;
-    requireSuccess(device.CreateShaderResourceView(texture.get(), nullptr, view.put()), source_name);
-    return view;
+    return library.isMade(library.device().CreateTexture2D(&description, contents.data(), texture.put()), texture, name,
+                          source_name) &&
+           library.isMade(library.device().CreateShaderResourceView(texture.get(), nullptr, view.put()), view, name,
+                          source_name);
 }
 
 } // namespace
 
-bool lib3d::createDevice(const log_port& log, failure& why)
+HRESULT lib3d::tryDevice(D3D_DRIVER_TYPE type)
 {
     static const D3D_FEATURE_LEVEL levels[] = {D3D_FEATURE_LEVEL_11_1, D3D_FEATURE_LEVEL_11_0};
-    static const D3D_DRIVER_TYPE kinds[] = {D3D_DRIVER_TYPE_HARDWARE, D3D_DRIVER_TYPE_WARP};
+#ifdef NDEBUG
+    constexpr UINT wanted_flags[] = {0};
+#else
+    constexpr UINT wanted_flags[] = {D3D11_CREATE_DEVICE_DEBUG, 0}; // the debug layer is an optional part of Windows
+#endif
     HRESULT result = E_FAIL;
-    for (const D3D_DRIVER_TYPE kind : kinds)
+    for (const UINT flags : wanted_flags)
     {
-        result = D3D11CreateDevice(nullptr, kind, nullptr, 0, levels, 2, D3D11_SDK_VERSION, m_device.put(), nullptr,
-                                   m_context.put());
+        const auto create = [&](UINT first_level) {
+            return D3D11CreateDevice(nullptr, type, nullptr, flags, levels + first_level, 2 - first_level,
+                                     D3D11_SDK_VERSION, m_device.put(), nullptr, m_context.put());
+        };
+        result = create(0);
         if (result == E_INVALIDARG) // systems that do not know 11.1
-            result = D3D11CreateDevice(nullptr, kind, nullptr, 0, levels + 1, 1, D3D11_SDK_VERSION, m_device.put(),
-                                       nullptr, m_context.put());
-        m_is_software = kind == D3D_DRIVER_TYPE_WARP;
+            result = create(1);
         if (SUCCEEDED(result))
-        {
-            if (m_is_software && log)
-                log("No hardware device for Direct3D 11: the software device draws instead.");
-            return true;
-        }
+            break;
     }
-    char code[16];
-    std::snprintf(code, sizeof code, "%08lX", static_cast<unsigned long>(result));
-    return fail(why, failure_kind::unsupported,
-                std::string("this system has no Direct3D 11 device, neither hardware nor software (") + code + ")");
+    return m_po_faults ? m_po_faults->result(device_step::device, result) : result;
 }
 
-com_ptr<ID3D11Buffer> lib3d::constantBuffer(UINT size, const void* contents) const
+bool lib3d::createDevice(device_kind kind, const log_port& log, failure& why)
+{
+    HRESULT result = E_FAIL;
+    if (kind != device_kind::software)
+        result = tryDevice(D3D_DRIVER_TYPE_HARDWARE);
+    if (FAILED(result) && kind != device_kind::hardware)
+    {
+        result = tryDevice(D3D_DRIVER_TYPE_WARP);
+        if (SUCCEEDED(result) && log)
+            log("No hardware device for Direct3D 11: the software device draws instead.");
+    }
+    if (SUCCEEDED(result))
+        return true;
+    m_loss = result;
+    const char* const missing = kind == device_kind::best       ? "device, neither hardware nor software"
+                                : kind == device_kind::hardware ? "hardware device"
+                                                                : "software device";
+    return fail(why, failure_kind::unsupported,
+                std::string("this system has no Direct3D 11 ") + missing + " (" + resultText(result) + ")");
+}
+
+bool lib3d::hasSucceeded(device_step step, HRESULT answer, const char* source)
+{
+    if (m_po_faults)
+        answer = m_po_faults->result(step, answer);
+    if (SUCCEEDED(answer))
+        return true;
+    if (!isDeviceLost(answer) && !m_is_tolerant)
+        requireSuccess(answer, source);
+    m_loss = answer;
+    return false;
+}
+
+bool lib3d::isLost()
+{
+    return !hasSucceeded(device_step::creation, m_device->GetDeviceRemovedReason(), source_name);
+}
+
+void lib3d::setName(ID3D11DeviceChild& object, const char* name)
+{
+    // WKPDID_D3DDebugObjectName: graphics debuggers and the debug layer show it.
+    static const GUID debug_name = {0x429b8c22, 0x9188, 0x4b0c, {0x87, 0x42, 0xac, 0xb0, 0xbf, 0x85, 0xc2, 0x00}};
+    object.SetPrivateData(debug_name, static_cast<UINT>(std::strlen(name)), name);
+}
+
+bool lib3d::createBuffer(D3D11_BIND_FLAG kind, std::span<const std::byte> contents, const char* name,
+                         const char* source, com_ptr<ID3D11Buffer>& buffer)
+{
+    const CD3D11_BUFFER_DESC description(static_cast<UINT>(contents.size()), static_cast<UINT>(kind),
+                                         D3D11_USAGE_IMMUTABLE);
+    D3D11_SUBRESOURCE_DATA data{};
+    data.pSysMem = contents.data();
+    return isMade(m_device->CreateBuffer(&description, &data, buffer.put()), buffer, name, source);
+}
+
+bool lib3d::createConstantBuffer(UINT size, const void* contents, const char* name, com_ptr<ID3D11Buffer>& buffer)
 {
     const CD3D11_BUFFER_DESC description(size, D3D11_BIND_CONSTANT_BUFFER);
     D3D11_SUBRESOURCE_DATA data{};
     data.pSysMem = contents;
-    com_ptr<ID3D11Buffer> buffer;
-    requireSuccess(m_device->CreateBuffer(&description, &data, buffer.put()), source_name);
-    return buffer;
+    return isMade(m_device->CreateBuffer(&description, &data, buffer.put()), buffer, name, source_name);
 }
 
-com_ptr<ID3D11VertexShader> lib3d::vertexShader(int resource, const D3D11_INPUT_ELEMENT_DESC* elements, UINT count,
-                                                ID3D11InputLayout** layout) const
+bool lib3d::createVertexShader(int resource, std::span<const D3D11_INPUT_ELEMENT_DESC> elements, const char* name,
+                               com_ptr<ID3D11VertexShader>& shader, com_ptr<ID3D11InputLayout>* layout)
 {
     const auto code = resourceBytes(resource);
-    com_ptr<ID3D11VertexShader> shader;
-    requireSuccess(m_device->CreateVertexShader(code.data(), code.size(), nullptr, shader.put()), source_name);
-    if (layout)
-        requireSuccess(m_device->CreateInputLayout(elements, count, code.data(), code.size(), layout), source_name);
-    return shader;
+    return isMade(m_device->CreateVertexShader(code.data(), code.size(), nullptr, shader.put()), shader, name,
+                  source_name) &&
+           (layout == nullptr || isMade(m_device->CreateInputLayout(elements.data(), static_cast<UINT>(elements.size()),
+                                                                    code.data(), code.size(), layout->put()),
+                                        *layout, name, source_name));
 }
 
-com_ptr<ID3D11PixelShader> lib3d::pixelShader(int resource) const
+bool lib3d::createPixelShader(int resource, const char* name, com_ptr<ID3D11PixelShader>& shader)
 {
     const auto code = resourceBytes(resource);
-    com_ptr<ID3D11PixelShader> shader;
-    requireSuccess(m_device->CreatePixelShader(code.data(), code.size(), nullptr, shader.put()), source_name);
-    return shader;
+    return isMade(m_device->CreatePixelShader(code.data(), code.size(), nullptr, shader.put()), shader, name,
+                  source_name);
 }
 
-void lib3d::createShaders()
+bool lib3d::createShaders()
 {
-    m_model_vs = vertexShader(KORVANE_MODEL_VS, model_elements, 7, m_model_layout.put());
-    m_line_vs = vertexShader(KORVANE_LINE_VS, line_elements, 2, m_line_layout.put());
-    m_final_vs = vertexShader(KORVANE_FINAL_VS, nullptr, 0, nullptr);
-    m_model_ps = pixelShader(KORVANE_MODEL_PS);
-    m_wireframe_ps = pixelShader(KORVANE_WIREFRAME_PS);
-    m_line_ps = pixelShader(KORVANE_LINE_PS);
-    m_final_ps = pixelShader(KORVANE_FINAL_PS);
+    return createVertexShader(KORVANE_MODEL_VS, model_elements, "model_vs", m_model_vs, &m_model_layout) &&
+           createVertexShader(KORVANE_LINE_VS, line_elements, "line_vs", m_line_vs, &m_line_layout) &&
+           createVertexShader(KORVANE_FINAL_VS, {}, "final_vs", m_final_vs, nullptr) &&
+           createPixelShader(KORVANE_MODEL_PS, "model_ps", m_model_ps) &&
+           createPixelShader(KORVANE_WIREFRAME_PS, "wireframe_ps", m_wireframe_ps) &&
+           createPixelShader(KORVANE_LINE_PS, "line_ps", m_line_ps) &&
+           createPixelShader(KORVANE_FINAL_PS, "final_ps", m_final_ps);
 }
 
-void lib3d::createConstantBuffers()
+bool lib3d::createConstantBuffers(const mvp_buffer& vs, const light_buffer& ps)
 {
     const final_pass_buffer final_settings;
-    m_vs_buffer = constantBuffer(sizeof(mvp_buffer), &vs_constants);
-    m_ps_buffer = constantBuffer(sizeof(light_buffer), &ps_constants);
-    m_final_buffer = constantBuffer(sizeof(final_pass_buffer), &final_settings);
+    return createConstantBuffer(sizeof vs, &vs, "ModelViewProjectionConstantBuffer", m_vs_buffer) &&
+           createConstantBuffer(sizeof ps, &ps, "LightBuffer", m_ps_buffer) &&
+           createConstantBuffer(sizeof final_settings, &final_settings, "FinalPassBuffer", m_final_buffer);
 }
 
-void lib3d::createSamplers()
+bool lib3d::createSamplers()
 {
     // s0 textures, s1 and s3 clamped for maps that do not repeat, s2 normal maps, s4 single texels. Not anisotropic:
     // already fourfold it more than doubles the time of a frame on a software adapter (38 to 85 ms, 20,000 triangles at
@@ -168,59 +219,68 @@ void lib3d::createSamplers()
         description.MipLODBias = i == 0 ? -0.5f : 0.0f;
         description.ComparisonFunc = D3D11_COMPARISON_NEVER;
         description.MaxLOD = D3D11_FLOAT32_MAX;
-        requireSuccess(m_device->CreateSamplerState(&description, m_samplers[i].put()), source_name);
+        if (!isMade(m_device->CreateSamplerState(&description, m_samplers[i].put()), m_samplers[i], "sampler",
+                    source_name))
+            return false;
     }
+    return true;
 }
 
-void lib3d::createEnvironment()
+bool lib3d::createEnvironment()
 {
-    m_specular_cube = cubeView(*m_device.get(), specularEnvironment());
-    m_diffuse_cube = cubeView(*m_device.get(), {diffuseEnvironment()});
+    return createCube(*this, specularEnvironment(), "specular environment", m_specular_cube) &&
+           createCube(*this, {diffuseEnvironment()}, "diffuse environment", m_diffuse_cube);
 }
 
-void lib3d::createStates()
+bool lib3d::createRasterizer(raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_MODE cull, BOOL reversed)
 {
-    const auto rasterizer = [this](raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_MODE cull, BOOL reversed) {
-        D3D11_RASTERIZER_DESC description{};
-        description.FillMode = fill;
-        description.CullMode = cull;
-        description.FrontCounterClockwise = reversed;
-        description.DepthClipEnable = TRUE;
-        requireSuccess(m_device->CreateRasterizerState(&description, m_rasterizers[static_cast<int>(mode)].put()),
-                       source_name);
-    };
-    rasterizer(raster_mode::front_faces, D3D11_FILL_SOLID, D3D11_CULL_BACK, FALSE);
-    rasterizer(raster_mode::front_faces_reversed, D3D11_FILL_SOLID, D3D11_CULL_BACK, TRUE);
-    rasterizer(raster_mode::both_faces, D3D11_FILL_SOLID, D3D11_CULL_NONE, FALSE);
-    rasterizer(raster_mode::wireframe, D3D11_FILL_WIREFRAME, D3D11_CULL_NONE, FALSE);
+    D3D11_RASTERIZER_DESC description{};
+    description.FillMode = fill;
+    description.CullMode = cull;
+    description.FrontCounterClockwise = reversed;
+    description.DepthClipEnable = TRUE;
+    com_ptr<ID3D11RasterizerState>& state = m_rasterizers[static_cast<int>(mode)];
+    return isMade(m_device->CreateRasterizerState(&description, state.put()), state, "rasterizer", source_name);
+}
 
+bool lib3d::createStates()
+{
     const CD3D11_BLEND_DESC blend{CD3D11_DEFAULT()};
-    requireSuccess(m_device->CreateBlendState(&blend, m_blend.put()), source_name);
     const CD3D11_DEPTH_STENCIL_DESC depth{CD3D11_DEFAULT()};
-    requireSuccess(m_device->CreateDepthStencilState(&depth, m_depth.put()), source_name);
+    return createRasterizer(raster_mode::front_faces, D3D11_FILL_SOLID, D3D11_CULL_BACK, FALSE) &&
+           createRasterizer(raster_mode::front_faces_reversed, D3D11_FILL_SOLID, D3D11_CULL_BACK, TRUE) &&
+           createRasterizer(raster_mode::both_faces, D3D11_FILL_SOLID, D3D11_CULL_NONE, FALSE) &&
+           createRasterizer(raster_mode::wireframe, D3D11_FILL_WIREFRAME, D3D11_CULL_NONE, FALSE) &&
+           isMade(m_device->CreateBlendState(&blend, m_blend.put()), m_blend, "blend", source_name) &&
+           isMade(m_device->CreateDepthStencilState(&depth, m_depth.put()), m_depth, "depth", source_name);
 }
 
-void lib3d::createLineBuffer()
+bool lib3d::createLineBuffer()
 {
     const CD3D11_BUFFER_DESC description(line_vertex_capacity * sizeof(gpu_line_vertex), D3D11_BIND_VERTEX_BUFFER,
                                          D3D11_USAGE_DYNAMIC, D3D11_CPU_ACCESS_WRITE);
-    requireSuccess(m_device->CreateBuffer(&description, nullptr, m_line_buffer.put()), source_name);
+    return isMade(m_device->CreateBuffer(&description, nullptr, m_line_buffer.put()), m_line_buffer, "bone lines",
+                  source_name);
 }
 
-void lib3d::createAll()
+bool lib3d::createAll()
 {
-    createSamplers();
-    createEnvironment();
-    createConstantBuffers();
-    createShaders();
-    createStates();
-    createLineBuffer();
+    return createSamplers() && createEnvironment() && createConstantBuffers({}, {}) && createShaders() &&
+           createStates() && createLineBuffer();
 }
 
-void lib3d::uploadConstants()
+void lib3d::uploadConstants(const mvp_buffer& vs, const light_buffer& ps)
 {
-    m_context->UpdateSubresource(m_vs_buffer.get(), 0, nullptr, &vs_constants, 0, 0);
-    m_context->UpdateSubresource(m_ps_buffer.get(), 0, nullptr, &ps_constants, 0, 0);
+    m_context->UpdateSubresource(m_vs_buffer.get(), 0, nullptr, &vs, 0, 0);
+    m_context->UpdateSubresource(m_ps_buffer.get(), 0, nullptr, &ps, 0, 0);
+}
+
+void lib3d::clearContext()
+{
+    if (!m_context)
+        return;
+    m_context->ClearState();
+    m_context->Flush();
 }
 
 void lib3d::beginScene()

@@ -1,18 +1,20 @@
 #pragma once
 
 // What all drawables share: the device and its immediate context, the shaders with their input layouts, the two
-// constant buffers with their CPU copies, samplers, states and the environment. One object per device; its owner (the
-// model window, the off-screen renderer) lends it to drawables. The device may be used by any thread, everything that
-// touches the context only by the thread that draws.
+// constant buffers, samplers, states and the environment. One object per device; its owner (the render worker, the
+// off-screen renderer) lends it to drawables. The device may be used by any thread, everything that touches the context
+// only by the thread that draws.
 
+#include "D3D11_RENDER_LIB/device_faults.h"
 #include "D3D11_RENDER_LIB/gpu_layouts.h"
 #include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/log_port.h"
 #include "EASY_GUI/win32/com_ptr.h"
 
 #include <d3d11.h>
 
-#include <functional>
-#include <string>
+#include <cstddef>
+#include <span>
 
 namespace korvane
 {
@@ -26,50 +28,83 @@ enum class raster_mode
     wireframe
 };
 
+enum class device_kind
+{
+    best, // hardware, else software
+    hardware,
+    software
+};
+
 class lib3d
 {
 public:
-    using log_port = std::function<void(const std::string&)>;
+    // The faults outlive the object; null: none are planned.
+    explicit lib3d(device_faults* faults = nullptr) : m_po_faults(faults) {}
 
-    // A hardware device, else the software one; the log is told which. False when there is neither.
-    [[nodiscard]] bool createDevice(const log_port& log, failure& why);
-    bool isSoftware() const { return m_is_software; }
+    // The log is told when the software device stands in for hardware. False when there is no such device.
+    [[nodiscard]] bool createDevice(device_kind kind, const log_port& log, failure& why);
 
-    // Each needs the device; a failure inside stops the program (d3d_check.h).
-    void createSamplers();
-    void createEnvironment();
-    void createConstantBuffers();
-    void createShaders();
-    void createStates();
+    // What made an object has answered: names the object for debuggers and gives true, or gives false when the device
+    // was lost. Any other failure stops the program (d3d_check.h), unless failures are tolerated.
+    template <typename type>
+    [[nodiscard]] bool isMade(HRESULT answer, const com_ptr<type>& object, const char* name, const char* source)
+    {
+        if (!hasSucceeded(device_step::creation, answer, source))
+            return false;
+        if (object)
+            setName(*object.get(), name);
+        return true;
+    }
+    [[nodiscard]] bool hasSucceeded(device_step step, HRESULT answer, const char* source);
+    // While a lost device is made again, whatever fails is one more loss and not an end.
+    void tolerateFailures(bool is_tolerant) { m_is_tolerant = is_tolerant; }
+    [[nodiscard]] bool isLost();            // asks the device
+    HRESULT loss() const { return m_loss; } // the answer that lost it; S_OK before
+
+    // Each needs the device and gives false when it was lost.
+    [[nodiscard]] bool createSamplers();
+    [[nodiscard]] bool createEnvironment();
+    [[nodiscard]] bool createConstantBuffers(const mvp_buffer& vs, const light_buffer& ps); // and what is in them first
+    [[nodiscard]] bool createShaders();
+    [[nodiscard]] bool createStates();
     // The bone-line buffer: dynamic, 20,000 vertices.
-    void createLineBuffer();
-    void createAll();
+    [[nodiscard]] bool createLineBuffer();
+    [[nodiscard]] bool createAll();
+    // Contents that never change: vertices or indices.
+    [[nodiscard]] bool createBuffer(D3D11_BIND_FLAG kind, std::span<const std::byte> contents, const char* name,
+                                    const char* source, com_ptr<ID3D11Buffer>& buffer);
 
     ID3D11Device& device() const { return *m_device.get(); }
     ID3D11DeviceContext& context() const { return *m_context.get(); }
     ID3D11Buffer* lineBuffer() const { return m_line_buffer.get(); }
 
-    // CPU copies: written by the drawing thread, uploaded whole.
-    mvp_buffer vs_constants;
-    light_buffer ps_constants;
-    void uploadConstants();
-
+    // Both buffers whole, for the next draw.
+    void uploadConstants(const mvp_buffer& vs, const light_buffer& ps);
     // Binds what every draw of a frame shares: samplers, environment, blend and depth state.
     void beginScene();
     void useModelShaders(raster_mode mode);
     void useLineShaders();
     // One triangle over the bound target that shows the view through the final pass.
     void drawFinalPass(ID3D11ShaderResourceView* shown, const final_pass_buffer& settings);
+    // Lets go of everything that is bound and waits to be freed: a window has room for one swap chain.
+    void clearContext();
 
 private:
-    com_ptr<ID3D11Buffer> constantBuffer(UINT size, const void* contents) const;
-    com_ptr<ID3D11VertexShader> vertexShader(int resource, const D3D11_INPUT_ELEMENT_DESC* elements, UINT count,
-                                             ID3D11InputLayout** layout) const;
-    com_ptr<ID3D11PixelShader> pixelShader(int resource) const;
+    [[nodiscard]] HRESULT tryDevice(D3D_DRIVER_TYPE type);
+    static void setName(ID3D11DeviceChild& object, const char* name);
+    [[nodiscard]] bool createConstantBuffer(UINT size, const void* contents, const char* name,
+                                            com_ptr<ID3D11Buffer>& buffer);
+    [[nodiscard]] bool createVertexShader(int resource, std::span<const D3D11_INPUT_ELEMENT_DESC> elements,
+                                          const char* name, com_ptr<ID3D11VertexShader>& shader,
+                                          com_ptr<ID3D11InputLayout>* layout);
+    [[nodiscard]] bool createPixelShader(int resource, const char* name, com_ptr<ID3D11PixelShader>& shader);
+    [[nodiscard]] bool createRasterizer(raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_MODE cull, BOOL reversed);
 
+    device_faults* m_po_faults;
     com_ptr<ID3D11Device> m_device;
     com_ptr<ID3D11DeviceContext> m_context;
-    bool m_is_software = false;
+    bool m_is_tolerant = false;
+    HRESULT m_loss = S_OK;
 
     com_ptr<ID3D11VertexShader> m_model_vs, m_line_vs, m_final_vs;
     com_ptr<ID3D11PixelShader> m_model_ps, m_wireframe_ps, m_line_ps, m_final_ps;

@@ -1,7 +1,5 @@
 #include "D3D11_RENDER_LIB/scene_targets.h"
 
-#include "D3D11_RENDER_LIB/d3d_check.h"
-
 #include <cstring>
 
 namespace korvane
@@ -12,7 +10,8 @@ namespace
 
 constexpr char source_name[] = "scene_targets";
 
-com_ptr<ID3D11Texture2D> texture2d(ID3D11Device& device, UINT width, UINT height, DXGI_FORMAT format, UINT bind)
+bool createTexture(lib3d& library, UINT width, UINT height, DXGI_FORMAT format, UINT bind, const char* name,
+                   com_ptr<ID3D11Texture2D>& texture)
 {
     D3D11_TEXTURE2D_DESC description{};
     description.Width = width;
@@ -24,30 +23,43 @@ com_ptr<ID3D11Texture2D> texture2d(ID3D11Device& device, UINT width, UINT height
     description.Usage = bind ? D3D11_USAGE_DEFAULT : D3D11_USAGE_STAGING;
     description.BindFlags = bind;
     description.CPUAccessFlags = bind ? 0u : UINT{D3D11_CPU_ACCESS_READ};
-    com_ptr<ID3D11Texture2D> texture;
-    requireSuccess(device.CreateTexture2D(&description, nullptr, texture.put()), source_name);
-    return texture;
+    return library.isMade(library.device().CreateTexture2D(&description, nullptr, texture.put()), texture, name,
+                          source_name);
 }
 
 } // namespace
 
-void scene_targets::create(ID3D11Device& device, UINT width, UINT height)
+bool scene_targets::create(lib3d& library, UINT width, UINT height)
 {
-    static const DXGI_FORMAT formats[target_count] = {DXGI_FORMAT_R16G16B16A16_FLOAT, DXGI_FORMAT_R8G8B8A8_UNORM,
-                                                      DXGI_FORMAT_R8G8B8A8_UNORM};
+    static const struct
+    {
+        DXGI_FORMAT format;
+        const char* name;
+    } kinds[target_count] = {{DXGI_FORMAT_R8G8B8A8_UNORM_SRGB, "target, plain colour"}, // first: Wine encodes none else
+                             {DXGI_FORMAT_R16G16B16A16_FLOAT, "target, light"},
+                             {DXGI_FORMAT_R8G8B8A8_UNORM, "target, normals"}};
     release();
-    m_width = width;
-    m_height = height;
+    ID3D11Device& device = library.device();
     for (std::size_t i = 0; i < target_count; ++i)
     {
-        const com_ptr<ID3D11Texture2D> texture =
-            texture2d(device, width, height, formats[i], D3D11_BIND_RENDER_TARGET | D3D11_BIND_SHADER_RESOURCE);
-        requireSuccess(device.CreateRenderTargetView(texture.get(), nullptr, m_targets[i].put()), source_name);
-        requireSuccess(device.CreateShaderResourceView(texture.get(), nullptr, m_views[i].put()), source_name);
+        com_ptr<ID3D11Texture2D> texture;
+        if (!createTexture(library, width, height, kinds[i].format,
+                           D3D11_BIND_RENDER_TARGET | D3D11_BIND_SHADER_RESOURCE, kinds[i].name, texture) ||
+            !library.isMade(device.CreateRenderTargetView(texture.get(), nullptr, m_targets[i].put()), m_targets[i],
+                            kinds[i].name, source_name) ||
+            !library.isMade(device.CreateShaderResourceView(texture.get(), nullptr, m_views[i].put()), m_views[i],
+                            kinds[i].name, source_name))
+            return false;
     }
-    const com_ptr<ID3D11Texture2D> depth =
-        texture2d(device, width, height, DXGI_FORMAT_D24_UNORM_S8_UINT, D3D11_BIND_DEPTH_STENCIL);
-    requireSuccess(device.CreateDepthStencilView(depth.get(), nullptr, m_depth.put()), source_name);
+    com_ptr<ID3D11Texture2D> depth;
+    if (!createTexture(library, width, height, DXGI_FORMAT_D24_UNORM_S8_UINT, D3D11_BIND_DEPTH_STENCIL, "depth",
+                       depth) ||
+        !library.isMade(device.CreateDepthStencilView(depth.get(), nullptr, m_depth.put()), m_depth, "depth",
+                        source_name))
+        return false;
+    m_width = width;
+    m_height = height;
+    return true;
 }
 
 void scene_targets::release()
@@ -78,30 +90,37 @@ void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, shown
     final_pass_buffer settings;
     settings.width = static_cast<std::int32_t>(m_width);
     settings.height = static_cast<std::int32_t>(m_height);
-    settings.is_linear = shown == shown_target::lit ? 1 : 0;
+    settings.content = shown == shown_target::lit       ? target_content::light
+                       : shown == shown_target::normals ? target_content::data
+                                                        : target_content::colour;
     library.drawFinalPass(m_views[static_cast<std::size_t>(shown)].get(), settings);
 }
 
-void picture_target::create(ID3D11Device& device, UINT width, UINT height)
+bool picture_target::create(lib3d& library, UINT width, UINT height)
 {
     m_width = width;
     m_height = height;
-    m_texture = texture2d(device, width, height, DXGI_FORMAT_R8G8B8A8_UNORM, D3D11_BIND_RENDER_TARGET);
-    m_staging = texture2d(device, width, height, DXGI_FORMAT_R8G8B8A8_UNORM, 0);
-    requireSuccess(device.CreateRenderTargetView(m_texture.get(), nullptr, m_view.put()), source_name);
+    constexpr DXGI_FORMAT format = DXGI_FORMAT_R8G8B8A8_UNORM;
+    return createTexture(library, width, height, format, D3D11_BIND_RENDER_TARGET, "picture", m_texture) &&
+           createTexture(library, width, height, format, 0, "picture, to be read", m_staging) &&
+           library.isMade(library.device().CreateRenderTargetView(m_texture.get(), nullptr, m_view.put()), m_view,
+                          "picture", source_name);
 }
 
-void picture_target::read(lib3d& library, std::vector<std::uint8_t>& rgba) const
+bool picture_target::read(lib3d& library, std::vector<std::uint8_t>& rgba) const
 {
     library.context().CopyResource(m_staging.get(), m_texture.get());
     D3D11_MAPPED_SUBRESOURCE mapped{};
-    requireSuccess(library.context().Map(m_staging.get(), 0, D3D11_MAP_READ, 0, &mapped), source_name);
+    if (!library.hasSucceeded(device_step::present,
+                              library.context().Map(m_staging.get(), 0, D3D11_MAP_READ, 0, &mapped), source_name))
+        return false;
     const std::size_t row_bytes = std::size_t{m_width} * 4;
     rgba.resize(row_bytes * m_height);
     for (std::size_t row = 0; row < m_height; ++row)
         std::memcpy(rgba.data() + row * row_bytes, static_cast<const char*>(mapped.pData) + row * mapped.RowPitch,
                     row_bytes);
     library.context().Unmap(m_staging.get(), 0);
+    return true;
 }
 
 } // namespace korvane

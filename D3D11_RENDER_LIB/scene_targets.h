@@ -1,8 +1,8 @@
 #pragma once
 
-// What a frame is drawn into before it reaches the screen or a picture: three colour targets (lit colour, normal,
-// plain colour) and depth, all of one size. The view that is shown passes through the final pass into the target that
-// the caller owns.
+// What a frame is drawn into before it reaches the screen or a picture: three targets (light as float, normals as unorm
+// data, plain colour as sRGB, for eight linear bits would show bands) and depth, all of one size. The view that is
+// shown passes through the final pass into the target that the caller owns.
 
 #include "D3D11_RENDER_LIB/lib3d.h"
 
@@ -13,11 +13,11 @@
 namespace korvane
 {
 
-enum class shown_target
+enum class shown_target // by the number of the target
 {
+    plain,
     lit,
-    normals,
-    plain
+    normals
 };
 
 class scene_targets
@@ -25,8 +25,8 @@ class scene_targets
 public:
     static constexpr std::size_t target_count = 3;
 
-    // Replaces the targets by ones of that size; width and height are above zero.
-    void create(ID3D11Device& device, UINT width, UINT height);
+    // Replaces the targets by ones of that size; width and height are above zero. False when the device was lost.
+    [[nodiscard]] bool create(lib3d& library, UINT width, UINT height);
     void release();
 
     UINT width() const { return m_width; }
@@ -50,10 +50,10 @@ private:
 class picture_target
 {
 public:
-    void create(ID3D11Device& device, UINT width, UINT height);
+    [[nodiscard]] bool create(lib3d& library, UINT width, UINT height); // false: the device was lost
     ID3D11RenderTargetView* view() const { return m_view.get(); }
-    // Rows from the top, four bytes a pixel.
-    void read(lib3d& library, std::vector<std::uint8_t>& rgba) const;
+    // Rows from the top, four bytes a pixel. False when the device was lost.
+    [[nodiscard]] bool read(lib3d& library, std::vector<std::uint8_t>& rgba) const;
 
 private:
     UINT m_width = 0;

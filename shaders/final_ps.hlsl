@@ -1,12 +1,17 @@
-// Final pass: what the scene pass has drawn, with softened edges, tone-mapped and encoded for the screen.
+// Final pass: what the scene pass has drawn, on its way to the screen. Colours get softened edges and are encoded; light
+// is tone-mapped before. Data (normals) is shown value for value: 128 on the screen is 0.5 in the target.
 #include "textures.hlsli"
 
 cbuffer FinalPassBuffer : register(b1) // 16 bytes; final_pass_buffer in D3D11_RENDER_LIB/gpu_layouts.h
 {
-    int2 size;     // of the target, pixels
-    int is_linear; // 1: high dynamic range, to be tone-mapped; 0: shown as it is
+    int2 size;   // of the target, pixels
+    int content; // content_light, content_colour or content_data
     int pad;
 };
+
+static const int content_light = 0;  // linear, high dynamic range
+static const int content_colour = 1; // linear, 0..1
+static const int content_data = 2;   // not a colour
 
 float3 toneMapped(float3 color)
 {
@@ -26,7 +31,7 @@ float3 encoded(float3 color)
 float3 shown(int2 at)
 {
     const float3 color = ScreenSpace.Load(int3(clamp(at, 0, size - 1), 0)).rgb;
-    return is_linear != 0 ? toneMapped(color) : color;
+    return content == content_light ? toneMapped(color) : color;
 }
 
 float brightness(float3 color)
@@ -38,6 +43,8 @@ float4 main(float4 position : SV_Position) : SV_Target
 {
     const int2 at = int2(position.xy);
     const float3 middle = shown(at);
+    if (content == content_data)
+        return float4(middle, 1);
     const float3 left = shown(at - int2(1, 0));
     const float3 right = shown(at + int2(1, 0));
     const float3 above = shown(at - int2(0, 1));

@@ -7,9 +7,9 @@ struct line_pixel
 
 struct line_targets
 {
-    float4 lit : SV_Target0;
-    float4 normal : SV_Target1;
-    float4 base : SV_Target2;
+    float4 base : SV_Target0;
+    float4 lit : SV_Target1;
+    float4 normal : SV_Target2;
 };
 
 line_targets main(line_pixel pixel)

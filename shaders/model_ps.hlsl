@@ -1,5 +1,5 @@
-// Pixel shader of models: textures to a surface, lit by two lights and the environment. Three targets: the lit colour
-// (linear, high dynamic range), the normal, and the plain colour of the surface.
+// Pixel shader of models: textures to a surface, lit by two lights and the environment. Three targets: the plain
+// colour of the surface, the lit colour (linear, high dynamic range), and the normal.
 #include "model_vertex.hlsli"
 #include "pbr_lib.hlsli"
 #include "ps_const_buffers.hlsli"
@@ -7,9 +7,9 @@
 
 struct model_targets
 {
-    float4 lit : SV_Target0;
-    float4 normal : SV_Target1;
-    float4 base : SV_Target2;
+    float4 base : SV_Target0;
+    float4 lit : SV_Target1;
+    float4 normal : SV_Target2;
 };
 
 bool isBound(int slot_bit)

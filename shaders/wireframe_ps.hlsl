@@ -3,9 +3,9 @@
 
 struct model_targets
 {
-    float4 lit : SV_Target0;
-    float4 normal : SV_Target1;
-    float4 base : SV_Target2;
+    float4 base : SV_Target0;
+    float4 lit : SV_Target1;
+    float4 normal : SV_Target2;
 };
 
 model_targets main(model_pixel pixel)

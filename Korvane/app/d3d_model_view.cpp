@@ -16,15 +16,7 @@ class d3d_model_view : public model_view
 public:
     explicit d3d_model_view(std::unique_ptr<d3d_window> window) : m_po_d3d_window(std::move(window)) {}
 
-    void setModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& path, std::size_t lod) override
-    {
-        m_po_d3d_window->setModel(std::move(model), path, lod);
-    }
-    drawn_models setDefinition(const std::vector<std::string>& models, const std::string& path) override
-    {
-        const variant_outcome outcome = m_po_d3d_window->setVariant(models, path);
-        return {outcome.failed, outcome.triangles};
-    }
+    void setScene(scene_pointer scene) override { m_po_d3d_window->setScene(std::move(scene)); }
     void show() override { m_po_d3d_window->show(); }
     bool isVisible() const override { return m_po_d3d_window->isVisible(); }
     HWND handle() const override { return m_po_d3d_window->handle(); }
@@ -51,8 +43,7 @@ std::unique_ptr<model_view> makeD3dModelView(log_port log, failure& why)
     viewer_ports ports;
     ports.log = std::move(log);
     // No owner: the view is a window of its own, which may lie behind the main window.
-    std::unique_ptr<d3d_window> window =
-        d3d_window::create(GetModuleHandleW(nullptr), nullptr, std::move(ports), nullptr, {}, why);
+    std::unique_ptr<d3d_window> window = d3d_window::create(nullptr, std::move(ports), nullptr, why);
     if (window == nullptr)
         return nullptr;
     showProgramIcon(window->handle());

@@ -380,8 +380,9 @@ void main_window::select()
     const int former_lod = m_document.model().selection().lod;
     m_document.select(m_panels.chosen());
     showSelection();
-    if (m_document.shown() == open_files::kind::model && m_document.model().selection().lod != former_lod)
-        showInView();
+    const int lod = m_document.model().selection().lod;
+    if (m_document.shown() == open_files::kind::model && lod != former_lod && m_scene)
+        setScene(sceneLoader().loadLevel(*m_scene, static_cast<std::size_t>(std::max(0, lod))));
 }
 
 void main_window::showDocument()
@@ -429,11 +430,27 @@ void main_window::showInView()
     const open_model& model = m_document.model();
     const open_definition& definition = m_document.definition();
     if (m_document.shown() == open_files::kind::model)
-        m_po_view->setModel(model.data(), model.file()->path(),
-                            static_cast<std::size_t>(std::max(0, model.selection().lod)));
+        setScene(sceneLoader().loadModel(model.data(), model.file()->path(),
+                                         static_cast<std::size_t>(std::max(0, model.selection().lod))));
     else if (m_document.shown() == open_files::kind::definition)
-        m_drawn = m_po_view->setDefinition(definition.models(), definition.path());
+    {
+        setScene(sceneLoader().loadFigure(definition.models(), definition.path()));
+        m_drawn = drawn_models{m_scene->failed, m_scene->triangles};
+    }
     m_status.setText(m_document.status(m_drawn));
+}
+
+scene_loader main_window::sceneLoader()
+{
+    work_port work;
+    work.log = logPort();
+    return scene_loader(publishedGame(), std::move(work));
+}
+
+void main_window::setScene(scene_pointer scene)
+{
+    m_scene = std::move(scene);
+    m_po_view->setScene(m_scene);
 }
 
 // Beside the main window when the screen has room for it, at least as high as that and otherwise as large as it wants.

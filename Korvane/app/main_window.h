@@ -12,6 +12,7 @@
 #include "Korvane/app/panel_column.h"
 #include "Korvane/document/model_commands.h"
 #include "Korvane/document/open_files.h"
+#include "Korvane/scene/scene_loader.h"
 
 #include <functional>
 #include <memory>
@@ -85,6 +86,8 @@ private:
     void logProblems();
     void showView();
     void showInView();
+    scene_loader sceneLoader();
+    void setScene(scene_pointer scene);
     void placeView();
     void showAbout();
     void saveConfig();
@@ -98,6 +101,7 @@ private:
     model_commands m_commands;
     failure m_start_failure;             // why the window could not be filled
     std::optional<drawn_models> m_drawn; // what the view made of the definition; nothing while it has not shown it
+    scene_pointer m_scene;               // what the view shows; null: it was given nothing yet
     std::unique_ptr<model_view> m_po_view;
 
     information_panels m_panels;

@@ -1,16 +1,17 @@
 #include "Korvane/cli/commands.h"
 
-#include "DDSTextureLoader/dds_image.h"
 #include "EASY_GUI/services/file_system.h"
 #include "Korvane/cli/game_files.h"
 #include "Korvane/document/open_definition.h"
 #include "Korvane/models/rmv2_file.h"
+#include "Korvane/scene/scene_loader.h"
+#include "Korvane/textures/png.h"
 #include "Korvane/viewer/offscreen.h"
 
-#include <lodepng.h>
-
 #include <cstdio>
-#include <span>
+#include <cstring>
+#include <memory>
+#include <utility>
 
 namespace korvane
 {
@@ -43,7 +44,7 @@ bool readSize(const std::string& text, std::uint32_t& width, std::uint32_t& heig
         return false;
     width = parsed_width;
     height = parsed_height;
-    return width > 0 && height > 0 && width <= dds_max_size && height <= dds_max_size;
+    return width > 0 && height > 0 && width <= largest_picture && height <= largest_picture;
 }
 
 CLI::Validator pictureSize()
@@ -54,47 +55,66 @@ CLI::Validator pictureSize()
             std::uint32_t height = 0;
             return readSize(text, width, height)
                        ? std::string()
-                       : "the size must be WIDTHxHEIGHT, as in 1280x720, and at most " + std::to_string(dds_max_size) +
-                             " pixels each, not \"" + text + "\"";
+                       : "the size must be WIDTHxHEIGHT, as in 1280x720, and at most " +
+                             std::to_string(largest_picture) + " pixels each, not \"" + text + "\"";
         },
         "");
 }
 
 bool writePicture(const std::string& path, const render_options& options, const render_result& result, failure& why)
 {
-    std::vector<unsigned char> png;
-    const unsigned error = lodepng::encode(png, result.rgba, options.width, options.height);
-    if (error != 0)
-        return fail(why, failure_kind::unwritable, lodepng_error_text(error), path);
-    return writeWholeFile(path, std::as_bytes(std::span(png)), why);
+    picture drawn(options.width, options.height);
+    std::memcpy(drawn.pixels().data(), result.rgba.data(), result.rgba.size());
+    png_bytes png;
+    if (writePng(drawn, png, why))
+        return writeWholeFile(path, png.bytes(), why);
+    why.path = path;
+    return false;
+}
+
+scene_loader sceneLoader(cli_context& context)
+{
+    work_port work;
+    work.log = [&context](const std::string& line) { context.note(line); };
+    return scene_loader(publishedGame(), std::move(work));
 }
 
 // All models of a definition, out of the archives.
-bool drawDefinition(const std::string& path, cli_context& context, const render_options& options, render_result& result,
-                    failure& why)
+scene_pointer loadDefinition(const std::string& path, std::size_t lod, cli_context& context, failure& why)
 {
     open_definition definition;
     if (!loadArchives(context, why) || !definition.open(path, why))
-        return false;
+        return nullptr;
     for (const std::string& problem : definition.problems())
         context.note(problem);
-    return renderToImage(definition.models(), path, options, result, why);
+    const std::size_t count = definition.models().size();
+    scene_pointer scene = sceneLoader(context).loadFigure(definition.models(), path, lod);
+    if (count == 0)
+        fail(why, failure_kind::refused, "the definition names no models", path);
+    else if (scene->parts.empty())
+        fail(why, failure_kind::not_found, "none of the definition's " + std::to_string(count) + " models can be drawn",
+             path);
+    return why ? nullptr : scene;
 }
 
-bool drawModel(const std::string& path, cli_context& context, const render_options& options, render_result& result,
-               failure& why)
+scene_pointer loadModel(const std::string& path, std::size_t lod, cli_context& context, failure& why)
 {
     if (!context.data_folders.empty() && !loadArchives(context, why)) // for the textures of a model on the disk, too
-        return false;
-    rmv2_file file;
-    return openModel(context, path, file, why) && renderToImage(file.data(), path, options, result, why);
+        return nullptr;
+    const auto file = std::make_shared<rmv2_file>();
+    if (!openModel(context, path, *file, why))
+        return nullptr;
+    if (const std::size_t count = file->data().lods.size(); lod >= count)
+        return fail(why, failure_kind::refused,
+                    "the model has no LOD " + std::to_string(lod) + ": it has " + std::to_string(count)),
+               nullptr;
+    return sceneLoader(context).loadModel(std::shared_ptr<const RMV2_FILE_DATA>(file, &file->data()), path, lod);
 }
 
 bool render(const render_arguments& arguments, cli_context& context, failure& why)
 {
     render_options options;
     static_cast<void>(readSize(arguments.size, options.width, options.height)); // checked with the command line
-    options.lod = arguments.lod;
     options.frames = arguments.frames;
     options.yaw += arguments.yaw_degrees * radians_per_degree;
     options.pitch += arguments.pitch_degrees * radians_per_degree;
@@ -103,8 +123,9 @@ bool render(const render_arguments& arguments, cli_context& context, failure& wh
     options.log = [&context](const std::string& line) { context.note(line); };
 
     render_result result;
-    const auto draw = isDefinitionPath(arguments.model) ? &drawDefinition : &drawModel;
-    if (!draw(arguments.model, context, options, result, why) || !writePicture(arguments.output, options, result, why))
+    const auto load = isDefinitionPath(arguments.model) ? &loadDefinition : &loadModel;
+    const scene_pointer scene = load(arguments.model, arguments.lod, context, why);
+    if (!scene || !renderToImage(*scene, options, result, why) || !writePicture(arguments.output, options, result, why))
         return false;
     if (options.frames > 1)
     {

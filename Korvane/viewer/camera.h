@@ -5,7 +5,7 @@
 // for a dagger and for a ship. Left-handed, y up; portable and a plain value.
 
 #include "D3D11_RENDER_LIB/gpu_layouts.h"
-#include "D3D11_RENDER_LIB/gpu_mesh.h"
+#include "Korvane/scene/scene_geometry.h"
 
 #include <glm/mat4x4.hpp>
 #include <glm/vec3.hpp>

@@ -1,6 +1,6 @@
 #include "Korvane/viewer/d3d_window.h"
 
-#include "D3D11_RENDER_LIB/model_texture_source.h"
+#include "EASY_GUI/win32/dpi.h"
 #include "Korvane/viewer/render_worker.h"
 
 #include <algorithm>
@@ -15,22 +15,38 @@ constexpr int client_width = 1280;
 constexpr int client_height = 720;
 constexpr DWORD window_style = WS_CAPTION | WS_SYSMENU | WS_THICKFRAME;
 constexpr char window_title[] = "Korvane GFX-D3D11 - Move/rotate/Zoom with: A,D,S,W/Q,E,R,T,C,V/Wheel";
+constexpr UINT worker_has_news = WM_APP + 1;
+constexpr char no_device_text[] = "The graphics device was lost, and none could be made again: neither the hardware "
+                                  "nor the software device.\r\nWhat you have open is not touched.\r\n\r\n"
+                                  "Press Enter to try again.";
+
+bool showsSameModels(const scene_pointer& one, const scene_pointer& other)
+{
+    return one && other &&
+           std::equal(one->parts.begin(), one->parts.end(), other->parts.begin(), other->parts.end(),
+                      [](const scene_part& a, const scene_part& b) { return a.model->data == b.model->data; });
+}
+
+UINT loseDeviceMessage()
+{
+    static const UINT message = RegisterWindowMessageW(lose_device_message);
+    return message;
+}
 
 } // namespace
 
-std::unique_ptr<d3d_window> d3d_window::create(HINSTANCE, HWND owner, viewer_ports ports,
-                                               std::shared_ptr<const RMV2_FILE_DATA> model,
-                                               const std::string& model_path, failure& why)
+std::unique_ptr<d3d_window> d3d_window::create(HWND owner, viewer_ports ports, scene_pointer scene, failure& why)
 {
     std::unique_ptr<d3d_window> created(new d3d_window(std::move(ports)));
-    if (!created->initialise(owner, std::move(model), model_path, why))
+    if (!created->initialise(owner, std::move(scene), why))
         return nullptr;
     return created;
 }
 
 d3d_window::d3d_window(viewer_ports ports)
     : m_ports(std::move(ports))
-    , m_po_worker(std::make_unique<render_worker>(m_ports.log))
+    , m_po_worker(
+          std::make_unique<render_worker>(m_ports.log, [this] { PostMessageW(handle(), worker_has_news, 0, 0); }))
 {
 }
 
@@ -40,16 +56,9 @@ d3d_window::~d3d_window()
     destroy();
 }
 
-void d3d_window::log(const char* text) const
-{
-    if (m_ports.log)
-        m_ports.log(text);
-}
-
 bool d3d_window::createOuterWindow(HWND owner, failure& why)
 {
-    RECT outer{0, 0, client_width, client_height};
-    AdjustWindowRect(&outer, window_style, FALSE);
+    const RECT outer = outerRectangle({0, 0, client_width, client_height}, window_style, 0, false, dpi());
     window_settings settings;
     settings.title = window_title;
     settings.style = window_style;
@@ -62,115 +71,137 @@ bool d3d_window::createOuterWindow(HWND owner, failure& why)
 }
 
 // The texts of these log lines are fixed, spelling included: people and scripts look for them.
-bool d3d_window::initialise(HWND owner, std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& model_path,
-                            failure& why)
+bool d3d_window::initialise(HWND owner, scene_pointer scene, failure& why)
 {
     if (!createOuterWindow(owner, why))
         return false;
     render_worker& worker = *m_po_worker;
-    lib3d& library = worker.library();
     const RECT client = clientRectangle();
     const auto width = static_cast<UINT>(std::max(client.right, 1L));
     const auto height = static_cast<UINT>(std::max(client.bottom, 1L));
-    const float aspect = static_cast<float>(width) / static_cast<float>(height);
+    m_scene = std::move(scene);
 
     log("D3dWindow:GFXinit: Create VienAndPerspective Matrices");
-    m_view.fill(aspect, library.vs_constants, library.ps_constants);
+    frameScene();
     log("D3dWindow:GFXinit: Create VienAndPerspective Matrices: SUCCESS");
 
     log("D3dWindow:GFXinit: Create D3D Device");
     if (!worker.createDevice(why))
         return false;
     log("Device created. Sucess");
-    worker.createSwapChain(handle());
-    log("Swapchain. Sucess");
-    log("D3dWindow:GFXinit: Create D3D Device: SUCCESS");
-
-    log("D3dWindow:GFXinit: createTargetTexture()");
-    worker.createTargets(width, height);
-    log("Render Targe. Sucess");
-    log("D3dWindow:GFXinit: createTargetTexture(): SUCCESS");
-
-    log("D3dWindow:GFXinit: Loading Textures");
-    const model_texture_source own(model_path, m_ports.log);
-    log("D3dWindow:GFXinit: Loading Textures: SUCESSS");
-
-    log("D3dWindow:GFXinit: Loading Mesh");
-    worker.scene().setModel(library.device(), {model.get(), model_path, 0, &own});
-    m_shown_path = model_path;
-    log("D3dWindow:GFXinit: Loading Mesh: SUCESSS!");
-
-    log("D3dWindow:GFXinit: Create Texures Sampeler for shaders");
-    library.createSamplers();
-    log("D3dWindow:GFXinit: Create Texures Sampeler for shaders: SUCESSS!");
-
-    log("D3dWindow:GFXinit: Create Depth+Stencil");
-    library.createStates(); // the depth buffer itself belongs to the targets and changes its size with them
-    log("D3dWindow:GFXinit: Create Depth+Stencil: SUCCESS");
-
-    log("D3dWindow:GFXinit: Create Cube Maps");
-    library.createEnvironment();
-    log("D3dWindow:GFXinit: Create Cube Maps: Success!");
-
-    log("D3dWindow:GFXinit: Create Costant Buffer");
-    library.createConstantBuffers();
-    library.createShaders();
-    log("D3dWindow:GFXinit: Create Costant Buffer. SUCCESS");
-
-    log("D3dWindow:GFXinit: Create Index Buffer for oAnimation.");
-    library.createLineBuffer();
-    log("D3dWindow:GFXinit: Create Index Buffer for oAnimation. SUCCESS.");
-
-    log("D3dWindow:GFXinit: Selecting startup Skeleton.");
-    log("D3dWindow:GFXinit: Selecting startup Skeleton. SUCCESS!");
+    const bool is_complete = createOnDevice(width, height);
 
     log("Create Render Thread");
-    frameModel();
     worker.pacer().postSize(width, height);
-    worker.start();
+    postRefreshRate();
+    worker.start(handle(), is_complete);
     log("DirectX INIT successful!!");
     return true;
 }
 
-void d3d_window::frameModel()
+// False when the device was lost on the way: the render thread makes it again.
+bool d3d_window::createOnDevice(UINT width, UINT height)
+{
+    render_worker& worker = *m_po_worker;
+    lib3d& library = worker.library();
+    if (!worker.createSwapChain(handle()))
+        return false;
+    log("Swapchain. Sucess");
+    log("D3dWindow:GFXinit: Create D3D Device: SUCCESS");
+
+    log("D3dWindow:GFXinit: createTargetTexture()");
+    if (!worker.createTargets(width, height))
+        return false;
+    log("Render Targe. Sucess");
+    log("D3dWindow:GFXinit: createTargetTexture(): SUCCESS");
+
+    log("D3dWindow:GFXinit: Loading Textures"); // and meshes: the render thread takes them from the scene
+    log("D3dWindow:GFXinit: Loading Textures: SUCESSS");
+    log("D3dWindow:GFXinit: Loading Mesh");
+    worker.show(m_scene);
+    log("D3dWindow:GFXinit: Loading Mesh: SUCESSS!");
+
+    log("D3dWindow:GFXinit: Create Texures Sampeler for shaders");
+    if (!library.createSamplers())
+        return false;
+    log("D3dWindow:GFXinit: Create Texures Sampeler for shaders: SUCESSS!");
+
+    log("D3dWindow:GFXinit: Create Depth+Stencil");
+    if (!library.createStates()) // the depth buffer itself belongs to the targets and changes its size with them
+        return false;
+    log("D3dWindow:GFXinit: Create Depth+Stencil: SUCCESS");
+
+    log("D3dWindow:GFXinit: Create Cube Maps");
+    if (!library.createEnvironment())
+        return false;
+    log("D3dWindow:GFXinit: Create Cube Maps: Success!");
+
+    log("D3dWindow:GFXinit: Create Costant Buffer");
+    frame_constants first;
+    m_view.fill(static_cast<float>(width) / static_cast<float>(height), first.vs, first.ps);
+    if (!library.createConstantBuffers(first.vs, first.ps) || !library.createShaders())
+        return false;
+    log("D3dWindow:GFXinit: Create Costant Buffer. SUCCESS");
+
+    log("D3dWindow:GFXinit: Create Index Buffer for oAnimation.");
+    if (!library.createLineBuffer())
+        return false;
+    log("D3dWindow:GFXinit: Create Index Buffer for oAnimation. SUCCESS.");
+
+    log("D3dWindow:GFXinit: Selecting startup Skeleton.");
+    log("D3dWindow:GFXinit: Selecting startup Skeleton. SUCCESS!");
+    return true;
+}
+
+void d3d_window::frameScene()
 {
     const RECT client = clientRectangle();
     const float aspect =
         static_cast<float>(std::max(client.right, 1L)) / static_cast<float>(std::max(client.bottom, 1L));
-    m_view.eye.frame(m_po_worker->scene().bounds(), aspect);
+    m_view.eye.frame(m_scene ? m_scene->bounds : model_bounds(), aspect);
     m_is_framed = true;
-    m_po_worker->pacer().post(m_view);
+    redraw();
 }
 
-void d3d_window::setModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& model_path, std::size_t lod,
-                          std::shared_ptr<const texture_source> textures)
+void d3d_window::setScene(scene_pointer scene)
 {
-    const model_texture_source own(model_path, m_ports.log);
-    m_po_worker->changeScene([&](model_scene& scene, ID3D11Device& device) {
-        scene.setModel(device, {model.get(), model_path, lod, textures ? textures.get() : &own});
-    });
-    showChanged(model_path, model_path != m_shown_path);
-}
-
-variant_outcome d3d_window::setVariant(const std::vector<std::string>& models, const std::string& definition_path)
-{
-    const model_texture_source own(definition_path, m_ports.log);
-    variant_outcome outcome;
-    m_po_worker->changeScene([&](model_scene& scene, ID3D11Device& device) {
-        outcome = scene.setVariant(device, {models, 0, &own});
-    });
-    showChanged(definition_path, m_is_framed || definition_path != m_shown_path);
-    return outcome;
-}
-
-void d3d_window::showChanged(const std::string& path, bool is_framed_anew)
-{
-    m_shown_path = path;
+    const bool is_other_path = !m_scene || !scene || m_scene->path != scene->path;
+    const bool is_framed_anew = is_other_path || (m_is_framed && !showsSameModels(m_scene, scene));
+    m_scene = std::move(scene);
+    m_po_worker->show(m_scene);
     m_view.setLightDefaults();
     if (is_framed_anew)
-        frameModel();
+        frameScene();
     else
         redraw();
+}
+
+device_faults& d3d_window::faults()
+{
+    return m_po_worker->faults();
+}
+
+// What the render thread has to say.
+void d3d_window::takeNews()
+{
+    for (const std::string& line : m_po_worker->takeReports())
+        tell(m_ports.log, line);
+    if (m_po_worker->hasGivenUp())
+        m_notice.cover(handle(), no_device_text);
+    else
+        m_notice.destroy();
+}
+
+// Of the screen that shows the window, for where presenting does not wait for it.
+void d3d_window::postRefreshRate()
+{
+    MONITORINFOEXW monitor{};
+    monitor.cbSize = sizeof monitor;
+    DEVMODEW mode{};
+    mode.dmSize = sizeof mode;
+    const bool is_known = GetMonitorInfoW(MonitorFromWindow(handle(), MONITOR_DEFAULTTONEAREST), &monitor) &&
+                          EnumDisplaySettingsW(monitor.szDevice, ENUM_CURRENT_SETTINGS, &mode);
+    m_po_worker->pacer().postRefreshRate(is_known ? mode.dmDisplayFrequency : 0);
 }
 
 void d3d_window::show()
@@ -213,7 +244,8 @@ void d3d_window::onSize(int width, int height, size_change change)
     {
         m_po_worker->pacer().postSize(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height));
         if (m_is_framed)
-            frameModel();
+            frameScene();
+        m_notice.fit();
     }
     m_po_worker->pacer().postVisible(!is_minimised && isVisible());
 }
@@ -222,7 +254,23 @@ LRESULT d3d_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
 {
     if (message == WM_SHOWWINDOW)
         m_po_worker->pacer().postVisible(wparam != FALSE && !IsIconic(handle()));
+    if (message == WM_DISPLAYCHANGE || message == WM_EXITSIZEMOVE)
+        postRefreshRate();
+    if (message == worker_has_news)
+        takeNews();
+    if (message == loseDeviceMessage() && wparam < device_step_count)
+    {
+        faults().lose(static_cast<device_step>(wparam), static_cast<int>(lparam));
+        redraw();
+    }
     return window::handleMessage(message, wparam, lparam);
+}
+
+// The base has moved the window to the rectangle that the system suggests; sizes of the picture are pixels.
+void d3d_window::onDpiChanged(unsigned)
+{
+    postRefreshRate();
+    m_notice.fit();
 }
 
 bool d3d_window::onPaint()
@@ -234,6 +282,14 @@ bool d3d_window::onPaint()
 
 bool d3d_window::onKeyDown(unsigned virtual_key, bool)
 {
+    // With these held down a key is a shortcut of the program, which comes by here, too.
+    if (GetKeyState(VK_CONTROL) < 0 || GetKeyState(VK_MENU) < 0)
+        return false;
+    if (virtual_key == VK_RETURN && isWaitingForDevice())
+    {
+        m_po_worker->tryAgain();
+        return true;
+    }
     if (virtual_key == VK_ESCAPE && m_is_enlarged)
         leaveEnlarged();
     else if (!m_view.onKey(virtual_key))

@@ -1,72 +1,105 @@
 #include "Korvane/viewer/frame_pacer.h"
 
+#include <algorithm>
+
 namespace korvane
 {
 
-void frame_pacer::post(const view_state& view)
+namespace
+{
+
+constexpr unsigned usual_refresh_rate = 60;
+
+frame_pacer::clock::duration seconds(double value)
+{
+    return std::chrono::duration_cast<frame_pacer::clock::duration>(std::chrono::duration<double>(value));
+}
+
+} // namespace
+
+template <class change>
+void frame_pacer::request(change&& make)
 {
     const std::lock_guard lock(m_mutex);
-    m_request.view = view;
-    m_request.is_dirty = true;
+    make(m_request);
+    m_is_dirty = true;
     m_changed.notify_one();
+}
+
+void frame_pacer::post(const view_state& view)
+{
+    request([&](frame_request& wanted) { wanted.view = view; });
 }
 
 void frame_pacer::postSize(std::uint32_t width, std::uint32_t height)
 {
-    const std::lock_guard lock(m_mutex);
-    m_request.width = width;
-    m_request.height = height;
-    m_request.is_dirty = true;
-    m_changed.notify_one();
+    request([&](frame_request& wanted) {
+        wanted.width = width;
+        wanted.height = height;
+    });
 }
 
 void frame_pacer::postVisible(bool is_visible)
 {
-    const std::lock_guard lock(m_mutex);
-    m_request.is_visible = is_visible;
-    m_request.is_dirty = true;
-    m_changed.notify_one();
+    request([&](frame_request& wanted) { wanted.is_visible = is_visible; });
 }
 
-void frame_pacer::wake()
+void frame_pacer::postMoving(bool is_moving)
 {
-    const std::lock_guard lock(m_mutex);
-    m_request.is_dirty = true;
-    m_is_woken = true;
-    m_changed.notify_one();
+    request([&](frame_request& wanted) { wanted.is_moving = is_moving; });
+}
+
+void frame_pacer::redraw()
+{
+    request([](frame_request&) {});
 }
 
 void frame_pacer::stop()
 {
+    request([](frame_request& wanted) { wanted.must_stop = true; });
+}
+
+// Three quarters of the interval: whoever waited for the vertical blank is past it.
+void frame_pacer::postRefreshRate(unsigned hertz)
+{
     const std::lock_guard lock(m_mutex);
-    m_request.must_stop = true;
-    m_changed.notify_one();
+    m_shortest_interval = seconds(0.75 / (hertz > 1 ? hertz : usual_refresh_rate));
 }
 
 void frame_pacer::retryAfter(std::chrono::milliseconds pause)
 {
     const std::lock_guard lock(m_mutex);
-    m_request.is_dirty = true;
-    m_next_frame = clock::now() + pause;
+    m_is_dirty = true;
+    m_earliest = clock::now() + pause;
+}
+
+std::optional<frame_pacer::clock::time_point> frame_pacer::due() const
+{
+    if (m_request.must_stop)
+        return clock::time_point::min();
+    if (!m_request.is_visible || m_request.width == 0 || m_request.height == 0)
+        return std::nullopt;
+    if (m_is_dirty)
+        return m_earliest;
+    if (m_request.is_moving)
+        return std::max(m_earliest, m_last_frame + seconds(1.0 / std::max(m_request.view.frame_limit, 1u)));
+    return std::nullopt;
 }
 
 frame_request frame_pacer::next()
 {
     std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return isDue(); });
-    // The limit holds between frames that are drawn: a stop or a waiting window thread is answered at once.
-    while (!m_request.must_stop && !m_is_woken && clock::now() < m_next_frame)
-        m_changed.wait_until(lock, m_next_frame);
-    m_is_woken = false;
-
-    frame_request taken = m_request;
-    taken.is_dirty = m_request.is_dirty && canBeSeen();
-    if (taken.is_dirty)
+    for (std::optional<clock::time_point> when = due(); !when || *when > clock::now(); when = due())
     {
-        m_request.is_dirty = false;
-        m_next_frame = clock::now() + shortest_interval;
+        if (when)
+            m_changed.wait_until(lock, *when);
+        else
+            m_changed.wait(lock);
     }
-    return taken;
+    m_is_dirty = false;
+    m_last_frame = clock::now();
+    m_earliest = m_last_frame + m_shortest_interval;
+    return m_request;
 }
 
 } // namespace korvane

@@ -1,8 +1,9 @@
 #pragma once
 
 // When the render thread draws. The window thread posts requests (a changed view, a new size, an end); the render
-// thread sleeps until there is one and never draws faster than the limit: vertical sync is not honoured everywhere.
-// Portable.
+// thread sleeps until there is one, or until the next frame of something that moves. Presenting waits for the vertical
+// blank, and that alone paces where it does: the limit here is a little shorter than a screen's interval and only
+// matters where presenting does not wait (a virtual screen, a driver set so). Portable.
 
 #include "Korvane/viewer/view_state.h"
 
@@ -10,6 +11,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <optional>
 
 namespace korvane
 {
@@ -20,39 +22,45 @@ struct frame_request
     view_state view;
     std::uint32_t width = 0; // client size in pixels; 0: nothing can be drawn
     std::uint32_t height = 0;
-    bool is_dirty = false;   // something has changed
     bool is_visible = false; // neither hidden nor minimised
-    bool must_stop = false;
+    bool is_moving = false;  // the picture changes by itself
+    bool must_stop = false;  // nothing is to be drawn any more
 };
 
 class frame_pacer
 {
 public:
     using clock = std::chrono::steady_clock;
-    static constexpr std::chrono::microseconds shortest_interval{16667}; // 60 frames a second
+
+    frame_pacer() { postRefreshRate(0); }
 
     // Window thread.
     void post(const view_state& view);
     void postSize(std::uint32_t width, std::uint32_t height);
     void postVisible(bool is_visible);
-    void wake(); // a frame is wanted, or the gate has changed
+    // While it moves one frame follows the other, at most view_state::frame_limit a second.
+    void postMoving(bool is_moving);
+    void postRefreshRate(unsigned hertz); // of the screen; 0 and 1: not known
+    void redraw();
     void stop();
 
-    // Render thread. Waits until a frame is due and returns the whole request, its dirty mark taken. While the window
-    // cannot be seen it returns only to let the gate be looked at; is_dirty is then false and the mark is kept.
+    // Render thread. Waits until a frame is due and returns the whole request.
     [[nodiscard]] frame_request next();
     // The frame that was due could not be shown: it is due again after a pause.
     void retryAfter(std::chrono::milliseconds pause);
 
 private:
-    bool isDue() const { return m_request.must_stop || m_is_woken || (m_request.is_dirty && canBeSeen()); }
-    bool canBeSeen() const { return m_request.is_visible && m_request.width > 0 && m_request.height > 0; }
+    template <class change>
+    void request(change&& make);
+    std::optional<clock::time_point> due() const; // nothing: only when something is posted
 
     std::mutex m_mutex; // guards what follows
     std::condition_variable m_changed;
     frame_request m_request;
-    bool m_is_woken = false;
-    clock::time_point m_next_frame{}; // render thread only
+    bool m_is_dirty = false;             // something has changed since the last frame
+    clock::duration m_shortest_interval; // from one frame's begin to the next
+    clock::time_point m_last_frame{};    // its begin
+    clock::time_point m_earliest{};      // of the next frame
 };
 
 } // namespace korvane

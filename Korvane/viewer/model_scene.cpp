@@ -1,5 +1,7 @@
 #include "Korvane/viewer/model_scene.h"
 
+#include "D3D11_RENDER_LIB/render_variant.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -24,57 +26,53 @@ std::vector<gpu_line_vertex> floorGrid(const model_bounds& bounds)
     {
         const float at = static_cast<float>(i) * step;
         const gpu_float4 color = i == 0 ? gpu_float4{0.22f, 0.24f, 0.30f, 1} : gpu_float4{0.085f, 0.09f, 0.105f, 1};
-        lines.push_back({{at, bounds.least.y, -far_end}, color});
-        lines.push_back({{at, bounds.least.y, far_end}, color});
-        lines.push_back({{-far_end, bounds.least.y, at}, color});
-        lines.push_back({{far_end, bounds.least.y, at}, color});
+        lines.push_back({{at, bounds.min.y, -far_end}, color});
+        lines.push_back({{at, bounds.min.y, far_end}, color});
+        lines.push_back({{-far_end, bounds.min.y, at}, color});
+        lines.push_back({{far_end, bounds.min.y, at}, color});
     }
     return lines;
 }
 
 } // namespace
 
-void model_scene::setModel(ID3D11Device& device, const rigid_model_source& source)
+bool model_scene::create(lib3d& library, const loaded_scene* scene)
 {
-    m_variant.release();
-    if (!m_model.create(device, source, -1))
-        m_model.release();
-    m_floor.create(device, floorGrid(bounds()));
-}
-
-variant_outcome model_scene::setVariant(ID3D11Device& device, const variant_source& source)
-{
-    m_model.release();
-    const variant_outcome outcome = m_variant.create(device, source);
-    m_floor.create(device, floorGrid(bounds()));
-    return outcome;
+    static const loaded_scene nothing;
+    const loaded_scene& shown = scene != nullptr ? *scene : nothing;
+    m_po_figure.reset(); // the former textures stay until the new scene has taken over those that it shares
+    m_po_floor.reset();
+    auto textures = std::make_unique<gpu_textures>(m_log, m_po_textures.get());
+    auto figure = std::make_unique<render_variant>();
+    auto floor = std::make_unique<d3d_drawable_geometry>();
+    if (!figure->create(library, shown, *textures) || !floor->create(library, floorGrid(shown.bounds)))
+        return false;
+    textures->forgetFormer();
+    m_po_textures = std::move(textures);
+    m_po_figure = std::move(figure);
+    m_po_floor = std::move(floor);
+    return true;
 }
 
 void model_scene::release()
 {
-    m_model.release();
-    m_variant.release();
-    m_floor.release();
-}
-
-model_bounds model_scene::bounds() const
-{
-    return m_model.bounds().isEmpty() ? m_variant.bounds() : m_model.bounds();
+    m_po_figure.reset();
+    m_po_floor.reset();
+    m_po_textures.reset();
 }
 
 void model_scene::draw(lib3d& library, const scene_targets& targets, ID3D11RenderTargetView* output,
-                       const view_state& view)
+                       const view_state& view) const
 {
-    view.fill(static_cast<float>(targets.width()) / static_cast<float>(targets.height()), library.vs_constants,
-              library.ps_constants);
+    frame_constants frame;
+    view.fill(static_cast<float>(targets.width()) / static_cast<float>(targets.height()), frame.vs, frame.ps);
+    frame.is_wireframe = view.is_wireframe;
     targets.begin(library, output, view.background());
     library.beginScene();
-    m_model.setWireframe(view.is_wireframe);
-    m_variant.setWireframe(view.is_wireframe);
-    m_model.draw(library); // one of the two is empty
-    m_variant.draw(library);
-    if (view.shows_floor)
-        m_floor.draw(library);
+    if (m_po_figure)
+        m_po_figure->draw(library, frame);
+    if (m_po_floor && view.shows_floor)
+        m_po_floor->draw(library, frame);
     targets.finish(library, output,
                    view.shows_normals ? shown_target::normals
                    : view.shows_plain ? shown_target::plain

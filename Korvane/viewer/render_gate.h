@@ -1,13 +1,13 @@
 #pragma once
 
-// How the window thread keeps the render thread from drawing while it replaces what is drawn. The window thread closes
-// the gate and waits until the render thread has seen it; then nothing is drawn until it is opened again. Requests are
-// numbered: a plain "idle" flag would still be set from the last time after closing, opening and closing again.
-// Portable; runs under the thread sanitizer in the native tests.
+// How the window thread exchanges what the render thread shows. A scene is one value behind a pointer; only the
+// exchange of the pointer is guarded, so that neither thread waits for the other's work: the window thread closes the
+// gate (the "render enabled" flag goes down), waits until the render thread is not between enter() and leave() (the
+// "idle" flag), exchanges, and opens it again. The flags cannot lie from the last time, for the render thread claims
+// its place before it looks whether the gate is open. Portable; runs under the thread sanitizer in the native tests.
 
 #include <atomic>
-#include <chrono>
-#include <cstdint>
+#include <memory>
 #include <thread>
 
 namespace korvane
@@ -16,43 +16,58 @@ namespace korvane
 class render_gate
 {
 public:
-    // Window thread. Calls wake(), which makes a sleeping render thread come round. True once the render thread has
-    // seen the closed gate and draws nothing. False when it did not come within the patience: the gate is closed all
-    // the same, but a frame may still be on its way.
-    template <class waker>
-    [[nodiscard]] bool close(std::chrono::milliseconds patience, waker&& wake)
+    // Window thread. Afterwards the render thread does not enter until the gate is opened. Waits only for a pointer to
+    // be copied.
+    void close()
     {
-        const std::uint32_t wanted = m_wanted.fetch_add(1) + 1; // odd: closed
-        wake();
-        return hasSeen(wanted, patience);
+        m_is_open.store(false);
+        while (m_is_inside.load())
+            std::this_thread::yield(); // atomic::wait hangs under Wine
     }
-    // Once more for a gate that is closed already.
-    [[nodiscard]] bool waitClosed(std::chrono::milliseconds patience) { return hasSeen(m_wanted.load(), patience); }
-    void open() { m_wanted.fetch_add(1); } // even: open
+    void open() { m_is_open.store(true); }
 
-    // Render thread, at the top of each frame: true when the frame may be drawn.
-    [[nodiscard]] bool enterFrame()
+    // Render thread: true when it may look; leave() belongs to it then.
+    [[nodiscard]] bool enter()
     {
-        const std::uint32_t wanted = m_wanted.load();
-        m_seen.store(wanted);
-        return wanted % 2 == 0;
+        m_is_inside.store(true);
+        if (m_is_open.load())
+            return true;
+        m_is_inside.store(false);
+        return false;
     }
+    void leave() { m_is_inside.store(false); }
 
 private:
-    bool hasSeen(std::uint32_t wanted, std::chrono::milliseconds patience) const
+    std::atomic<bool> m_is_open{true};    // written by the window thread only
+    std::atomic<bool> m_is_inside{false}; // written by the render thread only
+};
+
+// An immutable value behind the gate: published by the window thread, taken whole by the render thread.
+template <class type>
+class gated_value
+{
+public:
+    // Window thread. The former value goes, where nobody else holds it, when the gate is open again.
+    void publish(std::shared_ptr<const type> next)
     {
-        const auto until = std::chrono::steady_clock::now() + patience;
-        while (m_seen.load() != wanted)
-        {
-            if (std::chrono::steady_clock::now() > until)
-                return false;
-            std::this_thread::sleep_for(std::chrono::milliseconds(1)); // atomic::wait hangs under Wine
-        }
+        m_gate.close();
+        m_value.swap(next);
+        m_gate.open();
+    }
+    // Render thread. False, and the target stays, while the value is being exchanged.
+    [[nodiscard]] bool take(std::shared_ptr<const type>& target)
+    {
+        if (!m_gate.enter())
+            return false;
+        std::shared_ptr<const type> taken = m_value;
+        m_gate.leave();
+        target.swap(taken); // freeing the former value may take long
         return true;
     }
 
-    std::atomic<std::uint32_t> m_wanted{1}; // written by the window thread only
-    std::atomic<std::uint32_t> m_seen{1};   // written by the render thread only
+private:
+    render_gate m_gate;
+    std::shared_ptr<const type> m_value;
 };
 
 } // namespace korvane

@@ -3,6 +3,7 @@
 #include "D3D11_RENDER_LIB/d3d_check.h"
 
 #include <exception>
+#include <new>
 
 namespace korvane
 {
@@ -12,8 +13,10 @@ namespace
 
 constexpr char source_name[] = "d3d_window";
 constexpr SIZE_T stack_bytes = 0xFFFFF;
-constexpr std::chrono::milliseconds gate_patience{2000};
 constexpr std::chrono::milliseconds occluded_pause{250};
+constexpr int hardware_tries = 2;
+constexpr int all_tries = 3;                             // the last one with the software device
+constexpr std::chrono::milliseconds pause_of_tries{500}; // a driver that is exchanged needs a moment
 
 // For debuggers; systems before Windows 10 1607 have no names for threads.
 void nameThread(HANDLE thread, const wchar_t* name)
@@ -24,68 +27,82 @@ void nameThread(HANDLE thread, const wchar_t* name)
         set(thread, name);
 }
 
-struct open_on_exit
-{
-    render_gate& gate;
-    frame_pacer& pacer;
-
-    ~open_on_exit()
-    {
-        gate.open();
-        pacer.wake();
-    }
-};
-
 } // namespace
 
-render_worker::render_worker(lib3d::log_port log) : m_log(std::move(log)), m_scene(m_log) {}
+render_worker::render_worker(log_port log, std::function<void()> has_news)
+    : m_log(std::move(log))
+    , m_has_news(std::move(has_news))
+    , m_library(&m_faults)
+    , m_scene([this](const std::string& line) { report(line); })
+{
+}
 
 render_worker::~render_worker()
 {
     stop();
 }
 
-void render_worker::createSwapChain(HWND window)
+bool render_worker::createSwapChain(HWND window)
 {
     com_ptr<IDXGIDevice> device;
     com_ptr<IDXGIAdapter> adapter;
     com_ptr<IDXGIFactory2> factory;
-    requireSuccess(m_library.device().QueryInterface(__uuidof(IDXGIDevice), device.putVoid()), source_name);
-    requireSuccess(device->GetAdapter(adapter.put()), source_name);
-    requireSuccess(adapter->GetParent(__uuidof(IDXGIFactory2), factory.putVoid()), source_name);
+    const auto isMade = [this](HRESULT answer) {
+        return m_library.hasSucceeded(device_step::creation, answer, source_name);
+    };
+    if (!isMade(m_library.device().QueryInterface(__uuidof(IDXGIDevice), device.putVoid())) ||
+        !isMade(device->GetAdapter(adapter.put())) ||
+        !isMade(adapter->GetParent(__uuidof(IDXGIFactory2), factory.putVoid())))
+        return false;
 
     DXGI_SWAP_CHAIN_DESC1 description{};
     description.Format = DXGI_FORMAT_R8G8B8A8_UNORM;
     description.SampleDesc.Count = 1;
     description.BufferUsage = DXGI_USAGE_RENDER_TARGET_OUTPUT;
     description.BufferCount = 2;
-    description.SwapEffect = DXGI_SWAP_EFFECT_DISCARD;
-    requireSuccess(factory->CreateSwapChainForHwnd(&m_library.device(), window, &description, nullptr, nullptr,
-                                                   m_swap_chain.put()),
-                   source_name);
+    // Flipping spares a copy of each frame: the first is known since Windows 10, the second since Windows 8.
+    HRESULT answer = E_FAIL;
+    for (const DXGI_SWAP_EFFECT effect :
+         {DXGI_SWAP_EFFECT_FLIP_DISCARD, DXGI_SWAP_EFFECT_FLIP_SEQUENTIAL, DXGI_SWAP_EFFECT_DISCARD})
+    {
+        description.SwapEffect = effect;
+        answer = factory->CreateSwapChainForHwnd(&m_library.device(), window, &description, nullptr, nullptr,
+                                                 m_swap_chain.put());
+        if (SUCCEEDED(answer) || isDeviceLost(answer))
+            break;
+    }
+    if (!isMade(answer))
+        return false;
     factory->MakeWindowAssociation(window, DXGI_MWA_NO_ALT_ENTER | DXGI_MWA_NO_WINDOW_CHANGES);
+    return true;
 }
 
-void render_worker::createTargets(UINT width, UINT height)
+bool render_worker::createTargets(UINT width, UINT height)
 {
     com_ptr<ID3D11Texture2D> buffer;
-    requireSuccess(m_swap_chain->GetBuffer(0, __uuidof(ID3D11Texture2D), buffer.putVoid()), source_name);
-    requireSuccess(m_library.device().CreateRenderTargetView(buffer.get(), nullptr, m_back_buffer.put()), source_name);
-    m_targets.create(m_library.device(), width, height);
+    return m_library.isMade(m_swap_chain->GetBuffer(0, __uuidof(ID3D11Texture2D), buffer.putVoid()), buffer,
+                            "back buffer", source_name) &&
+           m_library.isMade(m_library.device().CreateRenderTargetView(buffer.get(), nullptr, m_back_buffer.put()),
+                            m_back_buffer, "back buffer", source_name) &&
+           m_targets.create(m_library, width, height);
 }
 
-void render_worker::resize(UINT width, UINT height)
+bool render_worker::resize(UINT width, UINT height)
 {
     // Every view of the back buffers must be gone, bound ones too, before they can change their size.
     m_library.context().ClearState();
     m_back_buffer.reset();
-    requireSuccess(m_swap_chain->ResizeBuffers(0, width, height, DXGI_FORMAT_UNKNOWN, 0), source_name);
-    createTargets(width, height);
+    return m_library.hasSucceeded(device_step::resize,
+                                  m_swap_chain->ResizeBuffers(0, width, height, DXGI_FORMAT_UNKNOWN, 0), source_name) &&
+           createTargets(width, height);
 }
 
-void render_worker::start()
+void render_worker::start(HWND window, bool is_complete)
 {
-    m_gate.open();
+    m_window = window;
+    m_has_device = is_complete;
+    if (!is_complete)
+        loseDevice();
     m_thread = CreateThread(nullptr, stack_bytes, &render_worker::threadEntry, this, STACK_SIZE_PARAM_IS_A_RESERVATION,
                             nullptr);
     requireSuccess(m_thread ? S_OK : HRESULT_FROM_WIN32(GetLastError()), source_name);
@@ -102,19 +119,33 @@ void render_worker::stop()
     m_thread = nullptr;
 }
 
-void render_worker::changeScene(const std::function<void(model_scene&, ID3D11Device&)>& change)
+void render_worker::show(scene_pointer scene)
 {
-    // A software adapter may need long for a frame, so patience is repeated: without the render thread's answer the
-    // scene is still in use.
-    if (!m_gate.close(gate_patience, [this] { m_pacer.wake(); }))
+    m_published.publish(std::move(scene));
+    m_pacer.redraw();
+}
+
+void render_worker::tryAgain()
+{
+    m_must_try_again = true;
+    m_pacer.redraw();
+}
+
+std::vector<std::string> render_worker::takeReports()
+{
+    std::vector<std::string> taken;
+    const std::lock_guard lock(m_reports_mutex);
+    taken.swap(m_reports);
+    return taken;
+}
+
+void render_worker::report(const std::string& line)
+{
     {
-        if (m_log)
-            m_log("d3d_window: waiting for the frame that is being drawn");
-        while (!m_gate.waitClosed(gate_patience))
-            m_pacer.wake();
+        const std::lock_guard lock(m_reports_mutex);
+        m_reports.push_back(line);
     }
-    const open_on_exit reopened{m_gate, m_pacer}; // also when the change runs out of memory
-    change(m_scene, m_library.device());
+    m_has_news();
 }
 
 DWORD WINAPI render_worker::threadEntry(void* worker)
@@ -137,9 +168,72 @@ void render_worker::run()
         const frame_request request = m_pacer.next();
         if (request.must_stop)
             return;
-        if (m_gate.enterFrame() && request.is_dirty)
-            drawFrame(request);
+        static_cast<void>(m_published.take(m_wanted)); // an exchange that is under way asks for a frame of its own
+        drawFrame(request);
     }
+}
+
+void render_worker::drawFrame(const frame_request& request)
+{
+    if (m_must_try_again.exchange(false))
+    {
+        m_tries = 0;
+        m_has_given_up = false;
+        m_has_news();
+    }
+    if (m_has_given_up)
+        return;
+    if ((!m_has_device && !remakeDevice(request)) || !drawOnDevice(request))
+        return loseDevice();
+    if (m_tries > 0)
+        report(m_tries > hardware_tries ? "d3d_window: the software device draws instead"
+                                        : "d3d_window: the graphics device was made again");
+    m_tries = 0;
+    m_library.tolerateFailures(false);
+}
+
+bool render_worker::drawOnDevice(const frame_request& request)
+{
+    if (m_was_occluded && isOccluded())
+    {
+        m_pacer.retryAfter(occluded_pause);
+        return true;
+    }
+    if ((request.width != m_targets.width() || request.height != m_targets.height()) &&
+        !resize(request.width, request.height))
+        return false;
+    if (!showNewScene())
+        return false;
+    m_scene.draw(m_library, m_targets, m_back_buffer.get(), request.view);
+
+    const DXGI_PRESENT_PARAMETERS parameters{};
+    const HRESULT answer = m_swap_chain->Present1(1, 0, &parameters);
+    if (!m_library.hasSucceeded(device_step::present, answer, source_name))
+        return false;
+    m_was_occluded = answer == DXGI_STATUS_OCCLUDED; // a success code, and Present does not wait then
+    if (m_was_occluded)
+        m_pacer.retryAfter(occluded_pause);
+    else
+        m_frames_drawn.fetch_add(1);
+    return true;
+}
+
+bool render_worker::showNewScene()
+{
+    if (m_shown == m_wanted)
+        return true;
+    try
+    {
+        if (!m_scene.create(m_library, m_wanted.get()))
+            return false;
+    }
+    catch (const std::bad_alloc&)
+    {
+        m_scene.release();
+        report("d3d_window: there is not enough memory to show " + m_wanted->path);
+    }
+    m_shown = m_wanted;
+    return true;
 }
 
 bool render_worker::isOccluded()
@@ -148,25 +242,41 @@ bool render_worker::isOccluded()
     return m_was_occluded;
 }
 
-void render_worker::drawFrame(const frame_request& request)
+// One try a frame, so that an end or a new size is not kept waiting.
+bool render_worker::remakeDevice(const frame_request& request)
 {
-    if (m_was_occluded && isOccluded())
-    {
-        m_pacer.retryAfter(occluded_pause);
-        return;
-    }
-    if (request.width != m_targets.width() || request.height != m_targets.height())
-        resize(request.width, request.height);
-    m_scene.draw(m_library, m_targets, m_back_buffer.get(), request.view);
+    const device_kind kind = m_tries < hardware_tries ? device_kind::hardware : device_kind::software;
+    ++m_tries;
+    m_library.tolerateFailures(true); // until it has shown a frame
+    failure why;
+    m_has_device = m_library.createDevice(kind, {}, why);
+    if (!m_has_device)
+        report("d3d_window: " + describe(why));
+    return m_has_device && createSwapChain(m_window) && m_library.createAll() &&
+           createTargets(request.width, request.height);
+}
 
-    const DXGI_PRESENT_PARAMETERS parameters{};
-    const HRESULT result = m_swap_chain->Present1(1, 0, &parameters);
-    requireSuccess(result, source_name);
-    m_was_occluded = result == DXGI_STATUS_OCCLUDED; // a success code, and Present does not wait then
-    if (m_was_occluded)
-        m_pacer.retryAfter(occluded_pause);
-    else
-        m_frames_drawn.fetch_add(1);
+// Everything that was made on the device goes with it; the scene stays.
+void render_worker::loseDevice()
+{
+    const std::string code = resultText(m_library.loss());
+    report(m_tries == 0 ? "d3d_window: the graphics device was lost (" + code + ")"
+                        : "d3d_window: try " + std::to_string(m_tries) + " of " + std::to_string(all_tries) +
+                              " to make it again failed (" + code + ")");
+    m_library.clearContext();
+    m_scene.release();
+    m_shown.reset();
+    m_targets.release();
+    m_back_buffer.reset();
+    m_swap_chain.reset();
+    m_library.clearContext(); // what waits to be freed, too: a window has room for one swap chain
+    m_library = lib3d(&m_faults);
+    m_has_device = false;
+    m_was_occluded = false;
+    if (m_tries < all_tries)
+        return m_pacer.retryAfter(m_tries == 0 ? std::chrono::milliseconds(0) : pause_of_tries);
+    m_has_given_up = true;
+    report("d3d_window: no graphics device could be made again; the view waits for a key");
 }
 
 } // namespace korvane

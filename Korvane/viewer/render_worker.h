@@ -1,10 +1,15 @@
 #pragma once
 
-// The drawing half of the model window: device, swap chain, targets, scene, and the thread "Draw" that puts frames on
-// the screen. The window thread creates it, calls its public functions and destroys it. Once the thread runs, the
-// immediate context, the swap chain and the targets are the thread's; the scene is changed by the window thread behind
-// the closed gate; views and sizes travel through the pacer.
+// The drawing half of the model window: device, swap chain, targets, the scene's objects, and the thread "Draw" that
+// puts frames on the screen. The window thread creates it, calls its public functions and destroys it. Once the thread
+// runs, everything on the device is the thread's; scenes travel as whole values through the gate, views and sizes
+// through the pacer, and reports back through a list that the window thread empties.
+//
+// A device that is lost, at any step, is made again from the scene that was kept: two tries with the hardware device,
+// one with the software device. After the last one the worker rests until tryAgain().
 
+#include "D3D11_RENDER_LIB/device_faults.h"
+#include "EASY_GUI/services/log_port.h"
 #include "Korvane/viewer/frame_pacer.h"
 #include "Korvane/viewer/model_scene.h"
 #include "Korvane/viewer/render_gate.h"
@@ -15,6 +20,9 @@
 
 #include <atomic>
 #include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
 
 namespace korvane
 {
@@ -22,45 +30,70 @@ namespace korvane
 class render_worker
 {
 public:
-    explicit render_worker(lib3d::log_port log);
+    // The log is called by the window thread only. has_news is called by the render thread when takeReports() or
+    // hasGivenUp() has something new; it must not wait for the window thread.
+    render_worker(log_port log, std::function<void()> has_news);
     ~render_worker(); // stops the thread
     render_worker(const render_worker&) = delete;
     render_worker& operator=(const render_worker&) = delete;
 
     // Set-up, before the thread runs, in this order; the shared objects (samplers, shaders, ...) are created through
-    // library(). Except for the device, what fails stops the program.
-    [[nodiscard]] bool createDevice(failure& why) { return m_library.createDevice(m_log, why); }
-    void createSwapChain(HWND window);
-    void createTargets(UINT width, UINT height);
+    // library(). False when the device was lost: start() then, and the thread makes everything again.
+    [[nodiscard]] bool createDevice(failure& why) { return m_library.createDevice(device_kind::best, m_log, why); }
+    [[nodiscard]] bool createSwapChain(HWND window);
+    [[nodiscard]] bool createTargets(UINT width, UINT height);
     lib3d& library() { return m_library; }
-    model_scene& scene() { return m_scene; }
-    void start();
+    void start(HWND window, bool is_complete); // false: something of the set-up was lost
     void stop();
 
-    // Changes the scene while nothing is drawn; returns when that is done.
-    void changeScene(const std::function<void(model_scene& scene, ID3D11Device& device)>& change);
-
+    // Window thread. The scene is shown from the next frame on, or nothing for null; never waits for a frame.
+    void show(scene_pointer scene);
     frame_pacer& pacer() { return m_pacer; }
-    std::uint64_t framesDrawn() const { return m_frames_drawn.load(); }
+    std::uint64_t framesDrawn() const { return m_frames_drawn.load(); } // presented so far
+    device_faults& faults() { return m_faults; }
+    // Lines for the log, in their order.
+    [[nodiscard]] std::vector<std::string> takeReports();
+    // There is no device, and none is made until tryAgain().
+    bool hasGivenUp() const { return m_has_given_up.load(); }
+    void tryAgain();
 
 private:
     static DWORD WINAPI threadEntry(void* worker);
     void run();
+    void report(const std::string& line);
     void drawFrame(const frame_request& request);
-    bool isOccluded();
-    void resize(UINT width, UINT height);
+    [[nodiscard]] bool drawOnDevice(const frame_request& request);
+    [[nodiscard]] bool showNewScene();
+    [[nodiscard]] bool isOccluded();
+    [[nodiscard]] bool resize(UINT width, UINT height);
+    [[nodiscard]] bool remakeDevice(const frame_request& request);
+    void loseDevice();
 
-    lib3d::log_port m_log;
+    log_port m_log;
+    std::function<void()> m_has_news;
+    device_faults m_faults;
+    gated_value<loaded_scene> m_published;
+    frame_pacer m_pacer;
+    HANDLE m_thread = nullptr; // window thread only
+    HWND m_window = nullptr;
+
+    // The render thread's, once it runs.
     lib3d m_library;
     com_ptr<IDXGISwapChain1> m_swap_chain;
     com_ptr<ID3D11RenderTargetView> m_back_buffer;
     scene_targets m_targets;
     model_scene m_scene;
-    render_gate m_gate;
-    frame_pacer m_pacer;
-    HANDLE m_thread = nullptr; // window thread only
+    scene_pointer m_wanted; // kept for a new device
+    scene_pointer m_shown;  // what m_scene was made of
+    bool m_has_device = false;
     bool m_was_occluded = false;
+    int m_tries = 0; // to make the device again, since the last frame that was presented
+
     std::atomic<std::uint64_t> m_frames_drawn{0}; // written by the render thread only
+    std::atomic<bool> m_has_given_up{false};      // written by the render thread only
+    std::atomic<bool> m_must_try_again{false};
+    std::mutex m_reports_mutex; // guards m_reports
+    std::vector<std::string> m_reports;
 };
 
 } // namespace korvane

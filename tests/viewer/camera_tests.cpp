@@ -62,9 +62,9 @@ TEST(Camera, AFramedModelIsSeenWholeFromAllSides)
             {
                 for (int corner = 0; corner < 8; ++corner)
                 {
-                    const glm::vec3 point(corner & 1 ? bounds.least.x : bounds.most.x,
-                                          corner & 2 ? bounds.least.y : bounds.most.y,
-                                          corner & 4 ? bounds.least.z : bounds.most.z);
+                    const glm::vec3 point(corner & 1 ? bounds.min.x : bounds.max.x,
+                                          corner & 2 ? bounds.min.y : bounds.max.y,
+                                          corner & 4 ? bounds.min.z : bounds.max.z);
                     const glm::vec3 seen = onScreen(eye, aspect, point);
                     largest = std::max({largest, std::abs(seen.x), std::abs(seen.y)});
                     EXPECT_GT(seen.z, 0);

@@ -35,9 +35,9 @@ TEST_F(main_window_test, theArchivesAreReadBeforeAnythingElse)
 
 TEST_F(main_window_test, aDefinitionOfTheCommandLineIsShownBesideAModel)
 {
-    writeArchive({{"men\\body.rigid_model_v2", "body"}});
+    writeArchive({{"men\\body.rigid_model_v2", soldier().bytes()}});
     openWindow(write("guard.VARIANTMESHDEFINITION", std::string(guard_definition)));
-    EXPECT_EQ(text(control_status), "guard: 2 models, 1,000 triangles; 1 could not be opened (see log.txt)");
+    EXPECT_EQ(text(control_status), "guard: 2 models, 2 triangles; 1 could not be opened (see log.txt)");
     EXPECT_EQ(text(control_file_path), "...");
     EXPECT_TRUE(IsWindowEnabled(find(control_show_view)));
     ASSERT_EQ(m_view.definitions.size(), 1u);
@@ -53,7 +53,7 @@ TEST_F(main_window_test, aDefinitionOfTheCommandLineIsShownBesideAModel)
     choose(control_lod, 1); // of the model in the panels; the view keeps showing the definition
     EXPECT_EQ(text(control_tool_caption), "L(1) G(0)");
     EXPECT_EQ(m_view.models.size(), 1u);
-    EXPECT_EQ(text(control_status), "guard: 2 models, 1,000 triangles; 1 could not be opened (see log.txt)");
+    EXPECT_EQ(text(control_status), "guard: 2 models, 2 triangles; 1 could not be opened (see log.txt)");
 }
 
 TEST_F(main_window_test, reReadingReplacesTheArchivesAndWhatIsShownOfThem)
@@ -61,22 +61,22 @@ TEST_F(main_window_test, reReadingReplacesTheArchivesAndWhatIsShownOfThem)
     openWindow();
     writeArchive({{"men\\guard.variantmeshdefinition", guard_definition},
                   {"men\\soldier.rigid_model_v2", soldier().bytes()},
-                  {"men\\body.rigid_model_v2", ""}});
+                  {"men\\body.rigid_model_v2", soldier().bytes()}});
     choose(document_command::reread_archives);
     EXPECT_NE(logText().find("[PACK FILE] 0 : "), std::string::npos);
     EXPECT_TRUE(m_window->openFile("pack:men/soldier.rigid_model_v2"));
     EXPECT_FALSE(IsWindowEnabled(find(control_open_folder))) << "no folder holds it";
     EXPECT_TRUE(m_window->openFile("pack:men/guard.variantmeshdefinition"));
-    EXPECT_EQ(text(control_status), "guard: 2 models, 1,000 triangles; 1 could not be opened (see log.txt)");
+    EXPECT_EQ(text(control_status), "guard: 2 models, 2 triangles; 1 could not be opened (see log.txt)");
 
     test_model other = soldier();
     other.lods = {{grass()}};
     writeArchive({{"men\\guard.variantmeshdefinition", "<VARIANT_MESH model=\"men\\new.rigid_model_v2\"/>"},
                   {"men\\soldier.rigid_model_v2", other.bytes()},
-                  {"men\\new.rigid_model_v2", ""}});
+                  {"men\\new.rigid_model_v2", soldier().bytes()}});
     choose(document_command::reread_archives);
     EXPECT_EQ(m_view.definitions.back(), std::vector<std::string>{"men\\new.rigid_model_v2"});
-    EXPECT_EQ(text(control_status), "guard: 1 model, 1,000 triangles");
+    EXPECT_EQ(text(control_status), "guard: 1 model, 2 triangles");
     EXPECT_EQ(text(control_group_name), "grass");
     EXPECT_FALSE(pack_file::sm_poPathTree->find("men/body.rigid_model_v2")) << "what is gone is gone";
     EXPECT_TRUE(m_prompt.shown.empty());

@@ -15,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <filesystem>
@@ -41,7 +42,7 @@ struct view_record
 {
     int made = 0, shown = 0, destroyed = 0;
     std::vector<std::pair<std::string, std::size_t>> models; // file name and LOD
-    std::vector<std::vector<std::string>> definitions;       // the models of each
+    std::vector<std::vector<std::string>> definitions;       // the models of each that can be drawn
 };
 
 class recording_view : public model_view
@@ -49,18 +50,15 @@ class recording_view : public model_view
 public:
     explicit recording_view(view_record& record) : m_record(record) { ++m_record.made; }
     ~recording_view() override { ++m_record.destroyed; }
-    void setModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& path, std::size_t lod) override
+    void setScene(scene_pointer scene) override
     {
-        EXPECT_NE(model, nullptr);
-        m_record.models.emplace_back(fileName(path), lod);
-    }
-    drawn_models setDefinition(const std::vector<std::string>& models, const std::string&) override
-    {
-        m_record.definitions.push_back(models);
-        drawn_models drawn;
-        for (const std::string& model : models)
-            getNodeFromInternalPath(model) ? drawn.triangles += 1000 : ++drawn.failed;
-        return drawn;
+        ASSERT_NE(scene, nullptr);
+        if (isDefinitionPath(scene->path))
+            std::transform(scene->parts.begin(), scene->parts.end(),
+                           std::back_inserter(m_record.definitions.emplace_back()),
+                           [](const scene_part& part) { return part.model->path; });
+        else
+            m_record.models.emplace_back(fileName(scene->path), scene->parts.at(0).lod);
     }
     void show() override { ++m_record.shown; }
     bool isVisible() const override { return m_record.shown > 0; }
@@ -97,15 +95,17 @@ protected:
         return m_folder + name;
     }
     std::string write(const std::string& name, const test_model& model) { return write(name, model.bytes()); }
-    // The only archive of the data folder, which the next start or re-read finds.
+    // The only archive of the data folder, which the next start or re-read finds. Each time another folder: what is
+    // shown keeps the former archive open.
     void writeArchive(const std::vector<test_entry>& entries)
     {
-        pack_file::sm_poPathTree = nullptr; // it lets go of the file
+        const std::string data = "data" + std::to_string(++m_data_folders) + "\\";
         test_pack pack;
         pack.entries = entries;
-        std::filesystem::create_directories(toPath(m_folder + "data"));
-        write("data\\a.pack", pack.bytes());
-        m_config.add("data_paths", {m_folder + "data\\"}, false);
+        std::filesystem::create_directories(toPath(m_folder + data));
+        write(data + "a.pack", pack.bytes());
+        m_config.clear("data_paths");
+        m_config.add("data_paths", {m_folder + data}, false);
     }
     void choose(document_command command)
     {
@@ -258,6 +258,7 @@ protected:
     view_record m_view;
     bool m_has_graphics = true;
     std::string m_opened_folder;
+    int m_data_folders = 0;
     std::unique_ptr<main_window> m_window;
     std::unique_ptr<message_loop> m_loop;
 };

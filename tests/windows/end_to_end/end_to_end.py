@@ -29,6 +29,8 @@ VIEW = "Korvane GFX-D3D11"
 
 DEFINITION = "variantmeshes/variantmeshdefinitions/demo_guard.variantmeshdefinition"
 
+AT_PRESENT = 3  # device_step in D3D11_RENDER_LIB/device_faults.h
+
 # Numbers of controls, as in Korvane/app/command_ids.h.
 STATUS, SHOW_VIEW, PATH, VERSION, GAME, SKELETON, LOD, GROUP = 1001, 1002, 1100, 1101, 1102, 1103, 1200, 1201
 MATERIAL_ID, GROUP_NAME, SHADER_NAME, VERTEX_FORMAT, CAPTION, ALPHA = 1301, 1302, 1303, 1305, 1400, 1405
@@ -239,6 +241,15 @@ class session(unittest.TestCase):
         rows = self.expect_figure(self.oracle, texts(TITLE)[STATUS])
         colours = len({pixel for row in rows[::5] for pixel in row[::5]})
         self.assertGreater(colours, 200, "the figure is neither lit nor textured")
+
+        # The graphics device is lost in the middle of drawing, and the picture comes back.
+        lost_line = "d3d_window: the graphics device was lost (887A0005)"
+        self.assertTrue(probe("lose", VIEW, AT_PRESENT, 1))
+        self.assertTrue(wait_until(lambda: "d3d_window: the graphics device was made again" in self.log()), self.log())
+        self.assertEqual(self.log().count(lost_line), 1)
+        again = self.expect_figure(self.oracle, texts(TITLE)[STATUS])
+        differences = sum(largest_difference(a, b) > 2 for one, other in zip(rows, again) for a, b in zip(one, other))
+        self.assertEqual(differences, 0, "the new device draws another picture")
 
         # The view closes alone and comes back; then the program ends.
         self.assertTrue(probe("close", VIEW))

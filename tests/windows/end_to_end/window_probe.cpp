@@ -7,6 +7,7 @@
 //   window_probe choose TITLE ID POSITION  an entry of a drop-down list, as the person does
 //   window_probe click TITLE ID            a button
 //   window_probe close TITLE               asks the window to close
+//   window_probe lose TITLE STEP TIMES     the view's next steps lose the graphics device (Korvane/viewer/d3d_window.h)
 //   window_probe place TITLE               its client area on the screen: [left, top, width, height]
 
 #include "EASY_GUI/win32/wide_text.h"
@@ -162,6 +163,11 @@ int act(const std::wstring& action, HWND window, const std::vector<int>& numbers
     }
     else if (action == L"close")
         return PostMessageW(window, WM_CLOSE, 0, 0) ? 0 : 1;
+    else if (action == L"lose" && numbers.size() == 2)
+        return PostMessageW(window, RegisterWindowMessageW(L"korvane_lose_device"), static_cast<WPARAM>(numbers[0]),
+                            numbers[1])
+                   ? 0
+                   : 1;
     else if (action == L"choose" && numbers.size() == 2)
         return choose(window, numbers[0], numbers[1]) ? 0 : 1;
     else if (action == L"click" && numbers.size() == 1)

@@ -1,3 +1,5 @@
+#include "D3D11_RENDER_LIB/device_faults.h"
+#include "Korvane/scene/scene_loader.h"
 #include "Korvane/viewer/d3d_window.h"
 #include "tests/support/mesh_builder.h"
 
@@ -6,7 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <new>
+#include <functional>
 
 namespace korvane
 {
@@ -41,9 +43,10 @@ bool pumpUntil(condition&& holds, std::chrono::milliseconds patience = 20s)
     return true;
 }
 
-std::shared_ptr<const RMV2_FILE_DATA> sphere(float radius)
+scene_pointer sphere(float radius, const std::string& path = "Z:/nowhere/a")
 {
-    return std::make_shared<RMV2_FILE_DATA>(test::modelOf(test::sphereGroup({0, 0, 0}, radius, 24)));
+    return scene_loader({}).loadModel(
+        std::make_shared<RMV2_FILE_DATA>(test::modelOf(test::sphereGroup({0, 0, 0}, radius, 24))), path);
 }
 
 class D3dWindow : public ::testing::Test
@@ -55,7 +58,7 @@ protected:
         ports.log = [this](const std::string& line) { m_lines.push_back(line); };
         ports.closed = [this] { ++m_closings; };
         failure why;
-        m_window = d3d_window::create(GetModuleHandleW(nullptr), nullptr, ports, sphere(1), "Z:/nowhere/a", why);
+        m_window = d3d_window::create(nullptr, ports, sphere(1), why);
         ASSERT_TRUE(m_window) << describe(why);
     }
     void showSmall()
@@ -168,38 +171,104 @@ TEST_F(D3dWindow, ResizingAndMinimising)
     EXPECT_TRUE(drawsAfter([&] { m_window->show(); }));
 }
 
-TEST_F(D3dWindow, ModelsAreReplacedWhileItDrawsAndWhileItIsHidden)
+TEST_F(D3dWindow, ScenesAreReplacedWhileItDrawsAndWhileItIsHidden)
 {
-    m_window->setModel(sphere(2), "Z:/nowhere/b");
+    m_window->setScene(sphere(2, "Z:/nowhere/b"));
     showSmall();
     for (int i = 0; i < 8; ++i)
     {
         m_window->redraw();
-        m_window->setModel(i % 3 == 2 ? nullptr : sphere(1.0f + static_cast<float>(i)),
-                           "Z:/nowhere/" + std::to_string(i));
+        m_window->setScene(i % 3 == 2 ? nullptr
+                                      : sphere(1.0f + static_cast<float>(i), "Z:/nowhere/" + std::to_string(i)));
         pump();
     }
     EXPECT_TRUE(drawsAfter([this] { m_window->redraw(); }));
 }
 
-TEST_F(D3dWindow, AModelThatCannotBeBuiltToItsEndLeavesAWorkingView)
+TEST_F(D3dWindow, KeysHeldWithControlOrAltAreNotForTheView)
 {
-    class no_memory : public texture_source
+    showSmall();
+    for (const int modifier : {VK_CONTROL, VK_MENU})
     {
-    public:
-        std::optional<memory_file> read(const std::string&) const override { throw std::bad_alloc(); }
+        BYTE keys[256] = {};
+        keys[modifier] = 0x80;
+        SetKeyboardState(keys);
+        SendMessageW(m_window->handle(), WM_KEYDOWN, 'O', 0);
+        keys[modifier] = 0;
+        SetKeyboardState(keys);
+        EXPECT_FALSE(m_window->view().shows_plain);
+    }
+    SendMessageW(m_window->handle(), WM_KEYDOWN, 'O', 0);
+    EXPECT_TRUE(m_window->view().shows_plain);
+}
+
+TEST_F(D3dWindow, ALostDeviceIsMadeAgain)
+{
+    const struct
+    {
+        const char* name;
+        std::function<void(device_faults&)> plan;
+        const char* said;
+    } rows[] = {
+        {"at Present", [](device_faults& f) { f.lose(device_step::present, 1); },
+         "d3d_window: the graphics device was made again"},
+        {"at Present, twice", [](device_faults& f) { f.lose(device_step::present, 2); },
+         "d3d_window: try 1 of 3 to make it again failed (887A0005)"},
+        {"at a new size", [](device_faults& f) { f.lose(device_step::resize, 1); },
+         "d3d_window: the graphics device was lost (887A0005)"},
+        {"and again while it is made",
+         [](device_faults& f) {
+             f.lose(device_step::present, 1);
+             f.lose(device_step::creation, 1, 20);
+         },
+         "d3d_window: try 1 of 3 to make it again failed (887A0005)"},
+        {"and no hardware comes back",
+         [](device_faults& f) {
+             f.lose(device_step::present, 1);
+             f.lose(device_step::device, 2);
+         },
+         "d3d_window: the software device draws instead"},
     };
     showSmall();
-    group_data group = test::squareGroup(1);
-    group.textures.emplace_back().path = "any.dds";
-    const auto model = std::make_shared<RMV2_FILE_DATA>(test::modelOf(std::move(group)));
-    EXPECT_THROW(m_window->setModel(model, "Z:/nowhere/c", 0, std::make_shared<no_memory>()), std::bad_alloc);
-    for (const char* path : {"Z:/nowhere/d", "Z:/nowhere/e"})
+    int height = 240;
+    for (const auto& row : rows)
     {
-        m_window->setModel(sphere(1), path);
+        SCOPED_TRACE(row.name);
+        m_lines.clear();
+        row.plan(m_window->faults());
+        EXPECT_TRUE(drawsAfter(
+            [&] { SetWindowPos(m_window->handle(), nullptr, 0, 0, 340, height += 10, SWP_NOMOVE | SWP_NOZORDER); }));
+        EXPECT_TRUE(pumpUntil([&] { return std::count(m_lines.begin(), m_lines.end(), row.said) == 1; }));
+        EXPECT_FALSE(m_window->isWaitingForDevice());
         settle();
-        EXPECT_TRUE(drawsAfter([this] { m_window->redraw(); })) << path;
     }
+    m_window->setScene(sphere(2, "Z:/nowhere/b"));
+    EXPECT_TRUE(drawsAfter([] {})) << "the new device shows new scenes";
+}
+
+TEST_F(D3dWindow, WithoutAnyDeviceItSaysSoAndWaitsForEnter)
+{
+    showSmall();
+    m_window->faults().lose(device_step::present, 1);
+    m_window->faults().lose(device_step::device, 100);
+    m_window->redraw();
+    ASSERT_TRUE(pumpUntil([this] { return m_window->isWaitingForDevice(); }));
+    const HWND notice = GetWindow(m_window->handle(), GW_CHILD);
+    wchar_t text[300] = {};
+    GetWindowTextW(notice, text, 300);
+    EXPECT_NE(std::wstring(text).find(L"Press Enter to try again."), std::wstring::npos);
+    EXPECT_EQ(m_lines.back(), "d3d_window: no graphics device could be made again; the view waits for a key");
+
+    const std::uint64_t frames = m_window->framesDrawn();
+    SendMessageW(m_window->handle(), WM_KEYDOWN, VK_RETURN, 0); // in vain: it is still gone
+    m_lines.clear();
+    ASSERT_TRUE(pumpUntil([this] { return !m_lines.empty() && m_lines.back().ends_with("waits for a key"); }));
+    EXPECT_EQ(m_window->framesDrawn(), frames);
+    m_window->setScene(sphere(2, "Z:/nowhere/b")); // is shown when there is a device again
+    m_window->faults().lose(device_step::device, 0);
+    SendMessageW(m_window->handle(), WM_KEYDOWN, VK_RETURN, 0);
+    EXPECT_TRUE(pumpUntil([&] { return m_window->framesDrawn() > frames; }));
+    EXPECT_TRUE(pumpUntil([this] { return !m_window->isWaitingForDevice(); }));
 }
 
 TEST_F(D3dWindow, ClosingHidesItAndDestructionIsQuick)

@@ -16,7 +16,7 @@ TEST(DdsTexture, EveryFormatBecomesAViewOfItsFormatAndShape)
 {
     lib3d library;
     failure why;
-    ASSERT_TRUE(library.createDevice({}, why)) << describe(why);
+    ASSERT_TRUE(library.createDevice(device_kind::best, {}, why)) << describe(why);
     const struct
     {
         std::uint32_t format;
@@ -54,7 +54,7 @@ TEST(DdsTexture, BlocksThatDoNotFillTheirSizeAreRefused)
 {
     lib3d library;
     failure why;
-    ASSERT_TRUE(library.createDevice({}, why)) << describe(why);
+    ASSERT_TRUE(library.createDevice(device_kind::best, {}, why)) << describe(why);
     test_dds odd = test_dds::coded("DXT1", 32);
     odd.width = 6;
     odd.height = 6;

@@ -1,8 +1,8 @@
 // Figures of several models, out of archives that override each other.
 
-#include "D3D11_RENDER_LIB/render_variant.h"
 #include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/pack_reader.h"
+#include "Korvane/scene/scene_loader.h"
 #include "Korvane/viewer/d3d_window.h"
 #include "Korvane/viewer/offscreen.h"
 #include "tests/support/dds_builder.h"
@@ -23,7 +23,6 @@ namespace
 
 constexpr std::uint32_t width = 320;
 constexpr std::uint32_t height = 180;
-constexpr const char* pfn_is_null = "render_variant::addRigidModelByInternalPath: pfn = nullptr";
 
 // Half-precision numbers.
 constexpr unsigned minus_one = 0xbc00, zero = 0, one = 0x3c00;
@@ -93,25 +92,11 @@ protected:
         addArchive("a_mod.pack", {{"tex\\right.dds", colourDds(green)}, {"broken.rigid_model_v2", "RMV2 and no more"}});
         readArchives();
     }
-    lib3d::log_port log()
+    scene_pointer load(const std::vector<std::string>& models, const std::string& path)
     {
-        return [this](const std::string& line) { m_lines.push_back(line); };
-    }
-    bool logHolds(const std::string& text) const
-    {
-        return std::any_of(m_lines.begin(), m_lines.end(),
-                           [&](const std::string& line) { return line.find(text) != std::string::npos; });
-    }
-    bool draw(const std::vector<std::string>& models, failure& why)
-    {
-        render_options options;
-        options.width = width;
-        options.height = height;
-        options.yaw = 3.1415927f;
-        options.pitch = 0;
-        options.view.shows_plain = true;
-        options.log = log();
-        return renderToImage(models, "pack:men/guard.variantmeshdefinition", options, m_result, why);
+        work_port work;
+        work.log = [this](const std::string& line) { m_lines.push_back(line); };
+        return scene_loader(publishedGame(), std::move(work)).loadFigure(models, path);
     }
     pixel at(double x, double y) const
     {
@@ -129,8 +114,16 @@ protected:
 TEST_F(render_variant_test, AllPartsAreDrawnWithTheTexturesOfTheArchiveThatWins)
 {
     makeSquare();
+    render_options options;
+    options.width = width;
+    options.height = height;
+    options.yaw = 3.1415927f;
+    options.pitch = 0;
+    options.view.shows_plain = true;
     failure why;
-    ASSERT_TRUE(draw({"men\\left.rigid_model_v2", "Men/Right.rigid_model_v2"}, why)) << describe(why);
+    const scene_pointer scene =
+        load({"men\\left.rigid_model_v2", "Men/Right.rigid_model_v2"}, "pack:men/guard.variantmeshdefinition");
+    ASSERT_TRUE(renderToImage(*scene, options, m_result, why)) << describe(why);
     const pixel left = at(0.42, 0.5);
     const pixel right = at(0.58, 0.5);
     EXPECT_TRUE(left.red > 200 && left.green < 60) << left.red << ' ' << left.green << ' ' << left.blue;
@@ -139,66 +132,30 @@ TEST_F(render_variant_test, AllPartsAreDrawnWithTheTexturesOfTheArchiveThatWins)
     EXPECT_TRUE(m_lines.empty()) << m_lines.front();
 }
 
-TEST_F(render_variant_test, PartsThatCannotBeAddedAreReportedAndTheOthersStay)
-{
-    makeSquare();
-    lib3d library;
-    failure why;
-    ASSERT_TRUE(library.createDevice(log(), why)) << describe(why);
-    m_lines.clear();
-    render_variant variant(log());
-    const variant_outcome outcome =
-        variant.create(library.device(), {{"men\\left.rigid_model_v2", "men\\gone.rigid_model_v2", "men",
-                                           "broken.rigid_model_v2", "men\\right.rigid_model_v2"},
-                                          0,
-                                          nullptr});
-    EXPECT_EQ(outcome.parts, 2u);
-    EXPECT_EQ(outcome.failed, 3u);
-    EXPECT_EQ(outcome.triangles, 4u);
-    EXPECT_EQ(std::count(m_lines.begin(), m_lines.end(), pfn_is_null), 2) << "no such path, and a folder";
-    for (const char* text : {"men\\gone.rigid_model_v2: ", "men: ", "broken.rigid_model_v2: "})
-        EXPECT_TRUE(logHolds(text)) << text;
-
-    const variant_outcome crowd =
-        variant.create(library.device(), {std::vector<std::string>(514, "men\\left.rigid_model_v2"), 0, nullptr});
-    EXPECT_EQ(crowd.parts, render_variant::max_parts);
-    EXPECT_EQ(crowd.failed, 2u);
-    EXPECT_TRUE(variant.bounds().extent().x > 0.99f);
-    variant.release();
-    EXPECT_TRUE(variant.parts().empty());
-    EXPECT_TRUE(variant.bounds().isEmpty());
-}
-
-TEST_F(render_variant_test, WithoutArchivesNothingIsFoundAndTheLogSaysWhy)
-{
-    failure why;
-    EXPECT_FALSE(draw({"men\\left.rigid_model_v2"}, why));
-    EXPECT_EQ(why.kind, failure_kind::not_found);
-    EXPECT_TRUE(logHolds("rigid_model::getFromInternalPath(): pack_file::sm_poPathTree == nullptr"));
-    EXPECT_FALSE(logHolds(pfn_is_null));
-    failure empty;
-    EXPECT_FALSE(draw({}, empty));
-    EXPECT_EQ(empty.kind, failure_kind::refused);
-}
-
 TEST_F(render_variant_test, TheWindowShowsEitherAModelOrAFigureAndFramesIt)
 {
     makeSquare();
     failure why;
-    const auto window = d3d_window::create(GetModuleHandleW(nullptr), nullptr, {log(), {}}, nullptr, {}, why);
+    const auto window = d3d_window::create(nullptr, {}, nullptr, why);
     ASSERT_TRUE(window) << describe(why);
     const auto extent = [&] { return window->view().eye.model_extent.x; };
     const std::vector<std::string> both = {"men\\left.rigid_model_v2", "men\\right.rigid_model_v2"};
-    EXPECT_EQ(window->setVariant(both, "pack:a").triangles, 4u);
+    window->setScene(load(both, "pack:a"));
     EXPECT_NEAR(extent(), 2, 1e-3);
-    window->setModel(std::make_shared<RMV2_FILE_DATA>(modelOf(sphereGroup({0, 0, 0}, 3, 12))), "Z:/nowhere/b");
+    RMV2_FILE_DATA model = modelOf(sphereGroup({0, 0, 0}, 3, 12));
+    model.lods.emplace_back().groups.push_back(sphereGroup({0, 0, 0}, 2, 12));
+    scene_loader loader({});
+    const scene_pointer fine = loader.loadModel(lent(model), "Z:/nowhere/b");
+    window->setScene(fine);
     EXPECT_NEAR(extent(), 6, 1e-2) << "nothing of the figure is left";
-    EXPECT_EQ(window->setVariant({both[0], "none"}, "pack:c").failed, 1u);
+    window->setScene(loader.loadLevel(*fine, 1));
+    EXPECT_NEAR(extent(), 6, 1e-2) << "another level does not move the camera";
+    window->setScene(load({both[0], "none"}, "pack:c"));
     EXPECT_NEAR(extent(), 1, 1e-3);
-    window->setVariant(both, "pack:c"); // read again, and larger
+    window->setScene(load(both, "pack:c")); // read again, and larger
     EXPECT_NEAR(extent(), 2, 1e-3);
     SendMessageW(window->handle(), WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0);
-    window->setVariant({both[0]}, "pack:c");
+    window->setScene(load({both[0]}, "pack:c"));
     EXPECT_NEAR(extent(), 2, 1e-3) << "the camera stays where the person has put it";
 }
 
