@@ -24,7 +24,7 @@ vertex_store storeOf(const std::vector<glm::vec3>& positions, std::vector<std::u
     return store;
 }
 
-TEST(SceneGeometry, TrianglesWithMissingVerticesAreLeftOut)
+TEST(scene_geometry, trianglesWithMissingVerticesAreLeftOut)
 {
     const std::vector<glm::vec3> three = {{0, 0, 0}, {0, 1, 0}, {1, 0, 0}};
     const struct
@@ -53,7 +53,7 @@ TEST(SceneGeometry, TrianglesWithMissingVerticesAreLeftOut)
     EXPECT_EQ(forEachTriangle(storeOf({}, {0, 1, 2}), [](std::size_t) {}).dropped, 1u) << "a group without vertices";
 }
 
-TEST(SceneGeometry, BoundsFollowTheTrianglesAndOnlyNumbers)
+TEST(scene_geometry, boundsFollowTheTrianglesAndOnlyNumbers)
 {
     model_bounds bounds;
     EXPECT_TRUE(bounds.isEmpty());

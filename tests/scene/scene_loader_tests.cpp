@@ -70,7 +70,7 @@ std::string textureFile()
     return test_dds().bytes();
 }
 
-TEST_F(scene_loader_test, TexturesTakeTheFirstEntryOfTheirTypeAndAreShared)
+TEST_F(scene_loader_test, texturesTakeTheFirstEntryOfTheirTypeAndAreShared)
 {
     for (const char* name : {"d", "second", "n", "g"})
         m_textures.files[name] = textureFile();
@@ -94,7 +94,7 @@ TEST_F(scene_loader_test, TexturesTakeTheFirstEntryOfTheirTypeAndAreShared)
     EXPECT_TRUE(m_lines.empty());
 }
 
-TEST_F(scene_loader_test, TexturesEndAtTheFirstGroupWithoutItsMainOnes)
+TEST_F(scene_loader_test, texturesEndAtTheFirstGroupWithoutItsMainOnes)
 {
     for (const char* name : {"d1", "n1", "d3", "n3"})
         m_textures.files[name] = textureFile();
@@ -111,7 +111,7 @@ TEST_F(scene_loader_test, TexturesEndAtTheFirstGroupWithoutItsMainOnes)
     EXPECT_EQ(scene->parts[0].groups().size(), 3u) << "the groups are all there";
 }
 
-TEST_F(scene_loader_test, DamageIsNamedAndLeftOut)
+TEST_F(scene_loader_test, damageIsNamedAndLeftOut)
 {
     m_textures.files = {{"d", "DDS garbage"}, {"n", textureFile()}};
     group_data square = textured(squareGroup(1), {{0, "d"}, {1, "n"}});
@@ -129,7 +129,7 @@ TEST_F(scene_loader_test, DamageIsNamedAndLeftOut)
     EXPECT_TRUE(found[normal_slot]) << "a damaged diffuse map is found: loading goes on";
 }
 
-TEST_F(scene_loader_test, ModelsOfAFigureThatCannotBeReadAreNamed)
+TEST_F(scene_loader_test, modelsOfAFigureThatCannotBeReadAreNamed)
 {
     const std::vector<std::string> models = {"men\\left.rigid_model_v2", "men\\gone.rigid_model_v2", "men",
                                              "broken.rigid_model_v2", "Men/Right.rigid_model_v2"};
@@ -152,7 +152,7 @@ TEST_F(scene_loader_test, ModelsOfAFigureThatCannotBeReadAreNamed)
     EXPECT_FALSE(logHolds(pfn_is_null));
 }
 
-TEST_F(scene_loader_test, AnotherLevelStartsFromTheScene)
+TEST_F(scene_loader_test, anotherLevelStartsFromTheScene)
 {
     for (const char* name : {"d", "n", "n2"})
         m_textures.files[name] = textureFile();
@@ -177,7 +177,7 @@ TEST_F(scene_loader_test, AnotherLevelStartsFromTheScene)
     EXPECT_TRUE(loader().loadModel(std::make_shared<RMV2_FILE_DATA>(), "Z:/m", 3)->parts.at(0).groups().empty());
 }
 
-TEST_F(scene_loader_test, BytesOfATextureAreReadAgainWhenTheyWereLetGo)
+TEST_F(scene_loader_test, bytesOfATextureAreReadAgainWhenTheyWereLetGo)
 {
     m_textures.files = {{"d", textureFile()}, {"n", textureFile()}};
     const RMV2_FILE_DATA data = modelOf(textured(squareGroup(1), {{0, "d"}, {1, "n"}}));
@@ -195,7 +195,7 @@ TEST_F(scene_loader_test, BytesOfATextureAreReadAgainWhenTheyWereLetGo)
     EXPECT_EQ(why.kind, failure_kind::not_found);
 }
 
-TEST_F(scene_loader_test, StoppedWorkGivesNothing)
+TEST_F(scene_loader_test, stoppedWorkGivesNothing)
 {
     m_stop.request_stop();
     EXPECT_EQ(loader(game()).loadFigure({"men\\left.rigid_model_v2"}, "pack:guard"), nullptr);

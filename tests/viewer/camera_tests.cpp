@@ -48,7 +48,7 @@ camera facing(float yaw)
     return eye;
 }
 
-TEST(Camera, AFramedModelIsSeenWholeFromAllSides)
+TEST(camera, aFramedModelIsSeenWholeFromAllSides)
 {
     const model_bounds models[] = {box({-0.4f, 0, -0.3f}, {0.4f, 1.9f, 0.3f}), box({-30, -2, -5}, {30, 14, 5}),
                                    box({0.1f, 0.1f, 0.1f}, {0.11f, 0.1f, 0.4f})};
@@ -77,7 +77,7 @@ TEST(Camera, AFramedModelIsSeenWholeFromAllSides)
         }
 }
 
-TEST(Camera, DirectionsOnTheScreen)
+TEST(camera, directionsOnTheScreen)
 {
     camera eye = facing(0);
     eye.frame(box({-1, -1, -1}, {1, 1, 1}), 1.0f);
@@ -90,7 +90,7 @@ TEST(Camera, DirectionsOnTheScreen)
     EXPECT_GT(onScreen(turned, 1, {0, 0, -1}).z, onScreen(turned, 1, {0, 0, 1}).z);
 }
 
-TEST(Camera, TheVerticalFieldOfViewHoldsForEveryAspect)
+TEST(camera, theVerticalFieldOfViewHoldsForEveryAspect)
 {
     for (const float aspect : {0.5f, 1.0f, 2.5f})
     {
@@ -102,7 +102,7 @@ TEST(Camera, TheVerticalFieldOfViewHoldsForEveryAspect)
     }
 }
 
-TEST(Camera, LimitsOfTiltAndDistance)
+TEST(camera, limitsOfTiltAndDistance)
 {
     camera eye;
     eye.turn(0, 100);

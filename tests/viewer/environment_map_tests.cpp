@@ -13,7 +13,7 @@ namespace korvane
 namespace
 {
 
-TEST(EnvironmentMap, LevelsHalveDownToOneTexelAndStayInRange)
+TEST(environment_map, levelsHalveDownToOneTexelAndStayInRange)
 {
     const std::vector<cube_level> levels = specularEnvironment();
     ASSERT_EQ(levels.size(), 7u);
@@ -32,7 +32,7 @@ TEST(EnvironmentMap, LevelsHalveDownToOneTexelAndStayInRange)
 }
 
 // The average over all directions is the light in the room: blurring must move it, not make it.
-TEST(EnvironmentMap, BlurringKeepsTheLight)
+TEST(environment_map, blurringKeepsTheLight)
 {
     const auto average = [](float roughness) {
         double sum = 0;
@@ -56,7 +56,7 @@ TEST(EnvironmentMap, BlurringKeepsTheLight)
         EXPECT_NEAR(average(roughness) / sharp, 1.0, 0.12) << roughness;
 }
 
-TEST(EnvironmentMap, FacesLookWhereDirect3DPutsThem)
+TEST(environment_map, facesLookWhereDirect3DPutsThem)
 {
     const glm::vec3 middles[] = {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, -1}};
     for (std::uint32_t face = 0; face < 6; ++face)

@@ -79,7 +79,7 @@ void makeVisible(frame_pacer& pacer)
     pacer.postVisible(true);
 }
 
-TEST(FrameHandOver, ScenesArriveWholeAndTheLastOneStays)
+TEST(frame_hand_over, scenesArriveWholeAndTheLastOneStays)
 {
     test_renderer renderer;
     makeVisible(renderer.pacer);
@@ -94,7 +94,7 @@ TEST(FrameHandOver, ScenesArriveWholeAndTheLastOneStays)
     EXPECT_EQ(renderer.torn, 0);
 }
 
-TEST(FrameHandOver, TheGateKeepsOneSideOut)
+TEST(frame_hand_over, theGateKeepsOneSideOut)
 {
     render_gate gate;
     ASSERT_TRUE(gate.enter());
@@ -113,7 +113,7 @@ TEST(FrameHandOver, TheGateKeepsOneSideOut)
     EXPECT_TRUE(gate.enter());
 }
 
-TEST(FrameHandOver, DrawsOnlyWhenSomethingHasChangedAndCanBeSeen)
+TEST(frame_hand_over, drawsOnlyWhenSomethingHasChangedAndCanBeSeen)
 {
     test_renderer renderer;
     renderer.pacer.postSize(640, 480);
@@ -140,7 +140,7 @@ TEST(FrameHandOver, DrawsOnlyWhenSomethingHasChangedAndCanBeSeen)
     EXPECT_TRUE(eventually([&] { return renderer.shown == 7; }));
 }
 
-TEST(FrameHandOver, WherePresentingDoesNotWaitFramesKeepToTheScreen)
+TEST(frame_hand_over, wherePresentingDoesNotWaitFramesKeepToTheScreen)
 {
     test_renderer renderer;
     renderer.pacer.postRefreshRate(75);
@@ -156,7 +156,7 @@ TEST(FrameHandOver, WherePresentingDoesNotWaitFramesKeepToTheScreen)
     EXPECT_GE(renderer.frames, 3);
 }
 
-TEST(FrameHandOver, WhatMovesIsDrawnOnItsOwnUpToTheLimitOfTheDrawMode)
+TEST(frame_hand_over, whatMovesIsDrawnOnItsOwnUpToTheLimitOfTheDrawMode)
 {
     test_renderer renderer;
     makeVisible(renderer.pacer);
@@ -179,7 +179,7 @@ TEST(FrameHandOver, WhatMovesIsDrawnOnItsOwnUpToTheLimitOfTheDrawMode)
     EXPECT_EQ(renderer.frames, frames);
 }
 
-TEST(FrameHandOver, StoppingIsAnsweredAtOnceAlsoWhilePausing)
+TEST(frame_hand_over, stoppingIsAnsweredAtOnceAlsoWhilePausing)
 {
     frame_pacer pacer;
     makeVisible(pacer);

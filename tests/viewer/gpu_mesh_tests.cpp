@@ -31,7 +31,7 @@ vertex_record recordAt(float x, float y, float z, const glm::vec3& normal = glm:
     return record;
 }
 
-TEST(GpuMesh, EveryFieldOfAVertexGoesToItsPlace)
+TEST(gpu_mesh, everyFieldOfAVertexGoesToItsPlace)
 {
     vertex_record record{};
     record.position = {1, 2, 3};
@@ -57,7 +57,7 @@ TEST(GpuMesh, EveryFieldOfAVertexGoesToItsPlace)
     EXPECT_EQ(attached.vertices[0].weights, (gpu_float4{1, 0, 0, 0}));
 }
 
-TEST(GpuMesh, OnlyNumbersAndExistingVerticesReachTheDevice)
+TEST(gpu_mesh, onlyNumbersAndExistingVerticesReachTheDevice)
 {
     const gpu_mesh mesh = buildGpuMesh(storeOf(
         {recordAt(nan_value, std::numeric_limits<float>::infinity(), 1e30f), recordAt(1, 1, 1), recordAt(2, 2, 2)},
@@ -66,7 +66,7 @@ TEST(GpuMesh, OnlyNumbersAndExistingVerticesReachTheDevice)
     EXPECT_EQ(mesh.indices, (std::vector<std::uint16_t>{0, 1, 2}));
 }
 
-TEST(GpuMesh, WindingIsJudgedByTheNormals)
+TEST(gpu_mesh, windingIsJudgedByTheNormals)
 {
     // Seen from -z, where the normals point, 0 -> up -> right is clockwise.
     const std::vector<vertex_record> three = {recordAt(0, 0, 0), recordAt(0, 1, 0), recordAt(1, 0, 0)};

@@ -16,7 +16,7 @@ std::string contentOf(const fs::path& file)
     return std::string(std::istreambuf_iterator<char>(stream), {});
 }
 
-TEST(ShaderSources, TheCompiledShadersAreUpToDate)
+TEST(shader_sources, theCompiledShadersAreUpToDate)
 {
     const fs::path folder = KORVANE_SHADER_FOLDER;
     std::string recorded = contentOf(folder / "compiled" / "sources.hash");
@@ -34,7 +34,7 @@ TEST(ShaderSources, TheCompiledShadersAreUpToDate)
     }
 }
 
-TEST(ShaderSources, TheHashSeesEveryEditButNoLineEnds)
+TEST(shader_sources, theHashSeesEveryEditButNoLineEnds)
 {
     const fs::path folder = fs::temp_directory_path() / "korvane_shader_hash_test";
     fs::create_directories(folder);

@@ -10,7 +10,7 @@ namespace korvane
 namespace
 {
 
-TEST(ViewState, KeysChangeTheirValueByTheDocumentedAmount)
+TEST(view_state, keysChangeTheirValueByTheDocumentedAmount)
 {
     const struct
     {
@@ -53,7 +53,7 @@ TEST(ViewState, KeysChangeTheirValueByTheDocumentedAmount)
     }
 }
 
-TEST(ViewState, DrawModeSetsTheFrameLimit)
+TEST(view_state, drawModeSetsTheFrameLimit)
 {
     view_state view;
     EXPECT_TRUE(view.onKey('C'));
@@ -64,7 +64,7 @@ TEST(ViewState, DrawModeSetsTheFrameLimit)
     EXPECT_EQ(view.frame_limit, 0xFFFF000u);
 }
 
-TEST(ViewState, ResetRestoresLightAndOffsetButNeitherAngleNorDistance)
+TEST(view_state, resetRestoresLightAndOffsetButNeitherAngleNorDistance)
 {
     view_state view;
     for (const unsigned key : {33u, 36u, 38u, 39u, unsigned{'A'}, unsigned{'Q'}})
@@ -83,7 +83,7 @@ TEST(ViewState, ResetRestoresLightAndOffsetButNeitherAngleNorDistance)
     EXPECT_EQ(view.eye.distance, distance);
 }
 
-TEST(ViewState, KeysOutsideTheRangeDoNothing)
+TEST(view_state, keysOutsideTheRangeDoNothing)
 {
     for (const unsigned key : {0u, 9u, 26u, 105u, 112u, 255u})
     {
@@ -92,7 +92,7 @@ TEST(ViewState, KeysOutsideTheRangeDoNothing)
     }
 }
 
-TEST(ViewState, PointLightsReachTheShaderOnlyWhenTheyAreOn)
+TEST(view_state, pointLightsReachTheShaderOnlyWhenTheyAreOn)
 {
     view_state view;
     view.lights[1].point.position = glm::vec3(9);

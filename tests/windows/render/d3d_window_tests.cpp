@@ -49,7 +49,7 @@ scene_pointer sphere(float radius, const std::string& path = "Z:/nowhere/a")
         std::make_shared<RMV2_FILE_DATA>(test::modelOf(test::sphereGroup({0, 0, 0}, radius, 24))), path);
 }
 
-class D3dWindow : public ::testing::Test
+class d3d_window_test : public ::testing::Test
 {
 protected:
     void SetUp() override
@@ -90,7 +90,7 @@ protected:
     std::unique_ptr<d3d_window> m_window;
 };
 
-TEST_F(D3dWindow, InitialisationLogsItsSteps)
+TEST_F(d3d_window_test, initialisationLogsItsSteps)
 {
     const std::vector<std::string> expected = {"D3dWindow:GFXinit: Create VienAndPerspective Matrices",
                                                "D3dWindow:GFXinit: Create VienAndPerspective Matrices: SUCCESS",
@@ -130,7 +130,7 @@ TEST_F(D3dWindow, InitialisationLogsItsSteps)
     EXPECT_EQ(client.bottom, 720);
 }
 
-TEST_F(D3dWindow, DrawsOnceForEachChangeAndThenRests)
+TEST_F(d3d_window_test, drawsOnceForEachChangeAndThenRests)
 {
     EXPECT_FALSE(pumpUntil([this] { return m_window->framesDrawn() > 0; }, 200ms)) << "still hidden";
     showSmall();
@@ -153,7 +153,7 @@ TEST_F(D3dWindow, DrawsOnceForEachChangeAndThenRests)
     EXPECT_EQ(m_window->framesDrawn(), frames);
 }
 
-TEST_F(D3dWindow, ResizingAndMinimising)
+TEST_F(d3d_window_test, resizingAndMinimising)
 {
     showSmall();
     const HWND handle = m_window->handle();
@@ -171,7 +171,7 @@ TEST_F(D3dWindow, ResizingAndMinimising)
     EXPECT_TRUE(drawsAfter([&] { m_window->show(); }));
 }
 
-TEST_F(D3dWindow, ScenesAreReplacedWhileItDrawsAndWhileItIsHidden)
+TEST_F(d3d_window_test, scenesAreReplacedWhileItDrawsAndWhileItIsHidden)
 {
     m_window->setScene(sphere(2, "Z:/nowhere/b"));
     showSmall();
@@ -185,7 +185,7 @@ TEST_F(D3dWindow, ScenesAreReplacedWhileItDrawsAndWhileItIsHidden)
     EXPECT_TRUE(drawsAfter([this] { m_window->redraw(); }));
 }
 
-TEST_F(D3dWindow, KeysHeldWithControlOrAltAreNotForTheView)
+TEST_F(d3d_window_test, keysHeldWithControlOrAltAreNotForTheView)
 {
     showSmall();
     for (const int modifier : {VK_CONTROL, VK_MENU})
@@ -202,7 +202,7 @@ TEST_F(D3dWindow, KeysHeldWithControlOrAltAreNotForTheView)
     EXPECT_TRUE(m_window->view().shows_plain);
 }
 
-TEST_F(D3dWindow, ALostDeviceIsMadeAgain)
+TEST_F(d3d_window_test, aLostDeviceIsMadeAgain)
 {
     const struct
     {
@@ -246,7 +246,7 @@ TEST_F(D3dWindow, ALostDeviceIsMadeAgain)
     EXPECT_TRUE(drawsAfter([] {})) << "the new device shows new scenes";
 }
 
-TEST_F(D3dWindow, WithoutAnyDeviceItSaysSoAndWaitsForEnter)
+TEST_F(d3d_window_test, withoutAnyDeviceItSaysSoAndWaitsForEnter)
 {
     showSmall();
     m_window->faults().lose(device_step::present, 1);
@@ -271,7 +271,7 @@ TEST_F(D3dWindow, WithoutAnyDeviceItSaysSoAndWaitsForEnter)
     EXPECT_TRUE(pumpUntil([this] { return !m_window->isWaitingForDevice(); }));
 }
 
-TEST_F(D3dWindow, ClosingHidesItAndDestructionIsQuick)
+TEST_F(d3d_window_test, closingHidesItAndDestructionIsQuick)
 {
     showSmall();
     SendMessageW(m_window->handle(), WM_CLOSE, 0, 0);

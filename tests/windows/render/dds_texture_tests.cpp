@@ -12,7 +12,7 @@ namespace
 
 using test::test_dds;
 
-TEST(DdsTexture, EveryFormatBecomesAViewOfItsFormatAndShape)
+TEST(dds_texture, everyFormatBecomesAViewOfItsFormatAndShape)
 {
     lib3d library;
     failure why;
@@ -50,7 +50,7 @@ TEST(DdsTexture, EveryFormatBecomesAViewOfItsFormatAndShape)
     }
 }
 
-TEST(DdsTexture, BlocksThatDoNotFillTheirSizeAreRefused)
+TEST(dds_texture, blocksThatDoNotFillTheirSizeAreRefused)
 {
     lib3d library;
     failure why;

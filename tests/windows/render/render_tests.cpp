@@ -150,7 +150,7 @@ private:
     std::vector<bool> m_covered;
 };
 
-TEST(Render, TheSilhouetteIsThatOfTheMesh)
+TEST(render, theSilhouetteIsThatOfTheMesh)
 {
     RMV2_FILE_DATA model = modelOf(sphereGroup({0, 1, 0}, 0.5f, 16), sphereGroup({0.6f, 0.2f, 0.3f}, 0.2f, 12));
     test_options options = straightOn();
@@ -177,7 +177,7 @@ TEST(Render, TheSilhouetteIsThatOfTheMesh)
     EXPECT_EQ(different, 0u) << "of " << covered;
 }
 
-TEST(Render, AModelWithoutTexturesIsLitClay)
+TEST(render, aModelWithoutTexturesIsLitClay)
 {
     const render_result result = drawn(modelOf(sphereGroup({0, 0, 0}, 1, 32)), straightOn());
     const pixel lit = pixelAt(result, 0.44, 0.35);
@@ -188,7 +188,7 @@ TEST(Render, AModelWithoutTexturesIsLitClay)
     EXPECT_LT(std::max({lit.red, lit.green, lit.blue}) - std::min({lit.red, lit.green, lit.blue}), 25) << "grey";
 }
 
-TEST(Render, BackFacesAreNotDrawnUnlessTheGroupIsAlphaTested)
+TEST(render, backFacesAreNotDrawnUnlessTheGroupIsAlphaTested)
 {
     for (const bool has_alpha : {false, true})
     {
@@ -203,7 +203,7 @@ TEST(Render, BackFacesAreNotDrawnUnlessTheGroupIsAlphaTested)
     }
 }
 
-TEST(Render, TexturesAreTheRightWayUp)
+TEST(render, texturesAreTheRightWayUp)
 {
     texture_map textures;
     textures.files = {{"d", colourDds(0xff0000ff, 0x00ff00ff, 0x0000ffff)}, {"n", colourDds(0x8080ffff)}};
@@ -220,7 +220,7 @@ TEST(Render, TexturesAreTheRightWayUp)
 }
 
 // The normal as drawn into the second target: 127.5 + 127.5 * component, x to the right in world space.
-TEST(Render, BothKindsOfNormalMapsTiltTheSurfaceTheSameWay)
+TEST(render, bothKindsOfNormalMapsTiltTheSurfaceTheSameWay)
 {
     const struct
     {
@@ -243,7 +243,7 @@ TEST(Render, BothKindsOfNormalMapsTiltTheSurfaceTheSameWay)
     EXPECT_NEAR(seen[0].green, 128, 1);
 }
 
-TEST(Render, NormalsAreShownValueForValue)
+TEST(render, normalsAreShownValueForValue)
 {
     test_options options = straightOn();
     options.view.shows_normals = true;
@@ -261,7 +261,7 @@ TEST(Render, NormalsAreShownValueForValue)
     EXPECT_EQ(mixed, 0u) << "edges are not softened";
 }
 
-TEST(Render, NormalMapsChangeTheLight)
+TEST(render, normalMapsChangeTheLight)
 {
     const auto brightness = [](std::uint32_t normal) {
         texture_map textures;
@@ -276,7 +276,7 @@ TEST(Render, NormalMapsChangeTheLight)
     EXPECT_LT(brightness(0xe080ddff), flat - 30) << "away from it";
 }
 
-TEST(Render, AlphaTestCutsHolesOnlyInAlphaMode)
+TEST(render, alphaTestCutsHolesOnlyInAlphaMode)
 {
     texture_map textures;
     textures.files = {{"d", colourDds(0xffffff00)}, {"n", colourDds(0x8080ffff)}};
@@ -293,7 +293,7 @@ TEST(Render, AlphaTestCutsHolesOnlyInAlphaMode)
     }
 }
 
-TEST(Render, ColourSpacesOfTheDiffuseAreTreatedAlike)
+TEST(render, colourSpacesOfTheDiffuseAreTreatedAlike)
 {
     const auto plain = [](std::uint32_t format) {
         test_dds file = test_dds::dx10(format, 64);
@@ -309,7 +309,7 @@ TEST(Render, ColourSpacesOfTheDiffuseAreTreatedAlike)
     EXPECT_NEAR(plain(29), 0x90, 1);
 }
 
-TEST(Render, ThePlainViewKeepsDarkColoursApart)
+TEST(render, thePlainViewKeepsDarkColoursApart)
 {
     for (const int value : {2, 5, 9, 14, 40})
     {
@@ -325,7 +325,7 @@ TEST(Render, ThePlainViewKeepsDarkColoursApart)
     }
 }
 
-TEST(Render, SkinnedGroupsStandInTheirBindPose)
+TEST(render, skinnedGroupsStandInTheirBindPose)
 {
     group_data square = squareGroup(1);
     square.header.vertex_format = 4;
@@ -346,7 +346,7 @@ TEST(Render, SkinnedGroupsStandInTheirBindPose)
     EXPECT_EQ(drawn(model, straightOn()).rgba, still.rgba);
 }
 
-TEST(Render, SizesOutOfRangeAreRefused)
+TEST(render, sizesOutOfRangeAreRefused)
 {
     const RMV2_FILE_DATA model = modelOf(squareGroup(1));
     for (const std::uint32_t size : {0u, largest_picture + 1})
@@ -360,7 +360,7 @@ TEST(Render, SizesOutOfRangeAreRefused)
     }
 }
 
-TEST(Render, APictureSurvivesTheLossOfItsDeviceOnceAndReadsItsTexturesAgain)
+TEST(render, aPictureSurvivesTheLossOfItsDeviceOnceAndReadsItsTexturesAgain)
 {
     texture_map textures;
     textures.files = {{"d", colourDds(0x20c040ff)}, {"n", colourDds(0x8080ffff)}};
@@ -383,7 +383,7 @@ TEST(Render, APictureSurvivesTheLossOfItsDeviceOnceAndReadsItsTexturesAgain)
 }
 
 // Whichever object it is at which the device goes: the making ends there, with nothing worse than that.
-TEST(Render, EveryCreationMayBeTheOneThatIsLost)
+TEST(render, everyCreationMayBeTheOneThatIsLost)
 {
     device_faults faults;
     lib3d library(&faults);

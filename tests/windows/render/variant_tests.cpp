@@ -111,7 +111,7 @@ protected:
     render_result m_result;
 };
 
-TEST_F(render_variant_test, AllPartsAreDrawnWithTheTexturesOfTheArchiveThatWins)
+TEST_F(render_variant_test, allPartsAreDrawnWithTheTexturesOfTheArchiveThatWins)
 {
     makeSquare();
     render_options options;
@@ -132,7 +132,7 @@ TEST_F(render_variant_test, AllPartsAreDrawnWithTheTexturesOfTheArchiveThatWins)
     EXPECT_TRUE(m_lines.empty()) << m_lines.front();
 }
 
-TEST_F(render_variant_test, TheWindowShowsEitherAModelOrAFigureAndFramesIt)
+TEST_F(render_variant_test, theWindowShowsEitherAModelOrAFigureAndFramesIt)
 {
     makeSquare();
     failure why;
