@@ -245,7 +245,6 @@ void d3d_window::onSize(int width, int height, size_change change)
         m_po_worker->pacer().postSize(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height));
         if (m_is_framed)
             frameScene();
-        m_notice.fit();
     }
     m_po_worker->pacer().postVisible(!is_minimised && isVisible());
 }
@@ -263,14 +262,16 @@ LRESULT d3d_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
         faults().lose(static_cast<device_step>(wparam), static_cast<int>(lparam));
         redraw();
     }
-    return window::handleMessage(message, wparam, lparam);
+    const LRESULT result = window::handleMessage(message, wparam, lparam);
+    if (message == WM_WINDOWPOSCHANGED)
+        m_notice.fit();
+    return result;
 }
 
 // The base has moved the window to the rectangle that the system suggests; sizes of the picture are pixels.
 void d3d_window::onDpiChanged(unsigned)
 {
     postRefreshRate();
-    m_notice.fit();
 }
 
 bool d3d_window::onPaint()

@@ -18,36 +18,53 @@ constexpr int font_height = 18; // at 96 dots per inch
 
 } // namespace
 
-bool view_notice::cover(HWND parent, std::string text)
+bool view_notice::cover(HWND owner, std::string text)
 {
     m_text = std::move(text);
-    if (isOpen())
-    {
-        invalidate();
-        return true;
-    }
-    RECT area{};
-    GetClientRect(parent, &area);
     window_settings settings;
     settings.title = m_text; // read by screen readers and tests
-    settings.style = WS_CHILD | WS_VISIBLE;
-    settings.x = settings.y = 0;
-    settings.width = area.right;
-    settings.height = area.bottom;
-    settings.parent = parent;
+    settings.style = WS_POPUP;
+    settings.extended_style = WS_EX_NOACTIVATE;
+    settings.x = settings.y = settings.width = settings.height = 0;
+    settings.parent = owner;
     settings.is_opaque = true;
     failure why; // it would only repeat that there is no window
-    return create(settings, why);
+    if (!isOpen() && !create(settings, why))
+        return false;
+    fit();
+    return true;
 }
 
 void view_notice::fit()
 {
     if (!isOpen())
         return;
+    const HWND owner = GetWindow(handle(), GW_OWNER);
+    if (!IsWindowVisible(owner) || IsIconic(owner))
+    {
+        show(SW_HIDE);
+        return;
+    }
     RECT area{};
-    GetClientRect(GetParent(handle()), &area);
-    SetWindowPos(handle(), HWND_TOP, 0, 0, area.right, area.bottom, SWP_NOACTIVATE);
+    GetClientRect(owner, &area);
+    POINT corner{};
+    ClientToScreen(owner, &corner);
+    SetWindowPos(handle(), HWND_TOP, corner.x, corner.y, area.right, area.bottom, SWP_NOACTIVATE | SWP_SHOWWINDOW);
     invalidate();
+}
+
+bool view_notice::onKeyDown(unsigned virtual_key, bool)
+{
+    PostMessageW(GetWindow(handle(), GW_OWNER), WM_KEYDOWN, virtual_key, 0);
+    return true;
+}
+
+bool view_notice::onMouseButton(const mouse_event&)
+{
+    const HWND owner = GetWindow(handle(), GW_OWNER);
+    SetForegroundWindow(owner);
+    SetFocus(owner);
+    return true;
 }
 
 bool view_notice::onPaint()

@@ -1,8 +1,8 @@
 #pragma once
 
 // A text over the whole client area of another window, drawn with GDI: what the model view shows when there is no
-// graphics device. A child window of its own, for a window that a swap chain has flipped into shows nothing of GDI any
-// more. Keys stay with the parent. Window thread.
+// graphics device. A popup that the other window owns, for a window that a swap chain has flipped into shows nothing of
+// GDI any more (and under Wine nothing of its children). Keys stay with the owner. Window thread.
 
 #include "EASY_GUI/win32/window.h"
 
@@ -16,12 +16,14 @@ class view_notice : public window
 public:
     ~view_notice() override { destroy(); }
 
-    // Covers the parent's client area with a text of one or more lines ("\r\n"). False without a window.
-    bool cover(HWND parent, std::string text);
-    void fit(); // after the parent has changed its size
+    // Covers the owner's client area with a text of one or more lines ("\r\n"). False without a window.
+    bool cover(HWND owner, std::string text);
+    void fit(); // after the owner was moved, sized, shown or hidden
 
 protected:
     bool onPaint() override;
+    bool onKeyDown(unsigned virtual_key, bool is_repeat) override;
+    bool onMouseButton(const mouse_event& event) override;
 
 private:
     std::string m_text;

@@ -253,10 +253,13 @@ TEST_F(d3d_window_test, withoutAnyDeviceItSaysSoAndWaitsForEnter)
     m_window->faults().lose(device_step::device, 100);
     m_window->redraw();
     ASSERT_TRUE(pumpUntil([this] { return m_window->isWaitingForDevice(); }));
-    const HWND notice = GetWindow(m_window->handle(), GW_CHILD);
-    wchar_t text[300] = {};
-    GetWindowTextW(notice, text, 300);
-    EXPECT_NE(std::wstring(text).find(L"Press Enter to try again."), std::wstring::npos);
+    const HWND notice = FindWindowW(nullptr, L"The graphics device was lost, and none could be made again: neither the "
+                                             L"hardware nor the software device.\r\nWhat you have open is not "
+                                             L"touched.\r\n\r\nPress Enter to try again.");
+    EXPECT_TRUE(IsWindowVisible(notice));
+    RECT covered{};
+    GetWindowRect(notice, &covered);
+    EXPECT_EQ(covered.right - covered.left, m_window->clientRectangle().right);
     EXPECT_EQ(m_lines.back(), "d3d_window: no graphics device could be made again; the view waits for a key");
 
     const std::uint64_t frames = m_window->framesDrawn();
