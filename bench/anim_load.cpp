@@ -4,7 +4,6 @@
 
 #include "Korvane/animation/anim_file.h"
 #include "tests/support/anim_builder.h"
-#include "tests/support/recording_prompt.h"
 
 #include <benchmark/benchmark.h>
 
@@ -81,13 +80,12 @@ void loadAndCopy(benchmark::State& state)
     writeTake();
     const std::string source(decoded_size, 'x');
     const auto warm = std::make_unique<char[]>(decoded_size);
-    test::recording_prompt prompt;
     for (auto _ : state)
     {
         copyOnce(source, warm.get());
         malloc_trim(0);
         const auto begin = clock_type::now();
-        anim_file file(prompt);
+        anim_file file;
         failure why;
         if (!file.loadAnimation(path, why))
             return state.SkipWithError(describe(why).c_str());

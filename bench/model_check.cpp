@@ -2,10 +2,8 @@
 // them: at least 200 models a second. The last line is that number.
 
 #include "EASY_GUI/services/file_system.h"
-#include "EASY_GUI/services/silent_prompt.h"
-#include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/pack_reader.h"
-#include "Korvane/document/check_run.h"
+#include "Korvane/jobs/check_run.h"
 #include "tools/demo_data/demo_data.h"
 
 #include <algorithm>
@@ -52,9 +50,9 @@ public:
             std::filesystem::copy_file(source, copy);
             m_copies.push_back(toUtf8(copy));
         }
-        silent_prompt prompt;
-        pack_reader reader({prompt, {}, {}, nullptr});
+        pack_reader reader;
         require(reader.loadAllArchives({toUtf8(m_folder) + "/"}));
+        m_game = game_data(reader.tree());
     }
     ~check_corpus()
     {
@@ -63,10 +61,12 @@ public:
     }
 
     const std::vector<std::string>& models() const { return m_copies; }
+    const game_data& game() const { return m_game; }
 
 private:
     std::filesystem::path m_folder;
     std::vector<std::string> m_copies;
+    game_data m_game;
 };
 
 } // namespace
@@ -79,7 +79,7 @@ int main()
     for (int round = 0; round < 3; ++round)
     {
         const auto begin = clock_type::now();
-        check_run run(pack_file::sm_poPathTree);
+        check_run run(corpus.game());
         for (const std::string& model : corpus.models())
             run.add(model);
         std::vector<finding> found;

@@ -5,8 +5,8 @@
 // 50 ms, the first rows within a frame).
 
 #include "EASY_GUI/services/positioned_file.h"
-#include "Korvane/archives/entry_start.h"
 #include "Korvane/archives/pack_cache.h"
+#include "Korvane/archives/pack_entry.h"
 #include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/path_search.h"
 #include "bench/pack_corpus.h"

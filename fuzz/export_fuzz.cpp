@@ -2,7 +2,6 @@
 // must read back with every bone and mesh, and hold no number that is none. The first four bytes are the lengths of
 // skeleton and animation; the model is what is left. Without a skeleton the animation's bones are the skeleton.
 
-#include "EASY_GUI/services/silent_prompt.h"
 #include "Korvane/animation/anim_file.h"
 #include "Korvane/fbx/export/dae_export.h"
 #include "Korvane/fbx/export/export_scene.h"
@@ -105,9 +104,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto skeleton_bytes = takePart(data[0] + 256u * data[1]),
                animation_bytes = takePart(data[2] + 256u * data[3]);
 
-    silent_prompt prompt;
-    anim_file skeleton(prompt);
-    const auto animation = std::make_shared<anim_file>(prompt);
+    anim_file skeleton;
+    const auto animation = std::make_shared<anim_file>();
     rmv2_file model;
     failure why;
     skeleton.openFromMemory(memory_file(skeleton_bytes.empty() ? animation_bytes : skeleton_bytes), "skeleton");

@@ -140,11 +140,11 @@ void checkConversion(const fbx_scene& scene, std::span<const std::byte> bytes)
     request.fbx = bytes;
     request.template_data = &template_data;
     request.frame_count = 3;
-    anim_conversion_ports ports;
-    ports.log = [](const std::string& line) { require(!line.empty()); };
+    work_port work;
+    work.log = [](const std::string& line) { require(!line.empty()); };
     anim_conversion_result result;
     failure why;
-    if (!convertToAnim(request, ports, result, why))
+    if (!convertToAnim(request, work, result, why))
         return require(static_cast<bool>(why));
     for (const anim_output::frame& frame : result.anim.frames)
         for (const auto& [bone, value] : frame.rotations)

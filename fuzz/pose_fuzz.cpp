@@ -21,19 +21,6 @@ void require(bool condition)
         std::abort();
 }
 
-class silent_prompt : public user_prompt
-{
-public:
-    void show(const std::string&, const std::string&, prompt_icon) override {}
-    bool confirm(const std::string&, const std::string&) override { return false; }
-    std::optional<std::string> pickOpenPath(const std::string&, const std::vector<file_filter>&) override { return {}; }
-    std::optional<std::string> pickSavePath(const std::string&, const std::vector<file_filter>&,
-                                            const std::string&) override
-    {
-        return {};
-    }
-};
-
 void checkTree(const skeleton_tree& tree, bool fits)
 {
     std::size_t children = 0, tops = 0, floating = 0;
@@ -103,9 +90,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     const auto bytes = std::as_bytes(std::span(data, size)).subspan(2);
     const std::size_t split = std::min<std::size_t>(data[0] + 256u * data[1], bytes.size());
-    silent_prompt prompt;
-    anim_file skeleton(prompt);
-    const auto file = std::make_shared<anim_file>(prompt);
+    anim_file skeleton;
+    const auto file = std::make_shared<anim_file>();
     failure why;
     skeleton.openFromMemory(memory_file(bytes.first(split)), "skeleton");
     file->openFromMemory(memory_file(bytes.subspan(split)), "animation");

@@ -3,6 +3,7 @@
 
 #include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/variant_mesh_def.h"
+#include "Korvane/game/game_data.h"
 #include "tests/support/pack_builder.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/variant_checks.h"
@@ -56,11 +57,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         pack.entries.push_back({std::to_string(pack.entries.size() + 1), std::string(all.substr(at, next - at)), 0});
         at = next;
     }
-    pack_file::sm_poPathTree = treeOf(pack);
+    const game_data game(treeOf(pack));
 
     variant_mesh_def definition;
     failure why;
-    if (!definition.openFromMemory(std::as_bytes(std::span(data, end)), "input", why))
+    if (!definition.openFromMemory(std::as_bytes(std::span(data, end)), "input", why, game.definitionReader()))
     {
         if (!why || why.offset > end)
             std::abort();

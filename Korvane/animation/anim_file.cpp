@@ -37,6 +37,7 @@ bool anim_file::load(const std::string& path, anim_depth depth, failure& why)
 {
     m_path.clear();
     m_data = {};
+    m_notice.reset();
     positioned_file file;
     failure found;
     const bool is_there = path.empty() || file.open(path, found);
@@ -48,9 +49,9 @@ bool anim_file::load(const std::string& path, anim_depth depth, failure& why)
     found.path = path.empty() ? m_memory_name : path;
     reset();
     if (!is_there)
-        m_prompt.show("Fatal Error!", "File: " + path + " is missing", prompt_icon::error);
+        m_notice = notice{"Fatal Error!", "File: " + path + " is missing"};
     else if (!isUnknownVersion(found))
-        m_prompt.show("Fatal Error!", "File: " + describe(found), prompt_icon::error);
+        m_notice = notice{"Fatal Error!", "File: " + describe(found)};
     if (!why)
         why = std::move(found);
     return false;

@@ -10,8 +10,8 @@
 
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/memory_file.h"
+#include "EASY_GUI/services/notice.h"
 #include "EASY_GUI/services/positioned_file.h"
-#include "EASY_GUI/services/user_prompt.h"
 #include "Korvane/animation/frame_vector.h"
 
 #include <glm/glm.hpp>
@@ -19,6 +19,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -108,22 +109,22 @@ public:
     // Frames without any track take no bytes, so that their number says nothing about the file.
     static constexpr std::uint32_t max_trackless_frames = 65536;
 
-    // Boxes that a person must see ("Fatal Error!") go to the prompt, which outlives the file.
-    explicit anim_file(user_prompt& prompt) : m_prompt(prompt) {}
-
     // For loads with an empty path: the bytes of an archive's entry, and its name for messages. They serve any number
     // of loads, until one of them fails, or reset().
     void openFromMemory(memory_file bytes, std::string name);
 
     // Each reads the file at a UTF-8 path, or with an empty path what openFromMemory() took. False, with the reason and
-    // nothing kept, when the file is missing or does not fit its own numbers (docs/formats/anim.md, "Limits"): that the
-    // prompt is told as well, and so it is when memory does not suffice. False without a word to the prompt when it is
-    // not one of version 5 or 7. A skeleton of version 7 must not have static values.
+    // nothing kept, when the file is missing or does not fit its own numbers (docs/formats/anim.md, "Limits"): that a
+    // person is to be told as well (lastNotice()), and so they are when memory does not suffice. False without a notice
+    // when it is not one of version 5 or 7. A skeleton of version 7 must not have static values.
     [[nodiscard]] bool loadSkeleton(const std::string& path, failure& why);
     [[nodiscard]] bool loadAnimation(const std::string& path, failure& why);
     [[nodiscard]] bool loadTemplate(const std::string& path, failure& why);
     // Forgets what was loaded and what openFromMemory() took.
     void reset();
+
+    // What a person is to be told of the last load: one "Fatal Error!", or nothing.
+    const std::optional<notice>& lastNotice() const { return m_notice; }
 
     const anim_data& data() const { return m_data; }
     // What was loaded, for others to keep; then nothing is loaded.
@@ -139,7 +140,7 @@ private:
     bool load(const std::string& path, anim_depth depth, failure& why);
     bool read(const positioned_file& file, anim_depth depth, failure& why);
 
-    user_prompt& m_prompt;
+    std::optional<notice> m_notice;
     memory_file m_bytes;
     std::string m_memory_name;
     std::string m_path;

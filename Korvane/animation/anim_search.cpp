@@ -4,7 +4,7 @@
 #include "EASY_GUI/services/parallel.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/animation/anim_file.h"
-#include "Korvane/archives/entry_start.h"
+#include "Korvane/archives/pack_entry.h"
 
 #include <algorithm>
 #include <cstring>
@@ -150,10 +150,8 @@ entry_list entriesThat(const path_tree& tree, condition isWanted)
 
 entry_list findSkeletons(const path_tree& tree, std::string_view skeleton_id, const log_port& log)
 {
-    const std::string pattern = toLower("skeletons\\" + std::string(skeleton_id) + ".anim"); // as paths are spelled
     tell(log, "Searching fpr skeletons...");
-    entry_list found =
-        entriesThat(tree, [&pattern](const pack_file_node& entry) { return entry.internalPath().ends_with(pattern); });
+    entry_list found = skeletonEntries(tree, skeleton_id);
     tell(log, "Number of skeletons added to combobox: " + std::to_string(found.size()));
     return found;
 }
@@ -171,23 +169,22 @@ bool findAnimations(std::span<const pack_file_node* const> candidates, std::stri
     return block_search(candidates, skeleton_id).run(found, why);
 }
 
-std::vector<animation_choice> listAnimations(const path_tree& tree, std::string_view skeleton_id,
-                                             std::span<const std::string> converted_files, user_prompt& prompt,
-                                             const log_port& log)
+animation_list listAnimations(const path_tree& tree, std::string_view skeleton_id,
+                              std::span<const std::string> converted_files, const log_port& log)
 {
-    std::vector<animation_choice> list;
+    animation_list list;
     for (const std::string& path : converted_files)
-        list.push_back({"[DISK]: " + std::string(fileName(path)), path, nullptr});
+        list.choices.push_back({"[DISK]: " + std::string(fileName(path)), path, nullptr});
     tell(log, "seaching for compatible animations");
     entry_list found;
     failure why;
     const bool is_complete = findAnimations(animationCandidates(tree), skeleton_id, found, why);
     for (const pack_file_node* entry : found)
-        list.push_back({std::string(entry->fileName()), {}, entry});
+        list.choices.push_back({std::string(entry->fileName()), {}, entry});
     if (!is_complete)
     {
         tell(log, describe(why));
-        prompt.show("Error!", "Error reading .pack files. Are they being used by another program?", prompt_icon::error);
+        list.said = notice{"Error!", "Error reading .pack files. Are they being used by another program?"};
         return list;
     }
     tell(log, "Number of animations found " + std::to_string(found.size()));

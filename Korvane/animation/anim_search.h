@@ -8,13 +8,14 @@
 
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/log_port.h"
-#include "EASY_GUI/services/user_prompt.h"
+#include "EASY_GUI/services/notice.h"
 #include "Korvane/archives/path_tree.h"
+#include "Korvane/archives/skeleton_entries.h"
 
 #include <atomic>
 #include <cstddef>
-#include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -23,10 +24,7 @@
 namespace korvane
 {
 
-using entry_list = std::vector<const pack_file_node*>;
-
-// The entries whose internal path ends with "skeletons\ID.anim", in any case. The first one is the one to load
-// until somebody picks another.
+// skeletonEntries(), and what the log says of it.
 [[nodiscard]] entry_list findSkeletons(const path_tree& tree, std::string_view skeleton_id, const log_port& log = {});
 
 // Every entry with the extension "anim".
@@ -46,11 +44,13 @@ struct animation_choice
     const pack_file_node* entry = nullptr; // null for a converted file
 };
 
-// Fills that list: the converted files first, then what the archives have. When an archive cannot be read, the person
-// gets told ("Error!") and the list has what was found so far.
-[[nodiscard]] std::vector<animation_choice> listAnimations(const path_tree& tree, std::string_view skeleton_id,
-                                                           std::span<const std::string> converted_files,
-                                                           user_prompt& prompt, const log_port& log = {});
+struct animation_list
+{
+    std::vector<animation_choice> choices; // the converted files first, then what the archives have
+    std::optional<notice> said;            // an archive could not be read: the list has what was found so far
+};
+[[nodiscard]] animation_list listAnimations(const path_tree& tree, std::string_view skeleton_id,
+                                            std::span<const std::string> converted_files, const log_port& log = {});
 
 // The same search in steps, for a dialog that shows its progress. Takes versions 5 and 7 only, and passes over whatever
 // cannot be read. One thread at a time, but for requestStop().

@@ -260,7 +260,7 @@ bool makeAnim(const anim_output& output, std::uint32_t version, std::vector<std:
     return true;
 }
 
-bool writeAnim(const anim_output& output, std::uint32_t version, const std::string& path, user_prompt& prompt,
+bool writeAnim(const anim_output& output, std::uint32_t version, const std::string& path, std::optional<notice>& said,
                failure& why)
 {
     failure found;
@@ -268,7 +268,7 @@ bool writeAnim(const anim_output& output, std::uint32_t version, const std::stri
     if (makeAnim(output, version, bytes, found) && writeWholeFile(path, bytes, found))
         return true;
     if (found.kind != failure_kind::refused)
-        prompt.show("Save Error!", "Cannot create: " + path, prompt_icon::error);
+        said = notice{"Save Error!", "Cannot create: " + path};
     found.path = path;
     if (!why)
         why = std::move(found);

@@ -7,7 +7,7 @@
 // refused by ours: the tools that take them want them so.
 
 #include "EASY_GUI/services/failure.h"
-#include "EASY_GUI/services/user_prompt.h"
+#include "EASY_GUI/services/notice.h"
 
 #include <glm/glm.hpp>
 #include <glm/gtc/quaternion.hpp>
@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,9 +53,9 @@ struct anim_output
 [[nodiscard]] bool makeAnim(const anim_output& output, std::uint32_t version, std::vector<std::byte>& bytes,
                             failure& why);
 
-// Writes them to a UTF-8 path. False when it cannot be written, which the prompt is told ("Save
-// Error!"), or when they cannot be made, which it is not.
+// Writes them to a UTF-8 path. False when it cannot be written, of which a person is to be told ("Save Error!"), or
+// when they cannot be made, without a notice.
 [[nodiscard]] bool writeAnim(const anim_output& output, std::uint32_t version, const std::string& path,
-                             user_prompt& prompt, failure& why);
+                             std::optional<notice>& said, failure& why);
 
 } // namespace korvane

@@ -5,7 +5,6 @@
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/resources.h"
 #include "Korvane/document/command_table.h"
-#include "Korvane/document/game_archives.h"
 #include "Korvane/document/kept_edits.h"
 #include "Korvane/document/recent_files.h"
 
@@ -92,7 +91,7 @@ bool main_window::onCreated()
         m_ports.set_prompt_owner(handle());
     if (!m_ports.log_name.empty())
         m_ports.log.open(m_ports.log_name);
-    loadGameArchives({m_ports.config, m_ports.config_path, m_ports.prompt, logPort()});
+    takeGame(game_loader(m_ports.config, m_ports.config_path).load({{}, {}, logPort()}));
     showFirstRunNotice();
 
     log("assigning accelerators ");
@@ -357,11 +356,23 @@ bool main_window::openFile(const std::string& path)
     return true;
 }
 
+// Says what there is to say of the loading. Where nothing was loaded, what was there before stays.
+bool main_window::takeGame(const game_load& loaded)
+{
+    for (const notice& each : loaded.notices)
+        m_ports.prompt.show(each.title, each.text, prompt_icon::error);
+    if (loaded.game == nullptr)
+        return false;
+    publishGame(*loaded.game);
+    m_document.setGame(loaded.game);
+    return true;
+}
+
 // The archives themselves say in the log what was read.
 void main_window::rereadArchives()
 {
     const wait_cursor waiting;
-    if (!rereadGameArchives({m_ports.config, m_ports.config_path, m_ports.prompt, logPort()}))
+    if (!takeGame(game_loader(m_ports.config, m_ports.config_path).reload({{}, {}, logPort()})))
         return;
     for (const open_error& error : m_document.reopen())
         m_ports.prompt.show(error.title, error.text, prompt_icon::error);
@@ -444,7 +455,7 @@ scene_loader main_window::sceneLoader()
 {
     work_port work;
     work.log = logPort();
-    return scene_loader(publishedGame(), std::move(work));
+    return scene_loader(*m_document.game(), std::move(work));
 }
 
 void main_window::setScene(scene_pointer scene)

@@ -12,6 +12,7 @@
 #include "Korvane/app/panel_column.h"
 #include "Korvane/document/model_commands.h"
 #include "Korvane/document/open_files.h"
+#include "Korvane/game/game_loader.h"
 #include "Korvane/scene/scene_loader.h"
 
 #include <functional>
@@ -82,6 +83,7 @@ private:
     void chooseDefinition();
     void openChosen(const std::vector<file_filter>& filters);
     void openRecent(std::size_t position);
+    bool takeGame(const game_load& loaded);
     void rereadArchives();
     void logProblems();
     void showView();

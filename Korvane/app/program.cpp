@@ -10,7 +10,7 @@
 #include "Korvane/app/d3d_model_view.h"
 #include "Korvane/app/fatal_end.h"
 #include "Korvane/app/main_window.h"
-#include "Korvane/archives/game_file.h"
+#include "Korvane/game/game_path.h"
 
 #include <commctrl.h>
 #include <cstdio>
@@ -69,7 +69,7 @@ std::string fileOfCommandLine()
         return {};
     const std::wstring file = count > 1 ? arguments[1] : L"";
     LocalFree(arguments);
-    if (file.empty() || isPackPath(fromWide(file)))
+    if (file.empty() || game_path(fromWide(file)).isInternal())
         return fromWide(file);
     std::wstring full(GetFullPathNameW(file.c_str(), 0, nullptr, nullptr) + std::size_t{1}, L'\0');
     full.resize(GetFullPathNameW(file.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));

@@ -19,10 +19,6 @@ namespace korvane
 // An entry that claims to unpack to more is refused.
 inline constexpr std::uint64_t max_unpacked_size = std::uint64_t{1} << 30;
 
-// What compressed data begins with; anything else is LZMA1.
-inline constexpr std::uint32_t zstd_frame_magic = 0xfd2fb528;
-inline constexpr std::uint32_t lz4_frame_magic = 0x184d2204;
-
 // Reads an entry whole. On failure bytes stays as it is; why.path is the internal path and names the archive. An entry
 // of more bytes than limit, as it is stored or unpacked, is refused before memory is taken for it.
 [[nodiscard]] bool readEntry(const pack_file_node& entry, memory_file& bytes, failure& why,
@@ -32,5 +28,12 @@ inline constexpr std::uint32_t lz4_frame_magic = 0x184d2204;
 // for one beyond max_unpacked_size or the caller's limit.
 [[nodiscard]] bool unpackEntry(std::span<const std::byte> stored, memory_file& bytes, failure& why,
                                std::uint64_t limit = max_unpacked_size);
+
+// For those who look at many entries and need no more of each than its header: fills target with the entry's first
+// bytes, unpacked on the way, and gives how many there are: fewer than target has only where the entry ends. Reads and
+// unpacks no more of the entry than that takes. On failure why.path is the internal path and names the archive. Any
+// number of threads may do this at a time.
+[[nodiscard]] bool readEntryStart(const pack_file_node& entry, std::span<std::byte> target, std::size_t& count,
+                                  failure& why);
 
 } // namespace korvane

@@ -31,7 +31,7 @@ std::uint32_t headerSize(std::string_view magic)
 
 } // namespace
 
-std::shared_ptr<path_tree> pack_file::sm_poPathTree;
+std::shared_ptr<const path_tree> pack_file::sm_poPathTree;
 
 bool pack_file::readHeader(std::span<const std::byte> bytes, pack_header& header, failure& why)
 {

@@ -63,8 +63,9 @@ public:
     // Enters everything into the tree.
     void enter();
 
-    // The tree of all archives; null before the first load. Replaced as a whole.
-    static std::shared_ptr<path_tree> sm_poPathTree;
+    // The tree of all archives, for the whole process; null before the first load. Replaced as a whole, by
+    // publishGame() of game_loader.h.
+    static std::shared_ptr<const path_tree> sm_poPathTree;
 
 private:
     std::uint64_t largestIndex() const;

@@ -20,9 +20,10 @@ std::string describeLeftOut(const archive_listing& archive, const std::string& p
 
 bool pack_reader::loadAllArchives(const std::vector<std::string>& folders)
 {
-    pack_file::sm_poPathTree = nullptr;
     m_archives.clear();
+    m_po_tree = nullptr;
     m_listings.clear();
+    m_notices.clear();
     m_has_written_cache = false;
     if (folders.empty())
         return false;
@@ -33,12 +34,13 @@ bool pack_reader::loadAllArchives(const std::vector<std::string>& folders)
     indexed_archives indexed;
     if (!loadFromCache(indexed))
     {
-        indexArchives(indexed);
+        if (!indexArchives(indexed))
+            return false;
         writeCache(indexed);
     }
-    pack_file::sm_poPathTree = std::move(indexed.tree);
+    m_po_tree = std::move(indexed.tree);
     m_listings = std::move(indexed.archives);
-    report(m_listings);
+    report();
     return true;
 }
 
@@ -56,10 +58,8 @@ bool pack_reader::findValidPakFiles(const std::string& folder)
         }
     if (matches.empty())
     {
-        m_ports.prompt.show("Error!",
-                            "Function: findValidPakFiles() : File Not Found.Content:\r\n '" + folder +
-                                "' \r\nPossibly invalid data folder set.",
-                            prompt_icon::error);
+        m_notices.push_back({"Error!", "Function: findValidPakFiles() : File Not Found.Content:\r\n '" + folder +
+                                           "' \r\nPossibly invalid data folder set."});
         return false;
     }
     std::sort(matches.begin(), matches.end()); // the same order on every disk
@@ -70,28 +70,28 @@ bool pack_reader::findValidPakFiles(const std::string& folder)
 
 void pack_reader::sortArchives()
 {
-    log(".pack files being sorted...");
+    tell(m_work.log, ".pack files being sorted...");
     std::stable_sort(m_archives.begin(), m_archives.end(), [](const std::string& left, const std::string& right) {
         return fileName(left) > fileName(right);
     });
-    log(".pack files is sorted in the following order: ");
+    tell(m_work.log, ".pack files is sorted in the following order: ");
     for (std::size_t i = 0; i < m_archives.size(); ++i)
-        log("[PACK FILE] " + std::to_string(i) + " : " + m_archives[i]);
+        tell(m_work.log, "[PACK FILE] " + std::to_string(i) + " : " + m_archives[i]);
 }
 
 bool pack_reader::loadFromCache(indexed_archives& indexed) const
 {
-    if (!m_ports.cache)
+    if (!m_po_cache)
         return false;
     failure why;
-    if (m_ports.cache->load(m_archives, indexed, why))
+    if (m_po_cache->load(m_archives, indexed, why))
         return true;
     if (why.kind != failure_kind::not_found)
-        log("[PACK CACHE] " + m_ports.cache->path() + " : not used, " + why.what);
+        tell(m_work.log, "[PACK CACHE] " + m_po_cache->path() + " : not used, " + why.what);
     return false;
 }
 
-void pack_reader::indexArchives(indexed_archives& indexed) const
+bool pack_reader::indexArchives(indexed_archives& indexed) const
 {
     // Read and checked first, all of them: then the tree can be made in its final size.
     indexed.tree = std::make_shared<path_tree>();
@@ -99,8 +99,9 @@ void pack_reader::indexArchives(indexed_archives& indexed) const
     std::size_t file_count = 0;
     for (const std::string& path : m_archives)
     {
-        if (m_ports.progress)
-            m_ports.progress(indexed.archives.size(), m_archives.size(), path);
+        if (m_work.isStopped())
+            return false;
+        m_work.report(indexed.archives.size(), m_archives.size(), path);
         archive_listing& listing = indexed.archives.emplace_back();
         listing.path = path;
         pack_file archive(*indexed.tree);
@@ -133,46 +134,41 @@ void pack_reader::indexArchives(indexed_archives& indexed) const
     indexed.tree->reserve(file_count);
     for (pack_file& archive : archives)
         archive.enter();
+    return true;
 }
 
 void pack_reader::writeCache(const indexed_archives& indexed)
 {
     const bool is_certain = std::all_of(indexed.archives.begin(), indexed.archives.end(),
                                         [](const archive_listing& archive) { return archive.is_certain; });
-    if (!m_ports.cache || !is_certain)
+    if (!m_po_cache || !is_certain)
         return;
     failure why;
-    m_has_written_cache = m_ports.cache->write(indexed, why);
+    m_has_written_cache = m_po_cache->write(indexed, why);
     if (!m_has_written_cache)
-        log("[PACK CACHE] " + m_ports.cache->path() + " : not written, " + why.what);
+        tell(m_work.log, "[PACK CACHE] " + m_po_cache->path() + " : not written, " + why.what);
 }
 
 // The same whether the archives were indexed or came out of the cache.
-void pack_reader::report(const std::vector<archive_listing>& archives) const
+void pack_reader::report()
 {
     constexpr std::size_t shown = 20;
     std::string text = "An error has occured ";
     std::size_t damaged = 0;
-    for (const archive_listing& archive : archives)
+    for (const archive_listing& archive : m_listings)
     {
         for (const std::string& path : archive.left_out)
-            log("[PACK FILE] " + describeLeftOut(archive, path));
+            tell(m_work.log, "[PACK FILE] " + describeLeftOut(archive, path));
         if (archive.damage.empty())
             continue;
-        log("[PACK FILE] " + archive.damage);
+        tell(m_work.log, "[PACK FILE] " + archive.damage);
         if (++damaged <= shown)
             text += "\r\n" + archive.damage;
     }
     if (damaged > shown)
         text += "\r\nand " + std::to_string(damaged - shown) + " more (see log.txt)";
     if (damaged > 0)
-        m_ports.prompt.show("Error!", text, prompt_icon::error);
-}
-
-void pack_reader::log(const std::string& line) const
-{
-    if (m_ports.log)
-        m_ports.log(line);
+        m_notices.push_back({"Error!", std::move(text)});
 }
 
 } // namespace korvane

@@ -1,7 +1,7 @@
 #pragma once
 
-// Finds the archives of the data folders, puts them in their order and indexes them into one new tree, which then
-// replaces pack_file::sm_poPathTree as a whole. For the user-interface thread.
+// Finds the archives of the data folders, puts them in their order and indexes them into one new tree. What was loaded
+// before is nobody's business here: it goes on to serve until its owner takes the new tree. One thread, any one.
 //
 // Order: by file name, byte by byte, descending; archives of equal names keep the order in which they were listed. A
 // file that stands in several archives is taken from the one indexed last, so the lowest name wins.
@@ -9,24 +9,17 @@
 // With a cache nothing is indexed as long as the archives are those of which the cache was made; what is loaded, logged
 // and reported is the same.
 
-#include "EASY_GUI/services/user_prompt.h"
+#include "EASY_GUI/services/notice.h"
+#include "EASY_GUI/services/work_port.h"
 #include "Korvane/archives/pack_cache.h"
 
-#include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace korvane
 {
-
-// Where the loading speaks to. Empty functions are silent.
-struct load_ports
-{
-    user_prompt& prompt;
-    std::function<void(const std::string&)> log; // a line without its end
-    std::function<void(std::size_t done, std::size_t of, const std::string& path)> progress;
-    const pack_cache* cache = nullptr; // null: the archives are always indexed
-};
 
 // What is said of a file that was left out: archive, reason, path.
 [[nodiscard]] std::string describeLeftOut(const archive_listing& archive, const std::string& path);
@@ -34,33 +27,44 @@ struct load_ports
 class pack_reader
 {
 public:
-    explicit pack_reader(load_ports ports) : m_ports(std::move(ports)) {}
+    // Progress counts archives and names the one that is read. A null cache: the archives are always indexed.
+    explicit pack_reader(work_port work = {}, const pack_cache* cache = nullptr)
+        : m_work(std::move(work))
+        , m_po_cache(cache)
+    {
+    }
 
-    // Drops the present tree, then loads the archives of the folders, each ending in a separator. False when there are
-    // no folders, or one of them has no archive (then nothing is indexed). Archives that cannot be read are reported
-    // and left out; that is no failure.
+    // Loads the archives of the folders, each ending in a separator. False when there are no folders, one of them has
+    // no archive (then nothing is indexed), or the work was stopped. Archives that cannot be read are reported and left
+    // out; that is no failure.
     [[nodiscard]] bool loadAllArchives(const std::vector<std::string>& folders);
 
+    // What was loaded; null when nothing was.
+    const std::shared_ptr<const path_tree>& tree() const { return m_po_tree; }
     // Every archive of the last load in its order, the damaged ones included.
     const std::vector<archive_listing>& listings() const { return m_listings; }
+    // What the person is to be told of the last load.
+    const std::vector<notice>& notices() const { return m_notices; }
 
     // Whether the cache was written, so that it wants to be recorded (pack_cache::recordIn).
     bool hasWrittenCache() const { return m_has_written_cache; }
 
-    // Adds the archives of one folder to the list; false, with its message, when there is none.
+    // Adds the archives of one folder to the list; false, with a notice, when there is none.
     [[nodiscard]] bool findValidPakFiles(const std::string& folder);
 
 private:
-    void log(const std::string& line) const;
     void sortArchives();
     bool loadFromCache(indexed_archives& indexed) const;
-    void indexArchives(indexed_archives& indexed) const;
+    bool indexArchives(indexed_archives& indexed) const;
     void writeCache(const indexed_archives& indexed);
-    void report(const std::vector<archive_listing>& archives) const;
+    void report();
 
-    load_ports m_ports;
+    work_port m_work;
+    const pack_cache* m_po_cache;
     std::vector<std::string> m_archives; // paths on disk
+    std::shared_ptr<const path_tree> m_po_tree;
     std::vector<archive_listing> m_listings;
+    std::vector<notice> m_notices;
     bool m_has_written_cache = false;
 };
 

@@ -28,11 +28,6 @@ struct tree_image_counts
     std::uint32_t text = 0;    // bytes
 
     static constexpr std::size_t entry_size = 20, node_size = 20, slot_size = 12;
-    std::uint64_t tableBytes() const
-    {
-        return std::uint64_t{entries} * entry_size + std::uint64_t{nodes} * node_size +
-               std::uint64_t{slots} * slot_size;
-    }
 };
 
 // Taking a tree apart: what a writer of an image needs to know, in the order of the image.

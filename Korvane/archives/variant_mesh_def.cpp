@@ -45,8 +45,9 @@ struct chain_link
 class reference_resolver
 {
 public:
-    reference_resolver(std::size_t text_bytes, const variant_tag& root, std::vector<variant_problem>& problems)
-        : m_tree(pack_file::sm_poPathTree)
+    reference_resolver(std::size_t text_bytes, const variant_tag& root, const definition_reader& reader,
+                       std::vector<variant_problem>& problems)
+        : m_reader(reader)
         , m_text_bytes(text_bytes)
         , m_problems(problems)
     {
@@ -78,7 +79,7 @@ private:
         const std::string path = normalInternalPath(reference.attribute("definition"));
         if (path.empty())
             return problem(quotation(chain.path) + ": a reference names no definition");
-        if (!m_tree)
+        if (!m_reader)
             return problem(no_tree);
         if (isInCircle(path, chain))
             return 0;
@@ -113,16 +114,12 @@ private:
 
     const definition* find(const std::string& path, const chain_link& chain)
     {
-        const path_node* const node = m_tree->find(path);
-        if (!node || !node->file())
+        const auto [place, is_new] = m_definitions.try_emplace(path);
+        if (is_new && !read(path, place->second, chain))
         {
-            problem(std::string(not_in_tree) + ": " + quotation(path) + " (named in " + quotation(chain.path) + ")",
-                    variant_problem::kind::not_found, path, chain.path);
+            m_definitions.erase(place); // whoever else names it is told, too
             return nullptr;
         }
-        const auto [place, is_new] = m_definitions.try_emplace(node->file());
-        if (is_new)
-            place->second = read(*node->file());
         if (is_new && !place->second && ++m_unreadable == variant_mesh_def::max_unreadable)
         {
             problem("more than " + std::to_string(variant_mesh_def::max_unreadable) +
@@ -132,25 +129,31 @@ private:
         return place->second ? &*place->second : nullptr;
     }
 
-    std::optional<definition> read(const pack_file_node& file)
+    // False when there is none; one that cannot be read is without a value.
+    bool read(const std::string& path, std::optional<definition>& found, const chain_link& chain)
     {
         memory_file text;
         failure why;
         definition read;
-        if (!readEntry(file, text, why, variant_mesh_def::max_text_bytes - m_text_bytes))
+        if (!m_reader(path, variant_mesh_def::max_text_bytes - m_text_bytes, text, why))
         {
-            problem(describe(why), variant_problem::kind::unreadable);
-            return {};
+            if (why.kind == failure_kind::not_found)
+                problem(std::string(not_in_tree) + ": " + quotation(path) + " (named in " + quotation(chain.path) + ")",
+                        variant_problem::kind::not_found, path, chain.path);
+            else
+                problem(describe(why), variant_problem::kind::unreadable);
+            return why.kind != failure_kind::not_found;
         }
         m_text_bytes += text.size();
         if (!parseVariantMeshDef(text.bytes(), read.root, why))
         {
-            why.path = file.internalPath();
+            why.path = path;
             problem(describe(why), variant_problem::kind::unreadable);
-            return {};
+            return true;
         }
         read.extent = extentOf(read.root);
-        return read;
+        found = std::move(read);
+        return true;
     }
 
     bool hasRoom(const definition& found, std::size_t level, const std::string& path, const chain_link& chain)
@@ -206,9 +209,9 @@ private:
         return 0;
     }
 
-    std::shared_ptr<const path_tree> m_tree;
+    const definition_reader& m_reader;
     // Each definition is read once; those that cannot be read are without a value.
-    std::unordered_map<const pack_file_node*, std::optional<definition>> m_definitions;
+    std::unordered_map<std::string, std::optional<definition>> m_definitions;
     std::size_t m_text_bytes;
     std::size_t m_unreadable = 0;
     std::size_t m_tags = 0;
@@ -256,7 +259,7 @@ std::vector<std::string> variant_mesh_def::problems() const
 }
 
 bool variant_mesh_def::take(std::span<const std::byte> text, const std::string& path, const std::string& internal_path,
-                            failure& why)
+                            const definition_reader& reader, failure& why)
 {
     variant_tag root;
     if (!parseVariantMeshDef(text, root, why))
@@ -265,14 +268,14 @@ bool variant_mesh_def::take(std::span<const std::byte> text, const std::string& 
         return false;
     }
     std::vector<variant_problem> problems;
-    reference_resolver(text.size(), root, problems).resolve(root, 1, {internal_path});
+    reference_resolver(text.size(), root, reader, problems).resolve(root, 1, {internal_path});
     m_path = path;
     m_root = std::move(root);
     m_problems = std::move(problems);
     return true;
 }
 
-bool variant_mesh_def::open(const std::string& path, failure& why)
+bool variant_mesh_def::open(const std::string& path, failure& why, const definition_reader& reader)
 {
     std::error_code error;
     const std::uintmax_t size = std::filesystem::file_size(toPath(path), error);
@@ -282,26 +285,26 @@ bool variant_mesh_def::open(const std::string& path, failure& why)
                         " that a definition may have",
                     path);
     memory_file text;
-    return text.read(path, why) && take(text.bytes(), path, path, why);
+    return text.read(path, why) && take(text.bytes(), path, path, reader, why);
 }
 
-bool variant_mesh_def::openFromInternalPath(const std::string& path, failure& why)
+bool variant_mesh_def::openFromInternalPath(const std::string& path, failure& why, const definition_reader& reader)
 {
-    const std::shared_ptr<const path_tree> tree = pack_file::sm_poPathTree;
-    if (!tree)
+    if (!reader)
         return fail(why, failure_kind::not_found, no_tree, path);
     const std::string internal_path = normalInternalPath(path);
-    const path_node* const node = tree->find(internal_path);
-    if (!node || !node->file())
-        return fail(why, failure_kind::not_found,
-                    node ? "this is a folder of the archives, not a file" : "no archive holds this path", path);
     memory_file text;
-    return readEntry(*node->file(), text, why, max_text_bytes) && take(text.bytes(), path, internal_path, why);
+    if (reader(internal_path, max_text_bytes, text, why))
+        return take(text.bytes(), path, internal_path, reader, why);
+    if (why.kind == failure_kind::not_found)
+        why.path = path;
+    return false;
 }
 
-bool variant_mesh_def::openFromMemory(std::span<const std::byte> text, const std::string& name, failure& why)
+bool variant_mesh_def::openFromMemory(std::span<const std::byte> text, const std::string& name, failure& why,
+                                      const definition_reader& reader)
 {
-    return take(text, name, name, why);
+    return take(text, name, name, reader, why);
 }
 
 } // namespace korvane

@@ -1,14 +1,15 @@
 #pragma once
 
 // Reads a variant mesh definition: an XML text that says of which models a figure is put together
-// (docs/formats/variantmeshdefinition.md). Definitions that it names are read out of the archives
-// (pack_file::sm_poPathTree) and stand below their references. Element and attribute names count without regard to
-// ASCII case. For one thread at a time.
+// (docs/formats/variantmeshdefinition.md). Definitions that it names are read through a port and stand below their
+// references. Element and attribute names count without regard to ASCII case. For one thread at a time.
 
 #include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/memory_file.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -54,6 +55,11 @@ struct variant_problem
     std::string named_in; // and the definition that refers to it
 };
 
+// Reads the definition of an internal path out of the game, with at most so many bytes. not_found: it has none. Empty:
+// there are no archives.
+using definition_reader =
+    std::function<bool(const std::string& internal_path, std::uint64_t limit, memory_file& text, failure& why)>;
+
 class variant_mesh_def
 {
 public:
@@ -77,9 +83,12 @@ public:
     // On failure what was open stays. For a text that is no XML, why.field is the parser's description of the error and
     // why.offset its position in the file's bytes. A reference that cannot be followed (missing, damaged, in a circle,
     // beyond the limits) is no failure: see problems().
-    [[nodiscard]] bool open(const std::string& path, failure& why);                 // a file on the disk
-    [[nodiscard]] bool openFromInternalPath(const std::string& path, failure& why); // out of the archives
-    [[nodiscard]] bool openFromMemory(std::span<const std::byte> text, const std::string& name, failure& why);
+    // A file on the disk.
+    [[nodiscard]] bool open(const std::string& path, failure& why, const definition_reader& reader = {});
+    // Read by the reader itself.
+    [[nodiscard]] bool openFromInternalPath(const std::string& path, failure& why, const definition_reader& reader);
+    [[nodiscard]] bool openFromMemory(std::span<const std::byte> text, const std::string& name, failure& why,
+                                      const definition_reader& reader = {});
 
     const std::string& path() const { return m_path; } // as it was given; empty: nothing is open
     const variant_tag& root() const { return m_root; }
@@ -91,7 +100,8 @@ public:
     const std::vector<variant_problem>& problemList() const { return m_problems; }
 
 private:
-    bool take(std::span<const std::byte> text, const std::string& path, const std::string& internal_path, failure& why);
+    bool take(std::span<const std::byte> text, const std::string& path, const std::string& internal_path,
+              const definition_reader& reader, failure& why);
 
     std::string m_path;
     variant_tag m_root;

@@ -4,9 +4,10 @@
 
 #include "EASY_GUI/services/text.h"
 #include "Korvane/animation/anim_dump.h"
-#include "Korvane/animation/anim_search.h"
 #include "Korvane/animation/bone_table.h"
-#include "Korvane/cli/game_files.h"
+#include "Korvane/jobs/operands.h"
+#include "Korvane/jobs/output_paths.h"
+#include "Korvane/jobs/search_job.h"
 
 namespace korvane
 {
@@ -23,21 +24,21 @@ struct output_options
 // Where an operand comes from. The archives are loaded by now when it names one of their files.
 anim_origin originOf(cli_context& context, const std::string& operand)
 {
-    constexpr std::string_view pack_prefix = "pack:";
-    if (!operand.starts_with(pack_prefix))
+    const game_path path(operand);
+    if (!path.isInternal())
         return {"", operand};
     failure why;
-    const std::shared_ptr<const path_tree> tree = loadArchives(context, why);
-    const path_node* const node = tree ? tree->find(std::string_view(operand).substr(pack_prefix.size())) : nullptr;
-    if (!node || !node->file())
+    const std::shared_ptr<const game_data> game = context.game().archives(why);
+    const game_file found = game ? game->find(path.internalPath()) : game_file();
+    if (!found.entry())
         return {"", operand};
-    return {node->file()->archive().name, std::string(node->file()->internalPath())};
+    return {found.entry()->archive().name, found.path()};
 }
 
 void runDump(cli_context& context, const output_options& options)
 {
     failure why;
-    const auto data = loadAnim(context, options.anim, anim_depth::animation, why);
+    const auto data = loadAnim(context.game(), options.anim, anim_depth::animation, why);
     if (!data || !isFreeToWrite({options.anim}, options.output, why) ||
         !writeAnimDump(*data, originOf(context, options.anim), options.output, why))
         context.fail(why);
@@ -46,7 +47,7 @@ void runDump(cli_context& context, const output_options& options)
 void runBoneTable(cli_context& context, const output_options& options)
 {
     failure why;
-    const auto data = loadAnim(context, options.anim, anim_depth::bones_only, why);
+    const auto data = loadAnim(context.game(), options.anim, anim_depth::bones_only, why);
     if (!data || !isFreeToWrite({options.anim}, options.output, why) || !writeBoneTable(*data, options.output, why))
         context.fail(why);
 }
@@ -86,19 +87,16 @@ std::string entriesText(const path_tree& tree, const std::string& title, const e
 void runSearch(cli_context& context, const std::string& skeleton_id)
 {
     failure why;
-    const std::shared_ptr<const path_tree> tree = loadArchives(context, why);
-    if (!tree)
+    work_port work;
+    work.progress = [&context](const work_progress& step) { context.progress(step.what); };
+    search_job_result found;
+    if (!searchAnimations(context.game(), skeleton_id, work, found, why))
         return context.fail(why);
-    entry_list animations;
-    const entry_list candidates = animationCandidates(*tree);
-    context.progress("reading the headers of " + std::to_string(candidates.size()) + " animations");
-    if (!findAnimations(candidates, skeleton_id, animations, why))
-        return context.fail(why);
-    const entry_list skeletons = findSkeletons(*tree, skeleton_id);
+    const path_tree& tree = *found.game->archives();
     if (context.is_json)
         return context.printJson(
-            {{"skeletons", entriesJson(*tree, skeletons)}, {"animations", entriesJson(*tree, animations)}});
-    context.print(entriesText(*tree, "skeletons", skeletons) + entriesText(*tree, "animations", animations));
+            {{"skeletons", entriesJson(tree, found.skeletons)}, {"animations", entriesJson(tree, found.animations)}});
+    context.print(entriesText(tree, "skeletons", found.skeletons) + entriesText(tree, "animations", found.animations));
 }
 
 void addOutputCommand(CLI::App& anim, cli_context& context, const std::string& name, const std::string& about,

@@ -4,6 +4,7 @@
 
 #include "EASY_GUI/services/text.h"
 #include "Korvane/cli/anim_text.h"
+#include "Korvane/jobs/operands.h"
 #include "Korvane/posing/skeleton_pose.h"
 
 #include <algorithm>
@@ -208,7 +209,7 @@ std::string frameText(const anim_data& data, std::size_t frame)
 void runInfo(cli_context& context, const info_options& options)
 {
     failure why;
-    const auto data = loadAnim(context, options.anim, depthOf(options), why);
+    const auto data = loadAnim(context.game(), options.anim, depthOf(options), why);
     if (!data)
         return context.fail(why);
     if (context.is_json)

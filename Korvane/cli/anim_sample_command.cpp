@@ -4,6 +4,7 @@
 
 #include "EASY_GUI/services/text.h"
 #include "Korvane/cli/anim_text.h"
+#include "Korvane/jobs/operands.h"
 #include "Korvane/posing/skeleton_pose.h"
 
 #include <algorithm>
@@ -108,13 +109,13 @@ std::shared_ptr<const anim_data> loadSkeletonFor(cli_context& context, const sam
                                                  const anim_data* moves, failure& why)
 {
     if (!options.skeleton.empty())
-        return loadAnim(context, options.skeleton, anim_depth::skeleton, why);
+        return loadAnim(context.game(), options.skeleton, anim_depth::skeleton, why);
     const std::string path = "animations\\skeletons\\" + toLower(moves->skeleton_name) + ".anim";
     failure found;
     std::shared_ptr<const anim_data> skeleton;
     if (moves->skeleton_name.empty())
         fail(why, failure_kind::not_found, "it names no skeleton, give --skeleton SKEL", options.anim);
-    else if (!(skeleton = loadAnim(context, "pack:" + path, anim_depth::skeleton, found)))
+    else if (!(skeleton = loadAnim(context.game(), "pack:" + path, anim_depth::skeleton, found)))
     {
         if (found.kind == failure_kind::not_found)
             fail(why, failure_kind::not_found,
@@ -156,7 +157,7 @@ void runSample(cli_context& context, const sample_options& options)
 {
     failure why;
     std::shared_ptr<const anim_data> moves;
-    if (!options.anim.empty() && !(moves = loadAnim(context, options.anim, anim_depth::animation, why)))
+    if (!options.anim.empty() && !(moves = loadAnim(context.game(), options.anim, anim_depth::animation, why)))
         return context.fail(why);
     const std::shared_ptr<const anim_data> skeleton = loadSkeletonFor(context, options, moves.get(), why);
     if (!skeleton)

@@ -2,12 +2,9 @@
 
 #include "Korvane/cli/commands.h"
 
-#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/extraction_folder.h"
-#include "Korvane/archives/pack_entry.h"
 #include "Korvane/archives/path_pattern.h"
-#include "Korvane/cli/game_files.h"
+#include "Korvane/jobs/extract_job.h"
 
 #include <memory>
 #include <unordered_map>
@@ -21,12 +18,13 @@ namespace
 void runArchives(cli_context& context)
 {
     failure why;
-    const std::shared_ptr<const path_tree> tree = loadArchives(context, why);
-    if (!tree)
+    const std::shared_ptr<const game_data> game = context.game().archives(why);
+    if (!game)
         return context.fail(why);
+    const path_tree& tree = *game->archives();
     json list = json::array();
     std::size_t position = 0;
-    for (const std::unique_ptr<archive_record>& archive : tree->archives())
+    for (const std::unique_ptr<archive_record>& archive : tree.archives())
     {
         if (context.is_json)
             list.push_back({{"position", position},
@@ -76,13 +74,14 @@ json fileJson(const pack_file_node& file, const hidden_archives& hidden)
 void runList(cli_context& context, const std::string& pattern)
 {
     failure why;
-    const std::shared_ptr<const path_tree> tree = loadArchives(context, why);
-    if (!tree)
+    const std::shared_ptr<const game_data> game = context.game().archives(why);
+    if (!game)
         return context.fail(why);
-    const hidden_archives hidden = context.is_json ? hiddenCopies(*tree) : hidden_archives();
+    const path_tree& tree = *game->archives();
+    const hidden_archives hidden = context.is_json ? hiddenCopies(tree) : hidden_archives();
     std::string text = context.is_json ? "[" : "";
     bool is_first = true;
-    for (const pack_file_node* file : tree->files())
+    for (const pack_file_node* file : tree.files())
     {
         if (!matchesPattern(file->internalPath(), pattern))
             continue;
@@ -103,62 +102,34 @@ void runList(cli_context& context, const std::string& pattern)
 struct extract_options
 {
     std::string path;
-    std::string pattern;
-    std::string output;
+    extract_job_options job;
 };
 
 void extractOne(cli_context& context, const extract_options& options)
 {
-    const std::string operand = options.path.starts_with("pack:") ? options.path : "pack:" + options.path;
-    memory_file bytes;
+    const game_path path(options.path);
     failure why;
-    if (!readOperand(context, operand, bytes, why) || !writeWholeFile(options.output, bytes.bytes(), why))
+    if (!extractFile(context.game(), game_path::ofInternal(path.internalPath()), options.job.folder, why))
         context.fail(why);
 }
 
-bool extractEntry(const pack_file_node& file, extraction_folder& folder, failure& why)
+void extractAll(cli_context& context, const extract_job_options& options)
 {
-    std::string path;
-    memory_file bytes;
-    return folder.place(file.internalPath(), path, why) && readEntry(file, bytes, why) &&
-           writeWholeFile(path, bytes.bytes(), why);
-}
-
-std::string filesExtracted(std::size_t count)
-{
-    return counted(count, "file", "files") + " extracted";
-}
-
-void extractMatching(cli_context& context, const extract_options& options)
-{
+    work_port work;
+    work.log = [&context](const std::string& line) { context.note(line); };
+    work.progress = [&context](const work_progress& step) { context.progress(step.what); };
+    extract_job_result result;
     failure why;
-    const std::shared_ptr<const path_tree> tree = loadArchives(context, why);
-    if (!tree)
+    if (!extractMatching(context.game(), options, work, result, why))
         return context.fail(why);
-    std::size_t written = 0, failed = 0;
-    extraction_folder folder(options.output);
-    for (const pack_file_node* file : tree->files())
-    {
-        if (!matchesPattern(file->internalPath(), options.pattern))
-            continue;
-        failure reason;
-        if (extractEntry(*file, folder, reason))
-            ++written;
-        else
-        {
-            ++failed;
-            context.note(displayText(describe(reason)));
-        }
-        context.progress(filesExtracted(written));
-    }
-    if (failed > 0)
-        return context.fail(
-            {failure_kind::refused,
-             std::to_string(failed) + " of " + std::to_string(written + failed) + " files could not be extracted",
-             options.output, 0, ""});
-    if (written == 0)
+    if (!result.failed.empty())
+        return context.fail({failure_kind::refused,
+                             std::to_string(result.failed.size()) + " of " + std::to_string(result.matches) +
+                                 " files could not be extracted",
+                             options.folder, 0, ""});
+    if (result.matches == 0)
         return context.fail({failure_kind::not_found, "no file matches", options.pattern, 0, ""});
-    context.print(filesExtracted(written) + "\n");
+    context.print(filesExtracted(result.written) + "\n");
 }
 
 } // namespace
@@ -178,14 +149,15 @@ void addArchiveCommands(CLI::App& app, cli_context& context)
     const auto options = std::make_shared<extract_options>();
     CLI::App* extract = app.add_subcommand("extract", "Write files out of the archives to disk");
     CLI::Option* path = extract->add_option("INTERNAL_PATH", options->path, "One file");
-    CLI::Option* match = extract->add_option("--match", options->pattern, "All files whose path matches, with * and ?");
+    CLI::Option* match =
+        extract->add_option("--match", options->job.pattern, "All files whose path matches, with * and ?");
     match->type_name("PATTERN")->excludes(path);
-    extract->add_option("-o", options->output, "The file to write, or with --match the folder")
+    extract->add_option("-o", options->job.folder, "The file to write, or with --match the folder")
         ->required()
         ->check(notEmpty());
     extract->callback([&context, options] {
-        if (!options->pattern.empty())
-            return extractMatching(context, *options);
+        if (!options->job.pattern.empty())
+            return extractAll(context, options->job);
         if (options->path.empty())
             throw CLI::RequiredError("INTERNAL_PATH or --match");
         extractOne(context, *options);

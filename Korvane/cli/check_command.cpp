@@ -3,9 +3,8 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/game_file.h"
-#include "Korvane/cli/game_files.h"
-#include "Korvane/document/check_run.h"
+#include "Korvane/game/game_source.h"
+#include "Korvane/jobs/check_run.h"
 
 #include <algorithm>
 #include <array>
@@ -183,43 +182,33 @@ private:
     std::size_t m_files_with_findings = 0;
 };
 
-// The archives, or null when there are no data folders and no operand needs them.
-bool takeArchives(cli_context& context, const std::vector<std::string>& operands,
-                  std::shared_ptr<const path_tree>& tree)
+// The disk alone when there are no data folders and no operand needs them.
+std::shared_ptr<const game_data> takeGame(cli_context& context, const std::vector<std::string>& operands, failure& why)
 {
-    const bool is_needed = std::any_of(operands.begin(), operands.end(), isPackPath) || hasDataFolders(context);
-    failure why;
-    if (is_needed)
-        tree = loadArchives(context, why);
-    else
-        context.note("no data folders: textures and skeletons are looked for on the disk around the models only");
-    if (why)
-        context.fail(why);
-    return !why;
+    const bool is_needed = std::any_of(operands.begin(), operands.end(),
+                                       [](const std::string& operand) { return game_path(operand).isInternal(); });
+    if (is_needed || context.game().hasFolders())
+        return context.game().archives(why);
+    context.note("no data folders: textures and skeletons are looked for on the disk around the models only");
+    return std::make_shared<const game_data>();
 }
 
 void runCheck(cli_context& context, const std::vector<std::string>& operands)
 {
-    std::shared_ptr<const path_tree> tree;
-    if (!takeArchives(context, operands, tree))
-        return;
-    check_run run(tree);
+    failure why;
+    const std::shared_ptr<const game_data> game = takeGame(context, operands, why);
+    if (!game)
+        return context.fail(why);
+    check_run run(*game);
     for (const std::string& operand : operands)
         run.add(operand);
     check_printer printer(context);
-    std::vector<finding> found;
-    const auto step = [&] {
-        if (run.doneCount() < run.fileCount())
-            context.workOn(run.nextFile());
-        return run.step(found);
+    work_port work;
+    work.progress = [&context](const work_progress& step) {
+        context.workOn(step.what);
+        context.progress("checked " + std::to_string(step.done) + " of " + std::to_string(step.total));
     };
-    while (step())
-    {
-        printer.take(found);
-        found.clear();
-        context.progress("checked " + std::to_string(run.doneCount()) + " of " + std::to_string(run.fileCount()));
-    }
-    printer.take(found);
+    run.run(work, [&printer](const std::vector<finding>& found) { printer.take(found); });
     printer.finish(run.fileCount());
 }
 

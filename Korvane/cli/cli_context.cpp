@@ -39,6 +39,11 @@ void cli_context::note(const std::string& text)
         printError(text + "\n");
 }
 
+log_port cli_context::notePort()
+{
+    return [this](const std::string& line) { note(terminalText(line)); };
+}
+
 void cli_context::progress(const std::string& text)
 {
     if (!is_quiet && console::isTerminal(stderr))

@@ -6,6 +6,7 @@
 
 #include "EASY_GUI/services/failure.h"
 #include "Korvane/cli/progress_line.h"
+#include "Korvane/game/game_source.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -29,6 +30,10 @@ public:
     bool is_quiet = false;                 // --quiet
     bool is_without_cache = false;         // --no-cache
 
+    // Where commands get the archives and the files of their operands from. Outlives the context's use.
+    game_source& game() { return *m_po_game; }
+    void setGame(game_source& game) { m_po_game = &game; }
+
     // Adds --json to a command that has it.
     void addJsonOption(CLI::App& command);
 
@@ -38,6 +43,8 @@ public:
     void printJson(const json& document);
     // A line for the person at the terminal, on standard error; silent with --quiet.
     void note(const std::string& text);
+    // The same for a job's log.
+    log_port notePort();
     // Progress of long work, in place on one line; only when standard error is a terminal, --quiet is not given, and
     // the program has been running for more than a second. Whatever is printed next takes the line's place.
     void progress(const std::string& text);
@@ -55,6 +62,7 @@ public:
 private:
     void printError(const std::string& text); // behind what was printed before, in place of progress
 
+    game_source* m_po_game = nullptr;
     int m_exit_status = 0;
     std::string m_current_file;
     progress_line m_progress;

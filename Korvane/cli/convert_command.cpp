@@ -1,18 +1,13 @@
 // convert: an FBX file's first take as an .anim file.
 
 #include "EASY_GUI/services/config_file.h"
-#include "EASY_GUI/services/file_system.h"
-#include "EASY_GUI/services/silent_prompt.h"
 #include "EASY_GUI/services/text.h"
-#include "Korvane/animation/bone_table.h"
-#include "Korvane/cli/anim_commands.h"
 #include "Korvane/cli/commands.h"
-#include "Korvane/cli/game_files.h"
-#include "Korvane/fbx/convert/fbx_to_anim.h"
+#include "Korvane/jobs/convert_job.h"
 
 #include <cstdlib>
 #include <limits>
-#include <optional>
+#include <memory>
 #include <utility>
 
 namespace korvane
@@ -21,169 +16,44 @@ namespace korvane
 namespace
 {
 
-struct convert_options
+void report(cli_context& context, const convert_job_options& options, const convert_job_result& result, json log)
 {
-    std::string fbx;
-    std::string template_anim;
-    std::string output;
-    std::string bone_table;
-    std::optional<std::uint32_t> version;
-    std::optional<double> rate;
-    std::optional<double> start_time;
-    std::optional<double> end_time;
-    std::optional<std::uint32_t> frames;
-};
-
-class convert_run
-{
-public:
-    convert_run(cli_context& context, const convert_options& options) : m_context(context), m_options(options) {}
-
-    void run();
-
-private:
-    std::string configPath() const;
-    bool load(failure& why);
-    bool loadTemplate(failure& why);
-    bool loadBoneTable(failure& why);
-    void remember();
-    bool addToConfiguration(const std::string& path, std::string& reason) const;
-    void report();
-
-    cli_context& m_context;
-    const convert_options& m_options;
-    std::shared_ptr<const anim_data> m_template;
-    memory_file m_fbx;
-    anim_conversion m_request;
-    anim_conversion_result m_result;
-    json m_log = json::array();
-};
-
-std::string convert_run::configPath() const
-{
-    return m_context.config_path.empty() ? config_file::defaultPath() : m_context.config_path;
-}
-
-bool convert_run::loadTemplate(failure& why)
-{
-    m_template = loadAnim(m_context, m_options.template_anim, anim_depth::bones_only, why);
-    if (!m_template)
-        return false;
-    failure ignored; // a template may end behind its bones
-    if (auto whole = loadAnim(m_context, m_options.template_anim, anim_depth::animation, ignored))
-        m_template = std::move(whole);
-    return true;
-}
-
-bool convert_run::loadBoneTable(failure& why)
-{
-    if (m_options.bone_table.empty())
-        return true;
-    memory_file table;
-    std::vector<std::string> names;
-    if (!readOperand(m_context, m_options.bone_table, table, why))
-        return false;
-    if (!readBoneTable(table.text(), names, why))
-    {
-        why.path = m_options.bone_table;
-        return false;
-    }
-    m_request.bone_selection = std::move(names);
-    return true;
-}
-
-bool convert_run::load(failure& why)
-{
-    if (!isFreeToWrite({m_options.fbx, m_options.template_anim, m_options.bone_table, configPath()}, m_options.output,
-                       why) ||
-        !loadTemplate(why) || !loadBoneTable(why) || !readOperand(m_context, m_options.fbx, m_fbx, why))
-        return false;
-    m_request.fbx_path = m_options.fbx;
-    m_request.fbx = m_fbx.bytes();
-    m_request.template_data = m_template.get();
-    m_request.version = m_options.version.value_or(m_template->version);
-    m_request.frame_rate = m_options.rate;
-    m_request.start_seconds = m_options.start_time;
-    m_request.end_time = m_options.end_time;
-    m_request.frame_count = m_options.frames;
-    return true;
-}
-
-// A configuration that is not there is made; one that is not understood to its end stays as it is, for writing it would
-// lose the rest.
-bool convert_run::addToConfiguration(const std::string& path, std::string& reason) const
-{
-    const std::string config_path = configPath();
-    std::error_code error;
-    config_file config;
-    const bool is_there =
-        std::filesystem::symlink_status(toPath(config_path), error).type() != std::filesystem::file_type::not_found;
-    if (is_there && !config.load(config_path))
-        reason = config_path + " cannot be read";
-    else if (is_there && config.errorText() != "DONE")
-        reason = config_path + " cannot be understood to its end";
-    else if (path.find('"') != std::string::npos)
-        reason = "its path has a quotation mark";
-    else if (!config.contains(converted_files_key, path) &&
-             (!config.add(converted_files_key, {path}, false) || !config.save(config_path)))
-        reason = config_path + " cannot be written";
-    return reason.empty();
-}
-
-void convert_run::remember()
-{
-    std::error_code error;
-    const std::filesystem::path absolute = std::filesystem::absolute(toPath(m_options.output), error);
-    const std::string path = error ? m_options.output : toUtf8(absolute.lexically_normal());
-    std::string reason;
-    if (!addToConfiguration(path, reason))
-        m_context.note("note: the file is not added to the list of converted files: " + displayText(reason));
-}
-
-void convert_run::report()
-{
-    const anim_output& anim = m_result.anim;
-    const std::size_t matched = anim.bones.size() - m_result.unmatched.size();
-    if (!m_context.is_json)
-        return m_context.print(terminalText(m_options.output) + ": " + std::to_string(anim.frames.size()) +
-                               " frames at " + floatText(anim.frame_rate) + " a second, " + std::to_string(matched) +
-                               " of " + std::to_string(anim.bones.size()) + " bones matched\n");
+    const anim_output& anim = result.conversion.anim;
+    const std::size_t matched = anim.bones.size() - result.conversion.unmatched.size();
+    if (!context.is_json)
+        return context.print(terminalText(options.output) + ": " + counted(anim.frames.size(), "frame") + " at " +
+                             floatText(anim.frame_rate) + " a second, " + std::to_string(matched) + " of " +
+                             counted(anim.bones.size(), "bone") + " matched\n");
     json unmatched = json::array();
-    for (const std::string& name : m_result.unmatched)
+    for (const std::string& name : result.conversion.unmatched)
         unmatched.push_back(displayText(name));
-    m_context.printJson({{"path", displayText(m_options.output)},
-                         {"version", m_request.version},
-                         {"skeleton_name", displayText(anim.skeleton_name)},
-                         {"frame_rate", jsonNumber(anim.frame_rate)},
-                         {"end_time", jsonNumber(anim.end_time)},
-                         {"frame_count", anim.frames.size()},
-                         {"bone_count", anim.bones.size()},
-                         {"unmatched", std::move(unmatched)},
-                         {"log", std::move(m_log)}});
+    context.printJson({{"path", displayText(options.output)},
+                       {"version", result.version},
+                       {"skeleton_name", displayText(anim.skeleton_name)},
+                       {"frame_rate", jsonNumber(anim.frame_rate)},
+                       {"end_time", jsonNumber(anim.end_time)},
+                       {"frame_count", anim.frames.size()},
+                       {"bone_count", anim.bones.size()},
+                       {"unmatched", std::move(unmatched)},
+                       {"log", std::move(log)}});
 }
 
-void convert_run::run()
+void runConvert(cli_context& context, const convert_job_options& options)
 {
+    json log = json::array();
+    work_port work;
+    work.log = [&, note = context.notePort()](const std::string& line) {
+        log.push_back(line);
+        note(line);
+    };
+    work.progress = [&context](const work_progress& step) {
+        context.progress("frame " + std::to_string(step.done) + " of " + std::to_string(step.total));
+    };
+    convert_job_result result;
     failure why;
-    if (!load(why))
-        return m_context.fail(why);
-    anim_conversion_ports ports;
-    ports.log = [this](const std::string& line) {
-        m_log.push_back(displayText(line));
-        m_context.note(terminalText(line));
-    };
-    ports.progress = [this](std::uint32_t frame, std::uint32_t of) {
-        m_context.progress("frame " + std::to_string(frame) + " of " + std::to_string(of));
-    };
-    silent_prompt prompt;
-    if (!convertToAnimFile(m_request, m_options.output, ports, prompt, m_result, why))
-    {
-        if (why.path.empty())
-            why.path = m_options.template_anim;
-        return m_context.fail(why);
-    }
-    remember();
-    report();
+    if (!convertFbx(context.game(), options, work, result, why))
+        return context.fail(why);
+    report(context, options, result, std::move(log));
 }
 
 // The library's own checks put their limits in as numbers of 300 digits.
@@ -201,7 +71,7 @@ CLI::Validator numberBetween(double low, double high, const std::string& meaning
         "");
 }
 
-void addTimeOptions(CLI::App& command, convert_options& options)
+void addTimeOptions(CLI::App& command, convert_job_options& options)
 {
     command.add_option("--rate", options.rate, "Frames a second of the new file; the FBX file's without it")
         ->type_name("R")
@@ -225,7 +95,7 @@ void addTimeOptions(CLI::App& command, convert_options& options)
 
 void addConvertCommand(CLI::App& app, cli_context& context)
 {
-    const auto options = std::make_shared<convert_options>();
+    const auto options = std::make_shared<convert_job_options>();
     CLI::App* command = app.add_subcommand("convert", "Turn an FBX file's first take into an .anim file");
     command->add_option("FBX", options->fbx, "The FBX file, binary or text")->required()->check(notEmpty());
     command
@@ -248,7 +118,10 @@ void addConvertCommand(CLI::App& app, cli_context& context)
         ->type_name("FILE")
         ->check(notEmpty());
     context.addJsonOption(*command);
-    command->callback([options, &context] { convert_run(context, *options).run(); });
+    command->callback([options, &context] {
+        options->config_path = context.config_path.empty() ? config_file::defaultPath() : context.config_path;
+        runConvert(context, *options);
+    });
 }
 
 } // namespace korvane

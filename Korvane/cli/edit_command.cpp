@@ -3,9 +3,9 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/cli/game_files.h"
 #include "Korvane/cli/output_files.h"
 #include "Korvane/document/model_editor.h"
+#include "Korvane/jobs/operands.h"
 #include "Korvane/models/rmv2_writer.h"
 
 #include <array>
@@ -119,7 +119,7 @@ CLI::Validator replacement()
 bool openToEdit(cli_context& context, const std::string& operand, bool is_forced, rmv2_file& model, failure& why)
 {
     memory_file bytes;
-    if (!readModelOperand(context, operand, bytes, why))
+    if (!readModelBytes(context.game(), operand, bytes, why))
         return false;
     if (!isVersion7OverVersion6(bytes.bytes()))
         return model.openFromMemory(std::move(bytes), operand, why);

@@ -4,7 +4,6 @@
 
 #include "EASY_GUI/services/text.h"
 #include "Korvane/cli/fbx_scene_json.h"
-#include "Korvane/cli/game_files.h"
 #include "Korvane/fbx/container/fbx_document.h"
 #include "Korvane/fbx/scene/fbx_model_import.h"
 #include "Korvane/fbx/scene/fbx_scene.h"
@@ -35,7 +34,7 @@ void runDump(cli_context& context, const fbx_options& options)
     memory_file bytes;
     fbx_document document;
     failure why;
-    if (!readOperand(context, options.file, bytes, why))
+    if (!context.game().read(options.file, bytes, why))
         return context.fail(why);
     if (!readFbx(bytes.bytes(), document, why))
     {
@@ -60,7 +59,7 @@ void runScene(cli_context& context, const fbx_options& options)
     fbx_document document;
     fbx_scene scene;
     failure why;
-    if (!readOperand(context, options.file, bytes, why))
+    if (!context.game().read(options.file, bytes, why))
         return context.fail(why);
     if (!readFbx(bytes.bytes(), document, why) || !readScene(std::move(document), scene, why))
     {
@@ -102,7 +101,7 @@ void runImport(cli_context& context, const fbx_options& options)
     memory_file bytes;
     fbx_model model;
     failure why;
-    if (readOperand(context, options.file, bytes, why) && importFbxModel(bytes.bytes(), model, why))
+    if (context.game().read(options.file, bytes, why) && importFbxModel(bytes.bytes(), model, why))
         return printModel(context, model);
     why.what = fbxImportError(options.file) + ": " + why.what;
     why.path.clear(); // it stands in the text

@@ -1,7 +1,7 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/cli/game_files.h"
+#include "Korvane/jobs/operands.h"
 #include "Korvane/models/catalogue.h"
 #include "Korvane/models/description.h"
 #include "Korvane/models/rmv2_file.h"
@@ -177,7 +177,7 @@ void runInfo(cli_context& context, const info_options& options)
 {
     rmv2_file model;
     failure why;
-    if (!openModel(context, options.model, model, why))
+    if (!openModel(context.game(), options.model, model, context.notePort(), why))
         return context.fail(why);
     if (context.is_json)
         return printModelJson(context, model, options.with_vertices);

@@ -4,6 +4,7 @@
 #include "EASY_GUI/services/version.h"
 #include "Korvane/cli/commands.h"
 #include "Korvane/cli/console.h"
+#include "Korvane/cli/console_game.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -126,6 +127,8 @@ int main(int count, char** values)
 {
     console::prepare();
     cli_context context;
+    console_game game(context);
+    context.setGame(game);
     try
     {
         const int status = run(console::arguments(count, values), context);

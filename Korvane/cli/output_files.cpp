@@ -1,28 +1,13 @@
 #include "Korvane/cli/output_files.h"
 
-#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/extraction_folder.h"
+#include "Korvane/jobs/output_paths.h"
 
-#include <filesystem>
 #include <new>
-#include <system_error>
 
 namespace korvane
 {
-
-bool isFolder(const std::string& path)
-{
-    std::error_code ignored;
-    return path.ends_with('/') || path.ends_with('\\') || std::filesystem::is_directory(toPath(path), ignored);
-}
-
-bool createFolder(const std::string& path, failure& why)
-{
-    std::error_code error;
-    std::filesystem::create_directories(toPath(path), error);
-    return !error || fail(why, failure_kind::unwritable, "the folder cannot be created: " + error.message(), path);
-}
 
 namespace
 {

@@ -11,10 +11,6 @@
 namespace korvane
 {
 
-// True when -o means a folder: there is one, or it ends in a separator.
-[[nodiscard]] bool isFolder(const std::string& path);
-[[nodiscard]] bool createFolder(const std::string& path, failure& why); // with those above it
-
 // Does the work for each model, a path on disk or pack: and an internal path. The output is a file for a single model,
 // else a folder, which is created and where each file gets its model's name. A dry run creates nothing, and refuses
 // what the run would refuse. Of several models one that fails, also for want of memory, is named and the others go on;

@@ -3,8 +3,8 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/cli/game_files.h"
 #include "Korvane/cli/output_files.h"
+#include "Korvane/jobs/operands.h"
 #include "Korvane/models/rmv2_writer.h"
 
 #include <memory>
@@ -27,7 +27,7 @@ bool patchModel(cli_context& context, bool is_repair, const std::string& operand
                 failure& why)
 {
     memory_file bytes;
-    if (!readModelOperand(context, operand, bytes, why))
+    if (!readModelBytes(context.game(), operand, bytes, why))
         return false;
     if (isVersion7OverVersion6(bytes.bytes()))
     {

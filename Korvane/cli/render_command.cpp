@@ -1,8 +1,8 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/file_system.h"
-#include "Korvane/cli/game_files.h"
 #include "Korvane/document/open_definition.h"
+#include "Korvane/jobs/operands.h"
 #include "Korvane/models/rmv2_file.h"
 #include "Korvane/scene/scene_loader.h"
 #include "Korvane/textures/png.h"
@@ -72,23 +72,24 @@ bool writePicture(const std::string& path, const render_options& options, const 
     return false;
 }
 
-scene_loader sceneLoader(cli_context& context)
+scene_loader sceneLoader(cli_context& context, const game_data& game)
 {
     work_port work;
     work.log = [&context](const std::string& line) { context.note(line); };
-    return scene_loader(publishedGame(), std::move(work));
+    return scene_loader(game, std::move(work));
 }
 
 // All models of a definition, out of the archives.
 scene_pointer loadDefinition(const std::string& path, std::size_t lod, cli_context& context, failure& why)
 {
     open_definition definition;
-    if (!loadArchives(context, why) || !definition.open(path, why))
+    const std::shared_ptr<const game_data> game = context.game().archives(why);
+    if (!game || !definition.open(path, why, *game))
         return nullptr;
     for (const std::string& problem : definition.problems())
         context.note(problem);
     const std::size_t count = definition.models().size();
-    scene_pointer scene = sceneLoader(context).loadFigure(definition.models(), path, lod);
+    scene_pointer scene = sceneLoader(context, *game).loadFigure(definition.models(), path, lod);
     if (count == 0)
         fail(why, failure_kind::refused, "the definition names no models", path);
     else if (scene->parts.empty())
@@ -99,16 +100,17 @@ scene_pointer loadDefinition(const std::string& path, std::size_t lod, cli_conte
 
 scene_pointer loadModel(const std::string& path, std::size_t lod, cli_context& context, failure& why)
 {
-    if (!context.data_folders.empty() && !loadArchives(context, why)) // for the textures of a model on the disk, too
-        return nullptr;
+    // Archives that were named serve the textures of a model on the disk, too.
+    const std::shared_ptr<const game_data> game =
+        context.data_folders.empty() ? context.game().gameFor(path, why) : context.game().archives(why);
     const auto file = std::make_shared<rmv2_file>();
-    if (!openModel(context, path, *file, why))
+    if (!game || !openModel(context.game(), path, *file, context.notePort(), why))
         return nullptr;
     if (const std::size_t count = file->data().lods.size(); lod >= count)
         return fail(why, failure_kind::refused,
                     "the model has no LOD " + std::to_string(lod) + ": it has " + std::to_string(count)),
                nullptr;
-    return sceneLoader(context).loadModel(std::shared_ptr<const RMV2_FILE_DATA>(file, &file->data()), path, lod);
+    return sceneLoader(context, *game).loadModel(std::shared_ptr<const RMV2_FILE_DATA>(file, &file->data()), path, lod);
 }
 
 bool render(const render_arguments& arguments, cli_context& context, failure& why)

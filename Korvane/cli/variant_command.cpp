@@ -4,9 +4,7 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/game_file.h"
 #include "Korvane/archives/variant_mesh_def.h"
-#include "Korvane/cli/game_files.h"
 
 #include <memory>
 #include <vector>
@@ -16,12 +14,6 @@ namespace korvane
 
 namespace
 {
-
-bool isHeld(const path_tree& tree, const std::string& model)
-{
-    const path_node* const node = tree.find(model);
-    return node && node->file();
-}
 
 std::string kindName(variant_tag_kind kind)
 {
@@ -61,15 +53,15 @@ json textsJson(const std::vector<std::string>& texts)
     return list;
 }
 
-void printDefinitionJson(cli_context& context, const variant_mesh_def& definition, const path_tree* tree)
+void printDefinitionJson(cli_context& context, const variant_mesh_def& definition, const game_data* game)
 {
     const std::vector<std::string> models = definition.models();
     json missing; // null: nobody looked
-    if (tree)
+    if (game)
     {
         std::vector<std::string> not_held;
         for (const std::string& model : models)
-            if (!isHeld(*tree, model))
+            if (!game->find(model))
                 not_held.push_back(model);
         missing = textsJson(not_held);
     }
@@ -84,7 +76,7 @@ void printDefinitionJson(cli_context& context, const variant_mesh_def& definitio
 class definition_printer
 {
 public:
-    definition_printer(cli_context& context, const path_tree* tree) : m_context(context), m_tree(tree) {}
+    definition_printer(cli_context& context, const game_data* game) : m_context(context), m_po_game(game) {}
 
     void print(const variant_tag& tag, std::size_t level = 0)
     {
@@ -134,7 +126,7 @@ private:
         if (model.empty())
             return text;
         ++m_models;
-        if (m_tree && !isHeld(*m_tree, model))
+        if (m_po_game && !m_po_game->find(model))
         {
             ++m_missing;
             text += "  [in no archive]";
@@ -163,26 +155,26 @@ private:
     }
 
     cli_context& m_context;
-    const path_tree* m_tree;
+    const game_data* m_po_game; // null: nobody can say
     std::size_t m_models = 0, m_slots = 0, m_references = 0, m_missing = 0;
 };
 
-// Opens the operand; tree stays null when there are no archives, which only a definition on the disk survives.
+// Opens the operand; game stays null when there are no archives, which only a definition on the disk survives.
 bool openDefinition(cli_context& context, const std::string& operand, variant_mesh_def& definition,
-                    std::shared_ptr<const path_tree>& tree, failure& why)
+                    std::shared_ptr<const game_data>& game, failure& why)
 {
-    if (isPackPath(operand))
+    if (const game_path path(operand); path.isInternal())
     {
-        tree = loadArchives(context, why);
-        return tree && definition.openFromInternalPath(std::string(internalPathOf(operand)), why);
+        game = context.game().archives(why);
+        return game && definition.openFromInternalPath(std::string(path.internalPath()), why, game->definitionReader());
     }
     if (!definition.open(operand, why)) // before the archives: a wrong name is said at once
         return false;
     failure no_archives;
-    tree = loadArchives(context, no_archives);
-    if (tree)
-        return definition.open(operand, why);
-    if (hasDataFolders(context) || !definition.problems().empty())
+    game = context.game().archives(no_archives);
+    if (game)
+        return definition.open(operand, why, game->definitionReader());
+    if (context.game().hasFolders() || !definition.problems().empty())
         context.note(terminalText(describe(no_archives)));
     return true;
 }
@@ -190,15 +182,15 @@ bool openDefinition(cli_context& context, const std::string& operand, variant_me
 void runVariant(cli_context& context, const std::string& operand)
 {
     variant_mesh_def definition;
-    std::shared_ptr<const path_tree> tree;
+    std::shared_ptr<const game_data> game;
     failure why;
-    if (!openDefinition(context, operand, definition, tree, why))
+    if (!openDefinition(context, operand, definition, game, why))
         return context.fail(why);
     for (const std::string& problem : definition.problems())
         context.note(terminalText(problem));
     if (context.is_json)
-        return printDefinitionJson(context, definition, tree.get());
-    definition_printer printer(context, tree.get());
+        return printDefinitionJson(context, definition, game.get());
+    definition_printer printer(context, game.get());
     printer.print(definition.root());
     printer.printSum();
 }

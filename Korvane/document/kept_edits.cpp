@@ -2,8 +2,8 @@
 
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/game_file.h"
 #include "Korvane/document/open_files.h"
+#include "Korvane/game/game_path.h"
 
 #include <algorithm>
 #include <chrono>
@@ -88,7 +88,7 @@ bool hasChanged(const edit_origin& origin)
 {
     memory_file now;
     failure gone;
-    return !isPackPath(origin.path) && // nothing is saved there anyway
+    return !game_path(origin.path).isInternal() && // nothing is saved there anyway
            (!now.read(origin.path, gone) || fingerprintOf(now.bytes()) != origin.fingerprint);
 }
 

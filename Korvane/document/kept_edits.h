@@ -14,7 +14,6 @@
 #include "EASY_GUI/services/log_port.h"
 #include "EASY_GUI/services/memory_file.h"
 #include "EASY_GUI/services/user_prompt.h"
-
 #include "Korvane/models/rmv2_writer.h"
 
 #include <mutex>

@@ -1,7 +1,7 @@
 #include "Korvane/document/model_commands.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/game_file.h"
+#include "Korvane/game/game_path.h"
 #include "Korvane/models/rmv2_writer.h"
 
 namespace korvane
@@ -41,7 +41,7 @@ bool model_commands::isEnabled(document_command command) const
     case document_command::show_view:
         return m_document.shown() != open_files::kind::nothing;
     case document_command::open_folder:
-        return hasModel() && !isPackPath(model.file()->path());
+        return hasModel() && !game_path(model.file()->path()).isInternal();
     case document_command::choose_alpha_mode:
         return model.selectedGroup() != nullptr;
     case document_command::choose_texture:
@@ -56,7 +56,7 @@ command_outcome model_commands::save()
     if (!hasModel())
         return command_outcome::cancelled;
     const std::string path = m_document.model().file()->path();
-    return isPackPath(path) || m_document.model().savesElsewhere() ? saveAs() : saveTo(path);
+    return game_path(path).isInternal() || m_document.model().savesElsewhere() ? saveAs() : saveTo(path);
 }
 
 command_outcome model_commands::saveAs()

@@ -1,8 +1,6 @@
 #include "Korvane/document/open_definition.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/game_file.h"
-#include "Korvane/archives/pack_file.h"
 
 #include <algorithm>
 #include <string_view>
@@ -30,11 +28,13 @@ bool isDefinitionPath(const std::string& path)
     return endsWithIgnoringCase(path, extension);
 }
 
-bool open_definition::open(const std::string& path, failure& why)
+bool open_definition::open(const std::string& path, failure& why, const game_data& game)
 {
     variant_mesh_def fresh;
+    const game_path where(path);
     const bool is_open =
-        isPackPath(path) ? fresh.openFromInternalPath(std::string(internalPathOf(path)), why) : fresh.open(path, why);
+        where.isInternal() ? fresh.openFromInternalPath(std::string(where.internalPath()), why, game.definitionReader())
+                           : fresh.open(path, why, game.definitionReader());
     if (!is_open)
     {
         why.path = path; // with its prefix, as the person gave it
@@ -43,6 +43,7 @@ bool open_definition::open(const std::string& path, failure& why)
     m_definition = std::move(fresh);
     m_path = path;
     m_models = m_definition.models();
+    m_has_archives = game.hasArchives();
     return true;
 }
 
@@ -53,7 +54,7 @@ std::string open_definition::summary(const std::optional<drawn_models>& drawn) c
     text += m_models.empty() ? "names no models" : counted(m_models.size(), "model", "models");
     if (drawn && failed < m_models.size())
         text += ", " + counted(drawn->triangles, "triangle", "triangles");
-    if (failed > 0 && !pack_file::sm_poPathTree)
+    if (failed > 0 && !m_has_archives)
         return text + "; there are no archives to take them from: set the data folders";
     if (failed > 0)
         text += "; " + std::to_string(failed) + " could not be opened";

@@ -5,6 +5,7 @@
 
 #include "EASY_GUI/services/failure.h"
 #include "Korvane/archives/variant_mesh_def.h"
+#include "Korvane/game/game_data.h"
 
 #include <cstddef>
 #include <optional>
@@ -27,8 +28,9 @@ struct drawn_models
 class open_definition
 {
 public:
-    // Reads the definition at a path, on the disk or with "pack:" in the archives. On failure what was open stays.
-    [[nodiscard]] bool open(const std::string& path, failure& why);
+    // Reads the definition at a path, on the disk or with "pack:" out of the game, and those that it refers to out of
+    // the game. On failure what was open stays.
+    [[nodiscard]] bool open(const std::string& path, failure& why, const game_data& game = {});
 
     bool hasDefinition() const { return !path().empty(); }
     const std::string& path() const { return m_path; }                            // as it was given; empty: none
@@ -44,6 +46,7 @@ private:
     variant_mesh_def m_definition;
     std::string m_path;
     std::vector<std::string> m_models;
+    bool m_has_archives = false; // when it was opened
 };
 
 } // namespace korvane

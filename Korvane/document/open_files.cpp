@@ -2,7 +2,6 @@
 
 #include "EASY_GUI/services/text.h"
 #include "EASY_GUI/services/version.h"
-#include "Korvane/archives/game_file.h"
 
 #include <utility>
 
@@ -19,7 +18,7 @@ open_error describeOpenFailure(const std::string& path, const failure& why)
 bool open_files::open(const std::string& path, failure& why)
 {
     const bool is_definition = isDefinitionPath(path);
-    if (!(is_definition ? m_definition.open(path, why) : m_model.open(path, why)))
+    if (!(is_definition ? m_definition.open(path, why, *m_po_game) : m_model.open(path, why, *m_po_game)))
         return false;
     m_shown = is_definition ? kind::definition : kind::model;
     return true;
@@ -42,12 +41,12 @@ std::vector<open_error> open_files::reopen()
 {
     std::vector<open_error> errors;
     failure why;
-    if (m_model.hasModel() && !m_model.isEdited() && isPackPath(m_model.file()->path()))
-        if (const std::string path = m_model.file()->path(); !m_model.open(path, why))
+    if (m_model.hasModel() && !m_model.isEdited() && game_path(m_model.file()->path()).isInternal())
+        if (const std::string path = m_model.file()->path(); !m_model.open(path, why, *m_po_game))
             errors.push_back(describeOpenFailure(path, why));
     why = {};
     if (m_definition.hasDefinition())
-        if (const std::string path = m_definition.path(); !m_definition.open(path, why))
+        if (const std::string path = m_definition.path(); !m_definition.open(path, why, *m_po_game))
             errors.push_back(describeOpenFailure(path, why));
     return errors;
 }

@@ -7,8 +7,10 @@
 #include "Korvane/document/open_definition.h"
 #include "Korvane/document/open_model.h"
 
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace korvane
@@ -32,9 +34,13 @@ public:
         definition
     };
 
-    // Opens a path by its ending, on the disk or with "pack:" in the archives. On failure nothing changes.
+    // Out of which game paths are opened from now on: without one the disk alone.
+    void setGame(std::shared_ptr<const game_data> game) { m_po_game = std::move(game); }
+    const std::shared_ptr<const game_data>& game() const { return m_po_game; } // never null
+
+    // Opens a path by its ending, on the disk or with "pack:" out of the game. On failure nothing changes.
     [[nodiscard]] bool open(const std::string& path, failure& why);
-    // After the archives were read again: opens again what came out of them, and the definition, whose references do.
+    // After another game was set: opens again what came out of it, and the definition, whose references do.
     // What can no longer be opened stays as it was; a message for each. A model with edits is left alone.
     [[nodiscard]] std::vector<open_error> reopen();
 
@@ -55,6 +61,7 @@ public:
     [[nodiscard]] std::string status(const std::optional<drawn_models>& drawn) const;
 
 private:
+    std::shared_ptr<const game_data> m_po_game = std::make_shared<const game_data>();
     open_model m_model;
     open_definition m_definition;
     kind m_shown = kind::nothing;

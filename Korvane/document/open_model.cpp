@@ -1,6 +1,6 @@
 #include "Korvane/document/open_model.h"
 
-#include "Korvane/archives/game_file.h"
+#include "Korvane/game/game_model.h"
 #include "Korvane/models/catalogue.h"
 #include "Korvane/models/rmv2_writer.h"
 
@@ -9,13 +9,11 @@
 namespace korvane
 {
 
-bool open_model::open(const std::string& path, failure& why)
+bool open_model::open(const std::string& path, failure& why, const game_data& game)
 {
     // A fresh reader each time: one that has read a version 5 file keeps that version's text widths.
     auto fresh = std::make_shared<rmv2_file>();
-    memory_file bytes;
-    if (isPackPath(path) ? !readGameFile(path, bytes, why) || !fresh->openFromMemory(std::move(bytes), path, why)
-                         : !fresh->open(path, why))
+    if (!openModel(game, path, *fresh, why))
         return false;
     replace(std::move(fresh));
     tellKeeper(image_state::other);

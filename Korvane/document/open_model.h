@@ -6,6 +6,7 @@
 #include "Korvane/document/kept_edits.h"
 #include "Korvane/document/model_editor.h"
 #include "Korvane/document/panel_contents.h"
+#include "Korvane/game/game_data.h"
 #include "Korvane/models/rmv2_file.h"
 
 #include <memory>
@@ -17,10 +18,10 @@ namespace korvane
 class open_model
 {
 public:
-    // Reads the model at a path, on the disk or with "pack:" in the archives. On failure what was open stays open, with
+    // Reads the model at a path, on the disk or with "pack:" out of the game. On failure what was open stays open, with
     // its selection and edits. The former selection is kept as far as the new model has it, else the first LOD and
     // group are chosen.
-    [[nodiscard]] bool open(const std::string& path, failure& why);
+    [[nodiscard]] bool open(const std::string& path, failure& why, const game_data& game = {});
     void close();
     // Edits that were kept when a program ended, in place of what was open: they are not saved, and there is no undo to
     // before them. is_elsewhere: what stands at the path now is not what was edited, a save has to ask for a path.

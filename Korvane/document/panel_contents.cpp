@@ -1,7 +1,7 @@
 #include "Korvane/document/panel_contents.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/game_file.h"
+#include "Korvane/game/game_path.h"
 #include "Korvane/models/catalogue.h"
 
 #include <algorithm>
@@ -70,7 +70,7 @@ std::vector<std::string> groupEntries(const RMV2_FILE_DATA& model, int lod)
 
 file_info_content fileInfo(const rmv2_file& model)
 {
-    return {model.path(), !isPackPath(model.path()), std::to_string(model.version()),
+    return {model.path(), !game_path(model.path()).isInternal(), std::to_string(model.version()),
             std::string(versionLabel(model.version())), displayText(model.data().skeleton_id)};
 }
 

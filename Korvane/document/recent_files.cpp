@@ -2,7 +2,7 @@
 
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/game_file.h"
+#include "Korvane/game/game_path.h"
 
 #include <algorithm>
 
@@ -19,7 +19,7 @@ std::vector<std::string> recentFiles(const config_file& config)
     std::vector<std::string> files = config.get(recent_files_key);
     files.resize(std::min(files.size(), max_recent_files));
     for (std::string& file : files)
-        if (!isPackPath(file))
+        if (!game_path(file).isInternal())
             file = existingPathAnyCase(file);
     return files;
 }

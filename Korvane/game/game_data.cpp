@@ -2,7 +2,6 @@
 
 #include "Korvane/archives/internal_path.h"
 #include "Korvane/archives/loose_file.h"
-#include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/skeleton_entries.h"
 
 namespace korvane
@@ -62,32 +61,44 @@ bool game_data::read(const game_path& path, memory_file& bytes, failure& why) co
 {
     if (!path.isInternal())
         return bytes.read(path.text(), why);
-    if (const game_file found = find(path.internalPath()))
-        return found.read(bytes, why);
-    if (!hasArchives())
-        return fail(why, failure_kind::not_found, "no archives are loaded", path.text());
-    return fail(why, failure_kind::not_found,
-                m_po_archives->find(path.internalPath()) ? "this is a folder of the archives, not a file"
-                                                         : "no archive holds this path",
-                path.text());
+    if (readInternal(path.internalPath(), bytes, why))
+        return true;
+    if (why.kind == failure_kind::not_found)
+        why.path = path.text();
+    return false;
+}
+
+bool game_data::readInternal(std::string_view internal_path, memory_file& bytes, failure& why,
+                             std::uint64_t limit) const
+{
+    if (const game_file found = find(internal_path))
+        return found.read(bytes, why, limit);
+    const char* const what = !hasArchives()                       ? "no archives are loaded"
+                             : m_po_archives->find(internal_path) ? "this is a folder of the archives, not a file"
+                                                                  : "no archive holds this path";
+    return fail(why, failure_kind::not_found, what, std::string(internal_path));
+}
+
+definition_reader game_data::definitionReader() const
+{
+    if (!hasArchives() && m_folders_over.empty())
+        return {};
+    return [game = *this](const std::string& internal_path, std::uint64_t limit, memory_file& text, failure& why) {
+        return game.readInternal(internal_path, text, why, limit);
+    };
 }
 
 std::optional<memory_file> game_data::readTexture(std::string_view internal_path, const game_path& around,
-                                                  const std::function<void(const std::string&)>& log) const
+                                                  const log_port& log) const
 {
     const game_file found = findAround(internal_path, around);
     memory_file bytes;
     failure why;
     if (found && found.read(bytes, why))
         return bytes;
-    if (found.entry() && log)
-        log(describe(why));
+    if (found.entry())
+        tell(log, describe(why));
     return std::nullopt;
-}
-
-game_data publishedGame()
-{
-    return game_data(pack_file::sm_poPathTree);
 }
 
 } // namespace korvane

@@ -5,11 +5,14 @@
 // pointer to const, and used from any thread. Paths may be spelled with '\' or '/', in any case, with blanks at their
 // ends; nothing that a path says leads out of the folders in which it is looked for.
 
+#include "EASY_GUI/services/log_port.h"
 #include "Korvane/archives/path_tree.h"
+#include "Korvane/archives/variant_mesh_def.h"
 #include "Korvane/game/game_file.h"
 #include "Korvane/game/game_path.h"
 
-#include <functional>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -47,10 +50,15 @@ public:
     // Reads what a path names, from the disk or, with "pack:", out of the game. On failure bytes stays as it is, and
     // not_found says whether there are no archives, or none that holds it.
     [[nodiscard]] bool read(const game_path& path, memory_file& bytes, failure& why) const;
+    // The same for an internal path; one with more bytes than the limit is refused before memory is taken for it.
+    [[nodiscard]] bool readInternal(std::string_view internal_path, memory_file& bytes, failure& why,
+                                    std::uint64_t limit = std::numeric_limits<std::uint64_t>::max()) const;
+    // For a definition's references; empty when there are neither archives nor folders. A copy of the game serves it.
+    [[nodiscard]] definition_reader definitionReader() const;
     // The bytes of a model's texture, found around the model; nothing when there is none or it cannot be read. For an
     // entry that is there but damaged the log, which may be empty, gets a line.
     [[nodiscard]] std::optional<memory_file> readTexture(std::string_view internal_path, const game_path& around,
-                                                         const std::function<void(const std::string&)>& log) const;
+                                                         const log_port& log) const;
 
 private:
     game_file findOver(std::string_view internal_path) const;
@@ -59,8 +67,5 @@ private:
     std::shared_ptr<const path_tree> m_po_archives;
     std::vector<std::string> m_folders_over;
 };
-
-// What is loaded in this process (pack_file::sm_poPathTree), for the one who hands it on.
-[[nodiscard]] game_data publishedGame();
 
 } // namespace korvane

@@ -8,6 +8,8 @@
 #include "Korvane/archives/path_tree.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <span>
 #include <string>
@@ -29,8 +31,10 @@ public:
     // The internal path of an entry, or the path on the disk.
     std::string path() const { return m_po_entry ? std::string(m_po_entry->internalPath()) : m_disk_path; }
 
-    // The whole file, unpacked. On failure bytes stays as it is, and why.path says which file it is.
-    [[nodiscard]] bool read(memory_file& bytes, failure& why) const;
+    // The whole file, unpacked. On failure bytes stays as it is, and why.path says which file it is. One with more
+    // bytes than the limit is refused before memory is taken for it.
+    [[nodiscard]] bool read(memory_file& bytes, failure& why,
+                            std::uint64_t limit = std::numeric_limits<std::uint64_t>::max()) const;
     // Fills target with the file's first bytes, unpacked, and gives how many there are: fewer than target has only
     // where the file ends.
     [[nodiscard]] bool readStart(std::span<std::byte> target, std::size_t& count, failure& why) const;

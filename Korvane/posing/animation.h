@@ -24,15 +24,14 @@ public:
     // hold what its counts say.
     [[nodiscard]] bool expand(std::shared_ptr<const anim_data> source, std::span<const joint> bind, failure& why);
 
-    std::size_t boneCount() const { return m_channels.size(); } // of the skeleton
     std::uint32_t frameCount() const { return m_source ? m_source->frame_count : 0; }
     double frameRate() const { return m_source ? static_cast<double>(m_source->frame_rate) : 0; } // frames a second
     double endTime() const { return m_source ? static_cast<double>(m_source->end_time) : 0; }     // seconds
     const anim_data* source() const { return m_source.get(); } // the file, with its maps and counts; null: none
 
-    // Sets the translations and rotations of a pose of boneCount() joints, and nothing else of them; allocates nothing.
-    // The pose lies between a frame and the next; fraction goes from 0 to 1. The last frame, and any beyond it, blends
-    // into the first one. Without frames it is the bind pose.
+    // Sets the translations and rotations of a pose of as many joints as the skeleton has, and nothing else of them;
+    // allocates nothing. The pose lies between a frame and the next; fraction goes from 0 to 1. The last frame, and any
+    // beyond it, blends into the first one. Without frames it is the bind pose.
     void sample(std::uint64_t frame, float fraction, std::span<joint> pose) const;
 
 private:

@@ -4,7 +4,6 @@
 #include "Korvane/animation/anim_dump.h"
 #include "Korvane/animation/bone_table.h"
 #include "tests/support/anim_builder.h"
-#include "tests/support/recording_prompt.h"
 
 #include <gtest/gtest.h>
 
@@ -65,12 +64,11 @@ void validate(const anim_data& data, anim_depth depth, std::size_t size)
 void loadDamaged(anim_depth depth, const std::string& bytes, const std::string& what)
 {
     SCOPED_TRACE(what);
-    test::recording_prompt prompt;
-    anim_file file(prompt);
+    anim_file file;
     failure why;
     if (load(file, depth, bytes, why))
     {
-        EXPECT_TRUE(prompt.shown.empty());
+        EXPECT_FALSE(file.lastNotice());
         return validate(file.data(), depth, bytes.size());
     }
     EXPECT_TRUE(why);
@@ -79,7 +77,7 @@ void loadDamaged(anim_depth depth, const std::string& bytes, const std::string& 
     EXPECT_FALSE(why.field.empty());
     EXPECT_LE(why.offset, bytes.size());
     EXPECT_TRUE(file.data().bones.empty());
-    EXPECT_EQ(prompt.shown.size(), why.kind == failure_kind::unsupported ? 0u : 1u);
+    EXPECT_EQ(file.lastNotice().has_value(), why.kind != failure_kind::unsupported);
 }
 
 } // namespace
@@ -94,13 +92,12 @@ TEST(anim_damage, everyCutIsRefused)
             const std::size_t frames = depth == anim_depth::bones_only ? 80 : 0; // a template needs none
             for (std::size_t size = 0; size < bytes.size() - frames; ++size)
             {
-                test::recording_prompt prompt;
-                anim_file file(prompt);
+                anim_file file;
                 failure why;
                 ASSERT_FALSE(load(file, depth, bytes.substr(0, size), why)) << version << ", " << size;
                 ASSERT_EQ(why.kind, failure_kind::truncated) << describe(why);
                 ASSERT_LE(why.offset, size);
-                ASSERT_EQ(prompt.shown.size(), 1u);
+                ASSERT_TRUE(file.lastNotice());
             }
         }
 }
@@ -161,8 +158,7 @@ TEST(anim_damage, liesAreRefusedWithTheirPlace)
         test::bytes_out patched;
         patched.text(test::testSkeleton(7).bytes());
         patched.putU32(row.at, row.value);
-        test::recording_prompt prompt;
-        anim_file file(prompt);
+        anim_file file;
         failure why;
         EXPECT_FALSE(load(file, row.depth, patched.str(), why)) << row.name;
         EXPECT_EQ(why.kind, row.kind) << row.name << ": " << describe(why);
@@ -180,8 +176,7 @@ TEST(anim_damage, theLimitsThemselvesAreGood)
     source.translation_count = 0;
     for (auto& frame : source.frames)
         frame = {{}, std::vector<std::array<std::int16_t, 4>>(256)};
-    test::recording_prompt prompt;
-    anim_file file(prompt);
+    anim_file file;
     failure why;
     ASSERT_TRUE(load(file, anim_depth::animation, source.bytes(), why)) << describe(why);
     validate(file.data(), anim_depth::animation, source.bytes().size());

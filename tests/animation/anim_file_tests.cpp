@@ -2,7 +2,6 @@
 
 #include "Korvane/animation/anim_file.h"
 #include "tests/support/anim_builder.h"
-#include "tests/support/recording_prompt.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -30,8 +29,7 @@ protected:
     }
     const anim_data& data() const { return file.data(); }
 
-    test::recording_prompt prompt;
-    anim_file file{prompt};
+    anim_file file;
     failure why;
 };
 
@@ -75,7 +73,7 @@ TEST_F(anim_file_tests, anAnimationIsReadAsItsPageSays)
         const std::uint64_t begin = version == 7 ? 111 : 99;
         EXPECT_EQ(data().first_bone_offsets, (std::vector<std::uint64_t>{begin, begin + 40}));
     }
-    EXPECT_TRUE(prompt.shown.empty());
+    EXPECT_FALSE(file.lastNotice());
 }
 
 TEST_F(anim_file_tests, aSkeletonHasItsBindPoseInTheProgramsSpace)
@@ -259,7 +257,7 @@ TEST_F(anim_file_tests, staticValuesMayFillMegabytes)
     EXPECT_EQ(data().frameTranslations(1)[1], glm::vec3(-0.5f, -0.5f, 8.0f));
 }
 
-TEST_F(anim_file_tests, filesOnDiskAndFailuresAreToldToThePrompt)
+TEST_F(anim_file_tests, filesOnDiskAndFailuresHaveNotices)
 {
     const test::temporary_folder folder;
     const std::string good = folder.file("good.anim"), missing = folder.file("missing.anim");
@@ -272,20 +270,21 @@ TEST_F(anim_file_tests, filesOnDiskAndFailuresAreToldToThePrompt)
     EXPECT_EQ(why.path, missing);
     EXPECT_EQ(file.path(), "");
     EXPECT_TRUE(data().bones.empty());
-    ASSERT_EQ(prompt.shown.size(), 1u);
-    EXPECT_EQ(prompt.shown[0], std::make_pair(std::string("Fatal Error!"), "File: " + missing + " is missing"));
+    ASSERT_TRUE(file.lastNotice());
+    EXPECT_EQ(file.lastNotice()->title, "Fatal Error!");
+    EXPECT_EQ(file.lastNotice()->text, "File: " + missing + " is missing");
 
     test_anim source;
     source.version = 6;
     EXPECT_FALSE(load(anim_depth::animation, source.bytes()));
     EXPECT_EQ(why.kind, failure_kind::unsupported);
     EXPECT_EQ(why.field, "version");
-    EXPECT_EQ(prompt.shown.size(), 1u); // nobody is bothered with it
+    EXPECT_FALSE(file.lastNotice()) << "nobody is bothered with it";
 
     EXPECT_FALSE(load(anim_depth::animation, test_anim{}.bytes().substr(0, 60)));
-    ASSERT_EQ(prompt.shown.size(), 2u);
-    EXPECT_EQ(prompt.shown[1].first, "Fatal Error!");
-    EXPECT_EQ(prompt.shown[1].second, "File: " + describe(why));
+    ASSERT_TRUE(file.lastNotice());
+    EXPECT_EQ(file.lastNotice()->title, "Fatal Error!");
+    EXPECT_EQ(file.lastNotice()->text, "File: " + describe(why));
 }
 
 TEST_F(anim_file_tests, bytesInMemoryServeSeveralLoadsUntilReset)

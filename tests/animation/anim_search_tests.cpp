@@ -5,7 +5,6 @@
 #include "Korvane/archives/pack_file.h"
 #include "tests/support/anim_builder.h"
 #include "tests/support/pack_builder.h"
-#include "tests/support/recording_prompt.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -156,20 +155,19 @@ TEST_F(anim_search_tests, aStopRequestEndsTheSteps)
 TEST_F(anim_search_tests, theListBeginsWithConvertedFiles)
 {
     addUsualArchives();
-    test::recording_prompt prompt;
     text_list log;
     const text_list converted = {"d:\\work\\my walk.anim", "other/run.anim"};
-    const std::vector<animation_choice> list =
-        listAnimations(*tree, "man_01", converted, prompt, [&log](const std::string& line) { log.push_back(line); });
-    ASSERT_EQ(list.size(), 3u);
-    EXPECT_EQ(list[0].label, "[DISK]: my walk.anim");
-    EXPECT_EQ(list[0].disk_path, converted[0]);
-    EXPECT_EQ(list[1].label, "[DISK]: run.anim");
-    EXPECT_EQ(list[2].label, "run.anim");
-    ASSERT_NE(list[2].entry, nullptr);
+    const animation_list list =
+        listAnimations(*tree, "man_01", converted, [&log](const std::string& line) { log.push_back(line); });
+    ASSERT_EQ(list.choices.size(), 3u);
+    EXPECT_EQ(list.choices[0].label, "[DISK]: my walk.anim");
+    EXPECT_EQ(list.choices[0].disk_path, converted[0]);
+    EXPECT_EQ(list.choices[1].label, "[DISK]: run.anim");
+    EXPECT_EQ(list.choices[2].label, "run.anim");
+    ASSERT_NE(list.choices[2].entry, nullptr);
     EXPECT_EQ(log, (text_list{"seaching for compatible animations", "Number of animations found 1",
                               "Skeletopn + Animation find+load SUCCESSFUL!"}));
-    EXPECT_TRUE(prompt.shown.empty());
+    EXPECT_FALSE(list.said);
 }
 
 TEST_F(anim_search_tests, manyCandidatesKeepTheirOrderAndAnUnreadableArchiveEndsThem)
@@ -196,11 +194,11 @@ TEST_F(anim_search_tests, manyCandidatesKeepTheirOrderAndAnUnreadableArchiveEnds
     EXPECT_EQ(why.kind, failure_kind::unreadable);
     EXPECT_EQ(why.path, "3000.anim in " + archivePath("y"));
 
-    test::recording_prompt prompt;
-    EXPECT_EQ(listAnimations(*tree, "Man_01", text_list{"a.anim"}, prompt).size(), 1001u);
-    ASSERT_EQ(prompt.shown.size(), 1u);
-    EXPECT_EQ(prompt.shown[0].first, "Error!");
-    EXPECT_EQ(prompt.shown[0].second, "Error reading .pack files. Are they being used by another program?");
+    const animation_list list = listAnimations(*tree, "Man_01", text_list{"a.anim"});
+    EXPECT_EQ(list.choices.size(), 1001u);
+    ASSERT_TRUE(list.said);
+    EXPECT_EQ(list.said->title, "Error!");
+    EXPECT_EQ(list.said->text, "Error reading .pack files. Are they being used by another program?");
 
     compatible_search search(tree, "Man_01"); // passes over what it cannot read
     while (search.step())

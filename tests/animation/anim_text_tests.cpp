@@ -4,7 +4,6 @@
 #include "Korvane/animation/anim_dump.h"
 #include "Korvane/animation/bone_table.h"
 #include "tests/support/anim_builder.h"
-#include "tests/support/recording_prompt.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -102,8 +101,7 @@ std::string asInTextMode(const std::string& text)
 TEST(anim_text, theBoneTableIsTheOneByHand)
 {
     const test::temporary_folder folder;
-    test::recording_prompt prompt;
-    anim_file file(prompt);
+    anim_file file;
     failure why;
     file.openFromMemory(memory_file(beast().bytes()), "beast.anim");
     ASSERT_TRUE(file.loadSkeleton({}, why)) << describe(why);
@@ -114,15 +112,14 @@ TEST(anim_text, theBoneTableIsTheOneByHand)
 
     EXPECT_FALSE(writeBoneTable(file.data(), folder.file("none/beast.bone_table"), why));
     EXPECT_EQ(why.kind, failure_kind::unwritable);
-    EXPECT_TRUE(prompt.shown.empty());
+    EXPECT_FALSE(file.lastNotice());
     EXPECT_EQ(folder.fileCount(), 1u);
 }
 
 TEST(anim_text, theDumpIsTheOneByHand)
 {
     const test::temporary_folder folder;
-    test::recording_prompt prompt;
-    anim_file file(prompt);
+    anim_file file;
     failure why;
     file.openFromMemory(memory_file(test::test_anim{}.bytes()), "walk.anim");
     ASSERT_TRUE(file.loadAnimation({}, why)) << describe(why);
@@ -134,8 +131,7 @@ TEST(anim_text, theDumpIsTheOneByHand)
 
 TEST(anim_text, rotationsThatBelongToNoBoneAreDumpedWithoutAName)
 {
-    test::recording_prompt prompt;
-    anim_file file(prompt);
+    anim_file file;
     failure why;
     test::test_anim source;
     source.rotation_map = {test::test_anim::none, 9000, test::test_anim::none};
@@ -153,8 +149,7 @@ TEST(anim_text, rotationsThatBelongToNoBoneAreDumpedWithoutAName)
 
 TEST(anim_text, theDumpOfATemplateHasNoFrames)
 {
-    test::recording_prompt prompt;
-    anim_file file(prompt);
+    anim_file file;
     failure why;
     test::test_anim source;
     source.translation_count = source.rotation_count = 0;

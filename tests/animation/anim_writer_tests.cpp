@@ -4,7 +4,6 @@
 
 #include "Korvane/animation/anim_file.h"
 #include "tests/support/anim_builder.h"
-#include "tests/support/recording_prompt.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -46,14 +45,14 @@ protected:
     std::string write(const anim_output& output, std::uint32_t version)
     {
         why = {};
-        if (!writeAnim(output, version, path, prompt, why))
+        if (!writeAnim(output, version, path, said, why))
             return {};
         return test::readBytes(path);
     }
 
     test::temporary_folder folder;
     std::string path = folder.file("out.anim");
-    test::recording_prompt prompt;
+    std::optional<notice> said;
     failure why;
 };
 
@@ -166,7 +165,7 @@ TEST_F(anim_writer_tests, version7FilesAreRefusedWithAClearReason)
             {
                 std::vector<std::byte> changed = bytes;
                 changed.resize(bytes.size() + static_cast<std::size_t>(more));
-                anim_file file(prompt);
+                anim_file file;
                 failure reason;
                 file.openFromMemory(memory_file(changed), "out.anim");
                 EXPECT_FALSE(depth == anim_depth::skeleton    ? file.loadSkeleton({}, reason)
@@ -204,7 +203,7 @@ TEST_F(anim_writer_tests, otherVersion7FilesAreRead)
     for (const test::test_anim& source : {still, one, twelve})
         for (const char* const trailing : {"", "more"})
         {
-            anim_file file(prompt);
+            anim_file file;
             file.openFromMemory(memory_file(source.bytes() + trailing), "real.anim");
             EXPECT_TRUE(file.loadAnimation({}, why)) << describe(why);
             EXPECT_EQ(file.data().frame_count, 2u);
@@ -261,7 +260,7 @@ TEST_F(anim_writer_tests, everyNumberOfAFileComesBack)
     for (int number = -32768; number < 32768; ++number)
         source.frames.push_back({{}, {{static_cast<std::int16_t>(number), 0, 0, 0}}});
     source.frame_count = 65536;
-    anim_file file(prompt);
+    anim_file file;
     file.openFromMemory(memory_file(source.bytes()), "all");
     ASSERT_TRUE(file.loadAnimation({}, why)) << describe(why);
     anim_output output = sampleTake();
@@ -300,22 +299,23 @@ TEST_F(anim_writer_tests, contradictionsAreRefusedAndNothingIsWritten)
         anim_output output = sampleTake();
         row.spoil(output);
         why = {};
-        EXPECT_FALSE(writeAnim(output, row.version, path, prompt, why)) << row.what;
+        EXPECT_FALSE(writeAnim(output, row.version, path, said, why)) << row.what;
         EXPECT_EQ(why.kind, failure_kind::refused) << row.what;
         EXPECT_NE(why.what.find(row.what), std::string::npos) << describe(why);
         EXPECT_EQ(why.path, path);
     }
     EXPECT_EQ(folder.fileCount(), 0u);
-    EXPECT_TRUE(prompt.shown.empty());
+    EXPECT_FALSE(said);
 }
 
-TEST_F(anim_writer_tests, aPathThatCannotBeWrittenIsToldToThePrompt)
+TEST_F(anim_writer_tests, aPathThatCannotBeWrittenHasANotice)
 {
     path = folder.file("no such folder/out.anim");
-    EXPECT_FALSE(writeAnim(sampleTake(), 5, path, prompt, why));
+    EXPECT_FALSE(writeAnim(sampleTake(), 5, path, said, why));
     EXPECT_EQ(why.kind, failure_kind::unwritable);
-    ASSERT_EQ(prompt.shown.size(), 1u);
-    EXPECT_EQ(prompt.shown[0], std::make_pair(std::string("Save Error!"), "Cannot create: " + path));
+    ASSERT_TRUE(said);
+    EXPECT_EQ(said->title, "Save Error!");
+    EXPECT_EQ(said->text, "Cannot create: " + path);
 }
 
 } // namespace korvane

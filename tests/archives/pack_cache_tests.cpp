@@ -4,7 +4,6 @@
 #include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/pack_reader.h"
 #include "tests/support/pack_builder.h"
-#include "tests/support/recording_prompt.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -93,21 +92,21 @@ struct loading
     std::string cache_line; // the last of those
     std::string shown;
     bool has_written = false;
+    std::shared_ptr<const path_tree> tree;
 
     explicit loading(const data_folder& folder, const pack_cache* cache)
     {
-        test::recording_prompt prompt;
         const auto note = [this](const std::string& line) {
             if (line.starts_with("[PACK CACHE]"))
                 cache_line = line;
             else
                 log += line + "\n";
         };
-        pack_reader reader({prompt, note, {}, cache});
+        pack_reader reader({{}, {}, note}, cache);
         EXPECT_TRUE(reader.loadAllArchives({folder.path("")}));
         has_written = reader.hasWrittenCache();
-        content = contentOf(*pack_file::sm_poPathTree);
-        for (const auto& [title, text] : prompt.shown)
+        content = contentOf(*(tree = reader.tree()));
+        for (const auto& [title, text] : reader.notices())
             shown += title + "|" + text;
     }
 
@@ -137,7 +136,7 @@ TEST(pack_cache, whatComesOutOfItIsWhatTheArchivesHold)
 
     memory_file bytes; // and the files can be read
     failure why;
-    ASSERT_TRUE(readEntry(*pack_file::sm_poPathTree->find("models/A.rigid_model_v2")->file(), bytes, why));
+    ASSERT_TRUE(readEntry(*second.tree->findFile("models/A.rigid_model_v2"), bytes, why));
     EXPECT_EQ(bytes.text(), "second");
 }
 

@@ -1,4 +1,3 @@
-#include "Korvane/archives/entry_start.h"
 #include "Korvane/archives/pack_entry.h"
 #include "Korvane/archives/pack_file.h"
 #include "tests/support/pack_builder.h"

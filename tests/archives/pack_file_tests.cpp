@@ -2,7 +2,6 @@
 #include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/pack_reader.h"
 #include "tests/support/pack_builder.h"
-#include "tests/support/recording_prompt.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -42,15 +41,11 @@ std::shared_ptr<path_tree> treeOf(const test::temporary_folder& folder, const te
 // Loads the folder and returns the log.
 struct loaded_folder
 {
-    test::recording_prompt prompt;
     std::vector<std::string> log;
+    pack_reader reader{{{}, {}, [this](const std::string& line) { log.push_back(line); }}};
     bool is_loaded = false;
 
-    explicit loaded_folder(const std::vector<std::string>& folders)
-    {
-        pack_reader reader({prompt, [this](const std::string& line) { log.push_back(line); }, {}});
-        is_loaded = reader.loadAllArchives(folders);
-    }
+    explicit loaded_folder(const std::vector<std::string>& folders) { is_loaded = reader.loadAllArchives(folders); }
 };
 
 } // namespace
@@ -243,9 +238,9 @@ TEST(pack_reader, theLowestNameWinsAndTheLogTellsTheOrder)
     std::filesystem::create_directories(toPath(folder.file("folder.pack")));
     const loaded_folder result({folder.file("")});
     ASSERT_TRUE(result.is_loaded);
-    ASSERT_TRUE(pack_file::sm_poPathTree);
-    EXPECT_EQ(contentOf(*pack_file::sm_poPathTree, "shared"), "B");
-    EXPECT_EQ(contentOf(*pack_file::sm_poPathTree, "only c.pack"), "c");
+    ASSERT_TRUE(result.reader.tree());
+    EXPECT_EQ(contentOf(*result.reader.tree(), "shared"), "B");
+    EXPECT_EQ(contentOf(*result.reader.tree(), "only c.pack"), "c");
     ASSERT_EQ(result.log.size(), 5u);
     EXPECT_EQ(result.log[0], ".pack files being sorted...");
     EXPECT_EQ(result.log[1], ".pack files is sorted in the following order: ");
@@ -267,11 +262,11 @@ TEST(pack_reader, oneBadArchiveDoesNotLockTheOthersOut)
     test::writeBytes(folder.file("short.pack"), "PF");
     const loaded_folder result({folder.file("")});
     EXPECT_TRUE(result.is_loaded);
-    EXPECT_EQ(contentOf(*pack_file::sm_poPathTree, "good"), "yes");
-    ASSERT_EQ(result.prompt.shown.size(), 1u); // one box that names all of them
-    EXPECT_EQ(result.prompt.shown[0].first, "Error!");
+    EXPECT_EQ(contentOf(*result.reader.tree(), "good"), "yes");
+    ASSERT_EQ(result.reader.notices().size(), 1u); // one box that names all of them
+    EXPECT_EQ(result.reader.notices()[0].title, "Error!");
     for (const char* text : {"An error has occured ", "Unknown .PACK file format", "other.pack", "short.pack"})
-        EXPECT_NE(result.prompt.shown[0].second.find(text), std::string::npos) << text;
+        EXPECT_NE(result.reader.notices()[0].text.find(text), std::string::npos) << text;
 }
 
 TEST(pack_reader, aFolderWithoutArchivesStopsTheLoad)
@@ -285,10 +280,10 @@ TEST(pack_reader, aFolderWithoutArchivesStopsTheLoad)
     {
         const loaded_folder result({full.file(""), bad});
         EXPECT_FALSE(result.is_loaded);
-        EXPECT_FALSE(pack_file::sm_poPathTree);
-        ASSERT_EQ(result.prompt.shown.size(), 1u);
-        EXPECT_EQ(result.prompt.shown[0].second, "Function: findValidPakFiles() : File Not Found.Content:\r\n '" + bad +
-                                                     "' \r\nPossibly invalid data folder set.");
+        EXPECT_FALSE(result.reader.tree());
+        ASSERT_EQ(result.reader.notices().size(), 1u);
+        EXPECT_EQ(result.reader.notices()[0].text, "Function: findValidPakFiles() : File Not Found.Content:\r\n '" +
+                                                       bad + "' \r\nPossibly invalid data folder set.");
     }
     EXPECT_FALSE(loaded_folder({}).is_loaded);
 }

@@ -2,6 +2,7 @@
 
 #include "Korvane/archives/internal_path.h"
 #include "Korvane/archives/pack_file.h"
+#include "Korvane/game/game_data.h"
 #include "tests/support/pack_builder.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/variant_checks.h"
@@ -20,9 +21,9 @@ namespace
 
 using texts = std::vector<std::string>;
 
-bool openText(variant_mesh_def& definition, const std::string& text, failure& why)
+bool openText(variant_mesh_def& definition, const std::string& text, failure& why, const definition_reader& reader = {})
 {
-    return definition.openFromMemory(std::as_bytes(std::span(text)), "test", why);
+    return definition.openFromMemory(std::as_bytes(std::span(text)), "test", why, reader);
 }
 
 std::string repeated(const std::string& text, std::size_t count)
@@ -56,30 +57,30 @@ std::string mesh(const std::string& model, const std::string& content = "")
 class variant_mesh_def_tests : public ::testing::Test
 {
 protected:
-    void TearDown() override { pack_file::sm_poPathTree.reset(); }
-
     // Makes the entries the tree of all archives.
     void archive(std::vector<test::test_entry> entries)
     {
         test::test_pack pack;
         pack.entries = std::move(entries);
         test::writeBytes(m_folder.file("a.pack"), pack.bytes());
-        pack_file::sm_poPathTree = std::make_shared<path_tree>();
-        pack_file file(*pack_file::sm_poPathTree);
+        const auto tree = std::make_shared<path_tree>();
+        pack_file file(*tree);
         failure why;
         ASSERT_TRUE(file.open(m_folder.file("a.pack"), why)) << describe(why);
         file.enter();
+        m_reader = game_data(tree).definitionReader();
     }
 
     // Opens a text that must open and hold together.
     void open(const std::string& text)
     {
         failure why;
-        ASSERT_TRUE(openText(m_definition, text, why)) << describe(why);
+        ASSERT_TRUE(openText(m_definition, text, why, m_reader)) << describe(why);
         ASSERT_EQ(test::faultOf(m_definition), "");
     }
 
     test::temporary_folder m_folder;
+    definition_reader m_reader;
     variant_mesh_def m_definition;
 };
 
@@ -253,9 +254,9 @@ TEST_F(variant_mesh_def_tests, filesOnTheDiskAndInTheArchivesOpenAlike)
     archive({{"Variants\\A.variantmeshdefinition", mesh("x"), 0}, {"bad", "<a>", 0}});
     test::writeBytes(m_folder.file("a.xml"), mesh("x"));
     failure why;
-    ASSERT_TRUE(m_definition.open(m_folder.file("a.xml"), why));
+    ASSERT_TRUE(m_definition.open(m_folder.file("a.xml"), why, m_reader));
     EXPECT_EQ(m_definition.path(), m_folder.file("a.xml"));
-    ASSERT_TRUE(m_definition.openFromInternalPath("variants/a.VariantMeshDefinition", why));
+    ASSERT_TRUE(m_definition.openFromInternalPath("variants/a.VariantMeshDefinition", why, m_reader));
     EXPECT_EQ(m_definition.path(), "variants/a.VariantMeshDefinition");
     EXPECT_EQ(m_definition.models(), texts{"x"});
 
@@ -268,18 +269,18 @@ TEST_F(variant_mesh_def_tests, filesOnTheDiskAndInTheArchivesOpenAlike)
     for (const auto& row : rows)
     {
         failure reason;
-        EXPECT_FALSE(m_definition.openFromInternalPath(row.path, reason)) << row.path;
+        EXPECT_FALSE(m_definition.openFromInternalPath(row.path, reason, m_reader)) << row.path;
         EXPECT_EQ(reason.kind, row.kind) << row.path;
         EXPECT_EQ(reason.path, row.path);
     }
     failure missing, large, no_tree;
-    EXPECT_FALSE(m_definition.open(m_folder.file("none"), missing));
+    EXPECT_FALSE(m_definition.open(m_folder.file("none"), missing, m_reader));
     EXPECT_EQ(missing.kind, failure_kind::not_found);
     test::writeBytes(m_folder.file("large"), std::string((8u << 20) + 1, ' '));
-    EXPECT_FALSE(m_definition.open(m_folder.file("large"), large));
+    EXPECT_FALSE(m_definition.open(m_folder.file("large"), large, m_reader));
     EXPECT_EQ(large.kind, failure_kind::malformed);
-    pack_file::sm_poPathTree.reset();
-    EXPECT_FALSE(m_definition.openFromInternalPath("bad", no_tree));
+    m_reader = {};
+    EXPECT_FALSE(m_definition.openFromInternalPath("bad", no_tree, m_reader));
     EXPECT_EQ(no_tree.what, "variant_mesh_def::fillTag(): pack_file::sm_poPathTree == nullptr");
 }
 
@@ -334,7 +335,7 @@ TEST_F(variant_mesh_def_tests, whatCannotBeFollowedIsNamedOnceAndTheRestIsThere)
     ASSERT_EQ(m_definition.problems().size(), 1u);
     EXPECT_NE(m_definition.problems()[0].find("large"), std::string::npos);
     failure why; // what was opened out of the archives belongs to the circle
-    ASSERT_TRUE(m_definition.openFromInternalPath("Self", why));
+    ASSERT_TRUE(m_definition.openFromInternalPath("Self", why, m_reader));
     EXPECT_EQ(m_definition.problems(), texts{circle + "self -> self"});
     EXPECT_EQ(m_definition.models(), texts{"m"});
 }

@@ -1,13 +1,11 @@
 // The document: what is opened by which path, and the archives behind it.
 
 #include "EASY_GUI/services/file_system.h"
-#include "Korvane/archives/pack_file.h"
-#include "Korvane/document/game_archives.h"
 #include "Korvane/document/open_files.h"
+#include "Korvane/game/game_loader.h"
 #include "tests/support/model_builder.h"
 #include "tests/support/pack_builder.h"
 #include "tests/support/program_title.h"
-#include "tests/support/recording_prompt.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -32,7 +30,7 @@ test_model modelWithLods(std::size_t count)
 class open_files_test : public testing::Test
 {
 protected:
-    void TearDown() override { pack_file::sm_poPathTree = nullptr; } // closes the archives before their folder goes
+    void TearDown() override { drop(); } // closes the archives before their folder goes
 
     std::string write(const std::string& name, const std::string& bytes)
     {
@@ -42,17 +40,23 @@ protected:
     }
     bool reread(const std::vector<test_entry>& entries)
     {
-        pack_file::sm_poPathTree = nullptr;
+        drop();
         test_pack pack;
         pack.entries = entries;
         write("a.pack", pack.bytes());
         m_config.add("data_paths", {m_folder.file("")}, false);
         return rereadArchives();
     }
+    void drop() { m_files.setGame(std::make_shared<const game_data>()); }
     bool rereadArchives()
     {
-        return rereadGameArchives(
-            {m_config, m_config_path, m_prompt, [this](const std::string& line) { m_log.push_back(line); }});
+        const game_load loaded = game_loader(m_config, m_config_path).reload({{}, {}, [this](const std::string& line) {
+                                                                                  m_log.push_back(line);
+                                                                              }});
+        m_notices = loaded.notices;
+        if (loaded.game)
+            m_files.setGame(loaded.game);
+        return loaded.game != nullptr;
     }
     void open(const std::string& path)
     {
@@ -63,7 +67,7 @@ protected:
     temporary_folder m_folder;
     config_file m_config;
     std::string m_config_path = m_folder.file("config.cfg");
-    recording_prompt m_prompt;
+    std::vector<notice> m_notices;
     std::vector<std::string> m_log;
     open_files m_files;
 };
@@ -142,7 +146,8 @@ TEST_F(open_files_test, theStatusOfADefinitionSaysWhatIsDrawn)
         open(write("guard.variantmeshdefinition", definition(row.models, row.rest)));
         EXPECT_EQ(m_files.status(row.drawn), row.text);
     }
-    pack_file::sm_poPathTree = nullptr;
+    drop();
+    EXPECT_TRUE(m_files.reopen().empty());
     EXPECT_EQ(m_files.status(drawn_models{2, 0}),
               "guard: 2 models; there are no archives to take them from: set the data folders");
 }
@@ -196,27 +201,37 @@ TEST_F(open_files_test, theCacheIsRecordedAndAReReadDoesNotTrustIt)
 
     // Another path in an archive of the same size and time: only the archive itself can tell.
     const auto time = std::filesystem::last_write_time(toPath(m_folder.file("a.pack")));
-    pack_file::sm_poPathTree = nullptr;
+    drop();
     test_pack pack;
     pack.entries = {{"b", "1"}};
     write("a.pack", pack.bytes());
     std::filesystem::last_write_time(toPath(m_folder.file("a.pack")), time);
     ASSERT_TRUE(rereadArchives());
-    EXPECT_TRUE(pack_file::sm_poPathTree->find("b"));
-    EXPECT_FALSE(pack_file::sm_poPathTree->find("a"));
+    EXPECT_TRUE(m_files.game()->find("b"));
+    EXPECT_FALSE(m_files.game()->find("a"));
 }
 
 TEST_F(open_files_test, withoutDataFoldersReReadingOnlySaysSo)
 {
     EXPECT_FALSE(rereadArchives());
-    ASSERT_EQ(m_prompt.shown.size(), 1u);
-    EXPECT_EQ(m_prompt.shown[0].first, "Error!");
-    EXPECT_EQ(m_prompt.shown[0].second, "Setup up your games' \\data\\ folder in tools->setup game data folder first");
+    ASSERT_EQ(m_notices.size(), 1u);
+    EXPECT_EQ(m_notices[0].title, "Error!");
+    EXPECT_EQ(m_notices[0].text, "Setup up your games' \\data\\ folder in tools->setup game data folder first");
     EXPECT_TRUE(m_log.empty());
 
     m_config.add("data_paths", {m_folder.file("")}, false); // which holds no archive
     EXPECT_FALSE(rereadArchives());
-    EXPECT_NE(m_prompt.shown.back().second.find("File Not Found"), std::string::npos);
+    EXPECT_NE(m_notices.back().text.find("File Not Found"), std::string::npos);
+}
+
+TEST_F(open_files_test, AReReadThatFailsLeavesTheArchivesThatWorked)
+{
+    ASSERT_TRUE(reread({{"body.rigid_model_v2", modelWithLods(2).bytes()}}));
+    m_config.add("data_paths", {m_folder.file("unplugged/")}, false);
+    EXPECT_FALSE(rereadArchives());
+    ASSERT_EQ(m_notices.size(), 1u);
+    open("pack:body.rigid_model_v2");
+    EXPECT_EQ(lodEntries(*m_files.model().data()).size(), 2u);
 }
 
 } // namespace

@@ -20,6 +20,7 @@ FLOORS = [
     {"Korvane/fbx/scene"},
     {"Korvane/fbx/export"},
     {"Korvane/fbx/convert"},
+    {"Korvane/jobs"},
     {"Korvane/viewer"},
     {"Korvane/cli"},
     {"Korvane/app"},

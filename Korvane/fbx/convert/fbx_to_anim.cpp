@@ -58,9 +58,9 @@ fbx_ticks later(fbx_ticks time, fbx_ticks by)
 class conversion
 {
 public:
-    conversion(const anim_conversion& request, const anim_conversion_ports& ports, anim_conversion_result& result)
+    conversion(const anim_conversion& request, const work_port& work, anim_conversion_result& result)
         : m_request(request)
-        , m_ports(ports)
+        , m_work(work)
         , m_result(result)
         , m_template(makeTemplate(*request.template_data, request.bone_selection))
     {
@@ -69,7 +69,7 @@ public:
     bool run(failure& why);
 
 private:
-    void log(const std::string& line) const { m_ports.log(line); }
+    void log(const std::string& line) const { tell(m_work.log, line); }
     bool refuse(failure& why, failure_kind kind, std::string what) const
     {
         return fail(why, kind, std::move(what), m_request.fbx_path);
@@ -92,7 +92,7 @@ private:
     void logLosses() const;
 
     const anim_conversion& m_request;
-    const anim_conversion_ports& m_ports;
+    const work_port& m_work;
     anim_conversion_result& m_result;
     anim_template m_template;
     fbx_scene m_scene;
@@ -308,8 +308,8 @@ bool conversion::sampleFrames(failure& why)
     {
         if (!storeFrame(sampler.sample(later(m_first, m_scene.ticks(frame / m_rate))), why))
             return false;
-        if (m_ports.progress && frame % 256 == 255)
-            m_ports.progress(frame + 1, m_frame_count);
+        if (frame % 256 == 255)
+            m_work.report(frame + 1, m_frame_count);
     }
     return true;
 }
@@ -399,21 +399,19 @@ bool conversion::run(failure& why)
 
 } // namespace
 
-bool convertToAnim(const anim_conversion& request, const anim_conversion_ports& ports, anim_conversion_result& result,
-                   failure& why)
+bool convertToAnim(const anim_conversion& request, const work_port& work, anim_conversion_result& result, failure& why)
 {
     result = {};
-    return conversion(request, ports, result).run(why);
+    return conversion(request, work, result).run(why);
 }
 
-bool convertToAnimFile(const anim_conversion& request, const std::string& output_path,
-                       const anim_conversion_ports& ports, user_prompt& prompt, anim_conversion_result& result,
-                       failure& why)
+bool convertToAnimFile(const anim_conversion& request, const std::string& output_path, const work_port& work,
+                       anim_conversion_result& result, failure& why)
 {
-    ports.log("Starting new Anim File....");
-    const bool is_done =
-        convertToAnim(request, ports, result, why) && writeAnim(result.anim, request.version, output_path, prompt, why);
-    ports.log(is_done ? "Sucess!" : "Failure");
+    tell(work.log, "Starting new Anim File....");
+    const bool is_done = convertToAnim(request, work, result, why) &&
+                         writeAnim(result.anim, request.version, output_path, result.said, why);
+    tell(work.log, is_done ? "Sucess!" : "Failure");
     return is_done;
 }
 

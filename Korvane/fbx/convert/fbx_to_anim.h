@@ -5,13 +5,12 @@
 // how they move. The console program and the dialog drive it. Keeps no state; one thread at a time for each request.
 
 #include "EASY_GUI/services/failure.h"
-#include "EASY_GUI/services/user_prompt.h"
+#include "EASY_GUI/services/work_port.h"
 #include "Korvane/animation/anim_file.h"
 #include "Korvane/animation/anim_writer.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -44,27 +43,22 @@ struct anim_conversion
     std::optional<std::vector<std::string>> bone_selection; // of the template's, in this order; without: all
 };
 
-struct anim_conversion_ports
-{
-    std::function<void(const std::string& line)> log; // one line, without its end; UTF-8 but for names out of files
-    std::function<void(std::uint32_t frame, std::uint32_t of)> progress; // may be empty
-};
-
 struct anim_conversion_result
 {
     anim_output anim;
     std::vector<std::string> unmatched; // the bones that the FBX file does not have
+    std::optional<notice> said;         // what a person is to be told of a file that could not be written
 };
 
 // False when the template's parents make no trees (the failure then has no path), when the FBX file cannot be read,
 // when it has none of the bones, or when what it says is no number; the result is then good for nothing. Whatever else
-// is amiss is only logged.
-[[nodiscard]] bool convertToAnim(const anim_conversion& request, const anim_conversion_ports& ports,
-                                 anim_conversion_result& result, failure& why);
+// is amiss is only logged; names out of files stand in the lines as they are. Progress counts frames; a stop is heeded
+// between them, and then has refused the conversion.
+[[nodiscard]] bool convertToAnim(const anim_conversion& request, const work_port& work, anim_conversion_result& result,
+                                 failure& why);
 
 // The same, and writes the file: whole or not at all. The log's last line is "Sucess!" or "Failure".
 [[nodiscard]] bool convertToAnimFile(const anim_conversion& request, const std::string& output_path,
-                                     const anim_conversion_ports& ports, user_prompt& prompt,
-                                     anim_conversion_result& result, failure& why);
+                                     const work_port& work, anim_conversion_result& result, failure& why);
 
 } // namespace korvane

@@ -12,6 +12,7 @@
 #include "tests/support/model_builder.h"
 #include "tests/support/pack_builder.h"
 #include "tests/support/recording_prompt.h"
+#include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,6 @@
 #include "tests/support/mesh_builder.h"
 #include "tests/support/model_builder.h"
 #include "tests/support/pack_builder.h"
-#include "tests/support/recording_prompt.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -78,8 +77,9 @@ protected:
     }
     void readArchives()
     {
-        recording_prompt prompt;
-        ASSERT_TRUE(pack_reader({prompt, {}, {}}).loadAllArchives({m_folder.file("")}));
+        pack_reader reader;
+        ASSERT_TRUE(reader.loadAllArchives({m_folder.file("")}));
+        pack_file::sm_poPathTree = reader.tree();
     }
     // Two halves of a square, the one with negative x in the file on the left for a viewer in front.
     void makeSquare()
@@ -96,7 +96,7 @@ protected:
     {
         work_port work;
         work.log = [this](const std::string& line) { m_lines.push_back(line); };
-        return scene_loader(publishedGame(), std::move(work)).loadFigure(models, path);
+        return scene_loader(game_data(pack_file::sm_poPathTree), std::move(work)).loadFigure(models, path);
     }
     pixel at(double x, double y) const
     {

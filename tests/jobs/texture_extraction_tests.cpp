@@ -1,5 +1,5 @@
 #include "Korvane/archives/pack_file.h"
-#include "Korvane/textures/texture_extraction.h"
+#include "Korvane/jobs/texture_extraction.h"
 #include "tests/support/dds_builder.h"
 #include "tests/support/pack_builder.h"
 #include "tests/support/temporary_folder.h"
@@ -65,7 +65,7 @@ protected:
         std::vector<wanted_texture> wanted;
         addWantedTextures(model, wanted);
         options.folder = m_folder.file("inner/out");
-        return extractTextures(*m_tree, wanted, options);
+        return extractTextures(game_data(m_tree), wanted, options);
     }
     std::map<std::string, std::string> written() const { return filesBelow(m_folder.file("inner")); }
 
@@ -109,7 +109,8 @@ TEST_F(texture_extraction_test, looseFilesAndBlanksInArchives)
     std::vector<wanted_texture> wanted;
     addWantedTextures(model, wanted, m_folder.file("one/deep/m.rigid_model_v2"));
     addWantedTextures(model, wanted, m_folder.file("two/m.rigid_model_v2"));
-    const texture_extraction_result result = extractTextures(*m_tree, wanted, {.folder = m_folder.file("inner/out")});
+    const texture_extraction_result result =
+        extractTextures(game_data(m_tree), wanted, {.folder = m_folder.file("inner/out")});
     EXPECT_EQ(written(), (std::map<std::string, std::string>{{"out/tex/blank.dds", "blank"},
                                                              {"out/tex/both.dds", "archive"},
                                                              {"out/tex/loose.dds", "loose"},
@@ -203,18 +204,19 @@ TEST_F(texture_extraction_test, stopsWhenAskedAndTellsProgress)
     }
     enter("many.pack", entries);
     std::stop_source stop;
+    const auto requestStop = [&stop](const work_progress& step) {
+        EXPECT_EQ(step.total, 40u);
+        stop.request_stop();
+    };
     const texture_extraction_result result = extractTextures(
-        *m_tree, wanted, {.folder = m_folder.file("inner/out")},
-        [&stop](std::size_t, std::size_t total) {
-            EXPECT_EQ(total, 40u);
-            stop.request_stop();
-        },
-        stop.get_token());
+        game_data(m_tree), wanted, {.folder = m_folder.file("inner/out")}, {requestStop, stop.get_token(), {}});
     EXPECT_EQ(result.files.size(), written().size());
     EXPECT_EQ(result.files.size() < 40, result.is_stopped);
     stop = {};
     stop.request_stop();
-    EXPECT_TRUE(extractTextures(*m_tree, wanted, {.folder = m_folder.file("none")}, {}, stop.get_token()).is_stopped);
+    EXPECT_TRUE(
+        extractTextures(game_data(m_tree), wanted, {.folder = m_folder.file("none")}, {{}, stop.get_token(), {}})
+            .is_stopped);
 }
 
 TEST(texture_paths, theTableHoldsEveryTextureAndEachFileOnce)

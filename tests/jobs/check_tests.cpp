@@ -1,7 +1,7 @@
 // What a check says of models with one fault each, and of definitions and folders.
 
 #include "Korvane/archives/pack_file.h"
-#include "Korvane/document/check_run.h"
+#include "Korvane/jobs/check_run.h"
 #include "tests/support/anim_builder.h"
 #include "tests/support/pack_builder.h"
 #include "tests/support/temporary_folder.h"
@@ -66,17 +66,17 @@ protected:
                          "<VARIANT_MESH><SLOT><VARIANT_MESH model=\"m/sound.rigid_model_v2\"/>"
                          "<VARIANT_MESH model=\"m/sund.rigid_model_v2\"/></SLOT></VARIANT_MESH>"}};
         writeBytes(m_folder.file("a.pack"), pack.bytes());
-        pack_file::sm_poPathTree = std::make_shared<path_tree>(); // definitions are read out of it
-        pack_file archive(*pack_file::sm_poPathTree);
+        m_tree = std::make_shared<path_tree>();
+        pack_file archive(*m_tree);
         failure why;
         ASSERT_TRUE(archive.open(m_folder.file("a.pack"), why)) << describe(why);
         archive.enter();
     }
-    void TearDown() override { pack_file::sm_poPathTree.reset(); }
+    void TearDown() override { m_tree.reset(); } // closes the archive before its folder goes
 
     std::vector<finding> check(const std::string& operand) const
     {
-        check_run run(pack_file::sm_poPathTree);
+        check_run run{game_data(m_tree)};
         run.add(operand);
         std::vector<finding> found;
         while (run.step(found))
@@ -103,6 +103,7 @@ protected:
     }
 
     temporary_folder m_folder;
+    std::shared_ptr<path_tree> m_tree;
 };
 
 TEST_F(check_test, ASoundModelHasNoFindings)
@@ -269,7 +270,7 @@ TEST_F(check_test, WithoutArchivesOnlyTheDiskCounts)
     std::filesystem::create_directories(toPath(m_folder.file("tex")));
     writeBytes(m_folder.file("tex/body_diffuse.dds"), "not one");
     const auto checkOnDisk = [](const std::string& operand) {
-        check_run run(nullptr);
+        check_run run{game_data()};
         run.add(operand);
         std::vector<finding> found;
         while (run.step(found))

@@ -1,13 +1,12 @@
-#include "Korvane/document/check_run.h"
+#include "Korvane/jobs/check_run.h"
 
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/game_file.h"
-#include "Korvane/archives/pack_entry.h"
 #include "Korvane/archives/path_pattern.h"
 #include "Korvane/archives/variant_mesh_def.h"
-#include "Korvane/document/model_check.h"
 #include "Korvane/document/open_definition.h"
+#include "Korvane/game/game_model.h"
+#include "Korvane/jobs/model_check.h"
 #include "Korvane/models/rmv2_file.h"
 
 #include <algorithm>
@@ -22,7 +21,6 @@ namespace
 {
 
 constexpr std::string_view model_ending = ".rigid_model_v2";
-constexpr std::string_view pack_prefix = "pack:";
 
 bool isCheckedPath(std::string_view path)
 {
@@ -37,12 +35,12 @@ finding errorOf(const std::string& file, const char* kind, failure why)
 
 } // namespace
 
-check_run::check_run(std::shared_ptr<const path_tree> tree) : m_po_tree(std::move(tree)), m_known(m_po_tree) {}
+check_run::check_run(game_data game) : m_game(std::move(game)), m_known(m_game) {}
 
 void check_run::add(const std::string& operand)
 {
-    if (isPackPath(operand))
-        return addMatching(std::string(internalPathOf(operand)));
+    if (const game_path path(operand); path.isInternal())
+        return addMatching(std::string(path.internalPath()));
     std::error_code error;
     if (std::filesystem::is_directory(toPath(operand), error))
         addFolder(operand);
@@ -81,14 +79,26 @@ void check_run::addFolder(const std::string& folder)
 void check_run::addMatching(const std::string& pattern)
 {
     const std::size_t before = m_files.size();
-    if (m_po_tree)
-        for (const pack_file_node* file : m_po_tree->files())
+    if (m_game.hasArchives())
+        for (const pack_file_node* file : m_game.archives()->files())
             if (isCheckedPath(file->internalPath()) && matchesPattern(file->internalPath(), pattern))
-                addFile(std::string(pack_prefix) += file->internalPath());
+                addFile(game_path::ofInternal(file->internalPath()).text());
     if (m_files.size() == before)
         m_not_found.push_back(
-            errorOf(std::string(pack_prefix) + pattern, "not_found",
+            errorOf(game_path::ofInternal(pattern).text(), "not_found",
                     {failure_kind::not_found, "no model or definition in the archives matches", {}, 0, {}}));
+}
+
+void check_run::run(const work_port& work, const std::function<void(const std::vector<finding>&)>& take)
+{
+    std::vector<finding> found;
+    for (bool goes_on = true; goes_on && !work.isStopped();)
+    {
+        work.report(doneCount(), fileCount(), m_next < m_files.size() ? m_files[m_next] : std::string());
+        goes_on = step(found);
+        take(found);
+        found.clear();
+    }
 }
 
 bool check_run::step(std::vector<finding>& found)
@@ -109,11 +119,8 @@ bool check_run::step(std::vector<finding>& found)
 void check_run::checkModel(const std::string& path, std::vector<finding>& found)
 {
     rmv2_file model;
-    memory_file bytes;
     failure why;
-    const bool is_open = isPackPath(path)
-                             ? readGameFile(path, bytes, why) && model.openFromMemory(std::move(bytes), path, why)
-                             : model.open(path, why);
+    const bool is_open = openModel(m_game, path, model, why);
     if (isVersion7OverVersion6(model.image().bytes())) // what was read of it, if anything, is not what it holds
     {
         found.push_back({finding_severity::error,
@@ -144,7 +151,7 @@ void check_run::checkReferences(const std::string& path, const std::vector<varia
         {
             const std::string near = m_known.nearest(problem.path, "variantmeshdefinition");
             its.text = "the definition \"" + displayText(problem.path) + "\" is in no archive";
-            if (problem.named_in != path && problem.named_in != internalPathOf(path))
+            if (problem.named_in != path && problem.named_in != game_path(path).internalPath())
                 its.text += " (named in \"" + displayText(problem.named_in) + "\")";
             if (!near.empty())
                 its.text += "; did you mean \"" + displayText(near) + "\"?";
@@ -161,16 +168,16 @@ void check_run::checkDefinition(const std::string& path, std::vector<finding>& f
 {
     open_definition definition;
     failure why;
-    if (!definition.open(path, why))
+    if (!definition.open(path, why, m_game))
     {
         found.push_back(errorOf(path, why.kind == failure_kind::not_found ? "not_found" : "unreadable", why));
         return;
     }
-    if (m_po_tree)
+    if (m_game.hasArchives())
         checkReferences(path, definition.problemList(), found);
     if (definition.models().empty())
         found.push_back({finding_severity::warning, path, {}, "no_models", "the definition names no models"});
-    else if (!m_po_tree)
+    else if (!m_game.hasArchives())
         found.push_back({finding_severity::note,
                          path,
                          {},
@@ -179,11 +186,11 @@ void check_run::checkDefinition(const std::string& path, std::vector<finding>& f
     std::unordered_set<std::string> seen;
     for (const std::string& model : definition.models())
     {
-        if (!m_po_tree || !seen.insert(model).second)
+        if (!m_game.hasArchives() || !seen.insert(model).second)
             continue;
-        if (m_known.isInArchives(model))
+        if (m_known.isInGame(model))
         {
-            addFile(std::string(pack_prefix) += m_po_tree->find(model)->path());
+            addFile(game_path::ofInternal(model).text());
             continue;
         }
         const std::string near = m_known.nearest(model, std::string(model_ending.substr(1)));

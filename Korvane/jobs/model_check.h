@@ -4,8 +4,8 @@
 // knows, weights and bones and boxes that do not fit, texts without an end. Reads the decoded model only; changes
 // nothing.
 
-#include "Korvane/document/finding.h"
-#include "Korvane/document/known_files.h"
+#include "Korvane/jobs/finding.h"
+#include "Korvane/jobs/known_files.h"
 #include "Korvane/models/rmv2_file.h"
 
 #include <cstddef>

@@ -6,7 +6,7 @@
 
 #include "Korvane/archives/loose_neighbours.h"
 #include "Korvane/archives/path_neighbours.h"
-#include "Korvane/archives/path_tree.h"
+#include "Korvane/game/game_data.h"
 
 #include <cstddef>
 #include <map>
@@ -15,7 +15,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
+#include <utility>
 
 namespace korvane
 {
@@ -23,10 +23,9 @@ namespace korvane
 class known_files
 {
 public:
-    // Null: no archives are loaded.
-    explicit known_files(std::shared_ptr<const path_tree> tree) : m_po_tree(std::move(tree)) {}
+    explicit known_files(game_data game) : m_game(std::move(game)) {}
 
-    bool hasArchives() const { return m_po_tree != nullptr; }
+    bool hasArchives() const { return m_game.hasArchives(); }
 
     struct texture_answer
     {
@@ -46,7 +45,7 @@ public:
     // In the archives; without any, on the disk around the model.
     const skeleton_answer& skeleton(const std::string& id, const std::string& around);
 
-    bool isInArchives(std::string_view internal_path) const;
+    bool isInGame(std::string_view internal_path) const { return static_cast<bool>(m_game.find(internal_path)); }
     // The existing internal path that a path was most likely meant to be, among the files with an extension (lower
     // case, without the dot) in the archives and, around a file on the disk, there; empty when none is near.
     std::string nearest(std::string_view internal_path, const std::string& extension, const std::string& around = {});
@@ -55,7 +54,7 @@ private:
     texture_answer lookUpTexture(const std::string& internal_path, const std::string& around) const;
     skeleton_answer lookUpSkeleton(const std::string& id, const std::string& around) const;
 
-    std::shared_ptr<const path_tree> m_po_tree;
+    game_data m_game;
     std::unordered_map<std::string, texture_answer> m_textures; // by folder and path
     std::unordered_map<std::string, skeleton_answer> m_skeletons;
     std::unordered_map<std::string, std::string> m_nearest;

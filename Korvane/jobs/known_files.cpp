@@ -1,14 +1,8 @@
-#include "Korvane/document/known_files.h"
+#include "Korvane/jobs/known_files.h"
 
-#include "EASY_GUI/services/positioned_file.h"
-#include "EASY_GUI/services/silent_prompt.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/animation/anim_file.h"
-#include "Korvane/animation/anim_search.h"
-#include "Korvane/archives/entry_start.h"
 #include "Korvane/archives/internal_path.h"
-#include "Korvane/archives/loose_file.h"
-#include "Korvane/archives/pack_entry.h"
 
 #include <array>
 #include <cstring>
@@ -50,19 +44,12 @@ known_files::texture_answer known_files::lookUpTexture(const std::string& intern
 {
     std::array<std::byte, dds_magic.size()> start{};
     failure why;
-    if (m_po_tree)
-        if (const path_node* const node = m_po_tree->find(internal_path); node && node->file())
-        {
-            std::size_t count = 0;
-            const bool is_read = readEntryStart(*node->file(), start, count, why);
-            return {true, isDdsStart(std::span(start).first(is_read ? count : 0)), is_read};
-        }
-    const std::string path = around.empty() ? std::string() : findLooseFile(internal_path, around);
-    if (path.empty())
+    const game_file found = m_game.findAround(internal_path, around);
+    if (!found)
         return {};
-    positioned_file file;
-    const bool is_read = file.open(path, why);
-    return {true, is_read && file.readAt(0, start) && isDdsStart(start), is_read};
+    std::size_t count = 0;
+    const bool is_read = found.readStart(start, count, why);
+    return {true, isDdsStart(std::span(start).first(is_read ? count : 0)), is_read};
 }
 
 const known_files::skeleton_answer& known_files::skeleton(const std::string& id, const std::string& around)
@@ -80,24 +67,12 @@ known_files::skeleton_answer known_files::lookUpSkeleton(const std::string& id, 
     skeleton_answer answer;
     memory_file bytes;
     failure why;
-    if (m_po_tree)
-    {
-        const entry_list entries = findSkeletons(*m_po_tree, id);
-        if (entries.empty())
-            return answer;
-        answer.path = std::string(entries.front()->internalPath());
-        static_cast<void>(readEntry(*entries.front(), bytes, why));
-    }
-    else
-    {
-        answer.path = around.empty() ? std::string() : findLooseFile("animations\\skeletons\\" + id + ".anim", around);
-        if (answer.path.empty())
-            return answer;
-        static_cast<void>(bytes.read(answer.path, why));
-    }
-    silent_prompt prompt;
-    anim_file skeleton(prompt);
-    if (!why)
+    const game_file found = m_game.findSkeleton(id, around);
+    if (!found)
+        return answer;
+    answer.path = found.path();
+    anim_file skeleton;
+    if (found.read(bytes, why))
     {
         skeleton.openFromMemory(std::move(bytes), answer.path);
         if (skeleton.loadSkeleton({}, why))
@@ -111,12 +86,6 @@ known_files::skeleton_answer known_files::lookUpSkeleton(const std::string& id, 
     return answer;
 }
 
-bool known_files::isInArchives(std::string_view internal_path) const
-{
-    const path_node* const node = m_po_tree ? m_po_tree->find(internal_path) : nullptr;
-    return node && node->file();
-}
-
 std::string known_files::nearest(std::string_view internal_path, const std::string& extension,
                                  const std::string& around)
 {
@@ -125,8 +94,8 @@ std::string known_files::nearest(std::string_view internal_path, const std::stri
     if (!is_new)
         return row->second;
     path_neighbours::neighbour in_archives;
-    if (m_po_tree)
-        in_archives = m_neighbours.try_emplace(extension, *m_po_tree, extension).first->second.nearest(wanted);
+    if (hasArchives())
+        in_archives = m_neighbours.try_emplace(extension, *m_game.archives(), extension).first->second.nearest(wanted);
     loose_neighbours::neighbour on_disk;
     if (!around.empty())
         on_disk = m_loose_neighbours.nearest(wanted, extension, around);

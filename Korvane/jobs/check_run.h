@@ -4,12 +4,14 @@
 // it shows progress and stops when they like. A definition's models are checked as well, each once. For one thread at a
 // time.
 
+#include "EASY_GUI/services/work_port.h"
 #include "Korvane/archives/variant_mesh_def.h"
-#include "Korvane/document/finding.h"
-#include "Korvane/document/known_files.h"
+#include "Korvane/game/game_data.h"
+#include "Korvane/jobs/finding.h"
+#include "Korvane/jobs/known_files.h"
 
 #include <cstddef>
-#include <memory>
+#include <functional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -20,19 +22,20 @@ namespace korvane
 class check_run
 {
 public:
-    // Null: no archives are loaded; then textures are looked for on the disk only, and skeletons not at all.
-    explicit check_run(std::shared_ptr<const path_tree> tree);
+    // Without archives textures and skeletons are looked for on the disk around the models only.
+    explicit check_run(game_data game);
 
     // What to check: a model or a definition on the disk, a folder with all that is below it, or with "pack:" in front
     // a pattern over the internal paths of the archives (* and ?). What cannot be found is a finding of its own.
     void add(const std::string& operand);
 
+    // Checks one file after the other, and hands on what is found in each. Progress counts files and names the next.
+    void run(const work_port& work, const std::function<void(const std::vector<finding>&)>& take);
     // Checks the next file and appends what it finds. False when there is none left.
     bool step(std::vector<finding>& found);
 
     std::size_t fileCount() const { return m_files.size(); } // grows while definitions are met
     std::size_t doneCount() const { return m_next; }
-    const std::string& nextFile() const { return m_files[m_next]; } // while there is one
 
 private:
     void addFile(std::string path);
@@ -43,7 +46,7 @@ private:
                          std::vector<finding>& found);
     void checkDefinition(const std::string& path, std::vector<finding>& found);
 
-    std::shared_ptr<const path_tree> m_po_tree;
+    game_data m_game;
     known_files m_known;
     std::vector<std::string> m_files;
     std::unordered_set<std::string> m_listed;

@@ -1,7 +1,6 @@
-#include "Korvane/document/model_check.h"
+#include "Korvane/jobs/model_check.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/game_file.h"
 #include "Korvane/document/texture_path_fault.h"
 #include "Korvane/models/catalogue.h"
 #include "Korvane/models/vertex_decoder.h"
@@ -125,7 +124,7 @@ model_check::model_check(const rmv2_file& model, known_files& known, std::string
     : m_model(model)
     , m_known(known)
     , m_file(std::move(file))
-    , m_around(isPackPath(m_file) ? std::string() : m_file)
+    , m_around(game_path(m_file).diskPath())
 {
 }
 

@@ -1,19 +1,17 @@
 #pragma once
 
-// Takes the textures that models name out of the archives, or where those do not have them from the disk around the
-// models (loose_file.h), and puts them below a folder, as they are or as pictures. A wanted path and a stored one are
-// the same whatever their case, their separators and blanks at their ends; of several copies the one that counts in the
-// game is taken, and entries of no bytes are left alone. One bad texture does not stop the others.
+// Takes the textures that models name out of the game, or where it does not have them from the disk around the models,
+// and puts them below a folder, as they are or as pictures. Of several copies the one that counts in the game is taken,
+// and entries of no bytes are left alone. One bad texture does not stop the others.
 
 #include "EASY_GUI/services/failure.h"
-#include "Korvane/archives/path_tree.h"
+#include "EASY_GUI/services/work_port.h"
+#include "Korvane/game/game_data.h"
 #include "Korvane/textures/picture_file.h"
 #include "Korvane/textures/texture_paths.h"
 
 #include <cstddef>
-#include <functional>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -46,11 +44,11 @@ struct texture_extraction_result
     bool is_stopped = false;
 };
 
-// progress is called on the calling thread with the textures done and all; may be empty. After a stop request what has
-// begun is finished.
-[[nodiscard]] texture_extraction_result extractTextures(
-    const path_tree& tree, const std::vector<wanted_texture>& wanted, const texture_extraction_options& options,
-    const std::function<void(std::size_t done, std::size_t total)>& progress = {}, std::stop_token stop = {});
+// Progress counts textures. After a stop request what has begun is finished.
+[[nodiscard]] texture_extraction_result extractTextures(const game_data& game,
+                                                        const std::vector<wanted_texture>& wanted,
+                                                        const texture_extraction_options& options,
+                                                        const work_port& port = {});
 
 // "12 DDS files extracted."
 [[nodiscard]] std::string extractedText(std::size_t count);

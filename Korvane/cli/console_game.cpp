@@ -1,0 +1,81 @@
+#include "Korvane/cli/console_game.h"
+
+#include "EASY_GUI/services/text.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+void noteLines(cli_context& context, const std::string& text)
+{
+    for (std::size_t begin = 0; begin < text.size();)
+    {
+        const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
+        if (end > begin)
+            context.note(displayText(text.substr(begin, end - begin)));
+        begin = end + 1;
+    }
+}
+
+} // namespace
+
+// The folders of the command line; without any the configuration is loaded, and they are its.
+game_loader console_game::loader(config_file& config) const
+{
+    game_loader loader(config, m_context.config_path);
+    std::vector<std::string> folders = m_context.data_folders;
+    for (std::string& folder : folders)
+        if (!folder.ends_with('/') && !folder.ends_with('\\'))
+            folder += '/';
+    if (folders.empty())
+        config.load(m_context.config_path.empty() ? config_file::defaultPath() : m_context.config_path);
+    else
+        loader.useFolders(std::move(folders));
+    if (m_context.is_without_cache)
+        loader.leaveOutCache();
+    return loader;
+}
+
+bool console_game::hasFolders() const
+{
+    config_file config;
+    return loader(config).hasFolders();
+}
+
+std::shared_ptr<const game_data> console_game::archives(failure& why)
+{
+    if (m_po_game)
+        return m_po_game;
+    config_file config;
+    const game_loader loader = this->loader(config);
+    if (!loader.hasFolders())
+    {
+        fail(why, failure_kind::not_found, "no data folders: give --data DIR, or add data_paths to the configuration");
+        return nullptr;
+    }
+    work_port work;
+    work.progress = [this](const work_progress& step) {
+        m_context.progress("reading archive " + std::to_string(step.done + 1) + " of " + std::to_string(step.total) +
+                           ": " + displayText(step.what));
+    };
+    game_load loaded = loader.load(work);
+    if (!loaded.game)
+    {
+        fail(why, failure_kind::not_found, loaded.notices.empty() ? std::string() : loaded.notices.back().text);
+        return nullptr;
+    }
+    for (const notice& each : loaded.notices)
+        noteLines(m_context, each.text);
+    for (const std::string& line : loaded.left_out)
+        m_context.note(displayText(line));
+    m_po_game = std::move(loaded.game);
+    publishGame(*m_po_game);
+    return m_po_game;
+}
+
+} // namespace korvane

@@ -1,0 +1,148 @@
+#include "Korvane/jobs/convert_job.h"
+
+#include "EASY_GUI/services/config_file.h"
+#include "EASY_GUI/services/file_system.h"
+#include "EASY_GUI/services/text.h"
+#include "Korvane/animation/bone_table.h"
+#include "Korvane/jobs/operands.h"
+#include "Korvane/jobs/output_paths.h"
+
+#include <memory>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+class convert_run
+{
+public:
+    convert_run(game_source& source, const convert_job_options& options, const work_port& work)
+        : m_source(source)
+        , m_options(options)
+        , m_work(work)
+    {
+    }
+
+    bool run(convert_job_result& result, failure& why);
+
+private:
+    bool load(failure& why);
+    bool loadTemplate(failure& why);
+    bool loadBoneTable(failure& why);
+    void remember();
+    bool addToConfiguration(const std::string& path, std::string& reason) const;
+
+    game_source& m_source;
+    const convert_job_options& m_options;
+    const work_port& m_work;
+    std::shared_ptr<const anim_data> m_template;
+    memory_file m_fbx;
+    anim_conversion m_request;
+};
+
+bool convert_run::loadTemplate(failure& why)
+{
+    m_template = loadAnim(m_source, m_options.template_anim, anim_depth::bones_only, why);
+    if (!m_template)
+        return false;
+    failure ignored; // a template may end behind its bones
+    if (auto whole = loadAnim(m_source, m_options.template_anim, anim_depth::animation, ignored))
+        m_template = std::move(whole);
+    return true;
+}
+
+bool convert_run::loadBoneTable(failure& why)
+{
+    if (m_options.bone_table.empty())
+        return true;
+    memory_file table;
+    std::vector<std::string> names;
+    if (!m_source.read(m_options.bone_table, table, why))
+        return false;
+    if (!readBoneTable(table.text(), names, why))
+    {
+        why.path = m_options.bone_table;
+        return false;
+    }
+    m_request.bone_selection = std::move(names);
+    return true;
+}
+
+bool convert_run::load(failure& why)
+{
+    if (!isFreeToWrite({m_options.fbx, m_options.template_anim, m_options.bone_table, m_options.config_path},
+                       m_options.output, why) ||
+        !loadTemplate(why) || !loadBoneTable(why) || !m_source.read(m_options.fbx, m_fbx, why))
+        return false;
+    m_request.fbx_path = m_options.fbx;
+    m_request.fbx = m_fbx.bytes();
+    m_request.template_data = m_template.get();
+    m_request.version = m_options.version.value_or(m_template->version);
+    m_request.frame_rate = m_options.rate;
+    m_request.start_seconds = m_options.start_time;
+    m_request.end_time = m_options.end_time;
+    m_request.frame_count = m_options.frames;
+    return true;
+}
+
+// A configuration that is not there is made; one that is not understood to its end stays as it is, for writing it would
+// lose the rest.
+bool convert_run::addToConfiguration(const std::string& path, std::string& reason) const
+{
+    const std::string& config_path = m_options.config_path;
+    std::error_code error;
+    config_file config;
+    const bool is_there =
+        std::filesystem::symlink_status(toPath(config_path), error).type() != std::filesystem::file_type::not_found;
+    if (is_there && !config.load(config_path))
+        reason = config_path + " cannot be read";
+    else if (is_there && config.errorText() != "DONE")
+        reason = config_path + " cannot be understood to its end";
+    else if (path.find('"') != std::string::npos)
+        reason = "its path has a quotation mark";
+    else if (!config.contains(converted_files_key, path) &&
+             (!config.add(converted_files_key, {path}, false) || !config.save(config_path)))
+        reason = config_path + " cannot be written";
+    return reason.empty();
+}
+
+void convert_run::remember()
+{
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(toPath(m_options.output), error);
+    const std::string path = error ? m_options.output : toUtf8(absolute.lexically_normal());
+    std::string reason;
+    if (!addToConfiguration(path, reason))
+        tell(m_work.log, "note: the file is not added to the list of converted files: " + displayText(reason));
+}
+
+bool convert_run::run(convert_job_result& result, failure& why)
+{
+    if (!load(why))
+        return false;
+    result.version = m_request.version;
+    work_port work = m_work;
+    work.log = [this](const std::string& line) { tell(m_work.log, displayText(line)); };
+    if (!convertToAnimFile(m_request, m_options.output, work, result.conversion, why))
+    {
+        if (why.path.empty())
+            why.path = m_options.template_anim;
+        return false;
+    }
+    remember();
+    return true;
+}
+
+} // namespace
+
+bool convertFbx(game_source& source, const convert_job_options& options, const work_port& work,
+                convert_job_result& result, failure& why)
+{
+    result = {};
+    return convert_run(source, options, work).run(result, why);
+}
+
+} // namespace korvane

@@ -1,0 +1,42 @@
+#pragma once
+
+// Turns an FBX file's first take into an .anim file, and remembers that in the list of converted files of the
+// configuration. The console program and the conversion dialog run this one.
+
+#include "EASY_GUI/services/work_port.h"
+#include "Korvane/fbx/convert/fbx_to_anim.h"
+#include "Korvane/game/game_source.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace korvane
+{
+
+// Paths of what is read are on the disk or, with "pack:", in the game.
+struct convert_job_options
+{
+    std::string fbx;
+    std::string template_anim; // a skeleton, or an animation whose bones and tracks the new one is to have
+    std::string output;
+    std::string bone_table;               // only its bones, in the order of its lines; empty: all
+    std::optional<std::uint32_t> version; // 5 or 7; without: the template's
+    std::optional<double> rate;           // frames a second; without: the FBX file's
+    std::optional<double> start_time;     // in seconds of the take; without: its first key
+    std::optional<double> end_time;       // seconds from there; without: its last key
+    std::optional<std::uint32_t> frames;  // in the place of an end time
+    std::string config_path;              // of the configuration, where the file is recorded
+};
+
+struct convert_job_result
+{
+    anim_conversion_result conversion;
+    std::uint32_t version = 0;
+};
+
+// Progress counts frames. False when no file was written.
+[[nodiscard]] bool convertFbx(game_source& source, const convert_job_options& options, const work_port& work,
+                              convert_job_result& result, failure& why);
+
+} // namespace korvane
