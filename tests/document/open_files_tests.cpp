@@ -224,7 +224,7 @@ TEST_F(open_files_test, withoutDataFoldersReReadingOnlySaysSo)
     EXPECT_NE(m_notices.back().text.find("File Not Found"), std::string::npos);
 }
 
-TEST_F(open_files_test, AReReadThatFailsLeavesTheArchivesThatWorked)
+TEST_F(open_files_test, aReReadThatFailsLeavesTheArchivesThatWorked)
 {
     ASSERT_TRUE(reread({{"body.rigid_model_v2", modelWithLods(2).bytes()}}));
     m_config.add("data_paths", {m_folder.file("unplugged/")}, false);

@@ -106,12 +106,12 @@ protected:
     std::shared_ptr<path_tree> m_tree;
 };
 
-TEST_F(check_test, ASoundModelHasNoFindings)
+TEST_F(check_test, aSoundModelHasNoFindings)
 {
     EXPECT_EQ(lines(check("pack:m/sound*")), "");
 }
 
-TEST_F(check_test, EveryFaultIsFoundWhereItIsAndNothingElse)
+TEST_F(check_test, everyFaultIsFoundWhereItIsAndNothingElse)
 {
     using model_change = std::function<void(test_model&)>;
     const auto texture = [](std::size_t index, const char* path) -> model_change {
@@ -205,7 +205,7 @@ TEST_F(check_test, EveryFaultIsFoundWhereItIsAndNothingElse)
     }
 }
 
-TEST_F(check_test, LodHeadersOutOfOrder)
+TEST_F(check_test, lodHeadersOutOfOrder)
 {
     const struct
     {
@@ -225,7 +225,7 @@ TEST_F(check_test, LodHeadersOutOfOrder)
     }
 }
 
-TEST_F(check_test, DefinitionsFoldersAndWhatCannotBeRead)
+TEST_F(check_test, definitionsFoldersAndWhatCannotBeRead)
 {
     EXPECT_EQ(lines(check("pack:m\\*definition")),
               "error model_missing -.-.-: the model \"m\\sund.rigid_model_v2\" is in no archive; did you mean "
@@ -261,7 +261,7 @@ TEST_F(check_test, DefinitionsFoldersAndWhatCannotBeRead)
     }
 }
 
-TEST_F(check_test, WithoutArchivesOnlyTheDiskCounts)
+TEST_F(check_test, withoutArchivesOnlyTheDiskCounts)
 {
     const std::string path = m_folder.file("model.rigid_model_v2");
     test_model model = soundModel();
@@ -301,7 +301,7 @@ TEST_F(check_test, WithoutArchivesOnlyTheDiskCounts)
     EXPECT_EQ(lines(checkOnDisk(path)).find("skeleton"), std::string::npos);
 }
 
-TEST_F(check_test, TheTextsOfAVersion5HeaderNeedAnEnd)
+TEST_F(check_test, theTextsOfAVersion5HeaderNeedAnEnd)
 {
     for (const bool is_wide : {false, true})
     {

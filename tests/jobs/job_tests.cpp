@@ -50,7 +50,7 @@ protected:
     work_progress m_last;
 };
 
-TEST_F(job_test, AStoppedExtractionSaysWhatItDid)
+TEST_F(job_test, aStoppedExtractionSaysWhatItDid)
 {
     extract_job_result result;
     failure why;
@@ -62,7 +62,7 @@ TEST_F(job_test, AStoppedExtractionSaysWhatItDid)
     EXPECT_FALSE(std::filesystem::exists(toPath(m_folder.file("out/maps/2.txt"))));
 }
 
-TEST_F(job_test, AStoppedConversionOfPicturesGoesNoFurther)
+TEST_F(job_test, aStoppedConversionOfPicturesGoesNoFurther)
 {
     std::vector<std::string> inputs;
     failure why;
@@ -80,7 +80,7 @@ TEST_F(job_test, AStoppedConversionOfPicturesGoesNoFurther)
     EXPECT_FALSE(std::filesystem::exists(toPath(m_folder.file("none"))));
 }
 
-TEST(jobs, WithoutArchivesASearchSaysSo)
+TEST(jobs, withoutArchivesASearchSaysSo)
 {
     loaded_game disk_alone(std::make_shared<const game_data>());
     search_job_result result;

@@ -16,6 +16,8 @@ CODE = [
     (re.compile(r"\bstd::(format|vformat)\b|#\s*include\s*<format>"), "is not in the compilers' libraries"),
     (re.compile(r"#\s*include\s*\"\.\.?/"), "includes start at the root of the repository"),
     (re.compile(r"\bspecifications?\b", re.IGNORECASE), "say which page of docs/ it is"),
+    (re.compile(r"^TEST(_F|_P)?\((?![a-z][a-z0-9_]*, [a-z][A-Za-z0-9]*\))[^)]*\)"),
+     "tests are named TEST(lower_case, lowerCamelCase)"),
 ]
 EVERYWHERE = [
     (re.compile(r"(?<![\w.}$)])/(home|root|work|Users)/\w|\b[A-Za-z]:\\+Users\\"), "a path of one machine"),
@@ -80,6 +82,8 @@ TREES = [
     ("words that somebody knows", {"docs/a.md": "the product's " "own text\n"}, "older"),
     ("a term of DDS", {"DDSTextureLoader/a.h": "// the legacy header\n", "a.cpp": "// the original order\n"}, None),
     ("the same elsewhere", {"a.h": "// the legacy header\n"}, "older"),
+    ("a test named otherwise", {"a.cpp": "TEST(PackFile, ReadsIt)\n"}, "lowerCamelCase"),
+    ("a test with its sentence", {"a.cpp": "TEST_F(pack_file, readsIt)\n"}, None),
     ("specification", {"a.cpp": "// as the specification says\n"}, "which page"),
     ("of a compressed format", {"Korvane/textures/block_bits.h": "// the specification\n"}, None),
     ("too long", {"a.cpp": "\n" * (LONGEST_FILE_LINES + 1)}, "split"),
