@@ -52,9 +52,11 @@ verdict examine(const pack_file_node& entry, std::string_view skeleton_id, std::
 class block_search
 {
 public:
-    block_search(std::span<const pack_file_node* const> candidates, std::string_view skeleton_id)
+    block_search(std::span<const pack_file_node* const> candidates, std::string_view skeleton_id,
+                 const std::stop_token& stop)
         : m_candidates(candidates)
         , m_skeleton_id(skeleton_id)
+        , m_stop(stop)
         , m_blocks(candidates.size(), block_size)
     {
     }
@@ -84,7 +86,7 @@ private:
         try
         {
             std::vector<std::byte> start(name_at + m_skeleton_id.size());
-            for (std::size_t end = 0; m_blocks.take(at, end);)
+            for (std::size_t end = 0; !m_stop.stop_requested() && m_blocks.take(at, end);)
                 for (; at < end; ++at)
                 {
                     if (at >= m_end.load())
@@ -131,6 +133,7 @@ private:
 
     std::span<const pack_file_node* const> m_candidates;
     std::string_view m_skeleton_id;
+    std::stop_token m_stop;
     shared_range m_blocks;
     std::atomic<std::size_t> m_end{nowhere}; // the first candidate that could not be read
 };
@@ -162,11 +165,11 @@ entry_list animationCandidates(const path_tree& tree)
 }
 
 bool findAnimations(std::span<const pack_file_node* const> candidates, std::string_view skeleton_id, entry_list& found,
-                    failure& why)
+                    failure& why, const std::stop_token& stop)
 {
     if (skeleton_id.size() > std::numeric_limits<std::uint16_t>::max()) // no header can hold it
         return true;
-    return block_search(candidates, skeleton_id).run(found, why);
+    return block_search(candidates, skeleton_id, stop).run(found, why);
 }
 
 animation_list listAnimations(const path_tree& tree, std::string_view skeleton_id,

@@ -17,6 +17,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,9 +33,10 @@ namespace korvane
 
 // Appends to found the candidates whose header names the skeleton, whatever their version. Candidates that are too
 // short for a name, or whose compressed data is damaged, are passed over. False when an archive cannot be read: then
-// found has what comes before it. Works with several threads when there is much to do.
+// found has what comes before it. Works with several threads when there is much to do. A stop is heeded between blocks
+// of candidates: found then lacks some, and that is no failure.
 [[nodiscard]] bool findAnimations(std::span<const pack_file_node* const> candidates, std::string_view skeleton_id,
-                                  entry_list& found, failure& why);
+                                  entry_list& found, failure& why, const std::stop_token& stop = {});
 
 // One row of the list from which an animation is picked.
 struct animation_choice

@@ -17,6 +17,7 @@ struct search_job_result
     std::shared_ptr<const game_data> game; // keeps the entries alive
     entry_list skeletons;
     entry_list animations;
+    bool is_stopped = false; // some may be missing
 };
 
 // False, with the reason, when the archives cannot be loaded, or one of them cannot be read.

@@ -184,11 +184,16 @@ TEST_F(anim_search_tests, manyCandidatesKeepTheirOrderAndAnUnreadableArchiveEnds
     add("z", first);
     add("y", second);
     EXPECT_EQ(names(find("Man_01")), wanted);
+    std::stop_source stop;
+    stop.request_stop();
+    entry_list none;
+    failure why;
+    EXPECT_TRUE(findAnimations(animationCandidates(*tree), "Man_01", none, why, stop.get_token()));
+    EXPECT_TRUE(none.empty());
 
     std::filesystem::resize_file(toPath(archivePath("y")), 100); // somebody writes it anew
     wanted.resize(1000);
     entry_list found;
-    failure why;
     EXPECT_FALSE(findAnimations(animationCandidates(*tree), "Man_01", found, why));
     EXPECT_EQ(names(found), wanted);
     EXPECT_EQ(why.kind, failure_kind::unreadable);

@@ -306,6 +306,8 @@ bool conversion::sampleFrames(failure& why)
     m_result.anim.frames.reserve(m_frame_count);
     for (std::uint32_t frame = 0; frame < m_frame_count; ++frame)
     {
+        if (m_work.isStopped())
+            return fail(why, failure_kind::refused, "stopped before frame " + std::to_string(frame));
         if (!storeFrame(sampler.sample(later(m_first, m_scene.ticks(frame / m_rate))), why))
             return false;
         if (frame % 256 == 255)
