@@ -41,7 +41,7 @@ constexpr dds_layout rgbaOf(dds_number number, unsigned red, unsigned green = 0,
 // With blue in the lowest bits.
 constexpr dds_layout bgraOf(unsigned blue, unsigned green, unsigned red, unsigned alpha)
 {
-    dds_layout layout = rgbaOf(whole, blue, green, red, alpha);
+    dds_layout layout = rgbaOf(unorm, blue, green, red, alpha);
     std::swap(layout.channels[0], layout.channels[2]);
     return layout;
 }
@@ -52,7 +52,7 @@ constexpr dds_layout without_alpha = [] {
     return layout;
 }();
 
-constexpr dds_layout alpha_only{whole, 1, {{{}, {}, {}, {0, 8}}}};
+constexpr dds_layout alpha_only{unorm, 1, {{{}, {}, {}, {0, 8}}}};
 constexpr dds_layout exponent_layout{shared_exponent, 4, {{{0, 9}, {9, 9}, {18, 9}, {}}}};
 
 constexpr dds_format dxgi(std::uint32_t number)
@@ -68,31 +68,31 @@ constexpr dds_format_traits known_formats[] = {
     {5, dxgi(6), "R32G32B32_TYPELESS", rgbaOf(floating, 32, 32, 32)},
     {6, dxgi(6), "R32G32B32_FLOAT", rgbaOf(floating, 32, 32, 32)},
     {10, dxgi(10), "R16G16B16A16_FLOAT", rgbaOf(floating, 16, 16, 16, 16)},
-    {11, dxgi(11), "R16G16B16A16_UNORM", rgbaOf(whole, 16, 16, 16, 16)},
-    {13, dxgi(13), "R16G16B16A16_SNORM", rgbaOf(signed_whole, 16, 16, 16, 16)},
+    {11, dxgi(11), "R16G16B16A16_UNORM", rgbaOf(unorm, 16, 16, 16, 16)},
+    {13, dxgi(13), "R16G16B16A16_SNORM", rgbaOf(snorm, 16, 16, 16, 16)},
     {15, dxgi(16), "R32G32_TYPELESS", rgbaOf(floating, 32, 32)},
     {16, dxgi(16), "R32G32_FLOAT", rgbaOf(floating, 32, 32)},
-    {23, dxgi(24), "R10G10B10A2_TYPELESS", rgbaOf(whole, 10, 10, 10, 2)},
-    {24, dxgi(24), "R10G10B10A2_UNORM", rgbaOf(whole, 10, 10, 10, 2)},
+    {23, dxgi(24), "R10G10B10A2_TYPELESS", rgbaOf(unorm, 10, 10, 10, 2)},
+    {24, dxgi(24), "R10G10B10A2_UNORM", rgbaOf(unorm, 10, 10, 10, 2)},
     {26, dxgi(26), "R11G11B10_FLOAT", rgbaOf(floating, 11, 11, 10)},
-    {27, dxgi(28), "R8G8B8A8_TYPELESS", rgbaOf(whole, 8, 8, 8, 8)},
-    {28, dxgi(28), "R8G8B8A8_UNORM", rgbaOf(whole, 8, 8, 8, 8)},
-    {29, dxgi(29), "R8G8B8A8_UNORM_SRGB", rgbaOf(whole, 8, 8, 8, 8), true},
-    {31, dxgi(31), "R8G8B8A8_SNORM", rgbaOf(signed_whole, 8, 8, 8, 8)},
+    {27, dxgi(28), "R8G8B8A8_TYPELESS", rgbaOf(unorm, 8, 8, 8, 8)},
+    {28, dxgi(28), "R8G8B8A8_UNORM", rgbaOf(unorm, 8, 8, 8, 8)},
+    {29, dxgi(29), "R8G8B8A8_UNORM_SRGB", rgbaOf(unorm, 8, 8, 8, 8), true},
+    {31, dxgi(31), "R8G8B8A8_SNORM", rgbaOf(snorm, 8, 8, 8, 8)},
     {34, dxgi(34), "R16G16_FLOAT", rgbaOf(floating, 16, 16)},
-    {35, dxgi(35), "R16G16_UNORM", rgbaOf(whole, 16, 16)},
-    {37, dxgi(37), "R16G16_SNORM", rgbaOf(signed_whole, 16, 16)},
+    {35, dxgi(35), "R16G16_UNORM", rgbaOf(unorm, 16, 16)},
+    {37, dxgi(37), "R16G16_SNORM", rgbaOf(snorm, 16, 16)},
     {39, dxgi(41), "R32_TYPELESS", rgbaOf(floating, 32)},
     {41, dxgi(41), "R32_FLOAT", rgbaOf(floating, 32)},
-    {48, dxgi(49), "R8G8_TYPELESS", rgbaOf(whole, 8, 8)},
-    {49, dxgi(49), "R8G8_UNORM", rgbaOf(whole, 8, 8)},
-    {51, dxgi(51), "R8G8_SNORM", rgbaOf(signed_whole, 8, 8)},
+    {48, dxgi(49), "R8G8_TYPELESS", rgbaOf(unorm, 8, 8)},
+    {49, dxgi(49), "R8G8_UNORM", rgbaOf(unorm, 8, 8)},
+    {51, dxgi(51), "R8G8_SNORM", rgbaOf(snorm, 8, 8)},
     {54, dxgi(54), "R16_FLOAT", rgbaOf(floating, 16)},
-    {56, dxgi(56), "R16_UNORM", rgbaOf(whole, 16)},
-    {58, dxgi(58), "R16_SNORM", rgbaOf(signed_whole, 16)},
-    {60, dxgi(61), "R8_TYPELESS", rgbaOf(whole, 8)},
-    {61, dxgi(61), "R8_UNORM", rgbaOf(whole, 8)},
-    {63, dxgi(63), "R8_SNORM", rgbaOf(signed_whole, 8)},
+    {56, dxgi(56), "R16_UNORM", rgbaOf(unorm, 16)},
+    {58, dxgi(58), "R16_SNORM", rgbaOf(snorm, 16)},
+    {60, dxgi(61), "R8_TYPELESS", rgbaOf(unorm, 8)},
+    {61, dxgi(61), "R8_UNORM", rgbaOf(unorm, 8)},
+    {63, dxgi(63), "R8_SNORM", rgbaOf(snorm, 8)},
     {65, dxgi(65), "A8_UNORM", alpha_only},
     {67, dxgi(67), "R9G9B9E5_SHAREDEXP", exponent_layout},
     {70, dxgi(71), "BC1_TYPELESS", blocksOf(8)},
@@ -171,7 +171,7 @@ bool readMasks(const dds_pixel_format& pixels, dds_layout& layout)
     if ((pixels.flags & ddpf_palette) != 0 || pixels.bits == 0 || pixels.bits % 8 != 0 || pixels.bits > 32 ||
         (!has_colours && !has_alpha))
         return false;
-    layout = {is_signed ? signed_whole : whole, pixels.bits / 8, {}};
+    layout = {is_signed ? snorm : unorm, pixels.bits / 8, {}};
     const std::array<std::uint32_t, 4> masks = {
         has_colours ? pixels.red : 0, has_colours && !is_grey ? pixels.green : 0,
         has_colours && !is_grey ? pixels.blue : 0, has_alpha ? pixels.alpha : 0};
@@ -241,7 +241,7 @@ bool readLegacyFormat(const dds_pixel_format& pixels, dds_format& format, dds_la
     // A device has no such format without alpha: it shows what stands there.
     dds_layout with_alpha = layout;
     with_alpha.channels[3] = {24, 8};
-    if (format == dds_format::unknown && with_alpha == rgbaOf(whole, 8, 8, 8, 8))
+    if (format == dds_format::unknown && with_alpha == rgbaOf(unorm, 8, 8, 8, 8))
         format = dds_format::rgba8;
     return true;
 }

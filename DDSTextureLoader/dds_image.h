@@ -49,8 +49,8 @@ enum class dds_format : std::uint32_t
 enum class dds_number : std::uint8_t
 {
     blocks,         // block-compressed: the format says how
-    whole,          // 0 to the largest value of its bits: 0..1
-    signed_whole,   // two's complement: -1..1, the lowest value counts as the next one
+    unorm,          // 0 to the largest value of its bits: 0..1
+    snorm,          // two's complement: -1..1, the lowest value counts as the next one
     floating,       // of 32, 16 (IEEE), 11 or 10 bits (5 of exponent, no sign)
     shared_exponent // 9 bits, scaled by the 5 highest bits of the pixel
 };

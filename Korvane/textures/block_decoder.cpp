@@ -57,7 +57,7 @@ std::array<std::uint8_t, 16> decodeChannel(const std::byte* block, bool is_signe
     const int steps = endPoint(bits) > endPoint(bits >> 8) ? 7 : 5; // -128 differs from -127 here only
     const int first = std::max(endPoint(bits), -127), second = std::max(endPoint(bits >> 8), -127);
     const auto toByte = [is_signed](int value) {
-        return is_signed ? byteOfSigned(value, 127) : static_cast<std::uint8_t>(value);
+        return is_signed ? byteOfSnorm(value, 127) : static_cast<std::uint8_t>(value);
     };
     std::array<std::uint8_t, 8> palette = {toByte(first), toByte(second)};
     for (int i = 1; i < steps; ++i)

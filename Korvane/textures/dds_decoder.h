@@ -6,7 +6,7 @@
 //   - one channel (red or grey, BC4) becomes grey; two channels (RG8, BC5) red and green, with blue 0; alpha alone has
 //     black pixels; signed channels are moved from -1..1 to 0..255;
 //   - floats (BC6H, 10 to 32 bits) are light: cut to 0..1 and stored with the sRGB curve, so that programs show them as
-//     bright as they are. Alpha has no curve. What is no number is 0.
+//     bright as they are. Alpha has no curve. NaN is 0.
 // BC1 to BC5 interpolate between end points of 8 bits (5 and 6 bits are expanded by repeating their upper bits) and
 // round to nearest; BC7 and BC6H are exact by definition.
 

@@ -54,10 +54,10 @@ std::uint8_t pixel_decoder::convert(const channel_reader& channel, std::uint32_t
 {
     switch (m_layout.number)
     {
-    case dds_number::signed_whole:
+    case dds_number::snorm:
     {
         const std::int64_t most = (std::int64_t{1} << (channel.bits - 1)) - 1;
-        return byteOfSigned(value > most ? std::int64_t{value} - 2 * (most + 1) : value, most);
+        return byteOfSnorm(value > most ? std::int64_t{value} - 2 * (most + 1) : value, most);
     }
     case dds_number::floating:
     {
@@ -67,7 +67,7 @@ std::uint8_t pixel_decoder::convert(const channel_reader& channel, std::uint32_t
     case dds_number::shared_exponent: // the mantissa has no hidden bit; 15 is the exponent's bias
         return byteOfLight(std::ldexp(value & channel.mask, static_cast<int>(value >> mantissa_bits) - 24));
     default:
-        return byteOfWhole(value, channel.mask);
+        return byteOfUnorm(value, channel.mask);
     }
 }
 
