@@ -103,10 +103,10 @@ void render_worker::start(HWND window, bool is_complete)
     m_has_device = is_complete;
     if (!is_complete)
         loseDevice();
-    m_thread = CreateThread(nullptr, stack_bytes, &render_worker::threadEntry, this, STACK_SIZE_PARAM_IS_A_RESERVATION,
-                            nullptr);
+    m_thread.reset(CreateThread(nullptr, stack_bytes, &render_worker::threadEntry, this,
+                                STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr));
     requireSuccess(m_thread ? S_OK : HRESULT_FROM_WIN32(GetLastError()), source_name);
-    nameThread(m_thread, L"Draw");
+    nameThread(m_thread.get(), L"Draw");
 }
 
 void render_worker::stop()
@@ -114,9 +114,8 @@ void render_worker::stop()
     if (!m_thread)
         return;
     m_pacer.stop();
-    WaitForSingleObject(m_thread, INFINITE); // one frame at most; the thread never waits for this one
-    CloseHandle(m_thread);
-    m_thread = nullptr;
+    WaitForSingleObject(m_thread.get(), INFINITE); // one frame at most; the thread never waits for this one
+    m_thread.reset();
 }
 
 void render_worker::show(scene_pointer scene)

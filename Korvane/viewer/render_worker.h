@@ -9,6 +9,7 @@
 // one with the software device. After the last one the worker rests until tryAgain().
 
 #include "D3D11_RENDER_LIB/device_faults.h"
+#include "EASY_GUI/services/kernel_handle_win.h"
 #include "EASY_GUI/services/log_port.h"
 #include "Korvane/viewer/frame_pacer.h"
 #include "Korvane/viewer/model_scene.h"
@@ -74,7 +75,7 @@ private:
     device_faults m_faults;
     gated_value<loaded_scene> m_published;
     frame_pacer m_pacer;
-    HANDLE m_thread = nullptr; // window thread only
+    unique_kernel_handle m_thread; // window thread only
     HWND m_window = nullptr;
 
     // The render thread's, once it runs.
