@@ -173,7 +173,9 @@ TEST(pack_cache, anyChangeOfTheArchivesIsNoticed)
         SCOPED_TRACE(row.name);
         const data_folder folder;
         const pack_cache cache = folder.cache();
-        const loading before(folder, &cache);
+        {
+            const loading before(folder, &cache); // it holds the archives open: Windows would not let them go
+        }
         row.change(folder);
         const loading after(folder, &cache), plain(folder, nullptr), again(folder, &cache);
         after.expectSameAs(plain);
