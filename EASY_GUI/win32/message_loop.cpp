@@ -44,7 +44,29 @@ bool message_loop::isShortcut(const MSG& message) const
 void message_loop::dispatch(MSG& message) const
 {
     if (isShortcut(message))
-        TranslateAcceleratorW(m_main.handle(), m_accelerators, &message);
+    {
+        BYTE pressed_with[256];
+        const bool is_known = GetKeyboardState(pressed_with) != 0;
+        if (TranslateAcceleratorW(m_main.handle(), m_accelerators, &message) != 0 && is_known)
+            return dispatchAsKey(message, pressed_with);
+    }
+    dispatchPlain(message);
+}
+
+// The command may have shown a dialog, during which Ctrl was let go: whoever gets the key now still sees it with what
+// it was pressed with, and not as a letter.
+void message_loop::dispatchAsKey(MSG& message, BYTE (&pressed_with)[256]) const
+{
+    BYTE now[256];
+    if (GetKeyboardState(now) == 0)
+        return;
+    SetKeyboardState(pressed_with);
+    dispatchPlain(message);
+    SetKeyboardState(now);
+}
+
+void message_loop::dispatchPlain(MSG& message) const
+{
     if (m_main.isOpen() && IsDialogMessageW(m_main.handle(), &message))
         return; // it has translated and dispatched the message itself
     TranslateMessage(&message);

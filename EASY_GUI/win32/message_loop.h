@@ -20,6 +20,8 @@ public:
 
 private:
     bool isShortcut(const MSG& message) const;
+    void dispatchAsKey(MSG& message, BYTE (&pressed_with)[256]) const; // the state of all keys at that time
+    void dispatchPlain(MSG& message) const;
 
     window& m_main;
     HACCEL m_accelerators; // null: no shortcuts

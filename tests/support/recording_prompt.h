@@ -4,6 +4,7 @@
 
 #include "EASY_GUI/services/user_prompt.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -19,7 +20,7 @@ public:
     {
         shown.emplace_back(title, text);
     }
-    bool confirm(const std::string& title, const std::string& text) override
+    bool confirm(const std::string& title, const std::string& text, prompt_answer) override
     {
         shown.emplace_back(title, text);
         if (confirmations.empty())
@@ -31,6 +32,8 @@ public:
     std::optional<std::string> pickOpenPath(const std::string& title, const std::vector<file_filter>& filters) override
     {
         picked_with = title + "|" + filters.at(0).label + "|" + filters.at(0).pattern;
+        if (while_picking)
+            while_picking();
         return answer;
     }
     std::optional<std::string> pickSavePath(const std::string& title, const std::vector<file_filter>& filters,
@@ -43,7 +46,8 @@ public:
     std::string picked_with;                                // of the last picker: title, first label, first pattern
     std::vector<bool> confirmations;                        // the next answers; then
     bool will_confirm = false;
-    std::optional<std::string> answer; // of the next picker
+    std::function<void()> while_picking; // what happens while a file is picked
+    std::optional<std::string> answer;   // of the next picker
 };
 
 } // namespace korvane::test

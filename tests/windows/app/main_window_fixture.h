@@ -44,6 +44,7 @@ struct view_record
     int made = 0, shown = 0, destroyed = 0;
     std::vector<std::pair<std::string, std::size_t>> models; // file name and LOD
     std::vector<std::vector<std::string>> definitions;       // the models of each that can be drawn
+    std::vector<unsigned> keys;                              // pressed without Ctrl, as far as the view can tell
 };
 
 class recording_view : public model_view
@@ -67,8 +68,26 @@ public:
 
 private:
     static std::string fileName(const std::string& path) { return path.substr(path.find_last_of("/\\") + 1); }
+    class key_window : public plain_window
+    {
+    public:
+        explicit key_window(view_record& record) : m_record(record) {}
+        ~key_window() override { destroy(); }
+
+    protected:
+        bool onKeyDown(unsigned virtual_key, bool) override
+        {
+            if (virtual_key != VK_CONTROL && GetKeyState(VK_CONTROL) >= 0)
+                m_record.keys.push_back(virtual_key);
+            return true;
+        }
+
+    private:
+        view_record& m_record;
+    };
+
     view_record& m_record;
-    plain_window m_window;
+    key_window m_window{m_record};
 };
 
 class main_window_test : public testing::Test

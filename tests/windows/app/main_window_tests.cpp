@@ -106,6 +106,17 @@ TEST_F(main_window_test, shortcutsOpenTheDialogAndRecentFiles)
     pressWithControl('2');                // the one before
     EXPECT_TRUE(text(control_file_path).ends_with("first.rigid_model_v2"));
 
+    m_prompt.while_picking = [] { // Ctrl is let go while the dialog is open
+        BYTE keys[256];
+        GetKeyboardState(keys);
+        keys[VK_CONTROL] = keys[VK_LCONTROL] = keys[VK_RCONTROL] = 0;
+        SetKeyboardState(keys);
+    };
+    m_prompt.answer = first;
+    pressWithControl('O');
+    EXPECT_TRUE(m_view.keys.empty()) << "a shortcut is no key of the view";
+    m_prompt.while_picking = nullptr;
+
     m_prompt.answer = second;
     const plain_window dialog;
     SetFocus(dialog.handle());
