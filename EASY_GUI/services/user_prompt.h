@@ -17,6 +17,12 @@ enum class prompt_icon
     error
 };
 
+enum class prompt_answer
+{
+    no,
+    yes
+};
+
 struct file_filter
 {
     std::string label;   // "Rigid Model v2 Files (*.rigid_model_v2)"
@@ -30,8 +36,8 @@ public:
 
     // Shows a text with a title and waits until it was read.
     virtual void show(const std::string& title, const std::string& text, prompt_icon icon) = 0;
-    // A question answered with yes or no.
-    [[nodiscard]] virtual bool confirm(const std::string& title, const std::string& text) = 0;
+    // A question answered with yes or no; Enter alone gives the preset answer, which loses nothing.
+    [[nodiscard]] virtual bool confirm(const std::string& title, const std::string& text, prompt_answer preset) = 0;
     // A path to open or to write; nothing when the person changed their mind.
     [[nodiscard]] virtual std::optional<std::string> pickOpenPath(const std::string& title,
                                                                   const std::vector<file_filter>& filters) = 0;

@@ -64,9 +64,11 @@ void message_box_prompt::show(const std::string& title, const std::string& text,
     MessageBoxW(m_owner, toWide(text).c_str(), toWide(title).c_str(), MB_OK | iconFlag(icon));
 }
 
-bool message_box_prompt::confirm(const std::string& title, const std::string& text)
+bool message_box_prompt::confirm(const std::string& title, const std::string& text, prompt_answer preset)
 {
-    return MessageBoxW(m_owner, toWide(text).c_str(), toWide(title).c_str(), MB_YESNO | MB_ICONQUESTION) == IDYES;
+    const UINT focused = preset == prompt_answer::yes ? MB_DEFBUTTON1 : MB_DEFBUTTON2;
+    return MessageBoxW(m_owner, toWide(text).c_str(), toWide(title).c_str(), MB_YESNO | MB_ICONQUESTION | focused) ==
+           IDYES;
 }
 
 std::optional<std::string> message_box_prompt::pickOpenPath(const std::string& title,

@@ -16,7 +16,7 @@ public:
     void setOwner(HWND owner) { m_owner = owner; }
 
     void show(const std::string& title, const std::string& text, prompt_icon icon) override;
-    [[nodiscard]] bool confirm(const std::string& title, const std::string& text) override;
+    [[nodiscard]] bool confirm(const std::string& title, const std::string& text, prompt_answer preset) override;
     [[nodiscard]] std::optional<std::string> pickOpenPath(const std::string& title,
                                                           const std::vector<file_filter>& filters) override;
     [[nodiscard]] std::optional<std::string> pickSavePath(const std::string& title,

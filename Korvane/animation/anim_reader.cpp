@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/byte_reader.h"
 #include "EASY_GUI/services/memory_file.h"
+#include "EASY_GUI/services/text.h"
 #include "Korvane/animation/anim_block_order.h"
 
 #include <algorithm>
@@ -257,8 +258,8 @@ void anim_reader::checkFrames()
                   "frame count");
     else if (frame_bytes != 0 && m_data.frame_count > left() / frame_bytes)
         m_in.fail(failure_kind::truncated,
-                  std::to_string(m_data.frame_count) + " frames of " + std::to_string(frame_bytes) +
-                      " bytes do not fit into the " + std::to_string(left()) + " bytes that are left",
+                  counted(m_data.frame_count, "frame") + " of " + counted(frame_bytes, "byte") +
+                      " do not fit into the " + counted(left(), "byte") + " that are left",
                   "frame count");
 }
 

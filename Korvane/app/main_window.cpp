@@ -360,7 +360,13 @@ bool main_window::openFile(const std::string& path)
 bool main_window::takeGame(const game_load& loaded)
 {
     for (const notice& each : loaded.notices)
+    {
+        std::string line = each.title + " " + each.text;
+        std::erase(line, '\r');
+        std::replace(line.begin(), line.end(), '\n', ' ');
+        log(line);
         m_ports.prompt.show(each.title, each.text, prompt_icon::error);
+    }
     if (loaded.game == nullptr)
         return false;
     publishGame(*loaded.game);

@@ -65,7 +65,8 @@ void runTextures(cli_context& context, const textures_job_options& options)
     if (result.failures.size() == 1)
         context.fail(result.failures.front());
     else if (!result.failures.empty())
-        context.fail({failure_kind::refused, std::to_string(result.failures.size()) + " models or textures failed",
+        context.fail({failure_kind::refused,
+                      counted(result.failures.size(), "model or texture", "models or textures") + " failed",
                       options.extraction.folder, 0, ""});
 }
 

@@ -223,7 +223,8 @@ bool offerKeptEdits(const std::string& folder, open_files& document, user_prompt
             title,
             "The program ended before the changes to this model were saved:\r\n" + kept.origin.path +
                 "\r\n\r\nOpen the model with these changes? No discards them for good." +
-                (has_changed ? "\r\n\r\nThe file itself is not what it was then; saving will ask where to." : ""));
+                (has_changed ? "\r\n\r\nThe file itself is not what it was then; saving will ask where to." : ""),
+            prompt_answer::yes);
         if (!claim(keep))
         {
             log("kept edits: " + keep + " was taken by another program");

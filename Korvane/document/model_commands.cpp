@@ -99,9 +99,10 @@ command_outcome model_commands::confirmMixedVersions()
         "This model was patched: since then it says version 7 over the headers of version 6. A file with that in it "
         "cannot be read by the games, nor by this program when it has several LODs.\r\n\r\n";
     const std::string patched = model.patchedPath();
-    if (!patched.empty() &&
-        m_prompt.confirm("Save", explanation + "Open the patched file instead?\r\n" + patched +
-                                     (model.isEdited() ? "\r\n\r\nUnsaved changes are lost then." : "")))
+    if (!patched.empty() && m_prompt.confirm("Save",
+                                             explanation + "Open the patched file instead?\r\n" + patched +
+                                                 (model.isEdited() ? "\r\n\r\nUnsaved changes are lost then." : ""),
+                                             model.isEdited() ? prompt_answer::no : prompt_answer::yes))
     {
         failure why;
         if (m_document.open(patched, why))
@@ -110,8 +111,9 @@ command_outcome model_commands::confirmMixedVersions()
         m_prompt.show(error.title, error.text, prompt_icon::error);
         return command_outcome::failed;
     }
-    return m_prompt.confirm("Save", explanation + "Save it nevertheless?") ? command_outcome::done
-                                                                           : command_outcome::cancelled;
+    return m_prompt.confirm("Save", explanation + "Save it nevertheless?", prompt_answer::no)
+               ? command_outcome::done
+               : command_outcome::cancelled;
 }
 
 command_outcome model_commands::patch()
@@ -146,7 +148,9 @@ command_outcome model_commands::patch()
 
 command_outcome model_commands::reset()
 {
-    if (!isEnabled(document_command::reset) || !m_prompt.confirm("Clear", "Are you sure you want to clear all fields?"))
+    if (!isEnabled(document_command::reset) ||
+        !m_prompt.confirm("Clear", "Are you sure you want to clear all fields?",
+                          m_document.model().isEdited() ? prompt_answer::no : prompt_answer::yes))
         return command_outcome::cancelled;
     m_document.close();
     return command_outcome::done;
@@ -183,8 +187,10 @@ bool model_commands::mayDiscardEdits()
 {
     if (!m_document.model().isEdited())
         return true;
-    return m_prompt.confirm("Unsaved changes", "The changes to this model were not saved. Go on without them?\r\n" +
-                                                   m_document.model().file()->path());
+    return m_prompt.confirm("Unsaved changes",
+                            "The changes to this model were not saved. Go on without them?\r\n" +
+                                m_document.model().file()->path(),
+                            prompt_answer::no);
 }
 
 } // namespace korvane

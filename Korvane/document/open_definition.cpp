@@ -1,6 +1,8 @@
 #include "Korvane/document/open_definition.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/internal_path.h"
+#include "Korvane/game/game_path.h"
 
 #include <algorithm>
 #include <string_view>
@@ -25,6 +27,8 @@ std::string nameOf(const std::string& path)
 
 bool isDefinitionPath(const std::string& path)
 {
+    if (const game_path given(path); given.isInternal()) // may be spelled with blanks or separators at its end
+        return normalInternalPath(given.internalPath()).ends_with(extension);
     return endsWithIgnoringCase(path, extension);
 }
 

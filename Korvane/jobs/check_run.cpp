@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/internal_path.h"
 #include "Korvane/archives/path_pattern.h"
 #include "Korvane/archives/variant_mesh_def.h"
 #include "Korvane/document/open_definition.h"
@@ -79,9 +80,11 @@ void check_run::addFolder(const std::string& folder)
 void check_run::addMatching(const std::string& pattern)
 {
     const std::size_t before = m_files.size();
+    const std::string normal = normalInternalPath(pattern); // as look-ups take it
     if (m_game.hasArchives())
         for (const pack_file_node* file : m_game.archives()->files())
-            if (isCheckedPath(file->internalPath()) && matchesPattern(file->internalPath(), pattern))
+            if (isCheckedPath(file->internalPath()) &&
+                (matchesPattern(file->internalPath(), normal) || matchesPattern(file->internalPath(), pattern)))
                 addFile(game_path::ofInternal(file->internalPath()).text());
     if (m_files.size() == before)
         m_not_found.push_back(

@@ -143,7 +143,7 @@ TEST(export_take, whatCannotBeTimedOrIsNoNumberIsRefused)
     EXPECT_EQ(refused(data), "frame 1, translation 0 is no number, or too large");
     data->translations[1].y = 1e37f; // as inches it is infinite
     EXPECT_EQ(refused(data), "frame 1, translation 0 is no number, or too large");
-    EXPECT_EQ(refused(smallAnimation(101000, 0.001f)), "101000 frames at 0.001 a second are too long for a file");
+    EXPECT_EQ(refused(smallAnimation(101000, 0.001f)), "101,000 frames at 0.001 a second are too long for a file");
 }
 
 } // namespace

@@ -292,7 +292,7 @@ bool conversion::chooseTimes(failure& why)
     if (has_keys)
         log("The take's keys lie between " + numberText(m_scene.seconds(first)) + " and " +
             numberText(m_scene.seconds(last)) + " seconds");
-    log(std::to_string(m_frame_count) + " frames at " + numberText(m_rate) + " a second, from " +
+    log(counted(m_frame_count, "frame") + " at " + numberText(m_rate) + " a second, from " +
         numberText(m_scene.seconds(m_first)) + " seconds on");
     return checkSize(why);
 }

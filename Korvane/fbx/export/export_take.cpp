@@ -58,7 +58,7 @@ bool makeTake(std::shared_ptr<const anim_data> animation_data, const anim_data& 
                     "a frame rate of " + floatText(source->frame_rate) + " frames a second cannot be exported");
     if (made.frame_count / made.frame_rate > longest_seconds)
         return fail(why, failure_kind::malformed,
-                    std::to_string(made.frame_count) + " frames at " + floatText(source->frame_rate) +
+                    counted(made.frame_count, "frame") + " at " + floatText(source->frame_rate) +
                         " a second are too long for a file");
     made.stop_seconds =
         span == take_span::half ? made.frame_count * 0.5 / made.frame_rate : std::max(made.frame_count, 1u) - 1.0;
