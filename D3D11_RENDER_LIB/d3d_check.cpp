@@ -15,9 +15,9 @@ namespace
 
 constexpr HRESULT driver_device_removed = static_cast<HRESULT>(0x88760870); // D3DDDIERR_DEVICEREMOVED, of the DDK
 
-std::function<void(const std::string&)>& assertionPort()
+log_port& assertionPort()
 {
-    static std::function<void(const std::string&)> port;
+    static log_port port;
     return port;
 }
 
@@ -36,7 +36,7 @@ std::string resultText(HRESULT hr)
     return code;
 }
 
-void setAssertionPort(std::function<void(const std::string&)> port)
+void setAssertionPort(log_port port)
 {
     assertionPort() = std::move(port);
 }

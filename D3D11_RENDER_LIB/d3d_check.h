@@ -5,9 +5,10 @@
 // What no input and no loss can cause stops the program with the assertion's text. A texture that the device refuses is
 // a failure (dds_texture.h).
 
+#include "EASY_GUI/services/log_port.h"
+
 #include <windows.h>
 
-#include <functional>
 #include <string>
 
 namespace korvane
@@ -26,6 +27,6 @@ void requireSuccess(HRESULT hr, const char* source);
 // Told the text before the program stops: called once at most, by the thread on which the call failed, the render
 // thread among them, which may hold no lock of the program then. When it returns the program ends. Set once at
 // start-up, before there is a second thread.
-void setAssertionPort(std::function<void(const std::string&)> port);
+void setAssertionPort(log_port port);
 
 } // namespace korvane

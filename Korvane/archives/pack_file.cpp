@@ -205,8 +205,7 @@ void pack_file::enter()
     m_po_tree->enter(std::move(m_archive), m_entries.first(m_entry_count));
 }
 
-path_tree::node_pointer getNodeFromInternalPath(std::string_view path,
-                                                const std::function<void(const std::string&)>& log)
+path_tree::node_pointer getNodeFromInternalPath(std::string_view path, const log_port& log)
 {
     if (pack_file::sm_poPathTree)
         return pack_file::sm_poPathTree->getNodeFromInternalPath(path);

@@ -4,10 +4,10 @@
 // before anything enters the tree: an archive is in it as a whole or not at all.
 
 #include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/log_port.h"
 #include "Korvane/archives/path_tree.h"
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -86,7 +86,6 @@ private:
 };
 
 // The node of an internal path in the tree of all archives; null, with a line in the log, when there is no tree yet.
-[[nodiscard]] path_tree::node_pointer getNodeFromInternalPath(std::string_view path,
-                                                              const std::function<void(const std::string&)>& log = {});
+[[nodiscard]] path_tree::node_pointer getNodeFromInternalPath(std::string_view path, const log_port& log = {});
 
 } // namespace korvane

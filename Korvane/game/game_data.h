@@ -36,7 +36,6 @@ public:
     bool hasArchives() const { return m_po_archives != nullptr; }
     // For listings and searches; null: none are loaded.
     const std::shared_ptr<const path_tree>& archives() const { return m_po_archives; }
-    const std::vector<std::string>& foldersOver() const { return m_folders_over; }
 
     // The game's file of that internal path: in a folder over the archives, else in the archives.
     [[nodiscard]] game_file find(std::string_view internal_path) const;

