@@ -10,6 +10,7 @@
 #include <array>
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace korvane
@@ -148,8 +149,11 @@ public:
         if (m_context.is_json)
             m_context.printJson(m_list);
         else
-            m_context.print(counted(files, "file", "files") + " checked: " + sum() + "\n");
-        if (errors > 0)
+            m_context.print(files == 0 ? "no file checked\n"
+                                       : counted(files, "file", "files") + " checked: " + sum() + "\n");
+        if (files == 0 && m_first_error)
+            m_context.fail({failure_kind::not_found, m_first_error->text, m_first_error->file, 0, {}});
+        else if (errors > 0)
             m_context.fail({failure_kind::malformed,
                             counted(errors, "error", "errors") + " found in " + counted(files, "file", "files"),
                             {},
@@ -161,6 +165,8 @@ private:
     void count(const finding& each)
     {
         ++m_counts[static_cast<std::size_t>(each.severity)];
+        if (!m_first_error && each.severity == finding_severity::error)
+            m_first_error = each;
         if (m_context.is_json)
             m_list.push_back(findingJson(each));
     }
@@ -178,6 +184,7 @@ private:
 
     cli_context& m_context;
     json m_list = json::array();
+    std::optional<finding> m_first_error;
     std::array<std::size_t, 3> m_counts{};
     std::size_t m_files_with_findings = 0;
 };
@@ -219,8 +226,10 @@ void addCheckCommand(CLI::App& app, cli_context& context)
     const auto operands = std::make_shared<std::vector<std::string>>();
     CLI::App* command = app.add_subcommand("check", "Report what would go wrong with models and definitions");
     command
-        ->add_option("FILE", *operands,
-                     "Models, definitions or folders on the disk, or pack: and a pattern over internal paths")
+        ->add_option(
+            "FILE", *operands,
+            "Models, definitions, folders, or patterns with * and ?; on disk, or pack: and an internal path or "
+            "pattern")
         ->required();
     context.addJsonOption(*command);
     command->callback([&context, operands] { runCheck(context, *operands); });

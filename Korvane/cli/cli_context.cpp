@@ -57,6 +57,11 @@ void cli_context::printError(const std::string& text)
     console::error(text);
 }
 
+void cli_context::nameFailure(const failure& why)
+{
+    printError(terminalText(describe(why)) + "\n");
+}
+
 void cli_context::fail(const failure& why)
 {
     printError("korvane: " + displayText(describe(why)) + "\n");

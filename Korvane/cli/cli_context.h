@@ -50,6 +50,8 @@ public:
     void progress(const std::string& text);
     void showProgressAtOnce() { m_progress.showAtOnce(); } // for tests
 
+    // One of several files failed and the others go on: which, and why, on standard error, also with --quiet.
+    void nameFailure(const failure& why);
     // Prints "korvane: " and the failure on standard error and makes the exit status 1.
     void fail(const failure& why);
 

@@ -199,8 +199,7 @@ void addEditCommand(CLI::App& app, cli_context& context)
 {
     const auto options = std::make_shared<edit_options>();
     CLI::App* command = app.add_subcommand("edit", "Set texture paths and alpha modes of models");
-    command->add_option("MODEL", options->models, "The models: paths on disk, or pack: and an internal path")
-        ->required();
+    command->add_option("MODEL", options->models, model_operands_help)->required();
     command->add_option("-o", options->output, "The file to write, or for several models the folder")
         ->type_name("OUT")
         ->check(notEmpty());

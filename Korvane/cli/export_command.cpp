@@ -1,10 +1,13 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/extraction_folder.h"
+#include "Korvane/cli/output_files.h"
 #include "Korvane/fbx/export/scene_exporter.h"
 #include "Korvane/jobs/export_job.h"
 #include "Korvane/jobs/output_paths.h"
 
+#include <map>
 #include <memory>
 
 namespace korvane
@@ -13,41 +16,68 @@ namespace korvane
 namespace
 {
 
-json resultJson(const export_job_result& result)
+// Of one model, or of several one after the other.
+class export_report
 {
-    json files = json::array(), failed = json::array(), textures = json::array();
-    for (const exported_file& file : result.files)
-        files.push_back({{"path", displayText(file.path)},
-                         {"animation", file.animation.empty() ? json(nullptr) : json(displayText(file.animation))},
-                         {"bones", file.bones},
-                         {"meshes", file.meshes},
-                         {"points", file.points},
-                         {"triangles", file.triangles},
-                         {"frames", file.frames},
-                         {"frame_rate", file.frame_rate},
-                         {"take_stop", file.take_stop_seconds}});
-    for (const failed_export& each : result.failed)
-        failed.push_back({{"animation", displayText(each.animation)}, {"reason", displayText(describe(each.why))}});
-    for (const auto& [internal_path, path] : result.textures)
-        textures.push_back({{"internal_path", displayText(internal_path)},
-                            {"path", path.empty() ? json(nullptr) : json(displayText(path))}});
-    return {{"files", std::move(files)},
-            {"failed", std::move(failed)},
-            {"textures", std::move(textures)},
-            {"warnings", result.warnings}};
-}
+public:
+    void add(const std::string& model, const export_job_result& result)
+    {
+        for (const exported_file& file : result.files)
+            m_files.push_back(
+                {{"path", displayText(file.path)},
+                 {"model", displayText(model)},
+                 {"animation", file.animation.empty() ? json(nullptr) : json(displayText(file.animation))},
+                 {"bones", file.bones},
+                 {"meshes", file.meshes},
+                 {"points", file.points},
+                 {"triangles", file.triangles},
+                 {"frames", file.frames},
+                 {"frame_rate", file.frame_rate},
+                 {"take_stop", file.take_stop_seconds}});
+        for (const failed_export& each : result.failed)
+            addFailure(model, displayText(each.animation), each.why);
+        for (const auto& [internal_path, path] : result.textures)
+            m_textures.emplace(internal_path, path);
+        m_warnings.insert(m_warnings.end(), result.warnings.begin(), result.warnings.end());
+    }
+    void addFailure(const std::string& model, const json& animation, const failure& why)
+    {
+        m_failed.push_back(
+            {{"model", displayText(model)}, {"animation", animation}, {"reason", displayText(describe(why))}});
+    }
+    json document() const
+    {
+        json textures = json::array();
+        for (const auto& [internal_path, path] : m_textures)
+            textures.push_back({{"internal_path", displayText(internal_path)},
+                                {"path", path.empty() ? json(nullptr) : json(displayText(path))}});
+        return {{"files", m_files}, {"failed", m_failed}, {"textures", std::move(textures)}, {"warnings", m_warnings}};
+    }
 
-void runCommand(cli_context& context, const export_job_options& options)
+private:
+    json m_files = json::array(), m_failed = json::array();
+    std::map<std::string, std::string> m_textures; // by internal path
+    std::vector<std::string> m_warnings;
+};
+
+work_port workPort(cli_context& context)
 {
     work_port work;
     work.log = context.notePort();
     work.progress = [&context](const work_progress& step) { context.progress(terminalText(step.what)); };
+    return work;
+}
+
+void exportModel(cli_context& context, const export_job_options& options)
+{
     export_job_result result;
     failure why;
-    if (!runExport(context.game(), options, work, result, why))
+    if (!runExport(context.game(), options, workPort(context), result, why))
         return context.fail(why);
+    export_report report;
+    report.add(options.model, result);
     if (context.is_json)
-        context.printJson(resultJson(result));
+        context.printJson(report.document());
     if (const std::size_t missing = result.wanted - result.files.size(); missing > 0)
         context.fail(
             {failure_kind::refused,
@@ -55,56 +85,113 @@ void runCommand(cli_context& context, const export_job_options& options)
              options.output, 0, ""});
 }
 
+// Each into the folder below the output's where it belongs.
+void exportModels(cli_context& context, const export_job_options& options, const std::vector<operand_file>& models)
+{
+    extraction_folder folder(options.output);
+    export_report report;
+    std::size_t failed = 0;
+    for (const operand_file& model : models)
+    {
+        export_job_options its = options;
+        its.model = model.path;
+        export_job_result result;
+        failure why;
+        if (folder.locate(model.below, its.output, why))
+        {
+            its.output.resize(its.output.size() - fileName(its.output).size());
+            if (runExport(context.game(), its, workPort(context), result, why))
+            {
+                report.add(model.path, result);
+                continue;
+            }
+        }
+        ++failed;
+        context.nameFailure(why);
+        report.addFailure(model.path, nullptr, why);
+    }
+    if (context.is_json)
+        context.printJson(report.document());
+    if (failed > 0)
+        context.fail({failure_kind::refused,
+                      std::to_string(failed) + " of " + std::to_string(models.size()) + " models could not be exported",
+                      options.output, 0, ""});
+}
+
 // What the command line's options cannot say of each other by themselves.
-void checkOptions(const export_job_options& options)
+void checkOptions(const export_job_options& options, bool is_one_model)
 {
     if (!options.animations.empty() && options.skeleton.empty())
         throw CLI::RequiresError("--anim", "--skeleton");
+    if (!options.animations.empty() && !is_one_model)
+        throw CLI::ValidationError("--anim", "animations go with one model");
     const bool is_file = hasExportExtension(options.output) && !isFolder(options.output);
-    if (options.animations.size() > 1 && is_file)
-        throw CLI::ValidationError("-o", "several animations need a folder, one file is written for each");
+    const bool is_one_file = is_one_model && options.animations.size() < 2;
+    if (!is_one_file && is_file)
+        throw CLI::ValidationError("-o", "several " + std::string(is_one_model ? "animations" : "models") +
+                                             " need a folder, one file is written for each");
     if (is_file && options.folder_format && !endsWithIgnoringCase(options.output, "." + *options.folder_format))
         throw CLI::ValidationError("--format", "the file's name says another format: " + options.output);
-    if (options.animations.size() < 2 && !is_file && !isFolder(options.output))
+    if (is_one_file && !is_file && !isFolder(options.output))
         throw CLI::ValidationError("-o",
                                    "the name must end in .fbx or .dae, or be that of a folder: " + options.output);
+}
+
+struct console_export_options
+{
+    std::vector<std::string> operands;
+    export_job_options job;
+};
+
+void runCommand(cli_context& context, console_export_options& options)
+{
+    operand_list list(modelOperands(), options.job.output);
+    if (!listOperands(context, options.operands, list))
+        return;
+    checkOptions(options.job, list.isOneFile());
+    options.job.spared = {context.config_path};
+    options.job.model = list.files().front().path;
+    if (list.isOneFile())
+        exportModel(context, options.job);
+    else
+        exportModels(context, options.job, list.files());
 }
 
 } // namespace
 
 void addExportCommand(CLI::App& app, cli_context& context)
 {
-    const auto options = std::make_shared<export_job_options>();
-    CLI::App* command = app.add_subcommand("export", "Write a model as FBX or Collada, with skeleton and animations");
-    command->add_option("MODEL", options->model, "The model: a path on disk, or pack: and an internal path")
-        ->required();
+    const auto options = std::make_shared<console_export_options>();
+    CLI::App* command = app.add_subcommand("export", "Write models as FBX or Collada, with skeleton and animations");
+    command->add_option("MODEL", options->operands, model_operands_help)->required();
     command
-        ->add_option("-o", options->output,
-                     "The file to write, .fbx or .dae; or a folder, whose files get their names from the animations")
+        ->add_option("-o", options->job.output,
+                     "The file to write, .fbx or .dae; or a folder, whose files get their names from the animations or "
+                     "the models")
         ->required()
         ->check(notEmpty());
-    command->add_option("--skeleton", options->skeleton, "The skeleton's .anim file; without it the model alone")
+    command->add_option("--skeleton", options->job.skeleton, "The skeleton's .anim file; without it the model alone")
         ->type_name("ANIM");
-    command->add_option("--anim", options->animations, "An animation; may be given more than once, with a folder as -o")
+    command
+        ->add_option("--anim", options->job.animations,
+                     "An animation; may be given more than once, with a folder as -o")
         ->type_name("ANIM")
         ->allow_extra_args(false);
-    command->add_option("--lod", options->lod, "Level of detail; 0, the finest, without it")
+    command->add_option("--lod", options->job.lod, "Level of detail; 0, the finest, without it")
         ->type_name("N")
         ->check(wholeNumber());
-    command->add_option("--textures", options->texture_folder, "Copy the diffuse and normal textures below this folder")
+    command
+        ->add_option("--textures", options->job.texture_folder,
+                     "Copy the diffuse and normal textures below this folder")
         ->type_name("DIR")
         ->check(notEmpty());
-    command->add_option("--format", options->folder_format, "Of the files in a folder: fbx or dae; fbx without it")
+    command->add_option("--format", options->job.folder_format, "Of the files in a folder: fbx or dae; fbx without it")
         ->type_name("FORMAT")
         ->check(CLI::IsMember({"fbx", "dae"}));
-    command->add_flag("--no-materials", options->is_without_materials, "Neither materials nor textures");
-    command->add_flag("--full-span", options->is_full_span, "The take's time span ends with the last frame");
+    command->add_flag("--no-materials", options->job.is_without_materials, "Neither materials nor textures");
+    command->add_flag("--full-span", options->job.is_full_span, "The take's time span ends with the last frame");
     context.addJsonOption(*command);
-    command->callback([options, &context] {
-        checkOptions(*options);
-        options->spared = {context.config_path};
-        runCommand(context, *options);
-    });
+    command->callback([options, &context] { runCommand(context, *options); });
 }
 
 } // namespace korvane

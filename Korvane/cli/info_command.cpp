@@ -1,6 +1,7 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/cli/output_files.h"
 #include "Korvane/jobs/operands.h"
 #include "Korvane/models/catalogue.h"
 #include "Korvane/models/description.h"
@@ -164,24 +165,64 @@ void printModelJson(cli_context& context, const rmv2_file& model, bool with_vert
         }
         out.append("]}");
     }
-    out.append("]}\n");
+    out.append("]}");
 }
 
 struct info_options
 {
-    std::string model;
+    std::vector<std::string> operands;
     bool with_vertices = false;
 };
 
-void runInfo(cli_context& context, const info_options& options)
+bool printModel(cli_context& context, const std::string& path, bool with_vertices, const char* before, failure& why)
 {
     rmv2_file model;
+    if (!openModel(context.game(), path, model, context.notePort(), why))
+        return false;
+    context.print(before);
+    if (context.is_json)
+        printModelJson(context, model, with_vertices);
+    else
+        describeModel(model, with_vertices, [&context](const std::string& text) { context.print(text); });
+    return true;
+}
+
+// A list in JSON, else one description below the other; one that cannot be read is named.
+void printModels(cli_context& context, const operand_list& list, bool with_vertices)
+{
+    std::size_t failed = 0;
+    const char* before = context.is_json ? "[" : "";
+    for (const operand_file& model : list.files())
+    {
+        failure why;
+        if (printModel(context, model.path, with_vertices, before, why))
+        {
+            before = context.is_json ? "," : "\n";
+            continue;
+        }
+        ++failed;
+        context.nameFailure(why);
+    }
+    if (context.is_json)
+        context.print(failed == list.files().size() ? "[]\n" : "]\n");
+    if (failed > 0)
+        context.fail({failure_kind::refused,
+                      std::to_string(failed) + " of " + std::to_string(list.files().size()) + " models failed", "", 0,
+                      ""});
+}
+
+void runInfo(cli_context& context, const info_options& options)
+{
+    operand_list list(modelOperands());
+    if (!listOperands(context, options.operands, list))
+        return;
+    if (!list.isOneFile())
+        return printModels(context, list, options.with_vertices);
     failure why;
-    if (!openModel(context.game(), options.model, model, context.notePort(), why))
+    if (!printModel(context, list.files().front().path, options.with_vertices, "", why))
         return context.fail(why);
     if (context.is_json)
-        return printModelJson(context, model, options.with_vertices);
-    describeModel(model, options.with_vertices, [&context](const std::string& text) { context.print(text); });
+        context.print("\n");
 }
 
 } // namespace
@@ -189,9 +230,8 @@ void runInfo(cli_context& context, const info_options& options)
 void addInfoCommand(CLI::App& app, cli_context& context)
 {
     const auto options = std::make_shared<info_options>();
-    CLI::App* command = app.add_subcommand("info", "Describe a rigid_model_v2 file");
-    command->add_option("MODEL", options->model, "The model: a path on disk, or pack: and an internal path")
-        ->required();
+    CLI::App* command = app.add_subcommand("info", "Describe rigid_model_v2 files");
+    command->add_option("MODEL", options->operands, model_operands_help)->required();
     command->add_flag("--vertices", options->with_vertices, "Add vertices and indices");
     context.addJsonOption(*command);
     command->callback([options, &context] { runInfo(context, *options); });

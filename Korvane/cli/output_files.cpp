@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/extraction_folder.h"
+#include "Korvane/jobs/operand_list.h"
 #include "Korvane/jobs/output_paths.h"
 
 #include <new>
@@ -26,16 +27,38 @@ bool attempt(const model_work& work, const std::string& model, const std::string
 
 } // namespace
 
-void forEachModel(cli_context& context, const std::vector<std::string>& models, const model_output& output,
-                  const model_work& work)
+bool listOperands(cli_context& context, const std::vector<std::string>& operands, operand_list& list)
 {
     failure why;
-    if (models.size() == 1 && !isFolder(output.path))
+    const bool is_done = addOperands(context.game(), operands, list, why);
+    for (const failure& left_out : list.leftOut())
+        context.nameFailure(left_out);
+    if (!is_done)
+        context.fail(why);
+    return is_done;
+}
+
+void requireFolder(const operand_list& list, const std::string& output)
+{
+    if (!list.isOneFile() && list.isNameOfOne(output) && !isFolder(output))
+        throw CLI::ValidationError("-o", "several files need a folder, not " + output);
+}
+
+void forEachModel(cli_context& context, const std::vector<std::string>& operands, const model_output& output,
+                  const model_work& work)
+{
+    operand_list list(modelOperands(), output.path);
+    if (!listOperands(context, operands, list))
+        return;
+    failure why;
+    const std::vector<operand_file>& models = list.files();
+    if (list.isOneFile() && !isFolder(output.path))
     {
-        if (!attempt(work, models.front(), output.path, why))
+        if (!attempt(work, models.front().path, output.path, why))
             context.fail(why);
         return;
     }
+    requireFolder(list, output.path);
     if (!output.is_dry_run && !createFolder(output.path, why))
         return context.fail(why);
     extraction_folder folder(output.path);
@@ -48,17 +71,17 @@ void forEachModel(cli_context& context, const std::vector<std::string>& models, 
     for (std::size_t i = 0; i < models.size(); ++i)
     {
         context.progress("model " + std::to_string(i + 1) + " of " + std::to_string(models.size()) + ": " +
-                         displayText(models[i]));
+                         displayText(models[i].path));
         failure reason;
         std::string target;
-        if (place(std::string(fileName(models[i])), target, reason) && attempt(work, models[i], target, reason))
+        if (place(models[i].below, target, reason) && attempt(work, models[i].path, target, reason))
             continue;
-        if (reason.path == fileName(models[i])) // of the folder's refusals: say which of the models it is
-            reason.path = models[i];
-        if (models.size() == 1)
+        if (reason.path == models[i].below) // of the folder's refusals: say which of the models it is
+            reason.path = models[i].path;
+        if (list.isOneFile())
             return context.fail(reason);
         ++failed;
-        context.note(displayText(describe(reason)));
+        context.nameFailure(reason);
     }
     if (failed > 0)
         context.fail({failure_kind::refused,

@@ -51,8 +51,7 @@ void addPatchCommand(CLI::App& app, cli_context& context)
 {
     const auto options = std::make_shared<patch_options>();
     CLI::App* command = app.add_subcommand("patch", "Make models of version 6 models of version 7");
-    command->add_option("MODEL", options->models, "The models: paths on disk, or pack: and an internal path")
-        ->required();
+    command->add_option("MODEL", options->models, model_operands_help)->required();
     command->add_option("-o", options->output, "The file to write, or for several models the folder")
         ->type_name("OUT")
         ->required()

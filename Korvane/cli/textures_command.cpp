@@ -1,6 +1,7 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/cli/output_files.h"
 #include "Korvane/jobs/textures_job.h"
 
 #include <memory>
@@ -13,6 +14,7 @@ namespace
 
 struct textures_options
 {
+    std::vector<std::string> operands;
     textures_job_options job;
     std::string form;
     std::string normals;
@@ -26,7 +28,7 @@ void report(cli_context& context, const textures_job_result& result)
         context.note(terminalText(path) + ": empty in the archive that counts");
     if (result.failures.size() > 1) // a single one is what the program ends with
         for (const failure& why : result.failures)
-            context.note(terminalText(describe(why)));
+            context.nameFailure(why);
     if (!context.is_json)
         return context.print(extractedText(result.textures.files.size()) + "\n");
     const auto texts = [](const std::vector<std::string>& paths) {
@@ -78,8 +80,9 @@ void addTexturesCommand(CLI::App& app, cli_context& context)
     CLI::App* command = app.add_subcommand(
         "textures", "Extract the textures that models name out of the archives, or from the disk around them");
     command
-        ->add_option("MODEL", options->job.models,
-                     "Models, or variant mesh definitions with all theirs: on disk, or pack: and an internal path")
+        ->add_option("MODEL", options->operands,
+                     "Models, variant mesh definitions with all their models, folders, or patterns with * and ?; on "
+                     "disk, or pack: and an internal path or pattern")
         ->required();
     command->add_option("-o", options->job.extraction.folder, "The folder below which they come to lie")
         ->required()
@@ -98,6 +101,11 @@ void addTexturesCommand(CLI::App& app, cli_context& context)
         if (!options->form.empty())
             options->job.extraction.form = pictureKind("." + options->form);
         options->job.extraction.makes_normals_blue = !options->normals.empty();
+        operand_list list(definitionOperands());
+        if (!listOperands(context, options->operands, list))
+            return;
+        for (const operand_file& file : list.files())
+            options->job.models.push_back(file.path);
         runTextures(context, options->job);
     });
 }

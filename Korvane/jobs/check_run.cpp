@@ -1,9 +1,6 @@
 #include "Korvane/jobs/check_run.h"
 
-#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/internal_path.h"
-#include "Korvane/archives/path_pattern.h"
 #include "Korvane/archives/variant_mesh_def.h"
 #include "Korvane/document/open_definition.h"
 #include "Korvane/game/game_model.h"
@@ -12,7 +9,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <system_error>
 #include <utility>
 
 namespace korvane
@@ -22,11 +18,6 @@ namespace
 {
 
 constexpr std::string_view model_ending = ".rigid_model_v2";
-
-bool isCheckedPath(std::string_view path)
-{
-    return endsWithIgnoringCase(path, model_ending) || isDefinitionPath(std::string(path));
-}
 
 finding errorOf(const std::string& file, const char* kind, failure why)
 {
@@ -40,56 +31,20 @@ check_run::check_run(game_data game) : m_game(std::move(game)), m_known(m_game) 
 
 void check_run::add(const std::string& operand)
 {
-    if (const game_path path(operand); path.isInternal())
-        return addMatching(std::string(path.internalPath()));
-    std::error_code error;
-    if (std::filesystem::is_directory(toPath(operand), error))
-        addFolder(operand);
-    else
-        addFile(operand); // when it does not exist, reading it says so
+    const std::size_t files = m_operands.files().size(), left_out = m_operands.leftOut().size();
+    failure why;
+    if (!m_operands.add(operand, m_game, why))
+        m_not_found.push_back(errorOf(operand, why.kind == failure_kind::not_found ? "not_found" : "unreadable", why));
+    for (std::size_t i = left_out; i < m_operands.leftOut().size(); ++i)
+        m_not_found.push_back(errorOf(m_operands.leftOut()[i].path, "unreadable", m_operands.leftOut()[i]));
+    for (std::size_t i = files; i < m_operands.files().size(); ++i)
+        addFile(m_operands.files()[i].path); // when it does not exist, reading it says so
 }
 
 void check_run::addFile(std::string path)
 {
     if (m_listed.insert(path).second)
         m_files.push_back(std::move(path));
-}
-
-void check_run::addFolder(const std::string& folder)
-{
-    std::vector<std::string> paths;
-    std::error_code error;
-    std::filesystem::recursive_directory_iterator it(toPath(folder),
-                                                     std::filesystem::directory_options::skip_permission_denied, error);
-    for (; !error && it != std::filesystem::recursive_directory_iterator(); it.increment(error))
-        if (std::string path = toUtf8(it->path()); isCheckedPath(path))
-            paths.push_back(std::move(path));
-    if (error)
-        m_not_found.push_back(
-            errorOf(folder, "unreadable",
-                    {failure_kind::unreadable, "the folder cannot be listed: " + error.message(), {}, 0, {}}));
-    else if (paths.empty())
-        m_not_found.push_back(
-            errorOf(folder, "not_found",
-                    {failure_kind::not_found, "the folder holds no models and no definitions", {}, 0, {}}));
-    std::sort(paths.begin(), paths.end());
-    for (std::string& path : paths)
-        addFile(std::move(path));
-}
-
-void check_run::addMatching(const std::string& pattern)
-{
-    const std::size_t before = m_files.size();
-    const std::string normal = normalInternalPath(pattern); // as look-ups take it
-    if (m_game.hasArchives())
-        for (const pack_file_node* file : m_game.archives()->files())
-            if (isCheckedPath(file->internalPath()) &&
-                (matchesPattern(file->internalPath(), normal) || matchesPattern(file->internalPath(), pattern)))
-                addFile(game_path::ofInternal(file->internalPath()).text());
-    if (m_files.size() == before)
-        m_not_found.push_back(
-            errorOf(game_path::ofInternal(pattern).text(), "not_found",
-                    {failure_kind::not_found, "no model or definition in the archives matches", {}, 0, {}}));
 }
 
 void check_run::run(const work_port& work, const std::function<void(const std::vector<finding>&)>& take)

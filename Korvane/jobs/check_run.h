@@ -9,6 +9,7 @@
 #include "Korvane/game/game_data.h"
 #include "Korvane/jobs/finding.h"
 #include "Korvane/jobs/known_files.h"
+#include "Korvane/jobs/operand_list.h"
 
 #include <cstddef>
 #include <functional>
@@ -25,8 +26,8 @@ public:
     // Without archives textures and skeletons are looked for on the disk around the models only.
     explicit check_run(game_data game);
 
-    // What to check: a model or a definition on the disk, a folder with all that is below it, or with "pack:" in front
-    // a pattern over the internal paths of the archives (* and ?). What cannot be found is a finding of its own.
+    // What to check: a model, a definition, a folder or a pattern, on the disk or with "pack:" in front in the game
+    // (operand_list.h). What cannot be found is a finding of its own.
     void add(const std::string& operand);
 
     // Checks one file after the other, and hands on what is found in each. Progress counts files and names the next.
@@ -39,8 +40,6 @@ public:
 
 private:
     void addFile(std::string path);
-    void addFolder(const std::string& folder);
-    void addMatching(const std::string& pattern);
     void checkModel(const std::string& path, std::vector<finding>& found);
     void checkReferences(const std::string& path, const std::vector<variant_problem>& problems,
                          std::vector<finding>& found);
@@ -48,6 +47,7 @@ private:
 
     game_data m_game;
     known_files m_known;
+    operand_list m_operands{definitionOperands()};
     std::vector<std::string> m_files;
     std::unordered_set<std::string> m_listed;
     std::vector<finding> m_not_found; // of add(); handed out by the first step

@@ -83,7 +83,7 @@ class cli_case(unittest.TestCase):
 
 class command_line(cli_case):
     def test_wrong_command_lines_end_with_2_and_one_line(self):
-        for arguments in ([], ["no-such-command"], ["info"], ["info", "a", "b"], ["info", "a", "--no-such-option"],
+        for arguments in ([], ["no-such-command"], ["info"], ["variant", "a", "b"], ["info", "a", "--no-such-option"],
                           ["--config"]):
             with self.subTest(arguments=arguments):
                 self.expect_failure(arguments, 2)
@@ -366,7 +366,38 @@ class archives(cli_case):
         out = json.loads(korvane("info", "pack:models/X.rigid_model_v2", "--json", *self.data, check=0)[1])
         self.assertEqual(out["lods"][0]["groups"][0]["vertex_count"], 3)
         self.expect_failure(["info", "pack:models/bad.rigid_model_v2"] + self.data, 1, "byte")
-        self.expect_failure(["info", "pack:models"] + self.data, 1, "folder")
+        self.expect_failure(["info", "pack:onl?"] + self.data, 1, "no file of the archives matches")
+        self.expect_failure(["info", "pack:only"] + self.data, 1, "none of the 1 file", ".rigid_model_v2")
+
+    def test_operands_are_files_folders_and_patterns(self):
+        model = small_model(4, 32, 3, bytes(32 * 3), b"group")
+        self.pack("m.pack", [(b"units\%s.rigid_model_v2" % name, model, 0) for name in (b"a", b"b", b"x\c")])
+        for name in ("in/a", "in/x/b", "in/y/c"):
+            os.makedirs(os.path.dirname(self.path(name)), exist_ok=True)
+            self.write(name + ".rigid_model_v2", model)
+        self.write("in/x/readme.txt", b"text")
+        for number, (operands, expected) in enumerate((
+                (["in"], "a x/b y/c"), (["in/*"], "a x/b y/c"), (["in/?/*.RIGID*"], "x/b y/c"),
+                (["in/x/b.rigid_model_v2", "in/y"], "b c"), (["in/x", "in/x/../x/b.rigid_model_v2"], "b"),
+                (["pack:units"], "a b x/c"), (["pack:/UNITS/*"], "a b x/c"), (["pack:un*/?.*"], "units/a units/b units/x/c"),
+                (["pack:units/x/c.rigid_model_v2", "in/a.rigid_model_v2"], "a c"))):
+            with self.subTest(operands=operands):
+                out = self.path("in/out%d" % number)  # in the folder itself: not read the next time
+                korvane("edit", *[operand if operand.startswith("pack:") else self.path(operand) for operand in operands],
+                        "-o", out, *self.data, check=0)
+                found = sorted(os.path.relpath(os.path.join(where, name), out).replace(os.sep, "/")
+                               for where, _, names in os.walk(out) for name in names)
+                self.assertEqual(found, [name + ".rigid_model_v2" for name in expected.split()])
+                shutil.rmtree(out)
+        self.expect_failure(["edit", self.path("in/*.txt"), "-o", self.path("none")], 1, "in/*.txt", "no file matches")
+        self.assertFalse(os.path.exists(self.path("none")))
+        self.expect_failure(["patch", self.path("in"), "-o", self.path("one.rigid_model_v2")], 2, "folder")
+        listed = json.loads(korvane("info", self.path("in/x"), "--json", check=0)[1])
+        self.assertEqual([os.path.basename(each["path"].replace("\\", "/")) for each in listed], ["b.rigid_model_v2"])
+        code, out, err = korvane("check", "pack:nothing*", *self.data)
+        self.assertEqual((code, err.count(b"no file of the archives matches")), (1, 1))
+        if not is_windows:
+            korvane("info", self.write("in/a*b", model), check=0)  # its own name
 
     def test_bad_archives_do_not_lock_the_others_out(self):
         self.write("d.pack", b"PFH1" + bytes(100))

@@ -141,9 +141,10 @@ class saving(edit_case):
         self.assertIn(" -> new.dds\n", out)
         self.assertIn("LOD 1, group 0, alpha mode: 0 (Alpha Off) -> 0xFFFFFFFF (Metal/Reflections)", out)
         self.edit(path, self.models["demo_column"], "-o", self.path("folder"), "--dry-run", "--replace", "a=b")
-        err = self.edit(path, path, "-o", self.path("folder"), "--dry-run", check=1)[1]
-        self.assertIn("the same path on the disk", err)
         self.assertEqual(os.listdir(self.folder), [])
+        twin = self.write("demo_guard.rigid_model_v2", read(path))
+        err = self.edit(path, twin, "-o", self.path("folder"), "--dry-run", check=1)[1]
+        self.assertIn("the same path on the disk", err)
         name = json.loads(korvane("info", path, "--json", check=0)[1])["lods"][0]["groups"][0]["textures"][0]["path"]
         data = bytearray(read(path))
         same = ["--dry-run", "--texture", "0:0:0=" + name]
