@@ -71,19 +71,21 @@ bool readPictureFile(const std::string& path, picture& target, failure& why)
     return false;
 }
 
+bool encodePicture(const picture& source, picture_kind kind, picture_bytes& file, failure& why)
+{
+    file = {};
+    return kind == picture_kind::png ? writePng(source, file.m_png, why) : writeTarga(source, file.m_targa, why);
+}
+
 bool writePictureFile(const std::string& path, picture_kind kind, const picture& source, failure& why,
                       write_safety safety)
 {
-    memory_file targa;
-    png_bytes png;
-    const bool is_made = kind == picture_kind::png ? writePng(source, png, why) : writeTarga(source, targa, why);
-    if (!is_made)
-    {
-        if (why.path.empty())
-            why.path = path;
-        return false;
-    }
-    return writeWholeFile(path, kind == picture_kind::png ? png.bytes() : targa.bytes(), why, safety);
+    picture_bytes file;
+    if (encodePicture(source, kind, file, why))
+        return writeWholeFile(path, file.bytes(), why, safety);
+    if (why.path.empty())
+        why.path = path;
+    return false;
 }
 
 } // namespace korvane

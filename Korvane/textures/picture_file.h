@@ -5,7 +5,9 @@
 
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/file_system.h"
+#include "EASY_GUI/services/memory_file.h"
 #include "Korvane/textures/picture.h"
+#include "Korvane/textures/png.h"
 
 #include <cstddef>
 #include <optional>
@@ -28,6 +30,19 @@ enum class picture_kind
 // PNG by its signature, DDS by its magic (decodeDds), anything else is taken for Targa. 16 bits a channel become 8.
 [[nodiscard]] bool readPicture(std::span<const std::byte> file, picture& target, failure& why);
 [[nodiscard]] bool readPictureFile(const std::string& path, picture& target, failure& why);
+
+class picture_bytes // of a file; owned
+{
+public:
+    std::span<const std::byte> bytes() const { return m_targa.empty() ? m_png.bytes() : m_targa.bytes(); }
+
+private:
+    friend bool encodePicture(const picture& source, picture_kind kind, picture_bytes& file, failure& why);
+
+    memory_file m_targa;
+    png_bytes m_png;
+};
+[[nodiscard]] bool encodePicture(const picture& source, picture_kind kind, picture_bytes& file, failure& why);
 
 // Replaces the file at path as a whole, or leaves what stood there.
 [[nodiscard]] bool writePictureFile(const std::string& path, picture_kind kind, const picture& source, failure& why,
