@@ -1,10 +1,14 @@
 #include "EASY_GUI/services/config_file.h"
 
+#include "EASY_GUI/services/file_lock.h"
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/memory_file.h"
 #include "EASY_GUI/services/text.h"
 
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace korvane
@@ -110,6 +114,28 @@ bool config_file::load(const std::string& path)
         return false;
     m_error = config_parser(toLower(file.text()), m_table).parse();
     return true;
+}
+
+bool config_file::change(const std::string& given_path, const change_function& change, failure& why, damaged_end end)
+{
+    constexpr std::chrono::seconds patience(5);
+    const std::string path = given_path.empty() ? defaultPath() : given_path;
+    file_lock lock;
+    config_file fresh;
+    std::error_code error;
+    if (lock.take(path, patience, why))
+    {
+        if (fresh.load(path))
+            *this = fresh;
+        else if (std::filesystem::symlink_status(toPath(path), error).type() != std::filesystem::file_type::not_found)
+            fail(why, failure_kind::unreadable, "the configuration cannot be read", path);
+        if (!why && end == damaged_end::refused && !m_error.empty() && m_error != "DONE")
+            fail(why, failure_kind::malformed, "the configuration cannot be understood to its end", path);
+    }
+    const bool is_changed = change(*this);
+    if (!why && is_changed && !save(path))
+        fail(why, failure_kind::unwritable, "the configuration cannot be written", path);
+    return !why;
 }
 
 bool config_file::save(const std::string& path) const

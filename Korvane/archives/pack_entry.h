@@ -1,8 +1,8 @@
 #pragma once
 
-// The bytes of an archive's entry. Compressed entries (PFH5) are unpacked on the way: a u32 with the unpacked length,
-// then a Zstandard frame, an LZ4 frame, or LZMA1 data with its 5 bytes of properties (docs/formats/pack.md,
-// "Compression").
+// The bytes of an archive's entry, or of the file that it stands for in a mod folder. Compressed entries (PFH5) are
+// unpacked on the way: a u32 with the unpacked length, then a Zstandard frame, an LZ4 frame, or LZMA1 data with its 5
+// bytes of properties (docs/formats/pack.md, "Compression").
 
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/memory_file.h"

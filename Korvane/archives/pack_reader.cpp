@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/mod_folder.h"
 #include "Korvane/archives/pack_file.h"
 
 #include <algorithm>
@@ -42,6 +43,13 @@ bool pack_reader::loadAllArchives(const std::vector<std::string>& folders)
     m_listings = std::move(indexed.archives);
     report();
     return true;
+}
+
+bool pack_reader::addModFolder(const std::string& folder, failure& why)
+{
+    if (!m_po_tree)
+        m_po_tree = std::make_shared<path_tree>();
+    return enterModFolder(*m_po_tree, folder, m_work, why) && !m_work.isStopped();
 }
 
 bool pack_reader::findValidPakFiles(const std::string& folder)

@@ -38,9 +38,11 @@ public:
     // no archive (then nothing is indexed), or the work was stopped. Archives that cannot be read are reported and left
     // out; that is no failure.
     [[nodiscard]] bool loadAllArchives(const std::vector<std::string>& folders);
+    // Lays a mod folder over what is loaded, also over nothing (mod_folder.h).
+    [[nodiscard]] bool addModFolder(const std::string& folder, failure& why);
 
     // What was loaded; null when nothing was.
-    const std::shared_ptr<const path_tree>& tree() const { return m_po_tree; }
+    std::shared_ptr<const path_tree> tree() const { return m_po_tree; }
     // Every archive of the last load in its order, the damaged ones included.
     const std::vector<archive_listing>& listings() const { return m_listings; }
     // What the person is to be told of the last load.
@@ -61,8 +63,8 @@ private:
 
     work_port m_work;
     const pack_cache* m_po_cache;
-    std::vector<std::string> m_archives; // paths on disk
-    std::shared_ptr<const path_tree> m_po_tree;
+    std::vector<std::string> m_archives;  // paths on disk
+    std::shared_ptr<path_tree> m_po_tree; // becomes constant when it is given away
     std::vector<archive_listing> m_listings;
     std::vector<notice> m_notices;
     bool m_has_written_cache = false;

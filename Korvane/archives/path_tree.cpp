@@ -213,6 +213,20 @@ const pack_file_node* path_tree::findFile(std::string_view path) const
     return found == m_po_odd->end() ? nullptr : found->second;
 }
 
+const pack_file_node* path_tree::copyBelow(const pack_file_node& file) const
+{
+    const pack_file_node* found = nullptr;
+    for (const std::span<const pack_file_node>& files : m_entries)
+        for (const pack_file_node& each : files)
+        {
+            if (&each.archive() == &file.archive())
+                return found;
+            if (each.internalPath() == file.internalPath())
+                found = &each;
+        }
+    return found;
+}
+
 void path_tree::indexOdd() const
 {
     auto index = std::make_unique<std::unordered_map<std::string, const pack_file_node*>>();

@@ -24,12 +24,14 @@
 namespace korvane
 {
 
-// One archive: what is known of the file on disk. Entries refer to it.
+// One archive: what is known of the file on disk, or of a mod folder that stands for one (mod_folder.h). Entries refer
+// to it.
 struct archive_record
 {
     std::string name;             // file name as the folder listing gives it
     std::string path;             // on disk
-    std::string format;           // "PFH5"
+    std::string format;           // "PFH5", "folder"
+    bool is_folder = false;       // then the file is never open, and entries have no offset
     std::uint32_t file_count = 0; // in the tree
     positioned_file file;         // open as long as the tree lives
 };
@@ -111,6 +113,9 @@ public:
     // '/' or such blanks themselves. Null when there is none, or only a folder. Valid as long as the caller holds the
     // tree. This is the one way in which files are looked up, but where a listing goes from path to path.
     const pack_file_node* findFile(std::string_view path) const;
+    // The copy of a file that would count without it: that of the archive that was entered last before its own. Null
+    // when there is none. Looks through every archive.
+    const pack_file_node* copyBelow(const pack_file_node& file) const;
 
     const path_node& root() const { return m_nodes.front(); }
     std::vector<const path_node*> children(const path_node& folder) const; // ordered by name

@@ -25,6 +25,7 @@ class cli_context
 public:
     // Options that more than one command takes.
     std::vector<std::string> data_folders; // --data, in order; none: those of the configuration
+    std::vector<std::string> mod_folders;  // --mod, the last one on top; none: those of the configuration
     std::string config_path;               // --config; empty: "config.cfg" beside the program
     bool is_json = false;                  // --json
     bool is_quiet = false;                 // --quiet

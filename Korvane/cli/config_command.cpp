@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/config_file.h"
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/game/data_folders.h"
 
 #include <memory>
 
@@ -42,10 +43,16 @@ bool loadConfig(cli_context& context, config_file& config)
     return false;
 }
 
-void saveConfig(cli_context& context, const config_file& config)
+// The reading of config_file::change(), with a word about what is lost by it.
+void changeConfig(cli_context& context, const config_file::change_function& change)
 {
-    if (!config.save(configPath(context)))
-        context.fail({failure_kind::unwritable, "the configuration cannot be written", configPath(context), 0, {}});
+    config_file before;
+    if (!loadConfig(context, before))
+        return;
+    config_file config;
+    failure why;
+    if (!config.change(configPath(context), change, why, config_file::damaged_end::dropped))
+        context.fail(why);
 }
 
 void showConfig(cli_context& context)
@@ -80,24 +87,22 @@ bool isKey(const std::string& key)
 
 void addValues(cli_context& context, const config_options& options)
 {
-    for (const std::string& value : options.values)
+    const std::string key = toLower(options.key);
+    const bool is_folders = key == data_folders_key || key == mod_folders_key;
+    const std::vector<std::string> values = is_folders ? foldersGiven(options.values) : options.values;
+    for (const std::string& value : values)
         if (value.find('"') != std::string::npos)
             return context.fail(
                 {failure_kind::refused, "a value cannot hold a quotation mark: " + value, configPath(context), 0, {}});
-    config_file config;
-    if (!loadConfig(context, config))
-        return;
-    config.add(options.key, options.values, options.at_front);
-    saveConfig(context, config);
+    changeConfig(context, [&](config_file& config) { return config.add(key, values, options.at_front); });
 }
 
 void clearKey(cli_context& context, const config_options& options)
 {
-    config_file config;
-    if (!loadConfig(context, config))
-        return;
-    config.clear(options.key);
-    saveConfig(context, config);
+    changeConfig(context, [&options](config_file& config) {
+        config.clear(options.key);
+        return true;
+    });
 }
 
 } // namespace

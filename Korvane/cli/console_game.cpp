@@ -1,6 +1,7 @@
 #include "Korvane/cli/console_game.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/game/data_folders.h"
 
 #include <algorithm>
 #include <utility>
@@ -24,18 +25,18 @@ void noteLines(cli_context& context, const std::string& text)
 
 } // namespace
 
-// The folders of the command line; without any the configuration is loaded, and they are its.
+// The folders of the command line; where it gives none, those of the configuration.
 game_loader console_game::loader(config_file& config) const
 {
     game_loader loader(config, m_context.config_path);
-    std::vector<std::string> folders = m_context.data_folders;
-    for (std::string& folder : folders)
-        if (!folder.ends_with('/') && !folder.ends_with('\\'))
-            folder += '/';
-    if (folders.empty())
+    std::vector<std::string> folders = foldersGiven(m_context.data_folders);
+    std::vector<std::string> mod_folders = foldersGiven(m_context.mod_folders);
+    if (folders.empty() || mod_folders.empty())
         config.load(m_context.config_path.empty() ? config_file::defaultPath() : m_context.config_path);
-    else
+    if (!folders.empty())
         loader.useFolders(std::move(folders));
+    if (!mod_folders.empty())
+        loader.useModFolders(std::move(mod_folders));
     if (m_context.is_without_cache)
         loader.leaveOutCache();
     return loader;

@@ -1,12 +1,11 @@
 #include "Korvane/cli/console.h"
 
+#include "EASY_GUI/services/command_line.h"
 #include "EASY_GUI/services/text.h"
 
 #include <fcntl.h>
 #include <io.h>
 #include <windows.h>
-
-#include <shellapi.h>
 
 namespace korvane::console
 {
@@ -22,16 +21,8 @@ void prepare()
 std::vector<std::string> arguments(int, char**)
 {
     // The narrow arguments have lost what the code page cannot express.
-    int count = 0;
-    LPWSTR* const values = CommandLineToArgvW(GetCommandLineW(), &count);
-    std::vector<std::string> result;
-    for (int i = 1; values && i < count; ++i)
-    {
-        const std::wstring value = values[i];
-        result.push_back(utf8FromUtf16(std::u16string(value.begin(), value.end())));
-    }
-    LocalFree(values);
-    return result;
+    const std::wstring line = GetCommandLineW();
+    return splitCommandLine(utf8FromUtf16(std::u16string(line.begin(), line.end())));
 }
 
 void error(const std::string& text)

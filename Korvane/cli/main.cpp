@@ -66,6 +66,10 @@ void addSharedOptions(CLI::App& app, cli_context& context)
     app.add_option("--data", context.data_folders, "A folder with the games' archives; may be given more than once")
         ->type_name("DIR")
         ->allow_extra_args(false);
+    app.add_option("--mod", context.mod_folders,
+                   "A folder whose files stand before those of the archives; may be given more than once")
+        ->type_name("DIR")
+        ->allow_extra_args(false);
     app.add_option("--config", context.config_path, "The configuration file (default: config.cfg beside the program)")
         ->type_name("FILE");
     app.add_flag("--no-cache", context.is_without_cache, "Index the archives again instead of using packs.cache");

@@ -17,6 +17,16 @@ std::string skeletonPath(std::string_view id)
 
 } // namespace
 
+game_data::game_data(std::shared_ptr<const path_tree> archives) : m_po_archives(std::move(archives))
+{
+    if (!m_po_archives)
+        return;
+    for (const std::unique_ptr<archive_record>& archive : m_po_archives->archives())
+        if (archive->is_folder)
+            m_mod_folders.insert(m_mod_folders.begin(), archive->path);
+    m_has_archives = m_po_archives->archives().size() > m_mod_folders.size() || m_mod_folders.empty();
+}
+
 game_file game_data::ofEntry(const pack_file_node* entry) const
 {
     return entry ? game_file(std::shared_ptr<const pack_file_node>(m_po_archives, entry)) : game_file();
@@ -24,10 +34,10 @@ game_file game_data::ofEntry(const pack_file_node* entry) const
 
 game_file game_data::findOver(std::string_view internal_path) const
 {
-    if (m_folders_over.empty())
+    if (m_mod_folders.empty())
         return {};
     const std::string path = normalInternalPath(internal_path);
-    for (const std::string& folder : m_folders_over)
+    for (const std::string& folder : m_mod_folders)
         if (std::string found = findFileBelow(folder, path); !found.empty())
             return game_file(std::move(found));
     return {};
@@ -35,8 +45,12 @@ game_file game_data::findOver(std::string_view internal_path) const
 
 game_file game_data::find(std::string_view internal_path) const
 {
-    game_file found = findOver(internal_path);
-    return found || !hasArchives() ? found : ofEntry(m_po_archives->findFile(internal_path));
+    if (game_file found = findOver(internal_path); found || !m_po_archives)
+        return found;
+    const pack_file_node* entry = m_po_archives->findFile(internal_path);
+    while (entry && entry->archive().is_folder) // deleted from its mod folder since
+        entry = m_po_archives->copyBelow(*entry);
+    return ofEntry(entry);
 }
 
 game_file game_data::findAround(std::string_view internal_path, const game_path& around) const
@@ -73,15 +87,18 @@ bool game_data::readInternal(std::string_view internal_path, memory_file& bytes,
 {
     if (const game_file found = find(internal_path))
         return found.read(bytes, why, limit);
-    const char* const what = !hasArchives()                       ? "no archives are loaded"
-                             : m_po_archives->find(internal_path) ? "this is a folder of the archives, not a file"
-                                                                  : "no archive holds this path";
+    const bool is_folder =
+        m_po_archives && m_po_archives->find(internal_path) && !m_po_archives->findFile(internal_path);
+    const char* const what = is_folder       ? "this is a folder of the archives, not a file"
+                             : hasArchives() ? "no archive holds this path"
+                             : m_po_archives ? "no mod folder holds this path, and no archives are loaded"
+                                             : "no archives are loaded";
     return fail(why, failure_kind::not_found, what, std::string(internal_path));
 }
 
 definition_reader game_data::definitionReader() const
 {
-    if (!hasArchives() && m_folders_over.empty())
+    if (!m_po_archives)
         return {};
     return [game = *this](const std::string& internal_path, std::uint64_t limit, memory_file& text, failure& why) {
         return game.readInternal(internal_path, text, why, limit);

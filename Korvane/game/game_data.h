@@ -1,6 +1,6 @@
 #pragma once
 
-// The game's files as one value: folders laid over the archives (a person's own work), the archives, and the disk
+// The game's files as one value: mod folders laid over the archives (a person's own work), the archives, and the disk
 // around a file. Immutable: made by game_loader.h, handed around as a const reference, between threads as a shared
 // pointer to const, and used from any thread. Paths may be spelled with '\' or '/', in any case, with blanks at their
 // ends; nothing that a path says leads out of the folders in which it is looked for.
@@ -26,23 +26,22 @@ class game_data
 {
 public:
     game_data() = default; // no archives and no folders: the disk alone
-    // A null tree: no archives are loaded. Of several folders the first that has a file counts.
-    explicit game_data(std::shared_ptr<const path_tree> archives, std::vector<std::string> folders_over = {})
-        : m_po_archives(std::move(archives))
-        , m_folders_over(std::move(folders_over))
-    {
-    }
+    // A null tree: nothing is loaded. The mod folders are those of the tree (mod_folder.h); the last one that has a
+    // file counts.
+    explicit game_data(std::shared_ptr<const path_tree> archives);
 
-    bool hasArchives() const { return m_po_archives != nullptr; }
-    // For listings and searches; null: none are loaded.
+    // False, too, when there are mod folders alone: what they lack is not missing in the game.
+    bool hasArchives() const { return m_has_archives; }
+    // For listings and searches, with the files that the mod folders had when they were loaded; null: nothing is
+    // loaded.
     const std::shared_ptr<const path_tree>& archives() const { return m_po_archives; }
 
-    // The game's file of that internal path: in a folder over the archives, else in the archives.
+    // The game's file of that internal path: in a mod folder as it is now, else in the archives.
     [[nodiscard]] game_file find(std::string_view internal_path) const;
     // The same, and where neither has it, on the disk around another file (loose_file.h), as for the textures of a
     // model. An internal path has no disk around it.
     [[nodiscard]] game_file findAround(std::string_view internal_path, const game_path& around) const;
-    // The skeleton of an id: below "animations\skeletons" in a folder over the archives; the first entry whose path
+    // The skeleton of an id: below "animations\skeletons" in a mod folder; the first entry whose path
     // ends with "skeletons\ID.anim"; without any archives below "animations\skeletons" around a file on the disk.
     [[nodiscard]] game_file findSkeleton(std::string_view id, const game_path& around) const;
 
@@ -64,7 +63,8 @@ private:
     game_file ofEntry(const pack_file_node* entry) const;
 
     std::shared_ptr<const path_tree> m_po_archives;
-    std::vector<std::string> m_folders_over;
+    std::vector<std::string> m_mod_folders; // in the order in which they are asked
+    bool m_has_archives = false;
 };
 
 } // namespace korvane

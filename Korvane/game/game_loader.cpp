@@ -2,18 +2,48 @@
 
 #include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/pack_reader.h"
+#include "Korvane/game/data_folders.h"
 
 namespace korvane
 {
 
 namespace
 {
-constexpr const char* folders_key = "data_paths";
+
+// What the person reads who set a folder by hand: where a value is added, the separator is.
+notice withoutSeparator(const std::string& folder)
+{
+    return {"Error!", "The data folder '" + folder +
+                          "' has no separator at its end, so nothing is found in it. Write '" + withSeparator(folder) +
+                          "' instead."};
 }
+
+} // namespace
 
 std::vector<std::string> game_loader::folders() const
 {
-    return m_folders ? *m_folders : m_config.get(folders_key);
+    return m_folders ? *m_folders : m_config.get(data_folders_key);
+}
+
+std::vector<std::string> game_loader::modFolders() const
+{
+    return m_mod_folders ? *m_mod_folders : m_config.get(mod_folders_key);
+}
+
+// False when one that was asked for, for once, cannot be read: what then would be shown is not what was asked for.
+bool game_loader::addModFolders(pack_reader& reader, std::vector<notice>& notices) const
+{
+    for (const std::string& folder : modFolders())
+    {
+        failure why;
+        if (reader.addModFolder(folder, why))
+            continue;
+        if (why)
+            notices.push_back({"Error!", describe(why)});
+        if (m_mod_folders || !why)
+            return false;
+    }
+    return true;
 }
 
 game_load game_loader::load(const work_port& work) const
@@ -22,16 +52,30 @@ game_load game_loader::load(const work_port& work) const
     const pack_cache cache = pack_cache::of(m_config, m_config_path);
     pack_reader reader(work, m_has_cache && !m_folders ? &cache : nullptr);
     game_load result;
-    if (reader.loadAllArchives(folders()))
+    const bool has_archives = folders().empty() ? !modFolders().empty() : reader.loadAllArchives(folders());
+    const bool is_whole = has_archives && addModFolders(reader, result.notices);
+    if (is_whole && reader.tree())
         result.game = std::make_shared<game_data>(reader.tree());
-    result.notices = reader.notices();
+    result.notices.insert(result.notices.begin(), reader.notices().begin(), reader.notices().end());
+    for (const std::string& folder : folders())
+        if (!endsInSeparator(folder))
+            result.notices.push_back(withoutSeparator(folder));
     for (const archive_listing& archive : reader.listings())
         for (const std::string& path : archive.left_out)
             result.left_out.push_back(describeLeftOut(archive, path));
     // Whether that succeeds or not: the cache is found by its usual name as well.
-    if (reader.hasWrittenCache() && pack_cache::recordIn(m_config) && !m_config.save(m_config_path))
-        tell(work.log, "the configuration could not be written: the cache of the archives is not recorded in it");
+    if (reader.hasWrittenCache())
+        recordCache(work.log);
     return result;
+}
+
+void game_loader::recordCache(const log_port& log) const
+{
+    failure why;
+    if (!m_config.change(
+            m_config_path, [](config_file& config) { return pack_cache::recordIn(config); }, why))
+        tell(log, "the configuration could not be written: the cache of the archives is not recorded in it (" +
+                      describe(why) + ")");
 }
 
 game_load game_loader::reload(const work_port& work) const

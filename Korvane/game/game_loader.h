@@ -21,6 +21,8 @@
 namespace korvane
 {
 
+class pack_reader;
+
 struct game_load
 {
     std::shared_ptr<const game_data> game; // null: nothing was loaded
@@ -38,11 +40,15 @@ public:
 
     // Instead of those of the configuration ("data_paths"), for once: a cache of them would replace that of these.
     void useFolders(std::vector<std::string> folders) { m_folders = std::move(folders); }
+    // Instead of those of the configuration ("mod_paths"), for once: one that cannot be read is then a failure.
+    void useModFolders(std::vector<std::string> folders) { m_mod_folders = std::move(folders); }
     void leaveOutCache() { m_has_cache = false; }
 
-    bool hasFolders() const { return !folders().empty(); }
+    // Data folders or mod folders.
+    bool hasFolders() const { return !folders().empty() || !modFolders().empty(); }
 
-    // Loads the archives. Without folders nothing is loaded and nothing said: the program then runs on the disk alone.
+    // Loads the archives and lays the mod folders over them, the last one on top. Without folders nothing is loaded and
+    // nothing said: the program then runs on the disk alone.
     [[nodiscard]] game_load load(const work_port& work) const;
     // As the person asked for it, who distrusts what is known: the archives themselves are read, and a new cache is
     // written. Without folders the person is told.
@@ -50,10 +56,14 @@ public:
 
 private:
     std::vector<std::string> folders() const;
+    std::vector<std::string> modFolders() const;
+    bool addModFolders(pack_reader& reader, std::vector<notice>& notices) const;
+    void recordCache(const log_port& log) const;
 
     config_file& m_config;
     std::string m_config_path;
     std::optional<std::vector<std::string>> m_folders;
+    std::optional<std::vector<std::string>> m_mod_folders;
     bool m_has_cache = true;
 };
 

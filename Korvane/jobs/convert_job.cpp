@@ -33,7 +33,6 @@ private:
     bool loadTemplate(failure& why);
     bool loadBoneTable(failure& why);
     void remember();
-    bool addToConfiguration(const std::string& path, std::string& reason) const;
 
     game_source& m_source;
     const convert_job_options& m_options;
@@ -88,35 +87,21 @@ bool convert_run::load(failure& why)
     return true;
 }
 
-// A configuration that is not there is made; one that is not understood to its end stays as it is, for writing it would
-// lose the rest.
-bool convert_run::addToConfiguration(const std::string& path, std::string& reason) const
-{
-    const std::string& config_path = m_options.config_path;
-    std::error_code error;
-    config_file config;
-    const bool is_there =
-        std::filesystem::symlink_status(toPath(config_path), error).type() != std::filesystem::file_type::not_found;
-    if (is_there && !config.load(config_path))
-        reason = config_path + " cannot be read";
-    else if (is_there && config.errorText() != "DONE")
-        reason = config_path + " cannot be understood to its end";
-    else if (path.find('"') != std::string::npos)
-        reason = "its path has a quotation mark";
-    else if (!config.contains(converted_files_key, path) &&
-             (!config.add(converted_files_key, {path}, false) || !config.save(config_path)))
-        reason = config_path + " cannot be written";
-    return reason.empty();
-}
-
 void convert_run::remember()
 {
     std::error_code error;
     const std::filesystem::path absolute = std::filesystem::absolute(toPath(m_options.output), error);
     const std::string path = error ? m_options.output : toUtf8(absolute.lexically_normal());
-    std::string reason;
-    if (!addToConfiguration(path, reason))
-        tell(m_work.log, "note: the file is not added to the list of converted files: " + displayText(reason));
+    failure why;
+    config_file config;
+    const auto addPath = [&path](config_file& changed) {
+        return !changed.contains(converted_files_key, path) && changed.add(converted_files_key, {path}, false);
+    };
+    if (path.find('"') != std::string::npos)
+        fail(why, failure_kind::refused, "its path has a quotation mark");
+    else if (config.change(m_options.config_path, addPath, why))
+        return;
+    tell(m_work.log, "note: the file is not added to the list of converted files: " + displayText(describe(why)));
 }
 
 bool convert_run::run(convert_job_result& result, failure& why)

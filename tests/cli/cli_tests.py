@@ -226,8 +226,8 @@ class configuration(cli_case):
     def test_values_are_added_in_lower_case_and_cleared(self):
         self.assertEqual(self.shown(), {})  # a missing file is an empty configuration
         self.config("add", "Data_Paths", "C:\\Games\\Data\\", "d:\\\u00c4 b\\")
-        self.config("add", "DATA_PATHS", "c:\\games\\DATA\\", "x", "y", "--front")
-        expected = ["y", "x", "c:\\games\\data\\", "d:\\\u00c4 b\\"]
+        self.config("add", "DATA_PATHS", "c:\\games\\DATA", "x/", "y/z", "--front")
+        expected = ["y/z/", "x/", "c:\\games\\data\\", "d:\\\u00c4 b\\"]
         self.assertEqual(self.shown(), {"data_paths": expected})
         self.assertEqual(self.read(), b"data_paths = " + b", ".join(
             b'\r"' + value.encode("utf-8") + b'"' for value in expected) + b";\r\n\r\n")

@@ -1,7 +1,9 @@
 #include "Korvane/game/game_data.h"
 
 #include "EASY_GUI/services/file_system.h"
+#include "Korvane/archives/mod_folder.h"
 #include "Korvane/archives/pack_file.h"
+#include "Korvane/game/data_folders.h"
 #include "tests/support/pack_builder.h"
 #include "tests/support/temporary_folder.h"
 
@@ -29,7 +31,7 @@ protected:
         std::filesystem::create_directories(path.parent_path());
         std::ofstream(path, std::ios::binary) << text;
     }
-    std::shared_ptr<const path_tree> treeOf(std::vector<test_entry> entries) const
+    std::shared_ptr<path_tree> treeOf(std::vector<test_entry> entries) const
     {
         test::test_pack pack;
         pack.magic = "PFH5";
@@ -40,6 +42,16 @@ protected:
         failure why;
         EXPECT_TRUE(archive.open(m_folder.file("a.pack"), why)) << describe(why);
         archive.enter();
+        return tree;
+    }
+    // With these mod folders over it.
+    std::shared_ptr<path_tree> laidOver(std::shared_ptr<path_tree> tree, const std::vector<std::string>& folders) const
+    {
+        for (const std::string& folder : folders)
+        {
+            failure why;
+            EXPECT_TRUE(enterModFolder(*tree, m_folder.file(folder), {}, why)) << describe(why);
+        }
         return tree;
     }
     // Its content, or "nothing".
@@ -88,7 +100,7 @@ TEST_F(game_data_test, oneToleranceForSeparatorsCaseAndBlanks)
     }
 }
 
-TEST_F(game_data_test, foldersStandBeforeTheArchivesAndTheDiskAroundAFileBehindThem)
+TEST_F(game_data_test, modFoldersStandBeforeTheArchivesAndTheDiskAroundAFileBehindThem)
 {
     write("mod/Maps/body.DDS", "painted");
     write("second mod/maps/body.dds", "other paint");
@@ -97,23 +109,30 @@ TEST_F(game_data_test, foldersStandBeforeTheArchivesAndTheDiskAroundAFileBehindT
     write("data/units/man/beside.dds", "beside");
     write("data/maps/near.dds", "not this one");
     write("secret.dds", "secret");
-    const game_data game(treeOf({{"maps\\body.dds", "body"}, {"maps\\game.dds", "game"}, {"broken.dds", "none", 1}}),
-                         {m_folder.file("mod"), m_folder.file("second mod") + "/"});
+    write("second mod/maps/game.dds", "taken back");
+    const auto tree =
+        laidOver(treeOf({{"maps\\body.dds", "body"}, {"maps\\game.dds", "game"}, {"broken.dds", "none", 1}}),
+                 {"second mod/", "MOD"});
+    const game_data game(tree);
+    const pack_file_node* const listed = tree->findFile("maps\\body.dds");
+    ASSERT_TRUE(listed);
+    EXPECT_EQ(contentOf(game_file(std::shared_ptr<const pack_file_node>(tree, listed))), "painted");
+    EXPECT_EQ(listed->archive().format, "folder");
+    EXPECT_EQ(tree->archives().back()->file_count, 1u);
+    // What happens in a folder afterwards counts at once.
+    std::filesystem::remove(toPath(m_folder.file("second mod/maps/game.dds")));
+    write("mod/Maps/later.dds", "later");
     const struct
     {
         const char* path;
         const char* content;
         bool is_around; // found only there
     } rows[] = {
-        {"maps\\BODY.dds", "painted", false},
-        {"maps/new.dds ", "new", false},
-        {"maps\\game.dds", "game", false},
-        {"Maps\\Near.dds", "near", true},
-        {"other\\folder\\beside.dds", "beside", true},
-        {"..\\secret.dds", "nothing", false},
-        {"maps/../../secret.dds", "nothing", false},
-        {"C:\\secret.dds", "nothing", false},
-        {"/secret.dds", "nothing", false},
+        {"maps\\BODY.dds", "painted", false}, {"maps/new.dds ", "new", false},
+        {"maps\\game.dds", "game", false},    {"maps\\later.dds", "later", false},
+        {"Maps\\Near.dds", "near", true},     {"other\\folder\\beside.dds", "beside", true},
+        {"..\\secret.dds", "nothing", false}, {"maps/../../secret.dds", "nothing", false},
+        {"C:\\secret.dds", "nothing", false}, {"/secret.dds", "nothing", false},
         {"units", "nothing", false},
     };
     for (const auto& row : rows)
@@ -142,7 +161,40 @@ TEST_F(game_data_test, aSkeletonIsThatOfTheModThenOfTheFirstArchiveAndWithoutArc
     EXPECT_EQ(contentOf(game_data().findSkeleton("man", model())), "around");
     EXPECT_EQ(contentOf(game_data().findSkeleton("man", {})), "nothing");
     write("mod/animations/skeletons/man.anim", "mine");
-    EXPECT_EQ(contentOf(game_data(tree, {m_folder.file("mod")}).findSkeleton("man", model())), "mine");
+    EXPECT_EQ(contentOf(game_data(laidOver(tree, {"mod"})).findSkeleton("man", model())), "mine");
+}
+
+TEST_F(game_data_test, withModFoldersAloneNoArchivesAreLoaded)
+{
+    write("mod/a", "mine");
+    const game_data game(laidOver(std::make_shared<path_tree>(), {"mod"}));
+    EXPECT_FALSE(game.hasArchives());
+    EXPECT_EQ(contentOf(game.find("A")), "mine");
+    memory_file bytes;
+    failure why;
+    EXPECT_FALSE(game.read("pack:b", bytes, why));
+    EXPECT_EQ(why.what, "no mod folder holds this path, and no archives are loaded");
+}
+
+TEST(data_folders, areUnderstoodAsShellsHandThemOver)
+{
+    using folders = std::vector<std::string>;
+    const test::temporary_folder folder;
+    const struct
+    {
+        folders given;
+        folders understood;
+    } rows[] = {
+        {{"C:\\Total War\\data"}, {"C:\\Total War\\data\\"}},
+        {{"C:\\Total War\\data\\"}, {"C:\\Total War\\data\\"}},
+        {{"C:\\a b\""}, {"C:\\a b\\"}},
+        {{"C:\\a\" D:\\b\"", "e/f"}, {"C:\\a\\", "D:\\b\\", "e/f/"}},
+        {{"D:"}, {"D:\\"}},
+        {{""}, {}},
+        {{folder.file("")}, {folder.file("")}},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(foldersGiven(row.given), row.understood) << row.given.front();
 }
 
 TEST_F(game_data_test, whatIsFoundOutlivesItsGameAndIsReadAgain)

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 namespace korvane
 {
 
@@ -87,6 +89,51 @@ TEST(config_file, aMissingFileEmptiesTheTableAndAnUnwritableOneChangesNothing)
     EXPECT_EQ(config.get("k"), (values{"v"}));
     EXPECT_FALSE(config.load(folder.file("missing.cfg")));
     EXPECT_TRUE(config.entries().empty());
+}
+
+TEST(config_file, aChangeKeepsWhatOthersWroteMeanwhile)
+{
+    const test::temporary_folder folder;
+    const std::string path = folder.file("c.cfg");
+    constexpr int threads = 4;
+    constexpr int changes = 10;
+    const auto work = [&path](const std::string& name) {
+        config_file config;
+        for (int i = 0; i < changes; ++i)
+        {
+            failure why;
+            const std::string value = name + std::to_string(i);
+            EXPECT_TRUE(config.change(
+                path, [&value](config_file& changed) { return changed.add("k", {value}, false); }, why))
+                << describe(why);
+        }
+    };
+    {
+        std::vector<std::jthread> workers;
+        for (int i = 0; i < threads; ++i)
+            workers.emplace_back(work, "worker " + std::to_string(i) + ": ");
+    }
+    config_file config;
+    ASSERT_TRUE(config.load(path));
+    EXPECT_EQ(config.get("k").size(), std::size_t{threads * changes});
+}
+
+TEST(config_file, aChangeLeavesAFileThatIsNotUnderstoodToItsEnd)
+{
+    const test::temporary_folder folder;
+    const std::string path = folder.file("c.cfg");
+    const std::string content = "a = \"1\"; - b = \"2\";";
+    test::writeBytes(path, content);
+    config_file config;
+    failure why;
+    const auto add = [](config_file& changed) { return changed.add("c", {"3"}, false); };
+    EXPECT_FALSE(config.change(path, add, why));
+    EXPECT_EQ(why.kind, failure_kind::malformed);
+    EXPECT_EQ(test::readBytes(path), content);
+    EXPECT_TRUE(config.contains("c", "3")); // the program goes on with it all the same
+    failure none;
+    EXPECT_TRUE(config.change(path, add, none, config_file::damaged_end::dropped)) << describe(none);
+    EXPECT_EQ(test::readBytes(path), "a = \r\"1\";\r\n\r\nc = \r\"3\";\r\n\r\n");
 }
 
 } // namespace korvane

@@ -1,3 +1,4 @@
+#include "EASY_GUI/services/command_line.h"
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/text.h"
 
@@ -6,6 +7,8 @@
 #include <bit>
 #include <charconv>
 #include <limits>
+#include <string>
+#include <vector>
 
 namespace korvane
 {
@@ -78,6 +81,25 @@ TEST(failure, isOneLineAndTheFirstOneWins)
     why.field = "count";
     EXPECT_FALSE(fail(why, failure_kind::refused, "second"));
     EXPECT_EQ(describe(why), "a b: short (at byte 12, count)");
+}
+
+TEST(command_line, isTakenApartAsPeopleMeanIt)
+{
+    using arguments = std::vector<std::string>;
+    const struct
+    {
+        const char* line;
+        arguments expected;
+    } rows[] = {
+        {R"("C:\Program Files\korvane-cli.exe" info  "a b" c)", {"info", "a b", "c"}},
+        {R"(k --data "C:\Total War\data\" list)", {"--data", R"(C:\Total War\data\)", "list"}},
+        {R"(k add data_paths "C:\a b\" "D:\c\")", {"add", "data_paths", R"(C:\a b\)", R"(D:\c\)"}},
+        {R"(k "C:\a b\\" "\\server\share\\" x\y\)", {R"(C:\a b\)", R"(\\server\share\)", R"(x\y\)"}},
+        {R"(k "say \"hi\" now" \"x "a""b" "")", {R"(say "hi" now)", R"("x)", R"(a"b)", ""}},
+        {"k", {}},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(splitCommandLine(row.line), row.expected) << row.line;
 }
 
 } // namespace korvane

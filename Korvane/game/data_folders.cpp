@@ -1,0 +1,51 @@
+#include "Korvane/game/data_folders.h"
+
+#include "EASY_GUI/services/file_system.h"
+
+#include <algorithm>
+#include <system_error>
+
+namespace korvane
+{
+
+bool endsInSeparator(const std::string& folder)
+{
+    return folder.ends_with('\\') || folder.ends_with('/');
+}
+
+std::string withSeparator(std::string folder)
+{
+    if (folder.empty() || endsInSeparator(folder))
+        return folder;
+    const std::size_t own = folder.find_last_of("\\/");
+    const bool is_drive = folder.size() == 2 && folder[1] == ':';
+    folder += own != std::string::npos ? folder[own]
+              : is_drive               ? '\\'
+                                       : static_cast<char>(std::filesystem::path::preferred_separator);
+    return folder;
+}
+
+std::vector<std::string> foldersGiven(const std::vector<std::string>& given)
+{
+    std::vector<std::string> folders;
+    for (const std::string& text : given)
+    {
+        std::error_code error;
+        if (std::filesystem::is_directory(toPath(text), error))
+        {
+            folders.push_back(withSeparator(text));
+            continue;
+        }
+        for (std::size_t begin = 0; begin < text.size();)
+        {
+            const std::size_t end = std::min(text.find('"', begin), text.size());
+            const std::size_t first = begin == 0 ? 0 : std::min(text.find_first_not_of(' ', begin), end);
+            if (end > first)
+                folders.push_back(withSeparator(text.substr(first, end - first)));
+            begin = end + 1;
+        }
+    }
+    return folders;
+}
+
+} // namespace korvane

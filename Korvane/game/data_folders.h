@@ -1,0 +1,22 @@
+#pragma once
+
+// Folders as a person gives them, on a command line, in a dialog or for the configuration.
+
+#include <string>
+#include <vector>
+
+namespace korvane
+{
+
+// What the configuration calls them.
+inline constexpr const char* data_folders_key = "data_paths";
+inline constexpr const char* mod_folders_key = "mod_paths";
+
+[[nodiscard]] bool endsInSeparator(const std::string& folder);
+// With a separator at its end: of the kind that it has itself, else of this system.
+[[nodiscard]] std::string withSeparator(std::string folder);
+// Each as a folder with a separator at its end. In one that does not exist a quotation mark stands where a shell
+// took the separator before it for an escape: "C:\a\" and "D:\b\" arrive as one text, C:\a" D:\b". It ends a folder.
+[[nodiscard]] std::vector<std::string> foldersGiven(const std::vector<std::string>& given);
+
+} // namespace korvane
