@@ -213,6 +213,18 @@ const dds_format_traits* ddsTraits(std::uint32_t dxgi)
     return found == std::end(known_formats) ? nullptr : found;
 }
 
+dds_subresource levelSizes(const dds_layout& layout, std::uint32_t width, std::uint32_t height, std::uint32_t mip)
+{
+    const bool is_block = layout.number == blocks;
+    dds_subresource part;
+    part.width = std::max(width >> mip, 1u);
+    part.height = std::max(height >> mip, 1u);
+    // At most 16,384 pixels of 16 bytes in a row: 32 bits are enough for a row, not for a surface.
+    part.row_pitch = (is_block ? (part.width + 3) / 4 : part.width) * layout.bytes;
+    part.rows = is_block ? (part.height + 3) / 4 : part.height;
+    return part;
+}
+
 bool readLegacyFormat(const dds_pixel_format& pixels, dds_format& format, dds_layout& layout, std::string& reason)
 {
     if (pixels.flags & ddpf_four_cc)

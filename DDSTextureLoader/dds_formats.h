@@ -38,6 +38,9 @@ struct dds_format_traits
 
 // By the number in the file; null for one that is not read.
 [[nodiscard]] const dds_format_traits* ddsTraits(std::uint32_t dxgi);
+// A level's sizes without its bytes, for pictures of at most dds_max_size.
+[[nodiscard]] dds_subresource levelSizes(const dds_layout& layout, std::uint32_t width, std::uint32_t height,
+                                         std::uint32_t mip);
 // False, and the reason, for one that is not read.
 [[nodiscard]] bool readLegacyFormat(const dds_pixel_format& pixels, dds_format& format, dds_layout& layout,
                                     std::string& reason);

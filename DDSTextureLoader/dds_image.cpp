@@ -114,14 +114,7 @@ bool checkSizes(byte_reader& in, const dds_image& image)
 
 dds_subresource sizesOf(const dds_image& image, std::uint32_t mip)
 {
-    const bool is_block = image.layout.number == dds_number::blocks;
-    dds_subresource part;
-    part.width = std::max(image.width >> mip, 1u);
-    part.height = std::max(image.height >> mip, 1u);
-    // At most 16,384 pixels of 16 bytes in a row: 32 bits are enough for a row, not for a surface.
-    part.row_pitch = (is_block ? (part.width + 3) / 4 : part.width) * image.layout.bytes;
-    part.rows = is_block ? (part.height + 3) / 4 : part.height;
-    return part;
+    return levelSizes(image.layout, image.width, image.height, mip);
 }
 
 void readSurfaces(byte_reader& in, dds_image& image)
@@ -173,6 +166,17 @@ bool readDds(std::span<const std::byte> file, dds_image& image, failure& why)
     dds_image result;
     if (readHeaders(in, result))
         readSurfaces(in, result);
+    if (!in.finish(why))
+        return false;
+    image = std::move(result);
+    return true;
+}
+
+bool readDdsHead(std::span<const std::byte> start, dds_image& image, failure& why)
+{
+    byte_reader in(start);
+    dds_image result;
+    readHeaders(in, result);
     if (!in.finish(why))
         return false;
     image = std::move(result);

@@ -39,6 +39,7 @@ enum class dds_format : std::uint32_t
     bc5_signed = 84,
     bgra8 = 87,
     bgrx8 = 88,
+    bgra8_srgb = 91,
     bc6h_unsigned = 95,
     bc6h_signed = 96,
     bc7 = 98,
@@ -108,6 +109,9 @@ inline constexpr std::uint32_t dds_max_surfaces = 2048;
 // Reads the headers and finds the subresources; every one lies inside the bytes. Bytes after the last one are ignored.
 // Of too many mip maps in the header those count that the size allows and, without an array, that the file holds whole.
 [[nodiscard]] bool readDds(std::span<const std::byte> file, dds_image& image, failure& why);
+
+// What the headers say, without the subresources (148 bytes are enough).
+[[nodiscard]] bool readDdsHead(std::span<const std::byte> start, dds_image& image, failure& why);
 
 // The bytes that readDds() looks at, by the headers alone (148 bytes are enough of them): what follows is ignored.
 [[nodiscard]] bool ddsFileSize(std::span<const std::byte> start, std::uint64_t& size, failure& why);

@@ -1,5 +1,6 @@
 #include "Korvane/textures/block_decoder.h"
 
+#include "Korvane/textures/bc7_modes.h"
 #include "Korvane/textures/block_bits.h"
 
 #include <bit>
@@ -10,20 +11,6 @@ namespace korvane
 
 namespace
 {
-
-struct bc7_mode
-{
-    unsigned subsets, partition_bits, rotation_bits, selection_bits;
-    unsigned colour_bits, alpha_bits;
-    unsigned own_low_bits, shared_low_bits; // 1: each end point, each subset has a lowest bit of its own
-    unsigned index_bits, second_index_bits;
-};
-
-constexpr bc7_mode bc7_modes[] = {
-    {3, 4, 0, 0, 4, 0, 1, 0, 3, 0}, {2, 6, 0, 0, 6, 0, 0, 1, 3, 0}, {3, 6, 0, 0, 5, 0, 0, 0, 2, 0},
-    {2, 6, 0, 0, 7, 0, 1, 0, 2, 0}, {1, 0, 2, 1, 5, 6, 0, 0, 2, 3}, {1, 0, 2, 0, 7, 8, 0, 0, 2, 2},
-    {1, 0, 0, 0, 7, 7, 1, 0, 4, 0}, {2, 6, 0, 0, 5, 5, 1, 0, 2, 0},
-};
 
 // Red, green, blue, alpha in 16 bits each: all four are interpolated at once.
 using wide_pixel = std::uint64_t;
@@ -40,11 +27,6 @@ rgba_pixel packed(wide_pixel wide)
 {
     const std::uint64_t pairs = (wide | wide >> 8) & 0x0000ffff0000ffff;
     return static_cast<rgba_pixel>(pairs | pairs >> 16);
-}
-
-constexpr unsigned to8Bits(unsigned value, unsigned bits)
-{
-    return value << (8 - bits) | value >> (2 * bits - 8);
 }
 
 template <unsigned number>
