@@ -15,8 +15,9 @@ namespace korvane
 
 enum class extraction_layout
 {
-    by_path, // a second file for the same place is refused
-    flat     // by file name; a second one of the same name becomes "name_2.dds", and so on
+    by_path,  // a second file for the same place is refused
+    numbered, // by path; a second file for the same place becomes "name_2.dds", and so on
+    flat      // by file name, numbered too
 };
 
 class extraction_folder

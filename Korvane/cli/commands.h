@@ -17,6 +17,7 @@ void addDemoDataCommand(CLI::App& app, cli_context& context);
 void addEditCommand(CLI::App& app, cli_context& context);
 void addExportCommand(CLI::App& app, cli_context& context);
 void addFbxCommand(CLI::App& app, cli_context& context);
+void addDdsCommand(CLI::App& app, cli_context& context);
 void addNormalMapCommand(CLI::App& app, cli_context& context);
 void addPatchCommand(CLI::App& app, cli_context& context);
 void addTexturesCommand(CLI::App& app, cli_context& context);

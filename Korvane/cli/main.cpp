@@ -98,6 +98,7 @@ int run(const std::vector<std::string>& arguments, cli_context& context)
     addAnimCommands(app, context);
     addCheckCommand(app, context);
     addNormalMapCommand(app, context);
+    addDdsCommand(app, context);
     addTexturesCommand(app, context);
     addConfigCommand(app, context);
 #ifdef _WIN32

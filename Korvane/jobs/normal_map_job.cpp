@@ -1,9 +1,6 @@
 #include "Korvane/jobs/normal_map_job.h"
 
-#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/extraction_folder.h"
-#include "Korvane/jobs/output_paths.h"
 #include "Korvane/textures/picture_file.h"
 
 #include <utility>
@@ -14,72 +11,43 @@ namespace korvane
 namespace
 {
 
-// In a folder a picture keeps its name, and its kind when that can be written.
-std::string nameInFolder(const std::string& input)
+std::string nameInFolder(const std::string& below)
 {
-    const game_path path(input);
-    std::string name(fileName(path.internalPath()));
-    if (!pictureKind(name))
-        name = name.substr(0, name.rfind('.')) + std::string(extensionOf(picture_kind::targa));
-    return name;
+    return pictureKind(below) ? below : withEnding(below, extensionOf(picture_kind::targa));
 }
 
 class normal_map_run
 {
 public:
-    normal_map_run(game_source& source, const normal_map_job_options& options)
-        : m_source(source)
-        , m_options(options)
-        , m_folder(options.output, extraction_layout::flat)
+    normal_map_run(game_source& source, const normal_map_job_options& options) : m_source(source), m_options(options) {}
+
+    bool convert(const std::string& input, const std::string& path, const write_picture& write, failure& why)
     {
+        picture image;
+        bool is_there = false;
+        picture_bytes file;
+        if (readInputPicture(m_source, input, image, why) &&
+            (m_options.is_forced || isConvertible(image.pixels(), m_options.form, is_there, why)))
+        {
+            convertNormals(image.pixels(), m_options.form);
+            m_done = {input, path, image.width(), image.height()};
+            if (encodePicture(image, pictureKind(path).value_or(picture_kind::targa), file, why))
+                return write(file.bytes(), why);
+        }
+        else if (why.kind == failure_kind::refused && why.path.empty())
+            why.what += "; --force converts it all the same";
+        if (why.path.empty())
+            why.path = input;
+        return false;
     }
 
-    bool convert(const std::string& input, converted_picture& done, failure& why);
+    converted_picture takeDone() { return std::move(m_done); }
 
 private:
-    bool read(const std::string& input, picture& image, failure& why);
-    bool outputPath(const std::string& input, std::string& path, failure& why);
-
     game_source& m_source;
     const normal_map_job_options& m_options;
-    extraction_folder m_folder;
+    converted_picture m_done;
 };
-
-bool normal_map_run::outputPath(const std::string& input, std::string& path, failure& why)
-{
-    if (!isFolder(m_options.output))
-        path = m_options.output;
-    else if (!m_folder.place(nameInFolder(input), path, why))
-        return false;
-    failure is_input;
-    return isFreeToWrite(m_options.inputs, path, is_input) ||
-           fail(why, failure_kind::refused, "this would replace a file that is read", path);
-}
-
-bool normal_map_run::read(const std::string& input, picture& image, failure& why)
-{
-    if (!game_path(input).isInternal())
-        return readPictureFile(input, image, why);
-    memory_file bytes;
-    if (m_source.read(input, bytes, why) && readPicture(bytes.bytes(), image, why))
-        return true;
-    if (why.path.empty())
-        why.path = input;
-    return false;
-}
-
-bool normal_map_run::convert(const std::string& input, converted_picture& done, failure& why)
-{
-    std::string path;
-    picture image;
-    if (!outputPath(input, path, why) || !read(input, image, why))
-        return false;
-    convertNormals(image.pixels(), m_options.form);
-    if (!writePictureFile(path, pictureKind(path).value_or(picture_kind::targa), image, why))
-        return false;
-    done = {input, path, image.width(), image.height()};
-    return true;
-}
 
 } // namespace
 
@@ -88,26 +56,10 @@ bool convertNormalMaps(game_source& source, const normal_map_job_options& option
 {
     result = {};
     normal_map_run run(source, options);
-    const std::size_t total = options.inputs.size();
-    for (std::size_t i = 0; i < total && !work.isStopped(); ++i)
-    {
-        work.report(i, total, "converting " + std::to_string(i + 1) + " of " + std::to_string(total));
-        converted_picture done;
-        failure reason;
-        if (run.convert(options.inputs[i], done, reason))
-        {
-            result.files.push_back(std::move(done));
-            continue;
-        }
-        if (total == 1)
-        {
-            why = std::move(reason);
-            return false;
-        }
-        tell(work.log, displayText(describe(reason)));
-        result.failed.push_back({options.inputs[i], std::move(reason)});
-    }
-    return true;
+    const auto convert = [&run](const std::string& input, const std::string& path, const write_picture& write,
+                                failure& reason) { return run.convert(input, path, write, reason); };
+    return convertPictures(
+        options.batch, nameInFolder, convert, [&] { result.files.push_back(run.takeDone()); }, work, result.left, why);
 }
 
 } // namespace korvane

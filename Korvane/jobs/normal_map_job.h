@@ -2,8 +2,7 @@
 
 // Converts normal maps between the games' form and the usual one: pictures or DDS files in, Targa or PNG out.
 
-#include "EASY_GUI/services/work_port.h"
-#include "Korvane/game/game_source.h"
+#include "Korvane/jobs/picture_batch.h"
 #include "Korvane/textures/normal_map.h"
 
 #include <cstdint>
@@ -15,9 +14,9 @@ namespace korvane
 
 struct normal_map_job_options
 {
-    std::vector<std::string> inputs; // on the disk or, with "pack:", out of the game
-    std::string output;              // a file for a single input, else a folder
+    picture_batch batch;
     normal_form form = normal_form::blue;
+    bool is_forced = false; // also what does not look like a normal map of the other form
 };
 
 struct converted_picture
@@ -28,20 +27,14 @@ struct converted_picture
     std::uint32_t height = 0;
 };
 
-struct failed_picture
-{
-    std::string input;
-    failure why;
-};
-
 struct normal_map_job_result
 {
     std::vector<converted_picture> files;
-    std::vector<failed_picture> failed; // of several
+    picture_batch_result left;
 };
 
-// False when the only picture failed. Of several one that fails is named in the log and in the result, and the others
-// go on. No input is ever written over, for a conversion cannot be undone. A stop is heeded between pictures.
+// False, with the reason, when the only picture failed. In a folder a picture keeps its name, and its kind when that
+// can be written, else it becomes a Targa file.
 [[nodiscard]] bool convertNormalMaps(game_source& source, const normal_map_job_options& options, const work_port& work,
                                      normal_map_job_result& result, failure& why);
 

@@ -64,18 +64,20 @@ TEST_F(job_test, aStoppedExtractionSaysWhatItDid)
 
 TEST_F(job_test, aStoppedConversionOfPicturesGoesNoFurther)
 {
-    std::vector<std::string> inputs;
+    normal_map_job_options options;
     failure why;
     for (const char* name : {"a.tga", "b.tga"})
     {
-        inputs.push_back(m_folder.file(name));
-        ASSERT_TRUE(writePictureFile(inputs.back(), picture_kind::targa, picture(4, 4), why)) << describe(why);
+        options.batch.inputs.push_back({m_folder.file(name), name});
+        ASSERT_TRUE(writePictureFile(m_folder.file(name), picture_kind::targa, picture(4, 4), why)) << describe(why);
     }
+    options.batch.output = m_folder.file("out/");
     const work_port work = stoppingAfter(1);
     normal_map_job_result result;
-    ASSERT_TRUE(convertNormalMaps(m_source, {inputs, m_folder.file("out/"), normal_form::blue}, work, result, why));
+    ASSERT_TRUE(convertNormalMaps(m_source, options, work, result, why));
     EXPECT_EQ(result.files.size(), 2u) << "the step that has begun is finished";
-    ASSERT_TRUE(convertNormalMaps(m_source, {inputs, m_folder.file("none/"), normal_form::blue}, work, result, why));
+    options.batch.output = m_folder.file("none/");
+    ASSERT_TRUE(convertNormalMaps(m_source, options, work, result, why));
     EXPECT_TRUE(result.files.empty());
     EXPECT_FALSE(std::filesystem::exists(toPath(m_folder.file("none"))));
 }

@@ -1,0 +1,139 @@
+#include "Korvane/jobs/picture_batch.h"
+
+#include "DDSTextureLoader/dds_image.h"
+#include "EASY_GUI/services/text.h"
+#include "Korvane/archives/extraction_folder.h"
+#include "Korvane/jobs/output_paths.h"
+#include "Korvane/textures/picture_file.h"
+
+#include <new>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+class batch_run
+{
+public:
+    batch_run(const picture_batch& batch, const picture_name& name, const picture_work& work)
+        : m_batch(batch)
+        , m_name(name)
+        , m_work(work)
+        , m_is_file(batch.is_one_file && !isFolder(batch.output))
+        , m_folder(batch.output, extraction_layout::numbered)
+    {
+        for (const operand_file& input : batch.inputs)
+            m_inputs.push_back(input.path);
+    }
+
+    bool convert(const operand_file& input, bool& is_kept, std::string& path, failure& why)
+    {
+        try
+        {
+            if (!outputPath(input, path, why))
+                return false;
+            const auto write = [&](std::span<const std::byte> bytes, failure& reason) {
+                return writeOutput(path, bytes, m_is_file || m_batch.overwrites, is_kept, reason);
+            };
+            return m_work(input.path, path, write, why);
+        }
+        catch (const std::bad_alloc&)
+        {
+            return fail(why, failure_kind::unreadable, "not enough memory for this picture", input.path);
+        }
+    }
+
+private:
+    bool outputPath(const operand_file& input, std::string& path, failure& why)
+    {
+        if (m_is_file)
+            path = m_batch.output;
+        else if (!m_folder.place(m_name(input.below), path, why))
+            return false;
+        failure is_input;
+        return isFreeToWrite(m_inputs, path, is_input) ||
+               fail(why, failure_kind::refused, "this would replace a file that is read", path);
+    }
+
+    const picture_batch& m_batch;
+    const picture_name& m_name;
+    const picture_work& m_work;
+    bool m_is_file;
+    extraction_folder m_folder;
+    std::vector<std::string> m_inputs;
+};
+
+// The picture has one surface only.
+bool isSingle(std::span<const std::byte> start, failure& why)
+{
+    dds_image image;
+    failure ignored; // what is no DDS file is something else, and what is damaged has been said
+    return !readDdsHead(start, image, ignored) || image.array_size == 1 ||
+           fail(why, failure_kind::unsupported, "cube maps and arrays of textures cannot be converted");
+}
+
+bool readDiskPicture(const std::string& path, picture& target, failure& why)
+{
+    constexpr std::size_t head_bytes = 148;
+    memory_file start;
+    std::uint64_t size = 0;
+    return start.readStart(path, head_bytes, size, why) && isSingle(start.bytes(), why) &&
+           readPictureFile(path, target, why);
+}
+
+} // namespace
+
+std::string withEnding(const std::string& path, std::string_view ending)
+{
+    const std::size_t name = path.size() - fileName(path).size(), dot = path.rfind('.');
+    std::string result = dot == std::string::npos || dot <= name ? path : path.substr(0, dot);
+    return result.append(ending);
+}
+
+bool convertPictures(const picture_batch& batch, const picture_name& name, const picture_work& work,
+                     const std::function<void()>& made, const work_port& port, picture_batch_result& result,
+                     failure& why)
+{
+    result = {};
+    batch_run run(batch, name, work);
+    const std::size_t total = batch.inputs.size();
+    for (std::size_t i = 0; i < total && !port.isStopped(); ++i)
+    {
+        const operand_file& input = batch.inputs[i];
+        port.report(i, total, "converting " + std::to_string(i + 1) + " of " + std::to_string(total));
+        bool is_kept = false;
+        std::string path;
+        failure reason;
+        if (!run.convert(input, is_kept, path, reason))
+        {
+            if (batch.is_one_file)
+            {
+                why = std::move(reason);
+                return false;
+            }
+            result.failed.push_back({input.path, std::move(reason)});
+        }
+        else if (is_kept)
+            result.kept.push_back({input.path, keptFailure(path)});
+        else
+            made();
+    }
+    return true;
+}
+
+bool readInputPicture(game_source& source, const std::string& input, picture& target, failure& why)
+{
+    memory_file bytes;
+    const bool is_read =
+        game_path(input).isInternal()
+            ? source.read(input, bytes, why) && isSingle(bytes.bytes(), why) && readPicture(bytes.bytes(), target, why)
+            : readDiskPicture(input, target, why);
+    if (!is_read && why.path.empty())
+        why.path = input;
+    return is_read;
+}
+
+} // namespace korvane
