@@ -9,6 +9,7 @@
 #include "Korvane/document/recent_files.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <shellapi.h>
 #include <utility>
 
@@ -20,6 +21,8 @@ namespace
 
 constexpr int margin = 8;          // at 96 dots per inch
 constexpr int default_width = 620; // outer
+constexpr UINT_PTR look_timer = 1;
+constexpr UINT look_pause = 500; // milliseconds
 
 // Of the monitor that shows the window; null: the first one.
 RECT workArea(HWND window)
@@ -35,6 +38,16 @@ shortcut acceleratorOf(const key_shortcut& keys, int command)
 {
     return {static_cast<BYTE>(FCONTROL | (keys.with_shift ? FSHIFT : 0)), static_cast<WORD>(keys.key),
             static_cast<WORD>(command)};
+}
+
+// "14:03:22": the same text about the same file is seen to be new.
+std::string timeOfDay()
+{
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    char text[16];
+    std::snprintf(text, sizeof text, "%02u:%02u:%02u", now.wHour, now.wMinute, now.wSecond);
+    return text;
 }
 
 // While large files are read.
@@ -121,6 +134,7 @@ bool main_window::onCreated()
         showDocument();
         showView();
     }
+    SetTimer(handle(), look_timer, look_pause, nullptr); // goes with the window
     return true;
 }
 
@@ -255,6 +269,8 @@ LRESULT main_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
         if (m_ports.keeper.keep(where, why) == edit_keeper::outcome::failed)
             log("main_window: the changes that were not saved could not be kept: " + describe(why));
     }
+    if ((message == WM_TIMER && wparam == look_timer) || (message == WM_ACTIVATEAPP && wparam != FALSE))
+        lookAtFiles();
     return window::handleMessage(message, wparam, lparam);
 }
 
@@ -468,6 +484,21 @@ void main_window::setScene(scene_pointer scene)
 {
     m_scene = std::move(scene);
     m_po_view->setScene(m_scene);
+    m_watch.follow(m_scene, *m_document.game());
+}
+
+// The model itself is never read again unasked: it may be edited, and a selection would be lost.
+void main_window::lookAtFiles()
+{
+    if (!m_scene || m_po_view == nullptr || !m_po_view->isVisible())
+        return;
+    const scene_changes changes = m_watch.look();
+    for (const std::string& line : changes.lines)
+        log(line);
+    if (!changes.textures.empty())
+        setScene(sceneLoader().exchangeTextures(*m_scene, changes.textures));
+    if (!changes.empty())
+        m_status.setText(changes.summary() + " (" + timeOfDay() + ")");
 }
 
 // Beside the main window when the screen has room for it, at least as high as that and otherwise as large as it wants.

@@ -14,6 +14,7 @@
 #include "Korvane/document/open_files.h"
 #include "Korvane/game/game_loader.h"
 #include "Korvane/scene/scene_loader.h"
+#include "Korvane/scene/scene_watch.h"
 
 #include <functional>
 #include <memory>
@@ -90,6 +91,7 @@ private:
     void showInView();
     scene_loader sceneLoader();
     void setScene(scene_pointer scene);
+    void lookAtFiles();
     void placeView();
     void showAbout();
     void saveConfig();
@@ -104,6 +106,7 @@ private:
     failure m_start_failure;             // why the window could not be filled
     std::optional<drawn_models> m_drawn; // what the view made of the definition; nothing while it has not shown it
     scene_pointer m_scene;               // what the view shows; null: it was given nothing yet
+    scene_watch m_watch;                 // of its files
     std::unique_ptr<model_view> m_po_view;
 
     information_panels m_panels;

@@ -77,9 +77,10 @@ struct loaded_scene
     std::vector<scene_part> parts;
     model_bounds bounds; // of all parts
     std::size_t triangles = 0;
-    std::size_t failed = 0;            // models that are not among the parts
-    std::vector<std::string> problems; // what was missing or damaged, a line each, as the log has them
-    texture_reader read_texture;       // kept for another level of detail and for a new device
+    std::size_t failed = 0;                    // models that are not among the parts
+    std::vector<std::string> problems;         // what was missing or damaged, a line each, as the log has them
+    std::vector<std::string> missing_textures; // that were looked for and are nowhere; internal paths
+    texture_reader read_texture;               // kept for another level of detail and for a new device
 };
 using scene_pointer = std::shared_ptr<const loaded_scene>;
 

@@ -44,11 +44,16 @@ std::shared_ptr<const scene_model> sceneModel(std::shared_ptr<const RMV2_FILE_DA
 
 texture_reader readerAround(const game_data& game, const std::string& path)
 {
-    return [game, around = game_path(path)](const std::string& internal_path, memory_file& bytes, failure& why) {
+    return [game, around = game_path(path)](const std::string& internal_path, memory_file& bytes, file_place& place,
+                                            failure& why) {
         const game_file found = game.findAround(internal_path, around);
         if (!found)
             return fail(why, failure_kind::not_found, "there is no such texture", internal_path);
-        return found.read(bytes, why);
+        file_place now = file_place::of(found); // first: what is written from now on is a change
+        if (!found.read(bytes, why))
+            return false;
+        place = std::move(now);
+        return true;
     };
 }
 
@@ -98,20 +103,43 @@ scene_pointer scene_loader::loadFigure(const std::vector<std::string>& models, c
     return m_work.isStopped() ? nullptr : std::make_shared<const loaded_scene>(std::move(scene));
 }
 
-scene_pointer scene_loader::loadLevel(const loaded_scene& former, std::size_t lod)
+void scene_loader::takeOver(std::shared_ptr<const scene_texture> texture)
 {
-    m_known.clear();
+    if (texture)
+        m_known.push_back({texture->path(), texture});
+}
+
+loaded_scene scene_loader::beginFrom(const loaded_scene& former)
+{
     for (const scene_part& part : former.parts)
         for (const group_textures& group : part.textures)
             for (const std::shared_ptr<const scene_texture>& texture : group)
-                if (texture)
-                    m_known.push_back({texture->path(), texture});
+                takeOver(texture);
     loaded_scene scene;
     scene.path = former.path;
     scene.read_texture = former.read_texture;
     scene.failed = former.failed;
+    return scene;
+}
+
+scene_pointer scene_loader::loadLevel(const loaded_scene& former, std::size_t lod)
+{
+    m_known.clear();
+    loaded_scene scene = beginFrom(former);
     for (const scene_part& part : former.parts)
         addPart(scene, part.model, lod, part.bone);
+    return m_work.isStopped() ? nullptr : std::make_shared<const loaded_scene>(std::move(scene));
+}
+
+scene_pointer scene_loader::exchangeTextures(const loaded_scene& former,
+                                             const std::vector<std::shared_ptr<const scene_texture>>& fresh)
+{
+    m_known.clear();
+    for (const std::shared_ptr<const scene_texture>& texture : fresh)
+        takeOver(texture); // before the former ones: the first of a path counts
+    loaded_scene scene = beginFrom(former);
+    for (const scene_part& part : former.parts)
+        addPart(scene, part.model, part.lod, part.bone);
     return m_work.isStopped() ? nullptr : std::make_shared<const loaded_scene>(std::move(scene));
 }
 
@@ -193,16 +221,19 @@ bool scene_loader::loadTexture(loaded_scene& scene, const std::string& path,
         return true;
     }
     memory_file bytes;
+    file_place place;
     failure why;
-    if (!scene.read_texture(path, bytes, why))
+    if (!scene.read_texture(path, bytes, place, why))
     {
-        if (why.kind != failure_kind::not_found)
+        if (why.kind == failure_kind::not_found)
+            scene.missing_textures.push_back(path);
+        else
             report(scene, describe(why));
         return false;
     }
     dds_image image; // only looked at: whoever draws reads the bytes once more
     if (readDds(bytes.bytes(), image, why))
-        texture = std::make_shared<const scene_texture>(path, scene.read_texture, std::move(bytes));
+        texture = std::make_shared<const scene_texture>(path, scene.read_texture, std::move(bytes), std::move(place));
     else
     {
         why.path = path;

@@ -36,9 +36,15 @@ public:
                                            std::size_t lod = 0);
     // The same scene at another level of detail; textures that the former one has are taken over.
     [[nodiscard]] scene_pointer loadLevel(const loaded_scene& former, std::size_t lod);
+    // The same scene with these in place of its textures of the same paths, and with those that it lacked because one
+    // of these was missing; the others are taken over.
+    [[nodiscard]] scene_pointer exchangeTextures(const loaded_scene& former,
+                                                 const std::vector<std::shared_ptr<const scene_texture>>& fresh);
 
 private:
     loaded_scene begin(const std::string& path) const;
+    loaded_scene beginFrom(const loaded_scene& former); // whose textures are known then
+    void takeOver(std::shared_ptr<const scene_texture> texture);
     void report(loaded_scene& scene, std::string line) const;
     [[nodiscard]] std::shared_ptr<const scene_model> readModel(loaded_scene& scene, const std::string& internal_path);
     void addPart(loaded_scene& scene, std::shared_ptr<const scene_model> model, std::size_t lod, int bone);

@@ -5,9 +5,10 @@
 namespace korvane
 {
 
-scene_texture::scene_texture(std::string path, texture_reader reader, memory_file bytes)
+scene_texture::scene_texture(std::string path, texture_reader reader, memory_file bytes, file_place place)
     : m_path(std::move(path))
     , m_reader(std::move(reader))
+    , m_place(std::move(place))
     , m_bytes(std::make_shared<const memory_file>(std::move(bytes)))
 {
 }
@@ -20,7 +21,8 @@ std::shared_ptr<const memory_file> scene_texture::bytes(failure& why) const
             return m_bytes;
     }
     memory_file again; // not kept: the device that asks takes it over at once
-    if (!m_reader(m_path, again, why))
+    file_place now;
+    if (!m_reader(m_path, again, now, why))
         return nullptr;
     return std::make_shared<const memory_file>(std::move(again));
 }

@@ -166,11 +166,12 @@ void d3d_window::frameScene()
 void d3d_window::setScene(scene_pointer scene)
 {
     const bool is_other_path = !m_scene || !scene || m_scene->path != scene->path;
-    const bool is_framed_anew = is_other_path || (m_is_framed && !showsSameModels(m_scene, scene));
+    const bool has_other_models = is_other_path || !showsSameModels(m_scene, scene);
     m_scene = std::move(scene);
     m_po_worker->show(m_scene);
-    m_view.setLightDefaults();
-    if (is_framed_anew)
+    if (has_other_models) // not for a texture that was painted
+        m_view.setLightDefaults();
+    if (is_other_path || (m_is_framed && has_other_models))
         frameScene();
     else
         redraw();

@@ -20,7 +20,7 @@ struct texture_map
     // Used while the map lives.
     texture_reader reader()
     {
-        return [this](const std::string& path, memory_file& bytes, failure& why) {
+        return [this](const std::string& path, memory_file& bytes, file_place&, failure& why) {
             asked.push_back(path);
             const auto found = files.find(path);
             if (found == files.end())

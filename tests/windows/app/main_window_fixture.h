@@ -9,6 +9,7 @@
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/main_window.h"
 #include "Korvane/archives/pack_file.h"
+#include "tests/support/dds_builder.h"
 #include "tests/support/model_builder.h"
 #include "tests/support/pack_builder.h"
 #include "tests/support/recording_prompt.h"

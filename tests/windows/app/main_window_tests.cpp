@@ -146,6 +146,24 @@ TEST_F(main_window_test, droppedFilesAreOpened)
     EXPECT_TRUE(m_window->document().definition().hasDefinition());
 }
 
+TEST_F(main_window_test, aPaintedTextureIsShownAndAModelOfAnotherProgramOnlySaid)
+{
+    const std::string path = write("soldier.rigid_model_v2", soldier());
+    test_dds picture;
+    for (const char* name : {"body_diffuse.dds", "body_normal.dds"})
+        write(name, picture.bytes());
+    openWindow(path);
+    choose(control_group, 1);
+    picture.pixels += "one byte more";
+    write("body_diffuse.dds", picture.bytes());
+    EXPECT_TRUE(pumpUntil([&] { return text(control_status).starts_with("body_diffuse.dds was read again ("); }));
+    EXPECT_EQ(m_view.models.size(), 2u);
+    EXPECT_EQ(text(control_group), "G 2") << "what is chosen stays";
+    write("soldier.rigid_model_v2", soldier().bytes() + " ");
+    EXPECT_TRUE(pumpUntil([&] { return text(control_status).starts_with("soldier.rigid_model_v2 was changed"); }));
+    EXPECT_EQ(m_view.models.size(), 2u);
+}
+
 TEST_F(main_window_test, theFirstStartShowsItsNoticeOnce)
 {
     m_config.clear("FIRST_TIME");
