@@ -92,6 +92,8 @@ private:
     std::string m_error;
 };
 
+constexpr std::chrono::seconds patience(5);
+
 bool hasQuote(const std::string& value)
 {
     return value.find('"') != std::string::npos;
@@ -106,6 +108,15 @@ std::string config_file::defaultPath()
 
 bool config_file::load(const std::string& path)
 {
+    // A file that is open while another program puts a new one in its place makes that fail on Windows.
+    file_lock lock;
+    failure ignored; // better without a lock than not at all
+    (void)lock.take(path, patience, ignored);
+    return readFrom(path);
+}
+
+bool config_file::readFrom(const std::string& path)
+{
     m_table.clear();
     m_error.clear();
     memory_file file;
@@ -118,14 +129,13 @@ bool config_file::load(const std::string& path)
 
 bool config_file::change(const std::string& given_path, const change_function& change, failure& why, damaged_end end)
 {
-    constexpr std::chrono::seconds patience(5);
     const std::string path = given_path.empty() ? defaultPath() : given_path;
     file_lock lock;
     config_file fresh;
     std::error_code error;
     if (lock.take(path, patience, why))
     {
-        if (fresh.load(path))
+        if (fresh.readFrom(path))
             *this = fresh;
         else if (std::filesystem::symlink_status(toPath(path), error).type() != std::filesystem::file_type::not_found)
             fail(why, failure_kind::unreadable, "the configuration cannot be read", path);

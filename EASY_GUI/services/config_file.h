@@ -55,6 +55,8 @@ public:
     static std::string defaultPath();
 
 private:
+    bool readFrom(const std::string& path);
+
     table m_table; // in byte order, which is the order in the file
     std::string m_error;
 };
