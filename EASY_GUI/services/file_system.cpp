@@ -129,7 +129,7 @@ std::string existingPathAnyCase(const std::string& path)
     return toUtf8(found);
 }
 
-bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, failure& why, write_safety safety)
+bool writeWholeFile(const std::string& path, const byte_source& bytes, failure& why, write_safety safety)
 {
     std::filesystem::path target = toPath(path);
     std::error_code error;
@@ -148,9 +148,15 @@ bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, f
     removeAbandonedOnce(folder);
     const std::filesystem::path temporary = folder / temporaryName();
     std::string reason;
-    if (platform::replaceWhole(target, temporary, bytes, safety == write_safety::flushed, reason))
+    const auto next = [&](std::span<const std::byte>& piece) { return bytes(piece, why); };
+    if (platform::replaceWhole(target, temporary, next, safety == write_safety::flushed, reason))
         return true;
     return fail(why, failure_kind::unwritable, "the file cannot be written: " + reason, path);
+}
+
+bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, failure& why, write_safety safety)
+{
+    return writeWholeFile(path, sourceOf(bytes), why, safety);
 }
 
 bool writeWholeFile(const std::string& path, std::string_view bytes, failure& why)

@@ -3,6 +3,7 @@
 // Paths and whole-file writing. Inside the program a path is UTF-8 text; it becomes a std::filesystem::path only here,
 // because std::filesystem::path("narrow") means different things on different systems.
 
+#include "EASY_GUI/services/byte_source.h"
 #include "EASY_GUI/services/failure.h"
 
 #include <cstddef>
@@ -37,5 +38,8 @@ enum class write_safety
 [[nodiscard]] bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, failure& why,
                                   write_safety safety = write_safety::flushed);
 [[nodiscard]] bool writeWholeFile(const std::string& path, std::string_view bytes, failure& why);
+// Piece by piece; where the source fails, its reason is why, and nothing is written.
+[[nodiscard]] bool writeWholeFile(const std::string& path, const byte_source& bytes, failure& why,
+                                  write_safety safety = write_safety::flushed);
 
 } // namespace korvane

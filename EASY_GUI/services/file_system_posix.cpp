@@ -85,16 +85,13 @@ public:
         return m_descriptor >= 0 || createNamed(reason);
     }
 
-    bool write(std::span<const std::byte> bytes, bool is_flushed, std::string& reason)
+    bool write(const next_piece& bytes, bool is_flushed, std::string& reason)
     {
-        while (!bytes.empty())
-        {
-            const ssize_t count = ::write(m_descriptor, bytes.data(), bytes.size());
-            if (count >= 0)
-                bytes = bytes.subspan(static_cast<std::size_t>(count));
-            else if (errno != EINTR)
-                return failWithErrno(reason);
-        }
+        std::span<const std::byte> piece;
+        do
+            if (!bytes(piece) || !writePiece(piece, reason))
+                return false;
+        while (!piece.empty());
         return !is_flushed || ::fsync(m_descriptor) == 0 || failWithErrno(reason);
     }
 
@@ -140,6 +137,18 @@ private:
         reason = "the temporary file was deleted";
         return false;
     }
+    bool writePiece(std::span<const std::byte> bytes, std::string& reason) const
+    {
+        while (!bytes.empty())
+        {
+            const ssize_t count = ::write(m_descriptor, bytes.data(), bytes.size());
+            if (count >= 0)
+                bytes = bytes.subspan(static_cast<std::size_t>(count));
+            else if (errno != EINTR)
+                return failWithErrno(reason);
+        }
+        return true;
+    }
     std::string ownPath() const { return "/proc/self/fd/" + std::to_string(m_descriptor); }
     bool link(const std::filesystem::path& name) const
     {
@@ -174,8 +183,8 @@ unsigned long processId()
     return static_cast<unsigned long>(getpid());
 }
 
-bool replaceWhole(const std::filesystem::path& target, const std::filesystem::path& temporary,
-                  std::span<const std::byte> bytes, bool is_flushed, std::string& reason)
+bool replaceWhole(const std::filesystem::path& target, const std::filesystem::path& temporary, const next_piece& bytes,
+                  bool is_flushed, std::string& reason)
 {
     new_file file;
     return file.create(target.parent_path(), temporary, reason) && file.write(bytes, is_flushed, reason) &&

@@ -32,7 +32,7 @@ bool setDeletedOnClose(HANDLE file, bool is_wanted)
     return SetFileInformationByHandle(file, FileDispositionInfo, &information, sizeof information) != 0;
 }
 
-bool writeAll(HANDLE file, std::span<const std::byte> bytes, bool is_flushed, std::string& reason)
+bool writePiece(HANDLE file, std::span<const std::byte> bytes, std::string& reason)
 {
     while (!bytes.empty())
     {
@@ -42,6 +42,16 @@ bool writeAll(HANDLE file, std::span<const std::byte> bytes, bool is_flushed, st
             return failWithLastError(reason);
         bytes = bytes.subspan(count);
     }
+    return true;
+}
+
+bool writeAll(HANDLE file, const next_piece& bytes, bool is_flushed, std::string& reason)
+{
+    std::span<const std::byte> piece;
+    do
+        if (!bytes(piece) || !writePiece(file, piece, reason))
+            return false;
+    while (!piece.empty());
     return !is_flushed || FlushFileBuffers(file) || failWithLastError(reason);
 }
 
@@ -91,8 +101,8 @@ unsigned long processId()
     return GetCurrentProcessId();
 }
 
-bool replaceWhole(const std::filesystem::path& target, const std::filesystem::path& temporary,
-                  std::span<const std::byte> bytes, bool is_flushed, std::string& reason)
+bool replaceWhole(const std::filesystem::path& target, const std::filesystem::path& temporary, const next_piece& bytes,
+                  bool is_flushed, std::string& reason)
 {
     const unique_kernel_handle owner(
         CreateFileW(temporary.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));

@@ -17,7 +17,7 @@ namespace korvane
 namespace
 {
 
-std::string holdsOnly(const char* what, std::size_t left, std::size_t size)
+std::string holdsOnly(const char* what, std::uint64_t left, std::uint64_t size)
 {
     return std::string(what) + " holds " + std::to_string(size - left) + " of " + std::to_string(size) + " bytes";
 }
@@ -31,7 +31,7 @@ public:
             throw std::bad_alloc();
     }
 
-    std::string endFault(std::size_t data_left, std::size_t target_left, std::size_t target_size) const override
+    std::string endFault(std::uint64_t data_left, std::uint64_t target_left, std::uint64_t target_size) const override
     {
         if (!m_is_at_end || data_left > 0)
             return damaged(
@@ -73,7 +73,7 @@ public:
         m_context.reset(raw);
     }
 
-    std::string endFault(std::size_t data_left, std::size_t target_left, std::size_t) const override
+    std::string endFault(std::uint64_t data_left, std::uint64_t target_left, std::uint64_t) const override
     {
         if (!m_is_at_end)
             return data_left == 0 ? "the LZ4 frame ends too early"
@@ -109,7 +109,7 @@ public:
     explicit lzma_decoder(std::size_t wanted) : m_wanted(wanted) {}
     ~lzma_decoder() override { lzma_end(&m_stream); }
 
-    std::string endFault(std::size_t data_left, std::size_t target_left, std::size_t target_size) const override
+    std::string endFault(std::uint64_t data_left, std::uint64_t target_left, std::uint64_t target_size) const override
     {
         // No size is stored and there need be no end mark: full is done, but for the few bytes with which a stream
         // ends.
@@ -203,13 +203,21 @@ bool entry_decoder::decode(std::span<const std::byte>& data, std::span<std::byte
     return m_damage.empty();
 }
 
+bool entry_decoder::drain(std::span<const std::byte>& data, std::span<std::byte>& target)
+{
+    while (!target.empty() && step(data, target))
+    {
+    }
+    return m_damage.empty();
+}
+
 std::string entry_decoder::faultAtEnd(std::span<const std::byte> data, std::span<std::byte> target,
-                                      std::size_t target_size)
+                                      std::uint64_t target_size, std::uint64_t further)
 {
     while (step(data, target))
     {
     }
-    return m_damage.empty() ? endFault(data.size(), target.size(), target_size) : m_damage;
+    return m_damage.empty() ? endFault(data.size(), target.size() + further, target_size) : m_damage;
 }
 
 } // namespace korvane

@@ -29,10 +29,12 @@ public:
 
     // Unpacks as long as there is data and room; both move on over what was used. False when the data is damaged.
     [[nodiscard]] bool decode(std::span<const std::byte>& data, std::span<std::byte>& target);
+    // The same when no more data is to come: what the decoder holds back comes out, too.
+    [[nodiscard]] bool drain(std::span<const std::byte>& data, std::span<std::byte>& target);
     // With what decode() left of all the data and of a target of so many bytes: what is wrong when the two do not end
-    // together. Empty: nothing is.
+    // together. Empty: nothing is. further: bytes wanted behind the target, when that is only a piece.
     [[nodiscard]] std::string faultAtEnd(std::span<const std::byte> data, std::span<std::byte> target,
-                                         std::size_t target_size);
+                                         std::uint64_t target_size, std::uint64_t further = 0);
     // After a false decode().
     const std::string& damage() const { return m_damage; }
 
@@ -40,7 +42,8 @@ protected:
     // One step. False when nothing more can be done, because of damage or at the end.
     virtual bool step(std::span<const std::byte>& data, std::span<std::byte>& target) = 0;
     // After the last step.
-    virtual std::string endFault(std::size_t data_left, std::size_t target_left, std::size_t target_size) const = 0;
+    virtual std::string endFault(std::uint64_t data_left, std::uint64_t target_left,
+                                 std::uint64_t target_size) const = 0;
 
     std::string m_damage; // empty: none was met
 };

@@ -34,7 +34,7 @@ bool checkLength(std::uint64_t size, std::uint64_t limit, std::uint64_t data_siz
 
 bool withPlace(const pack_file_node& entry, failure& why)
 {
-    why.path = std::string(entry.internalPath()) + " in " + entry.packPath();
+    why.path = placeOf(entry);
     return false;
 }
 
@@ -46,7 +46,7 @@ bool failSize(std::uint64_t size, std::uint64_t limit, failure& why)
 
 bool failReading(const pack_file_node& entry, failure_kind kind, std::string what, std::uint64_t offset, failure& why)
 {
-    why = {kind, std::move(what), std::string(entry.internalPath()) + " in " + entry.packPath(), offset, "entry data"};
+    why = {kind, std::move(what), placeOf(entry), offset, "entry data"};
     return false;
 }
 
@@ -111,15 +111,29 @@ bool readModFileStart(const pack_file_node& entry, std::span<std::byte> target, 
 
 } // namespace
 
+std::string placeOf(const pack_file_node& entry)
+{
+    return std::string(entry.internalPath()) + " in " + entry.packPath();
+}
+
+bool readUnpackedSize(std::span<const std::byte> start, std::uint64_t stored_size, std::uint64_t limit,
+                      std::uint32_t& size, failure& why)
+{
+    byte_reader in(start);
+    const std::uint32_t length = in.u32("unpacked length");
+    if (!in.finish(why) || !checkLength(length, std::min(limit, max_unpacked_size), stored_size - 4,
+                                        entry_decoder::largestRatio(start.subspan(4)), why))
+        return false;
+    size = length;
+    return true;
+}
+
 bool unpackEntry(std::span<const std::byte> stored, memory_file& bytes, failure& why, std::uint64_t limit)
 {
-    byte_reader in(stored);
-    const std::uint32_t size = in.u32("unpacked length");
-    if (!in.finish(why))
+    std::uint32_t size = 0;
+    if (!readUnpackedSize(stored, stored.size(), limit, size, why))
         return false;
     std::span<const std::byte> data = stored.subspan(4);
-    if (!checkLength(size, std::min(limit, max_unpacked_size), data.size(), entry_decoder::largestRatio(data), why))
-        return false;
     memory_file unpacked(size);
     std::span<std::byte> target = unpacked.mutableBytes();
     const std::unique_ptr<entry_decoder> decoder = entry_decoder::make(data, size);

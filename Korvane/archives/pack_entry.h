@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <limits>
 #include <span>
+#include <string>
 
 namespace korvane
 {
@@ -28,6 +29,13 @@ inline constexpr std::uint64_t max_unpacked_size = std::uint64_t{1} << 30;
 // for one beyond max_unpacked_size or the caller's limit.
 [[nodiscard]] bool unpackEntry(std::span<const std::byte> stored, memory_file& bytes, failure& why,
                                std::uint64_t limit = max_unpacked_size);
+
+// What a compressed entry says it unpacks to, by the first bytes of so many stored ones; refused as unpackEntry() does.
+[[nodiscard]] bool readUnpackedSize(std::span<const std::byte> start, std::uint64_t stored_size, std::uint64_t limit,
+                                    std::uint32_t& size, failure& why);
+
+// Where an entry is, for messages: "PATH in ARCHIVE".
+[[nodiscard]] std::string placeOf(const pack_file_node& entry);
 
 // For those who look at many entries and need no more of each than its header: fills target with the entry's first
 // bytes, unpacked on the way, and gives how many there are: fewer than target has only where the entry ends. Reads and

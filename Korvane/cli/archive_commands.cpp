@@ -4,6 +4,7 @@
 
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/path_pattern.h"
+#include "Korvane/cli/output_files.h"
 #include "Korvane/jobs/extract_job.h"
 
 #include <memory>
@@ -79,11 +80,12 @@ void runList(cli_context& context, const std::string& pattern)
         return context.fail(why);
     const path_tree& tree = *game->archives();
     const hidden_archives hidden = context.is_json ? hiddenCopies(tree) : hidden_archives();
+    const internal_pattern wanted(pattern);
     std::string text = context.is_json ? "[" : "";
     bool is_first = true;
     for (const pack_file_node* file : tree.files())
     {
-        if (!matchesPattern(file->internalPath(), pattern))
+        if (!wanted.matches(file->internalPath()))
             continue;
         if (!context.is_json)
             text += terminalText(file->internalPath()) + "\n";
@@ -105,31 +107,49 @@ struct extract_options
     extract_job_options job;
 };
 
+void printExtracted(cli_context& context, const std::vector<extracted_file>& files, std::size_t written)
+{
+    json list = json::array();
+    for (const extracted_file& file : files)
+        list.push_back({{"internal_path", displayText(file.internal_path)},
+                        {"archive", file.archive.empty() ? json() : json(displayText(file.archive))},
+                        {"path", file.path.empty() ? json() : json(displayText(file.path))},
+                        {"outcome", file.why ? "failed" : outcomeName(file.outcome)},
+                        {"reason", file.why ? json(displayText(describe(file.why))) : json()}});
+    context.printJson({{"count", written}, {"files", std::move(list)}});
+}
+
 void extractOne(cli_context& context, const extract_options& options)
 {
-    const game_path path(options.path);
-    failure why;
-    if (!extractFile(context.game(), game_path::ofInternal(path.internalPath()), options.job.folder, why))
-        context.fail(why);
+    extracted_file file{};
+    const bool is_done = extractFile(context.game(), game_path::ofInternal(game_path(options.path).internalPath()),
+                                     options.job.folder, file, file.why);
+    if (context.is_json)
+        printExtracted(context, {file}, is_done ? 1 : 0);
+    if (!is_done)
+        context.fail(file.why);
 }
 
 void extractAll(cli_context& context, const extract_job_options& options)
 {
-    work_port work;
-    work.log = [&context](const std::string& line) { context.note(line); };
-    work.progress = [&context](const work_progress& step) { context.progress(step.what); };
     extract_job_result result;
     failure why;
-    if (!extractMatching(context.game(), options, work, result, why))
+    if (!extractMatching(context.game(), options, context.workPort(), result, why))
         return context.fail(why);
-    if (!result.failed.empty())
-        return context.fail({failure_kind::refused,
-                             std::to_string(result.failed.size()) + " of " + std::to_string(result.matches) +
-                                 " files could not be extracted",
-                             options.folder, 0, ""});
     if (result.matches == 0)
         return context.fail({failure_kind::not_found, "no file matches", options.pattern, 0, ""});
-    context.print(filesExtracted(result.written) + "\n");
+    for (const extracted_file& file : result.files)
+        if (!file.why && file.outcome == output_outcome::kept)
+            context.note(terminalText(describe(keptFailure(file.path))));
+    if (context.is_json)
+        printExtracted(context, result.files, result.written);
+    else
+        context.print(filesExtracted(result.written) + keptText(result.kept) + "\n");
+    if (result.failed > 0)
+        context.fail(
+            {failure_kind::refused,
+             std::to_string(result.failed) + " of " + std::to_string(result.matches) + " files could not be extracted",
+             options.folder, 0, ""});
 }
 
 } // namespace
@@ -155,6 +175,8 @@ void addArchiveCommands(CLI::App& app, cli_context& context)
     extract->add_option("-o", options->job.folder, "The file to write, or with --match the folder")
         ->required()
         ->check(notEmpty());
+    addOverwriteOption(*extract, options->job.overwrites);
+    context.addJsonOption(*extract);
     extract->callback([&context, options] {
         if (!options->job.pattern.empty())
             return extractAll(context, options->job);

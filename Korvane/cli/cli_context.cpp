@@ -44,6 +44,15 @@ log_port cli_context::notePort()
     return [this](const std::string& line) { note(terminalText(line)); };
 }
 
+work_port cli_context::workPort()
+{
+    work_port work;
+    work.log = notePort();
+    work.failed = [this](const failure& why) { nameFailure(why); };
+    work.progress = [this](const work_progress& step) { progress(terminalText(step.what)); };
+    return work;
+}
+
 void cli_context::progress(const std::string& text)
 {
     if (!is_quiet && console::isTerminal(stderr))

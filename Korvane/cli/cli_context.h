@@ -5,6 +5,7 @@
 // callback does the work and, when something fails, says so with context.fail().
 
 #include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/work_port.h"
 #include "Korvane/cli/progress_line.h"
 #include "Korvane/game/game_source.h"
 
@@ -46,6 +47,8 @@ public:
     void note(const std::string& text);
     // The same for a job's log.
     log_port notePort();
+    // All that a job tells: notes, what failed, and its progress as the text of each step.
+    work_port workPort();
     // Progress of long work, in place on one line; only when standard error is a terminal, --quiet is not given, and
     // the program has been running for more than a second. Whatever is printed next takes the line's place.
     void progress(const std::string& text);

@@ -60,19 +60,11 @@ private:
     std::vector<std::string> m_warnings;
 };
 
-work_port workPort(cli_context& context)
-{
-    work_port work;
-    work.log = context.notePort();
-    work.progress = [&context](const work_progress& step) { context.progress(terminalText(step.what)); };
-    return work;
-}
-
 void exportModel(cli_context& context, const export_job_options& options)
 {
     export_job_result result;
     failure why;
-    if (!runExport(context.game(), options, workPort(context), result, why))
+    if (!runExport(context.game(), options, context.workPort(), result, why))
         return context.fail(why);
     export_report report;
     report.add(options.model, result);
@@ -100,7 +92,7 @@ void exportModels(cli_context& context, const export_job_options& options, const
         if (folder.locate(model.below, its.output, why))
         {
             its.output.resize(its.output.size() - fileName(its.output).size());
-            if (runExport(context.game(), its, workPort(context), result, why))
+            if (runExport(context.game(), its, context.workPort(), result, why))
             {
                 report.add(model.path, result);
                 continue;

@@ -27,6 +27,26 @@ bool attempt(const model_work& work, const std::string& model, const std::string
 
 } // namespace
 
+void addOverwriteOption(CLI::App& command, bool& overwrites)
+{
+    command.add_flag("--overwrite", overwrites,
+                     "Write over files in the folder that differ; without it they are named and left as they are");
+}
+
+const char* outcomeName(output_outcome outcome)
+{
+    switch (outcome)
+    {
+    case output_outcome::unchanged:
+        return "unchanged";
+    case output_outcome::kept:
+        return "kept";
+    case output_outcome::written:
+        break;
+    }
+    return "written";
+}
+
 bool listOperands(cli_context& context, const std::vector<std::string>& operands, operand_list& list)
 {
     failure why;

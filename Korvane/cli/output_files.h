@@ -4,6 +4,7 @@
 
 #include "Korvane/cli/cli_context.h"
 #include "Korvane/jobs/operand_list.h"
+#include "Korvane/jobs/output_paths.h"
 
 #include <functional>
 #include <string>
@@ -14,6 +15,10 @@ namespace korvane
 
 constexpr const char* model_operands_help =
     "Models, folders, or patterns with * and ?; on disk, or pack: and an internal path or pattern";
+
+// --overwrite of the commands that write below a folder (output_paths.h).
+void addOverwriteOption(CLI::App& command, bool& overwrites);
+[[nodiscard]] const char* outcomeName(output_outcome outcome); // in JSON
 
 // Fills the list with the operands of a command (operand_list.h). False when that failed, which is said then.
 [[nodiscard]] bool listOperands(cli_context& context, const std::vector<std::string>& operands, operand_list& list);

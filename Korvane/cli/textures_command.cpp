@@ -29,8 +29,14 @@ void report(cli_context& context, const textures_job_result& result)
     if (result.failures.size() > 1) // a single one is what the program ends with
         for (const failure& why : result.failures)
             context.nameFailure(why);
+    for (const extracted_texture& file : result.textures.kept)
+        context.note(terminalText(describe(keptFailure(file.path))));
     if (!context.is_json)
-        return context.print(extractedText(result.textures.files.size()) + "\n");
+    {
+        std::string text = extractedText(result.textures.files.size());
+        text.insert(text.size() - 1, keptText(result.textures.kept.size())); // before the full stop
+        return context.print(text + "\n");
+    }
     const auto texts = [](const std::vector<std::string>& paths) {
         json list = json::array();
         for (const std::string& path : paths)
@@ -43,12 +49,17 @@ void report(cli_context& context, const textures_job_result& result)
                          {"archive", file.archive.empty() ? json() : json(displayText(file.archive))},
                          {"source", file.source.empty() ? json() : json(displayText(file.source))},
                          {"path", displayText(file.path)},
-                         {"normal_map", file.is_normal_map}});
+                         {"normal_map", file.is_normal_map},
+                         {"outcome", outcomeName(file.outcome)}});
+    json kept = json::array();
+    for (const extracted_texture& file : result.textures.kept)
+        kept.push_back(displayText(file.path));
     json failed = json::array();
     for (const failure& why : result.failures)
         failed.push_back({{"path", displayText(why.path)}, {"reason", displayText(describe(why))}});
     context.printJson({{"count", result.textures.files.size()},
                        {"files", std::move(files)},
+                       {"kept", std::move(kept)},
                        {"missing", texts(result.textures.missing)},
                        {"empty", texts(result.textures.empty)},
                        {"failed", std::move(failed)}});
@@ -56,12 +67,9 @@ void report(cli_context& context, const textures_job_result& result)
 
 void runTextures(cli_context& context, const textures_job_options& options)
 {
-    work_port work;
-    work.log = context.notePort();
-    work.progress = [&context](const work_progress& step) { context.progress(step.what); };
     textures_job_result result;
     failure why;
-    if (!extractModelTextures(context.game(), options, work, result, why))
+    if (!extractModelTextures(context.game(), options, context.workPort(), result, why))
         return context.fail(why);
     report(context, result);
     if (result.failures.size() == 1)
@@ -96,6 +104,7 @@ void addTexturesCommand(CLI::App& app, cli_context& context)
     command->add_option("--normal", options->normals, "blue: turn the games' normal maps into ordinary ones")
         ->type_name("FORM")
         ->check(CLI::IsMember({"blue"}));
+    addOverwriteOption(*command, options->job.extraction.overwrites);
     context.addJsonOption(*command);
     command->callback([&context, options] {
         if (!options->form.empty())

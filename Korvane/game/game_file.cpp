@@ -1,9 +1,11 @@
 #include "Korvane/game/game_file.h"
 
 #include "EASY_GUI/services/positioned_file.h"
+#include "Korvane/archives/entry_stream.h"
 #include "Korvane/archives/pack_entry.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace korvane
 {
@@ -23,6 +25,47 @@ bool game_file::read(memory_file& bytes, failure& why, std::uint64_t limit) cons
                         " that are allowed",
                     m_disk_path);
     return bytes.read(m_disk_path, why);
+}
+
+namespace
+{
+
+// A file on the disk.
+class disk_stream
+{
+public:
+    explicit disk_stream(std::string path) : m_path(std::move(path)) {}
+
+    bool next(std::span<const std::byte>& piece, failure& why)
+    {
+        constexpr std::uint64_t step = 1 << 20;
+        if (!m_file.isOpen() && !m_file.open(m_path, why))
+            return false;
+        m_piece.resize(static_cast<std::size_t>(std::min(step, m_file.size() - m_position)));
+        if (!m_file.readAt(m_position, m_piece))
+            return fail(why, failure_kind::unreadable, "the file cannot be read", m_path);
+        m_position += m_piece.size();
+        piece = m_piece;
+        return true;
+    }
+
+private:
+    std::string m_path;
+    positioned_file m_file;
+    std::uint64_t m_position = 0;
+    std::vector<std::byte> m_piece;
+};
+
+} // namespace
+
+byte_source game_file::pieces() const
+{
+    if (!m_po_entry)
+        return [stream = std::make_shared<disk_stream>(m_disk_path)](std::span<const std::byte>& piece, failure& why) {
+            return stream->next(piece, why);
+        };
+    return [entry = m_po_entry, stream = std::make_shared<entry_stream>(*m_po_entry)](
+               std::span<const std::byte>& piece, failure& why) { return stream->next(piece, why); };
 }
 
 bool game_file::readStart(std::span<std::byte> target, std::size_t& count, failure& why) const

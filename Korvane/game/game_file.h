@@ -3,6 +3,7 @@
 // Where a file was found: an entry of the archives, which stay open as long as somebody holds it, or a file on the
 // disk. A value that is copied cheaply and read from any thread, and again later.
 
+#include "EASY_GUI/services/byte_source.h"
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/memory_file.h"
 #include "Korvane/archives/path_tree.h"
@@ -35,6 +36,8 @@ public:
     // bytes than the limit is refused before memory is taken for it.
     [[nodiscard]] bool read(memory_file& bytes, failure& why,
                             std::uint64_t limit = std::numeric_limits<std::uint64_t>::max()) const;
+    // The same piece by piece, from the beginning; the source outlives this value.
+    [[nodiscard]] byte_source pieces() const;
     // Fills target with the file's first bytes, unpacked, and gives how many there are: fewer than target has only
     // where the file ends.
     [[nodiscard]] bool readStart(std::span<std::byte> target, std::size_t& count, failure& why) const;

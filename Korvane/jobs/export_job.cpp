@@ -288,7 +288,7 @@ bool export_run::run(failure& why)
             why = std::move(reason);
             return false;
         }
-        tell(m_work.log, displayText(describe(reason)));
+        m_work.nameFailure(reason);
         m_result.failed.push_back({files[i].animation, std::move(reason)});
     }
     tell(m_work.log, exportedLine(m_result.files.size()));

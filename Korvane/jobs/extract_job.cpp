@@ -3,7 +3,7 @@
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/extraction_folder.h"
-#include "Korvane/archives/pack_entry.h"
+#include "Korvane/archives/internal_path.h"
 #include "Korvane/archives/path_pattern.h"
 
 #include <utility>
@@ -14,20 +14,37 @@ namespace korvane
 namespace
 {
 
-bool extractEntry(const pack_file_node& file, extraction_folder& folder, failure& why)
+std::string archiveOf(const game_file& file)
 {
-    std::string path;
-    memory_file bytes;
-    return folder.place(file.internalPath(), path, why) && readEntry(file, bytes, why) &&
-           writeWholeFile(path, bytes.bytes(), why);
+    return file.entry() ? file.entry()->packPath() : std::string();
+}
+
+bool extractBelow(const game_data& game, const extract_job_options& options, extraction_folder& folder,
+                  extracted_file& file, failure& why)
+{
+    const game_file found = game.find(file.internal_path);
+    if (!found) // of a mod folder, and gone since
+        return fail(why, failure_kind::not_found, "the file is gone", file.internal_path);
+    file.archive = archiveOf(found);
+    return folder.place(file.internal_path, file.path, why) &&
+           writeOutput(
+               file.path, [&found] { return found.pieces(); }, options.overwrites, file.outcome, why);
 }
 
 } // namespace
 
-bool extractFile(game_source& source, const game_path& path, const std::string& output, failure& why)
+bool extractFile(game_source& source, const game_path& path, const std::string& output, extracted_file& file,
+                 failure& why)
 {
-    memory_file bytes;
-    return source.read(path, bytes, why) && writeWholeFile(output, bytes.bytes(), why);
+    const std::shared_ptr<const game_data> game = source.gameFor(path, why);
+    if (!game)
+        return false;
+    const game_file found = game->find(path.internalPath());
+    file.internal_path = found.entry() ? found.path() : normalInternalPath(path.internalPath());
+    file.path = output;
+    file.archive = archiveOf(found);
+    memory_file nothing;
+    return found ? writeWholeFile(output, found.pieces(), why) : game->read(path, nothing, why); // which says why not
 }
 
 bool extractMatching(game_source& source, const extract_job_options& options, const work_port& work,
@@ -38,21 +55,23 @@ bool extractMatching(game_source& source, const extract_job_options& options, co
     if (!game)
         return false;
     std::vector<const pack_file_node*> files = game->archives()->files();
-    std::erase_if(files, [&options](const pack_file_node* file) {
-        return !matchesPattern(file->internalPath(), options.pattern);
-    });
+    const internal_pattern pattern(options.pattern);
+    std::erase_if(files, [&pattern](const pack_file_node* file) { return !pattern.matches(file->internalPath()); });
     result.matches = files.size();
     extraction_folder folder(options.folder);
     for (std::size_t i = 0; i < files.size() && !work.isStopped(); ++i)
     {
-        failure reason;
-        if (extractEntry(*files[i], folder, reason))
-            ++result.written;
-        else
+        extracted_file file{std::string(files[i]->internalPath())};
+        if (!extractBelow(*game, options, folder, file, file.why))
         {
-            tell(work.log, displayText(describe(reason)));
-            result.failed.push_back(std::move(reason));
+            work.nameFailure(file.why);
+            ++result.failed;
         }
+        else if (file.outcome == output_outcome::kept)
+            ++result.kept;
+        else
+            ++result.written;
+        result.files.push_back(std::move(file));
         work.report(i + 1, files.size(), filesExtracted(result.written));
     }
     return true;

@@ -1,9 +1,10 @@
 #pragma once
 
-// Writes files out of the archives to the disk, as they are: one, or all whose path matches, below a folder.
+// Writes files out of the game to the disk, as they are: one, or all whose path matches, below a folder.
 
 #include "EASY_GUI/services/work_port.h"
 #include "Korvane/game/game_source.h"
+#include "Korvane/jobs/output_paths.h"
 
 #include <cstddef>
 #include <string>
@@ -12,21 +13,34 @@
 namespace korvane
 {
 
-// One file, to that path.
-[[nodiscard]] bool extractFile(game_source& source, const game_path& path, const std::string& output, failure& why);
-
 struct extract_job_options
 {
     std::string pattern; // over internal paths, with * and ?
     std::string folder;
+    bool overwrites = false; // files that differ are written over
+};
+
+struct extracted_file
+{
+    std::string internal_path;
+    std::string archive = {}; // its path on disk; empty for a file of a mod folder
+    std::string path = {};    // on disk; empty where it has no place there
+    output_outcome outcome = output_outcome::written;
+    failure why = {}; // set when it failed
 };
 
 struct extract_job_result
 {
+    std::vector<extracted_file> files; // that match, in the order of their paths; up to a stop
     std::size_t matches = 0;
-    std::size_t written = 0;
-    std::vector<failure> failed; // each is named in the log, too
+    std::size_t written = 0; // with those that are there already
+    std::size_t kept = 0;
+    std::size_t failed = 0; // each is named as it fails
 };
+
+// One file, to that path, over what is there. On failure, too, file says as much as is known.
+[[nodiscard]] bool extractFile(game_source& source, const game_path& path, const std::string& output,
+                               extracted_file& file, failure& why);
 
 // False, with the reason, when the archives cannot be loaded. A stop is heeded between files.
 [[nodiscard]] bool extractMatching(game_source& source, const extract_job_options& options, const work_port& work,

@@ -145,27 +145,27 @@ bool operand_list::add(const std::string& operand, const game_data& game, failur
 
 bool operand_list::addInternal(const std::string& operand, const game_data& game, failure& why)
 {
-    const game_path path(operand);
-    const std::string_view given = path.internalPath();
-    std::string pattern = normalInternalPath(given);
-    const path_node* const node = game.hasArchives() ? game.archives()->find(pattern) : nullptr;
+    std::string given(game_path(operand).internalPath());
+    const std::string normal = normalInternalPath(given);
+    const path_node* const node = game.archives() ? game.archives()->find(normal) : nullptr;
     const bool is_folder = node && !node->file();
     if (game.find(given) || (!hasWildcard(given) && !is_folder))
     {
-        addFile(operand, std::string(fileName(normalInternalPath(given))));
+        addFile(operand, std::string(fileName(normal)));
         m_is_one_file = m_operands == 1;
         return true;
     }
-    if (!game.hasArchives())
+    if (!game.archives())
         return fail(why, failure_kind::not_found, "no archives are loaded", operand);
     if (is_folder)
-        pattern += pattern.empty() ? "*" : "\\*";
-    const std::string fixed = fixedPart(pattern);
+        given = normal + (normal.empty() ? "*" : "\\*");
+    const internal_pattern pattern(given);
+    const std::string fixed = fixedPart(pattern.normal());
     match_count count;
     for (const pack_file_node* file : game.archives()->files())
     {
         const std::string_view its = file->internalPath();
-        if (!matchesPattern(its, pattern) && !matchesPattern(its, given)) // a stored path may be oddly spelled
+        if (!pattern.matches(its))
             continue;
         ++count.all;
         if (!isNameOfOne(its))

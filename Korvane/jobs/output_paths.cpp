@@ -1,39 +1,17 @@
 #include "Korvane/jobs/output_paths.h"
 
 #include "EASY_GUI/services/file_system.h"
+#include "EASY_GUI/services/positioned_file.h"
+#include "EASY_GUI/services/text.h"
 
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 #include <vector>
 
 namespace korvane
 {
-
-namespace
-{
-
-bool hasBytes(const std::string& path, std::span<const std::byte> bytes)
-{
-    constexpr std::size_t step = 1 << 16;
-    std::error_code error;
-    if (std::filesystem::file_size(toPath(path), error) != bytes.size() || error)
-        return false;
-    std::ifstream file(toPath(path), std::ios::binary);
-    std::vector<char> piece(std::min(step, bytes.size()));
-    for (; !bytes.empty(); bytes = bytes.subspan(std::min(step, bytes.size())))
-    {
-        const std::size_t count = std::min(step, bytes.size());
-        if (!file.read(piece.data(), static_cast<std::streamsize>(count)) ||
-            std::memcmp(piece.data(), bytes.data(), count) != 0)
-            return false;
-    }
-    return true;
-}
-
-} // namespace
 
 bool isFolder(const std::string& path)
 {
@@ -48,6 +26,76 @@ bool createFolder(const std::string& path, failure& why)
     return !error || fail(why, failure_kind::unwritable, "the folder cannot be created: " + error.message(), path);
 }
 
+namespace
+{
+
+// Reads both side by side, up to the first difference. A file that cannot be read differs.
+bool holdsSame(const std::string& path, const byte_source& bytes, bool& is_same, failure& why)
+{
+    positioned_file file;
+    failure ignored;
+    is_same = file.open(path, ignored);
+    std::uint64_t position = 0;
+    std::vector<std::byte> there;
+    while (is_same)
+    {
+        std::span<const std::byte> piece;
+        if (!bytes(piece, why))
+            return false;
+        if (piece.empty())
+            break;
+        constexpr std::size_t step = std::size_t{1} << 20;
+        for (std::size_t done = 0; is_same && done < piece.size(); done += there.size())
+        {
+            there.resize(std::min(step, piece.size() - done));
+            is_same = file.readAt(position, there) && std::memcmp(there.data(), piece.data() + done, there.size()) == 0;
+            position += there.size();
+        }
+    }
+    is_same = is_same && position == file.size();
+    return true;
+}
+
+} // namespace
+
+bool writeOutput(const std::string& path, const std::function<byte_source()>& bytes, bool overwrites,
+                 output_outcome& outcome, failure& why)
+{
+    std::error_code ignored;
+    bool is_same = false;
+    const bool is_there = std::filesystem::is_regular_file(toPath(path), ignored);
+    if (is_there && !holdsSame(path, bytes(), is_same, why))
+        return false;
+    outcome = is_same                   ? output_outcome::unchanged
+              : is_there && !overwrites ? output_outcome::kept
+                                        : output_outcome::written;
+    return outcome != output_outcome::written || writeWholeFile(path, bytes(), why);
+}
+
+bool writeOutput(const std::string& path, std::span<const std::byte> bytes, bool overwrites, output_outcome& outcome,
+                 failure& why)
+{
+    return writeOutput(
+        path, [bytes] { return sourceOf(bytes); }, overwrites, outcome, why);
+}
+
+bool writeOutput(const std::string& path, std::span<const std::byte> bytes, bool overwrites, bool& is_kept,
+                 failure& why)
+{
+    output_outcome outcome{};
+    const bool is_done = writeOutput(path, bytes, overwrites, outcome, why);
+    is_kept = outcome == output_outcome::kept;
+    return is_done;
+}
+
+std::string keptText(std::size_t count)
+{
+    return count == 0 ? std::string()
+                      : "; " + counted(count, "file that differs was", "files that differ were") + " left as " +
+                            (count == 1 ? "it is" : "they are") + " (--overwrite writes over " +
+                            (count == 1 ? "it" : "them") + ")";
+}
+
 bool isFreeToWrite(const std::vector<std::string>& inputs, const std::string& output, failure& why)
 {
     for (const std::string& input : inputs)
@@ -57,16 +105,6 @@ bool isFreeToWrite(const std::vector<std::string>& inputs, const std::string& ou
             return fail(why, failure_kind::refused, "this would replace the file that is read", output);
     }
     return true;
-}
-
-bool writeOutput(const std::string& path, std::span<const std::byte> bytes, bool overwrites, bool& is_kept,
-                 failure& why)
-{
-    std::error_code ignored;
-    const bool is_there = std::filesystem::exists(toPath(path), ignored);
-    const bool is_same = is_there && hasBytes(path, bytes);
-    is_kept = is_there && !is_same && !overwrites;
-    return is_same || is_kept || writeWholeFile(path, bytes, why);
 }
 
 failure keptFailure(const std::string& path)

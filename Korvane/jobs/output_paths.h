@@ -2,9 +2,11 @@
 
 // Where a job writes: a file, or files in a folder.
 
+#include "EASY_GUI/services/byte_source.h"
 #include "EASY_GUI/services/failure.h"
 
 #include <cstddef>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -16,14 +18,27 @@ namespace korvane
 [[nodiscard]] bool isFolder(const std::string& path);
 [[nodiscard]] bool createFolder(const std::string& path, failure& why); // with those above it
 
-// False, with the reason, when the output would replace a file that it is made of.
-[[nodiscard]] bool isFreeToWrite(const std::vector<std::string>& inputs, const std::string& output, failure& why);
-
-// Writes the file as a whole, unless it stands there with other bytes and may not be written over: then it is left, and
-// is_kept says so. One with the same bytes is not touched.
+// What became of a file below an output folder, where painted work may lie under the name that a picture had.
+enum class output_outcome
+{
+    written,
+    unchanged, // the very bytes are there already
+    kept       // other bytes are there: the file is left as it is
+};
+// Writes the file as a whole, unless it stands there with other bytes and may not be written over. One with the same
+// bytes is not touched. The source is made anew for each time that the bytes are read.
+[[nodiscard]] bool writeOutput(const std::string& path, const std::function<byte_source()>& bytes, bool overwrites,
+                               output_outcome& outcome, failure& why);
+[[nodiscard]] bool writeOutput(const std::string& path, std::span<const std::byte> bytes, bool overwrites,
+                               output_outcome& outcome, failure& why);
 [[nodiscard]] bool writeOutput(const std::string& path, std::span<const std::byte> bytes, bool overwrites,
                                bool& is_kept, failure& why);
-// What is to be said of such a file.
+// What is to be said of a file that was kept.
 [[nodiscard]] failure keptFailure(const std::string& path);
+// "; 2 files that differ were left as they are (--overwrite writes over them)", for the end; empty for none.
+[[nodiscard]] std::string keptText(std::size_t count);
+
+// False, with the reason, when the output would replace a file that it is made of.
+[[nodiscard]] bool isFreeToWrite(const std::vector<std::string>& inputs, const std::string& output, failure& why);
 
 } // namespace korvane

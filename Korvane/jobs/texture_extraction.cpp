@@ -25,11 +25,12 @@ struct extraction_job
     extracted_texture texture;
     std::optional<picture_kind> form;
     bool makes_blue = false;
+    bool overwrites = false;
     bool is_done = false;
     failure why;
 };
 
-bool writePicture(const extraction_job& job, std::span<const std::byte> bytes, failure& why)
+bool encode(const extraction_job& job, std::span<const std::byte> bytes, picture_bytes& file, failure& why)
 {
     dds_image image;
     picture target;
@@ -41,15 +42,23 @@ bool writePicture(const extraction_job& job, std::span<const std::byte> bytes, f
     }
     if (job.makes_blue)
         toBlue(target.pixels());
-    return writePictureFile(job.texture.path, *job.form, target, why);
+    if (encodePicture(target, *job.form, file, why))
+        return true;
+    if (why.path.empty())
+        why.path = job.texture.path;
+    return false;
 }
 
-bool extract(const extraction_job& job, failure& why)
+bool extract(extraction_job& job, failure& why)
 {
+    extracted_texture& to = job.texture;
+    if (!job.form)
+        return writeOutput(
+            to.path, [&job] { return job.source.pieces(); }, job.overwrites, to.outcome, why);
     memory_file bytes;
-    if (!job.source.read(bytes, why))
-        return false;
-    return job.form ? writePicture(job, bytes.bytes(), why) : writeWholeFile(job.texture.path, bytes.bytes(), why);
+    picture_bytes file;
+    return job.source.read(bytes, why) && encode(job, bytes.bytes(), file, why) &&
+           writeOutput(to.path, file.bytes(), job.overwrites, to.outcome, why);
 }
 
 void work(extraction_job& job)
@@ -123,6 +132,7 @@ void extraction_run::plan(const wanted_texture& wanted)
         job.texture.source = job.source.diskPath();
     }
     job.texture.is_normal_map = wanted.is_normal_map;
+    job.overwrites = m_options.overwrites;
     job.makes_blue = m_options.makes_normals_blue && wanted.is_normal_map;
     job.form = job.makes_blue && !m_options.form ? picture_kind::targa : m_options.form;
     std::string name = wanted.path;
@@ -171,7 +181,9 @@ texture_extraction_result extraction_run::run(const std::vector<wanted_texture>&
         plan(texture);
     workOffAll();
     for (extraction_job& job : m_jobs)
-        if (job.is_done)
+        if (job.is_done && job.texture.outcome == output_outcome::kept)
+            m_result.kept.push_back(std::move(job.texture));
+        else if (job.is_done)
             m_result.files.push_back(std::move(job.texture));
         else if (job.why)
             m_result.failures.push_back(std::move(job.why));

@@ -7,6 +7,7 @@
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/work_port.h"
 #include "Korvane/game/game_data.h"
+#include "Korvane/jobs/output_paths.h"
 #include "Korvane/textures/picture_file.h"
 #include "Korvane/textures/texture_paths.h"
 
@@ -23,6 +24,7 @@ struct texture_extraction_options
     std::string folder = {};
     bool is_flat = false; // all in the folder itself; a second file of a name becomes "name_2.dds"
     std::optional<picture_kind> form = std::nullopt; // nothing: the DDS files as they are
+    bool overwrites = false;                         // files that differ are written over
     bool makes_normals_blue = false;                 // the normal maps, as pictures: Targa where form says nothing
 };
 
@@ -33,11 +35,13 @@ struct extracted_texture
     std::string source;  // on disk, where it came from there
     std::string path;    // on disk
     bool is_normal_map = false;
+    output_outcome outcome = output_outcome::written;
 };
 
 struct texture_extraction_result
 {
-    std::vector<extracted_texture> files; // what was written
+    std::vector<extracted_texture> files; // what was written, or is there already
+    std::vector<extracted_texture> kept;  // what was not, because another file is there
     std::vector<std::string> missing;     // in no archive and not around its models
     std::vector<std::string> empty;       // there, without a byte
     std::vector<failure> failures;        // the texture's internal path is in why.path, or in what

@@ -1,3 +1,4 @@
+#include "Korvane/archives/entry_stream.h"
 #include "Korvane/archives/pack_entry.h"
 #include "Korvane/archives/pack_file.h"
 #include "tests/support/pack_builder.h"
@@ -152,6 +153,55 @@ TEST(pack_entry, damagedDataIsAnErrorOrTheRightNumberOfBytes)
             const bool is_good = unpack(patched, unpacked, why);
             EXPECT_TRUE(is_good ? unpacked.size() == text.size() : !why.what.empty());
         }
+    }
+}
+
+TEST(entry_stream, givesWhatTheWholeReadGivesAndFailsWhereItFails)
+{
+    std::string text; // several pieces, partly noise
+    for (std::uint64_t random = 1; text.size() < 2300000; random = random * 6364136223846793005u + 1442695040888963407u)
+        text += std::string(random >> 61, static_cast<char>(random >> 50));
+    test::test_pack pack;
+    pack.magic = "PFH5";
+    const auto add = [&pack](const std::string& data, unsigned compression) {
+        pack.entries.push_back({std::to_string(pack.entries.size()), data, compression});
+    };
+    add(text, 0);
+    add("", 0);
+    for (const auto& compress : {zstd, lz4, lzma1})
+    {
+        const std::string packed = compress(text);
+        for (const std::size_t length : {text.size(), text.size() - 1, text.size() + 1, text.size() - 1500000})
+            add(withLength(length, packed), 1);
+        for (const std::size_t size : {packed.size() - 1, packed.size() / 2, std::size_t{7}})
+            add(withLength(text.size(), packed.substr(0, size)), 1);
+        add(withLength(0, compress("")), 1);
+    }
+    add("abc", 1);
+    const test::temporary_folder folder;
+    test::writeBytes(folder.file("x.pack"), pack.bytes());
+    path_tree tree;
+    pack_file archive(tree);
+    failure why;
+    ASSERT_TRUE(archive.open(folder.file("x.pack"), why)) << describe(why);
+    archive.enter();
+    for (const pack_file_node& entry : tree.entries().front())
+    {
+        memory_file whole;
+        failure expected, actual;
+        const bool is_good = readEntry(entry, whole, expected);
+        entry_stream stream(entry);
+        std::string all;
+        std::span<const std::byte> piece;
+        bool goes_on = true;
+        while (goes_on && stream.next(piece, actual))
+        {
+            all.append(reinterpret_cast<const char*>(piece.data()), piece.size());
+            goes_on = !piece.empty();
+        }
+        EXPECT_EQ(!goes_on, is_good) << entry.internalPath() << describe(expected) << describe(actual);
+        EXPECT_EQ(describe(actual), describe(expected));
+        EXPECT_TRUE(!is_good || all == whole.text()) << entry.internalPath();
     }
 }
 

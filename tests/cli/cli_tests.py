@@ -340,7 +340,7 @@ class archives(cli_case):
         with open(self.path("B.pack"), "rb") as file:
             file.seek(shared["offset"])
             self.assertEqual(file.read(shared["size"]), b"from B")
-        out = korvane("list", "*/FILE.*", *self.data, check=0)[1]
+        out = korvane("list", "/*/FILE.*", *self.data, check=0)[1]
         self.assertEqual(out, b"shared\\file.txt\n")
 
     def test_extracting_gives_the_winning_and_unpacked_bytes(self):
@@ -354,11 +354,32 @@ class archives(cli_case):
 
     def test_extraction_stays_below_its_folder(self):
         target = self.path("deep/er")
-        self.expect_failure(["extract", "--match", "*", "-o", target] + self.data, 1, "2 of 6")
+        code, out, err = korvane("extract", "--match", "*", "-o", target, *self.data)
+        self.assertEqual((code, out), (1, b"4 files extracted\n"))
+        for text in (b"escape.txt: refused", b"con.txt: refused", b"2 of 6"):  # also with --quiet
+            self.assertIn(text, err)
         found = sorted(os.path.relpath(os.path.join(where, name), self.folder)
                        for where, _, names in os.walk(self.folder) for name in names if name.endswith(".txt"))
         self.assertEqual([f.replace(os.sep, "/") for f in found][:1], ["deep/er/only/a.txt"])
         self.assertFalse(any("escape" in f or "con.txt" in f for f in found))
+
+    def test_what_differs_is_written_over_only_when_told(self):
+        def extract(*options):
+            out, err = korvane("extract", "--match", "only*", "-o", self.path("x"), "--data", self.folder, *options,
+                               check=0)[1:]
+            return out.decode(), err.decode(), read(self.path("x/only/a.txt"))
+        self.assertEqual(extract()[2], b"1")
+        self.assertEqual(extract()[::2], ("1 file extracted\n", b"1"))  # the same bytes
+        self.write("x/only/a.txt", b"painted")
+        out, err, content = extract()
+        self.assertIn("0 files extracted; 1 file that differs was left as it is (--overwrite", out)
+        self.assertIn("a.txt", err)
+        self.assertEqual(content, b"painted")
+        self.assertEqual(json.loads(extract("--json")[0])["files"][0]["outcome"], "kept")
+        self.assertEqual(extract("--overwrite")[2], b"1")
+        self.write("x/only/a.txt", b"painted")
+        korvane("extract", "only/a.txt", "-o", self.path("x/only/a.txt"), *self.data, check=0)  # named itself
+        self.assertEqual(read(self.path("x/only/a.txt")), b"1")
 
     def test_models_open_out_of_archives(self):
         model = small_model(4, 32, 3, bytes(32 * 3), b"group")
@@ -417,7 +438,11 @@ class archives(cli_case):
         code, out, err = korvane("list", "o*", *both, check=0)
         self.assertEqual(out, b"one/two\none\\two\nonly\\a.txt\n")
         self.assertIn(b"its data is not inside the archive: cut", err)
-        self.expect_failure(["extract", "--match", "one?two", "-o", self.path("out"), "--quiet"] + both, 1, "1 of 2")
+        code, out, err = korvane("extract", "--match", "one?two", "-o", self.path("out"), "--quiet", "--json", *both)
+        outcomes = [(row["internal_path"], row["outcome"], row["reason"]) for row in json.loads(out)["files"]]
+        self.assertEqual((code, [row[:2] for row in outcomes]), (1, [("one/two", "written"), ("one\\two", "failed")]))
+        self.assertIn("the same path", outcomes[1][2])
+        self.assertIn(b"1 of 2", err)
         korvane("extract", "one/two", "-o", self.path("two"), *both, check=0)
         with open(self.path("two"), "rb") as file:
             self.assertEqual(file.read(), b"1")  # as list spells it

@@ -69,6 +69,12 @@ class textures(cli_tests.cli_case):
         for name in named:
             korvane("extract", name, "-o", self.path("one.dds"), "--data", demo, check=0)
             self.assertEqual(read(self.path("one.dds")), read(os.path.join(out, name)), name)
+        painted = self.write(os.path.join("tex", sorted(named)[0]), b"painted")
+        result = json.loads(korvane("textures", self.MODEL, "-o", out, "--data", demo, "--json", check=0)[1])
+        self.assertEqual([os.path.normpath(path) for path in result["kept"]], [painted])
+        self.assertEqual((result["count"], read(painted)), (len(named) - 1, b"painted"))
+        korvane("textures", self.MODEL, "-o", out, "--data", demo, "--overwrite", check=0)
+        self.assertNotEqual(read(painted), b"painted")
         missing = self.path("none.rigid_model_v2")
         status, text, err = korvane("textures", missing, "pack:" + models[0], "-o", self.path("png"), "--data", demo,
                                     "--flat", "--as", "png", "--json")
