@@ -51,8 +51,14 @@ void report(cli_context& context, const dds_job_result& result)
                          {"normal", !each.normals                        ? json()
                                     : *each.normals == normal_form::blue ? json("blue")
                                                                          : json("orange")}});
-    reportPictures(context, {{"files", std::move(files)}}, result.files.size(), "DDS file written", "DDS files written",
-                   result.left);
+    json unchanged = json::array();
+    for (const std::string& input : result.unchanged)
+        unchanged.push_back(displayText(input));
+    if (!result.unchanged.empty())
+        context.note(counted(result.unchanged.size(), "picture is", "pictures are") + " as the game has " +
+                     (result.unchanged.size() == 1 ? "it" : "them") + ", and left out");
+    reportPictures(context, {{"files", std::move(files)}, {"unchanged", std::move(unchanged)}}, result.files.size(),
+                   "DDS file written", "DDS files written", result.left);
 }
 
 void runDds(cli_context& context, const dds_options& options)
@@ -91,8 +97,10 @@ void addEncodingOptions(CLI::App& command, const std::shared_ptr<dds_options>& o
         ->type_name("N|all|none")
         ->check(isMipCount);
     command
-        .add_option("--like", options->job.like,
-                    "Take what is not given from this DDS file; on disk, or pack: and an internal path")
+        .add_option(
+            "--like", options->job.like,
+            "Take what is not given from this DDS file; on disk, or pack: and an internal path; pack: alone: for "
+            "each picture the game's texture of its path")
         ->type_name("DDS")
         ->check(notEmpty());
     command.add_option("--normal", options->normals, "Convert normal maps: orange, the games' form, or blue")

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
+#include <unordered_map>
 #include <utility>
 
 namespace korvane
@@ -35,51 +37,69 @@ const named_format* rowOf(dds_format format)
     return row == std::end(named_formats) ? nullptr : row;
 }
 
-// What all pictures of a run become.
+// What a picture becomes.
 struct dds_target
 {
     dds_format format = dds_format::bc7_srgb;
     std::uint32_t mip_count = 0;
 };
 
-bool readLike(game_source& source, const game_path& path, dds_image& image, failure& why)
+constexpr std::string_view like_the_game = "pack:";
+
+// The texture that a picture is made like.
+struct like_texture
+{
+    std::string path;
+    dds_image head;
+    picture pixels; // none where its format is not decoded
+    std::optional<normal_form> normals;
+};
+
+bool readLike(game_source& source, const game_path& path, like_texture& like, failure& why)
 {
     constexpr std::size_t head_bytes = 148;
     memory_file file;
     std::uint64_t size = 0;
+    like.path = path.text();
     const bool is_read =
         path.isInternal() ? source.read(path, file, why) : file.readStart(path.text(), head_bytes, size, why);
-    if (is_read && readDdsHead(file.bytes(), image, why))
-        return true;
-    if (why.path.empty())
-        why.path = path.text();
-    return false;
+    if (!is_read || !readDdsHead(file.bytes(), like.head, why))
+    {
+        if (why.path.empty())
+            why.path = path.text();
+        return false;
+    }
+    failure ignored; // then nothing is known of its pixels
+    if (readInputPicture(source, path.text(), like.pixels, ignored))
+        like.normals = surelyNormalForm(like.pixels.pixels());
+    return true;
 }
 
-bool chooseTarget(game_source& source, const dds_job_options& options, dds_target& target, failure& why)
+bool takeFormat(const like_texture& like, const dds_job_options& options, const named_format*& row, failure& why)
+{
+    if (like.head.array_size != 1)
+        return fail(why, failure_kind::unsupported, "cube maps and arrays of textures are not written", like.path);
+    if (options.format)
+        return true;
+    row = rowOf(like.head.format);
+    const char* const name = formatName(like.head.format);
+    return row || fail(why, failure_kind::unsupported,
+                       std::string(name ? name : "its pixel format") +
+                           " is not written; say with --format what to write instead",
+                       like.path);
+}
+
+bool chooseTarget(const dds_job_options& options, const like_texture* like, dds_target& target, failure& why)
 {
     const named_format* row = rowOf(options.format.value_or(dds_format::bc7));
     bool is_srgb = !options.normals;
-    if (!options.like.empty())
+    if (like)
     {
-        dds_image like;
-        if (!readLike(source, options.like, like, why))
+        if (!takeFormat(*like, options, row, why))
             return false;
-        if (like.array_size != 1)
-            return fail(why, failure_kind::unsupported, "cube maps and arrays of textures are not written",
-                        options.like);
-        if (!options.format)
-            row = rowOf(like.format);
-        if (!row)
-        {
-            const char* const name = formatName(like.format);
-            return fail(why, failure_kind::unsupported,
-                        std::string(name ? name : "its pixel format") + " is not written; say with --format what to "
-                                                                        "write instead",
-                        options.like);
-        }
-        is_srgb = isSrgb(like.format);
-        target.mip_count = like.mip_count == mostMipMaps(like.width, like.height) ? 0 : like.mip_count;
+        is_srgb = isSrgb(like->head.format);
+        const bool has_all = like->head.mip_count == mostMipMaps(like->head.width, like->head.height);
+        target.mip_count = has_all ? 0 : like->head.mip_count;
     }
     if (options.is_srgb.value_or(false) && row->srgb == dds_format::unknown)
         return fail(why, failure_kind::refused, std::string(row->name) + " has no sRGB form; leave --srgb out");
@@ -87,6 +107,37 @@ bool chooseTarget(game_source& source, const dds_job_options& options, dds_targe
     target.format = is_srgb ? row->srgb : row->plain;
     target.mip_count = options.mip_count.value_or(target.mip_count);
     return true;
+}
+
+// The same pixels, be they the game's normals in another form.
+bool isUnchanged(const picture& image, std::optional<normal_form> normals, const like_texture& like)
+{
+    if (image.width() != like.pixels.width() || image.height() != like.pixels.height())
+        return false;
+    const std::span<const rgba_pixel> pixels = image.pixels();
+    if (std::ranges::equal(pixels, like.pixels.pixels()))
+        return true;
+    if (normals != normal_form::blue || like.normals != normal_form::orange)
+        return false;
+    const std::span<const rgba_pixel> orange = like.pixels.pixels();
+    std::vector<rgba_pixel> blue(orange.begin(), orange.end());
+    toBlue(blue);
+    return std::ranges::equal(pixels, blue);
+}
+
+// Where the game has the texture of a picture: the longest end of its path that is one of the game's.
+std::string gamePathOf(const game_data& game, const std::string& input)
+{
+    std::string path = withEnding(std::string(game_path(input).internalPath()), ".dds");
+    std::replace(path.begin(), path.end(), '\\', '/');
+    for (std::size_t begin = 0; begin < path.size();)
+    {
+        if (game.find(std::string_view(path).substr(begin)))
+            return path.substr(begin);
+        const std::size_t slash = path.find('/', begin);
+        begin = slash == std::string::npos ? path.size() : slash + 1;
+    }
+    return {};
 }
 
 mip_content contentOf(std::optional<normal_form> form, bool is_srgb)
@@ -99,56 +150,96 @@ mip_content contentOf(std::optional<normal_form> form, bool is_srgb)
 class dds_run
 {
 public:
-    dds_run(game_source& source, const dds_job_options& options, const work_port& work, const dds_target& target)
+    dds_run(game_source& source, const dds_job_options& options, const work_port& work)
         : m_source(source)
         , m_options(options)
         , m_work(work)
-        , m_target(target)
+        , m_batch(options.batch)
     {
     }
+
+    // What all pictures have in common, or with "pack:" where each has its own.
+    bool prepare(failure& why)
+    {
+        if (m_options.like == like_the_game)
+            return findInGame(why);
+        if (m_options.like.empty())
+            return chooseTarget(m_options, nullptr, m_target, why);
+        m_like.emplace();
+        return readLike(m_source, m_options.like, *m_like, why) && chooseTarget(m_options, &*m_like, m_target, why);
+    }
+    const picture_batch& batch() const { return m_batch; }
 
     bool make(const std::string& input, const std::string& path, const write_picture& write, failure& why)
     {
         picture image;
-        if (!readInputPicture(m_source, input, image, why) || !convert(input, image, why))
-        {
-            if (why.path.empty())
-                why.path = input;
-            return false;
-        }
-        dds_encoding encoding{m_target.format, m_target.mip_count, mip_content::numbers, m_options.keeps_coverage,
-                              m_options.effort};
-        std::optional<normal_form> form = m_options.normals;
-        if (!form && !isSrgb(m_target.format))
-            form = surelyNormalForm(image.pixels());
-        encoding.content = contentOf(form, isSrgb(m_target.format));
-        const std::uint32_t most = mostMipMaps(image.width(), image.height());
-        m_made = {input,
-                  path,
-                  image.width(),
-                  image.height(),
-                  m_target.mip_count == 0 ? most : std::min(most, m_target.mip_count),
-                  m_target.format,
-                  form};
-        memory_file file;
-        if (encodeDds(image, encoding, file, why))
-            return write(file.bytes(), why);
-        if (why.path.empty())
+        m_made = {};
+        m_unchanged.clear();
+        const bool is_made =
+            takeOwnLike(input, why) && readInputPicture(m_source, input, image, why) &&
+            (isAsTheGameHasIt(input, image) || (convert(input, image, why) && encode(input, path, image, write, why)));
+        if (!is_made && why.path.empty())
             why.path = input;
-        return false;
+        return is_made;
     }
 
-    made_dds takeMade() { return std::move(m_made); }
+    void takeMade(dds_job_result& result)
+    {
+        if (m_unchanged.empty())
+            result.files.push_back(std::move(m_made));
+        else
+            result.unchanged.push_back(std::move(m_unchanged));
+    }
 
 private:
+    bool findInGame(failure& why)
+    {
+        const std::shared_ptr<const game_data> game = m_source.archives(why);
+        if (!game)
+            return false;
+        for (operand_file& input : m_batch.inputs)
+            if (const std::string found = gamePathOf(*game, input.path); !found.empty())
+                input.below = m_in_game[input.path] = found;
+        return true;
+    }
+
+    bool takeOwnLike(const std::string& input, failure& why)
+    {
+        if (m_options.like != like_the_game)
+            return true;
+        const auto found = m_in_game.find(input);
+        if (found == m_in_game.end())
+            return fail(why, failure_kind::not_found, "the game has no texture of this path, or of an end of it",
+                        input);
+        m_like.emplace();
+        return readLike(m_source, game_path::ofInternal(found->second), *m_like, why) &&
+               chooseTarget(m_options, &*m_like, m_target, why);
+    }
+
+    bool isAsTheGameHasIt(const std::string& input, const picture& image)
+    {
+        if (m_options.like != like_the_game || !isUnchanged(image, surelyNormalForm(image.pixels()), *m_like))
+            return false;
+        m_unchanged = input;
+        return true;
+    }
+
     bool convert(const std::string& input, picture& image, failure& why)
     {
-        if (!m_options.normals)
+        m_form = m_options.normals;
+        if (!m_form && m_like && m_like->normals == normal_form::orange &&
+            surelyNormalForm(image.pixels()) == normal_form::blue)
+        {
+            m_form = normal_form::orange;
+            toOrange(image.pixels());
+            return true;
+        }
+        if (!m_form)
             return true;
         bool is_there = false;
         failure reason;
-        if (m_options.is_forced || isConvertible(image.pixels(), *m_options.normals, is_there, reason))
-            convertNormals(image.pixels(), *m_options.normals);
+        if (m_options.is_forced || isConvertible(image.pixels(), *m_form, is_there, reason))
+            convertNormals(image.pixels(), *m_form);
         else if (is_there)
             tell(m_work.log, displayText(input) + ": " + reason.what + "; it stays as it is");
         else
@@ -156,11 +247,33 @@ private:
         return true;
     }
 
+    bool encode(const std::string& input, const std::string& path, const picture& image, const write_picture& write,
+                failure& why)
+    {
+        const bool is_srgb = isSrgb(m_target.format);
+        if (!m_form && !is_srgb)
+            m_form = surelyNormalForm(image.pixels());
+        const std::uint32_t most = mostMipMaps(image.width(), image.height());
+        const std::uint32_t mip_count = m_target.mip_count == 0 ? most : std::min(most, m_target.mip_count);
+        m_made = {input, path, image.width(), image.height(), mip_count, m_target.format, m_form};
+        memory_file file;
+        return encodeDds(image,
+                         {m_target.format, m_target.mip_count, contentOf(m_form, is_srgb), m_options.keeps_coverage,
+                          m_options.effort},
+                         file, why) &&
+               write(file.bytes(), why);
+    }
+
     game_source& m_source;
     const dds_job_options& m_options;
     const work_port& m_work;
+    picture_batch m_batch;
+    std::unordered_map<std::string, std::string> m_in_game; // of each input its texture, where there is one
+    std::optional<like_texture> m_like;
     dds_target m_target;
+    std::optional<normal_form> m_form; // of the picture that is made
     made_dds m_made;
+    std::string m_unchanged; // the input, when it is
 };
 
 std::string ddsName(const std::string& below)
@@ -199,14 +312,13 @@ bool makeDdsFiles(game_source& source, const dds_job_options& options, const wor
                   failure& why)
 {
     result = {};
-    dds_target target;
-    if (!chooseTarget(source, options, target, why))
+    dds_run run(source, options, work);
+    if (!run.prepare(why))
         return false;
-    dds_run run(source, options, work, target);
     const auto make = [&run](const std::string& input, const std::string& path, const write_picture& write,
                              failure& reason) { return run.make(input, path, write, reason); };
     return convertPictures(
-        options.batch, ddsName, make, [&] { result.files.push_back(run.takeMade()); }, work, result.left, why);
+        run.batch(), ddsName, make, [&] { run.takeMade(result); }, work, result.left, why);
 }
 
 } // namespace korvane

@@ -26,9 +26,12 @@ struct dds_job_options
     std::optional<dds_format> format = std::nullopt;       // one without sRGB; nothing: that of like, else BC7
     std::optional<bool> is_srgb = std::nullopt;            // nothing: as like is, else unless normals is given
     std::optional<std::uint32_t> mip_count = std::nullopt; // 0: all; nothing: that of like, else all
-    std::string like = {};                                 // a DDS file, on the disk or with "pack:" in the game
-    std::optional<normal_form> normals = std::nullopt;     // convert to this form
-    bool is_forced = false;                                // also what does not look like a normal map
+    // A DDS file, on the disk or with "pack:" in the game. "pack:" alone: for each picture the game's texture whose
+    // path is that of the picture, or its end; there it comes to lie below the output folder. What is as the game has
+    // it is left out.
+    std::string like = {};
+    std::optional<normal_form> normals = std::nullopt; // convert to this form; nothing: blue becomes that of like
+    bool is_forced = false;                            // also what does not look like a normal map
     bool keeps_coverage = false;
     encoding_effort effort = encoding_effort::usual;
 };
@@ -47,6 +50,7 @@ struct made_dds
 struct dds_job_result
 {
     std::vector<made_dds> files;
+    std::vector<std::string> unchanged; // inputs
     picture_batch_result left;
 };
 
