@@ -1,0 +1,82 @@
+#!/usr/bin/env python3
+"""Runs the commands of the pages as they are printed there; called as cli_tests.py is. They are written for Windows: there
+cmd runs each line, natively the shell does, with korvane for korvane-cli and / for \\."""
+
+import os
+import re
+import shutil
+import struct
+import subprocess
+import zlib
+
+import cli_tests
+
+root = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
+shield = "variantmeshes/wh_variantmodels/hu1/demo/tex/guard_shield_diffuse"
+
+
+def commands_of(page):
+    with open(os.path.join(root, page), encoding="utf-8") as file:
+        return re.findall(r"^    (korvane-cli .*)$", file.read(), re.MULTILINE)
+
+
+def striped_png(size):
+    rows = b"".join(b"\0" + (b"\xff\x20\x10" if y // 16 % 2 else b"\xff\xff\xff") * size for y in range(size))
+
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", size, size, 8, 2, 0, 0, 0)) +
+            chunk(b"IDAT", zlib.compress(rows, 1)) + chunk(b"IEND", b""))
+
+
+class pages(cli_tests.cli_case):
+    """In a folder with the program, as the pages say."""
+
+    def setUp(self):
+        super().setUp()
+        name = "korvane-cli.exe" if cli_tests.is_windows else "korvane"
+        shutil.copy(cli_tests.program[-1], self.path(name))
+
+    def run_line(self, line):
+        if cli_tests.is_windows:
+            self.write("line.bat", b"@" + line.encode("utf-8") + b"\r\n")
+            command = cli_tests.program[:1] + ["cmd", "/c", "line.bat"]
+        else:
+            line = "./" + line.replace("korvane-cli", "korvane", 1).replace("\\", "/")
+            command = ["sh", "-c", line]
+        done = subprocess.run(command, cwd=self.folder, stdin=subprocess.DEVNULL, capture_output=True, timeout=300)
+        self.assertEqual(done.returncode, 0, line + "\n" + done.stderr.decode(errors="replace"))
+        return done.stdout
+
+    def runs_here(self, line):
+        return cli_tests.is_windows or not ("C:\\" in line or " render " in line)
+
+    def test_the_commands_of_the_readme_do_what_they_say(self):
+        lines = [line for line in commands_of("README.md") if self.runs_here(line)]
+        self.assertGreater(len(lines), 15 if cli_tests.is_windows else 11)
+        for line in lines:
+            self.run_line(line)
+        if cli_tests.is_windows:
+            with open(self.path("config.cfg"), "rb") as file:
+                self.assertIn(b'"c:\\games\\total war\\data\\"', file.read())
+
+    def test_a_repaint_reaches_the_unit(self):
+        for line in commands_of("docs/repaint.md"):
+            if not self.runs_here(line):
+                continue
+            self.run_line(line)
+            if " textures " in line:
+                self.write(os.path.join("paint", shield + ".png"), striped_png(512))
+            if "--like pack:" in line:
+                written = [os.path.relpath(os.path.join(where, name), self.path("my_mod")).replace(os.sep, "/")
+                           for where, _, names in os.walk(self.path("my_mod")) for name in names]
+                self.assertEqual(written, [shield + ".dds"])
+        if cli_tests.is_windows:
+            pictures = [cli_tests.read(self.path(name)) for name in ("before.png", "after.png")]
+            self.assertNotEqual(*pictures)
+        shown = self.run_line('korvane-cli list "*guard_shield_diffuse.dds" --json --mod my_mod --data demo')
+        self.assertIn(b'"archive":"my_mod"', shown)
+
+
+if __name__ == "__main__":
+    cli_tests.main()
