@@ -68,6 +68,12 @@ void control::place(int x, int y, int width, int height)
     SetWindowPos(m_handle, nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+void control::setTabStop(bool is_wanted)
+{
+    const LONG_PTR style = GetWindowLongPtrW(m_handle, GWL_STYLE);
+    SetWindowLongPtrW(m_handle, GWL_STYLE, is_wanted ? style | WS_TABSTOP : style & ~LONG_PTR{WS_TABSTOP});
+}
+
 void control::setEnabled(bool is_enabled)
 {
     if (!is_enabled && GetFocus() == m_handle)

@@ -28,6 +28,7 @@ public:
     void setFont(const font& used);
     virtual void place(int x, int y, int width, int height);
     void setEnabled(bool is_enabled); // the focus goes on to the next control when it cannot stay
+    void setTabStop(bool is_wanted);  // whether Tab goes there
     bool isEnabled() const { return IsWindowEnabled(m_handle) != 0; }
 
 protected:

@@ -22,6 +22,12 @@ public:
         return createControl(L"EDIT", parent, id, {}, wanted == access::read_only ? style | ES_READONLY : style,
                              WS_EX_CLIENTEDGE);
     }
+    void showEnd() // of a text that is too long, and put the caret there
+    {
+        const int length = GetWindowTextLengthW(handle());
+        send(EM_SETSEL, static_cast<WPARAM>(length), length);
+        send(EM_SCROLLCARET);
+    }
 };
 
 } // namespace korvane

@@ -82,6 +82,15 @@ window* window::fromHandle(HWND handle)
     return found == windows.end() ? nullptr : found->second;
 }
 
+RECT window::workArea(HWND shown)
+{
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    if (GetMonitorInfoW(MonitorFromWindow(shown, MONITOR_DEFAULTTOPRIMARY), &monitor))
+        return monitor.rcWork;
+    return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+}
+
 // One window class for each combination of what a class decides: background, double clicks and icon.
 ATOM window::classFor(const window_settings& settings)
 {

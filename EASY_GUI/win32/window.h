@@ -81,6 +81,9 @@ public:
     unsigned dpi() const;
     int scaled(int pixels_at_96) const { return MulDiv(pixels_at_96, static_cast<int>(dpi()), 96); }
 
+    // Of the monitor that shows a window, without its task bar; null: of the first monitor. Screen pixels.
+    static RECT workArea(HWND shown);
+
     // The object that owns the handle; null for windows that are not of this class.
     static window* fromHandle(HWND handle);
     // True when the keys of a top-level window are looked up in this one's table of shortcuts (message_loop.h).

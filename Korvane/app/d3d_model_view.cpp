@@ -16,8 +16,12 @@ class d3d_model_view : public model_view
 public:
     explicit d3d_model_view(std::unique_ptr<d3d_window> window) : m_po_d3d_window(std::move(window)) {}
 
-    void setScene(scene_pointer scene) override { m_po_d3d_window->setScene(std::move(scene)); }
+    void setScene(scene_pointer scene, const std::string& notice) override
+    {
+        m_po_d3d_window->setScene(std::move(scene), notice);
+    }
     void show() override { m_po_d3d_window->show(); }
+    void showBeside() override { m_po_d3d_window->showBeside(); }
     bool isVisible() const override { return m_po_d3d_window->isVisible(); }
     HWND handle() const override { return m_po_d3d_window->handle(); }
 

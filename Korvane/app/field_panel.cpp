@@ -1,9 +1,9 @@
 #include "Korvane/app/field_panel.h"
 
-#include "EASY_GUI/win32/edit_box.h"
 #include "EASY_GUI/win32/label.h"
 #include "Korvane/app/command_ids.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace korvane
@@ -50,6 +50,7 @@ bool field_panel::onCreated()
 {
     m_controls.clear();
     m_by_id.clear();
+    m_paths.clear();
     if (!m_frame.create(handle(), control_frame, m_caption))
         return fail(m_failure, failure_kind::refused, "its frame (error " + std::to_string(GetLastError()) + ")");
     for (const std::vector<panel_field>& row : m_rows)
@@ -75,6 +76,11 @@ bool field_panel::createField(const panel_field& field)
         return made(std::make_unique<field_name>(), field.text);
     case panel_field::kind::text:
         return made(std::make_unique<edit_box>(), field.id, edit_box::access::read_only);
+    case panel_field::kind::path:
+        if (!made(std::make_unique<edit_box>(), field.id, edit_box::access::read_only))
+            return false;
+        m_paths[field.id] = static_cast<edit_box*>(m_by_id[field.id]);
+        return true;
     case panel_field::kind::list:
         return made(std::make_unique<combo_box>(), field.id);
     default:
@@ -85,6 +91,13 @@ bool field_panel::createField(const panel_field& field)
 control& field_panel::at(int id) const
 {
     return *m_by_id.at(id);
+}
+
+void field_panel::setText(int id, std::string_view text)
+{
+    at(id).setText(text);
+    if (const auto path = m_paths.find(id); path != m_paths.end())
+        path->second->showEnd();
 }
 
 void field_panel::setFont(const font& used)
@@ -99,6 +112,12 @@ int field_panel::rowHeight() const
 {
     const int text = m_po_font != nullptr ? m_po_font->height() : scaled(13);
     return text + scaled(4) + field_borders;
+}
+
+// A text stands at the upper edge of its field: only in a field that is just high enough it stands in the middle.
+int field_panel::textHeight() const
+{
+    return std::min(rowHeight(), m_po_font->height() + 2 + field_borders);
 }
 
 int field_panel::firstRow() const
@@ -135,6 +154,8 @@ void field_panel::onSize(int width, int height, size_change)
         first_control += row.size();
         y += rowHeight() + scaled(gap);
     }
+    for (const auto& [id, path] : m_paths)
+        path->showEnd();
     invalidate();
 }
 
@@ -152,7 +173,9 @@ void field_panel::placeRow(const std::vector<panel_field>& row, std::size_t firs
     {
         const bool is_share = row[i].width == panel_field::rest;
         const int width = !is_share ? widthOf(row[i]) : rest > 0 ? rest * row[i].share / shares : 0;
-        m_controls[first_control + i]->place(x, y, width, rowHeight());
+        const bool is_text = row[i].what == panel_field::kind::text || row[i].what == panel_field::kind::path;
+        const int height = is_text ? textHeight() : rowHeight();
+        m_controls[first_control + i]->place(x, y + (rowHeight() - height) / 2, width, height);
         x += width + scaled(gap);
     }
 }

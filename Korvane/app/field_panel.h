@@ -5,6 +5,7 @@
 
 #include "EASY_GUI/win32/button.h"
 #include "EASY_GUI/win32/combo_box.h"
+#include "EASY_GUI/win32/edit_box.h"
 #include "EASY_GUI/win32/font.h"
 #include "EASY_GUI/win32/handle_policies.h"
 #include "EASY_GUI/win32/window.h"
@@ -26,6 +27,7 @@ struct panel_field
     {
         name, // of the field behind it
         text, // read only
+        path, // the same, and its end is seen when it is too long
         list,
         button
     };
@@ -54,7 +56,8 @@ public:
     void place(int x, int y, int width, int height);
 
     // The fields of the table, by number.
-    void setText(int id, std::string_view text) { at(id).setText(text); }
+    void setText(int id, std::string_view text);
+    void setTabStop(int id, bool is_wanted) { at(id).setTabStop(is_wanted); }
     void setEnabled(int id, bool is_enabled) { at(id).setEnabled(is_enabled); }
     void setColour(int id, const std::optional<rgb_colour>& colour); // of the background; nothing: the system's
     combo_box& list(int id) const;
@@ -77,6 +80,7 @@ private:
     int rowHeight() const;
     int firstRow() const;
     int widthOf(const panel_field& field) const; // 0: a share of the rest
+    int textHeight() const;
     void placeRow(const std::vector<panel_field>& row, std::size_t first_control, int y);
 
     std::string m_caption;
@@ -87,6 +91,7 @@ private:
     group_frame m_frame;
     std::vector<std::unique_ptr<control>> m_controls; // in the order of the rows
     std::map<int, control*> m_by_id;
+    std::map<int, edit_box*> m_paths;
     std::map<HWND, field_colour> m_colours;
 };
 

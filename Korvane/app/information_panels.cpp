@@ -36,7 +36,7 @@ panel_field list(int id, int width = panel_field::rest)
 field_panel::field_rows fileRows()
 {
     return {{firstName("File &Path: "),
-             text(control_file_path),
+             {kind::path, control_file_path},
              {kind::button, control_open_folder, "Open Fol&der", short_width}},
             {firstName("Forma&t Version: "), text(control_file_version)},
             {firstName("Used &in: "), text(control_file_game)},
@@ -72,7 +72,7 @@ field_panel::field_rows textureRows()
     field_panel::field_rows rows;
     for (int i = 0; i < static_cast<int>(texture_row_count); ++i)
         rows.push_back({text(control_texture_type + i, 120),
-                        {kind::text, control_texture_directory + i, {}, panel_field::rest, 11},
+                        {kind::path, control_texture_directory + i, {}, panel_field::rest, 11},
                         {kind::text, control_texture_file + i, {}, panel_field::rest, 9}});
     return rows;
 }
@@ -153,6 +153,8 @@ void information_panels::showGroup(const group_data* group, model_selection sele
     for (int i = 0; i < static_cast<int>(rows.size()); ++i)
     {
         const texture_row_content& row = rows[static_cast<std::size_t>(i)];
+        for (const int first : {control_texture_type, control_texture_directory, control_texture_file})
+            m_textures.setTabStop(first + i, row.is_used);
         m_textures.setText(control_texture_type + i, row.type_name);
         m_textures.setText(control_texture_directory + i, row.directory);
         m_textures.setText(control_texture_file + i, row.file);

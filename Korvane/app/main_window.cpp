@@ -7,9 +7,9 @@
 #include "Korvane/document/command_table.h"
 #include "Korvane/document/kept_edits.h"
 #include "Korvane/document/recent_files.h"
+#include "Korvane/game/data_folders.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <shellapi.h>
 #include <utility>
 
@@ -24,30 +24,10 @@ constexpr int default_width = 620; // outer
 constexpr UINT_PTR look_timer = 1;
 constexpr UINT look_pause = 500; // milliseconds
 
-// Of the monitor that shows the window; null: the first one.
-RECT workArea(HWND window)
-{
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof monitor;
-    if (GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTOPRIMARY), &monitor))
-        return monitor.rcWork;
-    return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
-}
-
 shortcut acceleratorOf(const key_shortcut& keys, int command)
 {
     return {static_cast<BYTE>(FCONTROL | (keys.with_shift ? FSHIFT : 0)), static_cast<WORD>(keys.key),
             static_cast<WORD>(command)};
-}
-
-// "14:03:22": the same text about the same file is seen to be new.
-std::string timeOfDay()
-{
-    SYSTEMTIME now{};
-    GetLocalTime(&now);
-    char text[16];
-    std::snprintf(text, sizeof text, "%02u:%02u:%02u", now.wHour, now.wMinute, now.wSecond);
-    return text;
 }
 
 // While large files are read.
@@ -65,11 +45,12 @@ private:
 
 } // namespace
 
-main_window::main_window(main_window_ports ports, std::string command_line, std::string file)
+main_window::main_window(main_window_ports ports, std::string command_line, std::vector<std::string> files)
     : m_ports(std::move(ports))
     , m_command_line(std::move(command_line))
-    , m_file(std::move(file))
+    , m_files(std::move(files))
     , m_commands(m_document, m_ports.prompt)
+    , m_display(*this, m_document, m_ports.make_view, logPort())
     , m_panels([this](int control) { actOn(control); })
     , m_content(*this, m_panels.all(), m_status, m_show_view)
     , m_recent(nullptr)
@@ -104,6 +85,7 @@ bool main_window::onCreated()
         m_ports.set_prompt_owner(handle());
     if (!m_ports.log_name.empty())
         m_ports.log.open(m_ports.log_name);
+    m_config_stamp = stampOf(configPath());
     takeGame(game_loader(m_ports.config, m_ports.config_path).load({{}, {}, logPort()}));
     showFirstRunNotice();
 
@@ -122,17 +104,15 @@ bool main_window::onCreated()
     UpdateWindow(handle());
 
     log("main_window::onCreated(). command line " + m_command_line);
-    if (!m_file.empty())
-    {
-        log("main_window::onCreated(). command line processed: " + m_file);
-        openFile(m_file);
-        if (m_document.model().hasModel())
-            focusWhenActive(m_panels.lodList());
-    }
+    for (const std::string& file : m_files)
+        log("main_window::onCreated(). command line processed: " + file);
+    openFiles(m_files);
+    if (m_document.model().hasModel())
+        focusWhenActive(m_panels.lodList());
     if (offerKeptEdits(m_ports.keeper.folder(), m_document, m_ports.prompt, logPort()))
     {
         showDocument();
-        showView();
+        showView(scene_display::focus::stays);
     }
     SetTimer(handle(), look_timer, look_pause, nullptr); // goes with the window
     return true;
@@ -146,7 +126,7 @@ void main_window::onClose()
 
 void main_window::onDestroyed()
 {
-    m_po_view.reset(); // its render thread ends here
+    m_display.close();
     if (m_ports.set_prompt_owner)
         m_ports.set_prompt_owner(nullptr);
     PostQuitMessage(0);
@@ -161,8 +141,7 @@ void main_window::showFirstRunNotice()
                         "Folders'.\n\rIf folders are not set animation/skeleton export and animation playback is "
                         "disabled",
                         prompt_icon::error);
-    m_ports.config.add("FIRST_TIME", {"no"}, false);
-    saveConfig();
+    changeConfig([](config_file& config) { return config.add("FIRST_TIME", {"no"}, false); });
 }
 
 bool main_window::createPanels()
@@ -251,7 +230,7 @@ void main_window::onDpiChanged(unsigned)
 
 bool main_window::takesShortcutsOf(HWND top) const
 {
-    return window::takesShortcutsOf(top) || (m_po_view != nullptr && top == m_po_view->handle());
+    return window::takesShortcutsOf(top) || (view() != nullptr && top == view()->handle());
 }
 
 void main_window::onControlFocused(HWND control)
@@ -269,8 +248,10 @@ LRESULT main_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
         if (m_ports.keeper.keep(where, why) == edit_keeper::outcome::failed)
             log("main_window: the changes that were not saved could not be kept: " + describe(why));
     }
+    if (message == WM_ACTIVATEAPP && wparam != FALSE && m_recent.handle() != nullptr)
+        takeUpConfig();
     if ((message == WM_TIMER && wparam == look_timer) || (message == WM_ACTIVATEAPP && wparam != FALSE))
-        lookAtFiles();
+        followFiles();
     return window::handleMessage(message, wparam, lparam);
 }
 
@@ -279,7 +260,7 @@ bool main_window::onCommand(int id, int notification, HWND control)
     if (control != nullptr) // the panels handle their own
     {
         if (id == control_show_view && notification == BN_CLICKED)
-            showView();
+            showView(scene_display::focus::moves);
         return id == control_show_view;
     }
     if (id >= recent_file_first && id < recent_file_first + static_cast<int>(max_recent_files))
@@ -323,8 +304,7 @@ void main_window::actOn(int control)
 
 void main_window::onFilesDropped(const std::vector<std::string>& paths)
 {
-    if (!paths.empty())
-        openFile(paths.front());
+    openFiles(paths);
 }
 
 void main_window::chooseFile()
@@ -345,8 +325,27 @@ void main_window::openChosen(const std::vector<file_filter>& filters)
 
 void main_window::openRecent(std::size_t position)
 {
-    if (position < m_recent_files.size())
-        openFile(std::string(m_recent_files[position]));
+    if (position >= m_recent_files.size())
+        return;
+    const std::string path = m_recent_files[position];
+    if (isRecentFileThere(path, *m_document.game()))
+        openFile(path);
+    else if (m_ports.prompt.confirm("Recent Files",
+                                    "This file cannot be found any more:\r\n" + path + "\r\n\r\nTake it off the list?",
+                                    prompt_answer::yes))
+    {
+        changeConfig([&path](config_file& config) { return removeRecentFile(config, path); });
+        fillRecentFiles();
+    }
+}
+
+void main_window::openFiles(const std::vector<std::string>& paths)
+{
+    const file_choice choice = chooseFiles(paths);
+    for (const std::string& path : choice.opened)
+        openFile(path);
+    if (!choice.left_out.empty())
+        m_ports.prompt.show("Open", choice.describeLeftOut(), prompt_icon::information);
 }
 
 bool main_window::openFile(const std::string& path)
@@ -364,11 +363,10 @@ bool main_window::openFile(const std::string& path)
     }
     if (m_document.shown() == open_files::kind::definition)
         logProblems();
-    addRecentFile(m_ports.config, path);
-    saveConfig();
+    changeConfig([&path](config_file& config) { return addRecentFile(config, path), true; });
     fillRecentFiles();
     showDocument();
-    showView();
+    showView(scene_display::focus::stays);
     return true;
 }
 
@@ -394,6 +392,7 @@ bool main_window::takeGame(const game_load& loaded)
 void main_window::rereadArchives()
 {
     const wait_cursor waiting;
+    takeUpConfig();
     if (!takeGame(game_loader(m_ports.config, m_ports.config_path).reload({{}, {}, logPort()})))
         return;
     for (const open_error& error : m_document.reopen())
@@ -413,9 +412,8 @@ void main_window::select()
     const int former_lod = m_document.model().selection().lod;
     m_document.select(m_panels.chosen());
     showSelection();
-    const int lod = m_document.model().selection().lod;
-    if (m_document.shown() == open_files::kind::model && lod != former_lod && m_scene)
-        setScene(sceneLoader().loadLevel(*m_scene, static_cast<std::size_t>(std::max(0, lod))));
+    if (m_document.model().selection().lod != former_lod)
+        m_display.showLevel();
 }
 
 void main_window::showDocument()
@@ -423,101 +421,33 @@ void main_window::showDocument()
     setTitle(m_document.title());
     m_panels.showFile(m_document.model());
     m_show_view.setEnabled(m_commands.isEnabled(document_command::show_view));
-    showInView();
+    m_display.showDocument();
     showSelection();
 }
 
 void main_window::showSelection()
 {
     m_panels.showSelection(m_document.model());
-    m_status.setText(m_document.status(m_drawn));
+    m_status.setText(m_document.status(m_display.drawn()));
 }
 
-void main_window::showView()
+void main_window::showView(scene_display::focus wanted)
 {
+    failure why;
     if (!m_commands.isEnabled(document_command::show_view))
         return;
-    if (m_po_view == nullptr)
+    if (!m_display.show(wanted, why))
     {
-        failure why;
-        m_po_view = m_ports.make_view(logPort(), why);
-        if (m_po_view == nullptr)
-        {
-            log("main_window::showView(). " + describe(why));
-            m_ports.prompt.show("Error!", "The 3D view could not be opened.\r\n\r\n" + describe(why),
-                                prompt_icon::error);
-            return;
-        }
-        placeView();
-        showInView();
+        log("main_window::showView(). " + describe(why));
+        m_ports.prompt.show("Error!", "The 3D view could not be opened.\r\n\r\n" + describe(why), prompt_icon::error);
     }
-    m_po_view->show();
+    m_status.setText(m_document.status(m_display.drawn()));
 }
 
-// Hands what is shown to the view, when there is one.
-void main_window::showInView()
+void main_window::followFiles()
 {
-    m_drawn = std::nullopt;
-    if (m_po_view == nullptr)
-        return;
-    const open_model& model = m_document.model();
-    const open_definition& definition = m_document.definition();
-    if (m_document.shown() == open_files::kind::model)
-        setScene(sceneLoader().loadModel(model.data(), model.file()->path(),
-                                         static_cast<std::size_t>(std::max(0, model.selection().lod))));
-    else if (m_document.shown() == open_files::kind::definition)
-    {
-        setScene(sceneLoader().loadFigure(definition.models(), definition.path()));
-        m_drawn = drawn_models{m_scene->failed, m_scene->triangles};
-    }
-    m_status.setText(m_document.status(m_drawn));
-}
-
-scene_loader main_window::sceneLoader()
-{
-    work_port work;
-    work.log = logPort();
-    return scene_loader(*m_document.game(), std::move(work));
-}
-
-void main_window::setScene(scene_pointer scene)
-{
-    m_scene = std::move(scene);
-    m_po_view->setScene(m_scene);
-    m_watch.follow(m_scene, *m_document.game());
-}
-
-// The model itself is never read again unasked: it may be edited, and a selection would be lost.
-void main_window::lookAtFiles()
-{
-    if (!m_scene || m_po_view == nullptr || !m_po_view->isVisible())
-        return;
-    const scene_changes changes = m_watch.look();
-    for (const std::string& line : changes.lines)
-        log(line);
-    if (!changes.textures.empty())
-        setScene(sceneLoader().exchangeTextures(*m_scene, changes.textures));
-    if (!changes.empty())
-        m_status.setText(changes.summary() + " (" + timeOfDay() + ")");
-}
-
-// Beside the main window when the screen has room for it, at least as high as that and otherwise as large as it wants.
-void main_window::placeView()
-{
-    const HWND view = m_po_view->handle();
-    RECT own{};
-    RECT wanted{};
-    if (view == nullptr || !GetWindowRect(handle(), &own) || !GetWindowRect(view, &wanted))
-        return;
-    const RECT area = workArea(handle());
-    const LONG x = own.right + scaled(margin);
-    const LONG room = area.right - scaled(margin) - x;
-    if (room < scaled(320))
-        return;
-    const LONG width = std::min(room, wanted.right - wanted.left);
-    const LONG height =
-        std::min(area.bottom - own.top - scaled(margin), std::max(wanted.bottom - wanted.top, own.bottom - own.top));
-    SetWindowPos(view, nullptr, x, own.top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+    if (const std::string news = m_display.followFiles(); !news.empty())
+        m_status.setText(news);
 }
 
 void main_window::showAbout()
@@ -532,10 +462,35 @@ void main_window::showAbout()
         prompt_icon::information);
 }
 
-void main_window::saveConfig()
+// As the file stands now, with what other programs have written into it meanwhile.
+void main_window::changeConfig(const config_file::change_function& change)
 {
-    if (!m_ports.config.save(m_ports.config_path))
-        log("main_window::saveConfig(). config.cfg could not be written");
+    failure why;
+    if (!m_ports.config.change(m_ports.config_path, change, why))
+        log("main_window::saveConfig(). config.cfg could not be written: " + describe(why));
+    m_config_stamp = stampOf(configPath());
+}
+
+void main_window::takeUpConfig()
+{
+    const file_stamp now = stampOf(configPath());
+    config_file fresh;
+    if (now == m_config_stamp || !fresh.load(configPath()))
+        return;
+    const auto folders = [](const config_file& config) {
+        return std::pair(config.get(data_folders_key), config.get(mod_folders_key));
+    };
+    const bool has_other_folders = folders(fresh) != folders(m_ports.config);
+    m_ports.config = std::move(fresh);
+    m_config_stamp = now;
+    fillRecentFiles();
+    if (has_other_folders)
+        m_status.setText("The data folders were changed: File, Re-read .pack files... takes them up.");
+}
+
+std::string main_window::configPath() const
+{
+    return m_ports.config_path.empty() ? config_file::defaultPath() : m_ports.config_path;
 }
 
 void main_window::log(const std::string& line)

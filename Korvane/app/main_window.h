@@ -4,21 +4,20 @@
 // loaded and what is shown of it is the document's business (Korvane/document).
 
 #include "EASY_GUI/services/config_file.h"
+#include "EASY_GUI/services/file_stamp.h"
 #include "EASY_GUI/services/log_file.h"
 #include "EASY_GUI/services/user_prompt.h"
 #include "EASY_GUI/win32/menu.h"
 #include "Korvane/app/information_panels.h"
 #include "Korvane/app/model_view.h"
 #include "Korvane/app/panel_column.h"
+#include "Korvane/app/scene_display.h"
 #include "Korvane/document/model_commands.h"
 #include "Korvane/document/open_files.h"
 #include "Korvane/game/game_loader.h"
-#include "Korvane/scene/scene_loader.h"
-#include "Korvane/scene/scene_watch.h"
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,7 +28,7 @@ namespace korvane
 struct main_window_ports
 {
     config_file& config;     // loaded already
-    std::string config_path; // where to save it; empty: beside the program
+    std::string config_path; // where it stands; empty: beside the program
     log_file& log;
     std::string log_name; // opened beside the program at start; empty: the log is open already
     user_prompt& prompt;
@@ -42,14 +41,15 @@ struct main_window_ports
 class main_window : public window
 {
 public:
-    main_window(main_window_ports ports, std::string command_line, std::string file);
+    // The files are those of the command line.
+    main_window(main_window_ports ports, std::string command_line, std::vector<std::string> files);
     ~main_window() override { destroy(); }
 
-    // Creates and shows the window, runs the start-up sequence and opens the file of the command line, if there is one.
+    // Creates and shows the window, runs the start-up sequence and opens the files of the command line.
     [[nodiscard]] bool open(failure& why);
     HACCEL accelerators() const { return m_accelerators.get(); }
     const open_files& document() const { return m_document; }
-    const model_view* view() const { return m_po_view.get(); } // null until a file was opened
+    const model_view* view() const { return m_display.view(); } // null until a file was opened
 
     // As if the person had chosen it. False, after a message box, when it cannot be opened, and when unsaved changes
     // are not to be lost: what was open stays.
@@ -84,30 +84,27 @@ private:
     void chooseDefinition();
     void openChosen(const std::vector<file_filter>& filters);
     void openRecent(std::size_t position);
+    void openFiles(const std::vector<std::string>& paths);
     bool takeGame(const game_load& loaded);
     void rereadArchives();
     void logProblems();
-    void showView();
-    void showInView();
-    scene_loader sceneLoader();
-    void setScene(scene_pointer scene);
-    void lookAtFiles();
-    void placeView();
+    void showView(scene_display::focus wanted);
+    void followFiles();
     void showAbout();
-    void saveConfig();
+    void changeConfig(const config_file::change_function& change);
+    void takeUpConfig();
+    std::string configPath() const;
     void log(const std::string& line);
     log_port logPort();
 
     main_window_ports m_ports;
     std::string m_command_line;
-    std::string m_file;
+    std::vector<std::string> m_files; // of the command line
     open_files m_document;
     model_commands m_commands;
-    failure m_start_failure;             // why the window could not be filled
-    std::optional<drawn_models> m_drawn; // what the view made of the definition; nothing while it has not shown it
-    scene_pointer m_scene;               // what the view shows; null: it was given nothing yet
-    scene_watch m_watch;                 // of its files
-    std::unique_ptr<model_view> m_po_view;
+    failure m_start_failure; // why the window could not be filled
+    scene_display m_display;
+    file_stamp m_config_stamp; // of the configuration that is known
 
     information_panels m_panels;
     label m_status;

@@ -20,8 +20,10 @@ class model_view
 public:
     virtual ~model_view() = default;
 
-    virtual void setScene(scene_pointer scene) = 0; // in place of what was shown
-    virtual void show() = 0;                        // and bring to the front
+    // In place of what was shown. A notice is shown instead of the picture; empty: there is a picture.
+    virtual void setScene(scene_pointer scene, const std::string& notice) = 0;
+    virtual void show() = 0;       // and bring to the front, with the focus
+    virtual void showBeside() = 0; // the same, but leave the focus where it is
     virtual bool isVisible() const = 0;
     virtual HWND handle() const = 0;
 };

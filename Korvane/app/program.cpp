@@ -60,20 +60,28 @@ void registerControls()
     InitCommonControlsEx(&classes);
 }
 
-// The first operand of the command line as a full path; a path into the archives as it is; empty without one.
-std::string fileOfCommandLine()
+// An operand of the command line as a full path; a path into the archives as it is.
+std::string fullPath(const std::wstring& operand)
+{
+    if (game_path(fromWide(operand)).isInternal())
+        return fromWide(operand);
+    std::wstring full(GetFullPathNameW(operand.c_str(), 0, nullptr, nullptr) + std::size_t{1}, L'\0');
+    full.resize(GetFullPathNameW(operand.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    return fromWide(full);
+}
+
+std::vector<std::string> filesOfCommandLine()
 {
     int count = 0;
     LPWSTR* const arguments = CommandLineToArgvW(GetCommandLineW(), &count);
     if (arguments == nullptr)
         return {};
-    const std::wstring file = count > 1 ? arguments[1] : L"";
+    std::vector<std::string> files;
+    for (int i = 1; i < count; ++i)
+        if (*arguments[i] != L'\0')
+            files.push_back(fullPath(arguments[i]));
     LocalFree(arguments);
-    if (file.empty() || game_path(fromWide(file)).isInternal())
-        return fromWide(file);
-    std::wstring full(GetFullPathNameW(file.c_str(), 0, nullptr, nullptr) + std::size_t{1}, L'\0');
-    full.resize(GetFullPathNameW(file.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
-    return fromWide(full);
+    return files;
 }
 
 void openFolderOf(const std::string& path)
@@ -139,7 +147,7 @@ int runProgram(const std::string& command_line, log_file& log, edit_keeper& keep
         end.setOwner(owner);
     };
     main_window window({config, "", log, "log.txt", prompt, set_owner, &makeD3dModelView, &openFolderOf, keeper},
-                       command_line, fileOfCommandLine());
+                       command_line, filesOfCommandLine());
     failure why;
     if (!end.open(why) || !window.open(why))
     {

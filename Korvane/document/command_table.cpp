@@ -8,8 +8,8 @@ namespace
 
 constexpr command_row table[] = {
     {document_command::open, "&File", "&Open \t\t Ctrl+O"},
-    {document_command::open_recent, "&File", "Recent Files..."},
-    {document_command::reread_archives, "&File", "Re-read .pack files...", true},
+    {document_command::open_recent, "&File", "&Recent Files..."},
+    {document_command::reread_archives, "&File", "Re-read .&pack files...", true},
     {document_command::exit, "&File", "E&xit \t\t Alt+F4", true},
     {document_command::open_definition, "&Variants", "&Open .variantmeshdefintion file"},
     {document_command::about, "&Help", "&Info And Credits"},

@@ -67,4 +67,20 @@ std::string open_definition::summary(const std::optional<drawn_models>& drawn) c
     return failed > 0 || !problems().empty() ? text + " (see log.txt)" : text;
 }
 
+std::string open_definition::emptyNotice(const drawn_models& drawn) const
+{
+    const std::string name = nameOf(m_path);
+    if (m_models.empty())
+        return name + " names no models.";
+    if (drawn.failed < m_models.size())
+        return {};
+    const std::string count = counted(m_models.size(), "model", "models");
+    if (m_has_archives)
+        return "None of the " + count + " of " + name + " could be opened: log.txt says why.";
+    return name + " names " + count +
+           ".\r\nThey come out of the game's archives, and no folder with archives is set.\r\n\r\n"
+           "Type in a command window, with your folder:\r\n\r\n" +
+           std::string(set_folders_command) + "\r\n\r\nThen choose File, Re-read .pack files... here.";
+}
+
 } // namespace korvane

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace korvane
@@ -24,6 +25,9 @@ struct drawn_models
     std::size_t failed = 0; // that could not be read, or are too many
     std::size_t triangles = 0;
 };
+
+// What a person types who has not set the data folders yet.
+constexpr std::string_view set_folders_command = "korvane-cli config add data_paths \"C:\\Game\\data\"";
 
 class open_definition
 {
@@ -41,6 +45,9 @@ public:
     // "demo_guard: 4 models, 12,345 triangles; 1 could not be opened (see log.txt)". Without what a view says of them
     // only the models are counted.
     [[nodiscard]] std::string summary(const std::optional<drawn_models>& drawn) const;
+
+    // What a view shows instead of a picture when none of the models could be drawn, and what to do; else empty.
+    [[nodiscard]] std::string emptyNotice(const drawn_models& drawn) const;
 
 private:
     variant_mesh_def m_definition;

@@ -15,6 +15,24 @@ open_error describeOpenFailure(const std::string& path, const failure& why)
     return {"Error!", "The model could not be opened.\r\n\r\n" + describe(why)};
 }
 
+std::string file_choice::describeLeftOut() const
+{
+    std::string text = "One model and one definition can be open at a time. Not opened:";
+    for (const std::string& path : left_out)
+        text += "\r\n" + path;
+    return text;
+}
+
+file_choice chooseFiles(const std::vector<std::string>& paths)
+{
+    file_choice choice;
+    bool has_one[2] = {}; // a model, a definition
+    for (const std::string& path : paths)
+        (std::exchange(has_one[isDefinitionPath(path) ? 1 : 0], true) ? choice.left_out : choice.opened)
+            .push_back(path);
+    return choice;
+}
+
 bool open_files::open(const std::string& path, failure& why)
 {
     const bool is_definition = isDefinitionPath(path);
@@ -70,7 +88,8 @@ std::string open_files::status(const std::optional<drawn_models>& drawn) const
     case kind::definition:
         return m_definition.summary(drawn);
     default:
-        return "Open a model or a definition with Ctrl+O, or drop it here.";
+        return m_po_game->archives() ? "Open a model or a definition with Ctrl+O, or drop it here."
+                                     : "Ctrl+O opens a model. Game data: " + std::string(set_folders_command);
     }
 }
 

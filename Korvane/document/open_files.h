@@ -24,6 +24,17 @@ struct open_error
 };
 [[nodiscard]] open_error describeOpenFailure(const std::string& path, const failure& why);
 
+// Of several files that are given at once, those that can be open at the same time: the first model and the first
+// definition, in the order in which they were given.
+struct file_choice
+{
+    std::vector<std::string> opened;
+    std::vector<std::string> left_out;
+
+    [[nodiscard]] std::string describeLeftOut() const; // for a message box
+};
+[[nodiscard]] file_choice chooseFiles(const std::vector<std::string>& paths);
+
 class open_files
 {
 public:

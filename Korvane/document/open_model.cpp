@@ -31,6 +31,8 @@ void open_model::openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, 
 
 void open_model::replace(std::shared_ptr<rmv2_file> model)
 {
+    if (!m_po_file || m_po_file->path() != model->path())
+        m_selection = {};
     m_po_editor = std::make_unique<model_editor>(*model);
     m_po_file = std::move(model);
     m_origin = {};

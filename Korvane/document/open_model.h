@@ -19,8 +19,8 @@ class open_model
 {
 public:
     // Reads the model at a path, on the disk or with "pack:" out of the game. On failure what was open stays open, with
-    // its selection and edits. The former selection is kept as far as the new model has it, else the first LOD and
-    // group are chosen.
+    // its selection and edits. The first LOD and group are chosen; of the same path opened again the former ones, as
+    // far as it has them.
     [[nodiscard]] bool open(const std::string& path, failure& why, const game_data& game = {});
     void close();
     // Edits that were kept when a program ended, in place of what was open: they are not saved, and there is no undo to

@@ -1,8 +1,8 @@
 #include "Korvane/document/recent_files.h"
 
+#include "EASY_GUI/services/file_stamp.h"
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
-#include "Korvane/game/game_path.h"
 
 #include <algorithm>
 
@@ -32,6 +32,22 @@ void addRecentFile(config_file& config, const std::string& path)
     files.resize(std::min(files.size(), max_recent_files));
     config.clear(recent_files_key);
     config.add(recent_files_key, files, false);
+}
+
+bool removeRecentFile(config_file& config, const std::string& path)
+{
+    std::vector<std::string> files = config.get(recent_files_key);
+    if (std::erase_if(files, [&](const std::string& file) { return equalsIgnoringCase(file, path); }) == 0)
+        return false;
+    config.clear(recent_files_key);
+    config.add(recent_files_key, files, false);
+    return true;
+}
+
+bool isRecentFileThere(const std::string& path, const game_data& game)
+{
+    const game_path given(path);
+    return given.isInternal() ? static_cast<bool>(game.find(given.internalPath())) : stampOf(path).is_there;
 }
 
 std::string recentFileLabel(std::size_t position, const std::string& path)

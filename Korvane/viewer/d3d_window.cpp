@@ -13,6 +13,8 @@ namespace
 
 constexpr int client_width = 1280;
 constexpr int client_height = 720;
+constexpr int smallest_width = 240; // outer, at 96 dots per inch
+constexpr int smallest_height = 180;
 constexpr DWORD window_style = WS_CAPTION | WS_SYSMENU | WS_THICKFRAME;
 constexpr char window_title[] = "Korvane GFX-D3D11 - Move/rotate/Zoom with: A,D,S,W/Q,E,R,T,C,V/Wheel";
 constexpr UINT worker_has_news = WM_APP + 1;
@@ -163,18 +165,38 @@ void d3d_window::frameScene()
     redraw();
 }
 
-void d3d_window::setScene(scene_pointer scene)
+// As a scene is seen at first; the lights stay.
+void d3d_window::showStart()
+{
+    m_view.eye = camera();
+    frameScene();
+}
+
+void d3d_window::setScene(scene_pointer scene, std::string notice)
 {
     const bool is_other_path = !m_scene || !scene || m_scene->path != scene->path;
     const bool has_other_models = is_other_path || !showsSameModels(m_scene, scene);
     m_scene = std::move(scene);
+    m_scene_notice = std::move(notice);
     m_po_worker->show(m_scene);
     if (has_other_models) // not for a texture that was painted
         m_view.setLightDefaults();
-    if (is_other_path || (m_is_framed && has_other_models))
+    if (is_other_path)
+        showStart();
+    else if (m_is_framed && has_other_models)
         frameScene();
     else
         redraw();
+    showNotice();
+}
+
+void d3d_window::showNotice()
+{
+    const std::string text = m_is_waiting ? no_device_text : m_scene_notice;
+    if (text.empty())
+        m_notice.destroy();
+    else
+        m_notice.cover(handle(), text);
 }
 
 device_faults& d3d_window::faults()
@@ -187,10 +209,8 @@ void d3d_window::takeNews()
 {
     for (const std::string& line : m_po_worker->takeReports())
         tell(m_ports.log, line);
-    if (m_po_worker->hasGivenUp())
-        m_notice.cover(handle(), no_device_text);
-    else
-        m_notice.destroy();
+    m_is_waiting = m_po_worker->hasGivenUp();
+    showNotice();
 }
 
 // Of the screen that shows the window, for where presenting does not wait for it.
@@ -209,6 +229,12 @@ void d3d_window::show()
 {
     window::show(IsIconic(handle()) ? SW_RESTORE : SW_SHOW);
     SetForegroundWindow(handle());
+}
+
+void d3d_window::showBeside()
+{
+    window::show(IsIconic(handle()) ? SW_SHOWNOACTIVATE : SW_SHOWNA);
+    SetWindowPos(handle(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
 void d3d_window::hide()
@@ -269,6 +295,12 @@ LRESULT d3d_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
     return result;
 }
 
+void d3d_window::onMinimumSize(SIZE& outer)
+{
+    outer.cx = std::max(outer.cx, static_cast<LONG>(scaled(smallest_width)));
+    outer.cy = std::max(outer.cy, static_cast<LONG>(scaled(smallest_height)));
+}
+
 // The base has moved the window to the rectangle that the system suggests; sizes of the picture are pixels.
 void d3d_window::onDpiChanged(unsigned)
 {
@@ -292,6 +324,8 @@ bool d3d_window::onKeyDown(unsigned virtual_key, bool)
         m_po_worker->tryAgain();
         return true;
     }
+    if (virtual_key == 'V')
+        return showStart(), true;
     if (virtual_key == VK_ESCAPE && m_is_enlarged)
         leaveEnlarged();
     else if (!m_view.onKey(virtual_key))

@@ -43,18 +43,20 @@ public:
     ~d3d_window() override; // stops the render thread, then destroys the window
 
     // Shows another scene, or nothing for null. The camera is framed anew for another path, and as long as the person
-    // has not moved it; another level of detail of the same models leaves it alone. Never waits for a frame.
-    void setScene(scene_pointer scene);
+    // has not moved it; another level of detail of the same models leaves it alone, other textures do, too. Another
+    // path is seen from the start view. A notice covers the picture. Never waits for a frame.
+    void setScene(scene_pointer scene, std::string notice = {});
 
-    void show(); // shows the window and brings it to the front
+    void show();       // shows the window and brings it to the front
+    void showBeside(); // the same, but does not take the focus
     void hide();
     bool isVisible() const;
 
     std::uint64_t framesDrawn() const; // presented so far
     void redraw();                     // asks for a new frame although nothing has changed
     const view_state& view() const { return m_view; }
-    device_faults& faults();                                      // for tests
-    bool isWaitingForDevice() const { return m_notice.isOpen(); } // the notice is shown; Enter tries again
+    device_faults& faults();                                 // for tests
+    bool isWaitingForDevice() const { return m_is_waiting; } // a notice says so; Enter tries again
 
 protected:
     void onClose() override;
@@ -64,6 +66,7 @@ protected:
     bool onMouseButton(const mouse_event& event) override;
     bool onMouseMove(const mouse_event& event) override;
     void onCaptureLost() override;
+    void onMinimumSize(SIZE& outer) override;
     void onDpiChanged(unsigned dpi) override;
     bool onPaint() override;
     LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
@@ -75,6 +78,8 @@ private:
     [[nodiscard]] bool createOnDevice(UINT width, UINT height);
     void log(const char* text) const { tell(m_ports.log, text); }
     void frameScene();
+    void showStart();
+    void showNotice();
     void postRefreshRate();
     void takeNews();
     void toggleEnlarged();
@@ -83,8 +88,10 @@ private:
     viewer_ports m_ports;
     std::unique_ptr<render_worker> m_po_worker;
     view_notice m_notice;
-    view_state m_view;     // the window thread's; copies go to the render thread
-    scene_pointer m_scene; // what is shown
+    std::string m_scene_notice; // instead of the picture; empty: none
+    bool m_is_waiting = false;  // for the person, as no device could be made
+    view_state m_view;          // the window thread's; copies go to the render thread
+    scene_pointer m_scene;      // what is shown
     POINT m_last_mouse{};
     bool m_is_turning = false;
     bool m_is_shifting = false;

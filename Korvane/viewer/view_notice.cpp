@@ -31,6 +31,7 @@ bool view_notice::cover(HWND owner, std::string text)
     failure why; // it would only repeat that there is no window
     if (!isOpen() && !create(settings, why))
         return false;
+    setTitle(m_text);
     fit();
     return true;
 }

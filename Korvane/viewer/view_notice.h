@@ -1,8 +1,8 @@
 #pragma once
 
 // A text over the whole client area of another window, drawn with GDI: what the model view shows when there is no
-// graphics device. A popup that the other window owns, for a window that a swap chain has flipped into shows nothing of
-// GDI any more (and under Wine nothing of its children). Keys stay with the owner. Window thread.
+// graphics device, or nothing to draw. A popup that the other window owns, for a window that a swap chain has flipped
+// into shows nothing of GDI any more (and under Wine nothing of its children). Keys stay with the owner. Window thread.
 
 #include "EASY_GUI/win32/window.h"
 

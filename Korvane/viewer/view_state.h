@@ -56,7 +56,7 @@ struct view_state
 
     // The point lights as a newly handed-over model gets them; the other settings stay as the person has left them.
     void setLightDefaults();
-    // Applies a key of the table; false when the key means nothing to the view (Escape and Space are the window's).
+    // Applies a key of the table; false when the key means nothing to the view (Escape, Space and V are the window's).
     bool onKey(unsigned virtual_key);
     void onWheel(float notches);                                         // away from the person: closer
     void onDrag(float dx_pixels, float dy_pixels);                       // turns

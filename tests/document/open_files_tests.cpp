@@ -146,8 +146,11 @@ TEST_F(open_files_test, theStatusOfADefinitionSaysWhatIsDrawn)
         open(write("guard.variantmeshdefinition", definition(row.models, row.rest)));
         EXPECT_EQ(m_files.status(row.drawn), row.text);
     }
+    EXPECT_EQ(m_files.definition().emptyNotice({1, 0}), "") << "the other one is drawn";
+    EXPECT_TRUE(m_files.definition().emptyNotice({2, 0}).starts_with("None of the 2 models of guard"));
     drop();
     EXPECT_TRUE(m_files.reopen().empty());
+    EXPECT_TRUE(m_files.definition().emptyNotice({2, 0}).starts_with("guard names 2 models.\r\n"));
     EXPECT_EQ(m_files.status(drawn_models{2, 0}),
               "guard: 2 models; there are no archives to take them from: set the data folders");
 }
@@ -232,6 +235,14 @@ TEST_F(open_files_test, aReReadThatFailsLeavesTheArchivesThatWorked)
     ASSERT_EQ(m_notices.size(), 1u);
     open("pack:body.rigid_model_v2");
     EXPECT_EQ(lodEntries(*m_files.model().data()).size(), 2u);
+}
+
+TEST(file_choice, theFirstModelAndTheFirstDefinitionAreOpened)
+{
+    const file_choice choice =
+        chooseFiles({"b.VariantMeshDefinition", "1.rigid_model_v2", "2.rigid_model_v2", "c.variantmeshdefinition"});
+    EXPECT_EQ(choice.opened, (std::vector<std::string>{"b.VariantMeshDefinition", "1.rigid_model_v2"}));
+    EXPECT_EQ(choice.left_out, (std::vector<std::string>{"2.rigid_model_v2", "c.variantmeshdefinition"}));
 }
 
 } // namespace

@@ -99,9 +99,13 @@ TEST_F(open_model_test, theSelectionStaysInsideTheModel)
         EXPECT_EQ(document.selection(), row.got) << row.name;
         EXPECT_NE(document.selectedGroup(), nullptr) << row.name;
     }
-    // A smaller model: what it does not have falls back.
     document.select({2, 0});
-    ASSERT_TRUE(document.open(write("b.rigid_model_v2", test_model{}), why));
+    ASSERT_TRUE(document.open(write("a.rigid_model_v2", threeLods()), why));
+    EXPECT_EQ(document.selection(), (model_selection{2, 0})) << "the same model again";
+    ASSERT_TRUE(document.open(write("other.rigid_model_v2", threeLods()), why));
+    EXPECT_EQ(document.selection(), (model_selection{0, 0}));
+    document.select({2, 0}); // written smaller meanwhile: what it does not have falls back
+    ASSERT_TRUE(document.open(write("other.rigid_model_v2", test_model{}), why));
     EXPECT_EQ(document.selection(), (model_selection{0, 0}));
     test_model empty_lod;
     empty_lod.lods = {{}};

@@ -26,6 +26,9 @@ TEST(recent_files, theNewestStandsFirstOnceAndTenAreKept)
     EXPECT_EQ(files[1], "/none/12");
     EXPECT_EQ(std::count(files.begin(), files.end(), "/none/5"), 1);
     EXPECT_EQ(config.get("config_recent_files"), files);
+    EXPECT_TRUE(removeRecentFile(config, "/none/12"));
+    EXPECT_FALSE(removeRecentFile(config, "/none/12"));
+    EXPECT_EQ(recentFiles(config).size(), 9u);
     addRecentFile(config, "pack:Men/A.rigid_model_v2");
     EXPECT_EQ(recentFiles(config).front(), "pack:men/a.rigid_model_v2") << "kept, although no disk holds it";
 }

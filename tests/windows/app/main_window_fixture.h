@@ -43,6 +43,7 @@ public:
 struct view_record
 {
     int made = 0, shown = 0, destroyed = 0;
+    std::string notice;
     std::vector<std::pair<std::string, std::size_t>> models; // file name and LOD
     std::vector<std::vector<std::string>> definitions;       // the models of each that can be drawn
     std::vector<unsigned> keys;                              // pressed without Ctrl, as far as the view can tell
@@ -53,8 +54,9 @@ class recording_view : public model_view
 public:
     explicit recording_view(view_record& record) : m_record(record) { ++m_record.made; }
     ~recording_view() override { ++m_record.destroyed; }
-    void setScene(scene_pointer scene) override
+    void setScene(scene_pointer scene, const std::string& notice) override
     {
+        m_record.notice = notice;
         ASSERT_NE(scene, nullptr);
         if (isDefinitionPath(scene->path))
             std::transform(scene->parts.begin(), scene->parts.end(),
@@ -64,6 +66,7 @@ public:
             m_record.models.emplace_back(fileName(scene->path), scene->parts.at(0).lod);
     }
     void show() override { ++m_record.shown; }
+    void showBeside() override { ++m_record.shown; }
     bool isVisible() const override { return m_record.shown > 0; }
     HWND handle() const override { return m_window.handle(); }
 
@@ -125,8 +128,18 @@ protected:
         pack.entries = entries;
         std::filesystem::create_directories(toPath(m_folder + data));
         write(data + "a.pack", pack.bytes());
-        m_config.clear("data_paths");
-        m_config.add("data_paths", {m_folder + data}, false);
+        changeConfig([&](config_file& config) {
+            config.clear("data_paths");
+            return config.add("data_paths", {m_folder + data}, false);
+        });
+    }
+    void changeConfig(const config_file::change_function& change) // as a console does
+    {
+        config_file other = m_config;
+        failure why;
+        EXPECT_TRUE(other.change(m_folder + "config.cfg", change, why)) << describe(why);
+        if (m_window == nullptr)
+            m_config = other;
     }
     void choose(document_command command)
     {
@@ -142,17 +155,17 @@ protected:
     bool tryToOpen(failure& why, const std::string& file = {})
     {
         m_log.openAt(m_folder + "log.txt");
-        m_window =
-            std::make_unique<main_window>(main_window_ports{m_config,
-                                                            m_folder + "config.cfg",
-                                                            m_log,
-                                                            "",
-                                                            m_prompt,
-                                                            {},
-                                                            [this](log_port, failure& why) { return makeView(why); },
-                                                            [this](const std::string& path) { m_opened_folder = path; },
-                                                            m_keeper},
-                                          "\"" + file + "\"", file);
+        m_window = std::make_unique<main_window>(
+            main_window_ports{m_config,
+                              m_folder + "config.cfg",
+                              m_log,
+                              "",
+                              m_prompt,
+                              {},
+                              [this](log_port, failure& why) { return makeView(why); },
+                              [this](const std::string& path) { m_opened_folder = path; },
+                              m_keeper},
+            "\"" + file + "\"", file.empty() ? std::vector<std::string>() : std::vector{file});
         return m_window->open(why);
     }
     std::unique_ptr<model_view> makeView(failure& why)

@@ -144,6 +144,54 @@ TEST_F(main_window_test, droppedFilesAreOpened)
     drop(write("guard 李.variantmeshdefinition", std::string(guard_definition)));
     EXPECT_TRUE(text(control_file_path).ends_with("dropped 李.rigid_model_v2"));
     EXPECT_TRUE(m_window->document().definition().hasDefinition());
+    EXPECT_NE(m_view.notice.find("korvane-cli config add data_paths"), std::string::npos)
+        << "what to do is said where the figure should be";
+    EXPECT_TRUE(m_window->openFile(m_folder + "dropped 李.rigid_model_v2"));
+    EXPECT_EQ(m_view.notice, "");
+}
+
+TEST_F(main_window_test, aRecentFileThatIsGoneIsTakenOffTheList)
+{
+    const std::string path = write("gone.rigid_model_v2", soldier());
+    openWindow(path);
+    const HMENU recent = GetSubMenu(GetSubMenu(GetMenu(m_window->handle()), 0), 1);
+    std::filesystem::remove(toPath(path));
+    for (const bool answer : {false, true})
+    {
+        m_prompt.shown.clear();
+        m_prompt.will_confirm = answer;
+        pressWithControl('1');
+        ASSERT_EQ(m_prompt.shown.size(), 1u);
+        EXPECT_NE(m_prompt.shown[0].second.find("gone.rigid_model_v2"), std::string::npos);
+        EXPECT_EQ(GetMenuState(recent, 0, MF_BYPOSITION) & MF_GRAYED, answer ? MF_GRAYED : 0u);
+    }
+    config_file saved;
+    ASSERT_TRUE(saved.load(m_folder + "config.cfg"));
+    EXPECT_TRUE(saved.get("config_recent_files").empty());
+}
+
+TEST_F(main_window_test, whatAConsoleSetsMeanwhileStaysAndIsTakenUp)
+{
+    const std::string path = write("soldier.rigid_model_v2", soldier());
+    openWindow();
+    changeConfig([&](config_file& config) {
+        config.add("mod_paths", {m_folder}, false);
+        return config.add("config_recent_files", {"pack:men/other.rigid_model_v2"}, false);
+    });
+    EXPECT_TRUE(m_window->openFile(path));
+    SendMessageW(m_window->handle(), WM_ACTIVATEAPP, TRUE, 0); // what it has written itself is no news
+    EXPECT_FALSE(text(control_status).starts_with("The data folders were changed"));
+    config_file saved;
+    ASSERT_TRUE(saved.load(m_folder + "config.cfg"));
+    EXPECT_EQ(saved.get("mod_paths").size(), 1u);
+    ASSERT_EQ(saved.get("config_recent_files").size(), 2u);
+
+    writeArchive({{"men\\other.rigid_model_v2", soldier().bytes()}});
+    SendMessageW(m_window->handle(), WM_ACTIVATEAPP, TRUE, 0);
+    EXPECT_TRUE(text(control_status).starts_with("The data folders were changed")) << text(control_status);
+    choose(document_command::reread_archives);
+    pressWithControl('2');
+    EXPECT_EQ(text(control_file_path), "pack:men/other.rigid_model_v2");
 }
 
 TEST_F(main_window_test, aPaintedTextureIsShownAndAModelOfAnotherProgramOnlySaid)
@@ -221,12 +269,13 @@ TEST_F(main_window_test, theKeyboardReachesEverythingAndMnemonicsAreUnique)
         const RECT place = placeOf(GetFocus());
         EXPECT_GE(place.top, 0) << reached.back();
         EXPECT_LE(place.bottom, m_window->clientRectangle().bottom) << reached.back();
-        const LONG line = place.top + GetScrollPos(m_window->handle(), SB_VERT);
+        const LONG line = (place.top + place.bottom) / 2 + GetScrollPos(m_window->handle(), SB_VERT);
         EXPECT_GE(line, lowest) << reached.back();
         lowest = line;
         press(VK_TAB);
     } while (GetFocus() != find(control_file_path) && reached.size() < 100);
-    EXPECT_EQ(reached.size(), 43u); // every field, list and button but the alpha mode, which is only shown
+    // Every field, list and button but the alpha mode, which is only shown, and the empty rows of textures.
+    EXPECT_EQ(reached.size(), 25u);
 
     // Each name's mnemonic leads to the field behind it, in reading order.
     const std::pair<char, int> names[] = {{'P', control_file_path},

@@ -129,6 +129,17 @@ TEST_F(d3d_window_test, drawsOnceForEachChangeAndThenRests)
         PostMessageW(handle, WM_LBUTTONUP, 0, MAKELPARAM(90, 50));
     }));
     EXPECT_GT(std::abs(m_window->view().eye.yaw - yaw - 0.06f), 0.1f) << "dragging turns";
+    m_window->setScene(sphere(1)); // of the same path: the camera stays
+    EXPECT_LT(m_window->view().eye.distance, distance);
+    EXPECT_TRUE(drawsAfter([&] { PostMessageW(handle, WM_KEYDOWN, 'V', 0); }));
+    EXPECT_EQ(m_window->view().eye.yaw, yaw);
+    EXPECT_EQ(m_window->view().eye.distance, distance);
+    SendMessageW(handle, WM_KEYDOWN, 'A', 0);
+    m_window->setScene(sphere(1, "Z:/nowhere/b"), "a notice");
+    EXPECT_EQ(m_window->view().eye.yaw, yaw) << "another model is seen as the first one was";
+    EXPECT_TRUE(FindWindowW(nullptr, L"a notice"));
+    m_window->setScene(sphere(1));
+    EXPECT_FALSE(FindWindowW(nullptr, L"a notice"));
     settle();
     const std::uint64_t frames = m_window->framesDrawn();
     pumpUntil([] { return false; }, 300ms);

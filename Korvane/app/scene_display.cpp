@@ -1,0 +1,140 @@
+#include "Korvane/app/scene_display.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+constexpr int view_margin = 8; // at 96 dots per inch
+
+// "14:03:22": the same text about the same file is seen to be new.
+std::string timeOfDay()
+{
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    char text[16];
+    std::snprintf(text, sizeof text, "%02u:%02u:%02u", now.wHour, now.wMinute, now.wSecond);
+    return text;
+}
+
+std::size_t lodOf(const open_model& model)
+{
+    return static_cast<std::size_t>(std::max(0, model.selection().lod));
+}
+
+} // namespace
+
+scene_display::scene_display(const window& owner, const open_files& document, model_view_factory make_view,
+                             log_port log)
+    : m_owner(owner)
+    , m_document(document)
+    , m_make_view(std::move(make_view))
+    , m_log(std::move(log))
+{
+}
+
+void scene_display::close()
+{
+    m_po_view.reset();
+}
+
+bool scene_display::show(focus wanted, failure& why)
+{
+    if (m_po_view == nullptr)
+    {
+        m_po_view = m_make_view(m_log, why);
+        if (m_po_view == nullptr)
+            return false;
+        placeView();
+        showDocument();
+    }
+    if (wanted == focus::moves || coversOwner())
+        m_po_view->show();
+    else if (!m_po_view->isVisible() || GetForegroundWindow() != m_po_view->handle())
+        m_po_view->showBeside();
+    return true;
+}
+
+void scene_display::showDocument()
+{
+    m_drawn = std::nullopt;
+    if (m_po_view == nullptr)
+        return;
+    const open_model& model = m_document.model();
+    const open_definition& definition = m_document.definition();
+    if (m_document.shown() == open_files::kind::model)
+        setScene(loader().loadModel(model.data(), model.file()->path(), lodOf(model)));
+    else if (m_document.shown() == open_files::kind::definition)
+    {
+        const scene_pointer scene = loader().loadFigure(definition.models(), definition.path());
+        m_drawn = drawn_models{scene->failed, scene->triangles};
+        setScene(scene);
+    }
+}
+
+void scene_display::showLevel()
+{
+    if (m_document.shown() == open_files::kind::model && m_scene)
+        setScene(loader().loadLevel(*m_scene, lodOf(m_document.model())));
+}
+
+// The model itself is never read again unasked: it may be edited, and the selection would be lost.
+std::string scene_display::followFiles()
+{
+    if (!m_scene || m_po_view == nullptr || !m_po_view->isVisible())
+        return {};
+    const scene_changes changes = m_watch.look();
+    for (const std::string& line : changes.lines)
+        tell(m_log, line);
+    if (!changes.textures.empty())
+        setScene(loader().exchangeTextures(*m_scene, changes.textures));
+    return changes.empty() ? std::string() : changes.summary() + " (" + timeOfDay() + ")";
+}
+
+scene_loader scene_display::loader() const
+{
+    work_port work;
+    work.log = m_log;
+    return scene_loader(*m_document.game(), std::move(work));
+}
+
+void scene_display::setScene(scene_pointer scene)
+{
+    m_scene = std::move(scene);
+    m_po_view->setScene(m_scene, m_drawn ? m_document.definition().emptyNotice(*m_drawn) : std::string());
+    m_watch.follow(m_scene, *m_document.game());
+}
+
+// Beside the main window when the screen has room for it, at least as high as that and otherwise as large as it wants.
+void scene_display::placeView() const
+{
+    const HWND view = m_po_view->handle();
+    RECT own{};
+    RECT wanted{};
+    if (view == nullptr || !GetWindowRect(m_owner.handle(), &own) || !GetWindowRect(view, &wanted))
+        return;
+    const RECT area = window::workArea(m_owner.handle());
+    const LONG x = own.right + m_owner.scaled(view_margin);
+    const LONG room = area.right - m_owner.scaled(view_margin) - x;
+    if (room < m_owner.scaled(320))
+        return;
+    const LONG width = std::min(room, wanted.right - wanted.left);
+    const LONG height = std::min(area.bottom - own.top - m_owner.scaled(view_margin),
+                                 std::max(wanted.bottom - wanted.top, own.bottom - own.top));
+    SetWindowPos(view, nullptr, x, own.top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+bool scene_display::coversOwner() const
+{
+    RECT own{}, view{}, both{};
+    GetWindowRect(m_owner.handle(), &own);
+    GetWindowRect(m_po_view->handle(), &view);
+    return IntersectRect(&both, &own, &view) != FALSE;
+}
+
+} // namespace korvane

@@ -1,0 +1,63 @@
+#pragma once
+
+// What the three-dimensional view shows of the document. The view is made when it is needed first, and placed beside
+// the main window; it gets a scene whenever something else is to be seen, and a text where there is nothing to draw.
+// Files of the scene that other programs change are followed. Window thread.
+
+#include "EASY_GUI/services/log_port.h"
+#include "EASY_GUI/win32/window.h"
+#include "Korvane/app/model_view.h"
+#include "Korvane/document/open_files.h"
+#include "Korvane/scene/scene_loader.h"
+#include "Korvane/scene/scene_watch.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace korvane
+{
+
+class scene_display
+{
+public:
+    // The main window and the document outlive it. The log takes lines of the view, too.
+    scene_display(const window& owner, const open_files& document, model_view_factory make_view, log_port log);
+
+    const model_view* view() const { return m_po_view.get(); } // null until it was shown first
+    // What the view made of the definition; nothing while it has not shown it.
+    const std::optional<drawn_models>& drawn() const { return m_drawn; }
+
+    // Shows the view, and what is open in it. It gets the focus when the person asks for it; when a file was opened it
+    // stays where it is, unless the view hides the main window. False and a reason without a graphics device.
+    enum class focus
+    {
+        stays,
+        moves
+    };
+    [[nodiscard]] bool show(focus wanted, failure& why);
+    void close(); // ends the render thread
+
+    // These do nothing while there is no view.
+    void showDocument(); // anew: the files are read
+    void showLevel();    // another level of detail of the open model, if the view shows that
+    // Has changed textures read again. A text for the status line; empty: nothing has changed.
+    std::string followFiles();
+
+private:
+    void setScene(scene_pointer scene);
+    scene_loader loader() const;
+    void placeView() const;
+    bool coversOwner() const;
+
+    const window& m_owner;
+    const open_files& m_document;
+    model_view_factory m_make_view;
+    log_port m_log;
+    std::optional<drawn_models> m_drawn;
+    scene_pointer m_scene; // what the view shows; null: it was given nothing yet
+    scene_watch m_watch;   // of its files
+    std::unique_ptr<model_view> m_po_view;
+};
+
+} // namespace korvane
