@@ -15,7 +15,7 @@ namespace
 
 constexpr std::uint32_t head_flags = 0x1 | 0x2 | 0x4 | 0x1000; // caps, height, width, pixel format
 constexpr std::uint32_t flag_pitch = 0x8, flag_mip_count = 0x20000, flag_linear_size = 0x80000;
-constexpr std::uint32_t two_dimensional = 3; // DX10 header
+constexpr std::uint32_t two_dimensional = 3;                         // DX10 header
 constexpr std::uint32_t caps_texture = 0x1000, caps_mips = 0x400008; // with mip maps: complex, too
 constexpr dds_pixel_format dx10 = {ddpf_four_cc, fourCc('D', 'X', '1', '0'), 0, 0, 0, 0, 0};
 
