@@ -1,6 +1,7 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/cli/output_files.h"
 #include "Korvane/cli/picture_output.h"
 #include "Korvane/jobs/dds_job.h"
 
@@ -50,7 +51,8 @@ void report(cli_context& context, const dds_job_result& result)
                          {"mips", each.mip_count},
                          {"normal", !each.normals                        ? json()
                                     : *each.normals == normal_form::blue ? json("blue")
-                                                                         : json("orange")}});
+                                                                         : json("orange")},
+                         {"outcome", outcomeName(each.outcome)}});
     json unchanged = json::array();
     for (const std::string& input : result.unchanged)
         unchanged.push_back(displayText(input));
@@ -75,12 +77,9 @@ void runDds(cli_context& context, const dds_options& options)
     if (!options.normals.empty())
         job.normals = options.normals == "blue" ? normal_form::blue : normal_form::orange;
     job.effort = options.is_best ? encoding_effort::best : encoding_effort::usual;
-    work_port work;
-    work.log = context.notePort();
-    work.progress = [&context](const work_progress& step) { context.progress(step.what); };
     dds_job_result result;
     failure why;
-    if (!makeDdsFiles(context.game(), job, work, result, why))
+    if (!makeDdsFiles(context.game(), job, context.workPort(), result, why))
         return context.fail(why);
     report(context, result);
 }
@@ -126,7 +125,7 @@ void addDdsCommand(CLI::App& app, cli_context& context)
         ->type_name("OUT.dds|DIR")
         ->check(notEmpty());
     addEncodingOptions(*command, options);
-    command->add_flag("--overwrite", options->job.batch.overwrites, "Below a folder: also what is there and differs");
+    addOverwriteOption(*command, options->job.batch.overwrites);
     context.addJsonOption(*command);
     command->callback([&context, options] { runDds(context, *options); });
 }

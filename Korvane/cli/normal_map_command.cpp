@@ -1,6 +1,7 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/cli/output_files.h"
 #include "Korvane/cli/picture_output.h"
 #include "Korvane/jobs/normal_map_job.h"
 
@@ -23,18 +24,17 @@ void runConversion(cli_context& context, const direction_options& options)
     normal_map_job_options job = options.job;
     if (!takePictures(context, options.operands, {".tga", ".png"}, job.batch))
         return;
-    work_port work;
-    work.progress = [&context](const work_progress& step) { context.progress(step.what); };
     normal_map_job_result result;
     failure why;
-    if (!convertNormalMaps(context.game(), job, work, result, why))
+    if (!convertNormalMaps(context.game(), job, context.workPort(), result, why))
         return context.fail(why);
     json files = json::array();
     for (const converted_picture& each : result.files)
         files.push_back({{"input", displayText(each.input)},
                          {"path", displayText(each.path)},
                          {"width", each.width},
-                         {"height", each.height}});
+                         {"height", each.height},
+                         {"outcome", outcomeName(each.outcome)}});
     reportPictures(context, {{"files", std::move(files)}}, result.files.size(), "picture converted",
                    "pictures converted", result.left);
 }
@@ -51,7 +51,7 @@ void addDirection(CLI::App& command, cli_context& context, const std::string& na
                      "The file to write, .tga or .png; with several pictures, or if it is one, a folder")
         ->required()
         ->check(notEmpty());
-    direction->add_flag("--overwrite", options->job.batch.overwrites, "Below a folder: also what is there and differs");
+    addOverwriteOption(*direction, options->job.batch.overwrites);
     direction->add_flag("--force", options->job.is_forced, "Convert also what does not look like such a normal map");
     context.addJsonOption(*direction);
     direction->callback([&context, options] { runConversion(context, *options); });

@@ -39,23 +39,19 @@ void reportPictures(cli_context& context, json document, std::size_t made, std::
                     std::string_view plural, const picture_batch_result& left)
 {
     json kept = json::array(), failed = json::array();
-    for (const picture_outcome& each : left.kept)
+    for (const std::string& path : left.kept)
     {
-        context.nameFailure(each.why);
-        kept.push_back({{"input", displayText(each.input)}, {"path", displayText(each.why.path)}});
+        context.note(terminalText(describe(keptFailure(path))));
+        kept.push_back(displayText(path));
     }
-    for (const picture_outcome& each : left.failed)
-    {
-        context.nameFailure(each.why);
+    for (const failed_picture& each : left.failed)
         failed.push_back({{"input", displayText(each.input)}, {"reason", displayText(describe(each.why))}});
-    }
     document["kept"] = std::move(kept);
     document["failed"] = std::move(failed);
     if (context.is_json)
         context.printJson(document);
     else if (made + left.kept.size() > 0)
-        context.print(counted(made, singular, plural) +
-                      (left.kept.empty() ? "" : ", " + std::to_string(left.kept.size()) + " left as they were") + "\n");
+        context.print(counted(made, singular, plural) + keptText(left.kept.size()) + "\n");
     if (!left.failed.empty())
         context.fail({failure_kind::refused,
                       std::to_string(left.failed.size()) + " of " +

@@ -20,7 +20,8 @@ constexpr const char* picture_operands_help =
 [[nodiscard]] bool takePictures(cli_context& context, const std::vector<std::string>& operands,
                                 const std::vector<std::string_view>& endings, picture_batch& batch);
 
-// "3 pictures converted, 1 left", or as JSON the document with what was kept and what failed; then the failure of all.
+// "3 pictures converted" and how many were left, or as JSON the document with what was kept and what failed; then the
+// failure of all.
 void reportPictures(cli_context& context, json document, std::size_t made, std::string_view singular,
                     std::string_view plural, const picture_batch_result& left);
 

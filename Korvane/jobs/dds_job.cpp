@@ -183,8 +183,9 @@ public:
         return is_made;
     }
 
-    void takeMade(dds_job_result& result)
+    void takeMade(output_outcome outcome, dds_job_result& result)
     {
+        m_made.outcome = outcome;
         if (m_unchanged.empty())
             result.files.push_back(std::move(m_made));
         else
@@ -318,7 +319,8 @@ bool makeDdsFiles(game_source& source, const dds_job_options& options, const wor
     const auto make = [&run](const std::string& input, const std::string& path, const write_picture& write,
                              failure& reason) { return run.make(input, path, write, reason); };
     return convertPictures(
-        run.batch(), ddsName, make, [&] { run.takeMade(result); }, work, result.left, why);
+        run.batch(), ddsName, make, [&](output_outcome outcome) { run.takeMade(outcome, result); }, work, result.left,
+        why);
 }
 
 } // namespace korvane

@@ -45,6 +45,7 @@ struct made_dds
     std::uint32_t mip_count = 0;
     dds_format format = dds_format::unknown;
     std::optional<normal_form> normals = std::nullopt; // averaged as vectors
+    output_outcome outcome = output_outcome::written;
 };
 
 struct dds_job_result

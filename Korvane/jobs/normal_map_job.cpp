@@ -41,7 +41,11 @@ public:
         return false;
     }
 
-    converted_picture takeDone() { return std::move(m_done); }
+    converted_picture takeDone(output_outcome outcome)
+    {
+        m_done.outcome = outcome;
+        return std::move(m_done);
+    }
 
 private:
     game_source& m_source;
@@ -59,7 +63,8 @@ bool convertNormalMaps(game_source& source, const normal_map_job_options& option
     const auto convert = [&run](const std::string& input, const std::string& path, const write_picture& write,
                                 failure& reason) { return run.convert(input, path, write, reason); };
     return convertPictures(
-        options.batch, nameInFolder, convert, [&] { result.files.push_back(run.takeDone()); }, work, result.left, why);
+        options.batch, nameInFolder, convert,
+        [&](output_outcome outcome) { result.files.push_back(run.takeDone(outcome)); }, work, result.left, why);
 }
 
 } // namespace korvane

@@ -25,6 +25,7 @@ struct converted_picture
     std::string path;
     std::uint32_t width = 0;
     std::uint32_t height = 0;
+    output_outcome outcome = output_outcome::written;
 };
 
 struct normal_map_job_result

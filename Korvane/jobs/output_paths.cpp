@@ -79,15 +79,6 @@ bool writeOutput(const std::string& path, std::span<const std::byte> bytes, bool
         path, [bytes] { return sourceOf(bytes); }, overwrites, outcome, why);
 }
 
-bool writeOutput(const std::string& path, std::span<const std::byte> bytes, bool overwrites, bool& is_kept,
-                 failure& why)
-{
-    output_outcome outcome{};
-    const bool is_done = writeOutput(path, bytes, overwrites, outcome, why);
-    is_kept = outcome == output_outcome::kept;
-    return is_done;
-}
-
 std::string keptText(std::size_t count)
 {
     return count == 0 ? std::string()

@@ -31,8 +31,6 @@ enum class output_outcome
                                output_outcome& outcome, failure& why);
 [[nodiscard]] bool writeOutput(const std::string& path, std::span<const std::byte> bytes, bool overwrites,
                                output_outcome& outcome, failure& why);
-[[nodiscard]] bool writeOutput(const std::string& path, std::span<const std::byte> bytes, bool overwrites,
-                               bool& is_kept, failure& why);
 // What is to be said of a file that was kept.
 [[nodiscard]] failure keptFailure(const std::string& path);
 // "; 2 files that differ were left as they are (--overwrite writes over them)", for the end; empty for none.

@@ -29,14 +29,14 @@ public:
             m_inputs.push_back(input.path);
     }
 
-    bool convert(const operand_file& input, bool& is_kept, std::string& path, failure& why)
+    bool convert(const operand_file& input, output_outcome& outcome, std::string& path, failure& why)
     {
         try
         {
             if (!outputPath(input, path, why))
                 return false;
             const auto write = [&](std::span<const std::byte> bytes, failure& reason) {
-                return writeOutput(path, bytes, m_is_file || m_batch.overwrites, is_kept, reason);
+                return writeOutput(path, bytes, m_is_file || m_batch.overwrites, outcome, reason);
             };
             return m_work(input.path, path, write, why);
         }
@@ -94,8 +94,8 @@ std::string withEnding(const std::string& path, std::string_view ending)
 }
 
 bool convertPictures(const picture_batch& batch, const picture_name& name, const picture_work& work,
-                     const std::function<void()>& made, const work_port& port, picture_batch_result& result,
-                     failure& why)
+                     const std::function<void(output_outcome)>& made, const work_port& port,
+                     picture_batch_result& result, failure& why)
 {
     result = {};
     batch_run run(batch, name, work);
@@ -104,22 +104,23 @@ bool convertPictures(const picture_batch& batch, const picture_name& name, const
     {
         const operand_file& input = batch.inputs[i];
         port.report(i, total, "converting " + std::to_string(i + 1) + " of " + std::to_string(total));
-        bool is_kept = false;
+        output_outcome outcome = output_outcome::written;
         std::string path;
         failure reason;
-        if (!run.convert(input, is_kept, path, reason))
+        if (!run.convert(input, outcome, path, reason))
         {
             if (batch.is_one_file)
             {
                 why = std::move(reason);
                 return false;
             }
+            port.nameFailure(reason);
             result.failed.push_back({input.path, std::move(reason)});
         }
-        else if (is_kept)
-            result.kept.push_back({input.path, keptFailure(path)});
+        else if (outcome == output_outcome::kept)
+            result.kept.push_back(path);
         else
-            made();
+            made(outcome);
     }
     return true;
 }

@@ -6,6 +6,7 @@
 #include "EASY_GUI/services/work_port.h"
 #include "Korvane/game/game_source.h"
 #include "Korvane/jobs/operand_list.h"
+#include "Korvane/jobs/output_paths.h"
 #include "Korvane/textures/picture.h"
 
 #include <cstddef>
@@ -26,16 +27,16 @@ struct picture_batch
     bool overwrites = false;  // what differs below the folder
 };
 
-struct picture_outcome // that was not made
+struct failed_picture
 {
     std::string input;
-    failure why; // of one that was kept its path is that of the output
+    failure why;
 };
 
 struct picture_batch_result
 {
-    std::vector<picture_outcome> kept;
-    std::vector<picture_outcome> failed; // of several
+    std::vector<std::string> kept;      // outputs
+    std::vector<failed_picture> failed; // of several
 };
 
 // Makes one file: the bytes go to write. False, with the reason, when the picture failed.
@@ -46,11 +47,11 @@ using picture_work =
 using picture_name = std::function<std::string(const std::string& below)>;
 [[nodiscard]] std::string withEnding(const std::string& path, std::string_view ending); // in place of its own one
 
-// False, with the reason, when the only picture failed. Of several one that fails, also for want of memory, is named in
-// the result, and the others go on. made is called behind a work whose file has been written or stands there with the
-// same bytes. No input is ever written over. A stop is heeded between pictures.
+// False, with the reason, when the only picture failed. Of several one that fails, also for want of memory, is told and
+// stands in the result, and the others go on. made is called behind a work whose file has been written or stands there
+// with the same bytes. No input is ever written over. A stop is heeded between pictures.
 [[nodiscard]] bool convertPictures(const picture_batch& batch, const picture_name& name, const picture_work& work,
-                                   const std::function<void()>& made, const work_port& port,
+                                   const std::function<void(output_outcome)>& made, const work_port& port,
                                    picture_batch_result& result, failure& why);
 
 // A picture of the disk or of the game. Of DDS files arrays and cubes are refused.

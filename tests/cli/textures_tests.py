@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""korvane normal-map and textures, on pictures made here and on the demo data; called as cli_tests.py is."""
+"""korvane normal-map, dds and textures, on pictures made here and on the demo data; called as cli_tests.py is."""
 
 import json
 import os
@@ -49,6 +49,77 @@ class normal_map(cli_tests.cli_case):
         self.expect_failure(["normal-map", "to-blue", one, "-o", self.path("one.bmp")], 2, "one.bmp")
         self.expect_failure(["normal-map", "to-blue", self.path("none.tga"), "-o", self.path("x.tga")], 1, "none.tga")
         self.assertEqual(read(one), targa(1, 1, [(1, 2, 3, 4)]))
+
+
+    def test_what_is_no_normal_map_is_left_out(self):
+        blue = self.write("blue.tga", targa(8, 8, [(128, 128, 255, 255)] * 64))
+        wood = self.write("wood.tga", targa(8, 8, [(120, 80, 50, 255)] * 64))
+        self.expect_failure(["normal-map", "to-orange", wood, "-o", self.path("x.tga")], 1, "wood.tga", "no normal map",
+                            "--force")
+        self.expect_failure(["normal-map", "to-blue", blue, "-o", self.path("x.tga")], 1, "blue.tga", "already")
+        status, out, err = korvane("normal-map", "to-orange", self.path("*.tga"), "-o", self.path("out"), "--json")
+        self.assertEqual((status, len(json.loads(out)["files"]), len(json.loads(out)["failed"])), (1, 1, 1))
+        self.assertIn("wood.tga: this is no normal map", err.decode())
+        korvane("normal-map", "to-orange", wood, "-o", self.path("x.tga"), "--force", check=0)
+        self.assertEqual(read(self.path("x.tga")), written(8, 8, [(255, 80, 0, 120)] * 64))
+
+
+class dds(cli_tests.cli_case):
+    def header(self, name):
+        """Mip maps, code, DXGI format."""
+        file = read(self.path(name))
+        return struct.unpack_from("<I", file, 28)[0], file[84:88], struct.unpack_from("<I", file, 128)[0]
+
+    def test_format_mips_and_header_are_as_asked_or_as_in_like(self):
+        self.write("a.tga", targa(8, 8, [(120, 80, 50, 255)] * 64))
+        old = self.path("old.dds")
+        rows = [([], (4, b"DX10", 99)), (["--linear", "--mips", "2"], (2, b"DX10", 98)),
+                (["--format", "bc1", "--mips", "none"], (1, b"DX10", 72)),
+                (["--format", "bc5"], (4, b"ATI2", None)), (["--format", "bc3", "--linear"], (4, b"DXT5", None)),
+                (["--like", old], (1, b"DX10", 72)), (["--like", old, "--mips", "all"], (4, b"DX10", 72)),
+                (["--like", old, "--linear"], (1, b"DXT1", None)), (["--like", old, "--format", "bc7"], (1, b"DX10", 99))]
+        korvane("dds", self.path("a.tga"), "-o", old, "--format", "bc1", "--mips", "none", check=0)
+        for options, expected in rows:
+            with self.subTest(options=options):
+                out = korvane("dds", self.path("a.tga"), "-o", self.path("b.dds"), "--json", *options, check=0)[1]
+                found = self.header("b.dds")
+                self.assertEqual(found[:2] + (found[2] if expected[2] else None,), expected)
+                made = json.loads(out)["files"][0]
+                self.assertEqual((made["width"], made["height"], made["mips"]), (8, 8, expected[0]))
+        self.write("bc2.dds", read(old)[:128] + struct.pack("<I", 74) + read(old)[132:])
+        self.expect_failure(["dds", self.path("a.tga"), "-o", self.path("b.dds"), "--like", self.path("bc2.dds")], 1,
+                            "bc2.dds", "BC2", "--format")
+        self.expect_failure(["dds", self.path("a.tga"), "-o", self.path("b.png")], 2, "b.png", ".dds")
+        self.expect_failure(["dds", self.path("a.tga"), "-o", self.path("b.dds"), "--mips", "0"], 2, "--mips")
+
+    def test_many_keep_their_folders_and_painted_work_is_not_lost(self):
+        for name in ("in/a.tga", "in/deep/b.tga"):
+            os.makedirs(os.path.dirname(self.path(name)), exist_ok=True)
+            self.write(name, targa(8, 8, [(120, 80, 50, 255)] * 64))
+        self.write("in/bad.png", b"\x89PNG\r\n\x1a\n")
+        status, out, err = korvane("dds", self.path("in"), "-o", self.path("out"))
+        self.assertEqual((status, out), (1, b"2 DDS files written\n"), err)
+        self.assertIn("bad.png", err.decode())
+        os.remove(self.path("in/bad.png"))
+        first = read(self.path("out/deep/b.dds"))
+        text = korvane("dds", self.path("in"), "-o", self.path("out"), "--format", "rgba8", check=0)
+        self.assertIn("2 files that differ were left", text[1].decode())
+        self.assertEqual(read(self.path("out/deep/b.dds")), first)
+        korvane("dds", self.path("in"), "-o", self.path("out"), "--format", "rgba8", "--overwrite", check=0)
+        self.assertNotEqual(read(self.path("out/deep/b.dds")), first)
+
+    def test_normal_maps_change_their_form(self):
+        blue = self.write("n.tga", targa(8, 8, [(218, 128, 218, 255)] * 64))
+        wood = self.write("wood.tga", targa(8, 8, [(120, 80, 50, 255)] * 64))
+        for form, back in (("bgra8", "bgra8"), ("bc7", "bc7"), ("bc5", "bgra8")):
+            korvane("dds", blue, "-o", self.path("n.dds"), "--normal", "orange", "--format", form, check=0)
+            out = korvane("dds", self.path("n.dds"), "-o", self.path("back.dds"), "--normal", "blue", "--format", back,
+                          "--json", check=0)[1]
+            self.assertEqual([json.loads(out)["files"][0][key] for key in ("srgb", "normal")], [False, "blue"])
+        pixel = read(self.path("back.dds"))[128:132] # blue first
+        for byte, wanted in zip(pixel, (218, 128, 218, 255)):
+            self.assertAlmostEqual(byte, wanted, delta=2)
+        self.expect_failure(["dds", wood, "-o", self.path("n.dds"), "--normal", "orange"], 1, "wood.tga", "--force")
 
 
 class textures(cli_tests.cli_case):

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 namespace korvane
@@ -67,6 +69,46 @@ TEST(normal_map, toBlueIsTheFormulasToTheBit)
             wrong += pixels[i] != blueStepByStep(red, i & 255, i >> 8);
     }
     EXPECT_EQ(wrong, 0u);
+}
+
+TEST(normal_map, isKnownByItsPixels)
+{
+    using enum normal_form;
+    const struct
+    {
+        const char* what;
+        rgba_pixel one, other; // half of the pixels each
+        std::optional<normal_form> form;
+    } rows[] = {
+        {"flat blue", rgba(128, 128, 255, 255), rgba(128, 128, 254, 255), blue},
+        {"tilted blue", rgba(218, 128, 218, 255), rgba(128, 37, 218, 0), blue},
+        {"flat orange", rgba(255, 128, 0, 128), rgba(255, 127, 0, 128), orange},
+        {"steep orange", rgba(255, 255, 0, 128), rgba(255, 128, 0, 0), orange},
+        {"X in red", rgba(128, 128, 0, 255), rgba(218, 128, 0, 255), orange},
+        {"wood", rgba(120, 80, 50, 255), rgba(90, 60, 40, 255), std::nullopt},
+        {"grey", rgba(128, 128, 128, 255), rgba(100, 100, 100, 255), std::nullopt},
+        {"half of it", rgba(128, 128, 255, 255), rgba(90, 60, 40, 255), std::nullopt},
+    };
+    for (const auto& row : rows)
+    {
+        std::vector<rgba_pixel> pixels(normal_judged_pixels, row.one);
+        std::fill(pixels.begin() + normal_judged_pixels / 2, pixels.end(), row.other);
+        EXPECT_EQ(normalFormOf(pixels), row.form) << row.what;
+        for (const normal_form target : {blue, orange})
+        {
+            bool is_there = false;
+            failure why;
+            EXPECT_EQ(isConvertible(pixels, target, is_there, why), row.form && row.form != target) << row.what;
+            EXPECT_EQ(is_there, row.form == target) << row.what;
+        }
+        pixels.pop_back(); // too few to say anything
+        bool is_there = true;
+        failure why;
+        EXPECT_TRUE(isConvertible(pixels, blue, is_there, why)) << row.what;
+        EXPECT_FALSE(is_there);
+    }
+    EXPECT_FALSE(surelyNormalForm(std::vector(64, rgba(200, 200, 200, 255)))) << "light grey is as long as 1, too";
+    EXPECT_EQ(surelyNormalForm(std::vector(64, rgba(128, 128, 255, 255))), blue);
 }
 
 } // namespace
