@@ -11,6 +11,24 @@ namespace korvane
 namespace
 {
 
+// The window that was in front is so again after a dialog: with two windows of the program the system may choose the
+// other one.
+class front_keeper
+{
+public:
+    front_keeper() : m_active(GetActiveWindow()) {}
+    front_keeper(const front_keeper&) = delete;
+    front_keeper& operator=(const front_keeper&) = delete;
+    ~front_keeper()
+    {
+        if (m_active != nullptr && GetForegroundWindow() != m_active)
+            SetForegroundWindow(m_active);
+    }
+
+private:
+    HWND m_active;
+};
+
 UINT iconFlag(prompt_icon icon)
 {
     switch (icon)
@@ -39,6 +57,7 @@ std::optional<std::string> resultOf(IFileDialog& dialog)
 std::optional<std::string> pick(IFileDialog& dialog, HWND owner, const std::string& title,
                                 const std::vector<file_filter>& filters)
 {
+    const front_keeper front;
     std::vector<std::wstring> texts; // label, pattern, label, pattern...
     for (const file_filter& filter : filters)
     {
@@ -61,11 +80,13 @@ std::optional<std::string> pick(IFileDialog& dialog, HWND owner, const std::stri
 
 void message_box_prompt::show(const std::string& title, const std::string& text, prompt_icon icon)
 {
+    const front_keeper front;
     MessageBoxW(m_owner, toWide(text).c_str(), toWide(title).c_str(), MB_OK | iconFlag(icon));
 }
 
 bool message_box_prompt::confirm(const std::string& title, const std::string& text, prompt_answer preset)
 {
+    const front_keeper front;
     const UINT focused = preset == prompt_answer::yes ? MB_DEFBUTTON1 : MB_DEFBUTTON2;
     return MessageBoxW(m_owner, toWide(text).c_str(), toWide(title).c_str(), MB_YESNO | MB_ICONQUESTION | focused) ==
            IDYES;
