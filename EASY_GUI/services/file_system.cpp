@@ -129,19 +129,40 @@ std::string existingPathAnyCase(const std::string& path)
     return toUtf8(found);
 }
 
-bool writeWholeFile(const std::string& path, const byte_source& bytes, failure& why, write_safety safety)
+namespace
 {
-    std::filesystem::path target = toPath(path);
+
+// The file that is to be replaced: the path, or where its links lead.
+bool findTarget(const std::string& path, std::filesystem::path& target, failure& why)
+{
+    target = toPath(path);
     std::error_code error;
     if (!followLinks(target)) // the file that a link leads to is written, the link stays
         return fail(why, failure_kind::unwritable, "the link leads in a circle", path);
     if (path.empty() || std::filesystem::is_directory(target, error))
         return fail(why, failure_kind::unwritable,
                     path.empty() ? "no file name was given" : "this is a folder, not a file", path);
+    return !std::filesystem::exists(target, error) || std::filesystem::is_regular_file(target, error) ||
+           fail(why, failure_kind::unwritable, "this is a device or a pipe, not a file", path);
+}
 
-    if (std::filesystem::exists(target, error) && !std::filesystem::is_regular_file(target, error))
-        return fail(why, failure_kind::unwritable, "this is a device or a pipe, not a file", path);
+} // namespace
 
+bool canWriteWholeFile(const std::string& path, failure& why)
+{
+    std::filesystem::path target;
+    if (!findTarget(path, target, why))
+        return false;
+    std::string reason;
+    return platform::canReplace(target, target.parent_path() / temporaryName(), reason) ||
+           fail(why, failure_kind::unwritable, "the file cannot be written: " + reason, path);
+}
+
+bool writeWholeFile(const std::string& path, const byte_source& bytes, failure& why, write_safety safety)
+{
+    std::filesystem::path target;
+    if (!findTarget(path, target, why))
+        return false;
     // Beside the target, so that the rename stays on one volume; numbered, so that two writers do not meet. The
     // target's name is not in it: that may be as long as a name can be.
     const std::filesystem::path folder = target.parent_path();

@@ -30,6 +30,11 @@ namespace korvane
 // killed, and what then may be left after all (".korvane-PROCESS-NUMBER.tmp") goes with the next write into the folder.
 // Devices and pipes are refused. Of a link the file that it leads to is written, also when it is not there yet. A
 // replaceable file, one that can be made again and whose damage is noticed, is not flushed.
+//
+// All others are, also the thousands of an extraction: a new name is on the disk before its bytes are (ext4 allocates
+// them later, NTFS keeps a journal of names only), so that after a power cut a file of no bytes, or of zeros, would
+// stand under a real name, and be kept the next time as one that differs. Of 1,000 files of 20 kB 0.4 s were measured
+// with flushing and 0.2 s without; flushing them on four threads, or a hundred with one call, took as long.
 enum class write_safety
 {
     flushed,
@@ -38,6 +43,9 @@ enum class write_safety
 [[nodiscard]] bool writeWholeFile(const std::string& path, std::span<const std::byte> bytes, failure& why,
                                   write_safety safety = write_safety::flushed);
 [[nodiscard]] bool writeWholeFile(const std::string& path, std::string_view bytes, failure& why);
+// Whether the file could be written now, as far as that shows without writing it: folder, permissions, what stands
+// there. Leaves nothing behind.
+[[nodiscard]] bool canWriteWholeFile(const std::string& path, failure& why);
 // Piece by piece; where the source fails, its reason is why, and nothing is written.
 [[nodiscard]] bool writeWholeFile(const std::string& path, const byte_source& bytes, failure& why,
                                   write_safety safety = write_safety::flushed);

@@ -28,6 +28,9 @@ using next_piece = std::function<bool(std::span<const std::byte>& piece)>;
 // replaced. False: reason says why, the target is what it was, and no temporary file remains.
 [[nodiscard]] bool replaceWhole(const std::filesystem::path& target, const std::filesystem::path& temporary,
                                 const next_piece& bytes, bool is_flushed, std::string& reason);
+// Whether replaceWhole() could do it, but for the room on the disk. No file remains.
+[[nodiscard]] bool canReplace(const std::filesystem::path& target, const std::filesystem::path& temporary,
+                              std::string& reason);
 // Deletes a temporary file that a killed process has left; one that is being written stays.
 void removeAbandoned(const std::filesystem::path& temporary);
 

@@ -191,6 +191,13 @@ bool replaceWhole(const std::filesystem::path& target, const std::filesystem::pa
            file.putInPlaceOf(target, reason);
 }
 
+bool canReplace(const std::filesystem::path& target, const std::filesystem::path& temporary, std::string& reason)
+{
+    new_file file;
+    return file.create(target.parent_path(), temporary, reason) &&
+           (::access(target.c_str(), F_OK) != 0 || ::access(target.c_str(), W_OK) == 0 || failWithErrno(reason));
+}
+
 void removeAbandoned(const std::filesystem::path& temporary)
 {
     const int descriptor = ::open(temporary.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);

@@ -25,6 +25,12 @@ bool failWithLastError(std::string& reason)
     return false;
 }
 
+unique_kernel_handle createTemporary(const std::filesystem::path& path)
+{
+    return unique_kernel_handle(
+        CreateFileW(path.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
 bool setDeletedOnClose(HANDLE file, bool is_wanted)
 {
     FILE_DISPOSITION_INFO information{};
@@ -101,11 +107,23 @@ unsigned long processId()
     return GetCurrentProcessId();
 }
 
+bool canReplace(const std::filesystem::path& target, const std::filesystem::path& temporary, std::string& reason)
+{
+    const unique_kernel_handle file = createTemporary(temporary);
+    if (!file)
+        return failWithLastError(reason);
+    static_cast<void>(setDeletedOnClose(file.get(), true));
+    const DWORD attributes = GetFileAttributesW(target.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_READONLY) == 0)
+        return true;
+    SetLastError(ERROR_ACCESS_DENIED); // what the rename would say
+    return failWithLastError(reason);
+}
+
 bool replaceWhole(const std::filesystem::path& target, const std::filesystem::path& temporary, const next_piece& bytes,
                   bool is_flushed, std::string& reason)
 {
-    const unique_kernel_handle owner(
-        CreateFileW(temporary.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const unique_kernel_handle owner = createTemporary(temporary);
     if (!owner)
         return failWithLastError(reason);
     const HANDLE file = owner.get();

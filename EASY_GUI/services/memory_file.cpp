@@ -3,10 +3,12 @@
 #include "EASY_GUI/services/file_system.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <fstream>
 #include <limits>
 #include <new>
+#include <system_error>
 
 namespace korvane
 {
@@ -32,6 +34,8 @@ bool memory_file::readStart(const std::string& path, std::size_t most_bytes, std
     std::error_code error;
     const std::filesystem::path file = toPath(path);
     const auto status = std::filesystem::status(file, error);
+    if (!path.empty() && status.type() == std::filesystem::file_type::none) // a folder above it is locked, say
+        return fail(why, failure_kind::unreadable, "the file cannot be read: " + error.message(), path);
     if (path.empty() || !std::filesystem::exists(status))
         return fail(why, failure_kind::not_found, path.empty() ? "no file name was given" : "the file does not exist",
                     path);
@@ -41,10 +45,14 @@ bool memory_file::readStart(const std::string& path, std::size_t most_bytes, std
                                                           : "this is not a regular file",
                     path);
 
+    errno = 0;
     std::ifstream in(file, std::ios::binary | std::ios::ate);
     const std::streamoff whole = in ? static_cast<std::streamoff>(in.tellg()) : -1;
     if (whole < 0)
-        return fail(why, failure_kind::unreadable, "the file cannot be opened for reading", path);
+        return fail(why, failure_kind::unreadable,
+                    "the file cannot be opened for reading" +
+                        (errno != 0 ? ": " + std::generic_category().message(errno) : std::string()),
+                    path);
     const auto size =
         static_cast<std::streamoff>(std::min<std::uint64_t>(static_cast<std::uint64_t>(whole), most_bytes));
 

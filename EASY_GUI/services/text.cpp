@@ -1,6 +1,7 @@
 #include "EASY_GUI/services/text.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -220,6 +221,43 @@ std::string_view fileName(std::string_view path)
 {
     const std::size_t separator = path.find_last_of("\\/");
     return separator == std::string_view::npos ? path : path.substr(separator + 1);
+}
+
+std::size_t nameDistance(std::string_view left, std::string_view right, std::size_t limit)
+{
+    if (left.size() > longest_compared_name || right.size() > longest_compared_name)
+        return limit + 1;
+    std::array<std::size_t, longest_compared_name + 1> row;
+    for (std::size_t i = 0; i <= right.size(); ++i)
+        row[i] = i;
+    for (std::size_t i = 1; i <= left.size(); ++i)
+    {
+        std::size_t diagonal = row[0];
+        std::size_t smallest = row[0] = i;
+        for (std::size_t k = 1; k <= right.size(); ++k)
+        {
+            const std::size_t exchanged = diagonal + (left[i - 1] == right[k - 1] ? 0 : 1);
+            diagonal = row[k];
+            row[k] = std::min({exchanged, row[k] + 1, row[k - 1] + 1});
+            smallest = std::min(smallest, row[k]);
+        }
+        if (smallest > limit)
+            return limit + 1;
+    }
+    return std::min(row[right.size()], limit + 1);
+}
+
+std::string nearestName(std::string_view wanted, std::span<const std::string> known)
+{
+    std::string nearest;
+    std::size_t best = std::clamp<std::size_t>((wanted.size() + 2) / 3, 1, 3) + 1;
+    for (const std::string& name : known)
+        if (const std::size_t distance = nameDistance(toLower(wanted), toLower(name), best); distance < best)
+        {
+            best = distance;
+            nearest = name;
+        }
+    return nearest;
 }
 
 std::string floatText(float value)

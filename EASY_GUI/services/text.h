@@ -41,6 +41,14 @@ void lowerInPlace(char* text, std::size_t size);
 // The last component of a path with '\' or '/' separators.
 [[nodiscard]] std::string_view fileName(std::string_view path);
 
+// Insertions, deletions and exchanged characters that make one name of the other; more than limit when there are more,
+// or when a name is too long to be compared.
+inline constexpr std::size_t longest_compared_name = 255;
+[[nodiscard]] std::size_t nameDistance(std::string_view left, std::string_view right, std::size_t limit);
+// Of the known names the one that was most likely meant by an unknown one; empty when none is within a third of its
+// characters, and three of them.
+[[nodiscard]] std::string nearestName(std::string_view wanted, std::span<const std::string> known);
+
 // The shortest decimal text that reads back to the same value; "nan", "inf", "-inf".
 [[nodiscard]] std::string floatText(float value);
 

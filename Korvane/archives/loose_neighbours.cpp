@@ -34,14 +34,15 @@ const std::string* nearestName(const std::vector<std::string>& names, std::strin
                                std::size_t& distance)
 {
     const std::string* best = nullptr;
-    distance = std::max<std::size_t>(1, wanted.size() / 3);
+    constexpr std::size_t few_letters = 3; // among so few files more would be another one
+    distance = std::clamp<std::size_t>(wanted.size() / 3, 1, few_letters);
     for (const std::string& name : names)
     {
         if (!endsWithIgnoringCase(name, ending))
             continue;
         const std::string stem = toLower(std::string_view(name).substr(0, name.size() - ending.size()));
         const std::size_t its = nameDistance(wanted, stem, distance);
-        if (its < distance || (its == distance && !best))
+        if (mayBeOneKind(wanted, stem) && (its < distance || (its == distance && !best)))
         {
             best = &name;
             distance = its;

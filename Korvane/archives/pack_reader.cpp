@@ -13,10 +13,20 @@
 namespace korvane
 {
 
-std::string describeLeftOut(const archive_listing& archive, const std::string& path)
+std::vector<std::string> describeLeftOut(const archive_listing& archive)
 {
-    return archive.path + " : left out, " +
-           (path.empty() ? "it has no name" : "its data is not inside the archive: " + terminalText(path));
+    constexpr std::size_t shown = 3;
+    const std::vector<std::string>& paths = archive.left_out;
+    std::vector<std::string> lines;
+    for (std::size_t i = 0; i < std::min(shown, paths.size()); ++i)
+        lines.push_back(
+            archive.path + " : left out, " +
+            (paths[i].empty() ? "it has no name" : "its data is not inside the archive: " + terminalText(paths[i])));
+    if (paths.size() > shown)
+        lines.push_back(
+            archive.path + " : left out, " + counted(paths.size() - shown, "more file") +
+            " whose data is not inside the archive; it is cut short or damaged, and the rest of it is read");
+    return lines;
 }
 
 bool pack_reader::loadAllArchives(const std::vector<std::string>& folders)
@@ -165,8 +175,8 @@ void pack_reader::report()
     std::size_t damaged = 0;
     for (const archive_listing& archive : m_listings)
     {
-        for (const std::string& path : archive.left_out)
-            tell(m_work.log, "[PACK FILE] " + describeLeftOut(archive, path));
+        for (const std::string& line : describeLeftOut(archive))
+            tell(m_work.log, "[PACK FILE] " + line);
         if (archive.damage.empty())
             continue;
         tell(m_work.log, "[PACK FILE] " + archive.damage);

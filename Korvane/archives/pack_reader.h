@@ -21,8 +21,8 @@
 namespace korvane
 {
 
-// What is said of a file that was left out: archive, reason, path.
-[[nodiscard]] std::string describeLeftOut(const archive_listing& archive, const std::string& path);
+// What is said of an archive's files that were left out: the first three, and how many more. Nothing for none.
+[[nodiscard]] std::vector<std::string> describeLeftOut(const archive_listing& archive);
 
 class pack_reader
 {

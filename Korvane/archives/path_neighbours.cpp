@@ -15,8 +15,6 @@ namespace korvane
 namespace
 {
 
-constexpr std::size_t longest_name = 255; // of those that are compared
-
 std::string_view stemOf(std::string_view path)
 {
     const std::string_view name = fileName(path);
@@ -72,34 +70,26 @@ std::string_view stemMeant(std::string_view path, std::string_view extension)
     return name;
 }
 
-std::size_t nameDistance(std::string_view left, std::string_view right, std::size_t limit)
+bool mayBeOneKind(std::string_view left, std::string_view right)
 {
-    if (left.size() > longest_name || right.size() > longest_name)
-        return limit + 1;
-    std::array<std::size_t, longest_name + 1> row;
-    for (std::size_t i = 0; i <= right.size(); ++i)
-        row[i] = i;
-    for (std::size_t i = 1; i <= left.size(); ++i)
-    {
-        std::size_t diagonal = row[0];
-        std::size_t smallest = row[0] = i;
-        for (std::size_t k = 1; k <= right.size(); ++k)
-        {
-            const std::size_t exchanged = diagonal + (left[i - 1] == right[k - 1] ? 0 : 1);
-            diagonal = row[k];
-            row[k] = std::min({exchanged, row[k] + 1, row[k - 1] + 1});
-            smallest = std::min(smallest, row[k]);
-        }
-        if (smallest > limit)
-            return limit + 1;
-    }
-    return std::min(row[right.size()], limit + 1);
+    constexpr std::string_view kinds[] = {
+        "_diffuse",  "_base_colour", "_normal",   "_gloss_map",  "_gloss",
+        "_specular", "_mask",        "_mask1",    "_mask2",      "_mask3",
+        "_alpha",    "_dirt",        "_emissive", "_distortion", "_ambient_occlusion"};
+    const auto kindOf = [&kinds](std::string_view name) {
+        for (const std::string_view kind : kinds)
+            if (endsWithIgnoringCase(name, kind))
+                return kind;
+        return std::string_view();
+    };
+    const std::string_view of_left = kindOf(left), of_right = kindOf(right);
+    return of_left == of_right || of_left.empty() || of_right.empty();
 }
 
 path_neighbours::path_neighbours(const path_tree& tree, std::string_view extension) : m_extension(extension)
 {
     for (const pack_file_node* file : tree.files())
-        if (file->extension() == extension && stemOf(file->internalPath()).size() <= longest_name)
+        if (file->extension() == extension && stemOf(file->internalPath()).size() <= longest_compared_name)
         {
             const std::string_view name = stemOf(file->internalPath());
             m_candidates.push_back({name, file->internalPath(), lettersOf(name)});
@@ -111,7 +101,7 @@ path_neighbours::path_neighbours(const path_tree& tree, std::string_view extensi
 path_neighbours::neighbour path_neighbours::nearest(std::string_view wanted) const
 {
     const std::string_view name = stemMeant(wanted, m_extension);
-    if (name.empty() || name.size() > longest_name)
+    if (name.empty() || name.size() > longest_compared_name)
         return {};
     if (const std::string_view elsewhere = sameName(name, wanted); !elsewhere.empty())
         return {elsewhere, 0};
@@ -132,7 +122,7 @@ path_neighbours::neighbour path_neighbours::nearest(std::string_view wanted) con
         if (longer > allowed || static_cast<std::size_t>(std::popcount(each.letters & ~letters)) > allowed)
             continue;
         const std::size_t distance = nameDistance(name, each.name, allowed);
-        if (distance > allowed)
+        if (distance > allowed || !mayBeOneKind(name, each.name))
             continue;
         const rank its_rank{distance, !is_beside, wanted.size() - sharedStart(wanted, each.path)};
         if (its_rank < best_rank)

@@ -19,9 +19,9 @@ namespace korvane
 // behind it, or another one instead.
 [[nodiscard]] std::string_view stemMeant(std::string_view path, std::string_view extension);
 
-// Insertions, deletions and exchanged characters that make one name of the other; more than limit when there are more,
-// or when a name is longer than 255.
-[[nodiscard]] std::size_t nameDistance(std::string_view left, std::string_view right, std::size_t limit);
+// False for the names of two textures that show different things of one surface ("shield_diffuse", "shield_normal"):
+// the one is never meant by the other. A name that says nothing known goes with any.
+[[nodiscard]] bool mayBeOneKind(std::string_view left, std::string_view right);
 
 class path_neighbours
 {

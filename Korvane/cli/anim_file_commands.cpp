@@ -107,7 +107,10 @@ void addOutputCommand(CLI::App& anim, cli_context& context, const std::string& n
     command->add_option("ANIM", options->anim, "The file: a path on disk, or pack: and an internal path")
         ->required()
         ->check(notEmpty());
-    command->add_option("-o", options->output, "The file to write")->type_name("FILE")->required()->check(notEmpty());
+    command->add_option("-o,--output", options->output, "The file to write")
+        ->type_name("FILE")
+        ->required()
+        ->check(notEmpty());
     command->callback([options, run, &context] { run(context, *options); });
 }
 

@@ -72,26 +72,44 @@ json fileJson(const pack_file_node& file, const hidden_archives& hidden)
             {"hides", std::move(hides)}};
 }
 
-void runList(cli_context& context, const std::string& pattern)
+// Size, path, archive, and those whose copy is hidden.
+std::string longLine(const pack_file_node& file, const hidden_archives& hidden)
+{
+    std::string size = grouped(file.size());
+    size.insert(0, size.size() < 13 ? 13 - size.size() : 0, ' ');
+    std::string line = size + "  " + terminalText(file.internalPath()) + "  " + terminalText(file.packPath());
+    if (const auto found = hidden.find(&file); found != hidden.end())
+        for (std::size_t i = 0; i < found->second.size(); ++i)
+            line += (i == 0 ? "  hides " : ", ") + terminalText(found->second[i]->path);
+    return line;
+}
+
+struct list_options
+{
+    std::string pattern = "*";
+    bool is_long = false;
+};
+
+void runList(cli_context& context, const list_options& options)
 {
     failure why;
     const std::shared_ptr<const game_data> game = context.game().archives(why);
     if (!game)
         return context.fail(why);
     const path_tree& tree = *game->archives();
-    const hidden_archives hidden = context.is_json ? hiddenCopies(tree) : hidden_archives();
-    const internal_pattern wanted(pattern);
+    const hidden_archives hidden = context.is_json || options.is_long ? hiddenCopies(tree) : hidden_archives();
+    const internal_pattern wanted(options.pattern);
     std::string text = context.is_json ? "[" : "";
-    bool is_first = true;
+    std::size_t count = 0;
     for (const pack_file_node* file : tree.files())
     {
         if (!wanted.matches(file->internalPath()))
             continue;
-        if (!context.is_json)
-            text += terminalText(file->internalPath()) + "\n";
+        if (context.is_json)
+            text += (count == 0 ? "" : ",") + fileJson(*file, hidden).dump();
         else
-            text += (is_first ? "" : ",") + fileJson(*file, hidden).dump();
-        is_first = false;
+            text += (options.is_long ? longLine(*file, hidden) : terminalText(file->internalPath())) + "\n";
+        ++count;
         if (text.size() > 1u << 16)
         {
             context.print(text);
@@ -99,6 +117,8 @@ void runList(cli_context& context, const std::string& pattern)
         }
     }
     context.print(text + (context.is_json ? "]\n" : ""));
+    if (count == 0)
+        context.note("no file of the archives matches " + terminalText(options.pattern));
 }
 
 struct extract_options
@@ -140,7 +160,7 @@ void extractAll(cli_context& context, const extract_job_options& options)
         return context.fail({failure_kind::not_found, "no file matches", options.pattern, 0, ""});
     for (const extracted_file& file : result.files)
         if (!file.why && file.outcome == output_outcome::kept)
-            context.note(terminalText(describe(keptFailure(file.path))));
+            context.nameFailure(keptFailure(file.path));
     if (context.is_json)
         printExtracted(context, result.files, result.written);
     else
@@ -160,11 +180,12 @@ void addArchiveCommands(CLI::App& app, cli_context& context)
     context.addJsonOption(*archives);
     archives->callback([&context] { runArchives(context); });
 
-    const auto pattern = std::make_shared<std::string>("*");
+    const auto listing = std::make_shared<list_options>();
     CLI::App* list = app.add_subcommand("list", "List the files of all archives");
-    list->add_option("PATTERN", *pattern, "Internal paths to list, with * and ? (default: all)");
+    list->add_option("PATTERN", listing->pattern, "Internal paths to list, with * and ? (default: all)");
+    list->add_flag("-l", listing->is_long, "With size, archive, and the archives whose copy is hidden");
     context.addJsonOption(*list);
-    list->callback([&context, pattern] { runList(context, *pattern); });
+    list->callback([&context, listing] { runList(context, *listing); });
 
     const auto options = std::make_shared<extract_options>();
     CLI::App* extract = app.add_subcommand("extract", "Write files out of the archives to disk");
@@ -172,14 +193,17 @@ void addArchiveCommands(CLI::App& app, cli_context& context)
     CLI::Option* match =
         extract->add_option("--match", options->job.pattern, "All files whose path matches, with * and ?");
     match->type_name("PATTERN")->excludes(path);
-    extract->add_option("-o", options->job.folder, "The file to write, or with --match the folder")
+    extract->add_option("-o,--output", options->job.folder, "The file to write, or with --match the folder")
         ->required()
         ->check(notEmpty());
     addOverwriteOption(*extract, options->job.overwrites);
     context.addJsonOption(*extract);
     extract->callback([&context, options] {
         if (!options->job.pattern.empty())
+        {
+            requireFolder(options->job.folder);
             return extractAll(context, options->job);
+        }
         if (options->path.empty())
             throw CLI::RequiredError("INTERNAL_PATH or --match");
         extractOne(context, *options);

@@ -83,6 +83,16 @@ CLI::Validator notEmpty()
         [](const std::string& text) { return text.empty() ? std::string("it is empty") : std::string(); }, "");
 }
 
+CLI::Validator endingIn(const std::string& ending)
+{
+    return CLI::Validator(
+        [ending](const std::string& text) {
+            return endsWithIgnoringCase(text, ending) ? std::string()
+                                                      : "the name must end in " + ending + ", not as in " + text;
+        },
+        "");
+}
+
 CLI::Validator finiteNumber()
 {
     return CLI::Validator(

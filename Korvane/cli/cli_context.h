@@ -76,6 +76,7 @@ private:
 
 // Checks of option values: a wrong one is a wrong command line (exit status 2).
 [[nodiscard]] CLI::Validator notEmpty();
+[[nodiscard]] CLI::Validator endingIn(const std::string& ending); // of a file's name, in any case
 [[nodiscard]] CLI::Validator finiteNumber();
 [[nodiscard]] CLI::Validator wholeNumber(); // from 0 on, at most ten digits
 

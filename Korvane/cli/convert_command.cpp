@@ -104,10 +104,11 @@ void addConvertCommand(CLI::App& app, cli_context& context)
         ->type_name("ANIM")
         ->required()
         ->check(notEmpty());
-    command->add_option("-o", options->output, "The .anim file to write")
+    command->add_option("-o,--output", options->output, "The .anim file to write")
         ->type_name("FILE")
         ->required()
-        ->check(notEmpty());
+        ->check(notEmpty())
+        ->check(endingIn(".anim"));
     addTimeOptions(*command, *options);
     command->add_option("--version", options->version, "Of the new file, 5 or 7; the template's without it")
         ->type_name("V")

@@ -2,6 +2,7 @@
 
 #include "Korvane/cli/commands.h"
 
+#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/cli/output_files.h"
 #include "Korvane/document/model_editor.h"
@@ -10,7 +11,9 @@
 
 #include <array>
 #include <charconv>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 namespace korvane
@@ -166,8 +169,25 @@ bool applyEdits(const edit_options& options, model_editor& editor, std::vector<s
     return true;
 }
 
+json changeJson(const field_change& change)
+{
+    return {{"lod", change.lod},
+            {"group", change.group},
+            {"texture", change.texture ? json(*change.texture) : json()},
+            {"before", displayText(change.before)},
+            {"after", displayText(change.after)}};
+}
+
+// The model itself, and nothing in it changes: then the file is left alone.
+bool isLeftAlone(const std::string& operand, const std::string& output, std::size_t changes)
+{
+    std::error_code error;
+    return changes == 0 && !game_path(operand).isInternal() &&
+           std::filesystem::equivalent(toPath(operand), toPath(output), error) && !error;
+}
+
 bool editModel(cli_context& context, const edit_options& options, const std::string& operand, const std::string& output,
-               failure& why)
+               json& row, failure& why)
 {
     rmv2_file model;
     if (!openToEdit(context, operand, options.is_forced, model, why))
@@ -177,19 +197,23 @@ bool editModel(cli_context& context, const edit_options& options, const std::str
     if (!applyEdits(options, editor, notes, why))
         return false;
     std::string list;
-    std::size_t count = 0;
+    json changes = json::array();
     for (const field_change& change : editor.changes())
         if (change.is_saved)
         {
-            ++count;
+            changes.push_back(changeJson(change));
             list += "  " + terminalText(describe(change)) + "\n";
         }
-    if (!options.is_dry_run && !saveModel(model, output, why))
+    const bool is_written = !options.is_dry_run && !isLeftAlone(operand, output, changes.size());
+    if (is_written && !saveModel(model, output, why))
         return false;
     for (const std::string& note : notes)
         context.note(displayText(operand) + ": " + displayText(note));
-    context.print(terminalText(options.is_dry_run ? operand : output) + ": " + std::to_string(count) +
-                  (count == 1 ? " change\n" : " changes\n") + (options.is_dry_run ? list : ""));
+    if (!context.is_json)
+        context.print(terminalText(options.is_dry_run ? operand : output) + ": " + counted(changes.size(), "change") +
+                      "\n" + (options.is_dry_run ? list : ""));
+    row["outcome"] = is_written ? "written" : options.is_dry_run && !changes.empty() ? "would change" : "unchanged";
+    row["changes"] = std::move(changes);
     return true;
 }
 
@@ -200,7 +224,7 @@ void addEditCommand(CLI::App& app, cli_context& context)
     const auto options = std::make_shared<edit_options>();
     CLI::App* command = app.add_subcommand("edit", "Set texture paths and alpha modes of models");
     command->add_option("MODEL", options->models, model_operands_help)->required();
-    command->add_option("-o", options->output, "The file to write, or for several models the folder")
+    command->add_option("-o,--output", options->output, "The file to write, or for several models the folder")
         ->type_name("OUT")
         ->check(notEmpty());
     const auto addEdits = [command](const char* name, std::vector<std::string>& values, const char* type,
@@ -219,12 +243,13 @@ void addEditCommand(CLI::App& app, cli_context& context)
     command->add_flag("--dry-run", options->is_dry_run, "Only list what would change; nothing is written");
     command->add_flag("--force", options->is_forced,
                       "Edit a model that says version 7 over the LOD headers of version 6");
+    context.addJsonOption(*command);
     command->callback([options, &context] {
         if (!options->is_dry_run && options->output.empty())
             throw CLI::RequiredError("-o or --dry-run");
         forEachModel(context, options->models, {options->output, options->is_dry_run},
-                     [&](const std::string& model, const std::string& out, failure& why) {
-                         return editModel(context, *options, model, out, why);
+                     [&](const std::string& model, const std::string& out, json& row, failure& why) {
+                         return editModel(context, *options, model, out, row, why);
                      });
     });
 }

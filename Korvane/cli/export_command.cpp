@@ -124,7 +124,7 @@ void checkOptions(const export_job_options& options, bool is_one_model)
                                              " need a folder, one file is written for each");
     if (is_file && options.folder_format && !endsWithIgnoringCase(options.output, "." + *options.folder_format))
         throw CLI::ValidationError("--format", "the file's name says another format: " + options.output);
-    if (is_one_file && !is_file && !isFolder(options.output))
+    if ((is_one_file || isNamedLikeFile(options.output)) && !is_file && !isFolder(options.output))
         throw CLI::ValidationError("-o",
                                    "the name must end in .fbx or .dae, or be that of a folder: " + options.output);
 }
@@ -157,7 +157,7 @@ void addExportCommand(CLI::App& app, cli_context& context)
     CLI::App* command = app.add_subcommand("export", "Write models as FBX or Collada, with skeleton and animations");
     command->add_option("MODEL", options->operands, model_operands_help)->required();
     command
-        ->add_option("-o", options->job.output,
+        ->add_option("-o,--output", options->job.output,
                      "The file to write, .fbx or .dae; or a folder, whose files get their names from the animations or "
                      "the models")
         ->required()

@@ -1,6 +1,7 @@
 // The console program: parses the command line, runs one command, returns its exit status (0 done, 1 failed, 2 wrong
 // command line).
 
+#include "EASY_GUI/services/text.h"
 #include "EASY_GUI/services/version.h"
 #include "Korvane/cli/commands.h"
 #include "Korvane/cli/console.h"
@@ -45,11 +46,51 @@ std::pair<const CLI::App*, std::string> understood(const CLI::App& app)
     return {last, names};
 }
 
+std::string didYouMean(std::string_view wanted, const std::vector<std::string>& known)
+{
+    const std::string nearest = nearestName(wanted, known);
+    return nearest.empty() ? std::string() : "; did you mean " + nearest + "?";
+}
+
+std::string noCommand(const CLI::App& parent, const std::string& before, const std::string& name)
+{
+    if (before.empty() && name == "render") // in that program it would have been understood
+        return "render is in the Windows program alone: korvane-cli.exe render (also under Wine)";
+    std::vector<std::string> known;
+    for (const CLI::App* command : parent.get_subcommands([](const CLI::App*) { return true; }))
+        known.push_back(command->get_name());
+    if (before.empty())
+        known.emplace_back("render");
+    return "there is no command \"" + before + name + "\"" + didYouMean(name, known);
+}
+
+// Empty: every option is known.
+std::string unknownOption(const CLI::App& app, const CLI::App& last, const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> known;
+    for (const CLI::App* command : {&app, &last})
+        for (const CLI::Option* option : command->get_options())
+            for (const std::string& name : option->get_lnames())
+                known.push_back("--" + name);
+    for (const std::string& argument : arguments)
+    {
+        const std::string name = argument.substr(0, argument.find('='));
+        if (argument == "--")
+            break;
+        if (name.starts_with("--") && std::find(known.begin(), known.end(), name) == known.end())
+            return "there is no option " + oneLine(name) + didYouMean(name, known);
+    }
+    return {};
+}
+
 // The library only says that a command is missing where an unknown one stands.
 std::string whatIsWrong(const CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& arguments)
 {
     const auto [last, before] = understood(app);
     const auto isAny = [](const CLI::App*) { return true; };
+    if (dynamic_cast<const CLI::ExtrasError*>(&error))
+        if (std::string wrong = unknownOption(app, *last, arguments); !wrong.empty())
+            return wrong;
     if (last->get_subcommands(isAny).empty()) // it takes no command
         return oneLine(error.what());
     auto argument = arguments.begin();
@@ -57,7 +98,7 @@ std::string whatIsWrong(const CLI::App& app, const CLI::ParseError& error, const
         argument = std::find(arguments.begin(), arguments.end(), last->get_name());
     for (; argument != arguments.end(); ++argument)
         if (!argument->starts_with('-') && !hasCommand(*last, *argument) && !hasCommand(app, *argument))
-            return "there is no command \"" + before + oneLine(*argument) + "\"";
+            return noCommand(*last, before, oneLine(*argument));
     return oneLine(error.what());
 }
 

@@ -23,7 +23,7 @@ struct patch_options
     bool is_repair = false;
 };
 
-bool patchModel(cli_context& context, bool is_repair, const std::string& operand, const std::string& output,
+bool patchModel(cli_context& context, bool is_repair, const std::string& operand, const std::string& output, json& row,
                 failure& why)
 {
     memory_file bytes;
@@ -41,7 +41,9 @@ bool patchModel(cli_context& context, bool is_repair, const std::string& operand
     rmv2_file model;
     if (!model.openFromMemory(std::move(bytes), operand, why) || !patchToVersion7(model, output, why))
         return false;
-    context.print(terminalText(output) + ": version 7\n");
+    if (!context.is_json)
+        context.print(terminalText(output) + ": version 7\n");
+    row["outcome"] = "written";
     return true;
 }
 
@@ -52,16 +54,17 @@ void addPatchCommand(CLI::App& app, cli_context& context)
     const auto options = std::make_shared<patch_options>();
     CLI::App* command = app.add_subcommand("patch", "Make models of version 6 models of version 7");
     command->add_option("MODEL", options->models, model_operands_help)->required();
-    command->add_option("-o", options->output, "The file to write, or for several models the folder")
+    command->add_option("-o,--output", options->output, "The file to write, or for several models the folder")
         ->type_name("OUT")
         ->required()
         ->check(notEmpty());
     command->add_flag("--repair", options->is_repair,
                       "Take models that say version 7 over the LOD headers of version 6, too");
+    context.addJsonOption(*command);
     command->callback([options, &context] {
         forEachModel(context, options->models, {options->output},
-                     [&](const std::string& model, const std::string& output, failure& why) {
-                         return patchModel(context, options->is_repair, model, output, why);
+                     [&](const std::string& model, const std::string& output, json& row, failure& why) {
+                         return patchModel(context, options->is_repair, model, output, row, why);
                      });
     });
 }

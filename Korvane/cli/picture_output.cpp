@@ -19,7 +19,7 @@ bool takePictures(cli_context& context, const std::vector<std::string>& operands
     if (!listOperands(context, operands, list))
         return false;
     if (!list.isOneFile())
-        requireFolder(list, batch.output);
+        requireFolder(batch.output);
     else if (!is_file && !isFolder(batch.output))
     {
         std::string wanted;

@@ -153,6 +153,7 @@ void addRenderCommand(CLI::App& app, cli_context& context)
     command->add_option("-o,--output", arguments->output, "The picture to write")
         ->required()
         ->check(notEmpty())
+        ->check(endingIn(".png"))
         ->type_name("OUT.png");
     command->add_option("--size", arguments->size, "Width and height in pixels (default: 1280x720)")
         ->check(pictureSize())

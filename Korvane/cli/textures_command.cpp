@@ -30,7 +30,7 @@ void report(cli_context& context, const textures_job_result& result)
         for (const failure& why : result.failures)
             context.nameFailure(why);
     for (const extracted_texture& file : result.textures.kept)
-        context.note(terminalText(describe(keptFailure(file.path))));
+        context.nameFailure(keptFailure(file.path));
     if (!context.is_json)
     {
         std::string text = extractedText(result.textures.files.size());
@@ -53,7 +53,7 @@ void report(cli_context& context, const textures_job_result& result)
                          {"outcome", outcomeName(file.outcome)}});
     json kept = json::array();
     for (const extracted_texture& file : result.textures.kept)
-        kept.push_back(displayText(file.path));
+        kept.push_back({{"internal_path", displayText(file.internal_path)}, {"path", displayText(file.path)}});
     json failed = json::array();
     for (const failure& why : result.failures)
         failed.push_back({{"path", displayText(why.path)}, {"reason", displayText(describe(why))}});
@@ -92,7 +92,7 @@ void addTexturesCommand(CLI::App& app, cli_context& context)
                      "Models, variant mesh definitions with all their models, folders, or patterns with * and ?; on "
                      "disk, or pack: and an internal path or pattern")
         ->required();
-    command->add_option("-o", options->job.extraction.folder, "The folder below which they come to lie")
+    command->add_option("-o,--output", options->job.extraction.folder, "The folder below which they come to lie")
         ->required()
         ->type_name("DIR")
         ->check(notEmpty());
@@ -110,6 +110,7 @@ void addTexturesCommand(CLI::App& app, cli_context& context)
         if (!options->form.empty())
             options->job.extraction.form = pictureKind("." + options->form);
         options->job.extraction.makes_normals_blue = !options->normals.empty();
+        requireFolder(options->job.extraction.folder);
         operand_list list(definitionOperands());
         if (!listOperands(context, options->operands, list))
             return;

@@ -4,6 +4,8 @@
 #include "Korvane/archives/pack_reader.h"
 #include "Korvane/game/data_folders.h"
 
+#include <utility>
+
 namespace korvane
 {
 
@@ -61,8 +63,8 @@ game_load game_loader::load(const work_port& work) const
         if (!endsInSeparator(folder))
             result.notices.push_back(withoutSeparator(folder));
     for (const archive_listing& archive : reader.listings())
-        for (const std::string& path : archive.left_out)
-            result.left_out.push_back(describeLeftOut(archive, path));
+        for (std::string& line : describeLeftOut(archive))
+            result.left_out.push_back(std::move(line));
     // Whether that succeeds or not: the cache is found by its usual name as well.
     if (reader.hasWrittenCache())
         recordCache(work.log);

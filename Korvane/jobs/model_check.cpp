@@ -193,7 +193,7 @@ void model_check::reportSkeletonMissing(const std::string& id)
     if (m_known.hasArchives())
         add(finding_severity::error, "skeleton_missing", "no archive has the skeleton " + inQuotes(id) + hint);
     else
-        add(near.empty() ? finding_severity::note : finding_severity::warning, "skeleton_missing",
+        add(finding_severity::note, "skeleton_missing",
             "the skeleton " + inQuotes(id) +
                 " is not on the disk around the model; no archives were given, so it may be in them" + hint);
 }
@@ -341,8 +341,8 @@ void model_check::reportTextureMissing(const texture_entry& texture, const std::
     if (m_known.hasArchives())
         return add(finding_severity::error, "texture_missing",
                    what + "in no archive" + (m_around.empty() ? "" : " and not beside the model") + hint);
-    // Most textures of a mod are the game's own; a path that nearly leads to a file of the mod is probably misspelt.
-    add(hint.empty() ? finding_severity::note : finding_severity::warning, "texture_missing",
+    // Most textures of a mod are the game's own, also those whose names are near one of the mod's.
+    add(finding_severity::note, "texture_missing",
         what + "not beside the model; no archives were given, so it may be in them" + hint);
 }
 

@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace korvane
@@ -24,6 +26,45 @@ bool createFolder(const std::string& path, failure& why)
     std::error_code error;
     std::filesystem::create_directories(toPath(path), error);
     return !error || fail(why, failure_kind::unwritable, "the folder cannot be created: " + error.message(), path);
+}
+
+bool canWriteBelow(const std::string& folder, failure& why)
+{
+    std::error_code ignored;
+    std::filesystem::path there = std::filesystem::absolute(toPath(folder), ignored).lexically_normal();
+    while (!std::filesystem::exists(there, ignored) && there.has_relative_path())
+        there = there.parent_path();
+    if (!std::filesystem::is_directory(there, ignored))
+        return fail(why, failure_kind::unwritable, "the folder cannot be created: a file is in its way", folder);
+    failure reason;
+    if (canWriteWholeFile(toUtf8(there / "korvane.tmp"), reason))
+        return true;
+    reason.path = folder;
+    why = std::move(reason);
+    return false;
+}
+
+bool isNamedLikeFile(const std::string& path)
+{
+    constexpr const char* endings[] = {".rigid_model_v2",
+                                       ".variantmeshdefinition",
+                                       ".anim",
+                                       ".bone_table",
+                                       ".pack",
+                                       ".fbx",
+                                       ".dae",
+                                       ".glb",
+                                       ".gltf",
+                                       ".obj",
+                                       ".dds",
+                                       ".png",
+                                       ".tga",
+                                       ".jpg",
+                                       ".bmp",
+                                       ".zip",
+                                       ".txt"};
+    return std::any_of(std::begin(endings), std::end(endings),
+                       [&path](const char* ending) { return endsWithIgnoringCase(path, ending); });
 }
 
 namespace

@@ -18,6 +18,11 @@ namespace korvane
 [[nodiscard]] bool isFolder(const std::string& path);
 [[nodiscard]] bool createFolder(const std::string& path, failure& why); // with those above it
 
+// What createFolder() and then writing into the folder would run into; nothing is created.
+[[nodiscard]] bool canWriteBelow(const std::string& folder, failure& why);
+// True for a name that ends as files do that this program or others know: hardly meant as a folder's.
+[[nodiscard]] bool isNamedLikeFile(const std::string& path);
+
 // What became of a file below an output folder, where painted work may lie under the name that a picture had.
 enum class output_outcome
 {

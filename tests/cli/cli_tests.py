@@ -90,6 +90,14 @@ class command_line(cli_case):
 
     def test_an_unknown_command_is_named(self):
         self.expect_failure(["bogus"], 2, "bogus")
+        self.expect_failure(["exprot"], 2, "did you mean export?")
+        self.expect_failure(["info", "a", "--verticies"], 2, "--verticies", "did you mean --vertices?")
+        for arguments in (["convert", "a", "--template", "b", "--output", "c.fbx"], ["export", "a", "-o", "two.glb"],
+                          ["export", "a", "--skeleton", "s", "--anim", "b", "--anim", "c", "-o", "two.glb"],
+                          ["textures", "a", "-o", "x.png"], ["extract", "--match", "*", "-o", "x.pack"]):
+            self.expect_failure(arguments, 2, "-o")
+        if not is_windows:
+            self.expect_failure(["render", "a", "-o", "b.png"], 2, "korvane-cli.exe")
         self.expect_failure(["demo-data", ""], 2, "empty")
 
     def test_what_cannot_be_written_or_read_is_said(self):
@@ -434,10 +442,13 @@ class archives(cli_case):
         self.pack(os.path.join(other, "x.pack"), [(b"one/two", b"1", 0), (b"one\\two", b"22", 0), (b"cut", b"3", 0)])
         with open(os.path.join(other, "x.pack"), "r+b") as file:
             file.truncate(os.path.getsize(file.name) - 1)
+        self.pack(os.path.join(other, "y.pack"), [(b"lost%d" % i, b"12345", 0) for i in range(103)])
+        os.truncate(os.path.join(other, "y.pack"), os.path.getsize(os.path.join(other, "y.pack")) - 5 * 102)
         both = ["--data", self.folder, "--data", other]
         code, out, err = korvane("list", "o*", *both, check=0)
         self.assertEqual(out, b"one/two\none\\two\nonly\\a.txt\n")
         self.assertIn(b"its data is not inside the archive: cut", err)
+        self.assertEqual((err.count(b"y.pack"), err.count(b"99 more files")), (4, 1))  # the first three, and how many more
         code, out, err = korvane("extract", "--match", "one?two", "-o", self.path("out"), "--quiet", "--json", *both)
         outcomes = [(row["internal_path"], row["outcome"], row["reason"]) for row in json.loads(out)["files"]]
         self.assertEqual((code, [row[:2] for row in outcomes]), (1, [("one/two", "written"), ("one\\two", "failed")]))

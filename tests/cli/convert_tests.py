@@ -279,10 +279,10 @@ class convert(cli_tests.cli_case):
             self.assertIn(b"frames are more than", self.convert(*options, check=1)[2])
         self.assertIn(b"behind the end of the take", self.convert("--start-time", "7", "--frames", "2")[2])
         os.unlink(self.out)
-        for target in (self.fbx, self.template, self.config):
+        for target, status, text in ((self.template, 1, b"would replace"), (self.fbx, 2, b".anim")):
             code, _, err = korvane("convert", self.fbx, "--template", self.template, "-o", target, "--config",
                                    self.config)
-            self.assertEqual((code, b"would replace" in err), (1, True))
+            self.assertEqual((code, text in err), (status, True))
         self.assertFalse(os.path.exists(self.out))
 
 

@@ -142,7 +142,12 @@ class saving(edit_case):
         self.assertIn("LOD 1, group 0, alpha mode: 0 (Alpha Off) -> 0xFFFFFFFF (Metal/Reflections)", out)
         self.edit(path, self.models["demo_column"], "-o", self.path("folder"), "--dry-run", "--replace", "a=b")
         self.assertEqual(os.listdir(self.folder), [])
+        self.edit(path, "-o", self.path("none/x.rigid_model_v2"), "--dry-run", check=1)  # as the run would
         twin = self.write("demo_guard.rigid_model_v2", read(path))
+        before = os.stat(twin)
+        rows = json.loads(self.edit(twin, "-o", twin, "--json")[0])["files"]
+        self.assertEqual([(row["outcome"], row["changes"]) for row in rows], [("unchanged", [])])
+        self.assertEqual((os.stat(twin).st_ino, os.stat(twin).st_mtime_ns), (before.st_ino, before.st_mtime_ns))
         err = self.edit(path, twin, "-o", self.path("folder"), "--dry-run", check=1)[1]
         self.assertIn("the same path on the disk", err)
         name = json.loads(korvane("info", path, "--json", check=0)[1])["lods"][0]["groups"][0]["textures"][0]["path"]

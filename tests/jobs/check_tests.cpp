@@ -278,7 +278,7 @@ TEST_F(check_test, withoutArchivesOnlyTheDiskCounts)
         return found;
     };
     const std::vector<finding> found = checkOnDisk(path);
-    // What is missing may be in an archive, unless it is nearly the name of a file of the mod.
+    // What is missing may be in an archive, whatever lies beside it.
     const std::string normal =
         "\"TEX\\body_normal.dds\" (Normal Map) is not beside the model; no archives were given, so "
         "it may be in them";
@@ -293,7 +293,7 @@ TEST_F(check_test, withoutArchivesOnlyTheDiskCounts)
     };
     EXPECT_EQ(lines(found), expected("note", ""));
     writeBytes(m_folder.file("tex/body_norml.dds"), "DDS");
-    EXPECT_EQ(lines(checkOnDisk(path)), expected("warning", "; did you mean \"tex\\body_norml.dds\"?"));
+    EXPECT_EQ(lines(checkOnDisk(path)), expected("note", "; did you mean \"tex\\body_norml.dds\"?"));
     model.skeleton_id = "humanoid01";
     writeBytes(path, model.bytes());
     std::filesystem::create_directories(toPath(m_folder.file("animations/skeletons")));
