@@ -141,6 +141,17 @@ void field_panel::place(int x, int y, int width, int height)
     SetWindowPos(handle(), nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+void field_panel::showUpTo(int height)
+{
+    RECT whole = clientRectangle();
+    const bool is_cut = height < whole.bottom;
+    if (!is_cut && !m_is_cut)
+        return;
+    m_is_cut = is_cut;
+    HRGN region = is_cut ? CreateRectRgn(0, 0, whole.right, std::max(height, 0)) : nullptr;
+    SetWindowRgn(handle(), region, TRUE); // the window owns it from now on
+}
+
 void field_panel::onSize(int width, int height, size_change)
 {
     if (m_po_font == nullptr)

@@ -54,6 +54,7 @@ public:
     void setFont(const font& used); // of all its controls; the font must outlive the panel or the next call
     int preferredHeight() const;    // pixels
     void place(int x, int y, int width, int height);
+    void showUpTo(int height); // pixels from its upper edge; what lies below is not drawn
 
     // The fields of the table, by number.
     void setText(int id, std::string_view text);
@@ -93,6 +94,7 @@ private:
     std::map<int, control*> m_by_id;
     std::map<int, edit_box*> m_paths;
     std::map<HWND, field_colour> m_colours;
+    bool m_is_cut = false; // by showUpTo()
 };
 
 } // namespace korvane

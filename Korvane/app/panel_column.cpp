@@ -46,14 +46,20 @@ int panel_column::contentHeight() const
     int height = m_owner.scaled(panel_margin);
     for (const field_panel* const part : m_panels)
         height += part->preferredHeight() + m_owner.scaled(panel_margin);
-    return height + barHeight() + m_owner.scaled(panel_margin);
+    return height;
+}
+
+int panel_column::lowerEdge() const
+{
+    const int bar = barHeight() + m_owner.scaled(panel_margin);
+    return std::max(static_cast<int>(m_owner.clientRectangle().bottom) - bar, 0);
 }
 
 void panel_column::fitHeight()
 {
     RECT own{};
     GetWindowRect(m_owner.handle(), &own);
-    const int wanted = contentHeight() + (own.bottom - own.top) - m_owner.clientRectangle().bottom;
+    const int wanted = contentHeight() + (own.bottom - own.top) - lowerEdge();
     if (wanted < own.bottom - own.top)
         SetWindowPos(m_owner.handle(), nullptr, 0, 0, own.right - own.left, wanted,
                      SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -65,7 +71,7 @@ void panel_column::layOut()
     range.cbSize = sizeof(range);
     range.fMask = SIF_RANGE | SIF_PAGE;
     range.nMax = contentHeight() - 1;
-    range.nPage = static_cast<UINT>(m_owner.clientRectangle().bottom);
+    range.nPage = static_cast<UINT>(lowerEdge());
     SetScrollInfo(m_owner.handle(), SB_VERT, &range, TRUE); // hides the bar when everything fits
     const RECT client = m_owner.clientRectangle();
     const int border = m_owner.scaled(panel_margin);
@@ -75,9 +81,10 @@ void panel_column::layOut()
     {
         const int height = part->preferredHeight();
         part->place(border, y, width, height);
+        part->showUpTo(lowerEdge() - y);
         y += height + border;
     }
-    y = std::max(y, static_cast<int>(client.bottom) - border - barHeight());
+    y = lowerEdge();
     const int button_width = m_font.widthOf(m_last.text()) + m_owner.scaled(28);
     m_status.place(border + m_owner.scaled(2), y, width - button_width - border, barHeight());
     m_last.place(client.right - border - button_width, y, button_width, barHeight());
@@ -119,8 +126,10 @@ void panel_column::scrollInto(HWND control)
     GetWindowRect(control, &place);
     MapWindowPoints(nullptr, m_owner.handle(), reinterpret_cast<POINT*>(&place), 2);
     const int border = m_owner.scaled(panel_margin);
-    const LONG below = place.bottom + border - m_owner.clientRectangle().bottom;
+    const LONG below = place.bottom + border - lowerEdge();
     const LONG above = place.top - border;
+    if (control == m_last.handle())
+        return;
     if (above < 0 || below > 0)
         scrollTo(scrollState(m_owner.handle()).nPos + (above < 0 ? above : below));
 }

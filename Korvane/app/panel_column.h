@@ -1,7 +1,7 @@
 #pragma once
 
-// The content of the main window: panels one below the other over its whole width, then a row with the status line and
-// a button, which stays at the lower edge while there is room. What does not fit is reached with the scroll bar. The
+// The content of the main window: panels one below the other over its whole width, and at the lower edge a row with the
+// status line and a button, which is always seen. Panels that do not fit above it are reached with the scroll bar. The
 // window owns the controls and hands its messages on.
 
 #include "EASY_GUI/win32/button.h"
@@ -37,6 +37,7 @@ public:
 private:
     int contentHeight() const;
     int barHeight() const; // of the last row
+    int lowerEdge() const; // of what the panels may cover
     void scrollTo(int position);
 
     window& m_owner;

@@ -238,16 +238,27 @@ TEST_F(main_window_test, withoutAGraphicsDeviceTheModelIsStillShown)
     EXPECT_EQ(m_view.models.size(), 1u);
 }
 
-TEST_F(main_window_test, aLowWindowScrollsToItsLastRow)
+TEST_F(main_window_test, aLowWindowScrollsItsPanelsAboveTheStatusLine)
 {
     openWindow(write("soldier.rigid_model_v2", soldier()));
     SetWindowPos(m_window->handle(), nullptr, 0, 0, 620, 420, SWP_NOMOVE | SWP_NOZORDER);
     pump();
     const LONG height = m_window->clientRectangle().bottom;
-    EXPECT_GT(placeOf(find(control_status)).bottom, height);
+    const RECT status = placeOf(find(control_status));
+    EXPECT_LE(status.bottom, height);
     SendMessageW(m_window->handle(), WM_VSCROLL, SB_BOTTOM, 0);
-    EXPECT_LE(placeOf(find(control_status)).bottom, height);
+    EXPECT_EQ(placeOf(find(control_status)).top, status.top);
     EXPECT_LT(placeOf(find(control_file_path)).bottom, 0);
+    // Every panel ends above the line: what is cut of it is not drawn.
+    for (HWND child = GetWindow(m_window->handle(), GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+    {
+        RECT seen{};
+        if (child == find(control_status) || child == find(control_show_view))
+            continue;
+        const RECT place = placeOf(child);
+        const LONG end = GetWindowRgnBox(child, &seen) == ERROR ? place.bottom : place.top + seen.bottom;
+        EXPECT_LE(std::min(end, height), std::max(status.top, place.top));
+    }
     SetWindowPos(m_window->handle(), nullptr, 0, 0, 620, 1000, SWP_NOMOVE | SWP_NOZORDER);
     pump();
     EXPECT_GT(placeOf(find(control_file_path)).bottom, 0) << "there is room again";
