@@ -1,5 +1,6 @@
 #include "Korvane/app/main_window.h"
 
+#include "EASY_GUI/services/config_keys.h"
 #include "EASY_GUI/services/text.h"
 #include "EASY_GUI/services/version.h"
 #include "Korvane/app/command_ids.h"
@@ -7,7 +8,6 @@
 #include "Korvane/document/command_table.h"
 #include "Korvane/document/kept_edits.h"
 #include "Korvane/document/recent_files.h"
-#include "Korvane/game/data_folders.h"
 
 #include <algorithm>
 #include <shellapi.h>
@@ -134,14 +134,14 @@ void main_window::onDestroyed()
 
 void main_window::showFirstRunNotice()
 {
-    if (!m_ports.config.get("FIRST_TIME").empty())
+    if (!m_ports.config.get(config_keys::first_time).empty())
         return;
     m_ports.prompt.show("Important!",
                         "Rmember to the setup the \\data\\ folders or your game in the Menu 'Tools'->'Setup Game "
                         "Folders'.\n\rIf folders are not set animation/skeleton export and animation playback is "
                         "disabled",
                         prompt_icon::error);
-    changeConfig([](config_file& config) { return config.add("FIRST_TIME", {"no"}, false); });
+    changeConfig([](config_file& config) { return config.add(config_keys::first_time, {"no"}, false); });
 }
 
 bool main_window::createPanels()
@@ -478,7 +478,7 @@ void main_window::takeUpConfig()
     if (now == m_config_stamp || !fresh.load(configPath()))
         return;
     const auto folders = [](const config_file& config) {
-        return std::pair(config.get(data_folders_key), config.get(mod_folders_key));
+        return std::pair(config.get(config_keys::data_folders), config.get(config_keys::mod_folders));
     };
     const bool has_other_folders = folders(fresh) != folders(m_ports.config);
     m_ports.config = std::move(fresh);

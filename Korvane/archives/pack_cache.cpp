@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/byte_reader.h"
 #include "EASY_GUI/services/byte_writer.h"
+#include "EASY_GUI/services/config_keys.h"
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/memory_file.h"
 #include "EASY_GUI/services/parallel.h"
@@ -340,7 +341,7 @@ pack_cache pack_cache::of(const config_file& config, const std::string& config_p
 {
     const std::filesystem::path folder =
         toPath(config_path.empty() ? config_file::defaultPath() : config_path).parent_path();
-    const std::vector<std::string> recorded = config.get(config_key);
+    const std::vector<std::string> recorded = config.get(config_keys::packs_cache);
     const bool is_usable = !recorded.empty() && recorded.front().ends_with(".cache");
     const std::string name = is_usable ? recorded.front() : std::string(file_name);
     return pack_cache(existingPathAnyCase(toUtf8(folder / toPath(name))));
@@ -368,7 +369,8 @@ void pack_cache::discard() const
 
 bool pack_cache::recordIn(config_file& config)
 {
-    return config.get(config_key).empty() && config.add(config_key, {std::string(file_name)}, false);
+    return config.get(config_keys::packs_cache).empty() &&
+           config.add(config_keys::packs_cache, {std::string(file_name)}, false);
 }
 
 bool pack_cache::load(const std::vector<std::string>& archive_paths, indexed_archives& indexed, failure& why) const

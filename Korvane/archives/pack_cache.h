@@ -42,7 +42,6 @@ public:
     explicit pack_cache(std::string path) : m_path(std::move(path)) {}
 
     static constexpr std::string_view file_name = "packs.cache";
-    static constexpr std::string_view config_key = "packs_cache"; // holds the file's name or path
     static constexpr std::string_view identification = "Korvane pack cache 1";
 
     // The cache that the configuration records (a name that ends in ".cache"), else "packs.cache" beside it. An empty

@@ -1,11 +1,14 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/config_file.h"
+#include "EASY_GUI/services/config_keys.h"
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/game/data_folders.h"
 
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 namespace korvane
 {
@@ -85,16 +88,30 @@ bool isKey(const std::string& key)
     return !key.empty() && toLower(key).find_first_not_of("0123456789abcdefghijklmnopqrstuvwxyz_") == std::string::npos;
 }
 
+// Any key may be stored, and nobody would notice a misspelt one.
+void noteUnknownKey(cli_context& context, const std::string& key)
+{
+    if (context.exitStatus() != 0)
+        return;
+    const std::vector<std::string> known(config_keys::known.begin(), config_keys::known.end());
+    if (std::find(known.begin(), known.end(), key) != known.end())
+        return;
+    const std::string nearest = nearestName(key, known);
+    context.note("the program has no key \"" + key + "\"" +
+                 (nearest.empty() ? std::string() : "; did you mean " + nearest + "?"));
+}
+
 void addValues(cli_context& context, const config_options& options)
 {
     const std::string key = toLower(options.key);
-    const bool is_folders = key == data_folders_key || key == mod_folders_key;
+    const bool is_folders = key == config_keys::data_folders || key == config_keys::mod_folders;
     const std::vector<std::string> values = is_folders ? foldersGiven(options.values) : options.values;
     for (const std::string& value : values)
         if (value.find('"') != std::string::npos)
             return context.fail(
                 {failure_kind::refused, "a value cannot hold a quotation mark: " + value, configPath(context), 0, {}});
     changeConfig(context, [&](config_file& config) { return config.add(key, values, options.at_front); });
+    noteUnknownKey(context, key);
 }
 
 void clearKey(cli_context& context, const config_options& options)
@@ -103,6 +120,7 @@ void clearKey(cli_context& context, const config_options& options)
         config.clear(options.key);
         return true;
     });
+    noteUnknownKey(context, toLower(options.key));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "Korvane/document/recent_files.h"
 
+#include "EASY_GUI/services/config_keys.h"
 #include "EASY_GUI/services/file_stamp.h"
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
@@ -9,14 +10,9 @@
 namespace korvane
 {
 
-namespace
-{
-constexpr const char* recent_files_key = "config_recent_files";
-}
-
 std::vector<std::string> recentFiles(const config_file& config)
 {
-    std::vector<std::string> files = config.get(recent_files_key);
+    std::vector<std::string> files = config.get(config_keys::recent_files);
     files.resize(std::min(files.size(), max_recent_files));
     for (std::string& file : files)
         if (!game_path(file).isInternal())
@@ -26,21 +22,21 @@ std::vector<std::string> recentFiles(const config_file& config)
 
 void addRecentFile(config_file& config, const std::string& path)
 {
-    std::vector<std::string> files = config.get(recent_files_key);
+    std::vector<std::string> files = config.get(config_keys::recent_files);
     std::erase_if(files, [&](const std::string& file) { return equalsIgnoringCase(file, path); });
     files.insert(files.begin(), path);
     files.resize(std::min(files.size(), max_recent_files));
-    config.clear(recent_files_key);
-    config.add(recent_files_key, files, false);
+    config.clear(config_keys::recent_files);
+    config.add(config_keys::recent_files, files, false);
 }
 
 bool removeRecentFile(config_file& config, const std::string& path)
 {
-    std::vector<std::string> files = config.get(recent_files_key);
+    std::vector<std::string> files = config.get(config_keys::recent_files);
     if (std::erase_if(files, [&](const std::string& file) { return equalsIgnoringCase(file, path); }) == 0)
         return false;
-    config.clear(recent_files_key);
-    config.add(recent_files_key, files, false);
+    config.clear(config_keys::recent_files);
+    config.add(config_keys::recent_files, files, false);
     return true;
 }
 

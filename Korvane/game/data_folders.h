@@ -8,10 +8,6 @@
 namespace korvane
 {
 
-// What the configuration calls them.
-inline constexpr const char* data_folders_key = "data_paths";
-inline constexpr const char* mod_folders_key = "mod_paths";
-
 [[nodiscard]] bool endsInSeparator(const std::string& folder);
 // With a separator at its end: of the kind that it has itself, else of this system.
 [[nodiscard]] std::string withSeparator(std::string folder);

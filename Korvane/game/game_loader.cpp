@@ -1,5 +1,6 @@
 #include "Korvane/game/game_loader.h"
 
+#include "EASY_GUI/services/config_keys.h"
 #include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/pack_reader.h"
 #include "Korvane/game/data_folders.h"
@@ -24,12 +25,12 @@ notice withoutSeparator(const std::string& folder)
 
 std::vector<std::string> game_loader::folders() const
 {
-    return m_folders ? *m_folders : m_config.get(data_folders_key);
+    return m_folders ? *m_folders : m_config.get(config_keys::data_folders);
 }
 
 std::vector<std::string> game_loader::modFolders() const
 {
-    return m_mod_folders ? *m_mod_folders : m_config.get(mod_folders_key);
+    return m_mod_folders ? *m_mod_folders : m_config.get(config_keys::mod_folders);
 }
 
 // False when one that was asked for, for once, cannot be read: what then would be shown is not what was asked for.

@@ -1,6 +1,7 @@
 #include "Korvane/jobs/convert_job.h"
 
 #include "EASY_GUI/services/config_file.h"
+#include "EASY_GUI/services/config_keys.h"
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/animation/bone_table.h"
@@ -95,7 +96,8 @@ void convert_run::remember()
     failure why;
     config_file config;
     const auto addPath = [&path](config_file& changed) {
-        return !changed.contains(converted_files_key, path) && changed.add(converted_files_key, {path}, false);
+        return !changed.contains(config_keys::converted_files, path) &&
+               changed.add(config_keys::converted_files, {path}, false);
     };
     if (path.find('"') != std::string::npos)
         fail(why, failure_kind::refused, "its path has a quotation mark");

@@ -20,9 +20,6 @@
 namespace korvane
 {
 
-// The list of the configuration that every written file is added to, by its whole path.
-inline constexpr std::string_view converted_files_key = "FBX_CONVERTED_FILES";
-
 // What a conversion takes on: more frames, or more bytes of them, are refused.
 inline constexpr std::uint32_t max_converted_frames = 1000000;
 inline constexpr std::uint64_t max_converted_bytes = std::uint64_t{128} << 20;
