@@ -92,7 +92,7 @@ private:
     std::string m_error;
 };
 
-constexpr std::chrono::seconds patience(5);
+constexpr std::chrono::seconds patience(20); // a busy disk may take seconds for each of those who wait before
 
 bool hasQuote(const std::string& value)
 {

@@ -356,7 +356,7 @@ bool main_window::openFile(const std::string& path)
     failure why;
     if (!m_document.open(path, why))
     {
-        const open_error error = describeOpenFailure(path, why);
+        const open_error error = describeOpenFailure(path, why, *m_document.game());
         log("main_window::openFile(). " + describe(why));
         m_ports.prompt.show(error.title, error.text, prompt_icon::error);
         return false;

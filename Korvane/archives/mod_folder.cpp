@@ -48,7 +48,10 @@ public:
     bool list(failure& why)
     {
         std::error_code error;
-        auto entry = std::filesystem::recursive_directory_iterator(m_root, error);
+        if (std::filesystem::directory_iterator(m_root, error); error)
+            return fail(why, failure_kind::unreadable, "the mod folder cannot be read: " + error.message(), m_shown);
+        auto entry = std::filesystem::recursive_directory_iterator(
+            m_root, std::filesystem::directory_options::skip_permission_denied, error);
         for (; !error && entry != std::filesystem::recursive_directory_iterator(); entry.increment(error))
         {
             if (m_work.isStopped())
@@ -58,7 +61,8 @@ public:
                 add(*entry);
         }
         if (error)
-            return fail(why, failure_kind::unreadable, "the mod folder cannot be read: " + error.message(), m_shown);
+            return fail(why, failure_kind::unreadable, "not all of the mod folder can be read: " + error.message(),
+                        m_shown);
         std::sort(m_files.begin(), m_files.end(),
                   [](const listed_file& left, const listed_file& right) { return left.path < right.path; });
         return true;
@@ -112,7 +116,10 @@ bool enterModFolder(path_tree& tree, const std::string& folder, const work_port&
     const std::filesystem::path root = rootOf(folder);
     std::error_code error;
     if (!std::filesystem::is_directory(root, error))
-        return fail(why, failure_kind::not_found, "there is no such mod folder", folder);
+        return fail(why, failure_kind::not_found,
+                    std::filesystem::exists(root, error) ? "this is a file, not a mod folder"
+                                                         : "there is no such mod folder",
+                    folder);
     folder_listing listing(root, work);
     if (!listing.list(why))
         return false;

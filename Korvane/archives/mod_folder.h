@@ -13,9 +13,10 @@
 namespace korvane
 {
 
-// Enters all files below a folder, in the order of their paths. Links to folders are not followed; a file whose path or
-// size is more than an archive can hold is named in the log and left out. False, with the reason, when the folder
-// cannot be read (then nothing is entered); a stop is no failure and enters nothing.
+// Enters all files below a folder, in the order of their paths. Links to folders are not followed, folders in it that
+// may not be read are passed over; a file whose path or size is more than an archive can hold is named in the log and
+// left out. False, with the reason, when the folder cannot be read (then nothing is entered); a stop is no failure and
+// enters nothing.
 [[nodiscard]] bool enterModFolder(path_tree& tree, const std::string& folder, const work_port& work, failure& why);
 
 // Where the file of such an entry lies now; empty when it is gone.

@@ -171,7 +171,7 @@ void pack_reader::writeCache(const indexed_archives& indexed)
 void pack_reader::report()
 {
     constexpr std::size_t shown = 20;
-    std::string text = "An error has occured ";
+    std::string text(archive_damage_heading);
     std::size_t damaged = 0;
     for (const archive_listing& archive : m_listings)
     {

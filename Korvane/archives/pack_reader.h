@@ -15,6 +15,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,9 @@ namespace korvane
 
 // What is said of an archive's files that were left out: the first three, and how many more. Nothing for none.
 [[nodiscard]] std::vector<std::string> describeLeftOut(const archive_listing& archive);
+
+// What the notice of damaged archives begins with, before a line for each.
+inline constexpr std::string_view archive_damage_heading = "An error has occured ";
 
 class pack_reader
 {

@@ -68,7 +68,12 @@ void cli_context::printError(const std::string& text)
 
 void cli_context::nameFailure(const failure& why)
 {
-    printError(terminalText(describe(why)) + "\n");
+    nameFailure(terminalText(describe(why)));
+}
+
+void cli_context::nameFailure(const std::string& line)
+{
+    printError(line + "\n");
 }
 
 void cli_context::fail(const failure& why)

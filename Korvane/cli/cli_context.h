@@ -56,6 +56,7 @@ public:
 
     // One of several files failed and the others go on: which, and why, on standard error, also with --quiet.
     void nameFailure(const failure& why);
+    void nameFailure(const std::string& line); // for terminals already
     // Prints "korvane: " and the failure on standard error and makes the exit status 1.
     void fail(const failure& why);
 

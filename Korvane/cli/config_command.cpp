@@ -37,7 +37,8 @@ bool loadConfig(cli_context& context, config_file& config)
     if (config.load(path))
     {
         if (config.errorText() != "DONE")
-            context.note(path + ": reading stopped where a key was expected; what follows there is left out");
+            context.note(path + ": reading stopped where a key was expected; what follows is left out, and lost when "
+                                "the file is written");
         return true;
     }
     if (std::filesystem::symlink_status(toPath(path), error).type() == std::filesystem::file_type::not_found)
@@ -83,6 +84,16 @@ void showConfig(cli_context& context)
     }
 }
 
+// The configuration serves from every folder: one that is there is stored with its whole path.
+std::string wholeFolder(const std::string& folder)
+{
+    std::error_code error;
+    if (!std::filesystem::is_directory(toPath(folder), error))
+        return folder;
+    const std::filesystem::path whole = std::filesystem::absolute(toPath(folder), error);
+    return error ? folder : withSeparator(toUtf8(whole.lexically_normal()));
+}
+
 bool isKey(const std::string& key)
 {
     return !key.empty() && toLower(key).find_first_not_of("0123456789abcdefghijklmnopqrstuvwxyz_") == std::string::npos;
@@ -105,7 +116,12 @@ void addValues(cli_context& context, const config_options& options)
 {
     const std::string key = toLower(options.key);
     const bool is_folders = key == config_keys::data_folders || key == config_keys::mod_folders;
-    const std::vector<std::string> values = is_folders ? foldersGiven(options.values) : options.values;
+    std::vector<std::string> values = is_folders ? foldersGiven(options.values) : options.values;
+    if (values.empty())
+        return context.fail({failure_kind::refused, "no folder is given", configPath(context), 0, {}});
+    if (is_folders)
+        for (std::string& value : values)
+            value = wholeFolder(value);
     for (const std::string& value : values)
         if (value.find('"') != std::string::npos)
             return context.fail(

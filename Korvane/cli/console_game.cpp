@@ -1,6 +1,7 @@
 #include "Korvane/cli/console_game.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/pack_reader.h"
 #include "Korvane/game/data_folders.h"
 
 #include <algorithm>
@@ -12,13 +13,16 @@ namespace korvane
 namespace
 {
 
-void noteLines(cli_context& context, const std::string& text)
+// A notice for a window begins with a line that says no more than its title does.
+void nameFailures(cli_context& context, const notice& said)
 {
-    for (std::size_t begin = 0; begin < text.size();)
+    const std::string& text = said.text;
+    for (std::size_t begin = text.starts_with(archive_damage_heading) ? archive_damage_heading.size() : 0;
+         begin < text.size();)
     {
         const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
         if (end > begin)
-            context.note(displayText(text.substr(begin, end - begin)));
+            context.nameFailure(terminalText(text.substr(begin, end - begin)));
         begin = end + 1;
     }
 }
@@ -71,9 +75,9 @@ std::shared_ptr<const game_data> console_game::archives(failure& why)
         return nullptr;
     }
     for (const notice& each : loaded.notices)
-        noteLines(m_context, each.text);
+        nameFailures(m_context, each);
     for (const std::string& line : loaded.left_out)
-        m_context.note(displayText(line));
+        m_context.note(displayText(line)); // the archive itself serves
     m_po_game = std::move(loaded.game);
     publishGame(*m_po_game);
     return m_po_game;

@@ -38,7 +38,7 @@ std::string isMipCount(const std::string& text)
     return mipCount(text) ? "" : "expected all, none or a number from 1 on, not " + text;
 }
 
-void report(cli_context& context, const dds_job_result& result)
+void report(cli_context& context, const dds_job_result& result, const failure& only)
 {
     json files = json::array();
     for (const made_dds& each : result.files)
@@ -60,7 +60,7 @@ void report(cli_context& context, const dds_job_result& result)
         context.note(counted(result.unchanged.size(), "picture is", "pictures are") + " as the game has " +
                      (result.unchanged.size() == 1 ? "it" : "them") + ", and left out");
     reportPictures(context, {{"files", std::move(files)}, {"unchanged", std::move(unchanged)}}, result.files.size(),
-                   "DDS file written", "DDS files written", result.left);
+                   "DDS file written", "DDS files written", result.left, only);
 }
 
 void runDds(cli_context& context, const dds_options& options)
@@ -79,9 +79,8 @@ void runDds(cli_context& context, const dds_options& options)
     job.effort = options.is_best ? encoding_effort::best : encoding_effort::usual;
     dds_job_result result;
     failure why;
-    if (!makeDdsFiles(context.game(), job, context.workPort(), result, why))
-        return context.fail(why);
-    report(context, result);
+    const bool is_done = makeDdsFiles(context.game(), job, context.workPort(), result, why);
+    report(context, result, is_done ? failure() : why);
 }
 
 void addEncodingOptions(CLI::App& command, const std::shared_ptr<dds_options>& options)

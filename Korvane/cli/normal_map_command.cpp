@@ -26,8 +26,7 @@ void runConversion(cli_context& context, const direction_options& options)
         return;
     normal_map_job_result result;
     failure why;
-    if (!convertNormalMaps(context.game(), job, context.workPort(), result, why))
-        return context.fail(why);
+    const bool is_done = convertNormalMaps(context.game(), job, context.workPort(), result, why);
     json files = json::array();
     for (const converted_picture& each : result.files)
         files.push_back({{"input", displayText(each.input)},
@@ -36,7 +35,7 @@ void runConversion(cli_context& context, const direction_options& options)
                          {"height", each.height},
                          {"outcome", outcomeName(each.outcome)}});
     reportPictures(context, {{"files", std::move(files)}}, result.files.size(), "picture converted",
-                   "pictures converted", result.left);
+                   "pictures converted", result.left, is_done ? failure() : why);
 }
 
 void addDirection(CLI::App& command, cli_context& context, const std::string& name, const std::string& description,

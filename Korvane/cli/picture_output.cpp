@@ -36,12 +36,12 @@ bool takePictures(cli_context& context, const std::vector<std::string>& operands
 }
 
 void reportPictures(cli_context& context, json document, std::size_t made, std::string_view singular,
-                    std::string_view plural, const picture_batch_result& left)
+                    std::string_view plural, const picture_batch_result& left, const failure& only)
 {
     json kept = json::array(), failed = json::array();
     for (const std::string& path : left.kept)
     {
-        context.note(terminalText(describe(keptFailure(path))));
+        context.nameFailure(keptFailure(path));
         kept.push_back(displayText(path));
     }
     for (const failed_picture& each : left.failed)
@@ -52,7 +52,9 @@ void reportPictures(cli_context& context, json document, std::size_t made, std::
         context.printJson(document);
     else if (made + left.kept.size() > 0)
         context.print(counted(made, singular, plural) + keptText(left.kept.size()) + "\n");
-    if (!left.failed.empty())
+    if (only)
+        context.fail(only);
+    else if (!left.failed.empty())
         context.fail({failure_kind::refused,
                       std::to_string(left.failed.size()) + " of " +
                           std::to_string(left.failed.size() + left.kept.size() + made) +

@@ -21,8 +21,9 @@ constexpr const char* picture_operands_help =
                                 const std::vector<std::string_view>& endings, picture_batch& batch);
 
 // "3 pictures converted" and how many were left, or as JSON the document with what was kept and what failed; then the
-// failure of all.
+// failure of all, or of the
+// only one.
 void reportPictures(cli_context& context, json document, std::size_t made, std::string_view singular,
-                    std::string_view plural, const picture_batch_result& left);
+                    std::string_view plural, const picture_batch_result& left, const failure& only = {});
 
 } // namespace korvane

@@ -23,9 +23,9 @@ struct textures_options
 void report(cli_context& context, const textures_job_result& result)
 {
     for (const std::string& path : result.textures.missing)
-        context.note(terminalText(path) + ": in no archive, and not on the disk around the models");
+        context.nameFailure(terminalText(path) + ": in no archive, and not on the disk around the models");
     for (const std::string& path : result.textures.empty)
-        context.note(terminalText(path) + ": empty in the archive that counts");
+        context.nameFailure(terminalText(path) + ": empty in the archive that counts");
     if (result.failures.size() > 1) // a single one is what the program ends with
         for (const failure& why : result.failures)
             context.nameFailure(why);

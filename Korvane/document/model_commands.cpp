@@ -107,7 +107,7 @@ command_outcome model_commands::confirmMixedVersions()
         failure why;
         if (m_document.open(patched, why))
             return command_outcome::opened_other;
-        const open_error error = describeOpenFailure(patched, why);
+        const open_error error = describeOpenFailure(patched, why, *m_document.game());
         m_prompt.show(error.title, error.text, prompt_icon::error);
         return command_outcome::failed;
     }

@@ -8,11 +8,17 @@
 namespace korvane
 {
 
-open_error describeOpenFailure(const std::string& path, const failure& why)
+open_error describeOpenFailure(const std::string& path, const failure& why, const game_data& game)
 {
-    if (isDefinitionPath(path)) // the slips stay: the text is documented so
-        return {"Error!", "Loading .variantmeshdefintion failed. \r\nErro string: r\n" + describe(why)};
-    return {"Error!", "The model could not be opened.\r\n\r\n" + describe(why)};
+    std::string text = isDefinitionPath(path) // the slips stay: the text is documented so
+                           ? "Loading .variantmeshdefintion failed. \r\nErro string: r\n"
+                           : "The model could not be opened.\r\n\r\n";
+    text += describe(why);
+    if (game_path(path).isInternal() && !game.hasArchives())
+        text += "\r\n\r\nIt comes out of the game's archives, and no folder with archives is set. Type in a command "
+                "window, with your folder:\r\n\r\n" +
+                std::string(set_folders_command) + "\r\n\r\nThen choose File, Re-read .pack files... here.";
+    return {"Error!", std::move(text)};
 }
 
 std::string file_choice::describeLeftOut() const
@@ -61,11 +67,11 @@ std::vector<open_error> open_files::reopen()
     failure why;
     if (m_model.hasModel() && !m_model.isEdited() && game_path(m_model.file()->path()).isInternal())
         if (const std::string path = m_model.file()->path(); !m_model.open(path, why, *m_po_game))
-            errors.push_back(describeOpenFailure(path, why));
+            errors.push_back(describeOpenFailure(path, why, *m_po_game));
     why = {};
     if (m_definition.hasDefinition())
         if (const std::string path = m_definition.path(); !m_definition.open(path, why, *m_po_game))
-            errors.push_back(describeOpenFailure(path, why));
+            errors.push_back(describeOpenFailure(path, why, *m_po_game));
     return errors;
 }
 

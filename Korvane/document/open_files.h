@@ -22,7 +22,7 @@ struct open_error
     std::string title;
     std::string text;
 };
-[[nodiscard]] open_error describeOpenFailure(const std::string& path, const failure& why);
+[[nodiscard]] open_error describeOpenFailure(const std::string& path, const failure& why, const game_data& game);
 
 // Of several files that are given at once, those that can be open at the same time: the first model and the first
 // definition, in the order in which they were given.

@@ -25,6 +25,20 @@ std::string withSeparator(std::string folder)
     return folder;
 }
 
+namespace
+{
+
+// At a quotation mark before a blank or the end; one elsewhere belongs to the name.
+std::size_t endOfFolder(const std::string& text, std::size_t begin)
+{
+    for (std::size_t end = text.find('"', begin); end != std::string::npos; end = text.find('"', end + 1))
+        if (end + 1 == text.size() || text[end + 1] == ' ')
+            return end;
+    return text.size();
+}
+
+} // namespace
+
 std::vector<std::string> foldersGiven(const std::vector<std::string>& given)
 {
     std::vector<std::string> folders;
@@ -38,7 +52,7 @@ std::vector<std::string> foldersGiven(const std::vector<std::string>& given)
         }
         for (std::size_t begin = 0; begin < text.size();)
         {
-            const std::size_t end = std::min(text.find('"', begin), text.size());
+            const std::size_t end = endOfFolder(text, begin);
             const std::size_t first = begin == 0 ? 0 : std::min(text.find_first_not_of(' ', begin), end);
             if (end > first)
                 folders.push_back(withSeparator(text.substr(first, end - first)));

@@ -43,14 +43,25 @@ game_file game_data::findOver(std::string_view internal_path) const
     return {};
 }
 
-game_file game_data::find(std::string_view internal_path) const
+// Without the mod folders.
+game_file game_data::findEntry(std::string_view internal_path) const
 {
-    if (game_file found = findOver(internal_path); found || !m_po_archives)
-        return found;
-    const pack_file_node* entry = m_po_archives->findFile(internal_path);
-    while (entry && entry->archive().is_folder) // deleted from its mod folder since
+    const pack_file_node* entry = m_po_archives ? m_po_archives->findFile(internal_path) : nullptr;
+    while (entry && entry->archive().is_folder)
         entry = m_po_archives->copyBelow(*entry);
     return ofEntry(entry);
+}
+
+game_file game_data::find(std::string_view internal_path) const
+{
+    game_file found = findOver(internal_path);
+    return found ? found : findEntry(internal_path);
+}
+
+game_file game_data::findInGame(std::string_view internal_path) const
+{
+    game_file found = findEntry(internal_path);
+    return found ? found : findOver(internal_path);
 }
 
 game_file game_data::findAround(std::string_view internal_path, const game_path& around) const

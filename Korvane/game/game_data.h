@@ -38,7 +38,9 @@ public:
 
     // The game's file of that internal path: in a mod folder as it is now, else in the archives.
     [[nodiscard]] game_file find(std::string_view internal_path) const;
-    // The same, and where neither has it, on the disk around another file (loose_file.h), as for the textures of a
+    // As the game itself has it, whatever lies in the mod folders; what the game has not, as find().
+    [[nodiscard]] game_file findInGame(std::string_view internal_path) const;
+    // As find(), and where neither has it, on the disk around another file (loose_file.h), as for the textures of a
     // model. An internal path has no disk around it.
     [[nodiscard]] game_file findAround(std::string_view internal_path, const game_path& around) const;
     // The skeleton of an id: below "animations\skeletons" in a mod folder; the first entry whose path
@@ -60,6 +62,7 @@ public:
 
 private:
     game_file findOver(std::string_view internal_path) const;
+    game_file findEntry(std::string_view internal_path) const;
     game_file ofEntry(const pack_file_node* entry) const;
 
     std::shared_ptr<const path_tree> m_po_archives;

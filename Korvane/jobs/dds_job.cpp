@@ -1,6 +1,8 @@
 #include "Korvane/jobs/dds_job.h"
 
+#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/textures/picture_file.h"
 
 #include <algorithm>
 #include <array>
@@ -51,7 +53,8 @@ struct like_texture
 {
     std::string path;
     dds_image head;
-    picture pixels; // none where its format is not decoded
+    memory_file file; // whole; for "pack:" only
+    picture pixels;   // none where its format is not decoded
     std::optional<normal_form> normals;
 };
 
@@ -71,6 +74,17 @@ bool readLike(game_source& source, const game_path& path, like_texture& like, fa
     }
     failure ignored; // then nothing is known of its pixels
     if (readInputPicture(source, path.text(), like.pixels, ignored))
+        like.normals = surelyNormalForm(like.pixels.pixels());
+    return true;
+}
+
+bool readGameTexture(const std::string& path, const game_file& found, like_texture& like, failure& why)
+{
+    like.path = path;
+    if (!found.read(like.file, why) || !readDdsHead(like.file.bytes(), like.head, why))
+        return fail(why, failure_kind::unreadable, "the game's texture cannot be read", path);
+    failure ignored;
+    if (like.head.array_size == 1 && readPicture(like.file.bytes(), like.pixels, ignored))
         like.normals = surelyNormalForm(like.pixels.pixels());
     return true;
 }
@@ -125,15 +139,22 @@ bool isUnchanged(const picture& image, std::optional<normal_form> normals, const
     return std::ranges::equal(pixels, blue);
 }
 
-// Where the game has the texture of a picture: the longest end of its path that is one of the game's.
-std::string gamePathOf(const game_data& game, const std::string& input)
+struct texture_in_game
+{
+    std::string path; // internal, with '/'
+    game_file file;
+};
+
+// The game's texture of a picture, whatever the mod folders have: the longest end of its path that is one of the
+// game's.
+texture_in_game gameTextureOf(const game_data& game, const std::string& input)
 {
     std::string path = withEnding(std::string(game_path(input).internalPath()), ".dds");
     std::replace(path.begin(), path.end(), '\\', '/');
     for (std::size_t begin = 0; begin < path.size();)
     {
-        if (game.find(std::string_view(path).substr(begin)))
-            return path.substr(begin);
+        if (game_file found = game.findInGame(std::string_view(path).substr(begin)))
+            return {path.substr(begin), std::move(found)};
         const std::size_t slash = path.find('/', begin);
         begin = slash == std::string::npos ? path.size() : slash + 1;
     }
@@ -177,7 +198,8 @@ public:
         m_unchanged.clear();
         const bool is_made =
             takeOwnLike(input, why) && readInputPicture(m_source, input, image, why) &&
-            (isAsTheGameHasIt(input, image) || (convert(input, image, why) && encode(input, path, image, write, why)));
+            (isAsTheGameHasIt(image) ? takeBack(input, path, write, why)
+                                     : convert(input, image, why) && encode(input, path, image, write, why));
         if (!is_made && why.path.empty())
             why.path = input;
         return is_made;
@@ -199,8 +221,11 @@ private:
         if (!game)
             return false;
         for (operand_file& input : m_batch.inputs)
-            if (const std::string found = gamePathOf(*game, input.path); !found.empty())
-                input.below = m_in_game[input.path] = found;
+            if (texture_in_game found = gameTextureOf(*game, input.path); found.file)
+            {
+                input.below = found.path;
+                m_in_game[input.path] = std::move(found);
+            }
         return true;
     }
 
@@ -213,14 +238,24 @@ private:
             return fail(why, failure_kind::not_found, "the game has no texture of this path, or of an end of it",
                         input);
         m_like.emplace();
-        return readLike(m_source, game_path::ofInternal(found->second), *m_like, why) &&
+        return readGameTexture(found->second.path, found->second.file, *m_like, why) &&
                chooseTarget(m_options, &*m_like, m_target, why);
     }
 
-    bool isAsTheGameHasIt(const std::string& input, const picture& image)
+    bool isAsTheGameHasIt(const picture& image) const
     {
-        if (m_options.like != like_the_game || !isUnchanged(image, surelyNormalForm(image.pixels()), *m_like))
-            return false;
+        return m_options.like == like_the_game && isUnchanged(image, surelyNormalForm(image.pixels()), *m_like);
+    }
+    // Nothing is to be written, unless what was painted earlier stands there: then the game's own texture.
+    bool takeBack(const std::string& input, const std::string& path, const write_picture& write, failure& why)
+    {
+        std::error_code error;
+        if (std::filesystem::exists(toPath(path), error))
+        {
+            const dds_image& head = m_like->head;
+            m_made = {input, path, head.width, head.height, head.mip_count, head.format, m_like->normals};
+            return write(m_like->file.bytes(), why);
+        }
         m_unchanged = input;
         return true;
     }
@@ -269,7 +304,7 @@ private:
     const dds_job_options& m_options;
     const work_port& m_work;
     picture_batch m_batch;
-    std::unordered_map<std::string, std::string> m_in_game; // of each input its texture, where there is one
+    std::unordered_map<std::string, texture_in_game> m_in_game; // by input, where there is one
     std::optional<like_texture> m_like;
     dds_target m_target;
     std::optional<normal_form> m_form; // of the picture that is made

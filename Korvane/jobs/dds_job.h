@@ -28,7 +28,7 @@ struct dds_job_options
     std::optional<std::uint32_t> mip_count = std::nullopt; // 0: all; nothing: that of like, else all
     // A DDS file, on the disk or with "pack:" in the game. "pack:" alone: for each picture the game's texture whose
     // path is that of the picture, or its end; there it comes to lie below the output folder. What is as the game has
-    // it is left out.
+    // it is left out, or, where something else was made of it before, written as the game has it.
     std::string like = {};
     std::optional<normal_form> normals = std::nullopt; // convert to this form; nothing: blue becomes that of like
     bool is_forced = false;                            // also what does not look like a normal map

@@ -1,12 +1,15 @@
 #include "Korvane/jobs/picture_batch.h"
 
 #include "DDSTextureLoader/dds_image.h"
+#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/extraction_folder.h"
 #include "Korvane/jobs/output_paths.h"
 #include "Korvane/textures/picture_file.h"
 
+#include <algorithm>
 #include <new>
+#include <unordered_map>
 #include <utility>
 
 namespace korvane
@@ -25,8 +28,15 @@ public:
         , m_is_file(batch.is_one_file && !isFolder(batch.output))
         , m_folder(batch.output, extraction_layout::numbered)
     {
-        for (const operand_file& input : batch.inputs)
-            m_inputs.push_back(input.path);
+        const std::vector<bool> is_result = findResults();
+        for (std::size_t i = 0; i < batch.inputs.size(); ++i)
+            (is_result[i] ? m_results : m_inputs).push_back(batch.inputs[i].path);
+    }
+
+    // What an earlier run has made of another input is not read: this one makes it again.
+    bool isResult(const operand_file& input) const
+    {
+        return std::find(m_results.begin(), m_results.end(), input.path) != m_results.end();
     }
 
     bool convert(const operand_file& input, output_outcome& outcome, std::string& path, failure& why)
@@ -47,6 +57,32 @@ public:
     }
 
 private:
+    static std::string normalPath(const std::filesystem::path& path)
+    {
+        std::error_code error;
+        const std::filesystem::path whole = std::filesystem::absolute(path, error);
+        return toUtf8((error ? path : whole).lexically_normal());
+    }
+
+    std::vector<bool> findResults() const
+    {
+        std::vector<bool> is_result(m_batch.inputs.size());
+        if (m_is_file)
+            return is_result;
+        std::unordered_map<std::string, std::size_t> places;
+        for (std::size_t i = 0; i < m_batch.inputs.size(); ++i)
+            if (const game_path path(m_batch.inputs[i].path); !path.isInternal())
+                places.emplace(normalPath(toPath(path.text())), i);
+        for (std::size_t i = 0; i < m_batch.inputs.size(); ++i)
+        {
+            const std::string below = m_name(m_batch.inputs[i].below);
+            const auto found = places.find(normalPath(toPath(m_batch.output) / toPath(below)));
+            if (found != places.end() && found->second != i)
+                is_result[found->second] = true;
+        }
+        return is_result;
+    }
+
     bool outputPath(const operand_file& input, std::string& path, failure& why)
     {
         if (m_is_file)
@@ -64,6 +100,7 @@ private:
     bool m_is_file;
     extraction_folder m_folder;
     std::vector<std::string> m_inputs;
+    std::vector<std::string> m_results;
 };
 
 // The picture has one surface only.
@@ -103,19 +140,25 @@ bool convertPictures(const picture_batch& batch, const picture_name& name, const
     for (std::size_t i = 0; i < total && !port.isStopped(); ++i)
     {
         const operand_file& input = batch.inputs[i];
+        if (run.isResult(input))
+        {
+            tell(port.log, displayText(input.path) + ": another of the pictures becomes this file, so it is not read");
+            continue;
+        }
         port.report(i, total, "converting " + std::to_string(i + 1) + " of " + std::to_string(total));
         output_outcome outcome = output_outcome::written;
         std::string path;
         failure reason;
         if (!run.convert(input, outcome, path, reason))
         {
+            if (!batch.is_one_file)
+                port.nameFailure(reason);
+            result.failed.push_back({input.path, reason});
             if (batch.is_one_file)
             {
                 why = std::move(reason);
                 return false;
             }
-            port.nameFailure(reason);
-            result.failed.push_back({input.path, std::move(reason)});
         }
         else if (outcome == output_outcome::kept)
             result.kept.push_back(path);

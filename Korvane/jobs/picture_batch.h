@@ -36,7 +36,7 @@ struct failed_picture
 struct picture_batch_result
 {
     std::vector<std::string> kept;      // outputs
-    std::vector<failed_picture> failed; // of several
+    std::vector<failed_picture> failed; // also the only one
 };
 
 // Makes one file: the bytes go to write. False, with the reason, when the picture failed.

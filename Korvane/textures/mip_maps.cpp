@@ -175,9 +175,11 @@ void mip_maps::makeRow(std::uint32_t y, std::span<deep_pixel> target) const
     std::array<const deep_pixel*, 3> sources{};
     for (std::uint32_t i = 0; i < rows.count; ++i)
     {
-        sources[i] = m_level.pixels.data() + std::size_t{rows.first + i} * width;
         if (!is_first)
+        {
+            sources[i] = &m_level.pixels[std::size_t{rows.first + i} * width];
             continue;
+        }
         deep_pixel* const row = widened.data() + std::size_t{i} * width;
         const auto pixels = m_largest.row(rows.first + i);
         std::transform(pixels.begin(), pixels.end(), row,

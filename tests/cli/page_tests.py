@@ -77,6 +77,27 @@ class pages(cli_tests.cli_case):
         shown = self.run_line('korvane-cli list "*guard_shield_diffuse.dds" --json --mod my_mod --data demo')
         self.assertIn(b'"archive":"my_mod"', shown)
 
+    def test_what_was_painted_is_taken_back_and_made_again_beside_its_picture(self):
+        again = "korvane-cli dds paint -o my_mod --like pack: --data demo --mod my_mod --overwrite"
+        inner = shield.replace("/", os.sep)
+        self.run_line("korvane-cli demo-data demo")
+        os.makedirs(os.path.dirname(self.path(os.path.join("paint", shield))))
+        picture = self.write(os.path.join("paint", inner + ".png"), striped_png(512))
+        self.run_line(again.replace("--mod my_mod ", ""))
+        self.run_line("korvane-cli textures demo/variantmeshes/wh_variantmodels/hu1/demo/demo_guard_shield.rigid_model_v2 "
+                      "-o game --as png --data demo")
+        shutil.copy(self.path(os.path.join("game", inner + ".png")), picture)
+        self.run_line(again)
+        self.run_line("korvane-cli extract " + shield + ".dds -o game.dds --data demo")
+        made = cli_tests.read(self.path(os.path.join("my_mod", inner + ".dds")))
+        self.assertEqual(made, cli_tests.read(self.path("game.dds")))
+
+        self.run_line("korvane-cli dds paint -o paint --format bc1")
+        self.write(os.path.join("paint", inner + ".png"), striped_png(256))
+        self.run_line("korvane-cli dds paint -o paint --format bc1 --overwrite")
+        self.assertEqual(sorted(os.listdir(os.path.dirname(picture))),
+                         ["guard_shield_diffuse.dds", "guard_shield_diffuse.png"])
+
 
 if __name__ == "__main__":
     cli_tests.main()

@@ -109,7 +109,7 @@ TEST_F(open_files_test, theBoxOfABrokenDefinitionHasItsFixedBeginningAndTheParse
     const std::string path = write("broken.variantmeshdefinition", "<VARIANT_MESH></SLOT>");
     failure why;
     ASSERT_FALSE(m_files.open(path, why));
-    const open_error error = describeOpenFailure(path, why);
+    const open_error error = describeOpenFailure(path, why, game_data());
     EXPECT_EQ(error.title, "Error!");
     EXPECT_EQ(error.text.rfind("Loading .variantmeshdefintion failed. \r\nErro string: r\n" + path, 0), 0u)
         << error.text;
