@@ -1,14 +1,13 @@
 // BC7: each block is tried in several modes, and the one with the smallest squared error counts. Modes 0 and 2, three
 // subsets with few bits, gain too little for their time.
 
+#include "Korvane/textures/bc7_estimates.h"
 #include "Korvane/textures/bc7_line.h"
 #include "Korvane/textures/bc7_modes.h"
 #include "Korvane/textures/block_bits.h"
 #include "Korvane/textures/block_encoder.h"
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <utility>
@@ -72,8 +71,9 @@ private:
     void trySeparate(unsigned rotation, bool is_swapped);
     template <unsigned number>
     void tryDivided(unsigned partition);
-    void trySeparateChannels();
-    void tryPartitions();
+    void tryForm(const bc7_form& form);
+    template <unsigned channels>
+    void tryForms();
     // Three quarters of a step in each channel of each pixel: further modes cost more time than they gain.
     bool isGoodEnough() const { return m_error <= 48; }
     void subsetOf(unsigned partition, unsigned subset, subset_pixels& target) const;
@@ -100,7 +100,8 @@ void bc7_block::tryWhole()
 {
     constexpr bc7_mode mode = bc7_modes[6];
     fitted_line fitted =
-        line_fitter<0, 4>(m_all, mode.index_bits, mode.colour_bits, mode.alpha_bits, true, false, m_is_opaque).fit(2);
+        line_fitter<0, 4>(m_all, mode.index_bits, mode.colour_bits, mode.alpha_bits, true, false, m_is_opaque)
+            .fit(2, m_error);
     m_error = fitted.error;
     if (isHigh(fitted.indices[0], mode.index_bits))
         mirror(fitted, mode.index_bits);
@@ -134,11 +135,13 @@ void bc7_block::trySeparate(unsigned rotation, bool is_swapped)
     if (is_swapped)
         std::swap(colour_index_bits, alpha_index_bits);
     fitted_line alpha =
-        line_fitter<3, 1>(pixels, alpha_index_bits, mode.colour_bits, mode.alpha_bits, false, false, false).fit(1);
+        line_fitter<3, 1>(pixels, alpha_index_bits, mode.colour_bits, mode.alpha_bits, false, false, false)
+            .fit(1, m_error);
     if (alpha.error >= m_error)
         return;
     fitted_line colour =
-        line_fitter<0, 3>(pixels, colour_index_bits, mode.colour_bits, mode.alpha_bits, false, false, false).fit(2);
+        line_fitter<0, 3>(pixels, colour_index_bits, mode.colour_bits, mode.alpha_bits, false, false, false)
+            .fit(2, m_error - alpha.error);
     if (alpha.error + colour.error >= m_error)
         return;
     m_error = alpha.error + colour.error;
@@ -191,7 +194,7 @@ void bc7_block::tryDivided(unsigned partition)
         subsetOf(partition, subset, pixels);
         lines[subset] = line_fitter<0, channels>(pixels, mode.index_bits, mode.colour_bits, mode.alpha_bits,
                                                  mode.own_low_bits > 0, mode.shared_low_bits > 0, false)
-                            .fit(2);
+                            .fit(2, m_error - error);
         error += lines[subset].error;
         if (error >= m_error)
             return;
@@ -227,123 +230,52 @@ void bc7_block::tryDivided(unsigned partition)
     m_best = out;
 }
 
-// What remains when the pixels of both subsets are moved onto lines, about: the trace of each covariance less its
-// largest eigenvalue, for which the root of its squares' sum stands.
-class partition_costs
+void bc7_block::tryForm(const bc7_form& form)
 {
-public:
-    explicit partition_costs(const subset_pixels& all);
-
-    float of(unsigned partition) const;
-
-private:
-    // Sums of the channels, then of their products: 00 01 02 03 11 12 13 22 23 33; then nothing.
-    static constexpr std::size_t sums = 16;
-    using features = std::array<float, sums>;
-
-    static float costOf(const features& sum, float count);
-
-    std::array<features, 16> m_pixels;
-    features m_total{};
-};
-
-partition_costs::partition_costs(const subset_pixels& all)
-{
-    colour_point mean{};
-    for (unsigned c = 0; c < 4; ++c)
-        mean[c] = sumOf(all.channels[c]) / 16; // around it the sums keep their digits
-    for (std::size_t i = 0; i < 16; ++i)
+    switch (form.mode)
     {
-        features& pixel = m_pixels[i];
-        pixel = {};
-        std::size_t next = 4;
-        for (unsigned a = 0; a < 4; ++a)
-        {
-            pixel[a] = all.channels[a][i] - mean[a];
-            for (unsigned b = a; b < 4; ++b)
-                pixel[next++] = (all.channels[a][i] - mean[a]) * (all.channels[b][i] - mean[b]);
-        }
-        for (std::size_t k = 0; k < sums; ++k)
-            m_total[k] += pixel[k];
+    case 1:
+        return tryDivided<1>(form.choice);
+    case 3:
+        return tryDivided<3>(form.choice);
+    case 4:
+        return trySeparate<4>(form.choice, form.is_swapped);
+    case 5:
+        return trySeparate<5>(form.choice, false);
+    default:
+        return tryDivided<7>(form.choice);
     }
 }
 
-float partition_costs::costOf(const features& sum, float count)
+// Forms are tried in the order of their estimates. Two suffice among grains, where no form keeps much more than it
+// promises. An error far below the estimate means that the colours lie on few points: there others may surprise as
+// well. Normal maps with alpha have two channels; their few forms are all tried, and partitions gain nothing.
+template <unsigned channels>
+void bc7_block::tryForms()
 {
-    const float scale = 1 / count;
-    float trace = 0, squares = 0;
-    std::size_t next = 4;
-    for (unsigned a = 0; a < 4; ++a)
+    const bc7_estimates<channels> estimates(m_all);
+    const bool is_narrow = estimates.varyingChannels() <= 2;
+    best_forms<12> forms;
+    estimates.offerSeparate(forms);
+    if (channels == 3 || !is_narrow)
+        estimates.offerDivided(forms);
+    const float surprising = is_narrow ? std::numeric_limits<float>::max() : forms.begin()->estimate * 0.8f;
+    bc7_form winner;
+    int tried = 0;
+    for (const bc7_form& form : forms)
     {
-        const float variance = sum[next] - sum[a] * sum[a] * scale;
-        trace += variance;
-        squares += variance * variance;
-        ++next;
-        for (unsigned b = a + 1; b < 4; ++b, ++next)
-        {
-            const float covariance = sum[next] - sum[a] * sum[b] * scale;
-            squares += 2 * covariance * covariance;
-        }
-    }
-    return trace - std::sqrt(squares);
-}
-
-float partition_costs::of(unsigned partition) const
-{
-    features second{};
-    float count = 0;
-    for (std::uint32_t left = two_subsets[partition]; left != 0; left &= left - 1) // subset 1 has the lower bit set
-    {
-        const features& pixel = m_pixels[static_cast<std::size_t>(std::countr_zero(left)) / 2];
-        for (std::size_t k = 0; k < sums; ++k)
-            second[k] += pixel[k];
-        ++count;
-    }
-    features first;
-    for (std::size_t k = 0; k < sums; ++k)
-        first[k] = m_total[k] - second[k];
-    return costOf(first, 16 - count) + costOf(second, count);
-}
-
-void bc7_block::tryPartitions()
-{
-    constexpr std::size_t tried = 2;
-    std::array<std::pair<float, unsigned>, tried> best;
-    best.fill({std::numeric_limits<float>::max(), 0});
-    const partition_costs costs(m_all);
-    for (unsigned partition = 0; partition < 64; ++partition)
-    {
-        std::pair<float, unsigned> cost{costs.of(partition), partition};
-        for (auto& place : best)
-            if (cost < place)
-                std::swap(cost, place);
-    }
-    for (const auto& [cost, partition] : best)
-    {
-        if (cost >= m_error) // not even with end points and steps as fine as one likes
+        if (form.mode == 0 || isGoodEnough() || (tried >= 2 && m_error >= surprising))
             break;
-        if (m_is_opaque)
-        {
-            tryDivided<1>(partition);
-            tryDivided<3>(partition);
-        }
-        else
-            tryDivided<7>(partition);
+        const float before = m_error;
+        tryForm(form);
+        if (m_error < before)
+            winner = form;
+        ++tried;
     }
-}
-
-// A channel that is the same everywhere gains nothing from a line of its own.
-void bc7_block::trySeparateChannels()
-{
-    for (const unsigned channel : {3u, 0u, 1u, 2u})
+    if ((winner.mode == 1 || winner.mode == 3) && m_error < surprising && !isGoodEnough())
     {
-        const auto [low, high] = std::minmax_element(m_all.channels[channel].begin(), m_all.channels[channel].end());
-        if (*low == *high || isGoodEnough())
-            continue;
-        const unsigned rotation = (channel + 1) % 4;
-        trySeparate<5>(rotation, false);
-        trySeparate<4>(rotation, false);
-        trySeparate<4>(rotation, true);
+        winner.mode = 4 - winner.mode; // of finer steps and finer end points the other one
+        tryForm(winner);
     }
 }
 
@@ -351,9 +283,12 @@ void bc7_block::encode(std::byte* target)
 {
     tryWhole();
     if (!isGoodEnough())
-        trySeparateChannels();
-    if (!isGoodEnough())
-        tryPartitions();
+    {
+        if (m_is_opaque)
+            tryForms<3>();
+        else
+            tryForms<4>();
+    }
     m_best.store(target);
 }
 

@@ -11,6 +11,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <tuple>
+#include <utility>
 
 namespace korvane
 {
@@ -24,6 +26,19 @@ inline float sumOf(pixel_lanes values)
         for (std::size_t i = 0; i < half; ++i)
             values[i] += values[i + half];
     return values[0];
+}
+
+// The least and the largest.
+inline std::pair<float, float> extremesOf(const pixel_lanes& values)
+{
+    pixel_lanes low = values, high = values;
+    for (std::size_t half = 8; half > 0; half /= 2)
+        for (std::size_t i = 0; i < half; ++i)
+        {
+            low[i] = low[i + half] < low[i] ? low[i + half] : low[i];
+            high[i] = high[i + half] > high[i] ? high[i + half] : high[i];
+        }
+    return {low[0], high[0]};
 }
 
 struct subset_pixels
@@ -71,12 +86,14 @@ public:
     {
     }
 
-    fitted_line fit(int rounds)
+    // A line that is far from leaving an error below the bound is not improved.
+    fitted_line fit(int rounds, float bound)
     {
         colour_point from{}, to{};
         principalLine(from, to);
         fitted_line best = tried(from, to);
-        for (int round = 0; round < rounds && best.error > 0 && leastSquares(best, from, to); ++round)
+        for (int round = 0;
+             round < rounds && best.error > 0 && best.error < bound * 1.6f && leastSquares(best, from, to); ++round)
         {
             const fitted_line next = tried(from, to);
             if (next.error >= best.error)
@@ -107,6 +124,11 @@ private:
 template <unsigned first, unsigned count>
 void line_fitter<first, count>::principalLine(colour_point& from, colour_point& to) const
 {
+    if constexpr (count == 1)
+    {
+        std::tie(from[first], to[first]) = extremesOf(m_pixels.channels[first]);
+        return;
+    }
     colour_point mean{};
     std::array<pixel_lanes, 4> off;
     for (unsigned c = first; c < last; ++c)
@@ -135,7 +157,7 @@ void line_fitter<first, count>::principalLine(colour_point& from, colour_point& 
     colour_point axis{};
     for (unsigned c = first; c < last; ++c)
         axis[c] = covariance[widest][c];
-    for (int step = 0; step < (count > 1 ? 4 : 1); ++step)
+    for (int step = 0; step < 4; ++step)
     {
         colour_point next{};
         float length = 0;
@@ -158,11 +180,11 @@ void line_fitter<first, count>::principalLine(colour_point& from, colour_point& 
     for (unsigned c = first; c < last; ++c)
         for (std::size_t i = 0; i < 16; ++i)
             along[i] += off[c][i] * axis[c];
-    const auto [low, high] = std::minmax_element(along.begin(), along.end());
+    const auto [low, high] = extremesOf(along);
     for (unsigned c = first; c < last; ++c)
     {
-        from[c] = std::clamp(mean[c] + axis[c] * *low, 0.0f, 255.0f);
-        to[c] = std::clamp(mean[c] + axis[c] * *high, 0.0f, 255.0f);
+        from[c] = std::clamp(mean[c] + axis[c] * low, 0.0f, 255.0f);
+        to[c] = std::clamp(mean[c] + axis[c] * high, 0.0f, 255.0f);
     }
 }
 
