@@ -142,7 +142,7 @@ class textures(cli_tests.cli_case):
             self.assertEqual(read(self.path("one.dds")), read(os.path.join(out, name)), name)
         painted = self.write(os.path.join("tex", sorted(named)[0]), b"painted")
         result = json.loads(korvane("textures", self.MODEL, "-o", out, "--data", demo, "--json", check=0)[1])
-        self.assertEqual([os.path.normpath(row["path"]) for row in result["kept"]], [painted])
+        self.assertEqual([row["path"].replace("\\", "/") for row in result["kept"]], [painted])
         self.assertEqual((result["count"], read(painted)), (len(named) - 1, b"painted"))
         korvane("textures", self.MODEL, "-o", out, "--data", demo, "--overwrite", check=0)
         self.assertNotEqual(read(painted), b"painted")
