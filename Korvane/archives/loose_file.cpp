@@ -1,6 +1,7 @@
 #include "Korvane/archives/loose_file.h"
 
 #include "EASY_GUI/services/file_system.h"
+#include "EASY_GUI/services/positioned_file.h"
 
 #include <algorithm>
 #include <system_error>
@@ -71,6 +72,31 @@ std::string findLooseFile(std::string_view internal_path, const std::string& aro
             break;
     }
     return existingFile(own_folder, relative.substr(relative.find_last_of('/') + 1));
+}
+
+bool readLooseFile(const std::string& path, memory_file& bytes, failure& why, std::uint64_t limit)
+{
+    positioned_file file;
+    if (!file.open(path, why))
+        return false;
+    if (file.size() > limit)
+        return fail(why, failure_kind::malformed,
+                    std::to_string(file.size()) + " bytes are more than the " + std::to_string(limit) +
+                        " that are allowed",
+                    path);
+    return bytes.read(path, why);
+}
+
+bool readLooseStart(const std::string& path, std::span<std::byte> target, std::size_t& count, failure& why)
+{
+    positioned_file file;
+    if (!file.open(path, why))
+        return false;
+    const auto there = static_cast<std::size_t>(std::min<std::uint64_t>(target.size(), file.size()));
+    if (!file.readAt(0, target.first(there)))
+        return fail(why, failure_kind::unreadable, "the file cannot be read", path);
+    count = there;
+    return true;
 }
 
 } // namespace korvane

@@ -3,6 +3,12 @@
 // Internal paths on the disk: for a model or a definition that lies in a folder tree like the game's, or with its
 // files beside it.
 
+#include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/memory_file.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -17,5 +23,12 @@ namespace korvane
 
 // The same in one folder only, below it; empty when it is not there.
 [[nodiscard]] std::string findFileBelow(const std::string& folder, std::string_view internal_path);
+
+// Reads such a file whole; one with more bytes than the limit is refused before memory is taken for it. On failure
+// bytes stays as it is.
+[[nodiscard]] bool readLooseFile(const std::string& path, memory_file& bytes, failure& why, std::uint64_t limit);
+// Fills target with its first bytes and gives how many there are.
+[[nodiscard]] bool readLooseStart(const std::string& path, std::span<std::byte> target, std::size_t& count,
+                                  failure& why);
 
 } // namespace korvane

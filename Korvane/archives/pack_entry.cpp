@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/byte_reader.h"
 #include "Korvane/archives/entry_decoder.h"
+#include "Korvane/archives/loose_file.h"
 #include "Korvane/archives/mod_folder.h"
 
 #include <algorithm>
@@ -36,12 +37,6 @@ bool withPlace(const pack_file_node& entry, failure& why)
 {
     why.path = placeOf(entry);
     return false;
-}
-
-bool failSize(std::uint64_t size, std::uint64_t limit, failure& why)
-{
-    return fail(why, failure_kind::malformed,
-                std::to_string(size) + " bytes are more than the " + std::to_string(limit) + " that are allowed");
 }
 
 bool failReading(const pack_file_node& entry, failure_kind kind, std::string what, std::uint64_t offset, failure& why)
@@ -81,32 +76,11 @@ bool unpackStart(const pack_file_node& entry, std::span<std::byte> target, std::
     return failReading(entry, failure_kind::malformed, "the compressed data ends too early", entry.size(), why);
 }
 
-bool openModFile(const pack_file_node& entry, positioned_file& file, failure& why)
+bool findModFile(const pack_file_node& entry, std::string& path, failure& why)
 {
-    const std::string path = diskPathOf(entry);
-    if (path.empty())
-        return fail(why, failure_kind::not_found, "the file is gone from the mod folder") || withPlace(entry, why);
-    return file.open(path, why);
-}
-
-bool readModFile(const pack_file_node& entry, memory_file& bytes, failure& why, std::uint64_t limit)
-{
-    positioned_file file;
-    if (!openModFile(entry, file, why))
-        return false;
-    if (file.size() > limit)
-        return failSize(file.size(), limit, why) || withPlace(entry, why);
-    return bytes.read(diskPathOf(entry), why);
-}
-
-bool readModFileStart(const pack_file_node& entry, std::span<std::byte> target, std::size_t& count, failure& why)
-{
-    positioned_file file;
-    if (!openModFile(entry, file, why))
-        return false;
-    count = static_cast<std::size_t>(std::min<std::uint64_t>(target.size(), file.size()));
-    return file.readAt(0, target.first(count)) ||
-           failReading(entry, failure_kind::unreadable, "the bytes cannot be read", 0, why);
+    path = diskPathOf(entry);
+    return !path.empty() || fail(why, failure_kind::not_found, "the file is gone from the mod folder") ||
+           withPlace(entry, why);
 }
 
 } // namespace
@@ -154,9 +128,15 @@ bool unpackEntry(std::span<const std::byte> stored, memory_file& bytes, failure&
 bool readEntry(const pack_file_node& entry, memory_file& bytes, failure& why, std::uint64_t limit)
 {
     if (entry.archive().is_folder)
-        return readModFile(entry, bytes, why, limit);
+    {
+        std::string path;
+        return findModFile(entry, path, why) && readLooseFile(path, bytes, why, limit);
+    }
     if (entry.size() > limit)
-        return failSize(entry.size(), limit, why) || withPlace(entry, why);
+        return fail(why, failure_kind::malformed,
+                    std::to_string(entry.size()) + " bytes are more than the " + std::to_string(limit) +
+                        " that are allowed") ||
+               withPlace(entry, why);
     memory_file stored(entry.size());
     if (!entry.archive().file.readAt(entry.offset(), stored.mutableBytes()))
     {
@@ -178,7 +158,10 @@ bool readEntry(const pack_file_node& entry, memory_file& bytes, failure& why, st
 bool readEntryStart(const pack_file_node& entry, std::span<std::byte> target, std::size_t& count, failure& why)
 {
     if (entry.archive().is_folder)
-        return readModFileStart(entry, target, count, why);
+    {
+        std::string path;
+        return findModFile(entry, path, why) && readLooseStart(path, target, count, why);
+    }
     if (entry.compression() != 0)
         return unpackStart(entry, target, count, why);
     count = std::min<std::size_t>(target.size(), entry.size());

@@ -28,34 +28,33 @@ std::string configPath(const cli_context& context)
     return context.config_path.empty() ? config_file::defaultPath() : context.config_path;
 }
 
-// A missing file is an empty configuration; a file that is there but cannot be read is a failure, so that it is not
-// replaced by an empty one.
+void noteDamage(cli_context& context, const config_file& config, const char* consequence)
+{
+    if (!config.errorText().empty() && config.errorText() != "DONE")
+        context.note(configPath(context) + ": reading stopped where a key was expected; what follows there is " +
+                     consequence);
+}
+
+// A missing file is an empty configuration; one that is there but cannot be read is a failure.
 bool loadConfig(cli_context& context, config_file& config)
 {
     const std::string path = configPath(context);
     std::error_code error;
-    if (config.load(path))
-    {
-        if (config.errorText() != "DONE")
-            context.note(path + ": reading stopped where a key was expected; what follows is left out, and lost when "
-                                "the file is written");
-        return true;
-    }
-    if (std::filesystem::symlink_status(toPath(path), error).type() == std::filesystem::file_type::not_found)
+    const bool is_read = config.load(path);
+    noteDamage(context, config, "left out");
+    if (is_read || std::filesystem::symlink_status(toPath(path), error).type() == std::filesystem::file_type::not_found)
         return true;
     context.fail({failure_kind::unreadable, "the configuration cannot be read", path, 0, {}});
     return false;
 }
 
-// The reading of config_file::change(), with a word about what is lost by it.
 void changeConfig(cli_context& context, const config_file::change_function& change)
 {
-    config_file before;
-    if (!loadConfig(context, before))
-        return;
     config_file config;
     failure why;
-    if (!config.change(configPath(context), change, why, config_file::damaged_end::dropped))
+    const bool is_done = config.change(configPath(context), change, why, config_file::damaged_end::dropped);
+    noteDamage(context, config, is_done ? "lost, for it was not understood" : "not understood");
+    if (!is_done)
         context.fail(why);
 }
 

@@ -53,37 +53,26 @@ struct like_texture
 {
     std::string path;
     dds_image head;
-    memory_file file; // whole; for "pack:" only
+    memory_file file; // whole
     picture pixels;   // none where its format is not decoded
     std::optional<normal_form> normals;
 };
 
-bool readLike(game_source& source, const game_path& path, like_texture& like, failure& why)
+// Its head first: a large file that is no texture is not read.
+bool readLike(const std::string& path, const game_file& found, like_texture& like, failure& why)
 {
     constexpr std::size_t head_bytes = 148;
-    memory_file file;
-    std::uint64_t size = 0;
-    like.path = path.text();
-    const bool is_read =
-        path.isInternal() ? source.read(path, file, why) : file.readStart(path.text(), head_bytes, size, why);
-    if (!is_read || !readDdsHead(file.bytes(), like.head, why))
+    std::array<std::byte, head_bytes> head{};
+    std::size_t count = 0;
+    like.path = path;
+    if (!found.readStart(head, count, why) || !readDdsHead(std::span(head).first(count), like.head, why) ||
+        !found.read(like.file, why))
     {
         if (why.path.empty())
-            why.path = path.text();
+            why.path = path;
         return false;
     }
     failure ignored; // then nothing is known of its pixels
-    if (readInputPicture(source, path.text(), like.pixels, ignored))
-        like.normals = surelyNormalForm(like.pixels.pixels());
-    return true;
-}
-
-bool readGameTexture(const std::string& path, const game_file& found, like_texture& like, failure& why)
-{
-    like.path = path;
-    if (!found.read(like.file, why) || !readDdsHead(like.file.bytes(), like.head, why))
-        return fail(why, failure_kind::unreadable, "the game's texture cannot be read", path);
-    failure ignored;
     if (like.head.array_size == 1 && readPicture(like.file.bytes(), like.pixels, ignored))
         like.normals = surelyNormalForm(like.pixels.pixels());
     return true;
@@ -186,8 +175,15 @@ public:
             return findInGame(why);
         if (m_options.like.empty())
             return chooseTarget(m_options, nullptr, m_target, why);
+        const game_path path(m_options.like);
+        const std::shared_ptr<const game_data> game = m_source.gameFor(path, why);
+        if (!game)
+            return false;
+        const game_file found = path.isInternal() ? game->find(path.internalPath()) : game_file(path.text());
+        if (!found)
+            return fail(why, failure_kind::not_found, "no archive holds this path", path.text());
         m_like.emplace();
-        return readLike(m_source, m_options.like, *m_like, why) && chooseTarget(m_options, &*m_like, m_target, why);
+        return readLike(path.text(), found, *m_like, why) && chooseTarget(m_options, &*m_like, m_target, why);
     }
     const picture_batch& batch() const { return m_batch; }
 
@@ -238,7 +234,7 @@ private:
             return fail(why, failure_kind::not_found, "the game has no texture of this path, or of an end of it",
                         input);
         m_like.emplace();
-        return readGameTexture(found->second.path, found->second.file, *m_like, why) &&
+        return readLike(found->second.path, found->second.file, *m_like, why) &&
                chooseTarget(m_options, &*m_like, m_target, why);
     }
 

@@ -7,7 +7,6 @@
 #include "Korvane/jobs/output_paths.h"
 #include "Korvane/textures/picture_file.h"
 
-#include <algorithm>
 #include <new>
 #include <unordered_map>
 #include <utility>
@@ -27,17 +26,15 @@ public:
         , m_work(work)
         , m_is_file(batch.is_one_file && !isFolder(batch.output))
         , m_folder(batch.output, extraction_layout::numbered)
+        , m_is_result(findResults())
     {
-        const std::vector<bool> is_result = findResults();
         for (std::size_t i = 0; i < batch.inputs.size(); ++i)
-            (is_result[i] ? m_results : m_inputs).push_back(batch.inputs[i].path);
+            if (!isResult(i))
+                m_inputs.push_back(batch.inputs[i].path);
     }
 
     // What an earlier run has made of another input is not read: this one makes it again.
-    bool isResult(const operand_file& input) const
-    {
-        return std::find(m_results.begin(), m_results.end(), input.path) != m_results.end();
-    }
+    bool isResult(std::size_t input) const { return m_is_result[input]; }
 
     bool convert(const operand_file& input, output_outcome& outcome, std::string& path, failure& why)
     {
@@ -100,7 +97,7 @@ private:
     bool m_is_file;
     extraction_folder m_folder;
     std::vector<std::string> m_inputs;
-    std::vector<std::string> m_results;
+    std::vector<bool> m_is_result; // of each input of the batch
 };
 
 // The picture has one surface only.
@@ -140,7 +137,7 @@ bool convertPictures(const picture_batch& batch, const picture_name& name, const
     for (std::size_t i = 0; i < total && !port.isStopped(); ++i)
     {
         const operand_file& input = batch.inputs[i];
-        if (run.isResult(input))
+        if (run.isResult(i))
         {
             tell(port.log, displayText(input.path) + ": another of the pictures becomes this file, so it is not read");
             continue;

@@ -71,6 +71,15 @@ bool unpack(const std::string& stored, std::string& text, failure& why)
     return true;
 }
 
+void enterPack(path_tree& tree, const test::test_pack& pack, const std::string& path)
+{
+    test::writeBytes(path, pack.bytes());
+    pack_file archive(tree);
+    failure why;
+    ASSERT_TRUE(archive.open(path, why)) << describe(why);
+    archive.enter();
+}
+
 } // namespace
 
 TEST(pack_entry, everyCompressionGivesTheBytesBack)
@@ -179,12 +188,9 @@ TEST(entry_stream, givesWhatTheWholeReadGivesAndFailsWhereItFails)
     }
     add("abc", 1);
     const test::temporary_folder folder;
-    test::writeBytes(folder.file("x.pack"), pack.bytes());
     path_tree tree;
-    pack_file archive(tree);
+    enterPack(tree, pack, folder.file("x.pack"));
     failure why;
-    ASSERT_TRUE(archive.open(folder.file("x.pack"), why)) << describe(why);
-    archive.enter();
     for (const pack_file_node& entry : tree.entries().front())
     {
         memory_file whole;
@@ -223,12 +229,9 @@ TEST(entry_start, isTheBeginningOfTheWholeEntry)
     pack.entries.push_back({"damaged", withLength(1000, zstd(noise).substr(0, 500)), 1});
     pack.entries.push_back({"too short", "abc", 1});
     const test::temporary_folder folder;
-    test::writeBytes(folder.file("x.pack"), pack.bytes());
     path_tree tree;
-    pack_file archive(tree);
+    enterPack(tree, pack, folder.file("x.pack"));
     failure why;
-    ASSERT_TRUE(archive.open(folder.file("x.pack"), why)) << describe(why);
-    archive.enter();
     for (const pack_file_node& entry : tree.entries().front())
         for (const std::size_t wanted : {std::size_t{0}, std::size_t{1}, std::size_t{64}, std::size_t{20000}})
         {
