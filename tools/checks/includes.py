@@ -21,6 +21,7 @@ FLOORS = [
     {"Korvane/fbx/export"},
     {"Korvane/fbx/convert"},
     {"Korvane/jobs"},
+    {"Korvane/presenters"},
     {"Korvane/viewer"},
     {"Korvane/cli"},
     {"Korvane/app"},
