@@ -26,6 +26,8 @@ constexpr UINT look_pause = 500; // milliseconds
 
 shortcut acceleratorOf(const key_shortcut& keys, int command)
 {
+    if (keys.function_key > 0)
+        return {0, static_cast<WORD>(VK_F1 + keys.function_key - 1), static_cast<WORD>(command)};
     return {static_cast<BYTE>(FCONTROL | (keys.with_shift ? FSHIFT : 0)), static_cast<WORD>(keys.key),
             static_cast<WORD>(command)};
 }
@@ -158,10 +160,14 @@ void main_window::buildMenus()
 {
     menu bar = menu::makeBar();
     menu open_menu(nullptr);
+    menu open_submenu(nullptr);
     std::string_view open_name;
+    std::string_view open_submenu_name;
     std::vector<shortcut> shortcuts;
     for (const command_row& row : commandTable())
     {
+        if (row.menu.empty())
+            continue;
         if (row.menu != open_name)
         {
             open_menu = menu::makePopup();
@@ -176,7 +182,13 @@ void main_window::buildMenus()
             open_menu.addSubmenu(m_recent, row.text);
             continue;
         }
-        open_menu.addItem(numberOf(row.command), row.text);
+        if (row.submenu != open_submenu_name && !row.submenu.empty())
+        {
+            open_submenu = menu::makePopup();
+            open_menu.addSubmenu(open_submenu, row.submenu);
+        }
+        open_submenu_name = row.submenu;
+        (row.submenu.empty() ? open_menu : open_submenu).addItem(numberOf(row.command), row.text);
         if (const auto keys = shortcutOf(row.text))
             shortcuts.push_back(acceleratorOf(*keys, numberOf(row.command)));
     }

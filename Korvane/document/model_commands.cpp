@@ -1,5 +1,6 @@
 #include "Korvane/document/model_commands.h"
 
+#include "EASY_GUI/services/config_keys.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/game/game_path.h"
 #include "Korvane/models/rmv2_writer.h"
@@ -19,17 +20,35 @@ constexpr const char* model_extension = "rigid_model_v2";
 
 } // namespace
 
-bool model_commands::isEnabled(document_command command) const
+bool model_commands::isEnabled(document_command command, const window_facts& facts) const
 {
     const open_model& model = m_document.model();
+    if (facts.is_busy)
+        return false;
     switch (command)
     {
+    // In their menus, so that these have their order; what they do is not part of this program yet.
+    case document_command::export_static:
+    case document_command::export_animated:
+    case document_command::convert_animation:
+    case document_command::generate_bone_table:
+        return false;
     case document_command::open:
     case document_command::open_recent:
+    case document_command::normal_map_to_orange:
+    case document_command::normal_map_to_blue:
     case document_command::reread_archives:
     case document_command::exit:
+    case document_command::copy:
+    case document_command::paste:
+    case document_command::game_folders:
     case document_command::open_definition:
     case document_command::about:
+    case document_command::legal:
+    case document_command::guide:
+    case document_command::choose_texture_folder:
+    case document_command::open_texture_folder:
+    case document_command::fill_all_lods:
         return true;
     case document_command::save:
         return model.isEdited();
@@ -40,15 +59,36 @@ bool model_commands::isEnabled(document_command command) const
     case document_command::reset:
     case document_command::show_view:
         return m_document.shown() != open_files::kind::nothing;
+    case document_command::save_picture:
+        return facts.has_view && m_document.shown() != open_files::kind::nothing;
     case document_command::open_folder:
         return hasModel() && !game_path(model.file()->path()).isInternal();
     case document_command::choose_alpha_mode:
         return model.selectedGroup() != nullptr;
     case document_command::choose_texture:
+    case document_command::set_texture_path:
+    case document_command::replace_picture:
+    case document_command::edit_picture:
         return model.selectedGroup() != nullptr && !model.selectedGroup()->textures.empty();
-    default:
+    case document_command::save_as:
+    case document_command::patch: // offered for every model: those that cannot be patched are told why
+    case document_command::test:
+    case document_command::replace_path_prefix:
+    case document_command::copy_texture_paths:
+    case document_command::choose_lod_and_group:
+    case document_command::extract_textures:
         return hasModel();
     }
+    return false;
+}
+
+bool model_commands::mayUseArchives(const config_file& config)
+{
+    if (!config.get(config_keys::data_folders).empty())
+        return true;
+    m_prompt.show("Error!", "Setup up your games' \\data\\ folder in tools->setup game data folder first",
+                  prompt_icon::error);
+    return false;
 }
 
 command_outcome model_commands::save()

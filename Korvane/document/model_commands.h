@@ -4,7 +4,9 @@
 // now, what is asked before, and what is said when it fails. The window calls, and shows the document again afterwards.
 // One thread.
 
+#include "EASY_GUI/services/config_file.h"
 #include "EASY_GUI/services/user_prompt.h"
+#include "Korvane/document/document_command.h"
 #include "Korvane/document/open_files.h"
 
 #include <array>
@@ -14,27 +16,11 @@
 namespace korvane
 {
 
-enum class document_command
+// What the document cannot know of the window.
+struct window_facts
 {
-    open,
-    open_recent, // the submenu of the files that were opened last
-    reread_archives,
-    exit,
-    open_definition,
-    about,
-    save,
-    save_as,
-    patch, // "MENU_FILE_PATCH": offered for every model; those that cannot be patched are told why
-    reset,
-    undo,
-    redo,
-    export_static,
-    export_animated, // "MENU_FILE_EXPORT_ANIM"
-    choose_alpha_mode,
-    choose_texture,
-    extract_textures,
-    open_folder, // of the model
-    show_view
+    bool has_view = false; // the 3D view is open
+    bool is_busy = false;  // long work runs: nothing else may begin
 };
 
 enum class command_outcome
@@ -51,7 +37,11 @@ public:
     // Both outlive this.
     model_commands(open_files& document, user_prompt& prompt) : m_document(document), m_prompt(prompt) {}
 
-    bool isEnabled(document_command command) const;
+    bool isEnabled(document_command command, const window_facts& facts = {}) const;
+
+    // For commands that need the archives, before they begin. False: no data folder is set up, and the person was told
+    // so; the window then offers the dialog for them.
+    [[nodiscard]] bool mayUseArchives(const config_file& config);
 
     // To the model's own path; a model out of an archive, and one whose file has become another, get one first. A model
     // that was patched is only written after a warning, and the patched file is offered instead.

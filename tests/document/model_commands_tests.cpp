@@ -47,16 +47,26 @@ TEST_F(model_commands_test, commandsAreEnabledAsTheyMakeSense)
     EXPECT_FALSE(m_commands.isEnabled(command::save_as));
     EXPECT_FALSE(m_commands.isEnabled(command::reset));
     open(7);
-    for (const command always : {command::save_as, command::patch, command::reset, command::export_static,
-                                 command::open_folder, command::choose_alpha_mode, command::choose_texture})
+    for (const command always : {command::save_as, command::patch, command::reset, command::test, command::open_folder,
+                                 command::choose_alpha_mode, command::choose_texture})
         EXPECT_TRUE(m_commands.isEnabled(always)) << static_cast<int>(always);
-    for (const command later : {command::save, command::undo, command::redo})
+    for (const command later :
+         {command::save, command::undo, command::redo, command::export_static, command::save_picture})
         EXPECT_FALSE(m_commands.isEnabled(later)) << static_cast<int>(later);
     EXPECT_EQ(m_commands.chooseAlphaMode(1), command_outcome::done);
     EXPECT_TRUE(m_commands.isEnabled(command::save));
     EXPECT_TRUE(m_commands.isEnabled(command::undo));
     m_document.select({0, 1});
     EXPECT_FALSE(m_commands.isEnabled(command::choose_texture)) << "a group without textures";
+    EXPECT_TRUE(m_commands.isEnabled(command::save_picture, {.has_view = true}));
+    EXPECT_FALSE(m_commands.isEnabled(command::open, {.is_busy = true}));
+
+    config_file config;
+    EXPECT_FALSE(m_commands.mayUseArchives(config));
+    EXPECT_EQ(m_prompt.shown.back().second,
+              "Setup up your games' \\data\\ folder in tools->setup game data folder first");
+    config.add("data_paths", {"c:\\game\\data\\"}, false);
+    EXPECT_TRUE(m_commands.mayUseArchives(config));
 }
 
 TEST_F(model_commands_test, editsShowInThePanelsAndTheTitleAndReachTheFileWhenTheyAreSaved)
