@@ -78,9 +78,8 @@ std::string open_definition::emptyNotice(const drawn_models& drawn) const
     if (m_has_archives)
         return "None of the " + count + " of " + name + " could be opened: log.txt says why.";
     return name + " names " + count +
-           ".\r\nThey come out of the game's archives, and no folder with archives is set.\r\n\r\n"
-           "Type in a command window, with your folder:\r\n\r\n" +
-           std::string(set_folders_command) + "\r\n\r\nThen choose File, Re-read .pack files... here.";
+           ".\r\nThey come out of the game's archives, and no folder with archives is set.\r\n\r\n" +
+           std::string(set_folders_advice);
 }
 
 } // namespace korvane

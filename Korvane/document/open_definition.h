@@ -26,8 +26,8 @@ struct drawn_models
     std::size_t triangles = 0;
 };
 
-// What a person types who has not set the data folders yet.
-constexpr std::string_view set_folders_command = "korvane-cli config add data_paths \"C:\\Game\\data\"";
+// What to do for a person who has not set the data folders yet.
+constexpr std::string_view set_folders_advice = "Choose Tools, Setup Game Folders... and add the game's data folder.";
 
 class open_definition
 {

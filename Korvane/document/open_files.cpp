@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/text.h"
 #include "EASY_GUI/services/version.h"
+#include "Korvane/game/game_model.h"
 
 #include <utility>
 
@@ -15,9 +16,8 @@ open_error describeOpenFailure(const std::string& path, const failure& why, cons
                            : "The model could not be opened.\r\n\r\n";
     text += describe(why);
     if (game_path(path).isInternal() && !game.hasArchives())
-        text += "\r\n\r\nIt comes out of the game's archives, and no folder with archives is set. Type in a command "
-                "window, with your folder:\r\n\r\n" +
-                std::string(set_folders_command) + "\r\n\r\nThen choose File, Re-read .pack files... here.";
+        text += "\r\n\r\nIt comes out of the game's archives, and no folder with archives is set. " +
+                std::string(set_folders_advice);
     return {"Error!", std::move(text)};
 }
 
@@ -39,12 +39,30 @@ file_choice chooseFiles(const std::vector<std::string>& paths)
     return choice;
 }
 
+bool open_files::read(const std::string& path, const game_data& game, opened_file& file, failure& why)
+{
+    if (isDefinitionPath(path))
+        return file.definition.open(path, why, game);
+    // A fresh reader each time: one that has read a version 5 file keeps that version's text widths.
+    file.model = std::make_shared<rmv2_file>();
+    return openModel(game, path, *file.model, why);
+}
+
+void open_files::take(opened_file file)
+{
+    m_shown = file.model ? kind::model : kind::definition;
+    if (file.model)
+        m_model.take(std::move(file.model));
+    else
+        m_definition = std::move(file.definition);
+}
+
 bool open_files::open(const std::string& path, failure& why)
 {
-    const bool is_definition = isDefinitionPath(path);
-    if (!(is_definition ? m_definition.open(path, why, *m_po_game) : m_model.open(path, why, *m_po_game)))
+    opened_file file;
+    if (!read(path, *m_po_game, file, why))
         return false;
-    m_shown = is_definition ? kind::definition : kind::model;
+    take(std::move(file));
     return true;
 }
 
@@ -64,14 +82,17 @@ void open_files::close()
 std::vector<open_error> open_files::reopen()
 {
     std::vector<open_error> errors;
-    failure why;
+    const kind shown = m_shown;
+    const auto openAgain = [&](const std::string& path) {
+        failure why;
+        if (!open(path, why))
+            errors.push_back(describeOpenFailure(path, why, *m_po_game));
+    };
     if (m_model.hasModel() && !m_model.isEdited() && game_path(m_model.file()->path()).isInternal())
-        if (const std::string path = m_model.file()->path(); !m_model.open(path, why, *m_po_game))
-            errors.push_back(describeOpenFailure(path, why, *m_po_game));
-    why = {};
+        openAgain(std::string(m_model.file()->path()));
     if (m_definition.hasDefinition())
-        if (const std::string path = m_definition.path(); !m_definition.open(path, why, *m_po_game))
-            errors.push_back(describeOpenFailure(path, why, *m_po_game));
+        openAgain(std::string(m_definition.path()));
+    m_shown = shown;
     return errors;
 }
 
@@ -94,8 +115,7 @@ std::string open_files::status(const std::optional<drawn_models>& drawn) const
     case kind::definition:
         return m_definition.summary(drawn);
     default:
-        return m_po_game->archives() ? "Open a model or a definition with Ctrl+O, or drop it here."
-                                     : "Ctrl+O opens a model. Game data: " + std::string(set_folders_command);
+        return "Open a model or a definition with Ctrl+O, or drop it here.";
     }
 }
 

@@ -35,6 +35,13 @@ struct file_choice
 };
 [[nodiscard]] file_choice chooseFiles(const std::vector<std::string>& paths);
 
+// A file that was read and is not open yet.
+struct opened_file
+{
+    std::shared_ptr<rmv2_file> model; // null: it is a definition
+    open_definition definition;
+};
+
 class open_files
 {
 public:
@@ -49,7 +56,10 @@ public:
     void setGame(std::shared_ptr<const game_data> game) { m_po_game = std::move(game); }
     const std::shared_ptr<const game_data>& game() const { return m_po_game; } // never null
 
-    // Opens a path by its ending, on the disk or with "pack:" out of the game. On failure nothing changes.
+    // Reads a path by its ending, on the disk or with "pack:" out of the game. Any thread.
+    [[nodiscard]] static bool read(const std::string& path, const game_data& game, opened_file& file, failure& why);
+    void take(opened_file file); // opens what was read
+    // Both at once. On failure nothing changes.
     [[nodiscard]] bool open(const std::string& path, failure& why);
     // After another game was set: opens again what came out of it, and the definition, whose references do.
     // What can no longer be opened stays as it was; a message for each. A model with edits is left alone.

@@ -1,6 +1,5 @@
 #include "Korvane/document/open_model.h"
 
-#include "Korvane/game/game_model.h"
 #include "Korvane/models/catalogue.h"
 #include "Korvane/models/rmv2_writer.h"
 
@@ -9,15 +8,10 @@
 namespace korvane
 {
 
-bool open_model::open(const std::string& path, failure& why, const game_data& game)
+void open_model::take(std::shared_ptr<rmv2_file> model)
 {
-    // A fresh reader each time: one that has read a version 5 file keeps that version's text widths.
-    auto fresh = std::make_shared<rmv2_file>();
-    if (!openModel(game, path, *fresh, why))
-        return false;
-    replace(std::move(fresh));
+    replace(std::move(model));
     tellKeeper(image_state::other);
-    return true;
 }
 
 void open_model::openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere)

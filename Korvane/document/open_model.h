@@ -18,10 +18,9 @@ namespace korvane
 class open_model
 {
 public:
-    // Reads the model at a path, on the disk or with "pack:" out of the game. On failure what was open stays open, with
-    // its selection and edits. The first LOD and group are chosen; of the same path opened again the former ones, as
-    // far as it has them.
-    [[nodiscard]] bool open(const std::string& path, failure& why, const game_data& game = {});
+    // A model that was just read, in place of what was open with its edits. The first LOD and group are chosen; of the
+    // same path opened again the former ones, as far as it has them.
+    void take(std::shared_ptr<rmv2_file> model);
     void close();
     // Edits that were kept when a program ended, in place of what was open: they are not saved, and there is no undo to
     // before them. is_elsewhere: what stands at the path now is not what was edited, a save has to ask for a path.

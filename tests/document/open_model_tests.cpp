@@ -1,4 +1,4 @@
-#include "Korvane/document/open_model.h"
+#include "Korvane/document/open_files.h"
 #include "tests/support/model_builder.h"
 #include "tests/support/temporary_folder.h"
 
@@ -31,9 +31,10 @@ test_model threeLods()
 
 TEST_F(open_model_test, aFileThatCannotBeOpenedLeavesWhatWasOpen)
 {
-    open_model document;
+    open_files files;
+    open_model& document = files.model();
     failure why;
-    ASSERT_TRUE(document.open(write("good.rigid_model_v2", threeLods()), why));
+    ASSERT_TRUE(files.open(write("good.rigid_model_v2", threeLods()), why));
     document.select({1, 1});
     const auto held = document.data();
 
@@ -52,7 +53,7 @@ TEST_F(open_model_test, aFileThatCannotBeOpenedLeavesWhatWasOpen)
     for (const auto& row : broken)
     {
         failure reason;
-        EXPECT_FALSE(document.open(row.path, reason)) << row.name;
+        EXPECT_FALSE(files.open(row.path, reason)) << row.name;
         EXPECT_EQ(reason.kind, row.kind) << row.name << ": " << describe(reason);
         EXPECT_NE(describe(reason).find(row.path), std::string::npos) << row.name;
         EXPECT_EQ(document.data(), held) << row.name;
@@ -65,10 +66,10 @@ TEST_F(open_model_test, aVersion5ModelLeavesTheNextOneReadable)
     test_model old;
     old.version = 5;
     old.is_wide = true;
-    open_model document;
+    open_files files;
     failure why;
-    ASSERT_TRUE(document.open(write("five.rigid_model_v2", old), why)) << describe(why);
-    EXPECT_TRUE(document.open(write("seven.rigid_model_v2", test_model{}), why)) << describe(why);
+    ASSERT_TRUE(files.open(write("five.rigid_model_v2", old), why)) << describe(why);
+    EXPECT_TRUE(files.open(write("seven.rigid_model_v2", test_model{}), why)) << describe(why);
 }
 
 TEST_F(open_model_test, theSelectionStaysInsideTheModel)
@@ -86,12 +87,13 @@ TEST_F(open_model_test, theSelectionStaysInsideTheModel)
         {"nothing chosen", {-1, -1}, {0, 0}},
         {"negative beyond the count", {-7, -7}, {0, 0}},
     };
-    open_model document;
+    open_files files;
+    open_model& document = files.model();
     document.select({2, 2});
     EXPECT_EQ(document.selection(), (model_selection{-1, -1})) << "without a model";
     EXPECT_EQ(document.selectedGroup(), nullptr);
     failure why;
-    ASSERT_TRUE(document.open(write("a.rigid_model_v2", threeLods()), why));
+    ASSERT_TRUE(files.open(write("a.rigid_model_v2", threeLods()), why));
     EXPECT_EQ(document.selection(), (model_selection{0, 0}));
     for (const auto& row : rows)
     {
@@ -100,16 +102,16 @@ TEST_F(open_model_test, theSelectionStaysInsideTheModel)
         EXPECT_NE(document.selectedGroup(), nullptr) << row.name;
     }
     document.select({2, 0});
-    ASSERT_TRUE(document.open(write("a.rigid_model_v2", threeLods()), why));
+    ASSERT_TRUE(files.open(write("a.rigid_model_v2", threeLods()), why));
     EXPECT_EQ(document.selection(), (model_selection{2, 0})) << "the same model again";
-    ASSERT_TRUE(document.open(write("other.rigid_model_v2", threeLods()), why));
+    ASSERT_TRUE(files.open(write("other.rigid_model_v2", threeLods()), why));
     EXPECT_EQ(document.selection(), (model_selection{0, 0}));
     document.select({2, 0}); // written smaller meanwhile: what it does not have falls back
-    ASSERT_TRUE(document.open(write("other.rigid_model_v2", test_model{}), why));
+    ASSERT_TRUE(files.open(write("other.rigid_model_v2", test_model{}), why));
     EXPECT_EQ(document.selection(), (model_selection{0, 0}));
     test_model empty_lod;
     empty_lod.lods = {{}};
-    ASSERT_TRUE(document.open(write("c.rigid_model_v2", empty_lod), why)) << describe(why);
+    ASSERT_TRUE(files.open(write("c.rigid_model_v2", empty_lod), why)) << describe(why);
     EXPECT_EQ(document.selection(), (model_selection{0, -1}));
     EXPECT_EQ(document.selectedGroup(), nullptr);
 }
@@ -118,9 +120,10 @@ TEST_F(open_model_test, textsThatAreNotUtf8AreShownNevertheless)
 {
     test_model model;
     model.skeleton_id = "rider\xe9";
-    open_model document;
+    open_files files;
+    open_model& document = files.model();
     failure why;
-    ASSERT_TRUE(document.open(write("m.rigid_model_v2", model), why)) << describe(why);
+    ASSERT_TRUE(files.open(write("m.rigid_model_v2", model), why)) << describe(why);
     EXPECT_EQ(fileInfo(*document.file()).skeleton_id, "rideré");
 }
 
@@ -130,9 +133,10 @@ TEST_F(open_model_test, textureRowsSplitAtTheLastSeparatorAndEndAfterEight)
     group.textures = {{0, "a/b/c.dds"}, {2, "plain.dds"}, {27, "x\\y/z.dds"}, {1, "ends/"}};
     test_model model;
     model.lods = {{group}};
-    open_model document;
+    open_files files;
+    open_model& document = files.model();
     failure why;
-    ASSERT_TRUE(document.open(write("m.rigid_model_v2", model), why)) << describe(why);
+    ASSERT_TRUE(files.open(write("m.rigid_model_v2", model), why)) << describe(why);
     const struct
     {
         bool is_used;
@@ -155,15 +159,16 @@ TEST_F(open_model_test, textureRowsSplitAtTheLastSeparatorAndEndAfterEight)
     for (std::size_t i = 0; i < 10; ++i)
         group.textures[i].second = "t/" + std::to_string(i) + ".dds";
     model.lods = {{group}};
-    ASSERT_TRUE(document.open(write("m.rigid_model_v2", model), why)) << describe(why);
+    ASSERT_TRUE(files.open(write("m.rigid_model_v2", model), why)) << describe(why);
     EXPECT_EQ(textureRows(*document.selectedGroup()).back().file, "7.dds");
 }
 
 TEST_F(open_model_test, theListsCountFromOneAndTheSummaryAddsUp)
 {
-    open_model document;
+    open_files files;
+    open_model& document = files.model();
     failure why;
-    ASSERT_TRUE(document.open(write("m.rigid_model_v2", threeLods()), why));
+    ASSERT_TRUE(files.open(write("m.rigid_model_v2", threeLods()), why));
     const RMV2_FILE_DATA& model = *document.data();
     EXPECT_EQ(lodEntries(model), (std::vector<std::string>{"LOD 1", "LOD 2", "LOD 3"}));
     EXPECT_EQ(groupEntries(model, 1), (std::vector<std::string>{"G 1", "G 2"}));
@@ -176,7 +181,7 @@ TEST_F(open_model_test, theListsCountFromOneAndTheSummaryAddsUp)
     large.vertices = std::string(1234 * 32, '\0');
     test_model one;
     one.lods = {{large}};
-    ASSERT_TRUE(document.open(write("l.rigid_model_v2", one), why)) << describe(why);
+    ASSERT_TRUE(files.open(write("l.rigid_model_v2", one), why)) << describe(why);
     EXPECT_EQ(modelSummary(*document.data(), 0), "1 LOD; LOD 1: 1 group, 1,234 vertices, 1 triangle");
 }
 

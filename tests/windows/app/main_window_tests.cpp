@@ -144,7 +144,7 @@ TEST_F(main_window_test, droppedFilesAreOpened)
     drop(write("guard 李.variantmeshdefinition", std::string(guard_definition)));
     EXPECT_TRUE(text(control_file_path).ends_with("dropped 李.rigid_model_v2"));
     EXPECT_TRUE(m_window->document().definition().hasDefinition());
-    EXPECT_NE(m_view.notice.find("korvane-cli config add data_paths"), std::string::npos)
+    EXPECT_NE(m_view.notice.find("Setup Game Folders"), std::string::npos)
         << "what to do is said where the figure should be";
     EXPECT_TRUE(m_window->openFile(m_folder + "dropped 李.rigid_model_v2"));
     EXPECT_EQ(m_view.notice, "");
