@@ -15,7 +15,9 @@ inline constexpr std::string_view recent_files = "config_recent_files"; // newes
 inline constexpr std::string_view converted_files = "fbx_converted_files";
 inline constexpr std::string_view packs_cache = "packs_cache"; // the file's name or path
 inline constexpr std::string_view first_time = "first_time";   // empty until the notice of the first start was shown
+inline constexpr std::string_view folder_box_text = "folder_box_text_saved"; // last typed into the dialog of folders
 
-inline constexpr std::array known = {data_folders, mod_folders, recent_files, converted_files, packs_cache, first_time};
+inline constexpr std::array known = {data_folders, mod_folders, recent_files,   converted_files,
+                                     packs_cache,  first_time,  folder_box_text};
 
 } // namespace korvane::config_keys

@@ -62,28 +62,36 @@ bool pack_reader::addModFolder(const std::string& folder, failure& why)
     return enterModFolder(*m_po_tree, folder, m_work, why) && !m_work.isStopped();
 }
 
-bool pack_reader::findValidPakFiles(const std::string& folder)
+bool listArchives(const std::string& folder, std::vector<std::string>& archives, failure& why,
+                  const std::stop_token& stop)
 {
     std::vector<std::filesystem::path> matches;
     std::error_code error;
-    if (folder.ends_with('\\') || folder.ends_with('/'))
-        for (auto entry = std::filesystem::directory_iterator(toPath(existingPathAnyCase(folder)), error);
-             !error && entry != std::filesystem::directory_iterator(); entry.increment(error))
-        {
-            std::error_code ignored;
-            if (endsWithIgnoringCase(toUtf8(entry->path().filename()), ".pack") && !entry->is_directory(ignored))
-                matches.push_back(entry->path());
-        }
-    if (matches.empty())
+    for (auto entry = std::filesystem::directory_iterator(toPath(existingPathAnyCase(folder)), error);
+         !error && entry != std::filesystem::directory_iterator() && !stop.stop_requested(); entry.increment(error))
     {
-        m_notices.push_back({"Error!", "Function: findValidPakFiles() : File Not Found.Content:\r\n '" + folder +
-                                           "' \r\nPossibly invalid data folder set."});
-        return false;
+        std::error_code ignored;
+        if (endsWithIgnoringCase(toUtf8(entry->path().filename()), ".pack") && !entry->is_directory(ignored))
+            matches.push_back(entry->path());
     }
-    std::sort(matches.begin(), matches.end()); // the same order on every disk
+    std::sort(matches.begin(), matches.end());
     for (const std::filesystem::path& match : matches)
-        m_archives.push_back(toUtf8(match));
-    return true;
+        archives.push_back(toUtf8(match));
+    return !error ||
+           fail(why, failure_kind::unreadable, "the folder cannot be listed: " + displayText(error.message()), folder);
+}
+
+bool pack_reader::findValidPakFiles(const std::string& folder)
+{
+    const std::size_t known = m_archives.size();
+    failure ignored; // what was found counts
+    if (folder.ends_with('\\') || folder.ends_with('/'))
+        static_cast<void>(listArchives(folder, m_archives, ignored));
+    if (m_archives.size() > known)
+        return true;
+    m_notices.push_back({"Error!", "Function: findValidPakFiles() : File Not Found.Content:\r\n '" + folder +
+                                       "' \r\nPossibly invalid data folder set."});
+    return false;
 }
 
 void pack_reader::sortArchives()

@@ -14,6 +14,7 @@
 #include "Korvane/archives/pack_cache.h"
 
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -24,6 +25,11 @@ namespace korvane
 
 // What is said of an archive's files that were left out: the first three, and how many more. Nothing for none.
 [[nodiscard]] std::vector<std::string> describeLeftOut(const archive_listing& archive);
+
+// The archives in a folder, which may be spelled in any case, in an order that is the same on every disk. False, with
+// the reason, when it cannot be listed to its end; what was found before stands there. A stop ends the listing.
+[[nodiscard]] bool listArchives(const std::string& folder, std::vector<std::string>& archives, failure& why,
+                                const std::stop_token& stop = {});
 
 // What the notice of damaged archives begins with, before a line for each.
 inline constexpr std::string_view archive_damage_heading = "An error has occured ";

@@ -83,16 +83,6 @@ void showConfig(cli_context& context)
     }
 }
 
-// The configuration serves from every folder: one that is there is stored with its whole path.
-std::string wholeFolder(const std::string& folder)
-{
-    std::error_code error;
-    if (!std::filesystem::is_directory(toPath(folder), error))
-        return folder;
-    const std::filesystem::path whole = std::filesystem::absolute(toPath(folder), error);
-    return error ? folder : withSeparator(toUtf8(whole.lexically_normal()));
-}
-
 bool isKey(const std::string& key)
 {
     return !key.empty() && toLower(key).find_first_not_of("0123456789abcdefghijklmnopqrstuvwxyz_") == std::string::npos;

@@ -25,6 +25,15 @@ std::string withSeparator(std::string folder)
     return folder;
 }
 
+std::string wholeFolder(const std::string& folder)
+{
+    std::error_code error;
+    if (!std::filesystem::is_directory(toPath(folder), error))
+        return folder;
+    const std::filesystem::path whole = std::filesystem::absolute(toPath(folder), error);
+    return error ? folder : withSeparator(toUtf8(whole.lexically_normal()));
+}
+
 namespace
 {
 
