@@ -1,7 +1,6 @@
 #pragma once
 
-// A push button; its press arrives at the parent's onCommand with BN_CLICKED. And the frame with a caption that holds
-// related controls together.
+// A push button, a box that is checked or not, and the frame with a caption that holds related controls together.
 
 #include "EASY_GUI/win32/control.h"
 
@@ -11,10 +10,31 @@ namespace korvane
 class button : public control
 {
 public:
+    std::function<void()> onClick; // by mouse, key or mnemonic
+
     [[nodiscard]] bool create(HWND parent, int id, std::string_view text)
     {
         return createControl(L"BUTTON", parent, id, text, BS_PUSHBUTTON | WS_TABSTOP);
     }
+
+protected:
+    bool onNotified(int code) override { return code == BN_CLICKED && tell(onClick); }
+};
+
+class check_box : public control
+{
+public:
+    std::function<void(bool is_checked)> onClick; // by the person, with the new state; check() calls nothing
+
+    [[nodiscard]] bool create(HWND parent, int id, std::string_view text)
+    {
+        return createControl(L"BUTTON", parent, id, text, BS_AUTOCHECKBOX | WS_TABSTOP);
+    }
+    void check(bool is_checked) { send(BM_SETCHECK, is_checked ? BST_CHECKED : BST_UNCHECKED); }
+    bool isChecked() const { return send(BM_GETCHECK) == BST_CHECKED; }
+
+protected:
+    bool onNotified(int code) override { return code == BN_CLICKED && tell(onClick, isChecked()); }
 };
 
 class group_frame : public control

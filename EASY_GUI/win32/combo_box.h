@@ -1,7 +1,6 @@
 #pragma once
 
-// A drop-down list of fixed entries, each with a number of its own. A choice by the person arrives at the parent's
-// onCommand with CBN_SELCHANGE; select() by the program sends nothing.
+// A drop-down list of fixed entries, each with a number of its own.
 
 #include "EASY_GUI/win32/control.h"
 
@@ -13,6 +12,8 @@ namespace korvane
 class combo_box : public control
 {
 public:
+    std::function<void(int position)> onSelect; // by the person; select() calls nothing
+
     [[nodiscard]] bool create(HWND parent, int id);
 
     void place(int x, int y, int width, int height) override; // of the closed list
@@ -21,6 +22,9 @@ public:
     void add(std::string_view text, std::uint32_t value = 0); // the value is the entry's CB_GETITEMDATA
     void select(int position);                                // -1: none
     int selected() const;                                     // -1: none
+
+protected:
+    bool onNotified(int code) override { return code == CBN_SELCHANGE && tell(onSelect, selected()); }
 };
 
 } // namespace korvane

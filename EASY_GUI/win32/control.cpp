@@ -4,6 +4,7 @@
 #include "EASY_GUI/win32/window.h"
 
 #include <commctrl.h>
+#include <unordered_map>
 
 namespace korvane
 {
@@ -11,7 +12,25 @@ namespace korvane
 namespace
 {
 constexpr UINT_PTR subclass_id = 1;
+
+// Of this thread, as those of window.
+std::unordered_map<HWND, control*>& controlsByHandle()
+{
+    static thread_local std::unordered_map<HWND, control*> controls;
+    return controls;
 }
+
+void loadControlClasses()
+{
+    INITCOMMONCONTROLSEX wanted{};
+    wanted.dwSize = sizeof wanted;
+    wanted.dwICC = ICC_STANDARD_CLASSES | ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES | ICC_BAR_CLASSES |
+                   ICC_TAB_CLASSES | ICC_PROGRESS_CLASS;
+    static const bool are_loaded = InitCommonControlsEx(&wanted) != FALSE;
+    static_cast<void>(are_loaded); // what is missing shows when a control of it is created
+}
+
+} // namespace
 
 control::~control()
 {
@@ -19,6 +38,7 @@ control::~control()
         return;
     const HWND handle = m_handle;
     RemoveWindowSubclass(handle, &control::watch, subclass_id);
+    controlsByHandle().erase(handle);
     DestroyWindow(handle);
 }
 
@@ -27,21 +47,39 @@ LRESULT CALLBACK control::watch(HWND handle, UINT message, WPARAM wparam, LPARAM
     if (message == WM_NCDESTROY)
     {
         RemoveWindowSubclass(handle, &control::watch, subclass_id);
+        controlsByHandle().erase(handle);
         reinterpret_cast<control*>(self)->m_handle = nullptr;
     }
-    const LRESULT result = DefSubclassProc(handle, message, wparam, lparam);
+    const LRESULT result = message == WM_NCDESTROY
+                               ? DefSubclassProc(handle, message, wparam, lparam)
+                               : reinterpret_cast<control*>(self)->handleMessage(message, wparam, lparam);
     if (message == WM_SETFOCUS)
         if (window* const top = window::fromHandle(GetAncestor(handle, GA_ROOT)); top != nullptr)
             top->onControlFocused(handle);
     return result;
 }
 
+LRESULT control::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
+{
+    return DefSubclassProc(m_handle, message, wparam, lparam);
+}
+
+control* control::fromHandle(HWND handle)
+{
+    const auto& controls = controlsByHandle();
+    const auto found = controls.find(handle);
+    return found == controls.end() ? nullptr : found->second;
+}
+
 bool control::createControl(const wchar_t* class_name, HWND parent, int id, std::string_view text, DWORD style,
                             DWORD extended_style)
 {
+    loadControlClasses();
     m_handle =
         CreateWindowExW(extended_style, class_name, toWide(text).c_str(), style | WS_CHILD | WS_VISIBLE, 0, 0, 0, 0,
                         parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
+    if (m_handle != nullptr)
+        controlsByHandle()[m_handle] = this;
     return m_handle != nullptr &&
            SetWindowSubclass(m_handle, &control::watch, subclass_id, reinterpret_cast<DWORD_PTR>(this)) != 0;
 }

@@ -1,5 +1,6 @@
 #include "EASY_GUI/win32/window.h"
 
+#include "EASY_GUI/win32/control.h"
 #include "EASY_GUI/win32/dpi.h"
 #include "EASY_GUI/win32/wide_text.h"
 
@@ -314,9 +315,32 @@ bool window::handleGeometry(UINT message, WPARAM wparam, LPARAM lparam)
     }
 }
 
+// What a control tells its parent comes back to the control.
+bool window::handOn(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result)
+{
+    if ((message != WM_COMMAND && message != WM_NOTIFY && message != WM_HSCROLL && message != WM_VSCROLL) ||
+        lparam == 0)
+        return false;
+    NMHDR* const notice = message == WM_NOTIFY ? reinterpret_cast<NMHDR*>(lparam) : nullptr;
+    control* const sender = control::fromHandle(notice != nullptr ? notice->hwndFrom : reinterpret_cast<HWND>(lparam));
+    if (sender == nullptr)
+        return false;
+    switch (message)
+    {
+    case WM_COMMAND:
+        return sender->onNotified(HIWORD(wparam));
+    case WM_NOTIFY:
+        return sender->onNotify(*notice, result);
+    default:
+        return sender->onScrolled(LOWORD(wparam));
+    }
+}
+
 LRESULT window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
 {
     LRESULT result = 0;
+    if (handOn(message, wparam, lparam, result))
+        return result;
     if (message >= WM_MOUSEFIRST && message <= WM_MOUSELAST)
         return handleMouse(message, wparam, lparam, result) ? result : defaultResult(message, wparam, lparam);
     if (handleGeometry(message, wparam, lparam))
@@ -357,7 +381,8 @@ LRESULT window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
             return 0;
         break;
     case WM_VSCROLL:
-        onVerticalScroll(LOWORD(wparam));
+        if (lparam == 0) // the window's own scroll bar
+            onVerticalScroll(LOWORD(wparam));
         return 0;
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLOREDIT:

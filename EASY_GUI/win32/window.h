@@ -95,9 +95,10 @@ protected:
     virtual bool onCreated() { return true; } // WM_CREATE, handle() is valid; false gives creation up
     virtual void onClose() { destroy(); }     // WM_CLOSE
     virtual void onDestroyed() {}             // WM_DESTROY; the handle is still valid, children too
-    virtual void onSize(int /*width*/, int /*height*/, size_change /*change*/) {}                // client pixels
-    virtual bool onCommand(int /*id*/, int /*notification*/, HWND /*control*/) { return false; } // true: handled
-    virtual bool onKeyDown(unsigned /*virtual_key*/, bool /*is_repeat*/) { return false; }       // true: handled
+    virtual void onSize(int /*width*/, int /*height*/, size_change /*change*/) {} // client pixels
+    // A command of a menu or shortcut, or of a control that has no handler for it. True: handled.
+    virtual bool onCommand(int /*id*/, int /*notification*/, HWND /*control*/) { return false; }
+    virtual bool onKeyDown(unsigned /*virtual_key*/, bool /*is_repeat*/) { return false; }   // true: handled
     virtual bool onMouseWheel(int /*delta*/, const mouse_event& /*event*/) { return false; } // WHEEL_DELTA per notch
     virtual bool onMouseButton(const mouse_event& /*event*/) { return false; }
     virtual bool onMouseMove(const mouse_event& /*event*/) { return false; }
@@ -122,6 +123,7 @@ private:
     friend class control; // says which one has the focus
     static LRESULT CALLBACK windowProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam);
     static ATOM classFor(const window_settings& settings);
+    bool handOn(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result);
     bool handleMouse(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result);
     bool handleGeometry(UINT message, WPARAM wparam, LPARAM lparam);
     LRESULT defaultResult(UINT message, WPARAM wparam, LPARAM lparam) const;

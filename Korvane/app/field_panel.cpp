@@ -64,8 +64,16 @@ bool field_panel::onCreated()
 
 bool field_panel::createField(const panel_field& field)
 {
+    const auto act = [this, id = field.id] {
+        if (m_acted)
+            m_acted(id);
+    };
     const auto made = [&]<typename Control>(std::unique_ptr<Control> fresh, auto... arguments) {
         Control& created = *fresh;
+        if constexpr (std::is_same_v<Control, combo_box>)
+            created.onSelect = [act](int) { act(); };
+        if constexpr (std::is_same_v<Control, button>)
+            created.onClick = act;
         m_by_id[field.id] = fresh.get();
         m_controls.push_back(std::move(fresh));
         return created.create(handle(), arguments...);
@@ -215,19 +223,6 @@ HBRUSH field_panel::onControlColour(HDC context, HWND control)
 combo_box& field_panel::list(int id) const
 {
     return static_cast<combo_box&>(at(id));
-}
-
-bool field_panel::onCommand(int id, int notification, HWND)
-{
-    const auto found = m_by_id.find(id);
-    if (found == m_by_id.end() || !m_acted)
-        return false;
-    const bool is_list = dynamic_cast<const combo_box*>(found->second) != nullptr;
-    const bool is_button = dynamic_cast<const button*>(found->second) != nullptr;
-    if (!(is_list && notification == CBN_SELCHANGE) && !(is_button && notification == BN_CLICKED))
-        return false;
-    m_acted(id);
-    return true;
 }
 
 } // namespace korvane

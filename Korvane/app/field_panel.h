@@ -66,7 +66,6 @@ public:
 protected:
     bool onCreated() override;
     void onSize(int width, int height, size_change change) override;
-    bool onCommand(int id, int notification, HWND control) override;
     HBRUSH onControlColour(HDC context, HWND control) override;
 
 private:
