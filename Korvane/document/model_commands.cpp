@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/config_keys.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/document/texture_path_fault.h"
 #include "Korvane/game/game_path.h"
 #include "Korvane/models/rmv2_writer.h"
 
@@ -91,8 +92,15 @@ bool model_commands::mayUseArchives(const config_file& config)
     return false;
 }
 
+command_outcome model_commands::done(std::string action)
+{
+    m_last_action = std::move(action);
+    return command_outcome::done;
+}
+
 command_outcome model_commands::save()
 {
+    m_last_action.clear();
     if (!hasModel())
         return command_outcome::cancelled;
     const std::string path = m_document.model().file()->path();
@@ -101,6 +109,7 @@ command_outcome model_commands::save()
 
 command_outcome model_commands::saveAs()
 {
+    m_last_action.clear();
     if (!hasModel())
         return command_outcome::cancelled;
     const auto path = m_prompt.pickSavePath("Save RigidModel File As", model_filters, model_extension);
@@ -116,7 +125,7 @@ command_outcome model_commands::saveTo(const std::string& path)
     std::string lost;
     for (const field_change& change : model.changes())
         if (!change.is_saved)
-            lost += "\r\n" + describe(change);
+            lost += "\r\n" + describe(change, first_number);
     failure why;
     if (!model.save(path, why))
     {
@@ -129,7 +138,7 @@ command_outcome model_commands::saveTo(const std::string& path)
                       "these changes are not in it:\r\n" +
                           lost,
                       prompt_icon::warning);
-    return command_outcome::done;
+    return done("Saved " + std::string(fileName(path)));
 }
 
 command_outcome model_commands::confirmMixedVersions()
@@ -158,6 +167,7 @@ command_outcome model_commands::confirmMixedVersions()
 
 command_outcome model_commands::patch()
 {
+    m_last_action.clear();
     if (!hasModel())
         return command_outcome::cancelled;
     open_model& model = m_document.model();
@@ -183,17 +193,30 @@ command_outcome model_commands::patch()
                       "it. Open it and make them there.\r\n" +
                           *path,
                       prompt_icon::warning);
-    return command_outcome::done;
+    return done("Patched: " + *path);
 }
 
 command_outcome model_commands::reset()
 {
+    m_last_action.clear();
     if (!isEnabled(document_command::reset) ||
         !m_prompt.confirm("Clear", "Are you sure you want to clear all fields?",
                           m_document.model().isEdited() ? prompt_answer::no : prompt_answer::yes))
         return command_outcome::cancelled;
     m_document.close();
-    return command_outcome::done;
+    return done("Everything is closed.");
+}
+
+command_outcome model_commands::undo()
+{
+    const std::string undone = m_document.model().undo();
+    return undone.empty() ? command_outcome::cancelled : done("Undone: " + undone);
+}
+
+command_outcome model_commands::redo()
+{
+    const std::string redone = m_document.model().redo();
+    return redone.empty() ? command_outcome::cancelled : done("Done again: " + redone);
 }
 
 command_outcome model_commands::chooseTexture(std::size_t row)
@@ -213,8 +236,41 @@ command_outcome model_commands::chooseAlphaMode(int position)
     return showNotes(m_document.model().chooseAlphaMode(position));
 }
 
+command_outcome model_commands::setTexturePath(std::size_t row, const std::string& directory, const std::string& file)
+{
+    const command_outcome outcome = showNotes(m_document.model().setTexturePath(row, directory, file));
+    if (outcome == command_outcome::done)
+        if (const texture_path_fault fault = texturePathFault(directory + file); !fault.text.empty())
+            m_last_action += " (beware: " + fault.text + ")";
+    return outcome;
+}
+
+command_outcome model_commands::replacePathPrefix(std::string_view wanted, std::string_view replacement)
+{
+    return showNotes(m_document.model().replacePathPrefix(wanted, replacement));
+}
+
+copied_texture_paths model_commands::copyTexturePaths()
+{
+    copied_texture_paths copied{std::string(copy_paths_announcement), {}, {}, {}};
+    if (const auto model = m_document.model().data())
+    {
+        copied.table = texturePathTable(*model, m_document.model().file()->path());
+        std::vector<wanted_texture> wanted;
+        addWantedTextures(*model, wanted);
+        for (wanted_texture& texture : wanted)
+        {
+            copied.clipboard += texture.path + "\r\n";
+            copied.wanted.push_back(std::move(texture.path));
+        }
+    }
+    m_last_action = copy_paths_success;
+    return copied;
+}
+
 command_outcome model_commands::showNotes(const edit_result& result)
 {
+    m_last_action = result.changed > 0 ? "Changed: " + result.summary : "";
     std::string text;
     for (const std::string& note : result.notes)
         text += (text.empty() ? "" : "\r\n") + note;

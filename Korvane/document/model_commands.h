@@ -8,10 +8,13 @@
 #include "EASY_GUI/services/user_prompt.h"
 #include "Korvane/document/document_command.h"
 #include "Korvane/document/open_files.h"
+#include "Korvane/textures/texture_paths.h"
 
 #include <array>
 #include <cstddef>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace korvane
 {
@@ -29,6 +32,15 @@ enum class command_outcome
     opened_other, // the same, and put the model's path into the recent files
     cancelled,    // the person changed their mind
     failed        // and was told why
+};
+
+// What "Copy textures paths" gives: the paths of the whole model, each once, as archives spell them.
+struct copied_texture_paths
+{
+    std::string announcement;        // for the log and the status line, before
+    std::string clipboard;           // a line each
+    std::vector<std::string> wanted; // for extraction
+    texture_path_table table;        // for the log
 };
 
 class model_commands
@@ -49,9 +61,18 @@ public:
     command_outcome saveAs();
     command_outcome patch();
     command_outcome reset();
+    command_outcome undo();
+    command_outcome redo();
     // A texture file for a row of the selected group. notes of the edit are shown.
     command_outcome chooseTexture(std::size_t row);
     command_outcome chooseAlphaMode(int position);
+    // As typed into the row's two fields. What is odd about the path is said behind what was done.
+    command_outcome setTexturePath(std::size_t row, const std::string& directory, const std::string& file);
+    command_outcome replacePathPrefix(std::string_view wanted, std::string_view replacement);
+    [[nodiscard]] copied_texture_paths copyTexturePaths();
+    // What the last of these commands did, for the status line: "Saved body.rigid_model_v2", "Undone: alpha mode of LOD
+    // 1, group 2: ...". Empty: it did nothing, or has shown a box.
+    const std::string& lastAction() const { return m_last_action; }
     // The folder of the file that was last chosen for a row; empty: none yet.
     const std::string& chosenFolder(std::size_t row) const { return m_chosen_folders.at(row); }
 
@@ -65,8 +86,11 @@ private:
     command_outcome confirmMixedVersions();
     command_outcome showNotes(const edit_result& result);
 
+    command_outcome done(std::string action);
+
     open_files& m_document;
     user_prompt& m_prompt;
+    std::string m_last_action;
     std::array<std::string, texture_row_count> m_chosen_folders;
 };
 

@@ -13,16 +13,6 @@ namespace korvane
 namespace
 {
 
-std::string placeText(std::size_t lod, std::size_t group)
-{
-    return "LOD " + std::to_string(lod) + ", group " + std::to_string(group);
-}
-
-std::string placeText(std::size_t lod, std::size_t group, std::size_t texture)
-{
-    return placeText(lod, group) + ", texture " + std::to_string(texture);
-}
-
 bool failAtIndex(failure& why, std::size_t index, const char* what, std::size_t count, const std::string& owner,
                  const std::string& path)
 {
@@ -116,7 +106,7 @@ bool model_editor::setTexturePath(texture_place place, std::string_view path, ed
         const bool is_chosen = &group == chosen;
         const auto texture = is_chosen ? place.texture : withRank(group.textures, rank, hasType(type));
         if (texture)
-            setPath(step, group.textures[*texture].path_field, path, placeText(at.lod, at.group, *texture), result);
+            setPath(step, {at.lod, at.group, *texture}, path, result);
         else
             result.notes.push_back(placeText(at.lod, at.group) + " has no such texture (" +
                                    std::string(textureTypeName(type)) + ")");
@@ -132,42 +122,66 @@ bool model_editor::setAlphaMode(group_place place, std::uint32_t value, edit_sco
         return false;
     edit_step step;
     for (const group_place& at : placesOf(place, scope, result))
-        setAlpha(step, m_model.data().lods[at.lod].groups[at.group], value, placeText(at.lod, at.group), result);
+        setAlpha(step, at, value, result);
     finish(std::move(step), result);
     return true;
+}
+
+template <class function>
+void model_editor::forEachWithPrefix(std::string_view wanted, std::string_view replacement, const function& use) const
+{
+    const std::vector<lod_data>& lods = std::as_const(m_model).data().lods;
+    for (std::size_t lod = 0; lod < lods.size() && !wanted.empty(); ++lod)
+        for (std::size_t group = 0; group < lods[lod].groups.size(); ++group)
+            for (std::size_t i = 0; i < lods[lod].groups[group].textures.size(); ++i)
+            {
+                const fixed_field& field = lods[lod].groups[group].textures[i].path_field;
+                if (const std::string path = field.text(); beginsWithPath(path, wanted))
+                    use(texture_place{lod, group, i}, field, path,
+                        std::string(replacement) + path.substr(wanted.size()));
+            }
 }
 
 edit_result model_editor::replacePathPrefix(std::string_view wanted, std::string_view replacement)
 {
     edit_result result;
     edit_step step;
-    for (std::size_t lod = 0; lod < m_model.data().lods.size(); ++lod)
-    {
-        std::vector<group_data>& groups = m_model.data().lods[lod].groups;
-        for (std::size_t group = 0; group < groups.size(); ++group)
-            for (std::size_t i = 0; i < groups[group].textures.size(); ++i)
-            {
-                fixed_field& field = groups[group].textures[i].path_field;
-                const std::string path = field.text();
-                if (!wanted.empty() && beginsWithPath(path, wanted))
-                    setPath(step, field, std::string(replacement) + path.substr(wanted.size()),
-                            placeText(lod, group, i), result);
-            }
-    }
+    forEachWithPrefix(wanted, replacement,
+                      [&](const texture_place& place, const fixed_field&, const std::string&, const std::string& path) {
+                          setPath(step, place, path, result);
+                      });
     finish(std::move(step), result);
     return result;
 }
 
-void model_editor::undo()
+std::vector<field_change> model_editor::previewPathPrefix(std::string_view wanted, std::string_view replacement) const
 {
-    if (canUndo())
-        restore(m_steps[--m_done], &field_edit::before);
+    std::vector<field_change> changes;
+    forEachWithPrefix(
+        wanted, replacement,
+        [&](const texture_place& place, const fixed_field& field, const std::string& before, const std::string& path) {
+            const std::string after = cutToFit(field, path);
+            if (after != before)
+                changes.push_back(
+                    {place.lod, place.group, place.texture, displayText(before), displayText(after), true});
+        });
+    return changes;
 }
 
-void model_editor::redo()
+std::string model_editor::undo()
 {
-    if (canRedo())
-        restore(m_steps[m_done++], &field_edit::after);
+    if (!canUndo())
+        return {};
+    restore(m_steps[--m_done], &field_edit::before);
+    return summaryOf(m_steps[m_done], true);
+}
+
+std::string model_editor::redo()
+{
+    if (!canRedo())
+        return {};
+    restore(m_steps[m_done], &field_edit::after);
+    return summaryOf(m_steps[m_done++], false);
 }
 
 std::vector<field_change> model_editor::changes() const
@@ -206,40 +220,55 @@ group_data* model_editor::groupAt(group_place place, failure& why)
     return &groups[place.group];
 }
 
-void model_editor::setPath(edit_step& step, fixed_field& field, std::string_view path, const std::string& place,
-                           edit_result& result)
+void model_editor::setPath(edit_step& step, texture_place place, std::string_view path, edit_result& result)
 {
+    fixed_field& field = m_model.data().lods[place.lod].groups[place.group].textures[place.texture].path_field;
     const std::string fitting = cutToFit(field, path);
     if (fitting != path)
     {
         const auto length = [&field](std::string_view text) {
             return std::to_string(field.isWide() ? utf16FromUtf8(text).size() : text.size());
         };
-        result.notes.push_back(place + ": the path has " + length(path) +
+        result.notes.push_back(placeText(place) + ": the path has " + length(path) +
                                (field.isWide() ? " characters of 16 bits" : " bytes") + " and is cut to " +
                                length(fitting));
     }
     std::vector<std::byte> before = bytesOf(field);
+    std::string former = displayText(field.text());
     field.setText(fitting);
-    addEdit(step, field, std::move(before));
+    if (std::vector<std::byte> after = bytesOf(field); before != after)
+        step.push_back({&field,
+                        std::move(before),
+                        std::move(after),
+                        {place.lod, place.group, place.texture, std::move(former), displayText(fitting), true}});
 }
 
-void model_editor::setAlpha(edit_step& step, group_data& group, std::uint32_t value, const std::string& place,
-                            edit_result& result)
+void model_editor::setAlpha(edit_step& step, group_place place, std::uint32_t value, edit_result& result)
 {
+    group_data& group = m_model.data().lods[place.lod].groups[place.group];
     fixed_field& field = group.alpha_mode_field;
     if (group.textures.empty())
-        result.notes.push_back(place + " has no textures: its alpha mode is not written to the file");
+        result.notes.push_back(placeText(place.lod, place.group) +
+                               " has no textures: its alpha mode is not written to the file");
     std::vector<std::byte> before = bytesOf(field);
+    std::string former = alphaText(field.u32());
     field.setU32(value);
-    addEdit(step, field, std::move(before));
+    if (std::vector<std::byte> after = bytesOf(field); before != after)
+        step.push_back(
+            {&field,
+             std::move(before),
+             std::move(after),
+             {place.lod, place.group, std::nullopt, std::move(former), alphaText(value), !group.textures.empty()}});
 }
 
-void model_editor::addEdit(edit_step& step, fixed_field& field, std::vector<std::byte> before)
+std::string model_editor::placeText(std::size_t lod, std::size_t group) const
 {
-    std::vector<std::byte> after = bytesOf(field);
-    if (before != after)
-        step.push_back({&field, std::move(before), std::move(after)});
+    return placeOf(lod, group, std::nullopt, m_first);
+}
+
+std::string model_editor::placeText(const texture_place& place) const
+{
+    return placeOf(place.lod, place.group, place.texture, m_first);
 }
 
 std::vector<group_place> model_editor::placesOf(group_place place, edit_scope scope, edit_result& result) const
@@ -258,7 +287,7 @@ std::vector<group_place> model_editor::placesOf(group_place place, edit_scope sc
         if (const auto group = withRank(lods[lod].groups, rank, isNamed(name)))
             places.push_back({lod, *group});
         else
-            result.notes.push_back("LOD " + std::to_string(lod) + " has no group like " +
+            result.notes.push_back("LOD " + std::to_string(lod + m_first) + " has no group like " +
                                    placeText(place.lod, place.group) + " (\"" + displayText(name) + "\")");
     }
     return places;
@@ -275,6 +304,7 @@ void model_editor::finish(edit_step step, edit_result& result)
     result.changed += step.size();
     if (step.empty())
         return;
+    result.summary = summaryOf(step, false);
     if (m_saved && *m_saved > m_done)
         m_saved.reset();
     m_steps.resize(m_done);
@@ -282,11 +312,32 @@ void model_editor::finish(edit_step step, edit_result& result)
     ++m_done;
 }
 
-std::string describe(const field_change& change)
+// A step changes either alpha modes or paths.
+std::string model_editor::summaryOf(const edit_step& step, bool is_undone) const
 {
-    return (change.texture ? placeText(change.lod, change.group, *change.texture)
-                           : placeText(change.lod, change.group) + ", alpha mode") +
-           ": " + change.before +
+    const auto values = [is_undone](const field_change& told) {
+        return is_undone ? told.after + " -> " + told.before : told.before + " -> " + told.after;
+    };
+    const field_change& first = step.front().told;
+    const bool is_alike = std::all_of(step.begin(), step.end(),
+                                      [&](const field_edit& edit) { return values(edit.told) == values(first); });
+    if (step.size() == 1)
+        return (first.texture ? "path of " : "alpha mode of ") +
+               placeOf(first.lod, first.group, first.texture, m_first) + ": " + values(first);
+    return (first.texture ? counted(step.size(), "texture path") : "alpha mode of " + counted(step.size(), "group")) +
+           (is_alike ? ": " + values(first) : "");
+}
+
+std::string placeOf(std::size_t lod, std::size_t group, std::optional<std::size_t> texture, std::size_t first)
+{
+    return "LOD " + std::to_string(lod + first) + ", group " + std::to_string(group + first) +
+           (texture ? ", texture " + std::to_string(*texture + first) : "");
+}
+
+std::string describe(const field_change& change, std::size_t first)
+{
+    return placeOf(change.lod, change.group, change.texture, first) + (change.texture ? "" : ", alpha mode") + ": " +
+           change.before +
            (change.before == change.after ? " (the path stays; what stands behind its end in the file is cleared)"
                                           : " -> " + change.after);
 }

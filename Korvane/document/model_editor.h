@@ -42,6 +42,7 @@ struct edit_result
 {
     std::size_t changed = 0;        // fields that got another value; 0: there is nothing to undo
     std::vector<std::string> notes; // what the person should know of it, one sentence each
+    std::string summary;            // "alpha mode of LOD 0, group 1: 0 (Alpha Off) -> 1 (Alpha On)"; empty: no change
 };
 
 // A field that holds another value than the file image.
@@ -58,7 +59,8 @@ struct field_change
 class model_editor
 {
 public:
-    explicit model_editor(rmv2_file& model) : m_model(model) {}
+    // first: what texts call the first LOD, group and texture; 1 where lists are counted so.
+    explicit model_editor(rmv2_file& model, std::size_t first = 0) : m_model(model), m_first(first) {}
 
     // A path longer than the field takes (255 characters) is cut, with a note. False when the model has no such place.
     [[nodiscard]] bool setTexturePath(texture_place place, std::string_view path, edit_scope scope, edit_result& result,
@@ -68,11 +70,15 @@ public:
     // In all textures of all groups: paths that begin with what is wanted, case and kind of separator aside, get
     // replacement in its place, as it is written, and keep their rest. wanted is not empty.
     edit_result replacePathPrefix(std::string_view wanted, std::string_view replacement);
+    // What it would change.
+    [[nodiscard]] std::vector<field_change> previewPathPrefix(std::string_view wanted,
+                                                              std::string_view replacement) const;
 
     bool canUndo() const { return m_done > 0; }
     bool canRedo() const { return m_done < m_steps.size(); }
-    void undo(); // nothing to undo: nothing happens
-    void redo();
+    // Say what they changed, as edit_result::summary does. Nothing to undo: nothing happens.
+    std::string undo();
+    std::string redo();
 
     // True while undo or redo would be needed to come back to what was saved or loaded.
     bool isEdited() const { return m_saved != m_done; }
@@ -87,27 +93,35 @@ private:
     {
         fixed_field* field;
         std::vector<std::byte> before, after;
+        field_change told;
     };
     using edit_step = std::vector<field_edit>;
 
     group_data* groupAt(group_place place, failure& why);
-    static void setPath(edit_step& step, fixed_field& field, std::string_view path, const std::string& place,
-                        edit_result& result);
-    static void setAlpha(edit_step& step, group_data& group, std::uint32_t value, const std::string& place,
-                         edit_result& result);
-    static void addEdit(edit_step& step, fixed_field& field, std::vector<std::byte> before);
+    void setPath(edit_step& step, texture_place place, std::string_view path, edit_result& result);
+    void setAlpha(edit_step& step, group_place place, std::uint32_t value, edit_result& result);
+    template <class function>
+    void forEachWithPrefix(std::string_view wanted, std::string_view replacement, const function& use) const;
+    std::string placeText(std::size_t lod, std::size_t group) const;
+    std::string placeText(const texture_place& place) const;
     // The place itself, and with all_lods its like in the other LODs; a note for each LOD without one.
     std::vector<group_place> placesOf(group_place place, edit_scope scope, edit_result& result) const;
     static void restore(const edit_step& step, std::vector<std::byte> field_edit::*bytes);
     void finish(edit_step step, edit_result& result);
 
+    std::string summaryOf(const edit_step& step, bool is_undone) const;
+
     rmv2_file& m_model;
+    std::size_t m_first;
     std::vector<edit_step> m_steps;
     std::size_t m_done = 0;                 // steps that are not undone
     std::optional<std::size_t> m_saved = 0; // m_done when it was saved; nothing: no undo or redo leads there any more
 };
 
+// "LOD 0, group 1, texture 2"; first as for model_editor.
+[[nodiscard]] std::string placeOf(std::size_t lod, std::size_t group, std::optional<std::size_t> texture,
+                                  std::size_t first = 0);
 // "LOD 0, group 1, texture 2: old.dds -> new.dds"
-[[nodiscard]] std::string describe(const field_change& change);
+[[nodiscard]] std::string describe(const field_change& change, std::size_t first = 0);
 
 } // namespace korvane

@@ -1,8 +1,10 @@
 #include "Korvane/document/open_model.h"
 
+#include "EASY_GUI/services/text.h"
 #include "Korvane/models/catalogue.h"
 #include "Korvane/models/rmv2_writer.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace korvane
@@ -27,7 +29,7 @@ void open_model::replace(std::shared_ptr<rmv2_file> model)
 {
     if (!m_po_file || m_po_file->path() != model->path())
         m_selection = {};
-    m_po_editor = std::make_unique<model_editor>(*model);
+    m_po_editor = std::make_unique<model_editor>(*model, first_number);
     m_po_file = std::move(model);
     m_origin = {};
     m_saves_elsewhere = false;
@@ -91,34 +93,71 @@ edit_result open_model::chooseAlphaMode(int position)
     return result;
 }
 
-edit_result open_model::chooseTexture(std::size_t row, const std::string& chosen_file)
+edit_result open_model::setPath(std::size_t row, std::string_view path)
 {
     edit_result result;
-    const group_data* const group = selectedGroup();
-    if (group == nullptr || row >= group->textures.size())
-        return result;
-    failure never;
+    failure never; // the place is there
     static_cast<void>(m_po_editor->setTexturePath(
-        {static_cast<std::size_t>(m_selection.lod), static_cast<std::size_t>(m_selection.group), row},
-        pathWithChosenFile(group->textures[row], chosen_file), m_scope, result, never));
+        {static_cast<std::size_t>(m_selection.lod), static_cast<std::size_t>(m_selection.group), row}, path, m_scope,
+        result, never));
     tellKeeper(image_state::same);
     return result;
 }
 
-void open_model::undo()
+edit_result open_model::chooseTexture(std::size_t row, const std::string& chosen_file)
 {
-    if (!canUndo())
-        return;
-    m_po_editor->undo();
-    tellKeeper(image_state::same);
+    const group_data* const group = selectedGroup();
+    if (group == nullptr || row >= group->textures.size())
+        return {};
+    return setPath(row, pathWithChosenFile(group->textures[row], chosen_file));
 }
 
-void open_model::redo()
+edit_result open_model::setTexturePath(std::size_t row, std::string directory, std::string file)
+{
+    const group_data* const group = selectedGroup();
+    if (group == nullptr || row >= std::min(group->textures.size(), texture_row_count))
+        return {};
+    const texture_row_content shown = textureRows(*group)[row];
+    const std::string path = group->textures[row].path_field.text();
+    const std::size_t cut = path.size() - fileName(path).size();
+    if (directory == shown.directory)
+        directory = path.substr(0, cut);
+    if (file == shown.file)
+        file = path.substr(cut);
+    const std::string typed = directory + file;
+    return typed == path ? edit_result() : setPath(row, typed);
+}
+
+edit_result open_model::replacePathPrefix(std::string_view wanted, std::string_view replacement)
+{
+    if (m_po_editor == nullptr)
+        return {};
+    edit_result result = m_po_editor->replacePathPrefix(wanted, replacement);
+    tellKeeper(image_state::same);
+    return result;
+}
+
+std::vector<field_change> open_model::previewPathPrefix(std::string_view wanted, std::string_view replacement) const
+{
+    return m_po_editor == nullptr ? std::vector<field_change>() : m_po_editor->previewPathPrefix(wanted, replacement);
+}
+
+std::string open_model::undo()
+{
+    if (!canUndo())
+        return {};
+    std::string undone = m_po_editor->undo();
+    tellKeeper(image_state::same);
+    return undone;
+}
+
+std::string open_model::redo()
 {
     if (!canRedo())
-        return;
-    m_po_editor->redo();
+        return {};
+    std::string redone = m_po_editor->redo();
     tellKeeper(image_state::same);
+    return redone;
 }
 
 std::vector<field_change> open_model::changes() const

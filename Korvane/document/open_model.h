@@ -48,11 +48,18 @@ public:
     edit_result chooseAlphaMode(int position);
     // The texture in a row of the selected group gets the name of the chosen file behind its own directory.
     edit_result chooseTexture(std::size_t row, const std::string& chosen_file);
+    // The path of a row as it was typed into its two fields. A field that still says what textureRows() put there keeps
+    // the bytes that it stands for.
+    edit_result setTexturePath(std::size_t row, std::string directory, std::string file);
+    // model_editor.h
+    edit_result replacePathPrefix(std::string_view wanted, std::string_view replacement);
+    [[nodiscard]] std::vector<field_change> previewPathPrefix(std::string_view wanted,
+                                                              std::string_view replacement) const;
     bool isEdited() const { return m_po_editor != nullptr && m_po_editor->isEdited(); }
     bool canUndo() const { return m_po_editor != nullptr && m_po_editor->canUndo(); }
     bool canRedo() const { return m_po_editor != nullptr && m_po_editor->canRedo(); }
-    void undo();
-    void redo();
+    std::string undo(); // what it changed, for a status line
+    std::string redo();
     // Edits that a save would write, and those that none can. Empty without a model.
     [[nodiscard]] std::vector<field_change> changes() const;
 
@@ -69,6 +76,7 @@ private:
         other
     };
     void replace(std::shared_ptr<rmv2_file> model);
+    edit_result setPath(std::size_t row, std::string_view path);
     void tellKeeper(image_state state); // after all that changes the edits
 
     edit_keeper* m_po_keeper = nullptr;

@@ -55,7 +55,7 @@ std::vector<std::string> lodEntries(const RMV2_FILE_DATA& model)
 {
     std::vector<std::string> entries;
     for (std::size_t i = 0; i < model.lods.size(); ++i)
-        entries.push_back("LOD " + std::to_string(i + 1));
+        entries.push_back("LOD " + std::to_string(i + first_number));
     return entries;
 }
 
@@ -64,7 +64,7 @@ std::vector<std::string> groupEntries(const RMV2_FILE_DATA& model, int lod)
     std::vector<std::string> entries;
     if (const lod_data* const chosen = lodAt(model, lod))
         for (std::size_t i = 0; i < chosen->groups.size(); ++i)
-            entries.push_back("G " + std::to_string(i + 1));
+            entries.push_back("G " + std::to_string(i + first_number));
     return entries;
 }
 

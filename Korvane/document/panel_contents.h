@@ -24,6 +24,9 @@ struct model_selection
     friend bool operator==(const model_selection&, const model_selection&) = default;
 };
 
+// What a person sees as the number of the first LOD, group and texture.
+constexpr std::size_t first_number = 1;
+
 // An index that lies outside its list becomes 0, and -1 when the list is empty.
 [[nodiscard]] model_selection clampSelection(const RMV2_FILE_DATA& model, model_selection wanted);
 

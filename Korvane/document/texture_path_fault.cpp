@@ -52,6 +52,8 @@ bool beginsWithDataFolder(std::string_view path)
 
 texture_path_fault texturePathFault(std::string_view path)
 {
+    if (path.empty())
+        return {};
     const std::string quoted = "\"" + displayText(path) + "\"";
     if (path.size() > 1 && path[1] == ':')
         return {quoted + " is a path on somebody's disk; the game looks inside its archives only", true};

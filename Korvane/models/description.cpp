@@ -57,45 +57,7 @@ std::string describeTextures(const group_data& group)
     {
         const texture_entry& texture = group.textures[i];
         text += line(6, std::to_string(i) + "  " + std::string(textureTypeName(texture.type)),
-                     std::to_string(texture.type) + "  " + terminalText(texture.path));
-    }
-    return text;
-}
-
-std::string describeGroup(const group_data& group, std::size_t index)
-{
-    const group_header& header = group.header;
-    std::string text = "\n  Group " + std::to_string(index) + "  \"" + terminalText(header.group_name) + "\"\n";
-    text += line(4, "Material",
-                 std::to_string(header.material_id) + " " + std::string(materialName(header.material_id)) + ", flags " +
-                     std::to_string(group.material_flags));
-    text += line(4, "Shader", terminalText(header.shader_name));
-    text += line(4, "Alpha mode", alphaText(group.alpha_mode));
-    text += line(4, "Vertex format", formatText(group));
-    text += line(4, "Mesh",
-                 counted(header.vertex_count, "vertex", "vertices") + ", " +
-                     counted(header.index_count / 3, "triangle", "triangles"));
-    if (group.store.indices_out_of_range > 0)
-        text += line(4, "Warning",
-                     counted(group.store.indices_out_of_range, "index names", "indices name") +
-                         " a vertex that is not there");
-    text += line(4, "Box", vec3Text(header.bbox_min) + " to " + vec3Text(header.bbox_max));
-    if (header.pivot != glm::vec3(0.0f))
-        text += line(4, "Pivot", vec3Text(header.pivot));
-    text += line(4, "Place in file",
-                 "byte " + grouped(static_cast<std::size_t>(group.file_offset)) + ", " + grouped(header.group_size) +
-                     " bytes");
-    text += line(4, "Texture folder", terminalText(header.texture_directory));
-    text += describeTextures(group);
-    if (!group.attachments.empty())
-    {
-        text += line(4, "Attachment points", "");
-        for (std::size_t i = 0; i < group.attachments.size(); ++i)
-        {
-            const attachment_point& point = group.attachments[i];
-            text += line(6, std::to_string(i) + "  " + terminalText(point.name),
-                         "at " + vec3Text({point.matrix[3], point.matrix[7], point.matrix[11]}));
-        }
+                     std::to_string(texture.type) + "  " + terminalText(texture.currentPath()));
     }
     return text;
 }
@@ -141,6 +103,45 @@ totals totalsOf(const lod_data& lod)
 }
 
 } // namespace
+
+std::string describeGroup(const group_data& group, std::size_t index)
+{
+    const group_header& header = group.header;
+    std::string text = "\n  Group " + std::to_string(index) + "  \"" + terminalText(header.group_name) + "\"\n";
+    text += line(4, "Material",
+                 std::to_string(header.material_id) + " " + std::string(materialName(header.material_id)) + ", flags " +
+                     std::to_string(group.material_flags));
+    text += line(4, "Shader", terminalText(header.shader_name));
+    text += line(4, "Alpha mode",
+                 alphaText(group.alpha_mode_field.isEdited() ? group.alpha_mode_field.u32() : group.alpha_mode));
+    text += line(4, "Vertex format", formatText(group));
+    text += line(4, "Mesh",
+                 counted(header.vertex_count, "vertex", "vertices") + ", " +
+                     counted(header.index_count / 3, "triangle", "triangles"));
+    if (group.store.indices_out_of_range > 0)
+        text += line(4, "Warning",
+                     counted(group.store.indices_out_of_range, "index names", "indices name") +
+                         " a vertex that is not there");
+    text += line(4, "Box", vec3Text(header.bbox_min) + " to " + vec3Text(header.bbox_max));
+    if (header.pivot != glm::vec3(0.0f))
+        text += line(4, "Pivot", vec3Text(header.pivot));
+    text += line(4, "Place in file",
+                 "byte " + grouped(static_cast<std::size_t>(group.file_offset)) + ", " + grouped(header.group_size) +
+                     " bytes");
+    text += line(4, "Texture folder", terminalText(header.texture_directory));
+    text += describeTextures(group);
+    if (!group.attachments.empty())
+    {
+        text += line(4, "Attachment points", "");
+        for (std::size_t i = 0; i < group.attachments.size(); ++i)
+        {
+            const attachment_point& point = group.attachments[i];
+            text += line(6, std::to_string(i) + "  " + terminalText(point.name),
+                         "at " + vec3Text({point.matrix[3], point.matrix[7], point.matrix[11]}));
+        }
+    }
+    return text;
+}
 
 void describeModel(const rmv2_file& model, bool with_vertices, const std::function<void(const std::string&)>& print)
 {

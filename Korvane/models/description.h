@@ -14,4 +14,8 @@ namespace korvane
 // file's texts are shown as \x1b and so on.
 void describeModel(const rmv2_file& model, bool with_vertices, const std::function<void(const std::string&)>& print);
 
+// One group with all that belongs to it, as describeModel tells of it, with the paths and alpha mode that a save would
+// write; index is the number that it is called by.
+[[nodiscard]] std::string describeGroup(const group_data& group, std::size_t index);
+
 } // namespace korvane

@@ -76,6 +76,8 @@ struct texture_entry
     std::uint32_t type = 0; // named by catalogue.h
     std::string path;       // internal path of a DDS file, up to the first zero, as the file image has it
     fixed_field path_field; // the edited value; width 256 (512 in version 5), zero-padded
+
+    std::string currentPath() const { return path_field.isEdited() ? path_field.text() : path; } // a save would write
 };
 
 struct lod_header

@@ -38,7 +38,7 @@ void addWantedTextures(const RMV2_FILE_DATA& model, std::vector<wanted_texture>&
         for (const group_data& group : lod.groups)
             for (const texture_entry& texture : group.textures)
             {
-                std::string path = normalInternalPath(texture.path);
+                std::string path = normalInternalPath(texture.currentPath());
                 if (path.empty())
                     continue;
                 const auto [found, is_new] = position_of.emplace(path, wanted.size());
@@ -68,7 +68,7 @@ texture_path_table texturePathTable(const RMV2_FILE_DATA& model, std::string_vie
         for (const group_data& group : lod.groups)
             for (const texture_entry& texture : group.textures)
             {
-                table.rows.push_back({texture.type, folder, toLower(fileName(texture.path))});
+                table.rows.push_back({texture.type, folder, toLower(fileName(texture.currentPath()))});
                 if (known.insert(table.rows.back().file).second)
                     table.files.push_back(table.rows.back().file);
             }

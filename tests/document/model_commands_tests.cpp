@@ -1,5 +1,6 @@
 // The commands of the main window on the open model: what is asked, what is said, what is written.
 
+#include "Korvane/document/change_list.h"
 #include "Korvane/document/model_commands.h"
 #include "Korvane/models/rmv2_writer.h"
 #include "tests/support/model_builder.h"
@@ -100,6 +101,44 @@ TEST_F(model_commands_test, editsShowInThePanelsAndTheTitleAndReachTheFileWhenTh
     EXPECT_EQ(saved.data().lods[0].groups[0].alpha_mode, 0xffffffffu);
 }
 
+TEST_F(model_commands_test, theStatusLineSaysWhatWasDoneAndUndone)
+{
+    const std::string path = open(7);
+    const std::string& said = m_commands.lastAction();
+    m_commands.chooseAlphaMode(1);
+    EXPECT_EQ(said, "Changed: alpha mode of LOD 1, group 1: 0 (Alpha Off) -> 1 (Alpha On)");
+    m_commands.undo();
+    EXPECT_EQ(said, "Undone: alpha mode of LOD 1, group 1: 1 (Alpha On) -> 0 (Alpha Off)");
+    m_commands.redo();
+    EXPECT_EQ(said, "Done again: alpha mode of LOD 1, group 1: 0 (Alpha Off) -> 1 (Alpha On)");
+    EXPECT_EQ(m_commands.setTexturePath(0, "tex/", "body_diffuse.dds"), command_outcome::cancelled)
+        << "what stands there";
+    EXPECT_EQ(m_commands.setTexturePath(0, "new\\", "b.dds"), command_outcome::done);
+    EXPECT_EQ(said, "Changed: path of LOD 1, group 1, texture 1: tex/body_diffuse.dds -> new\\b.dds");
+    EXPECT_EQ(m_commands.setTexturePath(0, "c:\\new\\", "b.dds"), command_outcome::done);
+    EXPECT_NE(said.find("somebody's disk"), std::string::npos) << said;
+    EXPECT_EQ(m_commands.setTexturePath(1, "a/", "b.dds"), command_outcome::cancelled) << "a grey row";
+    m_commands.undo();
+    m_commands.undo();
+
+    const std::vector<field_change> preview = m_document.model().previewPathPrefix("TEX\\", "data/");
+    ASSERT_EQ(preview.size(), 2u);
+    const change_list list(preview);
+    EXPECT_EQ(list.text(1, 0) + "|" + list.text(1, 1) + "|" + list.text(1, 2),
+              "LOD 2, group 1, texture 1|tex/body_diffuse.dds|data/body_diffuse.dds");
+    EXPECT_EQ(list.mark(1), row_mark::warning) << "begins with the data folder";
+    EXPECT_EQ(m_commands.replacePathPrefix("TEX\\", "x/"), command_outcome::done);
+    EXPECT_EQ(said, "Changed: 2 texture paths: tex/body_diffuse.dds -> x/body_diffuse.dds");
+    const copied_texture_paths copied = m_commands.copyTexturePaths();
+    EXPECT_EQ(copied.announcement + "|" + copied.clipboard + "|" + said,
+              "Copy textures paths|x\\body_diffuse.dds\r\n|Copy textures paths: SUCCESS!");
+    EXPECT_EQ(copied.wanted, std::vector<std::string>{"x\\body_diffuse.dds"});
+    EXPECT_EQ(m_commands.save(), command_outcome::done);
+    EXPECT_EQ(said, "Saved in.rigid_model_v2");
+    EXPECT_EQ(m_commands.undo(), command_outcome::done) << "also behind a save";
+    EXPECT_TRUE(m_document.model().isEdited());
+}
+
 TEST_F(model_commands_test, anAlphaModeThatNoSaveWritesIsSaidWhenItIsChosenAndWhenItIsSaved)
 {
     const std::string path = open(7);
@@ -107,7 +146,7 @@ TEST_F(model_commands_test, anAlphaModeThatNoSaveWritesIsSaidWhenItIsChosenAndWh
     EXPECT_EQ(m_commands.chooseAlphaMode(1), command_outcome::done);
     EXPECT_NE(lastText().find("has no textures"), std::string::npos);
     EXPECT_EQ(m_commands.save(), command_outcome::done);
-    EXPECT_NE(lastText().find("LOD 0, group 1, alpha mode: 0 (Alpha Off) -> 1 (Alpha On)"), std::string::npos);
+    EXPECT_NE(lastText().find("LOD 1, group 2, alpha mode: 0 (Alpha Off) -> 1 (Alpha On)"), std::string::npos);
     EXPECT_EQ(readBytes(path), m_bytes);
 }
 
