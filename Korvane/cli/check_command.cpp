@@ -19,20 +19,6 @@ namespace korvane
 namespace
 {
 
-const char* severityName(finding_severity severity)
-{
-    switch (severity)
-    {
-    case finding_severity::note:
-        return "note";
-    case finding_severity::warning:
-        return "warning";
-    case finding_severity::error:
-        break;
-    }
-    return "error";
-}
-
 json placeJson(const std::optional<std::size_t>& index)
 {
     return index ? json(*index) : json();
@@ -47,17 +33,6 @@ json findingJson(const finding& each)
             {"texture", placeJson(each.place.texture)},
             {"kind", each.kind},
             {"text", each.text}};
-}
-
-// "LOD 0, group 2, texture 1"
-std::string placeText(const finding_place& place)
-{
-    std::string text = "LOD " + std::to_string(*place.lod);
-    if (place.group)
-        text += ", group " + std::to_string(*place.group);
-    if (place.texture)
-        text += ", texture " + std::to_string(*place.texture);
-    return text;
 }
 
 // What one file has, as a person reads it: the worst first, and what is found in many places once, with the places.

@@ -6,6 +6,7 @@
 #include "Korvane/game/game_model.h"
 #include "Korvane/jobs/model_check.h"
 #include "Korvane/models/rmv2_file.h"
+#include "Korvane/models/rmv2_writer.h"
 
 #include <algorithm>
 #include <iterator>
@@ -39,6 +40,12 @@ void check_run::add(const std::string& operand)
         m_not_found.push_back(errorOf(m_operands.leftOut()[i].path, "unreadable", m_operands.leftOut()[i]));
     for (std::size_t i = files; i < m_operands.files().size(); ++i)
         addFile(m_operands.files()[i].path); // when it does not exist, reading it says so
+}
+
+void check_run::addOpen(model_snapshot model)
+{
+    addFile(model.path);
+    m_open = std::move(model);
 }
 
 void check_run::addFile(std::string path)
@@ -78,8 +85,16 @@ void check_run::checkModel(const std::string& path, std::vector<finding>& found)
 {
     rmv2_file model;
     failure why;
-    const bool is_open = openModel(m_game, path, model, why);
-    if (isVersion7OverVersion6(model.image().bytes())) // what was read of it, if anything, is not what it holds
+    const bool is_kept = m_open && m_open->path == path;
+    const bool is_open = is_kept ? openSnapshot(*m_open, model, why) : openModel(m_game, path, model, why);
+    if (is_kept && hasMixedVersions(model))
+        found.push_back({finding_severity::error,
+                         path,
+                         {},
+                         "version_word",
+                         "the model was patched, and saving it now would write a file that says version 7 over the "
+                         "headers of version 6; open the patched file instead"});
+    else if (isVersion7OverVersion6(model.image().bytes())) // what was read of it, if anything, is not what it holds
     {
         found.push_back({finding_severity::error,
                          path,

@@ -9,10 +9,12 @@
 #include "Korvane/game/game_data.h"
 #include "Korvane/jobs/finding.h"
 #include "Korvane/jobs/known_files.h"
+#include "Korvane/jobs/model_snapshot.h"
 #include "Korvane/jobs/operand_list.h"
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -29,6 +31,9 @@ public:
     // What to check: a model, a definition, a folder or a pattern, on the disk or with "pack:" in front in the game
     // (operand_list.h). What cannot be found is a finding of its own.
     void add(const std::string& operand);
+    // A model that is open: it is checked as it is there, with its edits, not as its file is. Definitions that are
+    // added may name it, too.
+    void addOpen(model_snapshot model);
 
     // Checks one file after the other, and hands on what is found in each. Progress counts files and names the next.
     void run(const work_port& work, const std::function<void(const std::vector<finding>&)>& take);
@@ -50,6 +55,7 @@ private:
     operand_list m_operands{definitionOperands()};
     std::vector<std::string> m_files;
     std::unordered_set<std::string> m_listed;
+    std::optional<model_snapshot> m_open;
     std::vector<finding> m_not_found; // of add(); handed out by the first step
     std::size_t m_next = 0;
 };

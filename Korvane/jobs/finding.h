@@ -25,6 +25,23 @@ struct finding_place
     std::optional<std::size_t> texture;
 };
 
+// "LOD 0, group 2, texture 1"; empty for a whole file.
+[[nodiscard]] inline std::string placeText(const finding_place& place)
+{
+    std::string text;
+    if (place.lod)
+        text = "LOD " + std::to_string(*place.lod);
+    if (place.group)
+        text += ", group " + std::to_string(*place.group);
+    if (place.texture)
+        text += ", texture " + std::to_string(*place.texture);
+    return text;
+}
+[[nodiscard]] inline const char* severityName(finding_severity severity)
+{
+    return severity == finding_severity::note ? "note" : severity == finding_severity::warning ? "warning" : "error";
+}
+
 struct finding
 {
     finding_severity severity = finding_severity::note;
@@ -33,5 +50,12 @@ struct finding
     std::string kind; // one word for programs, "texture_missing": docs/command_line.md has them all
     std::string text; // one sentence, without the place
 };
+
+// "warning: LOD 0, group 2: ...", one line, without the file.
+[[nodiscard]] inline std::string describe(const finding& each)
+{
+    const std::string place = placeText(each.place);
+    return severityName(each.severity) + (place.empty() ? "" : ": " + place) + ": " + each.text;
+}
 
 } // namespace korvane

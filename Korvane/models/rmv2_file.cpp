@@ -4,6 +4,7 @@
 #include "Korvane/models/rmv2_reader.h"
 
 #include <algorithm>
+#include <atomic>
 #include <limits>
 #include <utility>
 
@@ -15,7 +16,7 @@ namespace
 
 constexpr std::string_view model_magic = "RMV2";
 
-std::string last_model_error;
+std::atomic<bool> has_failed_validation{false}; // by any thread that reads a model
 
 struct influence_layout
 {
@@ -67,7 +68,8 @@ bool isVersion7OverVersion6(std::span<const std::byte> image)
 
 const std::string& lastModelError()
 {
-    return last_model_error;
+    static const std::string none, error = "ERROR: File is NOT a valid .rigid_model_v2 file!";
+    return has_failed_validation ? error : none;
 }
 
 bool rmv2_file::open(const std::string& path, failure& why)
@@ -116,7 +118,7 @@ bool rmv2_file::validateAndDecode(failure& why)
     else
     {
         m_status = "ERROR: " + found.what;
-        last_model_error = "ERROR: File is NOT a valid .rigid_model_v2 file!";
+        has_failed_validation = true;
     }
     m_log += m_status + " \n";
     if (!is_good)

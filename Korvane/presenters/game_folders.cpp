@@ -41,9 +41,8 @@ bool isSameFolder(const std::string& left, const std::string& right)
 
 } // namespace
 
-game_folders::game_folders(config_file& config, std::string config_path)
+game_folders::game_folders(shared_config& config)
     : m_config(config)
-    , m_config_path(std::move(config_path))
     , m_saved_data(config.get(config_keys::data_folders))
     , m_saved_mod(config.get(config_keys::mod_folders))
 {
@@ -238,27 +237,24 @@ bool game_folders::isChanged() const
     return !same(folders(folder_kind::data), m_saved_data) || !same(folders(folder_kind::mod), m_saved_mod);
 }
 
-bool game_folders::save(failure& why)
+bool game_folders::save()
 {
     const std::vector<std::string> data = folders(folder_kind::data), mod = folders(folder_kind::mod);
     const bool writes_folders = isChanged(); // otherwise those that another window has set meanwhile stay
-    const bool is_saved = m_config.change(
-        m_config_path,
-        [&](config_file& config) {
-            if (writes_folders)
-            {
-                config.clear(config_keys::data_folders);
-                config.add(config_keys::data_folders, data, false);
-                config.clear(config_keys::mod_folders);
-                config.add(config_keys::mod_folders, mod, false);
-            }
-            const std::vector<std::string> box = {m_box_text};
-            const bool writes_text = config.get(config_keys::folder_box_text) != std::vector{toLower(m_box_text)};
-            config.clear(config_keys::folder_box_text);
-            config.add(config_keys::folder_box_text, box, false);
-            return writes_folders || writes_text;
-        },
-        why);
+    const bool is_saved = m_config.change([&](config_file& config) {
+        if (writes_folders)
+        {
+            config.clear(config_keys::data_folders);
+            config.add(config_keys::data_folders, data, false);
+            config.clear(config_keys::mod_folders);
+            config.add(config_keys::mod_folders, mod, false);
+        }
+        const std::vector<std::string> box = {toLower(m_box_text)};
+        const bool writes_text = config.get(config_keys::folder_box_text) != box;
+        config.clear(config_keys::folder_box_text);
+        config.add(config_keys::folder_box_text, box, false);
+        return writes_folders || writes_text;
+    });
     m_saved_data = data;
     m_saved_mod = mod;
     return is_saved;

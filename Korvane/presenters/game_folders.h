@@ -6,8 +6,8 @@
 // counts most, as a person reads a list; the configuration has that one last. For the thread that owns the
 // configuration.
 
-#include "EASY_GUI/services/config_file.h"
 #include "EASY_GUI/services/list_model.h"
+#include "EASY_GUI/services/shared_config.h"
 #include "Korvane/game/folder_look.h"
 #include "Korvane/game/game_finder.h"
 
@@ -28,8 +28,8 @@ public:
         mod
     };
 
-    // The folders of the configuration, which outlives this. An empty path: "config.cfg" beside the program.
-    game_folders(config_file& config, std::string config_path);
+    // The folders of the configuration, which outlives this.
+    explicit game_folders(shared_config& config);
 
     std::span<const list_column> columns() const override; // folder, kind, archives
     std::size_t rowCount() const override { return m_rows.size(); }
@@ -69,9 +69,9 @@ public:
 
     // Whether other folders are set than at first or at the last save, so that the archives have to be read again.
     bool isChanged() const;
-    // Saves folders and box text. False, with the reason, when the file cannot be written: this program has them all
-    // the same.
-    [[nodiscard]] bool save(failure& why);
+    // False when the configuration cannot be written (it says so itself): this program has folders and box text all the
+    // same.
+    bool save();
 
     // Folders, archives: "2 data folders with 13 archives, 1 mod folder".
     [[nodiscard]] std::string summary() const;
@@ -90,8 +90,7 @@ private:
     void insert(folder_kind kind, const folder_look& look);
     bool isProblem(const folder_row& row) const;
 
-    config_file& m_config;
-    std::string m_config_path;
+    shared_config& m_config;
     std::vector<folder_row> m_rows; // data folders first
     std::vector<std::string> m_saved_data, m_saved_mod;
     std::string m_box_text;

@@ -37,7 +37,8 @@ TEST_F(game_folders_test, whatIsAddedComesBackAndWhatIsWrongIsSaid)
     for (const char* path :
          {"Game/data/a.pack", "Game/data/B.PACK", "rome/data/Models2_Rome2.pack", "mine/x.dds", "mod/x.dds"})
         put(path);
-    game_folders folders(m_config, configPath());
+    shared_config shared(m_config, configPath(), {});
+    game_folders folders(shared);
     EXPECT_FALSE(folders.isChanged());
     EXPECT_EQ(add(folders, kind::data, "  \"" + m_folder.file("Game") + "\" "), "") << "a game's root: its data folder";
     EXPECT_EQ(add(folders, kind::data, m_folder.file("rome/data")), "");
@@ -64,9 +65,8 @@ TEST_F(game_folders_test, whatIsAddedComesBackAndWhatIsWrongIsSaid)
     EXPECT_EQ(folders.text(1, 2), "2");
     EXPECT_EQ(add(folders, kind::mod, m_folder.file("mod")), "");
     folders.setBoxText("C:\\typed");
-    failure why;
     EXPECT_TRUE(folders.isChanged());
-    ASSERT_TRUE(folders.save(why)) << describe(why);
+    ASSERT_TRUE(folders.save());
     EXPECT_FALSE(folders.isChanged());
 
     config_file again;
@@ -75,7 +75,8 @@ TEST_F(game_folders_test, whatIsAddedComesBackAndWhatIsWrongIsSaid)
               (paths{toLower(m_folder.file("rome/data/")), toLower(m_folder.file("Game/data/"))}));
     EXPECT_EQ(again.get("mod_paths").back(), toLower(m_folder.file("mod/"))) << "the upper one counts most";
     EXPECT_EQ(again.get("FOLDER_BOX_TEXT_SAVED"), paths{"c:\\typed"});
-    EXPECT_EQ(game_folders(again, configPath()).modFolder(), toLower(m_folder.file("mod/")));
+    shared_config shared_again(again, configPath(), {});
+    EXPECT_EQ(game_folders(shared_again).modFolder(), toLower(m_folder.file("mod/")));
 }
 
 TEST_F(game_folders_test, missingFoldersAreMarkedOnceTheyWereLookedAt)
@@ -84,7 +85,8 @@ TEST_F(game_folders_test, missingFoldersAreMarkedOnceTheyWereLookedAt)
     put("Empty/data/readme.txt");
     m_config.add(config_keys::data_folders,
                  {m_folder.file("Game/data/"), m_folder.file("Gone/data/"), m_folder.file("Empty/data/")}, false);
-    game_folders folders(m_config, configPath());
+    shared_config shared(m_config, configPath(), {});
+    game_folders folders(shared);
     EXPECT_EQ(folders.text(0, 2), "");
     EXPECT_EQ(folders.mark(1), row_mark::plain);
     folders.take(game_folders::look(folders.unseenFolders(), {}));
@@ -105,13 +107,13 @@ TEST_F(game_folders_test, missingFoldersAreMarkedOnceTheyWereLookedAt)
 TEST_F(game_folders_test, foldersThatWereNotTouchedStayAsAnotherWindowHasSetThem)
 {
     m_config.add(config_keys::data_folders, {"c:\\old\\"}, false);
-    game_folders folders(m_config, configPath());
+    shared_config shared(m_config, configPath(), {});
+    game_folders folders(shared);
     config_file other;
     other.add(config_keys::data_folders, {"c:\\new\\"}, false);
     ASSERT_TRUE(other.save(configPath()));
     folders.setBoxText("typed");
-    failure why;
-    ASSERT_TRUE(folders.save(why)) << describe(why);
+    ASSERT_TRUE(folders.save());
     EXPECT_EQ(m_config.get(config_keys::data_folders), paths{"c:\\new\\"});
 }
 
