@@ -19,6 +19,7 @@ public:
 
 protected:
     bool onNotified(int code) override { return code == BN_CLICKED && tell(onClick); }
+    bool isTextClipped() const override { return widthOf(text(), true) > clientWidth() - scaled(6); }
 };
 
 class check_box : public control
@@ -35,6 +36,7 @@ public:
 
 protected:
     bool onNotified(int code) override { return code == BN_CLICKED && tell(onClick, isChecked()); }
+    bool isTextClipped() const override { return widthOf(text(), true) > clientWidth() - scaled(20); }
 };
 
 class group_frame : public control

@@ -25,6 +25,10 @@ public:
 
 protected:
     bool onNotified(int code) override { return code == CBN_SELCHANGE && tell(onSelect, selected()); }
+    bool isTextClipped() const override
+    {
+        return widthOf(text()) > clientWidth() - GetSystemMetrics(SM_CXVSCROLL) - scaled(8);
+    }
 };
 
 } // namespace korvane

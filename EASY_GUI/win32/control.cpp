@@ -1,5 +1,6 @@
 #include "EASY_GUI/win32/control.h"
 
+#include "EASY_GUI/win32/tool_tip.h"
 #include "EASY_GUI/win32/wide_text.h"
 #include "EASY_GUI/win32/window.h"
 
@@ -20,6 +21,13 @@ std::unordered_map<HWND, control*>& controlsByHandle()
     return controls;
 }
 
+// Of the top-level window, if a window of this program is the parent, which hears of them.
+tool_tip* tipsAround(HWND control)
+{
+    window* const top = window::fromHandle(GetAncestor(control, GA_ROOT));
+    return top != nullptr && window::fromHandle(GetParent(control)) != nullptr ? &top->tips() : nullptr;
+}
+
 void loadControlClasses()
 {
     INITCOMMONCONTROLSEX wanted{};
@@ -37,6 +45,8 @@ control::~control()
     if (m_handle == nullptr)
         return;
     const HWND handle = m_handle;
+    if (tool_tip* const tips = tipsAround(handle))
+        tips->forget(handle);
     RemoveWindowSubclass(handle, &control::watch, subclass_id);
     controlsByHandle().erase(handle);
     DestroyWindow(handle);
@@ -44,6 +54,9 @@ control::~control()
 
 LRESULT CALLBACK control::watch(HWND handle, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR, DWORD_PTR self)
 {
+    if (message == WM_DESTROY)
+        if (tool_tip* const tips = tipsAround(handle))
+            tips->forget(handle);
     if (message == WM_NCDESTROY)
     {
         RemoveWindowSubclass(handle, &control::watch, subclass_id);
@@ -78,10 +91,69 @@ bool control::createControl(const wchar_t* class_name, HWND parent, int id, std:
     m_handle =
         CreateWindowExW(extended_style, class_name, toWide(text).c_str(), style | WS_CHILD | WS_VISIBLE, 0, 0, 0, 0,
                         parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
-    if (m_handle != nullptr)
-        controlsByHandle()[m_handle] = this;
-    return m_handle != nullptr &&
-           SetWindowSubclass(m_handle, &control::watch, subclass_id, reinterpret_cast<DWORD_PTR>(this)) != 0;
+    if (m_handle == nullptr ||
+        !SetWindowSubclass(m_handle, &control::watch, subclass_id, reinterpret_cast<DWORD_PTR>(this)))
+        return false;
+    controlsByHandle()[m_handle] = this;
+    if (tool_tip* const tips = tipsAround(m_handle))
+        tips->watch(m_handle);
+    return true;
+}
+
+std::string control::tipAt(POINT) const
+{
+    if (!isTextClipped())
+        return m_tip;
+    return m_tip.empty() ? text() : text() + "\r\n" + m_tip;
+}
+
+void control::giveTip(NMHDR& message) const
+{
+    POINT at{};
+    GetCursorPos(&at);
+    ScreenToClient(m_handle, &at);
+    static thread_local std::wstring shown; // there is one tooltip at a time
+    shown = toWide(tipAt(at));
+    reinterpret_cast<NMTTDISPINFOW&>(message).lpszText = shown.data();
+}
+
+void control::restartTip()
+{
+    if (tool_tip* const tips = tipsAround(m_handle))
+        tips->restart(m_handle);
+}
+
+int control::widthOf(std::string_view text, bool has_mnemonic) const
+{
+    const std::wstring wide = toWide(text);
+    RECT area{};
+    const HDC context = GetDC(m_handle);
+    const HGDIOBJ former = SelectObject(context, reinterpret_cast<HGDIOBJ>(send(WM_GETFONT)));
+    DrawTextW(context, wide.c_str(), static_cast<int>(wide.size()), &area,
+              DT_CALCRECT | DT_SINGLELINE | (has_mnemonic ? 0u : DT_NOPREFIX));
+    if (former != nullptr)
+        SelectObject(context, former);
+    ReleaseDC(m_handle, context);
+    return area.right;
+}
+
+int control::clientWidth() const
+{
+    RECT client{};
+    GetClientRect(m_handle, &client);
+    return client.right;
+}
+
+int control::scaled(int pixels_at_96) const
+{
+    const window* const top = window::fromHandle(GetAncestor(m_handle, GA_ROOT));
+    return top != nullptr ? top->scaled(pixels_at_96) : pixels_at_96;
+}
+
+bool control::isAboutEnter(LPARAM lparam)
+{
+    const MSG* const asked = reinterpret_cast<const MSG*>(lparam);
+    return asked != nullptr && asked->message == WM_KEYDOWN && asked->wParam == VK_RETURN;
 }
 
 void control::setText(std::string_view text)

@@ -39,6 +39,8 @@ public:
     bool isEnabled() const { return IsWindowEnabled(m_handle) != 0; }
     void setVisible(bool is_visible) { ShowWindow(m_handle, is_visible ? SW_SHOWNA : SW_HIDE); }
     void focus() { SetFocus(m_handle); }
+    // Shown while the mouse rests on the control, below its text where that does not fit; empty: only that text.
+    void setTip(std::string_view text) { m_tip = text; }
 
 protected:
     control() = default;
@@ -59,6 +61,15 @@ protected:
     // The control's own messages: override to see them, and call this. A message that calls a handler may end with the
     // object gone.
     virtual LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam);
+    virtual bool isTextClipped() const { return false; }
+    // What is to be said about the point (client pixels), UTF-8; empty: nothing.
+    virtual std::string tipAt(POINT at) const;
+    void restartTip();                                                   // the mouse came to something else in here
+    int widthOf(std::string_view text, bool has_mnemonic = false) const; // pixels, in the control's font
+    int clientWidth() const;
+    int scaled(int pixels_at_96) const;
+    // For a control that acts on Enter itself: whether a WM_GETDLGCODE asks about that key.
+    static bool isAboutEnter(LPARAM lparam);
     // Calls the handler, if there is one; the control may be gone afterwards.
     template <typename... Arguments>
     static bool tell(const std::function<void(Arguments...)>& handler, std::type_identity_t<Arguments>... arguments)
@@ -70,10 +81,12 @@ protected:
     }
 
 private:
-    friend class window; // hands on what the control tells its parent
+    friend class window;                // hands on what the control tells its parent
+    void giveTip(NMHDR& message) const; // TTN_GETDISPINFO
     static LRESULT CALLBACK watch(HWND handle, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id, DWORD_PTR self);
 
     HWND m_handle = nullptr;
+    std::string m_tip;
 };
 
 } // namespace korvane

@@ -39,6 +39,12 @@ public:
 
 protected:
     bool onNotified(int code) override { return code == EN_CHANGE && !m_is_set && tell(onChange); }
+    bool isTextClipped() const override
+    {
+        RECT area{};
+        send(EM_GETRECT, 0, reinterpret_cast<LPARAM>(&area));
+        return widthOf(text()) > area.right - area.left;
+    }
 
 private:
     bool m_is_set = false; // just now, by the program

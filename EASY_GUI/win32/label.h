@@ -14,8 +14,12 @@ public:
     // Text that does not fit ends in an ellipsis. An '&' is shown as it is.
     [[nodiscard]] bool create(HWND parent, int id, std::string_view text = {})
     {
-        return createControl(L"STATIC", parent, id, text, SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS);
+        return createControl(L"STATIC", parent, id, text,
+                             SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS | SS_NOTIFY);
     }
+
+protected:
+    bool isTextClipped() const override { return widthOf(text()) > clientWidth(); }
 };
 
 class field_name : public control
@@ -23,8 +27,11 @@ class field_name : public control
 public:
     [[nodiscard]] bool create(HWND parent, std::string_view text)
     {
-        return createControl(L"STATIC", parent, 0, text, SS_LEFTNOWORDWRAP | SS_CENTERIMAGE);
+        return createControl(L"STATIC", parent, 0, text, SS_LEFTNOWORDWRAP | SS_CENTERIMAGE | SS_NOTIFY);
     }
+
+protected:
+    bool isTextClipped() const override { return widthOf(text(), true) > clientWidth(); }
 };
 
 } // namespace korvane

@@ -1,10 +1,10 @@
 #include "EASY_GUI/win32/status_bar.h"
 
 #include "EASY_GUI/win32/wide_text.h"
-#include "EASY_GUI/win32/window.h"
 
 #include <algorithm>
 #include <commctrl.h>
+#include <windowsx.h>
 
 namespace korvane
 {
@@ -14,12 +14,6 @@ namespace
 
 constexpr int text_margin = 4; // pixels on each side of a part's text, at 96 dots per inch
 constexpr int borders = 3;     // around the text, above and below
-
-int scaledFor(HWND control, int pixels_at_96)
-{
-    const window* const parent = window::fromHandle(GetParent(control));
-    return parent != nullptr ? parent->scaled(pixels_at_96) : pixels_at_96;
-}
 
 } // namespace
 
@@ -40,7 +34,7 @@ int status_bar::preferredHeight() const
     GetTextMetricsW(context, &metrics);
     SelectObject(context, former);
     ReleaseDC(handle(), context);
-    return metrics.tmHeight + 2 * scaledFor(handle(), borders) + 2;
+    return metrics.tmHeight + 2 * scaled(borders) + 2;
 }
 
 void status_bar::place(int x, int y, int width, int height)
@@ -57,14 +51,14 @@ void status_bar::layOut()
     int shares = 0;
     for (const int width : m_widths)
     {
-        rest -= scaledFor(handle(), width);
+        rest -= scaled(width);
         shares += width == 0 ? 1 : 0;
     }
     std::vector<int> ends;
     int end = 0;
     for (const int width : m_widths)
     {
-        end += width != 0 ? scaledFor(handle(), width) : std::max(rest, 0) / std::max(shares, 1);
+        end += width != 0 ? scaled(width) : std::max(rest, 0) / std::max(shares, 1);
         ends.push_back(end);
     }
     if (!ends.empty())
@@ -73,7 +67,7 @@ void status_bar::layOut()
     for (std::size_t part = 0; part < m_texts.size(); ++part)
         showText(part);
     const RECT last = partRectangle(m_widths.size() - 1);
-    const int gap = scaledFor(handle(), 2);
+    const int gap = scaled(2);
     const int right = std::min(last.right, client.right - static_cast<LONG>(GetSystemMetrics(SM_CXVSCROLL)));
     m_progress.place(last.left + gap, last.top + gap, right - last.left - 2 * gap, last.bottom - last.top - 2 * gap);
 }
@@ -101,7 +95,7 @@ void status_bar::showText(std::size_t part)
     const std::size_t length = text.size();
     text.resize(length + ellipsis_room);
     RECT area = partRectangle(part);
-    area.right -= 2 * scaledFor(handle(), text_margin);
+    area.right -= 2 * scaled(text_margin);
     const HDC context = GetDC(handle());
     const HGDIOBJ former = SelectObject(context, reinterpret_cast<HGDIOBJ>(send(WM_GETFONT)));
     DrawTextW(context, text.data(), static_cast<int>(length), &area,
@@ -109,6 +103,32 @@ void status_bar::showText(std::size_t part)
     SelectObject(context, former);
     ReleaseDC(handle(), context);
     send(SB_SETTEXTW, part, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+std::size_t status_bar::partAt(POINT at) const
+{
+    std::size_t part = 0;
+    while (part + 1 < m_widths.size() && at.x >= partRectangle(part).right)
+        ++part;
+    return part;
+}
+
+std::string status_bar::tipAt(POINT at) const
+{
+    const std::size_t part = partAt(at);
+    const RECT area = partRectangle(part);
+    return widthOf(m_texts[part]) > area.right - area.left - 2 * scaled(text_margin) ? m_texts[part] : std::string();
+}
+
+LRESULT status_bar::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
+{
+    if (message == WM_MOUSEMOVE)
+        if (const std::size_t part = partAt({GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)}); part != m_pointed_at)
+        {
+            m_pointed_at = part;
+            restartTip();
+        }
+    return control::handleMessage(message, wparam, lparam);
 }
 
 void status_bar::showProgress(bool is_shown)

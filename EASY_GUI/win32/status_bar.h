@@ -27,13 +27,19 @@ public:
     progress_bar& progress() { return m_progress; }
     void showProgress(bool is_shown);
 
+protected:
+    std::string tipAt(POINT at) const override;
+    LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
+
 private:
+    std::size_t partAt(POINT at) const;
     void layOut();
     void showText(std::size_t part);
     RECT partRectangle(std::size_t part) const;
 
     std::vector<int> m_widths;
     std::vector<std::string> m_texts;
+    std::size_t m_pointed_at = 0; // part
     progress_bar m_progress;
 };
 

@@ -2,8 +2,10 @@
 
 #include "EASY_GUI/win32/control.h"
 #include "EASY_GUI/win32/dpi.h"
+#include "EASY_GUI/win32/tool_tip.h"
 #include "EASY_GUI/win32/wide_text.h"
 
+#include <commctrl.h>
 #include <exception>
 #include <shellapi.h>
 #include <unordered_map>
@@ -58,6 +60,8 @@ size_change sizeChange(WPARAM wparam)
 
 } // namespace
 
+window::window() = default;
+
 window::~window()
 {
     // First no message reaches the object any more, then the window goes: derived handlers no longer exist here.
@@ -74,6 +78,14 @@ void window::detach()
     m_handle = nullptr;
     m_focused = nullptr;
     m_dpi = 0;
+    m_po_tips.reset();
+}
+
+tool_tip& window::tips()
+{
+    if (m_po_tips == nullptr)
+        m_po_tips = std::make_unique<tool_tip>(m_handle, dpi());
+    return *m_po_tips;
 }
 
 window* window::fromHandle(HWND handle)
@@ -307,6 +319,8 @@ bool window::handleGeometry(UINT message, WPARAM wparam, LPARAM lparam)
         const RECT& suggested = *reinterpret_cast<const RECT*>(lparam);
         SetWindowPos(m_handle, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
                      suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+        if (m_po_tips != nullptr)
+            m_po_tips->setDpi(m_dpi);
         onDpiChanged(m_dpi);
         return true;
     }
@@ -322,6 +336,13 @@ bool window::handOn(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result)
         lparam == 0)
         return false;
     NMHDR* const notice = message == WM_NOTIFY ? reinterpret_cast<NMHDR*>(lparam) : nullptr;
+    if (notice != nullptr && notice->code == TTN_GETDISPINFOW) // sent by the tooltips, about a control
+    {
+        const control* const pointed_at = control::fromHandle(reinterpret_cast<HWND>(notice->idFrom));
+        if (pointed_at != nullptr)
+            pointed_at->giveTip(*notice);
+        return pointed_at != nullptr;
+    }
     control* const sender = control::fromHandle(notice != nullptr ? notice->hwndFrom : reinterpret_cast<HWND>(lparam));
     if (sender == nullptr)
         return false;

@@ -11,6 +11,7 @@
 
 #include "EASY_GUI/services/failure.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,8 @@
 
 namespace korvane
 {
+
+class tool_tip;
 
 struct window_settings
 {
@@ -60,7 +63,7 @@ enum class size_change
 class window
 {
 public:
-    window() = default;
+    window();
     window(const window&) = delete;
     window& operator=(const window&) = delete;
     virtual ~window();
@@ -83,6 +86,8 @@ public:
 
     // Of the monitor that shows a window, without its task bar; null: of the first monitor. Screen pixels.
     static RECT workArea(HWND shown);
+
+    tool_tip& tips(); // of all controls in this top-level window
 
     // The object that owns the handle; null for windows that are not of this class.
     static window* fromHandle(HWND handle);
@@ -134,7 +139,8 @@ private:
 
     HWND m_handle = nullptr;
     HWND m_focused = nullptr; // control that has, or had, the focus
-    unsigned m_dpi = 0;       // of the last WM_DPICHANGED; 0: none came, the system knows it
+    std::unique_ptr<tool_tip> m_po_tips;
+    unsigned m_dpi = 0; // of the last WM_DPICHANGED; 0: none came, the system knows it
 };
 
 } // namespace korvane

@@ -5,45 +5,14 @@
 #include "EASY_GUI/win32/edit_box.h"
 #include "EASY_GUI/win32/status_bar.h"
 #include "EASY_GUI/win32/tab_view.h"
-#include "EASY_GUI/win32/window.h"
+#include "tests/windows/toolkit/toolkit_fixture.h"
 
-#include <gtest/gtest.h>
-
-#include <commctrl.h>
 #include <memory>
 
 namespace korvane::test
 {
 namespace
 {
-
-class control_test : public testing::Test, public window
-{
-protected:
-    void SetUp() override
-    {
-        window_settings settings;
-        settings.style = WS_POPUP | WS_VISIBLE;
-        settings.extended_style = WS_EX_CONTROLPARENT;
-        settings.x = settings.y = 40;
-        settings.width = settings.height = 400;
-        failure why;
-        ASSERT_TRUE(create(settings, why)) << describe(why);
-    }
-    bool onCommand(int id, int notification, HWND) override
-    {
-        if (notification == BN_CLICKED)
-            m_heard += "window:" + std::to_string(id) + " ";
-        return true;
-    }
-    void key(const control& to, WPARAM virtual_key)
-    {
-        SendMessageW(to.handle(), WM_KEYDOWN, virtual_key, 1);
-        SendMessageW(to.handle(), WM_KEYUP, virtual_key, 1);
-    }
-
-    std::string m_heard; // by the handlers, and by the window
-};
 
 TEST_F(control_test, whatThePersonDoesComesBackToTheControlAndElseToTheWindow)
 {
