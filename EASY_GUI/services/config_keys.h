@@ -17,7 +17,26 @@ inline constexpr std::string_view packs_cache = "packs_cache"; // the file's nam
 inline constexpr std::string_view first_time = "first_time";   // empty until the notice of the first start was shown
 inline constexpr std::string_view folder_box_text = "folder_box_text_saved"; // last typed into the dialog of folders
 
-inline constexpr std::array known = {data_folders, mod_folders, recent_files,   converted_files,
-                                     packs_cache,  first_time,  folder_box_text};
+inline constexpr std::string_view internal_folders = "internal_folders"; // last shown in the browser of the archives
+inline constexpr std::string_view bone_list_path = "bone_list_path";     // the folder of bone tables
+inline constexpr std::string_view older_converted_files = "converted_anim_files"; // older name of converted_files: read
+// Folders that were last used for a conversion.
+inline constexpr std::string_view last_fbx_folder = "fbx_to_anim_dialog__last_fbx_dir";
+inline constexpr std::string_view last_anim_folder = "fbx_to_anim_dialog__last_anim_dir";
+inline constexpr std::string_view last_export_folder = "fbx_to_anim_dialog__last_export_dir";
+// Of the windows: left top right bottom dpi, and 1 when it is maximised (Korvane/document/window_place.h).
+inline constexpr std::string_view main_window_place = "window_place";
+inline constexpr std::string_view view_place = "view_place";
+inline constexpr std::string_view page = "page";               // that was shown last
+inline constexpr std::string_view columns_prefix = "columns_"; // and the list's name: the widths of its columns
+
+inline constexpr std::array known = {data_folders,       mod_folders,
+                                     recent_files,       converted_files,
+                                     packs_cache,        first_time,
+                                     folder_box_text,    internal_folders,
+                                     bone_list_path,     older_converted_files,
+                                     last_fbx_folder,    last_anim_folder,
+                                     last_export_folder, main_window_place,
+                                     view_place,         page};
 
 } // namespace korvane::config_keys

@@ -108,7 +108,7 @@ private:
         for (const chain_link* link = &chain; link != first->outer; link = link->outer, ++count)
             if (count < shown || link == first)
                 circle.insert(0, quotation(link->path) + (count > shown ? " -> ... -> " : " -> "));
-        problem("definitions refer to each other in a circle: " + circle);
+        problem("definitions refer to each other in a circle: " + circle, variant_problem::kind::other, path);
         return true;
     }
 
@@ -141,14 +141,14 @@ private:
                 problem(std::string(not_in_tree) + ": " + quotation(path) + " (named in " + quotation(chain.path) + ")",
                         variant_problem::kind::not_found, path, chain.path);
             else
-                problem(describe(why), variant_problem::kind::unreadable);
+                problem(describe(why), variant_problem::kind::unreadable, path);
             return why.kind != failure_kind::not_found;
         }
         m_text_bytes += text.size();
         if (!parseVariantMeshDef(text.bytes(), read.root, why))
         {
             why.path = path;
-            problem(describe(why), variant_problem::kind::unreadable);
+            problem(describe(why), variant_problem::kind::unreadable, path);
             return true;
         }
         read.extent = extentOf(read.root);
@@ -161,16 +161,18 @@ private:
         if (chain.length >= variant_mesh_def::max_depth || level + found.extent.height > variant_mesh_def::max_nesting)
         {
             problem(path + ": definitions refer to each other too deeply (at most " +
-                    std::to_string(variant_mesh_def::max_depth) + " references in a row, " +
-                    std::to_string(variant_mesh_def::max_nesting) + " elements)");
+                        std::to_string(variant_mesh_def::max_depth) + " references in a row, " +
+                        std::to_string(variant_mesh_def::max_nesting) + " elements)",
+                    variant_problem::kind::other, path);
             return false;
         }
         if (m_tags + found.extent.tags > variant_mesh_def::max_tags ||
             m_tree_bytes + found.extent.bytes > variant_mesh_def::max_tree_bytes)
         {
             problem(path + ": all definitions together have more than " + std::to_string(variant_mesh_def::max_tags) +
-                    " elements or take more than " + std::to_string(variant_mesh_def::max_tree_bytes) +
-                    " bytes of memory; the rest is left out");
+                        " elements or take more than " + std::to_string(variant_mesh_def::max_tree_bytes) +
+                        " bytes of memory; the rest is left out",
+                    variant_problem::kind::other, path);
             m_is_full = true;
             return false;
         }

@@ -35,6 +35,7 @@ struct variant_tag
     std::string name; // of the element, as written; empty: only holds a document's several root elements together
     std::vector<std::pair<std::string, std::string>> attributes; // in document order
     std::vector<variant_tag> children;
+    std::uint32_t line = 0; // of the text in which it stands, counted from 1
 
     // The value of an attribute, its name in any case; empty when there is none. Of several the first.
     std::string_view attribute(std::string_view wanted) const;
@@ -51,8 +52,8 @@ struct variant_problem
     };
     kind what = kind::other;
     std::string line;     // as problems() says it
-    std::string path;     // not_found: the internal path that was looked for,
-    std::string named_in; // and the definition that refers to it
+    std::string path;     // the internal path of the definition, shortened when it is very long; empty: of none
+    std::string named_in; // not_found: the definition that refers to it
 };
 
 // Reads the definition of an internal path out of the game, with at most so many bytes. not_found: it has none. Empty:

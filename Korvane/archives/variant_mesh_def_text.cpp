@@ -36,20 +36,49 @@ std::size_t utf8Length(std::uint32_t unit, std::size_t width)
     return unit < 0x80 ? 1 : unit < 0x800 ? 2 : unit < 0x10000 ? 3 : 4;
 }
 
-// The parser counts in the UTF-8 into which it converts; people look at the file.
+// The parser counts in the UTF-8 into which it converts; people look at the file. Goes through it once, forwards.
+class file_position
+{
+public:
+    file_position(std::span<const std::byte> text, pugi::xml_encoding encoding) : m_text(text)
+    {
+        const bool is_utf16 = encoding == pugi::encoding_utf16_le || encoding == pugi::encoding_utf16_be;
+        const bool is_utf32 = encoding == pugi::encoding_utf32_le || encoding == pugi::encoding_utf32_be;
+        m_is_big_endian = encoding == pugi::encoding_utf16_be || encoding == pugi::encoding_utf32_be;
+        m_is_converted = is_utf16 || is_utf32 || encoding == pugi::encoding_latin1;
+        m_width = is_utf16 ? 2 : is_utf32 ? 4 : 1;
+    }
+
+    // To a position of the parser's, not before the last one.
+    void moveTo(std::ptrdiff_t parsed)
+    {
+        const std::size_t wanted = parsed > 0 ? static_cast<std::size_t>(parsed) : 0;
+        for (; m_parsed < wanted && m_at + m_width <= m_text.size(); m_at += m_width)
+        {
+            const std::uint32_t unit = unitAt(m_text, m_at, m_width, m_is_big_endian);
+            m_parsed += m_is_converted ? utf8Length(unit, m_width) : 1;
+            m_line += unit == '\n' ? 1 : 0;
+        }
+    }
+
+    std::size_t at() const { return m_at; }       // in the file
+    std::uint32_t line() const { return m_line; } // counted from 1
+
+private:
+    std::span<const std::byte> m_text;
+    bool m_is_big_endian = false;
+    bool m_is_converted = false;
+    std::size_t m_width = 1;
+    std::size_t m_parsed = 0;
+    std::size_t m_at = 0;
+    std::uint32_t m_line = 1;
+};
+
 std::size_t positionInFile(std::span<const std::byte> text, pugi::xml_encoding encoding, std::ptrdiff_t parsed)
 {
-    const std::size_t wanted = parsed > 0 ? static_cast<std::size_t>(parsed) : 0;
-    const bool is_utf16 = encoding == pugi::encoding_utf16_le || encoding == pugi::encoding_utf16_be;
-    const bool is_utf32 = encoding == pugi::encoding_utf32_le || encoding == pugi::encoding_utf32_be;
-    const bool is_big_endian = encoding == pugi::encoding_utf16_be || encoding == pugi::encoding_utf32_be;
-    if (!is_utf16 && !is_utf32 && encoding != pugi::encoding_latin1)
-        return std::min(wanted, text.size());
-    const std::size_t width = is_utf16 ? 2 : is_utf32 ? 4 : 1;
-    std::size_t at = 0;
-    for (std::size_t done = 0; done < wanted && at + width <= text.size(); at += width)
-        done += utf8Length(unitAt(text, at, width, is_big_endian), width);
-    return at;
+    file_position position(text, encoding);
+    position.moveTo(parsed);
+    return position.at();
 }
 
 variant_tag_kind kindOf(std::string_view name)
@@ -75,6 +104,8 @@ std::size_t ownBytes(const variant_tag& tag)
 class tag_builder
 {
 public:
+    explicit tag_builder(file_position position) : m_position(position) {}
+
     // The position of what breaks a limit is in the parser's bytes.
     bool addChildren(const pugi::xml_node& parent, std::size_t depth, variant_tag& target, failure& why)
     {
@@ -102,6 +133,8 @@ private:
         variant_tag tag;
         tag.name = node.name();
         tag.kind = kindOf(tag.name);
+        m_position.moveTo(node.offset_debug());
+        tag.line = m_position.line();
         m_bytes += ownBytes(tag);
         for (const pugi::xml_attribute& attribute : node.attributes())
         {
@@ -131,6 +164,7 @@ private:
         return false;
     }
 
+    file_position m_position;
     std::size_t m_tags = 0;
     std::size_t m_bytes = 0;
 };
@@ -196,7 +230,7 @@ bool parseVariantMeshDef(std::span<const std::byte> text, variant_tag& root, fai
     if (!checkParsed(text, result, why))
         return false;
     variant_tag roots;
-    if (tag_builder builder; !builder.addChildren(document, 1, roots, why))
+    if (tag_builder builder(file_position(text, result.encoding)); !builder.addChildren(document, 1, roots, why))
     {
         why.offset = positionInFile(text, result.encoding, static_cast<std::ptrdiff_t>(why.offset));
         return false;

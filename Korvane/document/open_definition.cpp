@@ -34,19 +34,19 @@ bool isDefinitionPath(const std::string& path)
 
 bool open_definition::open(const std::string& path, failure& why, const game_data& game)
 {
-    variant_mesh_def fresh;
+    const auto fresh = std::make_shared<variant_mesh_def>();
     const game_path where(path);
-    const bool is_open =
-        where.isInternal() ? fresh.openFromInternalPath(std::string(where.internalPath()), why, game.definitionReader())
-                           : fresh.open(path, why, game.definitionReader());
+    const bool is_open = where.isInternal() ? fresh->openFromInternalPath(std::string(where.internalPath()), why,
+                                                                          game.definitionReader())
+                                            : fresh->open(path, why, game.definitionReader());
     if (!is_open)
     {
         why.path = path; // with its prefix, as the person gave it
         return false;
     }
-    m_definition = std::move(fresh);
+    m_po_definition = fresh;
     m_path = path;
-    m_models = m_definition.models();
+    m_models = fresh->models();
     m_has_archives = game.hasArchives();
     return true;
 }

@@ -8,6 +8,7 @@
 #include "Korvane/game/game_data.h"
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,10 +38,12 @@ public:
     [[nodiscard]] bool open(const std::string& path, failure& why, const game_data& game = {});
 
     bool hasDefinition() const { return !path().empty(); }
-    const std::string& path() const { return m_path; }                            // as it was given; empty: none
-    const std::vector<std::string>& models() const { return m_models; }           // internal paths, in document order
-    std::vector<std::string> problems() const { return m_definition.problems(); } // references, one line each
-    const std::vector<variant_problem>& problemList() const { return m_definition.problemList(); }
+    const std::string& path() const { return m_path; }                  // as it was given; empty: none
+    const std::vector<std::string>& models() const { return m_models; } // internal paths, in document order
+    std::vector<std::string> problems() const { return m_po_definition->problems(); } // references, one line each
+    const std::vector<variant_problem>& problemList() const { return m_po_definition->problemList(); }
+    // The content for others to keep: it never changes. Never null.
+    const std::shared_ptr<const variant_mesh_def>& content() const { return m_po_definition; }
 
     // "demo_guard: 4 models, 12,345 triangles; 1 could not be opened (see log.txt)". Without what a view says of them
     // only the models are counted.
@@ -50,7 +53,7 @@ public:
     [[nodiscard]] std::string emptyNotice(const drawn_models& drawn) const;
 
 private:
-    variant_mesh_def m_definition;
+    std::shared_ptr<const variant_mesh_def> m_po_definition = std::make_shared<const variant_mesh_def>();
     std::string m_path;
     std::vector<std::string> m_models;
     bool m_has_archives = false; // when it was opened

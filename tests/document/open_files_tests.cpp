@@ -1,6 +1,7 @@
 // The document: what is opened by which path, and the archives behind it.
 
 #include "EASY_GUI/services/file_system.h"
+#include "Korvane/document/definition_tree.h"
 #include "Korvane/document/open_files.h"
 #include "Korvane/game/game_loader.h"
 #include "tests/support/model_builder.h"
@@ -243,6 +244,48 @@ TEST(file_choice, theFirstModelAndTheFirstDefinitionAreOpened)
         chooseFiles({"b.VariantMeshDefinition", "1.rigid_model_v2", "2.rigid_model_v2", "c.variantmeshdefinition"});
     EXPECT_EQ(choice.opened, (std::vector<std::string>{"b.VariantMeshDefinition", "1.rigid_model_v2"}));
     EXPECT_EQ(choice.left_out, (std::vector<std::string>{"2.rigid_model_v2", "c.variantmeshdefinition"}));
+}
+
+// A node a line, as deep as it stands; "!" before what is missing.
+std::string outline(const definition_tree& tree, tree_model::node of = tree_model::root, const std::string& indent = {})
+{
+    std::string text;
+    for (std::size_t i = 0; i < tree.childCount(of); ++i)
+    {
+        const tree_model::node child = tree.child(of, i);
+        text += indent + (tree.mark(child) == row_mark::error ? "!" : "") + tree.text(child) + "\n" +
+                outline(tree, child, indent + " ");
+    }
+    return text;
+}
+
+TEST_F(open_files_test, theTreeOfADefinitionMarksWhatIsMissing)
+{
+    ASSERT_TRUE(
+        reread({{"men\\body.rigid_model_v2", "x"},
+                {"men\\sets.variantmeshdefinition", "<a>\n\n<VARIANT_MESH model='men\\hat.rigid_model_v2'/></a>"}}));
+    open(write("figure.variantmeshdefinition",
+               "<VARIANT_MESH model='men/BODY.rigid_model_v2'>\n<SLOT name='head' attach_point='be_head'\n"
+               "probability='0.25'>\n<VARIANT_MESH_REFERENCE definition='men/sets.variantmeshdefinition'/>\n"
+               "<VARIANT_MESH_REFERENCE definition='none'><VARIANT_MESH/></VARIANT_MESH_REFERENCE>"
+               "<decal d='1'/></SLOT></VARIANT_MESH>"));
+    const definition_tree tree(m_files.definition(), *m_files.game());
+    EXPECT_EQ(outline(tree), "body.rigid_model_v2\n Slot head at be_head (25 %)\n"
+                             "  Reference to sets.variantmeshdefinition\n   a\n    !hat.rigid_model_v2\n"
+                             "  !Reference to none\n   Mesh without a model\n  decal d=1\n");
+    EXPECT_EQ(tree.missingCount(), 2u);
+    EXPECT_EQ(tree.modelOf(tree.findModel()).text(), "pack:men\\body.rigid_model_v2");
+    const tree_model::node hat = tree.findModel("pack:men/hat.rigid_model_v2");
+    EXPECT_NE(tree.tip(hat).find("in no archive"), std::string::npos);
+    const attribute_list attributes = tree.attributesOf(hat);
+    EXPECT_EQ(attributes.text(2, 1), "men\\sets.variantmeshdefinition, line 3");
+    const attribute_list slot = tree.attributesOf(tree.child(tree.findModel(), 0));
+    EXPECT_EQ(slot.text(3, 0) + "=" + slot.text(3, 1), "probability=0.25");
+
+    drop();
+    const definition_tree alone(m_files.definition(), *m_files.game());
+    EXPECT_EQ(alone.mark(alone.findModel()), row_mark::warning) << "nothing is known of it";
+    EXPECT_EQ(definition_tree().childCount(tree_model::root), 0u);
 }
 
 } // namespace
