@@ -4,6 +4,8 @@
 
 #include "EASY_GUI/win32/control.h"
 
+#include <algorithm>
+
 namespace korvane
 {
 
@@ -16,6 +18,13 @@ public:
     {
         return createControl(L"BUTTON", parent, id, text, BS_PUSHBUTTON | WS_TABSTOP);
     }
+    SIZE naturalSize() const override
+    {
+        const LONG width = widthOf(text(), true) + 2 * scaled(10);
+        return {std::max(width, static_cast<LONG>(scaled(80))), lineHeight() + scaled(8) + 2};
+    }
+    void press() { send(BM_CLICK); } // as the person does
+    void showDefault(bool is_default) { send(BM_SETSTYLE, is_default ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON, TRUE); }
 
 protected:
     bool onNotified(int code) override { return code == BN_CLICKED && tell(onClick); }
@@ -31,6 +40,7 @@ public:
     {
         return createControl(L"BUTTON", parent, id, text, BS_AUTOCHECKBOX | WS_TABSTOP);
     }
+    SIZE naturalSize() const override { return {widthOf(text(), true) + scaled(24), lineHeight() + scaled(4) + 4}; }
     void check(bool is_checked) { send(BM_SETCHECK, is_checked ? BST_CHECKED : BST_UNCHECKED); }
     bool isChecked() const { return send(BM_GETCHECK) == BST_CHECKED; }
 

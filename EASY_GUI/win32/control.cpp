@@ -137,6 +137,23 @@ int control::widthOf(std::string_view text, bool has_mnemonic) const
     return area.right;
 }
 
+int control::lineHeight() const
+{
+    TEXTMETRICW metrics{};
+    const HDC context = GetDC(m_handle);
+    const HGDIOBJ former = SelectObject(context, reinterpret_cast<HGDIOBJ>(send(WM_GETFONT)));
+    GetTextMetricsW(context, &metrics);
+    if (former != nullptr)
+        SelectObject(context, former);
+    ReleaseDC(m_handle, context);
+    return metrics.tmHeight + metrics.tmExternalLeading;
+}
+
+SIZE control::naturalSize() const
+{
+    return {scaled(100), lineHeight() + scaled(4) + 4}; // with the borders of a field
+}
+
 int control::clientWidth() const
 {
     RECT client{};

@@ -38,6 +38,9 @@ public:
     void setTabStop(bool is_wanted);  // whether Tab goes there
     bool isEnabled() const { return IsWindowEnabled(m_handle) != 0; }
     void setVisible(bool is_visible) { ShowWindow(m_handle, is_visible ? SW_SHOWNA : SW_HIDE); }
+    // What a layout gives it where it is to be as large as it needs, for the font and density that it has: pixels.
+    virtual SIZE naturalSize() const;
+    virtual bool fillsHeight() const { return false; } // false: one line, in the middle of a higher row
     void focus() { SetFocus(m_handle); }
     // Shown while the mouse rests on the control, below its text where that does not fit; empty: only that text.
     void setTip(std::string_view text) { m_tip = text; }
@@ -67,6 +70,7 @@ protected:
     void restartTip();                                                   // the mouse came to something else in here
     int widthOf(std::string_view text, bool has_mnemonic = false) const; // pixels, in the control's font
     int clientWidth() const;
+    int lineHeight() const; // pixels, of the control's font
     int scaled(int pixels_at_96) const;
     // For a control that acts on Enter itself: whether a WM_GETDLGCODE asks about that key.
     static bool isAboutEnter(LPARAM lparam);

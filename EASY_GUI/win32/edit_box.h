@@ -1,6 +1,7 @@
 #pragma once
 
-// A one-line text field. A read-only one can still be scrolled, selected and copied from.
+// A text field of one line, or of many with scroll bars. A read-only one can still be scrolled, selected and copied
+// from.
 
 #include "EASY_GUI/win32/control.h"
 
@@ -20,10 +21,22 @@ public:
 
     [[nodiscard]] bool create(HWND parent, int id, access wanted)
     {
-        const DWORD style = ES_LEFT | ES_AUTOHSCROLL | WS_TABSTOP;
-        return createControl(L"EDIT", parent, id, {}, wanted == access::read_only ? style | ES_READONLY : style,
+        m_has_lines = false;
+        return createControl(L"EDIT", parent, id, {}, ES_LEFT | ES_AUTOHSCROLL | WS_TABSTOP | readOnly(wanted),
                              WS_EX_CLIENTEDGE);
     }
+    // Lines are not broken; their ends are "\r\n".
+    [[nodiscard]] bool createLines(HWND parent, int id, access wanted)
+    {
+        m_has_lines = true;
+        constexpr DWORD style =
+            ES_LEFT | ES_MULTILINE | ES_AUTOHSCROLL | ES_AUTOVSCROLL | WS_HSCROLL | WS_VSCROLL | WS_TABSTOP;
+        if (!createControl(L"EDIT", parent, id, {}, style | readOnly(wanted), WS_EX_CLIENTEDGE))
+            return false;
+        send(EM_SETLIMITTEXT, 0); // as much as there is room for
+        return true;
+    }
+    bool fillsHeight() const override { return m_has_lines; }
     void setText(std::string_view text) override
     {
         m_is_set = true;
@@ -41,12 +54,29 @@ protected:
     bool onNotified(int code) override { return code == EN_CHANGE && !m_is_set && tell(onChange); }
     bool isTextClipped() const override
     {
+        if (m_has_lines)
+            return false;
         RECT area{};
         send(EM_GETRECT, 0, reinterpret_cast<LPARAM>(&area));
         return widthOf(text()) > area.right - area.left;
     }
 
+    LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override
+    {
+        constexpr WPARAM ctrl_a = 1;
+        if (m_has_lines && message == WM_CHAR && wparam == ctrl_a)
+            return send(EM_SETSEL, 0, -1), 0; // which fields of many lines do not do on every system
+        const LRESULT result = control::handleMessage(message, wparam, lparam);
+        if (!m_has_lines || message != WM_GETDLGCODE)
+            return result;
+        const bool is_new_line = isAboutEnter(lparam) && (GetWindowLongPtrW(handle(), GWL_STYLE) & ES_READONLY) == 0;
+        return is_new_line ? result : result & ~LRESULT{DLGC_WANTTAB | DLGC_WANTALLKEYS}; // those are the dialog's
+    }
+
 private:
+    static constexpr DWORD readOnly(access wanted) { return wanted == access::read_only ? ES_READONLY : 0u; }
+
+    bool m_has_lines = false;
     bool m_is_set = false; // just now, by the program
 };
 

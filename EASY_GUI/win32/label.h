@@ -17,6 +17,7 @@ public:
         return createControl(L"STATIC", parent, id, text,
                              SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS | SS_NOTIFY);
     }
+    SIZE naturalSize() const override { return {widthOf(text()) + scaled(2), lineHeight() + scaled(2)}; }
 
 protected:
     bool isTextClipped() const override { return widthOf(text()) > clientWidth(); }
@@ -29,9 +30,22 @@ public:
     {
         return createControl(L"STATIC", parent, 0, text, SS_LEFTNOWORDWRAP | SS_CENTERIMAGE | SS_NOTIFY);
     }
+    SIZE naturalSize() const override { return {widthOf(text(), true) + scaled(2), lineHeight() + scaled(2)}; }
 
 protected:
     bool isTextClipped() const override { return widthOf(text(), true) > clientWidth(); }
+};
+
+// Text of several lines, broken where it has to be; its layout says how many lines there are.
+class text_block : public control
+{
+public:
+    [[nodiscard]] bool create(HWND parent, int id, std::string_view text = {})
+    {
+        return createControl(L"STATIC", parent, id, text, SS_LEFT | SS_NOPREFIX | SS_EDITCONTROL);
+    }
+    bool fillsHeight() const override { return true; }
+    SIZE naturalSize() const override { return {scaled(100), lineHeight()}; }
 };
 
 } // namespace korvane

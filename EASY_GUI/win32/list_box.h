@@ -23,6 +23,8 @@ public:
     void select(int position); // -1: none
     int selected() const;      // -1: none
 
+    bool fillsHeight() const override { return true; }
+
 protected:
     bool onNotified(int code) override;
     LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;

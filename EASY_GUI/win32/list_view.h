@@ -44,6 +44,8 @@ public:
     std::vector<int> columnWidths() const;
     void setColumnWidths(std::span<const int> widths);
 
+    bool fillsHeight() const override { return true; }
+
 protected:
     bool onNotify(NMHDR& message, LRESULT& result) override;
     LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;

@@ -1,6 +1,7 @@
 #include "EASY_GUI/win32/message_box_prompt.h"
 
 #include "EASY_GUI/win32/com_ptr.h"
+#include "EASY_GUI/win32/dialog_box.h"
 #include "EASY_GUI/win32/wide_text.h"
 
 #include <shobjidl.h>
@@ -78,17 +79,23 @@ std::optional<std::string> pick(IFileDialog& dialog, HWND owner, const std::stri
 
 } // namespace
 
+HWND message_box_prompt::owner() const
+{
+    const HWND dialog = dialog_box::innermost();
+    return dialog != nullptr ? dialog : m_owner;
+}
+
 void message_box_prompt::show(const std::string& title, const std::string& text, prompt_icon icon)
 {
     const front_keeper front;
-    MessageBoxW(m_owner, toWide(text).c_str(), toWide(title).c_str(), MB_OK | iconFlag(icon));
+    MessageBoxW(owner(), toWide(text).c_str(), toWide(title).c_str(), MB_OK | iconFlag(icon));
 }
 
 bool message_box_prompt::confirm(const std::string& title, const std::string& text, prompt_answer preset)
 {
     const front_keeper front;
     const UINT focused = preset == prompt_answer::yes ? MB_DEFBUTTON1 : MB_DEFBUTTON2;
-    return MessageBoxW(m_owner, toWide(text).c_str(), toWide(title).c_str(), MB_YESNO | MB_ICONQUESTION | focused) ==
+    return MessageBoxW(owner(), toWide(text).c_str(), toWide(title).c_str(), MB_YESNO | MB_ICONQUESTION | focused) ==
            IDYES;
 }
 
@@ -99,7 +106,7 @@ std::optional<std::string> message_box_prompt::pickOpenPath(const std::string& t
     if (FAILED(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IFileOpenDialog),
                                 dialog.putVoid())))
         return std::nullopt;
-    return pick(*dialog.get(), m_owner, title, filters);
+    return pick(*dialog.get(), owner(), title, filters);
 }
 
 std::optional<std::string> message_box_prompt::pickSavePath(const std::string& title,
@@ -111,7 +118,7 @@ std::optional<std::string> message_box_prompt::pickSavePath(const std::string& t
                                 dialog.putVoid())))
         return std::nullopt;
     dialog->SetDefaultExtension(toWide(default_extension).c_str());
-    return pick(*dialog.get(), m_owner, title, filters);
+    return pick(*dialog.get(), owner(), title, filters);
 }
 
 } // namespace korvane

@@ -24,6 +24,8 @@ public:
                                                           const std::string& default_extension) override;
 
 private:
+    HWND owner() const; // a dialog over the owner, while there is one
+
     HWND m_owner = nullptr;
 };
 

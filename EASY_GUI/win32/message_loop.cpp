@@ -1,5 +1,7 @@
 #include "EASY_GUI/win32/message_loop.h"
 
+#include "EASY_GUI/win32/dialog_box.h"
+
 namespace korvane
 {
 
@@ -67,6 +69,8 @@ void message_loop::dispatchAsKey(MSG& message, BYTE (&pressed_with)[256]) const
 
 void message_loop::dispatchPlain(MSG& message) const
 {
+    if (dialog_box::takeKey(message))
+        return;
     if (m_main.isOpen() && IsDialogMessageW(m_main.handle(), &message))
         return; // it has translated and dispatched the message itself
     TranslateMessage(&message);

@@ -36,6 +36,8 @@ public:
     void open(node wanted, bool is_open);
     bool isOpen(node wanted) const;
 
+    bool fillsHeight() const override { return true; }
+
 protected:
     bool onNotify(NMHDR& message, LRESULT& result) override;
     LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
