@@ -62,7 +62,7 @@ bool readNote(const std::string& path, edit_origin& origin, std::string& kept, f
         if (const std::size_t colon = line.find(": "); colon != std::string_view::npos)
             values[line.substr(0, colon)] = line.substr(colon + 2);
     }
-    origin = {values["model"], values["before the changes"]};
+    origin = {values["model"], values["before the changes"], {}};
     kept = values["with the changes"];
     return (!origin.path.empty() && !origin.fingerprint.empty() && !kept.empty()) ||
            fail(why, failure_kind::malformed, "the note is not whole", path);
@@ -109,13 +109,6 @@ std::vector<std::string> keepsIn(const std::string& folder)
     return keeps;
 }
 
-// False when another program was faster.
-bool claim(const std::string& keep)
-{
-    std::error_code error;
-    return std::filesystem::remove(toPath(keep + note_name), error);
-}
-
 void removeFolder(const std::string& folder)
 {
     std::error_code error;
@@ -123,6 +116,17 @@ void removeFolder(const std::string& folder)
 }
 
 } // namespace
+
+keep_claim::~keep_claim()
+{
+    if (m_is_removed_at_end)
+        removeFolder(m_folder);
+}
+
+bool keep_claim::take(failure& why)
+{
+    return m_lock.take(m_folder + note_name, std::chrono::milliseconds(0), why);
+}
 
 std::string defaultKeepFolder()
 {
@@ -194,7 +198,11 @@ edit_keeper::outcome edit_keeper::write(std::string& where, failure& why)
         where = folder;
         if (writeWholeFile(folder + model_name, m_image.bytes(), why) &&
             writeWholeFile(folder + note_name, noteText(m_origin, fingerprintOf(m_image.bytes())), why))
+        {
+            if (!m_origin.keep.empty())
+                removeFolder(m_origin.keep);
             return outcome::kept;
+        }
         removeFolder(folder);
         return outcome::failed;
     }
@@ -208,6 +216,12 @@ bool offerKeptEdits(const std::string& folder, open_files& document, user_prompt
     {
         kept_model kept;
         failure why;
+        auto claim = std::make_unique<keep_claim>(keep);
+        if (!claim->take(why))
+        {
+            log("kept edits: " + keep + " is left alone: " + describe(why));
+            continue;
+        }
         if (!readKeep(keep, kept, why))
         {
             log("kept edits: " + describe(why));
@@ -225,17 +239,13 @@ bool offerKeptEdits(const std::string& folder, open_files& document, user_prompt
                 "\r\n\r\nOpen the model with these changes? No discards them for good." +
                 (has_changed ? "\r\n\r\nThe file itself is not what it was then; saving will ask where to." : ""),
             prompt_answer::yes);
-        if (!claim(keep))
-        {
-            log("kept edits: " + keep + " was taken by another program");
-            continue;
-        }
         log("kept edits: " + keep + (is_wanted ? " opened" : " discarded"));
-        if (is_wanted)
-            document.openKept(std::move(kept.po_model), std::move(kept.origin), has_changed);
-        removeFolder(keep);
-        if (is_wanted)
-            return true;
+        claim->removeAtEnd();
+        if (!is_wanted)
+            continue;
+        kept.origin.keep = keep;
+        document.openKept(std::move(kept.po_model), std::move(kept.origin), has_changed, std::move(claim));
+        return true;
     }
     return false;
 }

@@ -8,9 +8,11 @@
 //   1/model.rigid_model_v2   what a save would have written
 //   1/origin.txt             where it came from; written last, so a keep without it is not whole
 //
-// The next start offers what it finds there. Of several programs the one that removes the note has the keep.
+// The next start offers what it finds there, and what it opens stays where it is until it is saved or discarded: a
+// program that dies in between loses nothing. Of several programs the one that has the keep's lock has the keep.
 
 #include "EASY_GUI/services/failure.h"
+#include "EASY_GUI/services/file_lock.h"
 #include "EASY_GUI/services/log_port.h"
 #include "EASY_GUI/services/memory_file.h"
 #include "EASY_GUI/services/user_prompt.h"
@@ -30,6 +32,25 @@ struct edit_origin
 {
     std::string path;        // of the model, on the disk or with "pack:"
     std::string fingerprint; // of the file that the first of the edits was made to; empty: of the image handed over
+    std::string keep = {};   // in which they were before; goes when they are kept anew; empty: in none
+};
+
+// A keep that this program has: no other one is offered it meanwhile. By the thread that made it.
+class keep_claim
+{
+public:
+    explicit keep_claim(std::string folder) : m_folder(std::move(folder)) {}
+    ~keep_claim();
+    keep_claim(const keep_claim&) = delete;
+    keep_claim& operator=(const keep_claim&) = delete;
+
+    [[nodiscard]] bool take(failure& why); // false: another program has it
+    void removeAtEnd() { m_is_removed_at_end = true; }
+
+private:
+    std::string m_folder;
+    file_lock m_lock;
+    bool m_is_removed_at_end = false;
 };
 
 class edit_keeper
@@ -68,8 +89,9 @@ private:
 // The folder of the program itself.
 [[nodiscard]] std::string defaultKeepFolder();
 
-// At the start: asks for each keep whether it is to be opened, until one is. What is opened or declined is removed;
-// what is damaged is named and left alone. True when the document now shows the edits, as edits that are not saved.
+// At the start: asks for each keep whether it is to be opened, until one is. What is declined is removed, what is
+// opened when it is saved or discarded; what is damaged is named and left alone, what another program has open is
+// passed over. True when the document now shows the edits, as edits that are not saved.
 bool offerKeptEdits(const std::string& folder, open_files& document, user_prompt& prompt, const log_port& log);
 
 } // namespace korvane

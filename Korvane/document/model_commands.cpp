@@ -119,6 +119,8 @@ command_outcome model_commands::saveAs()
 command_outcome model_commands::saveTo(const std::string& path)
 {
     open_model& model = m_document.model();
+    if (!mayWriteOver(path))
+        return command_outcome::cancelled;
     if (hasMixedVersions(*model.file()))
         if (const command_outcome answer = confirmMixedVersions(); answer != command_outcome::done)
             return answer;
@@ -132,6 +134,7 @@ command_outcome model_commands::saveTo(const std::string& path)
         m_prompt.show("Error!", "The model could not be saved.\r\n\r\n" + describe(why), prompt_icon::error);
         return command_outcome::failed;
     }
+    m_document.modelWasWritten();
     if (!lost.empty())
         m_prompt.show("Saved",
                       "The model was saved. The alpha mode of a group without textures is never written to the file; "
@@ -277,6 +280,34 @@ command_outcome model_commands::showNotes(const edit_result& result)
     if (!text.empty())
         m_prompt.show("Please note", text, prompt_icon::information);
     return result.changed > 0 ? command_outcome::done : command_outcome::cancelled;
+}
+
+bool model_commands::mayWriteOver(const std::string& path)
+{
+    return path != m_document.model().file()->path() || !m_document.isModelChangedOnDisk() ||
+           m_prompt.confirm("Save",
+                            "Another program has changed this file since it was opened here. Write over it?\r\n" + path,
+                            prompt_answer::no);
+}
+
+command_outcome model_commands::offerReread(const disk_change& change)
+{
+    const std::string name(fileName(change.path));
+    m_last_action.clear();
+    if (change.is_gone)
+        return done(name + " is gone from the disk. What was read of it is still here.");
+    const bool is_edited = change.is_model && m_document.model().isEdited();
+    if (!m_prompt.confirm("Changed on the disk",
+                          "Another program has changed this file:\r\n" + change.path + "\r\n\r\nRead it again?" +
+                              (is_edited ? " The changes that you made here and did not save are lost then." : ""),
+                          is_edited ? prompt_answer::no : prompt_answer::yes))
+        return command_outcome::cancelled;
+    failure why;
+    if (m_document.reread(change.path, why))
+        return done("Read again: " + name);
+    const open_error error = describeOpenFailure(change.path, why, *m_document.game());
+    m_prompt.show(error.title, error.text + "\r\n\r\nWhat was open stays.", prompt_icon::error);
+    return command_outcome::failed;
 }
 
 bool model_commands::mayDiscardEdits()

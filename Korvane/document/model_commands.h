@@ -76,12 +76,17 @@ public:
     // The folder of the file that was last chosen for a row; empty: none yet.
     const std::string& chosenFolder(std::size_t row) const { return m_chosen_folders.at(row); }
 
+    // After lookAtDisk(): asks whether the file is to be read again; edits that are not saved are not lost without that
+    // being said. A file that is gone stays open, and lastAction() says so.
+    command_outcome offerReread(const disk_change& change);
+
     // Before the model is replaced or the program ends: true when there are no unsaved edits, or they may be lost.
     [[nodiscard]] bool mayDiscardEdits();
 
 private:
     bool hasModel() const { return m_document.model().hasModel(); }
     command_outcome saveTo(const std::string& path);
+    bool mayWriteOver(const std::string& path); // what another program has put there meanwhile
     // For a model whose file would say 7 over version 6 headers: done when it is to be written nevertheless.
     command_outcome confirmMixedVersions();
     command_outcome showNotes(const edit_result& result);

@@ -9,6 +9,17 @@
 namespace korvane
 {
 
+namespace
+{
+
+// Empty: it lies in an archive, or nowhere.
+std::string diskPathIn(const game_data& game, const game_path& path)
+{
+    return path.isInternal() ? game.find(path.internalPath()).diskPath() : path.text();
+}
+
+} // namespace
+
 open_error describeOpenFailure(const std::string& path, const failure& why, const game_data& game)
 {
     std::string text = isDefinitionPath(path) // the slips stay: the text is documented so
@@ -41,6 +52,8 @@ file_choice chooseFiles(const std::vector<std::string>& paths)
 
 bool open_files::read(const std::string& path, const game_data& game, opened_file& file, failure& why)
 {
+    file.disk_path = diskPathIn(game, path);
+    file.stamp = stampOf(file.disk_path); // before it is read: what comes later is a change
     if (isDefinitionPath(path))
         return file.definition.open(path, why, game);
     // A fresh reader each time: one that has read a version 5 file keeps that version's text widths.
@@ -51,6 +64,7 @@ bool open_files::read(const std::string& path, const game_data& game, opened_fil
 void open_files::take(opened_file file)
 {
     m_shown = file.model ? kind::model : kind::definition;
+    (file.model ? m_model_follower : m_definition_follower).follow(std::move(file.disk_path), file.stamp);
     if (file.model)
         m_model.take(std::move(file.model));
     else
@@ -66,14 +80,18 @@ bool open_files::open(const std::string& path, failure& why)
     return true;
 }
 
-void open_files::openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere)
+void open_files::openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere,
+                          std::unique_ptr<keep_claim> claim)
 {
-    m_model.openKept(std::move(model), std::move(origin), is_elsewhere);
+    followModel(origin.path);
+    m_model.openKept(std::move(model), std::move(origin), is_elsewhere, std::move(claim));
     m_shown = kind::model;
 }
 
 void open_files::close()
 {
+    m_model_follower = {};
+    m_definition_follower = {};
     m_model.close();
     m_definition = {};
     m_shown = kind::nothing;
@@ -82,18 +100,45 @@ void open_files::close()
 std::vector<open_error> open_files::reopen()
 {
     std::vector<open_error> errors;
-    const kind shown = m_shown;
     const auto openAgain = [&](const std::string& path) {
         failure why;
-        if (!open(path, why))
+        if (!reread(path, why))
             errors.push_back(describeOpenFailure(path, why, *m_po_game));
     };
     if (m_model.hasModel() && !m_model.isEdited() && game_path(m_model.file()->path()).isInternal())
         openAgain(std::string(m_model.file()->path()));
     if (m_definition.hasDefinition())
         openAgain(std::string(m_definition.path()));
-    m_shown = shown;
     return errors;
+}
+
+bool open_files::reread(const std::string& path, failure& why)
+{
+    const kind shown = m_shown;
+    const bool is_open = open(path, why);
+    m_shown = shown;
+    return is_open;
+}
+
+void open_files::followModel(const std::string& path)
+{
+    std::string disk_path = diskPathIn(*m_po_game, path);
+    const file_stamp now = stampOf(disk_path);
+    m_model_follower.follow(std::move(disk_path), now);
+}
+
+std::vector<disk_change> open_files::lookAtDisk()
+{
+    std::vector<disk_change> changes;
+    const auto look = [&changes](disk_follower& follower, bool is_model, const std::string& path) {
+        if (const auto what = follower.look(); what != disk_follower::change::none)
+            changes.push_back({path, is_model, what == disk_follower::change::gone});
+    };
+    if (m_model.hasModel())
+        look(m_model_follower, true, m_model.file()->path());
+    if (m_definition.hasDefinition())
+        look(m_definition_follower, false, m_definition.path());
+    return changes;
 }
 
 std::string open_files::title() const

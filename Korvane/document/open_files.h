@@ -4,6 +4,7 @@
 // shows the one that was opened last. What is opened by which path, the title, the status line and the texts of a
 // failure are decided here. No window is known; texts are UTF-8. One thread.
 
+#include "Korvane/document/disk_follower.h"
 #include "Korvane/document/open_definition.h"
 #include "Korvane/document/open_model.h"
 
@@ -40,6 +41,16 @@ struct opened_file
 {
     std::shared_ptr<rmv2_file> model; // null: it is a definition
     open_definition definition;
+    std::string disk_path; // where it lies; empty: in an archive
+    file_stamp stamp;
+};
+
+// A file that is open and was changed by another program.
+struct disk_change
+{
+    std::string path; // as it was opened
+    bool is_model = true;
+    bool is_gone = false; // else it is another one now
 };
 
 class open_files
@@ -65,7 +76,17 @@ public:
     // What can no longer be opened stays as it was; a message for each. A model with edits is left alone.
     [[nodiscard]] std::vector<open_error> reopen();
 
-    void openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere); // open_model.h
+    void openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere,
+                  std::unique_ptr<keep_claim> claim); // open_model.h
+
+    // Reads one of the files that are open again; which is shown stays.
+    [[nodiscard]] bool reread(const std::string& path, failure& why);
+
+    // What other programs have changed since the last call, each change once. Cheap; called now and then.
+    [[nodiscard]] std::vector<disk_change> lookAtDisk();
+    // True when a save would write over what another program has put into the model's place.
+    bool isModelChangedOnDisk() const { return m_model_follower.isOther(); }
+    void modelWasWritten() { followModel(m_model.file()->path()); } // by this program
 
     kind shown() const { return m_shown; } // what was opened last
     // "Reset": nothing is open any more.
@@ -83,8 +104,12 @@ public:
 
 private:
     std::shared_ptr<const game_data> m_po_game = std::make_shared<const game_data>();
+    void followModel(const std::string& path);
+
     open_model m_model;
     open_definition m_definition;
+    disk_follower m_model_follower;
+    disk_follower m_definition_follower;
     kind m_shown = kind::nothing;
 };
 

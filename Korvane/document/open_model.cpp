@@ -16,11 +16,13 @@ void open_model::take(std::shared_ptr<rmv2_file> model)
     tellKeeper(image_state::other);
 }
 
-void open_model::openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere)
+void open_model::openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere,
+                          std::unique_ptr<keep_claim> claim)
 {
     replace(std::move(model));
     m_po_editor->markEdited();
     m_origin = std::move(origin);
+    m_po_claim = std::move(claim);
     m_saves_elsewhere = is_elsewhere;
     tellKeeper(image_state::other);
 }
@@ -32,6 +34,7 @@ void open_model::replace(std::shared_ptr<rmv2_file> model)
     m_po_editor = std::make_unique<model_editor>(*model, first_number);
     m_po_file = std::move(model);
     m_origin = {};
+    m_po_claim.reset();
     m_saves_elsewhere = false;
     m_patched_path.clear();
     select(m_selection);
@@ -55,6 +58,8 @@ void open_model::close()
 {
     m_po_editor.reset();
     m_po_file.reset();
+    m_origin = {};
+    m_po_claim.reset();
     m_patched_path.clear();
     select({});
     tellKeeper(image_state::other);
@@ -171,6 +176,7 @@ bool open_model::save(const std::string& path, failure& why)
         return false;
     m_po_editor->markSaved();
     m_origin = {};
+    m_po_claim.reset();
     m_saves_elsewhere = false;
     tellKeeper(image_state::other);
     return true;

@@ -23,8 +23,10 @@ public:
     void take(std::shared_ptr<rmv2_file> model);
     void close();
     // Edits that were kept when a program ended, in place of what was open: they are not saved, and there is no undo to
-    // before them. is_elsewhere: what stands at the path now is not what was edited, a save has to ask for a path.
-    void openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere);
+    // before them. is_elsewhere: what stands at the path now is not what was edited, a save has to ask for a path. The
+    // keep goes when they are saved, or the model is closed or replaced.
+    void openKept(std::shared_ptr<rmv2_file> model, edit_origin origin, bool is_elsewhere,
+                  std::unique_ptr<keep_claim> claim);
     bool savesElsewhere() const { return m_saves_elsewhere; }
     // Holds the unsaved edits from now on; outlives the model.
     void setKeeper(edit_keeper& keeper) { m_po_keeper = &keeper; }
@@ -82,6 +84,7 @@ private:
     edit_keeper* m_po_keeper = nullptr;
     bool m_is_held = false; // by the keeper
     edit_origin m_origin;   // of kept edits
+    std::unique_ptr<keep_claim> m_po_claim;
     bool m_saves_elsewhere = false;
     std::shared_ptr<rmv2_file> m_po_file;
     std::unique_ptr<model_editor> m_po_editor; // of the file

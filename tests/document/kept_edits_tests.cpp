@@ -89,11 +89,13 @@ TEST_F(kept_edits_test, whatASaveWouldHaveWrittenIsOfferedAndSavedToItsOwnPath)
         EXPECT_NE(m_prompt.shown.back().second.find(m_path), std::string::npos);
         EXPECT_EQ(second.document.title(),
                   test::programTitle("RMV2: [soldier.rigid_model_v2] VMD: [no file loaded]*[edited]"));
-        EXPECT_FALSE(offer(second)) << "it is gone";
+        program other(m_kept);
+        std::thread([&] { EXPECT_FALSE(offer(other)) << "another program has it"; }).join();
         model_commands commands(second.document, m_prompt);
         EXPECT_EQ(commands.save(), command_outcome::done);
         EXPECT_EQ(readBytes(m_path), readBytes(m_folder.file("saved")));
         EXPECT_EQ(keep(second), "") << "saved";
+        EXPECT_TRUE(std::filesystem::is_empty(toPath(m_kept)));
     }
 }
 
@@ -136,6 +138,8 @@ TEST_F(kept_edits_test, severalProgramsKeepBesideEachOtherAndNoDiscards)
     EXPECT_NE(keepAnEdit(first), keepAnEdit(second));
     m_prompt.confirmations = {false, true};
     EXPECT_TRUE(offer(next));
+    EXPECT_FALSE(std::filesystem::is_empty(toPath(m_kept))) << "until it is saved or discarded";
+    next.document.close();
     EXPECT_TRUE(std::filesystem::is_empty(toPath(m_kept)));
 }
 

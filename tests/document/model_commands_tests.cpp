@@ -239,5 +239,46 @@ TEST_F(model_commands_test, editsAreNotLostWithoutAQuestion)
     EXPECT_EQ(m_document.title(), test::programTitle("RMV2: [no file loaded] VMD: [no file loaded]"));
 }
 
+TEST_F(model_commands_test, whatAnotherProgramDidToTheFileIsOfferedOnceAndNotWrittenOver)
+{
+    const auto looks = [this] {
+        std::vector<disk_change> changes = m_document.lookAtDisk();
+        return changes.empty() ? m_document.lookAtDisk() : changes;
+    };
+    const std::string path = open(7);
+    m_document.select({0, 1});
+    m_commands.chooseAlphaMode(1);
+    EXPECT_EQ(m_commands.save(), command_outcome::done);
+    EXPECT_TRUE(looks().empty()) << "our own save";
+
+    m_commands.chooseAlphaMode(2);
+    writeBytes(path, "half");
+    EXPECT_TRUE(m_document.lookAtDisk().empty());
+    writeBytes(path, "half of");
+    EXPECT_TRUE(m_document.lookAtDisk().empty()) << "still being written";
+    writeBytes(path, m_bytes + "x");
+    const std::vector<disk_change> changes = looks();
+    ASSERT_EQ(changes.size(), 1u);
+    EXPECT_TRUE(looks().empty()) << "once";
+    EXPECT_EQ(m_commands.offerReread(changes[0]), command_outcome::cancelled);
+    EXPECT_NE(lastText().find("did not save are lost"), std::string::npos);
+    EXPECT_EQ(m_commands.save(), command_outcome::cancelled);
+    EXPECT_NE(lastText().find("Write over it?"), std::string::npos);
+    EXPECT_EQ(readBytes(path), m_bytes + "x");
+    m_prompt.will_confirm = true;
+    EXPECT_EQ(m_commands.offerReread(changes[0]), command_outcome::done);
+    EXPECT_EQ(m_commands.lastAction(), "Read again: in.rigid_model_v2");
+    EXPECT_FALSE(m_document.model().isEdited());
+    EXPECT_EQ(m_document.model().selection(), (model_selection{0, 1}));
+
+    std::filesystem::remove(path);
+    const std::vector<disk_change> gone = looks();
+    ASSERT_TRUE(gone.size() == 1 && gone[0].is_gone);
+    EXPECT_EQ(m_commands.offerReread(gone[0]), command_outcome::done);
+    m_commands.chooseAlphaMode(1);
+    EXPECT_EQ(m_commands.save(), command_outcome::done) << "written again";
+    EXPECT_TRUE(looks().empty());
+}
+
 } // namespace
 } // namespace korvane::test
