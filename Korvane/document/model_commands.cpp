@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/config_keys.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/document/pasted_path.h"
 #include "Korvane/document/texture_path_fault.h"
 #include "Korvane/game/game_path.h"
 #include "Korvane/models/rmv2_writer.h"
@@ -246,6 +247,17 @@ command_outcome model_commands::setTexturePath(std::size_t row, const std::strin
         if (const texture_path_fault fault = texturePathFault(directory + file); !fault.text.empty())
             m_last_action += " (beware: " + fault.text + ")";
     return outcome;
+}
+
+command_outcome model_commands::pasteIntoTexture(std::size_t row, std::string_view text, const config_file& config)
+{
+    m_last_action.clear();
+    const group_data* const group = m_document.model().selectedGroup();
+    if (group == nullptr || row >= group->textures.size())
+        return command_outcome::cancelled;
+    const std::string path = pastedPath(text, group->textures[row].path_field.text(), internalRoots(config));
+    const std::size_t cut = path.size() - fileName(path).size();
+    return path.empty() ? command_outcome::cancelled : setTexturePath(row, path.substr(0, cut), path.substr(cut));
 }
 
 command_outcome model_commands::replacePathPrefix(std::string_view wanted, std::string_view replacement)

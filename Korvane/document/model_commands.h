@@ -68,6 +68,8 @@ public:
     command_outcome chooseAlphaMode(int position);
     // As typed into the row's two fields. What is odd about the path is said behind what was done.
     command_outcome setTexturePath(std::size_t row, const std::string& directory, const std::string& file);
+    // A text or the path of a file, pasted into the row or dropped on it (pasted_path.h).
+    command_outcome pasteIntoTexture(std::size_t row, std::string_view text, const config_file& config);
     command_outcome replacePathPrefix(std::string_view wanted, std::string_view replacement);
     [[nodiscard]] copied_texture_paths copyTexturePaths();
     // What the last of these commands did, for the status line: "Saved body.rigid_model_v2", "Undone: alpha mode of LOD

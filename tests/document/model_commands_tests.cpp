@@ -2,6 +2,7 @@
 
 #include "Korvane/document/change_list.h"
 #include "Korvane/document/model_commands.h"
+#include "Korvane/document/pasted_path.h"
 #include "Korvane/models/rmv2_writer.h"
 #include "tests/support/model_builder.h"
 #include "tests/support/program_title.h"
@@ -278,6 +279,37 @@ TEST_F(model_commands_test, whatAnotherProgramDidToTheFileIsOfferedOnceAndNotWri
     m_commands.chooseAlphaMode(1);
     EXPECT_EQ(m_commands.save(), command_outcome::done) << "written again";
     EXPECT_TRUE(looks().empty());
+}
+
+TEST_F(model_commands_test, whatIsPastedIntoATextureRowBecomesAPath)
+{
+    config_file config;
+    config.add("mod_paths", {"d:\\mods\\mine"}, false);
+    config.add("data_paths", {"c:\\game\\data\\"}, false);
+    const std::vector<std::string> roots = internalRoots(config);
+    const std::string before = "tex/a.dds";
+    const struct
+    {
+        const char *pasted, *path;
+    } rows[] = {
+        {"  \"C:\\Game/data\\Men\\B.dds\"\r\nsecond line", "Men/B.dds"},
+        {"D:\\Mods\\mine\\b.dds", "b.dds"},
+        {"D:\\Mods\\mine2\\b.dds", "tex/b.dds"},
+        {"/home/x/b.dds", "tex/b.dds"},
+        {"b.dds", "tex/b.dds"},
+        {"men\\b.dds", "men\\b.dds"},
+        {"pack:men\\b.dds", "men\\b.dds"},
+        {" \r\n", ""},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(pastedPath(row.pasted, before, roots), row.path) << row.pasted;
+
+    open(7);
+    EXPECT_EQ(m_commands.pasteIntoTexture(0, "new.dds", config), command_outcome::done);
+    EXPECT_EQ(m_commands.lastAction(),
+              "Changed: path of LOD 1, group 1, texture 1: tex/body_diffuse.dds -> tex/new.dds");
+    EXPECT_NE(selectedGroupText(m_document.model()).find("tex/new.dds\r\n"), std::string::npos);
+    EXPECT_EQ(m_commands.pasteIntoTexture(1, "new.dds", config), command_outcome::cancelled) << "a grey row";
 }
 
 } // namespace
