@@ -272,7 +272,7 @@ TEST_F(model_commands_test, whatAnotherProgramDidToTheFileIsOfferedOnceAndNotWri
     EXPECT_FALSE(m_document.model().isEdited());
     EXPECT_EQ(m_document.model().selection(), (model_selection{0, 1}));
 
-    std::filesystem::remove(path);
+    std::filesystem::remove(toPath(path));
     const std::vector<disk_change> gone = looks();
     ASSERT_TRUE(gone.size() == 1 && gone[0].is_gone);
     EXPECT_EQ(m_commands.offerReread(gone[0]), command_outcome::done);
