@@ -175,15 +175,11 @@ public:
             return findInGame(why);
         if (m_options.like.empty())
             return chooseTarget(m_options, nullptr, m_target, why);
-        const game_path path(m_options.like);
-        const std::shared_ptr<const game_data> game = m_source.gameFor(path, why);
-        if (!game)
+        game_file found = m_options.like_file;
+        if (!found && !findLike(found, why))
             return false;
-        const game_file found = path.isInternal() ? game->find(path.internalPath()) : game_file(path.text());
-        if (!found)
-            return fail(why, failure_kind::not_found, "no archive holds this path", path.text());
         m_like.emplace();
-        return readLike(path.text(), found, *m_like, why) && chooseTarget(m_options, &*m_like, m_target, why);
+        return readLike(m_options.like, found, *m_like, why) && chooseTarget(m_options, &*m_like, m_target, why);
     }
     const picture_batch& batch() const { return m_batch; }
 
@@ -211,6 +207,16 @@ public:
     }
 
 private:
+    bool findLike(game_file& found, failure& why)
+    {
+        const game_path path(m_options.like);
+        const std::shared_ptr<const game_data> game = m_source.gameFor(path, why);
+        if (!game)
+            return false;
+        found = path.isInternal() ? game->find(path.internalPath()) : game_file(path.text());
+        return found || fail(why, failure_kind::not_found, "no archive holds this path", path.text());
+    }
+
     bool findInGame(failure& why)
     {
         const std::shared_ptr<const game_data> game = m_source.archives(why);

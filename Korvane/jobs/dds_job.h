@@ -30,6 +30,7 @@ struct dds_job_options
     // path is that of the picture, or its end; there it comes to lie below the output folder. What is as the game has
     // it is left out, or, where something else was made of it before, written as the game has it.
     std::string like = {};
+    game_file like_file = {}; // the DDS file itself, where the caller has found it; like is then its name
     std::optional<normal_form> normals = std::nullopt; // convert to this form; nothing: blue becomes that of like
     bool is_forced = false;                            // also what does not look like a normal map
     bool keeps_coverage = false;

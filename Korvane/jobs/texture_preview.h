@@ -1,0 +1,47 @@
+#pragma once
+
+// A small picture of a texture, out of the game or from the disk, and what the file is in words. A worker makes it; its
+// channels are then switched without reading the file again.
+
+#include "EASY_GUI/services/work_port.h"
+#include "Korvane/game/game_data.h"
+#include "Korvane/textures/picture.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace korvane
+{
+
+struct texture_preview_request
+{
+    std::shared_ptr<const game_data> game; // never null
+    std::string path;                      // internal; found around the model, too
+    std::string model_path;                // on the disk or with "pack:"
+    std::uint32_t most_pixels = 512;       // wide and high
+};
+
+struct texture_preview
+{
+    std::string path;
+    picture pixels;   // straight alpha; empty: there is none to show
+    std::string text; // "2048 x 2048, BC3_UNORM, 12 mip maps", or why there is no picture
+    bool is_stopped = false;
+};
+// Of a DDS file the mip map that is wanted is decoded, no more. Of an array or a cube the first surface.
+[[nodiscard]] texture_preview makeTexturePreview(const texture_preview_request& request, const work_port& work);
+
+enum class preview_channels
+{
+    all, // with alpha, over a chequered ground
+    red,
+    green,
+    blue,
+    alpha,
+    colour // as if all were opaque
+};
+// Opaque, for a window to draw.
+[[nodiscard]] picture showChannels(const picture& source, preview_channels channels);
+
+} // namespace korvane
