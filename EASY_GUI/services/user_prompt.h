@@ -41,6 +41,11 @@ public:
     // A path to open or to write; nothing when the person changed their mind.
     [[nodiscard]] virtual std::optional<std::string> pickOpenPath(const std::string& title,
                                                                   const std::vector<file_filter>& filters) = 0;
+    // Several files of one folder; none when the person changed their mind.
+    [[nodiscard]] virtual std::vector<std::string> pickOpenPaths(const std::string& title,
+                                                                 const std::vector<file_filter>& filters) = 0;
+    // A folder that exists, without a separator at its end unless it is a drive's root.
+    [[nodiscard]] virtual std::optional<std::string> pickFolder(const std::string& title) = 0;
     [[nodiscard]] virtual std::optional<std::string> pickSavePath(const std::string& title,
                                                                   const std::vector<file_filter>& filters,
                                                                   const std::string& default_extension) = 0;

@@ -44,19 +44,25 @@ UINT iconFlag(prompt_icon icon)
     return MB_ICONINFORMATION;
 }
 
-std::optional<std::string> resultOf(IFileDialog& dialog)
+std::optional<std::string> pathOf(IShellItem& item)
 {
-    com_ptr<IShellItem> item;
     PWSTR text = nullptr;
-    if (FAILED(dialog.GetResult(item.put())) || FAILED(item->GetDisplayName(SIGDN_FILESYSPATH, &text)))
+    if (FAILED(item.GetDisplayName(SIGDN_FILESYSPATH, &text)))
         return std::nullopt;
     const std::string path = fromWide(text);
     CoTaskMemFree(text);
     return path;
 }
 
-std::optional<std::string> pick(IFileDialog& dialog, HWND owner, const std::string& title,
-                                const std::vector<file_filter>& filters)
+std::optional<std::string> resultOf(IFileDialog& dialog)
+{
+    com_ptr<IShellItem> item;
+    return SUCCEEDED(dialog.GetResult(item.put())) ? pathOf(*item.get()) : std::nullopt;
+}
+
+// True: the person chose something.
+bool pick(IFileDialog& dialog, HWND owner, const std::string& title, const std::vector<file_filter>& filters,
+          FILEOPENDIALOGOPTIONS further = 0)
 {
     const front_keeper front;
     std::vector<std::wstring> texts; // label, pattern, label, pattern...
@@ -73,8 +79,15 @@ std::optional<std::string> pick(IFileDialog& dialog, HWND owner, const std::stri
         dialog.SetFileTypes(static_cast<UINT>(entries.size()), entries.data());
     FILEOPENDIALOGOPTIONS options = 0;
     if (SUCCEEDED(dialog.GetOptions(&options)))
-        dialog.SetOptions(options | FOS_FORCEFILESYSTEM);
-    return SUCCEEDED(dialog.Show(owner)) ? resultOf(dialog) : std::nullopt;
+        dialog.SetOptions(options | FOS_FORCEFILESYSTEM | further);
+    return SUCCEEDED(dialog.Show(owner));
+}
+
+com_ptr<IFileOpenDialog> openDialog() // null when the system has none
+{
+    com_ptr<IFileOpenDialog> dialog;
+    CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IFileOpenDialog), dialog.putVoid());
+    return dialog;
 }
 
 } // namespace
@@ -102,11 +115,34 @@ bool message_box_prompt::confirm(const std::string& title, const std::string& te
 std::optional<std::string> message_box_prompt::pickOpenPath(const std::string& title,
                                                             const std::vector<file_filter>& filters)
 {
-    com_ptr<IFileOpenDialog> dialog;
-    if (FAILED(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IFileOpenDialog),
-                                dialog.putVoid())))
-        return std::nullopt;
-    return pick(*dialog.get(), owner(), title, filters);
+    const com_ptr<IFileOpenDialog> dialog = openDialog();
+    return dialog && pick(*dialog.get(), owner(), title, filters) ? resultOf(*dialog.get()) : std::nullopt;
+}
+
+std::vector<std::string> message_box_prompt::pickOpenPaths(const std::string& title,
+                                                           const std::vector<file_filter>& filters)
+{
+    std::vector<std::string> paths;
+    const com_ptr<IFileOpenDialog> dialog = openDialog();
+    com_ptr<IShellItemArray> chosen;
+    DWORD count = 0;
+    if (!dialog || !pick(*dialog.get(), owner(), title, filters, FOS_ALLOWMULTISELECT) ||
+        FAILED(dialog->GetResults(chosen.put())) || FAILED(chosen->GetCount(&count)))
+        return paths;
+    for (DWORD i = 0; i < count; ++i)
+    {
+        com_ptr<IShellItem> item;
+        if (SUCCEEDED(chosen->GetItemAt(i, item.put())))
+            if (const auto path = pathOf(*item.get()))
+                paths.push_back(*path);
+    }
+    return paths;
+}
+
+std::optional<std::string> message_box_prompt::pickFolder(const std::string& title)
+{
+    const com_ptr<IFileOpenDialog> dialog = openDialog();
+    return dialog && pick(*dialog.get(), owner(), title, {}, FOS_PICKFOLDERS) ? resultOf(*dialog.get()) : std::nullopt;
 }
 
 std::optional<std::string> message_box_prompt::pickSavePath(const std::string& title,
@@ -118,7 +154,7 @@ std::optional<std::string> message_box_prompt::pickSavePath(const std::string& t
                                 dialog.putVoid())))
         return std::nullopt;
     dialog->SetDefaultExtension(toWide(default_extension).c_str());
-    return pick(*dialog.get(), owner(), title, filters);
+    return pick(*dialog.get(), owner(), title, filters) ? resultOf(*dialog.get()) : std::nullopt;
 }
 
 } // namespace korvane

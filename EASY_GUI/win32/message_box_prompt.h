@@ -19,6 +19,9 @@ public:
     [[nodiscard]] bool confirm(const std::string& title, const std::string& text, prompt_answer preset) override;
     [[nodiscard]] std::optional<std::string> pickOpenPath(const std::string& title,
                                                           const std::vector<file_filter>& filters) override;
+    [[nodiscard]] std::vector<std::string> pickOpenPaths(const std::string& title,
+                                                         const std::vector<file_filter>& filters) override;
+    [[nodiscard]] std::optional<std::string> pickFolder(const std::string& title) override;
     [[nodiscard]] std::optional<std::string> pickSavePath(const std::string& title,
                                                           const std::vector<file_filter>& filters,
                                                           const std::string& default_extension) override;

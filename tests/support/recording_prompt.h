@@ -36,6 +36,12 @@ public:
             while_picking();
         return answer;
     }
+    std::vector<std::string> pickOpenPaths(const std::string& title, const std::vector<file_filter>& filters) override
+    {
+        const auto one = pickOpenPath(title, filters);
+        return one && answers.empty() ? std::vector{*one} : answers;
+    }
+    std::optional<std::string> pickFolder(const std::string& title) override { return pickOpenPath(title, {{"", ""}}); }
     std::optional<std::string> pickSavePath(const std::string& title, const std::vector<file_filter>& filters,
                                             const std::string&) override
     {
@@ -48,6 +54,7 @@ public:
     bool will_confirm = false;
     std::function<void()> while_picking; // what happens while a file is picked
     std::optional<std::string> answer;   // of the next picker
+    std::vector<std::string> answers;    // of the next picker of several files; none: the answer
 };
 
 } // namespace korvane::test

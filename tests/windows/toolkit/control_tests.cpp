@@ -1,13 +1,22 @@
 // What a person does with the controls of a real window, and what their handlers get.
 
 #include "EASY_GUI/win32/button.h"
+#include "EASY_GUI/win32/clipboard.h"
 #include "EASY_GUI/win32/combo_box.h"
 #include "EASY_GUI/win32/edit_box.h"
+#include "EASY_GUI/win32/image_view.h"
+#include "EASY_GUI/win32/label.h"
+#include "EASY_GUI/win32/menu.h"
+#include "EASY_GUI/win32/rich_edit.h"
 #include "EASY_GUI/win32/status_bar.h"
 #include "EASY_GUI/win32/tab_view.h"
 #include "tests/windows/toolkit/toolkit_fixture.h"
 
+#include <atomic>
 #include <memory>
+#include <mutex>
+#include <richedit.h>
+#include <thread>
 
 namespace korvane::test
 {
@@ -63,6 +72,104 @@ TEST_F(control_test, aHandlerMayDestroyItsControlAndItsWindow)
     EXPECT_EQ(pressed, nullptr);
     EXPECT_EQ(m_heard, std::string(100, 'x')) << "what the handler holds lives as long as it runs";
     EXPECT_FALSE(isOpen());
+}
+
+TEST_F(control_test, textsThatAreCutOffAreTooltips)
+{
+    label text;
+    edit_box edit;
+    button pressed;
+    ASSERT_TRUE(text.create(handle(), 1, "a text of some length") &&
+                edit.create(handle(), 2, edit_box::access::read_only) && pressed.create(handle(), 3, "Replace &All"));
+    edit.setText("C:\\a long path\\soldier.dds");
+    edit.setTip("of the model");
+    for (control* const each : {static_cast<control*>(&text), static_cast<control*>(&edit)})
+        each->place(0, 0, 400, 20);
+    EXPECT_EQ(tipOf(text, {5, 5}), "");
+    EXPECT_EQ(tipOf(edit, {5, 5}), "of the model");
+    for (control* const each : {static_cast<control*>(&text), static_cast<control*>(&edit)})
+        each->place(0, 0, 40, 20);
+    EXPECT_EQ(tipOf(text, {5, 5}), "a text of some length");
+    EXPECT_EQ(tipOf(edit, {5, 5}), "C:\\a long path\\soldier.dds\r\nof the model");
+    const SIZE natural = pressed.naturalSize();
+    pressed.place(0, 0, natural.cx, natural.cy);
+    EXPECT_EQ(tipOf(pressed, {5, 5}), "") << "a button fits into its natural size";
+}
+
+TEST_F(control_test, picturesKeepTheirProportionsAndShowWhereTheyAreTransparent)
+{
+    image_view view;
+    failure why;
+    ASSERT_TRUE(view.createIn(handle(), why)) << describe(why);
+    SetWindowPos(view.handle(), nullptr, 0, 0, 100, 60, SWP_NOZORDER);
+    // Two pixels: opaque red, and green that is not seen at all.
+    const std::byte picture[] = {std::byte{255}, {}, {}, std::byte{255}, {}, std::byte{255}, {}, {}};
+    view.setPicture(2, 1, picture);
+    view.setPicture(3, 1, picture); // which the bytes are too few for
+    RedrawWindow(view.handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    const HDC context = GetDC(view.handle());
+    EXPECT_EQ(GetPixel(context, 5, 30), RGB(255, 0, 0));
+    EXPECT_EQ(GetPixel(context, 5, 2), GetSysColor(COLOR_BTNFACE)) << "above the picture";
+    const COLORREF behind = GetPixel(context, 90, 30);
+    EXPECT_TRUE(behind == RGB(255, 255, 255) || behind == RGB(204, 204, 204)) << behind;
+    ReleaseDC(view.handle(), context);
+}
+
+TEST_F(control_test, textGoesOverTheClipboardUnlessItIsHeld)
+{
+    failure why;
+    ASSERT_TRUE(setClipboardText(handle(), "path 李\r\nsecond", why)) << describe(why);
+    EXPECT_EQ(clipboardText(handle(), why), "path 李\r\nsecond") << describe(why);
+    std::mutex gate;
+    gate.lock();
+    std::atomic<bool> is_held{false};
+    std::thread other([&] {
+        is_held = OpenClipboard(nullptr) != FALSE;
+        const std::lock_guard until_unlocked(gate);
+        CloseClipboard();
+    });
+    while (!is_held)
+        Sleep(1);
+    EXPECT_FALSE(setClipboardText(handle(), "lost", why));
+    EXPECT_NE(why.what.find("in use by another program"), std::string::npos) << why.what;
+    gate.unlock();
+    other.join();
+    EXPECT_EQ(clipboardText(handle(), why), "path 李\r\nsecond");
+}
+
+TEST_F(control_test, formattedTextIsWhatItsRunsSay)
+{
+    rich_edit text;
+    ASSERT_TRUE(text.create(handle(), 1));
+    text.place(0, 0, 300, 200);
+    const rich_run runs[] = {{"Heading\n", rich_run::style::heading}, {"plain ", {}}, {"李", rich_run::style::bold}};
+    text.setRuns(runs);
+    text.setFont(font(dpi(), font::weight::regular)); // all is made again
+    EXPECT_EQ(text.text(), "Heading\r\nplain 李");
+    const auto isBold = [&](LPARAM first) {
+        CHARFORMATW format{};
+        format.cbSize = sizeof format;
+        SendMessageW(text.handle(), EM_SETSEL, static_cast<WPARAM>(first), first + 1);
+        SendMessageW(text.handle(), EM_GETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&format));
+        return (format.dwEffects & CFE_BOLD) != 0;
+    };
+    EXPECT_TRUE(isBold(0) && !isBold(9) && isBold(14));
+}
+
+TEST_F(control_test, menusAreMadeFromRowsWithSubmenus)
+{
+    menu made = menu::makePopup();
+    const menu_row rows[] = {
+        {1, "&One"}, {}, {2, "Two", false, true}, {0, "More", true, false, {{3, "Three"}, {4, "Four"}}}};
+    made.add(rows);
+    EXPECT_EQ(GetMenuItemCount(made.handle()), 4);
+    made.setEnabled(4, false);
+    const auto stateOf = [&](UINT command) { return GetMenuState(made.handle(), command, MF_BYCOMMAND); };
+    EXPECT_EQ(stateOf(1), UINT{0});
+    EXPECT_EQ(stateOf(2), UINT{MF_GRAYED | MF_CHECKED});
+    EXPECT_EQ(stateOf(3), UINT{0});
+    EXPECT_EQ(stateOf(4), UINT{MF_GRAYED}) << "in a submenu";
+    DestroyMenu(made.handle());
 }
 
 TEST_F(control_test, tabsAreChosenByKeyAndSayWhereTheirPagesAre)
