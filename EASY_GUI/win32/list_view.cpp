@@ -5,7 +5,6 @@
 #include "EASY_GUI/win32/window.h"
 
 #include <algorithm>
-#include <uxtheme.h>
 #include <windowsx.h>
 
 namespace korvane
@@ -37,7 +36,6 @@ bool list_view::create(HWND parent, int id, const list_model& model, list_view_o
                         (options.has_many ? 0u : static_cast<DWORD>(LVS_SINGLESEL));
     if (!createControl(WC_LISTVIEWW, parent, id, {}, style, WS_EX_CLIENTEDGE))
         return false;
-    SetWindowTheme(handle(), L"Explorer", nullptr);
     send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
     m_dpi = static_cast<unsigned>(scaled(96));
     createPictures();

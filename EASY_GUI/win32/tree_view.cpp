@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstring>
 #include <utility>
-#include <uxtheme.h>
 #include <windowsx.h>
 
 namespace korvane
@@ -36,7 +35,6 @@ bool tree_view::create(HWND parent, int id, const tree_model& model, bool has_pi
                            WS_TABSTOP,
                        WS_EX_CLIENTEDGE))
         return false;
-    SetWindowTheme(handle(), L"Explorer", nullptr);
     send(TVM_SETEXTENDEDSTYLE, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
     m_dpi = static_cast<unsigned>(scaled(96));
     createPictures();
