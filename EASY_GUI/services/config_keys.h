@@ -24,6 +24,9 @@ inline constexpr std::string_view older_converted_files = "converted_anim_files"
 inline constexpr std::string_view last_fbx_folder = "fbx_to_anim_dialog__last_fbx_dir";
 inline constexpr std::string_view last_anim_folder = "fbx_to_anim_dialog__last_anim_dir";
 inline constexpr std::string_view last_export_folder = "fbx_to_anim_dialog__last_export_dir";
+// Of extracted textures.
+inline constexpr std::string_view texture_folder = "texture_folder";
+inline constexpr std::string_view texture_choices = "texture_choices"; // "dds", "png" or "tga"; "flat"
 // Of the windows: left top right bottom dpi, and 1 when it is maximised (Korvane/document/window_place.h).
 inline constexpr std::string_view main_window_place = "window_place";
 inline constexpr std::string_view view_place = "view_place";
@@ -37,6 +40,7 @@ inline constexpr std::array known = {data_folders,       mod_folders,
                                      bone_list_path,     older_converted_files,
                                      last_fbx_folder,    last_anim_folder,
                                      last_export_folder, main_window_place,
-                                     view_place,         page};
+                                     view_place,         page,
+                                     texture_folder,     texture_choices};
 
 } // namespace korvane::config_keys

@@ -22,6 +22,7 @@ struct direction_options
 void runConversion(cli_context& context, const direction_options& options)
 {
     normal_map_job_options job = options.job;
+    job.force_hint = "; --force converts it all the same";
     if (!takePictures(context, options.operands, {".tga", ".png"}, job.batch))
         return;
     normal_map_job_result result;

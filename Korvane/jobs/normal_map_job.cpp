@@ -19,7 +19,12 @@ std::string nameInFolder(const std::string& below)
 class normal_map_run
 {
 public:
-    normal_map_run(game_source& source, const normal_map_job_options& options) : m_source(source), m_options(options) {}
+    normal_map_run(game_source& source, const normal_map_job_options& options, std::vector<std::string>& doubtful)
+        : m_source(source)
+        , m_options(options)
+        , m_doubtful(doubtful)
+    {
+    }
 
     bool convert(const std::string& input, const std::string& path, const write_picture& write, failure& why)
     {
@@ -35,7 +40,10 @@ public:
                 return write(file.bytes(), why);
         }
         else if (why.kind == failure_kind::refused && why.path.empty())
-            why.what += "; --force converts it all the same";
+        {
+            why.what += m_options.force_hint;
+            m_doubtful.push_back(input);
+        }
         if (why.path.empty())
             why.path = input;
         return false;
@@ -50,6 +58,7 @@ public:
 private:
     game_source& m_source;
     const normal_map_job_options& m_options;
+    std::vector<std::string>& m_doubtful;
     converted_picture m_done;
 };
 
@@ -59,7 +68,7 @@ bool convertNormalMaps(game_source& source, const normal_map_job_options& option
                        normal_map_job_result& result, failure& why)
 {
     result = {};
-    normal_map_run run(source, options);
+    normal_map_run run(source, options, result.doubtful);
     const auto convert = [&run](const std::string& input, const std::string& path, const write_picture& write,
                                 failure& reason) { return run.convert(input, path, write, reason); };
     return convertPictures(

@@ -16,7 +16,8 @@ struct normal_map_job_options
 {
     picture_batch batch;
     normal_form form = normal_form::blue;
-    bool is_forced = false; // also what does not look like a normal map of the other form
+    bool is_forced = false;      // also what does not look like a normal map of the other form
+    std::string force_hint = {}; // put behind the reason where that would help: "; --force converts it all the same"
 };
 
 struct converted_picture
@@ -31,6 +32,7 @@ struct converted_picture
 struct normal_map_job_result
 {
     std::vector<converted_picture> files;
+    std::vector<std::string> doubtful; // inputs that failed and that is_forced would convert
     picture_batch_result left;
 };
 
