@@ -67,8 +67,9 @@ LRESULT CALLBACK control::watch(HWND handle, UINT message, WPARAM wparam, LPARAM
                                ? DefSubclassProc(handle, message, wparam, lparam)
                                : reinterpret_cast<control*>(self)->handleMessage(message, wparam, lparam);
     if (message == WM_SETFOCUS)
-        if (window* const top = window::fromHandle(GetAncestor(handle, GA_ROOT)); top != nullptr)
-            top->onControlFocused(handle);
+        for (HWND around = GetAncestor(handle, GA_PARENT); around != nullptr; around = GetAncestor(around, GA_PARENT))
+            if (window* const one = window::fromHandle(around); one != nullptr)
+                one->onControlFocused(handle);
     return result;
 }
 

@@ -3,7 +3,7 @@
 // The base of the system's own controls: a child window that a window or panel owns as a member. The parent's
 // destruction takes the control's window along; the object then is empty and may be created again. What the person does
 // with a control comes back to it: it calls its handler (onClick, onSelect, ...), which may destroy it. What it has no
-// handler for arrives at the parent's onCommand. The top-level window hears of the focus (onControlFocused). Window
+// handler for arrives at the parent's onCommand. The windows around it hear of the focus (onControlFocused). Window
 // thread only. Texts are UTF-8, sizes pixels. In the text of a button, a frame and a name '&' stands before the
 // mnemonic.
 

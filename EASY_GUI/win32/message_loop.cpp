@@ -35,6 +35,16 @@ bool isForText(const MSG& message)
     }
 }
 
+// Whether nothing around a control is hidden or disabled. From one that is, the system's search for a mnemonic, which
+// begins there, never ends: it happens to a key whose command has hidden the control that had the focus.
+bool isReachable(HWND control, HWND main)
+{
+    for (; control != nullptr && control != main; control = GetAncestor(control, GA_PARENT))
+        if ((GetWindowLongPtrW(control, GWL_STYLE) & (WS_VISIBLE | WS_DISABLED)) != WS_VISIBLE)
+            return false;
+    return true;
+}
+
 } // namespace
 
 bool message_loop::isShortcut(const MSG& message) const
@@ -71,7 +81,7 @@ void message_loop::dispatchPlain(MSG& message) const
 {
     if (dialog_box::takeKey(message))
         return;
-    if (m_main.isOpen() && IsDialogMessageW(m_main.handle(), &message))
+    if (m_main.isOpen() && isReachable(message.hwnd, m_main.handle()) && IsDialogMessageW(m_main.handle(), &message))
         return; // it has translated and dispatched the message itself
     TranslateMessage(&message);
     DispatchMessageW(&message);

@@ -51,6 +51,23 @@ std::vector<std::string> droppedPaths(HDROP drop)
     return paths;
 }
 
+// Null: there is none. (The system's own search does not end then.)
+HWND firstTabStop(HWND window)
+{
+    HWND found = nullptr;
+    EnumChildWindows(
+        window,
+        [](HWND child, LPARAM result) -> BOOL {
+            const bool can_stop = (GetWindowLongPtrW(child, GWL_STYLE) & WS_TABSTOP) != 0 &&
+                                  IsWindowEnabled(child) != 0 && IsWindowVisible(child) != 0;
+            if (can_stop)
+                *reinterpret_cast<HWND*>(result) = child;
+            return !can_stop;
+        },
+        reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
 size_change sizeChange(WPARAM wparam)
 {
     return wparam == SIZE_MINIMIZED   ? size_change::minimised
@@ -279,8 +296,8 @@ void window::focusWhenActive(HWND control)
 bool window::focusControl()
 {
     const bool is_there = IsChild(m_handle, m_focused) && IsWindowEnabled(m_focused) && IsWindowVisible(m_focused);
-    const HWND control = is_there ? m_focused : GetNextDlgTabItem(m_handle, nullptr, FALSE);
-    if (control == nullptr || control == m_handle)
+    const HWND control = is_there ? m_focused : firstTabStop(m_handle);
+    if (control == nullptr)
         return false;
     SetFocus(control);
     return true;

@@ -115,9 +115,9 @@ protected:
     virtual void onFilesDropped(const std::vector<std::string>& /*paths*/) {}
     // The window moved to a monitor of another density. The window was moved to the suggested rectangle already.
     virtual void onDpiChanged(unsigned /*dpi*/) {}
-    // The focus came to a control of this top-level window. The default remembers it: with WS_EX_CONTROLPARENT the
-    // focus goes there whenever the window itself gets it, which is when it was activated again, and else to the first
-    // control.
+    // The focus came to a control of this window, or of a window in it. The default remembers it: a top-level window
+    // with WS_EX_CONTROLPARENT gives the focus there whenever it gets it itself, which is when it was activated again,
+    // and else to its first control.
     virtual void onControlFocused(HWND control) { m_focused = control; }
     // Now, or when the window is activated the next time.
     void focusWhenActive(HWND control);
