@@ -29,19 +29,6 @@ scene_group sceneGroup(const group_data& group)
     return result;
 }
 
-std::shared_ptr<const scene_model> sceneModel(std::shared_ptr<const RMV2_FILE_DATA> data, const std::string& path)
-{
-    auto model = std::make_shared<scene_model>();
-    model->path = path;
-    model->has_skeleton = !data->skeleton_id.empty();
-    model->lods.reserve(data->lods.size());
-    for (const lod_data& lod : data->lods)
-        std::transform(lod.groups.begin(), lod.groups.end(), std::back_inserter(model->lods.emplace_back()),
-                       &sceneGroup);
-    model->data = std::move(data);
-    return model;
-}
-
 texture_reader readerAround(const game_data& game, const std::string& path)
 {
     return [game, around = game_path(path)](const std::string& internal_path, memory_file& bytes, file_place& place,
@@ -59,6 +46,19 @@ texture_reader readerAround(const game_data& game, const std::string& path)
 
 } // namespace
 
+std::shared_ptr<const scene_model> sceneModel(std::shared_ptr<const RMV2_FILE_DATA> data, const std::string& path)
+{
+    auto model = std::make_shared<scene_model>();
+    model->path = path;
+    model->has_skeleton = !data->skeleton_id.empty();
+    model->lods.reserve(data->lods.size());
+    for (const lod_data& lod : data->lods)
+        std::transform(lod.groups.begin(), lod.groups.end(), std::back_inserter(model->lods.emplace_back()),
+                       &sceneGroup);
+    model->data = std::move(data);
+    return model;
+}
+
 scene_loader::scene_loader(game_data game, work_port work) : m_game(std::move(game)), m_work(std::move(work)) {}
 
 void scene_loader::report(loaded_scene& scene, std::string line) const
@@ -75,14 +75,22 @@ loaded_scene scene_loader::begin(const std::string& path) const
     return scene;
 }
 
+scene_pointer scene_loader::loadModel(std::shared_ptr<const scene_model> model, const std::string& path,
+                                      std::size_t lod, int bone, const scene_pointer& former)
+{
+    m_known.clear();
+    if (former)
+        takeOver(*former);
+    loaded_scene scene = begin(path);
+    if (model)
+        addPart(scene, std::move(model), lod, bone);
+    return m_work.isStopped() ? nullptr : std::make_shared<const loaded_scene>(std::move(scene));
+}
+
 scene_pointer scene_loader::loadModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& path,
                                       std::size_t lod, int bone)
 {
-    m_known.clear();
-    loaded_scene scene = begin(path);
-    if (model)
-        addPart(scene, sceneModel(std::move(model), path), lod, bone);
-    return m_work.isStopped() ? nullptr : std::make_shared<const loaded_scene>(std::move(scene));
+    return loadModel(model ? sceneModel(std::move(model), path) : nullptr, path, lod, bone, nullptr);
 }
 
 scene_pointer scene_loader::loadFigure(const std::vector<std::string>& models, const std::string& path, std::size_t lod)
@@ -109,12 +117,17 @@ void scene_loader::takeOver(std::shared_ptr<const scene_texture> texture)
         m_known.push_back({texture->path(), texture});
 }
 
-loaded_scene scene_loader::beginFrom(const loaded_scene& former)
+void scene_loader::takeOver(const loaded_scene& former)
 {
     for (const scene_part& part : former.parts)
         for (const group_textures& group : part.textures)
             for (const std::shared_ptr<const scene_texture>& texture : group)
                 takeOver(texture);
+}
+
+loaded_scene scene_loader::beginFrom(const loaded_scene& former)
+{
+    takeOver(former);
     loaded_scene scene;
     scene.path = former.path;
     scene.read_texture = former.read_texture;

@@ -14,6 +14,11 @@
 namespace korvane
 {
 
+// What is drawn of a decoded model. Afterwards only its vertex stores are read: edits of the rest may go on, also while
+// another thread loads the scene. path: UTF-8, of the model, for messages.
+[[nodiscard]] std::shared_ptr<const scene_model> sceneModel(std::shared_ptr<const RMV2_FILE_DATA> data,
+                                                            const std::string& path);
+
 class scene_loader
 {
 public:
@@ -27,8 +32,11 @@ public:
     // Each gives null only when the work port has asked to stop. A level of detail beyond a model's last one means the
     // last one. The path (UTF-8, of the model or the definition) says where textures are looked for on the disk.
     //
-    // A decoded model; without data the scene is empty. Bone below zero: it stands on its own bones, else all of it
-    // hangs on that one. Of the data only the vertex stores are read after the call.
+    // A model; null gives an empty scene. Bone below zero: it stands on its own bones, else all of it hangs on that
+    // one. Textures that a former scene of the model has are taken over, but for those with other paths now.
+    [[nodiscard]] scene_pointer loadModel(std::shared_ptr<const scene_model> model, const std::string& path,
+                                          std::size_t lod = 0, int bone = -1, const scene_pointer& former = nullptr);
+    // The same of a decoded one.
     [[nodiscard]] scene_pointer loadModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& path,
                                           std::size_t lod = 0, int bone = -1);
     // The models of a definition, by their internal paths, in the order in which they are drawn.
@@ -45,6 +53,7 @@ private:
     loaded_scene begin(const std::string& path) const;
     loaded_scene beginFrom(const loaded_scene& former); // whose textures are known then
     void takeOver(std::shared_ptr<const scene_texture> texture);
+    void takeOver(const loaded_scene& former);
     void report(loaded_scene& scene, std::string line) const;
     [[nodiscard]] std::shared_ptr<const scene_model> readModel(loaded_scene& scene, const std::string& internal_path);
     void addPart(loaded_scene& scene, std::shared_ptr<const scene_model> model, std::size_t lod, int bone);

@@ -173,7 +173,7 @@ TEST_F(scene_loader_test, anotherLevelStartsFromTheScene)
         EXPECT_EQ(part.textures[0][normal_slot]->path(), "n2");
     }
     EXPECT_EQ(m_textures.asked, (std::vector<std::string>{"n2", "n2"}));
-    EXPECT_TRUE(loader().loadModel(nullptr, "Z:/m")->parts.empty());
+    EXPECT_TRUE(loader().loadModel(std::shared_ptr<const scene_model>(), "Z:/m")->parts.empty());
     EXPECT_TRUE(loader().loadModel(std::make_shared<RMV2_FILE_DATA>(), "Z:/m", 3)->parts.at(0).groups().empty());
 }
 
