@@ -20,6 +20,8 @@ enum control_id : int
     control_frame = 1000, // of each panel
     control_status,
     control_show_view,
+    control_tabs,
+    control_empty_choice, // three of them
 
     control_file_path = 1100,
     control_file_version,
@@ -29,6 +31,7 @@ enum control_id : int
 
     control_lod = 1200,
     control_group,
+    control_fill_all_lods,
 
     control_material_name = 1300,
     control_material_id,

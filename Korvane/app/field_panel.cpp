@@ -74,6 +74,8 @@ bool field_panel::createField(const panel_field& field)
             created.onSelect = [act](int) { act(); };
         if constexpr (std::is_same_v<Control, button>)
             created.onClick = act;
+        if constexpr (std::is_same_v<Control, check_box>)
+            created.onClick = [act](bool) { act(); };
         m_by_id[field.id] = fresh.get();
         m_controls.push_back(std::move(fresh));
         return created.create(handle(), arguments...);
@@ -91,6 +93,8 @@ bool field_panel::createField(const panel_field& field)
         return true;
     case panel_field::kind::list:
         return made(std::make_unique<combo_box>(), field.id);
+    case panel_field::kind::check:
+        return made(std::make_unique<check_box>(), field.id, field.text);
     default:
         return made(std::make_unique<button>(), field.id, field.text);
     }
@@ -147,17 +151,6 @@ int field_panel::widthOf(const panel_field& field) const
 void field_panel::place(int x, int y, int width, int height)
 {
     SetWindowPos(handle(), nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
-void field_panel::showUpTo(int height)
-{
-    RECT whole = clientRectangle();
-    const bool is_cut = height < whole.bottom;
-    if (!is_cut && !m_is_cut)
-        return;
-    m_is_cut = is_cut;
-    HRGN region = is_cut ? CreateRectRgn(0, 0, whole.right, std::max(height, 0)) : nullptr;
-    SetWindowRgn(handle(), region, TRUE); // the window owns it from now on
 }
 
 void field_panel::onSize(int width, int height, size_change)
@@ -223,6 +216,11 @@ HBRUSH field_panel::onControlColour(HDC context, HWND control)
 combo_box& field_panel::list(int id) const
 {
     return static_cast<combo_box&>(at(id));
+}
+
+check_box& field_panel::check(int id) const
+{
+    return static_cast<check_box&>(at(id));
 }
 
 } // namespace korvane

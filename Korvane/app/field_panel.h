@@ -9,6 +9,7 @@
 #include "EASY_GUI/win32/font.h"
 #include "EASY_GUI/win32/handle_policies.h"
 #include "EASY_GUI/win32/window.h"
+#include "Korvane/app/panel_column.h"
 #include "Korvane/document/panel_contents.h"
 
 #include <functional>
@@ -29,6 +30,7 @@ struct panel_field
         text, // read only
         path, // the same, and its end is seen when it is too long
         list,
+        check,
         button
     };
     static constexpr int name_width = -1; // that of the longest name
@@ -36,25 +38,24 @@ struct panel_field
 
     kind what = kind::text;
     int id = 0;                 // a name has none
-    std::string_view text = {}; // of a name or button, with its mnemonic; outlives the panel
+    std::string_view text = {}; // of a name, check box or button, with its mnemonic; outlives the panel
     int width = rest;           // at 96 dots per inch
     int share = 1;
 };
 
-class field_panel : public window
+class field_panel : public window, public column_part
 {
 public:
     using field_rows = std::vector<std::vector<panel_field>>;
 
-    // acted is told the number of a list with a new choice, and of a pressed button.
+    // acted is told the number of a list with a new choice, of a check box and of a pressed button.
     field_panel(std::string_view caption, field_rows rows, std::function<void(int id)> acted = {});
     ~field_panel() override { destroy(); }
 
     [[nodiscard]] bool createIn(HWND parent, failure& why);
-    void setFont(const font& used); // of all its controls; the font must outlive the panel or the next call
-    int preferredHeight() const;    // pixels
-    void place(int x, int y, int width, int height);
-    void showUpTo(int height); // pixels from its upper edge; what lies below is not drawn
+    void setFont(const font& used) override;
+    int preferredHeight() const override;
+    void place(int x, int y, int width, int height) override;
 
     // The fields of the table, by number.
     void setText(int id, std::string_view text);
@@ -62,6 +63,7 @@ public:
     void setEnabled(int id, bool is_enabled) { at(id).setEnabled(is_enabled); }
     void setColour(int id, const std::optional<rgb_colour>& colour); // of the background; nothing: the system's
     combo_box& list(int id) const;
+    check_box& check(int id) const;
 
 protected:
     bool onCreated() override;
@@ -93,7 +95,6 @@ private:
     std::map<int, control*> m_by_id;
     std::map<int, edit_box*> m_paths;
     std::map<HWND, field_colour> m_colours;
-    bool m_is_cut = false; // by showUpTo()
 };
 
 } // namespace korvane

@@ -38,14 +38,18 @@ field_panel::field_rows fileRows()
     return {{firstName("File &Path: "),
              {kind::path, control_file_path},
              {kind::button, control_open_folder, "Open Fol&der", short_width}},
-            {firstName("Forma&t Version: "), text(control_file_version)},
-            {firstName("Used &in: "), text(control_file_game)},
+            {firstName("Format Version: "), text(control_file_version)},
+            {firstName("Used in: "), text(control_file_game)},
             {firstName("S&keleton Id String:"), text(control_file_skeleton)}};
 }
 
 field_panel::field_rows choiceRows()
 {
-    return {{firstName("&LOD:"), list(control_lod), name("&Group:", 50), list(control_group)}};
+    return {{firstName("&LOD:"),
+             list(control_lod),
+             name("&Group:", 50),
+             list(control_group),
+             {kind::check, control_fill_all_lods, "F&ill all LODs in GROUP", 160}}};
 }
 
 field_panel::field_rows groupRows()
@@ -92,15 +96,15 @@ information_panels::information_panels(const std::function<void(int id)>& acted)
     : m_file("File Info: ", fileRows(), acted)
     , m_choice("Select LOD/Group", choiceRows(), acted)
     , m_group("Group Info:", groupRows())
-    , m_tool("Group Tool:", toolRows())
+    , m_tool("Group Tool:", toolRows(), acted)
     , m_textures("Textures:", textureRows())
-    , m_all{&m_file, &m_choice, &m_group, &m_tool, &m_textures}
+    , m_panels{&m_file, &m_choice, &m_group, &m_tool, &m_textures}
 {
 }
 
 bool information_panels::createIn(HWND parent, failure& why)
 {
-    for (field_panel* const panel : m_all)
+    for (field_panel* const panel : m_panels)
         if (!panel->createIn(parent, why))
             return false;
     return true;
@@ -172,7 +176,7 @@ void information_panels::showGroup(const group_data* group, model_selection sele
          group != nullptr ? std::vector{tool.material_flags} : std::vector<std::string>(), 0);
     combo_box& modes = m_tool.list(control_tool_alpha_mode);
     modes.clear();
-    modes.setEnabled(false); // shown, not edited
+    modes.setEnabled(group != nullptr);
     if (group == nullptr)
         return;
     for (const alpha_mode_entry& entry : alphaModes())

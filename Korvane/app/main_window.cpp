@@ -3,14 +3,15 @@
 #include "EASY_GUI/services/config_keys.h"
 #include "EASY_GUI/services/text.h"
 #include "EASY_GUI/services/version.h"
+#include "EASY_GUI/win32/modal_work.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/resources.h"
-#include "Korvane/document/command_table.h"
 #include "Korvane/document/kept_edits.h"
 #include "Korvane/document/recent_files.h"
+#include "Korvane/fbx/scene/fbx_model_import.h"
+#include "Korvane/jobs/operands.h"
 
 #include <algorithm>
-#include <shellapi.h>
 #include <utility>
 
 namespace korvane
@@ -19,31 +20,12 @@ namespace korvane
 namespace
 {
 
-constexpr int margin = 8;          // at 96 dots per inch
-constexpr int default_width = 620; // outer
+constexpr int window_margin = 8;   // at 96 dots per inch
+constexpr int default_width = 780; // outer
+constexpr int status_widths[] = {0, 330};
 constexpr UINT_PTR look_timer = 1;
 constexpr UINT look_pause = 500; // milliseconds
-
-shortcut acceleratorOf(const key_shortcut& keys, int command)
-{
-    if (keys.function_key > 0)
-        return {0, static_cast<WORD>(VK_F1 + keys.function_key - 1), static_cast<WORD>(command)};
-    return {static_cast<BYTE>(FCONTROL | (keys.with_shift ? FSHIFT : 0)), static_cast<WORD>(keys.key),
-            static_cast<WORD>(command)};
-}
-
-// While large files are read.
-class wait_cursor
-{
-public:
-    wait_cursor() : m_former(SetCursor(LoadCursorW(nullptr, IDC_WAIT))) {}
-    wait_cursor(const wait_cursor&) = delete;
-    wait_cursor& operator=(const wait_cursor&) = delete;
-    ~wait_cursor() { SetCursor(m_former); }
-
-private:
-    HCURSOR m_former;
-};
+constexpr std::string_view default_skeleton = "animations\\skeletons\\humanoid01.anim";
 
 } // namespace
 
@@ -51,13 +33,36 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
     : m_ports(std::move(ports))
     , m_command_line(std::move(command_line))
     , m_files(std::move(files))
+    , m_config(m_ports.config, m_ports.config_path,
+               {[this](const failure& why) { setStatus("Settings are not kept: " + describe(why)); },
+                [this](const failure& why) {
+                    logLine("main_window::saveConfig(). config.cfg could not be written: " + describe(why));
+                }})
     , m_commands(m_document, m_ports.prompt)
-    , m_display(*this, m_document, m_ports.make_view, logPort())
-    , m_panels([this](int control) { actOn(control); })
-    , m_content(*this, m_panels.all(), m_status, m_show_view)
-    , m_recent(nullptr)
+    , m_display(*this, m_document, m_thread, m_ports.make_view,
+                {logPort(), [this] { showCounts(); }, [this](const std::string& text) { setStatus(text); }})
+    , m_model_page(*this, m_ports.open_folder)
+    , m_pages{&m_model_page}
 {
     m_document.model().setKeeper(m_ports.keeper);
+    nameActions();
+}
+
+void main_window::nameActions()
+{
+    using command = document_command;
+    m_actions = {
+        {command::open, [this] { chooseFile(); }},
+        {command::open_definition, [this] { chooseDefinition(); }},
+        {command::save, [this] { took(m_commands.save()); }},
+        {command::save_as, [this] { took(m_commands.saveAs()); }},
+        {command::patch, [this] { took(m_commands.patch()); }},
+        {command::reset, [this] { took(m_commands.reset()); }},
+        {command::reread_archives, [this] { rereadArchives(); }},
+        {command::exit, [this] { SendMessageW(handle(), WM_CLOSE, 0, 0); }},
+        {command::about, [this] { showAbout(); }},
+        {command::show_view, [this] { showView(scene_display::focus::moves); }},
+    };
 }
 
 bool main_window::open(failure& why)
@@ -65,14 +70,16 @@ bool main_window::open(failure& why)
     const RECT area = workArea(nullptr);
     window_settings settings;
     settings.title = m_document.title();
-    settings.style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN | WS_VSCROLL;
+    settings.style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN;
     settings.extended_style = WS_EX_ACCEPTFILES | WS_EX_CONTROLPARENT;
-    settings.x = area.left + scaled(margin);
-    settings.y = area.top + scaled(margin);
+    settings.x = area.left + scaled(window_margin);
+    settings.y = area.top + scaled(window_margin);
     settings.width = std::min(scaled(default_width), static_cast<int>(area.right) - settings.x);
-    settings.height = area.bottom - settings.y - scaled(margin); // until the panels say what they need
+    settings.height = area.bottom - settings.y - scaled(window_margin); // until the pages say what they need
     settings.icon = resource_program_icon;
     m_start_failure = {};
+    if (!m_thread.open(why))
+        return false;
     if (create(settings, why))
         return true;
     if (m_start_failure)
@@ -87,41 +94,79 @@ bool main_window::onCreated()
         m_ports.set_prompt_owner(handle());
     if (!m_ports.log_name.empty())
         m_ports.log.open(m_ports.log_name);
-    m_config_stamp = stampOf(configPath());
-    takeGame(game_loader(m_ports.config, m_ports.config_path).load({{}, {}, logPort()}));
+    const bool has_game = loadGame(true);
+    loadDefaultSkeleton();
     showFirstRunNotice();
 
-    log("assigning accelerators ");
-    if (!createPanels())
+    logLine("assigning accelerators ");
+    if (!createContent())
     {
-        log("main_window::onCreated(). " + describe(m_start_failure));
+        logLine("main_window::onCreated(). " + describe(m_start_failure));
         return false;
     }
-    buildMenus();
+    m_menu.createFor(handle());
     fillRecentFiles();
-    m_content.applyFont();
-    m_content.fitHeight();
+    applyFont();
+    fitHeight();
     showDocument();
+    showPage(0);
     show();
     UpdateWindow(handle());
+    if (!has_game)
+        setStatus("The archives were not read: File, Re-read .pack files... reads them.");
 
-    log("main_window::onCreated(). command line " + m_command_line);
+    logLine("main_window::onCreated(). command line " + m_command_line);
     for (const std::string& file : m_files)
-        log("main_window::onCreated(). command line processed: " + file);
+        logLine("main_window::onCreated(). command line processed: " + file);
     openFiles(m_files);
-    if (m_document.model().hasModel())
-        focusWhenActive(m_panels.lodList());
     if (offerKeptEdits(m_ports.keeper.folder(), m_document, m_ports.prompt, logPort()))
     {
         showDocument();
         showView(scene_display::focus::stays);
     }
+    if (const HWND first = shownPage().firstControl(); first != nullptr)
+        focusWhenActive(first);
     SetTimer(handle(), look_timer, look_pause, nullptr); // goes with the window
     return true;
 }
 
+bool main_window::createContent()
+{
+    const auto refuse = [this](const char* what) {
+        return fail(m_start_failure, failure_kind::refused,
+                    std::string(what) + " could not be created (error " + std::to_string(GetLastError()) + ")");
+    };
+    if (!m_tabs.create(handle(), control_tabs))
+        return refuse("the tabs");
+    if (!m_show_view.create(handle(), control_show_view, "Show &3D View"))
+        return refuse("a button");
+    for (page* const each : m_pages)
+        if (!each->createIn(handle(), m_start_failure))
+            return false;
+    if (!m_status.create(handle(), control_status, status_widths))
+        return refuse("the status line");
+    m_tabs.add("Model");
+    m_tabs.onSelect = [this](int chosen) { showPage(static_cast<std::size_t>(chosen)); };
+    m_show_view.onClick = [this] { runCommand(document_command::show_view); };
+    return true;
+}
+
+void main_window::showFirstRunNotice()
+{
+    if (!m_config.get(config_keys::first_time).empty())
+        return;
+    m_ports.prompt.show("Important!",
+                        "Rmember to the setup the \\data\\ folders or your game in the Menu 'Tools'->'Setup Game "
+                        "Folders'.\n\rIf folders are not set animation/skeleton export and animation playback is "
+                        "disabled",
+                        prompt_icon::error);
+    m_config.change([](config_file& config) { return config.add(config_keys::first_time, {"no"}, false); });
+}
+
 void main_window::onClose()
 {
+    if (isBusy())
+        return;
     if (m_commands.mayDiscardEdits())
         destroy();
 }
@@ -134,99 +179,66 @@ void main_window::onDestroyed()
     PostQuitMessage(0);
 }
 
-void main_window::showFirstRunNotice()
+void main_window::applyFont()
 {
-    if (!m_ports.config.get(config_keys::first_time).empty())
+    auto fresh = std::make_unique<font>(dpi(), font::weight::regular);
+    m_tabs.setFont(*fresh);
+    m_show_view.setFont(*fresh);
+    m_status.setFont(*fresh);
+    for (page* const each : m_pages)
+        each->setFont(*fresh);
+    m_po_font = std::move(fresh); // the old one goes only now that no control uses it
+    layOut();
+}
+
+void main_window::layOut()
+{
+    if (m_po_font == nullptr)
         return;
-    m_ports.prompt.show("Important!",
-                        "Rmember to the setup the \\data\\ folders or your game in the Menu 'Tools'->'Setup Game "
-                        "Folders'.\n\rIf folders are not set animation/skeleton export and animation playback is "
-                        "disabled",
-                        prompt_icon::error);
-    changeConfig([](config_file& config) { return config.add(config_keys::first_time, {"no"}, false); });
+    const RECT client = clientRectangle();
+    const int button_width = m_po_font->widthOf(m_show_view.text()) + scaled(28);
+    const int button_height = m_po_font->height() + scaled(11);
+    const int gap = scaled(window_margin) / 2;
+    const int tabs_width = client.right - button_width - 3 * scaled(window_margin);
+    m_tabs.place(scaled(window_margin), gap, tabs_width, 2 * button_height);
+    const int captions = m_tabs.displayRectangle().top - gap - scaled(3); // and the line below them, no frame
+    m_tabs.place(scaled(window_margin), gap, tabs_width, captions);
+    const LONG top = std::max(captions, button_height) + 2 * gap;
+    m_show_view.place(client.right - button_width - scaled(window_margin), (top - button_height) / 2, button_width,
+                      button_height);
+    const int status_height = m_status.preferredHeight();
+    m_status.place(0, client.bottom - status_height, client.right, status_height);
+    for (page* const each : m_pages)
+        each->place({0, top, client.right, std::max<LONG>(top, client.bottom - status_height)});
 }
 
-bool main_window::createPanels()
+// Lower when the pages leave room at their end.
+void main_window::fitHeight()
 {
-    if (!m_panels.createIn(handle(), m_start_failure))
-        return false;
-    return (m_status.create(handle(), control_status) &&
-            m_show_view.create(handle(), control_show_view, "Show &3D View")) ||
-           fail(m_start_failure, failure_kind::refused,
-                "the lower edge could not be created (error " + std::to_string(GetLastError()) + ")");
+    RECT own{}, shown{};
+    GetWindowRect(handle(), &own);
+    GetClientRect(m_model_page.handle(), &shown);
+    const int spare = shown.bottom - m_model_page.preferredHeight();
+    if (spare > 0)
+        SetWindowPos(handle(), nullptr, 0, 0, own.right - own.left, own.bottom - own.top - spare,
+                     SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void main_window::buildMenus()
+void main_window::showPage(std::size_t chosen)
 {
-    menu bar = menu::makeBar();
-    menu open_menu(nullptr);
-    menu open_submenu(nullptr);
-    std::string_view open_name;
-    std::string_view open_submenu_name;
-    std::vector<shortcut> shortcuts;
-    for (const command_row& row : commandTable())
-    {
-        if (row.menu.empty())
-            continue;
-        if (row.menu != open_name)
-        {
-            open_menu = menu::makePopup();
-            open_name = row.menu;
-            bar.addSubmenu(open_menu, row.menu);
-        }
-        if (row.starts_section)
-            open_menu.addSeparator();
-        if (row.command == document_command::open_recent)
-        {
-            m_recent = menu::makePopup();
-            open_menu.addSubmenu(m_recent, row.text);
-            continue;
-        }
-        if (row.submenu != open_submenu_name && !row.submenu.empty())
-        {
-            open_submenu = menu::makePopup();
-            open_menu.addSubmenu(open_submenu, row.submenu);
-        }
-        open_submenu_name = row.submenu;
-        (row.submenu.empty() ? open_menu : open_submenu).addItem(numberOf(row.command), row.text);
-        if (const auto keys = shortcutOf(row.text))
-            shortcuts.push_back(acceleratorOf(*keys, numberOf(row.command)));
-    }
-    SetMenu(handle(), bar.handle());
-    for (std::size_t i = 0; i < max_recent_files; ++i)
-        if (const auto keys = shortcutOf(recentFileLabel(i, "")))
-            shortcuts.push_back(acceleratorOf(*keys, recent_file_first + static_cast<int>(i)));
-    m_accelerators = makeAccelerators(shortcuts);
-}
-
-void main_window::fillRecentFiles()
-{
-    m_recent_files = recentFiles(m_ports.config);
-    m_recent.clear();
-    for (std::size_t i = 0; i < m_recent_files.size(); ++i)
-        m_recent.addItem(recent_file_first + static_cast<int>(i), recentFileLabel(i, m_recent_files[i]));
-    if (m_recent_files.empty())
-    {
-        m_recent.addItem(recent_file_first, "(none yet)");
-        EnableMenuItem(m_recent.handle(), 0, MF_BYPOSITION | MF_GRAYED);
-    }
+    const bool had_focus = IsChild(shownPage().handle(), GetFocus()) != 0;
+    m_shown_page = chosen;
+    m_tabs.select(static_cast<int>(chosen));
+    for (std::size_t i = 0; i < m_pages.size(); ++i)
+        ShowWindow(m_pages[i]->handle(), i == chosen ? SW_SHOW : SW_HIDE);
+    if (had_focus)
+        SetFocus(shownPage().firstControl() != nullptr ? shownPage().firstControl() : m_tabs.handle());
 }
 
 void main_window::onSize(int, int, size_change change)
 {
-    if (change != size_change::minimised && m_panels.areOpen())
-        m_content.layOut();
-}
-
-void main_window::onVerticalScroll(int request)
-{
-    m_content.scroll(request);
-}
-
-bool main_window::onMouseWheel(int delta, const mouse_event&)
-{
-    m_content.scrollByWheel(delta);
-    return true;
+    if (change != size_change::minimised)
+        layOut();
 }
 
 void main_window::onMinimumSize(SIZE& outer)
@@ -237,18 +249,12 @@ void main_window::onMinimumSize(SIZE& outer)
 
 void main_window::onDpiChanged(unsigned)
 {
-    m_content.applyFont();
+    applyFont();
 }
 
 bool main_window::takesShortcutsOf(HWND top) const
 {
     return window::takesShortcutsOf(top) || (view() != nullptr && top == view()->handle());
-}
-
-void main_window::onControlFocused(HWND control)
-{
-    window::onControlFocused(control);
-    m_content.scrollInto(control);
 }
 
 LRESULT main_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
@@ -258,65 +264,79 @@ LRESULT main_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
         std::string where;
         failure why;
         if (m_ports.keeper.keep(where, why) == edit_keeper::outcome::failed)
-            log("main_window: the changes that were not saved could not be kept: " + describe(why));
+            logLine("main_window: the changes that were not saved could not be kept: " + describe(why));
     }
-    if (message == WM_ACTIVATEAPP && wparam != FALSE && m_recent.handle() != nullptr)
+    const bool is_activated = message == WM_ACTIVATEAPP && wparam != FALSE;
+    if (is_activated && m_po_font != nullptr && !isBusy())
         takeUpConfig();
-    if ((message == WM_TIMER && wparam == look_timer) || (message == WM_ACTIVATEAPP && wparam != FALSE))
+    if ((message == WM_TIMER && wparam == look_timer) || is_activated)
         followFiles();
+    if (message == WM_INITMENUPOPUP)
+        m_menu.enable([this](document_command command) { return isEnabled(command); });
     return window::handleMessage(message, wparam, lparam);
 }
 
-bool main_window::onCommand(int id, int notification, HWND control)
+bool main_window::isEnabled(document_command command) const
 {
-    if (control != nullptr) // the panels handle their own
-    {
-        if (id == control_show_view && notification == BN_CLICKED)
-            showView(scene_display::focus::moves);
-        return id == control_show_view;
-    }
+    return m_commands.isEnabled(command, {view() != nullptr, isBusy()});
+}
+
+bool main_window::onCommand(int id, int, HWND control)
+{
+    if (control != nullptr) // controls handle their own
+        return false;
     if (id >= recent_file_first && id < recent_file_first + static_cast<int>(max_recent_files))
-    {
-        openRecent(static_cast<std::size_t>(id - recent_file_first));
-        return true;
-    }
+        return openRecent(static_cast<std::size_t>(id - recent_file_first)), true;
     for (const command_row& row : commandTable())
-        if (numberOf(row.command) == id && m_commands.isEnabled(row.command))
+        if (numberOf(row.command) == id)
             return runCommand(row.command), true;
     return false;
 }
 
 void main_window::runCommand(document_command command)
 {
-    switch (command)
+    const auto found = m_actions.find(command);
+    if (found == m_actions.end() || !isEnabled(command))
+        return;
+    if (rowOf(command).needs_archives)
     {
-    case document_command::open:
-        return chooseFile();
-    case document_command::open_definition:
-        return chooseDefinition();
-    case document_command::reread_archives:
-        return rereadArchives();
-    case document_command::exit:
-        PostMessageW(handle(), WM_CLOSE, 0, 0);
-        return;
-    case document_command::about:
-        return showAbout();
-    default:
-        return;
+        takeUpConfig();
+        if (!m_commands.mayUseArchives(m_config.table()))
+            return runCommand(document_command::game_folders);
     }
+    found->second();
 }
 
-void main_window::actOn(int control)
+void main_window::took(command_outcome outcome)
 {
-    if (control == control_open_folder && m_commands.isEnabled(document_command::open_folder))
-        m_ports.open_folder(m_document.model().file()->path());
-    else if (control == control_lod || control == control_group)
-        select();
+    if (outcome == command_outcome::opened_other)
+        addRecentFile(m_document.model().file()->path());
+    if (outcome == command_outcome::done || outcome == command_outcome::opened_other)
+        showDocument();
+}
+
+bool main_window::work(const std::string& title, const std::function<void(const work_port&)>& work)
+{
+    if (isBusy())
+        return false;
+    struct counted_work
+    {
+        explicit counted_work(int& works) : m_works(works) { ++m_works; }
+        ~counted_work() { --m_works; }
+        int& m_works;
+    };
+    modal_work modal;
+    modal.owner = handle();
+    modal.title = title;
+    modal.log = logPort();
+    const counted_work counted(m_works);
+    return modal.run(work);
 }
 
 void main_window::onFilesDropped(const std::vector<std::string>& paths)
 {
-    openFiles(paths);
+    if (!isBusy())
+        openFiles(paths);
 }
 
 void main_window::chooseFile()
@@ -337,18 +357,29 @@ void main_window::openChosen(const std::vector<file_filter>& filters)
 
 void main_window::openRecent(std::size_t position)
 {
-    if (position >= m_recent_files.size())
+    if (position >= m_menu.recentFiles().size() || isBusy())
         return;
-    const std::string path = m_recent_files[position];
+    const std::string path = m_menu.recentFiles()[position];
     if (isRecentFileThere(path, *m_document.game()))
         openFile(path);
     else if (m_ports.prompt.confirm("Recent Files",
                                     "This file cannot be found any more:\r\n" + path + "\r\n\r\nTake it off the list?",
                                     prompt_answer::yes))
     {
-        changeConfig([&path](config_file& config) { return removeRecentFile(config, path); });
+        m_config.change([&path](config_file& config) { return removeRecentFile(config, path); });
         fillRecentFiles();
     }
+}
+
+void main_window::fillRecentFiles()
+{
+    m_menu.setRecentFiles(recentFiles(m_config.table()));
+}
+
+void main_window::addRecentFile(const std::string& path)
+{
+    m_config.change([&path](config_file& config) { return korvane::addRecentFile(config, path), true; });
+    fillRecentFiles();
 }
 
 void main_window::openFiles(const std::vector<std::string>& paths)
@@ -360,107 +391,185 @@ void main_window::openFiles(const std::vector<std::string>& paths)
         m_ports.prompt.show("Open", choice.describeLeftOut(), prompt_icon::information);
 }
 
+// Nothing is made of it yet: what was read is said, and the view stays.
+bool main_window::importFbx(const std::string& path)
+{
+    fbx_model model;
+    failure why;
+    bool is_read = false;
+    const bool went_on = work("Opening " + std::string(fileName(path)), [&](const work_port&) {
+        memory_file bytes;
+        is_read = m_document.game()->read(game_path(path), bytes, why) && importFbxModel(bytes.bytes(), model, why);
+    });
+    if (!went_on)
+        return false;
+    if (!is_read)
+    {
+        logLine("main_window::importFbx(). " + describe(why));
+        m_ports.prompt.show("Error!", fbxImportError(path), prompt_icon::error);
+        return false;
+    }
+    addRecentFile(path);
+    setStatus(std::string(fileName(path)) + ": " + counted(model.meshes.size(), "mesh", "meshes") + ", " +
+              counted(model.skeletons.size(), "skeleton") + " at the top of the scene. No model was made of it.");
+    return true;
+}
+
 bool main_window::openFile(const std::string& path)
 {
-    if (!isDefinitionPath(path) && !m_commands.mayDiscardEdits())
+    if (!isBusy() && isFbxPath(path))
+        return importFbx(path);
+    if (isBusy() || (!isDefinitionPath(path) && !m_commands.mayDiscardEdits()))
         return false;
-    const wait_cursor waiting;
     failure why;
-    if (!m_document.open(path, why))
+    opened_file file;
+    bool is_read = false;
+    const bool went_on = work("Opening " + std::string(fileName(path)), [&](const work_port&) {
+        is_read = open_files::read(path, *m_document.game(), file, why);
+    });
+    if (!went_on)
+        return setStatus(std::string(fileName(path)) + " was not opened: stopped."), false;
+    if (!is_read)
     {
         const open_error error = describeOpenFailure(path, why, *m_document.game());
-        log("main_window::openFile(). " + describe(why));
+        logLine("main_window::openFile(). " + describe(why));
         m_ports.prompt.show(error.title, error.text, prompt_icon::error);
         return false;
     }
+    m_document.take(std::move(file));
     if (m_document.shown() == open_files::kind::definition)
         logProblems();
-    changeConfig([&path](config_file& config) { return addRecentFile(config, path), true; });
-    fillRecentFiles();
+    addRecentFile(path);
+    setStatus("Opened " + path);
     showDocument();
     showView(scene_display::focus::stays);
     return true;
 }
 
-// Says what there is to say of the loading. Where nothing was loaded, what was there before stays.
-bool main_window::takeGame(const game_load& loaded)
+// Says what there is to say of the loading. Where nothing was loaded, what was there before stays. False when it was
+// stopped.
+bool main_window::loadGame(bool trusts_cache)
 {
+    game_load loaded;
+    const game_loader loader(m_config.table(), m_config.path());
+    const bool went_on = work("Reading the archives of the game", [&](const work_port& port) {
+        loaded = trusts_cache ? loader.load(port) : loader.reload(port);
+    });
+    m_config.noteOwnChange();
+    if (!went_on)
+        return false;
     for (const notice& each : loaded.notices)
     {
         std::string line = each.title + " " + each.text;
         std::erase(line, '\r');
         std::replace(line.begin(), line.end(), '\n', ' ');
-        log(line);
+        logLine(line);
         m_ports.prompt.show(each.title, each.text, prompt_icon::error);
     }
-    if (loaded.game == nullptr)
-        return false;
-    publishGame(*loaded.game);
-    m_document.setGame(loaded.game);
+    if (loaded.game != nullptr)
+    {
+        publishGame(*loaded.game);
+        m_document.setGame(loaded.game);
+    }
     return true;
 }
 
 // The archives themselves say in the log what was read.
 void main_window::rereadArchives()
 {
-    const wait_cursor waiting;
-    takeUpConfig();
-    if (!takeGame(game_loader(m_ports.config, m_ports.config_path).reload({{}, {}, logPort()})))
+    const auto former = m_document.game();
+    if (!loadGame(false) || m_document.game() == former)
         return;
     for (const open_error& error : m_document.reopen())
         m_ports.prompt.show(error.title, error.text, prompt_icon::error);
     logProblems();
+    setStatus("The archives were read again.");
     showDocument();
 }
 
 void main_window::logProblems()
 {
     for (const std::string& problem : m_document.definition().problems())
-        log(m_document.definition().path() + ": " + problem);
+        logLine(m_document.definition().path() + ": " + problem);
 }
 
-void main_window::select()
+void main_window::select(model_selection wanted)
 {
     const int former_lod = m_document.model().selection().lod;
-    m_document.select(m_panels.chosen());
+    m_document.select(wanted);
     showSelection();
     if (m_document.model().selection().lod != former_lod)
         m_display.showLevel();
 }
 
+void main_window::showModelPage(int)
+{
+    showPage(0);
+}
+
 void main_window::showDocument()
 {
     setTitle(m_document.title());
-    m_panels.showFile(m_document.model());
-    m_show_view.setEnabled(m_commands.isEnabled(document_command::show_view));
+    for (page* const each : m_pages)
+        each->showDocument();
+    m_show_view.setEnabled(isEnabled(document_command::show_view));
     m_display.showDocument();
-    showSelection();
+    showCounts();
 }
 
 void main_window::showSelection()
 {
-    m_panels.showSelection(m_document.model());
-    m_status.setText(m_document.status(m_display.drawn()));
+    for (page* const each : m_pages)
+        each->showSelection();
+    showCounts();
+}
+
+void main_window::showCounts()
+{
+    m_status.setPart(1, m_document.status(m_display.drawn()));
+}
+
+void main_window::setStatus(const std::string& text)
+{
+    if (m_status.handle() != nullptr)
+        m_status.setPart(0, text);
 }
 
 void main_window::showView(scene_display::focus wanted)
 {
     failure why;
-    if (!m_commands.isEnabled(document_command::show_view))
+    if (!isEnabled(document_command::show_view))
         return;
     if (!m_display.show(wanted, why))
     {
-        log("main_window::showView(). " + describe(why));
+        logLine("main_window::showView(). " + describe(why));
         m_ports.prompt.show("Error!", "The 3D view could not be opened.\r\n\r\n" + describe(why), prompt_icon::error);
     }
-    m_status.setText(m_document.status(m_display.drawn()));
+    showCounts();
 }
 
 void main_window::followFiles()
 {
+    if (isBusy())
+        return;
     if (const std::string news = m_display.followFiles(); !news.empty())
-        m_status.setText(news);
+        setStatus(news);
 }
+
+void main_window::takeUpConfig()
+{
+    const auto folders = [this] {
+        return std::pair(m_config.get(config_keys::data_folders), m_config.get(config_keys::mod_folders));
+    };
+    const auto former = folders();
+    if (!m_config.takeUp())
+        return;
+    fillRecentFiles();
+    if (folders() != former)
+        setStatus("The data folders were changed: File, Re-read .pack files... takes them up.");
+}
+
+void main_window::loadDefaultSkeleton() {}
 
 void main_window::showAbout()
 {
@@ -474,45 +583,14 @@ void main_window::showAbout()
         prompt_icon::information);
 }
 
-// As the file stands now, with what other programs have written into it meanwhile.
-void main_window::changeConfig(const config_file::change_function& change)
-{
-    failure why;
-    if (!m_ports.config.change(m_ports.config_path, change, why))
-        log("main_window::saveConfig(). config.cfg could not be written: " + describe(why));
-    m_config_stamp = stampOf(configPath());
-}
-
-void main_window::takeUpConfig()
-{
-    const file_stamp now = stampOf(configPath());
-    config_file fresh;
-    if (now == m_config_stamp || !fresh.load(configPath()))
-        return;
-    const auto folders = [](const config_file& config) {
-        return std::pair(config.get(config_keys::data_folders), config.get(config_keys::mod_folders));
-    };
-    const bool has_other_folders = folders(fresh) != folders(m_ports.config);
-    m_ports.config = std::move(fresh);
-    m_config_stamp = now;
-    fillRecentFiles();
-    if (has_other_folders)
-        m_status.setText("The data folders were changed: File, Re-read .pack files... takes them up.");
-}
-
-std::string main_window::configPath() const
-{
-    return m_ports.config_path.empty() ? config_file::defaultPath() : m_ports.config_path;
-}
-
-void main_window::log(const std::string& line)
+void main_window::logLine(const std::string& line)
 {
     m_ports.log.write(line + "\r\n");
 }
 
 log_port main_window::logPort()
 {
-    return [this](const std::string& line) { log(line); };
+    return [this](const std::string& line) { logLine(line); };
 }
 
 } // namespace korvane

@@ -1,22 +1,25 @@
 #pragma once
 
-// The program's top-level window: menus, the information panels, and what happens when a command is given. What is
-// loaded and what is shown of it is the document's business (Korvane/document).
+// The program's top-level window: a menu bar, pages behind tabs, the status line, and what happens when a command is
+// given. What is loaded and what is shown of it is the document's business (Korvane/document); what a page shows is the
+// page's.
 
-#include "EASY_GUI/services/config_file.h"
-#include "EASY_GUI/services/file_stamp.h"
 #include "EASY_GUI/services/log_file.h"
+#include "EASY_GUI/services/shared_config.h"
 #include "EASY_GUI/services/user_prompt.h"
-#include "EASY_GUI/win32/menu.h"
-#include "Korvane/app/information_panels.h"
+#include "EASY_GUI/win32/button.h"
+#include "EASY_GUI/win32/status_bar.h"
+#include "EASY_GUI/win32/tab_view.h"
+#include "Korvane/animation/anim_file.h"
+#include "Korvane/app/main_menu.h"
+#include "Korvane/app/model_page.h"
 #include "Korvane/app/model_view.h"
-#include "Korvane/app/panel_column.h"
+#include "Korvane/app/page.h"
 #include "Korvane/app/scene_display.h"
-#include "Korvane/document/model_commands.h"
-#include "Korvane/document/open_files.h"
 #include "Korvane/game/game_loader.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -38,7 +41,7 @@ struct main_window_ports
     edit_keeper& keeper;                                      // of unsaved edits, and what the last program kept
 };
 
-class main_window : public window
+class main_window : public window, public page_host
 {
 public:
     // The files are those of the command line.
@@ -47,73 +50,100 @@ public:
 
     // Creates and shows the window, runs the start-up sequence and opens the files of the command line.
     [[nodiscard]] bool open(failure& why);
-    HACCEL accelerators() const { return m_accelerators.get(); }
-    const open_files& document() const { return m_document; }
+    HACCEL accelerators() const { return m_menu.accelerators(); }
     const model_view* view() const { return m_display.view(); } // null until a file was opened
-
-    // As if the person had chosen it. False, after a message box, when it cannot be opened, and when unsaved changes
-    // are not to be lost: what was open stays.
-    bool openFile(const std::string& path);
+    const status_bar& statusLine() const { return m_status; }
+    bool isLoading() const { return m_display.isLoading(); } // what the view will show
     bool takesShortcutsOf(HWND top) const override;
+
+    open_files& document() override { return m_document; }
+    model_commands& commands() override { return m_commands; }
+    user_prompt& prompt() override { return m_ports.prompt; }
+    shared_config& config() override { return m_config; }
+    const ui_thread& thread() const override { return m_thread; }
+    HWND frame() const override { return handle(); }
+    // False, after a message box, when it cannot be opened, and when unsaved changes are not to be lost: what was open
+    // stays.
+    bool openFile(const std::string& path) override;
+    void runCommand(document_command command) override;
+    bool isEnabled(document_command command) const override;
+    void took(command_outcome outcome) override;
+    void select(model_selection wanted) override;
+    void showModelPage(int texture_row) override;
+    void setStatus(const std::string& text) override;
+    void logLine(const std::string& line) override;
+    bool work(const std::string& title, const std::function<void(const work_port&)>& work) override;
 
 protected:
     bool onCreated() override;
     void onClose() override;
     void onDestroyed() override;
     void onSize(int width, int height, size_change change) override;
-    void onVerticalScroll(int request) override;
-    bool onMouseWheel(int delta, const mouse_event& event) override;
     bool onCommand(int id, int notification, HWND control) override;
     void onMinimumSize(SIZE& outer) override;
     void onDpiChanged(unsigned dpi) override;
     void onFilesDropped(const std::vector<std::string>& paths) override;
-    void onControlFocused(HWND control) override;
     LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
 
 private:
-    bool createPanels();
-    void buildMenus();
-    void runCommand(document_command command);
-    void actOn(int control);
-    void fillRecentFiles();
+    // Start
+    bool createContent();
+    void nameActions();
     void showFirstRunNotice();
-    void showDocument();
-    void showSelection();
-    void select();
+    void loadDefaultSkeleton();
+
+    // Layout
+    void applyFont();
+    void layOut();
+    void fitHeight();
+    void showPage(std::size_t page);
+    page& shownPage() const { return *m_pages[m_shown_page]; }
+
+    // Files and archives
+    bool isBusy() const { return m_works > 0; }
+    bool importFbx(const std::string& path);
     void chooseFile();
     void chooseDefinition();
     void openChosen(const std::vector<file_filter>& filters);
     void openRecent(std::size_t position);
     void openFiles(const std::vector<std::string>& paths);
-    bool takeGame(const game_load& loaded);
+    void addRecentFile(const std::string& path);
+    void fillRecentFiles();
+    bool loadGame(bool trusts_cache);
     void rereadArchives();
     void logProblems();
-    void showView(scene_display::focus wanted);
     void followFiles();
-    void showAbout();
-    void changeConfig(const config_file::change_function& change);
     void takeUpConfig();
-    std::string configPath() const;
-    void log(const std::string& line);
+
+    // What is shown
+    void showDocument();
+    void showSelection();
+    void showCounts();
+    void showView(scene_display::focus wanted);
+    void showAbout();
     log_port logPort();
 
     main_window_ports m_ports;
     std::string m_command_line;
     std::vector<std::string> m_files; // of the command line
+    shared_config m_config;
+    ui_thread m_thread;
     open_files m_document;
     model_commands m_commands;
-    failure m_start_failure; // why the window could not be filled
+    std::shared_ptr<const anim_data> m_po_default_skeleton; // null: the game has none
+    failure m_start_failure;                                // why the window could not be filled
+    int m_works = 0;                                        // that run, one within the other
     scene_display m_display;
-    file_stamp m_config_stamp; // of the configuration that is known
 
-    information_panels m_panels;
-    label m_status;
+    model_page m_model_page;
+    std::vector<page*> m_pages; // in the order of the tabs
+    std::size_t m_shown_page = 0;
+    std::unique_ptr<font> m_po_font;
+    tab_view m_tabs;
     button m_show_view;
-    panel_column m_content; // lays all of these out
-
-    menu m_recent;
-    std::vector<std::string> m_recent_files;
-    unique_accelerators m_accelerators;
+    status_bar m_status;
+    main_menu m_menu;
+    std::map<document_command, std::function<void()>> m_actions;
 };
 
 } // namespace korvane

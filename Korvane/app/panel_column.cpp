@@ -23,46 +23,19 @@ SCROLLINFO scrollState(HWND window)
 
 } // namespace
 
-void panel_column::applyFont()
+void panel_column::setFont(const font& used)
 {
-    font fresh(m_owner.dpi(), font::weight::regular);
-    for (field_panel* const part : m_panels)
-        part->setFont(fresh);
-    m_status.setFont(fresh);
-    m_last.setFont(fresh);
-    m_font = std::move(fresh); // the old one goes only now that no control uses it
-    for (field_panel* const part : m_panels)
-        part->setFont(m_font);
+    for (column_part* const part : m_parts)
+        part->setFont(used);
     layOut();
-}
-
-int panel_column::barHeight() const
-{
-    return m_font.height() + m_owner.scaled(11);
 }
 
 int panel_column::contentHeight() const
 {
     int height = m_owner.scaled(panel_margin);
-    for (const field_panel* const part : m_panels)
+    for (const column_part* const part : m_parts)
         height += part->preferredHeight() + m_owner.scaled(panel_margin);
     return height;
-}
-
-int panel_column::lowerEdge() const
-{
-    const int bar = barHeight() + m_owner.scaled(panel_margin);
-    return std::max(static_cast<int>(m_owner.clientRectangle().bottom) - bar, 0);
-}
-
-void panel_column::fitHeight()
-{
-    RECT own{};
-    GetWindowRect(m_owner.handle(), &own);
-    const int wanted = contentHeight() + (own.bottom - own.top) - lowerEdge();
-    if (wanted < own.bottom - own.top)
-        SetWindowPos(m_owner.handle(), nullptr, 0, 0, own.right - own.left, wanted,
-                     SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void panel_column::layOut()
@@ -71,23 +44,18 @@ void panel_column::layOut()
     range.cbSize = sizeof(range);
     range.fMask = SIF_RANGE | SIF_PAGE;
     range.nMax = contentHeight() - 1;
-    range.nPage = static_cast<UINT>(lowerEdge());
+    range.nPage = static_cast<UINT>(m_owner.clientRectangle().bottom);
     SetScrollInfo(m_owner.handle(), SB_VERT, &range, TRUE); // hides the bar when everything fits
     const RECT client = m_owner.clientRectangle();
     const int border = m_owner.scaled(panel_margin);
     const int width = client.right - 2 * border;
     int y = border - GetScrollPos(m_owner.handle(), SB_VERT);
-    for (field_panel* const part : m_panels)
+    for (column_part* const part : m_parts)
     {
         const int height = part->preferredHeight();
         part->place(border, y, width, height);
-        part->showUpTo(lowerEdge() - y);
         y += height + border;
     }
-    y = lowerEdge();
-    const int button_width = m_font.widthOf(m_last.text()) + m_owner.scaled(28);
-    m_status.place(border + m_owner.scaled(2), y, width - button_width - border, barHeight());
-    m_last.place(client.right - border - button_width, y, button_width, barHeight());
 }
 
 void panel_column::scroll(int request)
@@ -126,10 +94,8 @@ void panel_column::scrollInto(HWND control)
     GetWindowRect(control, &place);
     MapWindowPoints(nullptr, m_owner.handle(), reinterpret_cast<POINT*>(&place), 2);
     const int border = m_owner.scaled(panel_margin);
-    const LONG below = place.bottom + border - lowerEdge();
+    const LONG below = place.bottom + border - m_owner.clientRectangle().bottom;
     const LONG above = place.top - border;
-    if (control == m_last.handle())
-        return;
     if (above < 0 || below > 0)
         scrollTo(scrollState(m_owner.handle()).nPos + (above < 0 ? above : below));
 }

@@ -1,50 +1,44 @@
 #pragma once
 
-// The content of the main window: panels one below the other over its whole width, and at the lower edge a row with the
-// status line and a button, which is always seen. Panels that do not fit above it are reached with the scroll bar. The
-// window owns the controls and hands its messages on.
+// Panels one below the other over the whole width of a window, which are scrolled when they do not fit. The window owns
+// the panels and hands its messages on.
 
-#include "EASY_GUI/win32/button.h"
-#include "EASY_GUI/win32/label.h"
-#include "Korvane/app/field_panel.h"
+#include "EASY_GUI/win32/font.h"
+#include "EASY_GUI/win32/window.h"
 
+#include <utility>
 #include <vector>
 
 namespace korvane
 {
 
+class column_part
+{
+public:
+    virtual ~column_part() = default;
+    virtual void setFont(const font& used) = 0; // of all its controls; outlives the part or the next call
+    virtual int preferredHeight() const = 0;    // pixels
+    virtual void place(int x, int y, int width, int height) = 0; // in the window
+};
+
 class panel_column
 {
 public:
-    // All of them outlive this.
-    panel_column(window& owner, std::vector<field_panel*> panels, label& status, button& last)
-        : m_owner(owner)
-        , m_panels(std::move(panels))
-        , m_status(status)
-        , m_last(last)
-    {
-    }
+    // All of them outlive this. The window has the style WS_VSCROLL.
+    panel_column(window& owner, std::vector<column_part*> parts) : m_owner(owner), m_parts(std::move(parts)) {}
 
-    // Gives all controls the font for the window's density and lays them out; they exist by then.
-    void applyFont();
-    // Makes the window lower when the content leaves room at its end.
-    void fitHeight();
+    void setFont(const font& used);
     void layOut();
+    int contentHeight() const;
     void scroll(int request); // SB_LINEUP, SB_THUMBTRACK, ...
     void scrollByWheel(int delta);
     void scrollInto(HWND control); // so that it is seen
 
 private:
-    int contentHeight() const;
-    int barHeight() const; // of the last row
-    int lowerEdge() const; // of what the panels may cover
     void scrollTo(int position);
 
     window& m_owner;
-    std::vector<field_panel*> m_panels;
-    label& m_status;
-    button& m_last;
-    font m_font;
+    std::vector<column_part*> m_parts;
 };
 
 } // namespace korvane

@@ -1,5 +1,7 @@
 #include "Korvane/app/scene_display.h"
 
+#include "EASY_GUI/services/text.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <utility>
@@ -29,17 +31,20 @@ std::size_t lodOf(const open_model& model)
 
 } // namespace
 
-scene_display::scene_display(const window& owner, const open_files& document, model_view_factory make_view,
-                             log_port log)
+scene_display::scene_display(const window& owner, const open_files& document, const ui_thread& thread,
+                             model_view_factory make_view, listeners told)
     : m_owner(owner)
     , m_document(document)
     , m_make_view(std::move(make_view))
-    , m_log(std::move(log))
+    , m_told(std::move(told))
+    , m_loading(thread, {[this](const work_progress& now) { showProgress(now); }, m_told.log,
+                         [this](const std::string& what) { tell(m_told.log, "scene_display: " + what); }})
 {
 }
 
 void scene_display::close()
 {
+    m_loading.stop();
     m_po_view.reset();
 }
 
@@ -47,7 +52,7 @@ bool scene_display::show(focus wanted, failure& why)
 {
     if (m_po_view == nullptr)
     {
-        m_po_view = m_make_view(m_log, why);
+        m_po_view = m_make_view(m_told.log, why);
         if (m_po_view == nullptr)
             return false;
         placeView();
@@ -68,39 +73,72 @@ void scene_display::showDocument()
     const open_model& model = m_document.model();
     const open_definition& definition = m_document.definition();
     if (m_document.shown() == open_files::kind::model)
-        setScene(loader().loadModel(model.data(), model.file()->path(), lodOf(model)));
+        start([drawn = sceneModel(model.data(), model.file()->path()), lod = lodOf(model)](scene_loader& loader) {
+            return loader.loadModel(drawn, drawn->path, lod);
+        });
     else if (m_document.shown() == open_files::kind::definition)
-    {
-        const scene_pointer scene = loader().loadFigure(definition.models(), definition.path());
-        m_drawn = drawn_models{scene->failed, scene->triangles};
-        setScene(scene);
-    }
+        start([models = definition.models(), path = definition.path()](scene_loader& loader) {
+            return loader.loadFigure(models, path);
+        });
+    else
+        setScene(std::make_shared<const loaded_scene>());
+}
+
+void scene_display::showEdited()
+{
+    const open_model& model = m_document.model();
+    if (m_po_view == nullptr || m_document.shown() != open_files::kind::model)
+        return;
+    start([drawn = sceneModel(model.data(), model.file()->path()), lod = lodOf(model),
+           former = m_scene](scene_loader& loader) { return loader.loadModel(drawn, drawn->path, lod, -1, former); });
 }
 
 void scene_display::showLevel()
 {
+    if (m_loading.isRunning()) // of the former level, or not even that
+        return showEdited();
     if (m_document.shown() == open_files::kind::model && m_scene)
-        setScene(loader().loadLevel(*m_scene, lodOf(m_document.model())));
+        start([former = m_scene, lod = lodOf(m_document.model())](scene_loader& loader) {
+            return loader.loadLevel(*former, lod);
+        });
+}
+
+void scene_display::start(load work)
+{
+    m_loading.start([this, game = m_document.game(), work = std::move(work)](const work_port& port) {
+        scene_loader loader(*game, port);
+        return background_task::answer([this, scene = work(loader)] { take(scene); });
+    });
+}
+
+void scene_display::take(scene_pointer scene)
+{
+    if (!scene || m_po_view == nullptr)
+        return;
+    m_drawn = std::nullopt;
+    if (m_document.shown() == open_files::kind::definition)
+        m_drawn = drawn_models{scene->failed, scene->triangles};
+    setScene(std::move(scene));
+    m_told.changed();
+}
+
+void scene_display::showProgress(const work_progress& now)
+{
+    if (now.total > 1)
+        m_told.progress("Loading model " + grouped(now.done + 1) + " of " + grouped(now.total) + ": " + now.what);
 }
 
 // The model itself is never read again unasked: it may be edited, and the selection would be lost.
 std::string scene_display::followFiles()
 {
-    if (!m_scene || m_po_view == nullptr || !m_po_view->isVisible())
+    if (!m_scene || m_po_view == nullptr || m_loading.isRunning() || !m_po_view->isVisible())
         return {};
     const scene_changes changes = m_watch.look();
     for (const std::string& line : changes.lines)
-        tell(m_log, line);
+        tell(m_told.log, line);
     if (!changes.textures.empty())
-        setScene(loader().exchangeTextures(*m_scene, changes.textures));
+        setScene(scene_loader(*m_document.game()).exchangeTextures(*m_scene, changes.textures));
     return changes.empty() ? std::string() : changes.summary() + " (" + timeOfDay() + ")";
-}
-
-scene_loader scene_display::loader() const
-{
-    work_port work;
-    work.log = m_log;
-    return scene_loader(*m_document.game(), std::move(work));
 }
 
 void scene_display::setScene(scene_pointer scene)

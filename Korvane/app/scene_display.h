@@ -2,9 +2,11 @@
 
 // What the three-dimensional view shows of the document. The view is made when it is needed first, and placed beside
 // the main window; it gets a scene whenever something else is to be seen, and a text where there is nothing to draw.
-// Files of the scene that other programs change are followed. Window thread.
+// Scenes are loaded by a worker: until one is there the view keeps what it shows. Files of the scene that other
+// programs change are followed. Window thread.
 
 #include "EASY_GUI/services/log_port.h"
+#include "EASY_GUI/win32/background_task.h"
 #include "EASY_GUI/win32/window.h"
 #include "Korvane/app/model_view.h"
 #include "Korvane/document/open_files.h"
@@ -21,8 +23,15 @@ namespace korvane
 class scene_display
 {
 public:
-    // The main window and the document outlive it. The log takes lines of the view, too.
-    scene_display(const window& owner, const open_files& document, model_view_factory make_view, log_port log);
+    struct listeners
+    {
+        log_port log;                                          // lines of the view, too
+        std::function<void()> changed;                         // another scene is shown: drawn() has changed
+        std::function<void(const std::string& text)> progress; // of a scene that takes long; for a status line
+    };
+    // The main window, the document and the thread outlive it.
+    scene_display(const window& owner, const open_files& document, const ui_thread& thread,
+                  model_view_factory make_view, listeners told);
 
     const model_view* view() const { return m_po_view.get(); } // null until it was shown first
     // What the view made of the definition; nothing while it has not shown it.
@@ -40,24 +49,30 @@ public:
 
     // These do nothing while there is no view.
     void showDocument(); // anew: the files are read
+    void showEdited();   // the open model with other textures or alpha modes, if the view shows that
     void showLevel();    // another level of detail of the open model, if the view shows that
+    bool isLoading() const { return m_loading.isRunning(); }
     // Has changed textures read again. A text for the status line; empty: nothing has changed.
     std::string followFiles();
 
 private:
+    using load = std::function<scene_pointer(scene_loader& loader)>; // on the worker
+    void start(load work);
+    void take(scene_pointer scene);
     void setScene(scene_pointer scene);
-    scene_loader loader() const;
+    void showProgress(const work_progress& now);
     void placeView() const;
     bool coversOwner() const;
 
     const window& m_owner;
     const open_files& m_document;
     model_view_factory m_make_view;
-    log_port m_log;
+    listeners m_told;
     std::optional<drawn_models> m_drawn;
     scene_pointer m_scene; // what the view shows; null: it was given nothing yet
     scene_watch m_watch;   // of its files
     std::unique_ptr<model_view> m_po_view;
+    background_task m_loading; // the last member: its work ends first
 };
 
 } // namespace korvane

@@ -32,6 +32,11 @@ open_error describeOpenFailure(const std::string& path, const failure& why, cons
     return {"Error!", std::move(text)};
 }
 
+bool isFbxPath(const std::string& path)
+{
+    return endsWithIgnoringCase(path, ".fbx");
+}
+
 std::string file_choice::describeLeftOut() const
 {
     std::string text = "One model and one definition can be open at a time. Not opened:";

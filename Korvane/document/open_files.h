@@ -36,6 +36,9 @@ struct file_choice
 };
 [[nodiscard]] file_choice chooseFiles(const std::vector<std::string>& paths);
 
+// True when a file goes to the FBX import: by the ending of its path, in any case.
+[[nodiscard]] bool isFbxPath(const std::string& path);
+
 // A file that was read and is not open yet.
 struct opened_file
 {

@@ -37,15 +37,15 @@ TEST_F(main_window_test, aDefinitionOfTheCommandLineIsShownBesideAModel)
 {
     writeArchive({{"men\\body.rigid_model_v2", soldier().bytes()}});
     openWindow(write("guard.VARIANTMESHDEFINITION", std::string(guard_definition)));
-    EXPECT_EQ(text(control_status), "guard: 2 models, 2 triangles; 1 could not be opened (see log.txt)");
+    EXPECT_EQ(counts(), "guard: 2 models, 2 triangles; 1 could not be opened (see log.txt)");
     EXPECT_EQ(text(control_file_path), "...");
     EXPECT_TRUE(IsWindowEnabled(find(control_show_view)));
     ASSERT_EQ(m_view.definitions.size(), 1u);
     EXPECT_EQ(m_view.shown, 1);
 
-    EXPECT_TRUE(m_window->openFile(write("soldier.rigid_model_v2", soldier())));
+    EXPECT_TRUE(openFile(write("soldier.rigid_model_v2", soldier())));
     EXPECT_EQ(m_window->title(), m_window->document().title());
-    EXPECT_EQ(text(control_status), "2 LODs; LOD 1: 2 groups, 6 vertices, 2 triangles");
+    EXPECT_EQ(counts(), "2 LODs; LOD 1: 2 groups, 6 vertices, 2 triangles");
     ASSERT_EQ(m_view.models.size(), 1u);
 
     pressWithControl('2'); // the definition again
@@ -53,7 +53,7 @@ TEST_F(main_window_test, aDefinitionOfTheCommandLineIsShownBesideAModel)
     choose(control_lod, 1); // of the model in the panels; the view keeps showing the definition
     EXPECT_EQ(text(control_tool_caption), "L(1) G(0)");
     EXPECT_EQ(m_view.models.size(), 1u);
-    EXPECT_EQ(text(control_status), "guard: 2 models, 2 triangles; 1 could not be opened (see log.txt)");
+    EXPECT_EQ(counts(), "guard: 2 models, 2 triangles; 1 could not be opened (see log.txt)");
 }
 
 TEST_F(main_window_test, reReadingReplacesTheArchivesAndWhatIsShownOfThem)
@@ -64,10 +64,10 @@ TEST_F(main_window_test, reReadingReplacesTheArchivesAndWhatIsShownOfThem)
                   {"men\\body.rigid_model_v2", soldier().bytes()}});
     choose(document_command::reread_archives);
     EXPECT_NE(logText().find("[PACK FILE] 0 : "), std::string::npos);
-    EXPECT_TRUE(m_window->openFile("pack:men/soldier.rigid_model_v2"));
+    EXPECT_TRUE(openFile("pack:men/soldier.rigid_model_v2"));
     EXPECT_FALSE(IsWindowEnabled(find(control_open_folder))) << "no folder holds it";
-    EXPECT_TRUE(m_window->openFile("pack:men/guard.variantmeshdefinition"));
-    EXPECT_EQ(text(control_status), "guard: 2 models, 2 triangles; 1 could not be opened (see log.txt)");
+    EXPECT_TRUE(openFile("pack:men/guard.variantmeshdefinition"));
+    EXPECT_EQ(counts(), "guard: 2 models, 2 triangles; 1 could not be opened (see log.txt)");
 
     test_model other = soldier();
     other.lods = {{grass()}};
@@ -76,7 +76,7 @@ TEST_F(main_window_test, reReadingReplacesTheArchivesAndWhatIsShownOfThem)
                   {"men\\new.rigid_model_v2", soldier().bytes()}});
     choose(document_command::reread_archives);
     EXPECT_EQ(m_view.definitions.back(), std::vector<std::string>{"men\\new.rigid_model_v2"});
-    EXPECT_EQ(text(control_status), "guard: 1 model, 2 triangles");
+    EXPECT_EQ(counts(), "guard: 1 model, 2 triangles");
     EXPECT_EQ(text(control_group_name), "grass");
     EXPECT_FALSE(pack_file::sm_poPathTree->find("men/body.rigid_model_v2")) << "what is gone is gone";
     EXPECT_TRUE(m_prompt.shown.empty());

@@ -144,6 +144,7 @@ protected:
     void choose(document_command command)
     {
         SendMessageW(m_window->handle(), WM_COMMAND, static_cast<WPARAM>(numberOf(command)), 0);
+        pump();
     }
     void openWindow(const std::string& file = {})
     {
@@ -175,7 +176,22 @@ protected:
         return std::make_unique<recording_view>(m_view);
     }
 
-    void pump() // everything that waits, and what it causes
+    bool openFile(const std::string& path)
+    {
+        const bool is_open = m_window->openFile(path);
+        pump();
+        return is_open;
+    }
+    void pump() // everything that waits, and what it causes, until the view has what it is to show
+    {
+        dispatchWaiting();
+        while (m_window->isLoading())
+        {
+            MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
+            dispatchWaiting();
+        }
+    }
+    void dispatchWaiting()
     {
         MSG message{};
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
@@ -256,7 +272,10 @@ protected:
         SendMessageW(list, CB_SETCURSEL, static_cast<WPARAM>(position), 0);
         SendMessageW(GetParent(list), WM_COMMAND, static_cast<WPARAM>(MAKELONG(id, CBN_SELCHANGE)),
                      reinterpret_cast<LPARAM>(list));
+        pump();
     }
+    std::string happened() const { return m_window->statusLine().part(0); }
+    std::string counts() const { return m_window->statusLine().part(1); }
     void drop(const std::string& file)
     {
         const std::wstring path = toWide(file);

@@ -1,0 +1,127 @@
+#include "Korvane/app/model_page.h"
+
+#include "Korvane/app/command_ids.h"
+
+#include <utility>
+
+namespace korvane
+{
+
+model_page::model_page(page_host& host, std::function<void(const std::string& path)> open_folder)
+    : page(host)
+    , m_open_folder(std::move(open_folder))
+    , m_panels([this](int control) { actOn(control); })
+    , m_column(*this, m_panels.all())
+{
+}
+
+bool model_page::onCreated()
+{
+    return m_panels.createIn(handle(), m_start_failure) && m_empty.createIn(handle(), m_start_failure);
+}
+
+void model_page::setFont(const font& used)
+{
+    m_column.setFont(used);
+    m_empty.setFont(used);
+}
+
+void model_page::onSize(int, int, size_change change)
+{
+    if (change == size_change::minimised || !m_panels.areOpen())
+        return;
+    if (host().document().model().hasModel())
+        m_column.layOut();
+    else if (m_empty.isOpen())
+        m_empty.showOver(true);
+}
+
+void model_page::onVerticalScroll(int request)
+{
+    m_column.scroll(request);
+}
+
+bool model_page::onMouseWheel(int delta, const mouse_event&)
+{
+    m_column.scrollByWheel(delta);
+    return true;
+}
+
+void model_page::onControlFocused(HWND control)
+{
+    m_column.scrollInto(control);
+}
+
+HWND model_page::firstControl() const
+{
+    return host().document().model().hasModel() ? m_panels.lodList() : m_empty.firstControl();
+}
+
+empty_content model_page::emptyContent() const
+{
+    const auto run = [this](document_command command) { return [this, command] { host().runCommand(command); }; };
+    empty_content content;
+    content.heading = "No model is open";
+    if (host().document().definition().hasDefinition())
+        content.lines = {"A definition is open: choose one of its models on the page Definition to see it here."};
+    else
+        content.lines = {"Open a model (.rigid_model_v2) or a definition (.variantmeshdefinition),",
+                         "or drop one on this window."};
+    content.choices = {{"&Open...", run(document_command::open)}};
+    if (!host().document().game()->hasArchives())
+    {
+        content.lines.emplace_back();
+        content.lines.emplace_back("With the game's folders set up, its textures and units are found, too.");
+        content.choices.push_back({"&Setup Game Folders...", run(document_command::game_folders)});
+    }
+    return content;
+}
+
+void model_page::showDocument()
+{
+    const bool is_empty = !host().document().model().hasModel();
+    if (is_empty)
+        m_empty.setContent(emptyContent());
+    // What is to be seen comes first: the focus needs a place to go.
+    if (is_empty)
+        m_empty.showOver(true);
+    for (field_panel* const panel : m_panels.panels())
+        ShowWindow(panel->handle(), is_empty ? SW_HIDE : SW_SHOWNA);
+    if (is_empty)
+        ShowScrollBar(handle(), SB_VERT, FALSE);
+    else
+        m_column.layOut();
+    m_panels.showFile(host().document().model());
+    showSelection();
+    if (!is_empty && IsChild(m_empty.handle(), GetFocus()))
+        SetFocus(m_panels.lodList());
+    if (!is_empty)
+        m_empty.showOver(false);
+}
+
+void model_page::showSelection()
+{
+    m_panels.showSelection(host().document().model());
+}
+
+void model_page::actOn(int control)
+{
+    switch (control)
+    {
+    case control_open_folder:
+        if (host().isEnabled(document_command::open_folder))
+            m_open_folder(host().document().model().file()->path());
+        return;
+    case control_lod:
+    case control_group:
+        return host().select(m_panels.chosen());
+    case control_fill_all_lods:
+        return host().document().model().setFillsAllLods(m_panels.fillsAllLods());
+    case control_tool_alpha_mode:
+        return host().took(host().commands().chooseAlphaMode(m_panels.chosenAlphaMode()));
+    default:
+        return;
+    }
+}
+
+} // namespace korvane

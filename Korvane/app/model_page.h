@@ -1,0 +1,47 @@
+#pragma once
+
+// The page "Model": the panels of the open model, from its file down to the textures of the chosen group.
+
+#include "Korvane/app/empty_state.h"
+#include "Korvane/app/information_panels.h"
+#include "Korvane/app/page.h"
+#include "Korvane/app/panel_column.h"
+
+#include <functional>
+#include <string>
+
+namespace korvane
+{
+
+class model_page : public page
+{
+public:
+    // open_folder shows a file in the system's file manager.
+    model_page(page_host& host, std::function<void(const std::string& path)> open_folder);
+    ~model_page() override { destroy(); }
+
+    void setFont(const font& used) override;
+    void showDocument() override;
+    void showSelection() override;
+    HWND firstControl() const override;
+    int preferredHeight() const { return m_column.contentHeight(); }
+
+protected:
+    DWORD extraStyle() const override { return WS_VSCROLL; }
+    bool onCreated() override;
+    void onSize(int width, int height, size_change change) override;
+    void onVerticalScroll(int request) override;
+    bool onMouseWheel(int delta, const mouse_event& event) override;
+    void onControlFocused(HWND control) override;
+
+private:
+    void actOn(int control);
+    empty_content emptyContent() const;
+
+    std::function<void(const std::string& path)> m_open_folder;
+    information_panels m_panels;
+    panel_column m_column;
+    empty_state m_empty;
+};
+
+} // namespace korvane

@@ -1,0 +1,71 @@
+#pragma once
+
+// A page of the main window: a child window that fills the place below the tabs, and what it asks of the main window.
+
+#include "EASY_GUI/services/user_prompt.h"
+#include "EASY_GUI/services/work_port.h"
+#include "EASY_GUI/win32/font.h"
+#include "EASY_GUI/win32/ui_thread.h"
+#include "EASY_GUI/win32/window.h"
+#include "Korvane/document/model_commands.h"
+#include "Korvane/document/open_files.h"
+
+#include <functional>
+#include <string>
+
+namespace korvane
+{
+
+class shared_config;
+
+// The main window, as its pages and dialogs see it. Window thread.
+class page_host
+{
+public:
+    virtual ~page_host() = default;
+
+    virtual open_files& document() = 0;
+    virtual model_commands& commands() = 0;
+    virtual user_prompt& prompt() = 0;
+    virtual shared_config& config() = 0;
+    virtual const ui_thread& thread() const = 0; // for background tasks
+    virtual HWND frame() const = 0;              // owner of dialogs
+
+    virtual bool openFile(const std::string& path) = 0;    // as if the person had chosen it
+    virtual void runCommand(document_command command) = 0; // does nothing while it is not enabled
+    virtual bool isEnabled(document_command command) const = 0;
+    // After a command of model_commands: shows what has changed, and what it was in the status bar.
+    virtual void took(command_outcome outcome) = 0;
+    // Another LOD or group was chosen, or a texture row is to be seen (-1: none of them); the Model page shows it.
+    virtual void select(model_selection wanted) = 0;
+    virtual void showModelPage(int texture_row) = 0;
+    virtual void setStatus(const std::string& text) = 0; // what happened last
+    virtual void logLine(const std::string& line) = 0;
+    // Runs long work on a worker; the window answers, but is disabled but for a Stop button. False when it was stopped.
+    virtual bool work(const std::string& title, const std::function<void(const work_port&)>& work) = 0;
+};
+
+class page : public window
+{
+public:
+    explicit page(page_host& host) : m_host(host) {}
+
+    [[nodiscard]] bool createIn(HWND parent, failure& why);
+    // Of all its controls; outlives the page or the next call. Lays the page out again.
+    virtual void setFont(const font& used) = 0;
+    void place(const RECT& where); // in the parent
+    // The document was opened, closed or changed in a way that is not only another selection.
+    virtual void showDocument() = 0;
+    virtual void showSelection() {}
+    virtual HWND firstControl() const = 0; // gets the focus when the page is chosen by a command; null: none
+
+protected:
+    page_host& host() const { return m_host; }
+    virtual DWORD extraStyle() const { return 0; } // WS_VSCROLL
+    failure m_start_failure;                       // why onCreated() gave up
+
+private:
+    page_host& m_host;
+};
+
+} // namespace korvane
