@@ -6,9 +6,9 @@
 #include "EASY_GUI/win32/modal_work.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/resources.h"
+#include "Korvane/app/window_places.h"
 #include "Korvane/document/kept_edits.h"
 #include "Korvane/document/recent_files.h"
-#include "Korvane/fbx/scene/fbx_model_import.h"
 #include "Korvane/jobs/operands.h"
 
 #include <algorithm>
@@ -40,7 +40,9 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
                 }})
     , m_commands(m_document, m_ports.prompt)
     , m_display(*this, m_document, m_thread, m_ports.make_view,
-                {logPort(), [this] { showCounts(); }, [this](const std::string& text) { setStatus(text); }})
+                {logPort(), [this] { showCounts(); }, [this](const std::string& text) { setStatus(text); },
+                 [this](HWND view) { return restoreView(view); }})
+    , m_opening(*this, m_menu, [this](const std::string& path) { opened(path); })
     , m_model_page(*this, m_ports.open_folder)
     , m_pages{&m_model_page}
 {
@@ -52,12 +54,14 @@ void main_window::nameActions()
 {
     using command = document_command;
     m_actions = {
-        {command::open, [this] { chooseFile(); }},
-        {command::open_definition, [this] { chooseDefinition(); }},
+        {command::open, [this] { m_opening.chooseFile(); }},
+        {command::open_definition, [this] { m_opening.chooseDefinition(); }},
         {command::save, [this] { took(m_commands.save()); }},
         {command::save_as, [this] { took(m_commands.saveAs()); }},
         {command::patch, [this] { took(m_commands.patch()); }},
         {command::reset, [this] { took(m_commands.reset()); }},
+        {command::undo, [this] { took(m_commands.undo()); }},
+        {command::redo, [this] { took(m_commands.redo()); }},
         {command::reread_archives, [this] { rereadArchives(); }},
         {command::exit, [this] { SendMessageW(handle(), WM_CLOSE, 0, 0); }},
         {command::about, [this] { showAbout(); }},
@@ -105,12 +109,14 @@ bool main_window::onCreated()
         return false;
     }
     m_menu.createFor(handle());
-    fillRecentFiles();
+    m_opening.fillRecentFiles();
     applyFont();
-    fitHeight();
+    bool is_maximised = false;
+    if (!restorePlace(handle(), m_config, config_keys::main_window_place, is_maximised))
+        fitHeight();
     showDocument();
     showPage(0);
-    show();
+    show(is_maximised ? SW_SHOWMAXIMIZED : SW_SHOW);
     UpdateWindow(handle());
     if (!has_game)
         setStatus("The archives were not read: File, Re-read .pack files... reads them.");
@@ -118,7 +124,7 @@ bool main_window::onCreated()
     logLine("main_window::onCreated(). command line " + m_command_line);
     for (const std::string& file : m_files)
         logLine("main_window::onCreated(). command line processed: " + file);
-    openFiles(m_files);
+    m_opening.openAll(m_files);
     if (offerKeptEdits(m_ports.keeper.folder(), m_document, m_ports.prompt, logPort()))
     {
         showDocument();
@@ -167,8 +173,27 @@ void main_window::onClose()
 {
     if (isBusy())
         return;
-    if (m_commands.mayDiscardEdits())
-        destroy();
+    if (!m_commands.mayDiscardEdits())
+        return;
+    keepPlaces();
+    destroy();
+}
+
+bool main_window::restoreView(HWND shown) const
+{
+    bool is_maximised = false; // the view has a full screen of its own
+    return restorePlace(shown, m_config, config_keys::view_place, is_maximised);
+}
+
+void main_window::keepPlaces()
+{
+    const std::optional<window_place> own = placeOf(handle());
+    const std::optional<window_place> other = view() != nullptr ? placeOf(view()->handle()) : std::nullopt;
+    m_config.change([&](config_file& config) {
+        const bool has_own = own && keepPlace(config, config_keys::main_window_place, *own);
+        const bool has_other = other && keepPlace(config, config_keys::view_place, *other);
+        return has_own || has_other;
+    });
 }
 
 void main_window::onDestroyed()
@@ -286,7 +311,7 @@ bool main_window::onCommand(int id, int, HWND control)
     if (control != nullptr) // controls handle their own
         return false;
     if (id >= recent_file_first && id < recent_file_first + static_cast<int>(max_recent_files))
-        return openRecent(static_cast<std::size_t>(id - recent_file_first)), true;
+        return m_opening.openRecent(static_cast<std::size_t>(id - recent_file_first)), true;
     for (const command_row& row : commandTable())
         if (numberOf(row.command) == id)
             return runCommand(row.command), true;
@@ -310,9 +335,23 @@ void main_window::runCommand(document_command command)
 void main_window::took(command_outcome outcome)
 {
     if (outcome == command_outcome::opened_other)
-        addRecentFile(m_document.model().file()->path());
-    if (outcome == command_outcome::done || outcome == command_outcome::opened_other)
+        m_opening.addRecentFile(m_document.model().file()->path());
+    if (!m_commands.lastAction().empty())
+        setStatus(m_commands.lastAction());
+    if (outcome == command_outcome::done && m_document.model().hasModel())
+        showEdited();
+    else if (outcome == command_outcome::done || outcome == command_outcome::opened_other)
         showDocument();
+}
+
+// The same model with other fields: the view keeps its place.
+void main_window::showEdited()
+{
+    setTitle(m_document.title());
+    for (page* const each : m_pages)
+        each->showDocument();
+    m_display.showEdited();
+    showCounts();
 }
 
 bool main_window::work(const std::string& title, const std::function<void(const work_port&)>& work)
@@ -336,114 +375,30 @@ bool main_window::work(const std::string& title, const std::function<void(const 
 void main_window::onFilesDropped(const std::vector<std::string>& paths)
 {
     if (!isBusy())
-        openFiles(paths);
+        m_opening.openAll(paths);
 }
 
-void main_window::chooseFile()
+void main_window::opened(const std::string& path)
 {
-    openChosen({{"RMV2+VMD Files (*.rigid_model_v2)", "*.rigid_model_v2;*.variantmeshdefinition"}});
-}
-
-void main_window::chooseDefinition()
-{
-    openChosen({{"VMD Files (*.variantmeshdefinition)", "*.variantmeshdefinition"}});
-}
-
-void main_window::openChosen(const std::vector<file_filter>& filters)
-{
-    if (const std::optional<std::string> path = m_ports.prompt.pickOpenPath("Open File", filters))
-        openFile(*path);
-}
-
-void main_window::openRecent(std::size_t position)
-{
-    if (position >= m_menu.recentFiles().size() || isBusy())
-        return;
-    const std::string path = m_menu.recentFiles()[position];
-    if (isRecentFileThere(path, *m_document.game()))
-        openFile(path);
-    else if (m_ports.prompt.confirm("Recent Files",
-                                    "This file cannot be found any more:\r\n" + path + "\r\n\r\nTake it off the list?",
-                                    prompt_answer::yes))
-    {
-        m_config.change([&path](config_file& config) { return removeRecentFile(config, path); });
-        fillRecentFiles();
-    }
-}
-
-void main_window::fillRecentFiles()
-{
-    m_menu.setRecentFiles(recentFiles(m_config.table()));
-}
-
-void main_window::addRecentFile(const std::string& path)
-{
-    m_config.change([&path](config_file& config) { return korvane::addRecentFile(config, path), true; });
-    fillRecentFiles();
-}
-
-void main_window::openFiles(const std::vector<std::string>& paths)
-{
-    const file_choice choice = chooseFiles(paths);
-    for (const std::string& path : choice.opened)
-        openFile(path);
-    if (!choice.left_out.empty())
-        m_ports.prompt.show("Open", choice.describeLeftOut(), prompt_icon::information);
-}
-
-// Nothing is made of it yet: what was read is said, and the view stays.
-bool main_window::importFbx(const std::string& path)
-{
-    fbx_model model;
-    failure why;
-    bool is_read = false;
-    const bool went_on = work("Opening " + std::string(fileName(path)), [&](const work_port&) {
-        memory_file bytes;
-        is_read = m_document.game()->read(game_path(path), bytes, why) && importFbxModel(bytes.bytes(), model, why);
-    });
-    if (!went_on)
-        return false;
-    if (!is_read)
-    {
-        logLine("main_window::importFbx(). " + describe(why));
-        m_ports.prompt.show("Error!", fbxImportError(path), prompt_icon::error);
-        return false;
-    }
-    addRecentFile(path);
-    setStatus(std::string(fileName(path)) + ": " + counted(model.meshes.size(), "mesh", "meshes") + ", " +
-              counted(model.skeletons.size(), "skeleton") + " at the top of the scene. No model was made of it.");
-    return true;
-}
-
-bool main_window::openFile(const std::string& path)
-{
-    if (!isBusy() && isFbxPath(path))
-        return importFbx(path);
-    if (isBusy() || (!isDefinitionPath(path) && !m_commands.mayDiscardEdits()))
-        return false;
-    failure why;
-    opened_file file;
-    bool is_read = false;
-    const bool went_on = work("Opening " + std::string(fileName(path)), [&](const work_port&) {
-        is_read = open_files::read(path, *m_document.game(), file, why);
-    });
-    if (!went_on)
-        return setStatus(std::string(fileName(path)) + " was not opened: stopped."), false;
-    if (!is_read)
-    {
-        const open_error error = describeOpenFailure(path, why, *m_document.game());
-        logLine("main_window::openFile(). " + describe(why));
-        m_ports.prompt.show(error.title, error.text, prompt_icon::error);
-        return false;
-    }
-    m_document.take(std::move(file));
     if (m_document.shown() == open_files::kind::definition)
         logProblems();
-    addRecentFile(path);
     setStatus("Opened " + path);
     showDocument();
     showView(scene_display::focus::stays);
-    return true;
+}
+
+// Of the figures that have no other one.
+void main_window::loadDefaultSkeleton()
+{
+    if (!m_document.game()->hasArchives())
+        return;
+    const std::string step = "Loading default skeleton: " + std::string(default_skeleton);
+    logLine(step);
+    loaded_game source(m_document.game());
+    failure why;
+    m_po_default_skeleton =
+        loadAnim(source, game_path("pack:" + std::string(default_skeleton)), anim_depth::skeleton, why);
+    logLine(m_po_default_skeleton ? step + ": SUCCESS" : "main_window::loadDefaultSkeleton(). " + describe(why));
 }
 
 // Says what there is to say of the loading. Where nothing was loaded, what was there before stays. False when it was
@@ -554,6 +509,14 @@ void main_window::followFiles()
         return;
     if (const std::string news = m_display.followFiles(); !news.empty())
         setStatus(news);
+    const HWND active = GetActiveWindow();
+    if (IsWindowEnabled(handle()) == 0 || active == nullptr || !takesShortcutsOf(active))
+        return; // nobody is asked behind a box, or while another program is worked with
+    for (const disk_change& change : m_document.lookAtDisk())
+        if (m_commands.offerReread(change) == command_outcome::done)
+            showDocument();
+        else if (!m_commands.lastAction().empty())
+            setStatus(m_commands.lastAction());
 }
 
 void main_window::takeUpConfig()
@@ -564,12 +527,10 @@ void main_window::takeUpConfig()
     const auto former = folders();
     if (!m_config.takeUp())
         return;
-    fillRecentFiles();
+    m_opening.fillRecentFiles();
     if (folders() != former)
         setStatus("The data folders were changed: File, Re-read .pack files... takes them up.");
 }
-
-void main_window::loadDefaultSkeleton() {}
 
 void main_window::showAbout()
 {

@@ -11,6 +11,7 @@
 #include "EASY_GUI/win32/status_bar.h"
 #include "EASY_GUI/win32/tab_view.h"
 #include "Korvane/animation/anim_file.h"
+#include "Korvane/app/file_opening.h"
 #include "Korvane/app/main_menu.h"
 #include "Korvane/app/model_page.h"
 #include "Korvane/app/model_view.h"
@@ -64,7 +65,7 @@ public:
     HWND frame() const override { return handle(); }
     // False, after a message box, when it cannot be opened, and when unsaved changes are not to be lost: what was open
     // stays.
-    bool openFile(const std::string& path) override;
+    bool openFile(const std::string& path) override { return m_opening.open(path); }
     void runCommand(document_command command) override;
     bool isEnabled(document_command command) const override;
     void took(command_outcome outcome) override;
@@ -90,6 +91,8 @@ private:
     bool createContent();
     void nameActions();
     void showFirstRunNotice();
+    void keepPlaces();
+    bool restoreView(HWND shown) const;
     void loadDefaultSkeleton();
 
     // Layout
@@ -101,14 +104,7 @@ private:
 
     // Files and archives
     bool isBusy() const { return m_works > 0; }
-    bool importFbx(const std::string& path);
-    void chooseFile();
-    void chooseDefinition();
-    void openChosen(const std::vector<file_filter>& filters);
-    void openRecent(std::size_t position);
-    void openFiles(const std::vector<std::string>& paths);
-    void addRecentFile(const std::string& path);
-    void fillRecentFiles();
+    void opened(const std::string& path);
     bool loadGame(bool trusts_cache);
     void rereadArchives();
     void logProblems();
@@ -117,6 +113,7 @@ private:
 
     // What is shown
     void showDocument();
+    void showEdited();
     void showSelection();
     void showCounts();
     void showView(scene_display::focus wanted);
@@ -133,7 +130,9 @@ private:
     std::shared_ptr<const anim_data> m_po_default_skeleton; // null: the game has none
     failure m_start_failure;                                // why the window could not be filled
     int m_works = 0;                                        // that run, one within the other
+    main_menu m_menu;
     scene_display m_display;
+    file_opening m_opening;
 
     model_page m_model_page;
     std::vector<page*> m_pages; // in the order of the tabs
@@ -142,7 +141,6 @@ private:
     tab_view m_tabs;
     button m_show_view;
     status_bar m_status;
-    main_menu m_menu;
     std::map<document_command, std::function<void()>> m_actions;
 };
 

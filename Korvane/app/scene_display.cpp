@@ -154,7 +154,8 @@ void scene_display::placeView() const
     const HWND view = m_po_view->handle();
     RECT own{};
     RECT wanted{};
-    if (view == nullptr || !GetWindowRect(m_owner.handle(), &own) || !GetWindowRect(view, &wanted))
+    if (view == nullptr || (m_told.restore_place && m_told.restore_place(view)) ||
+        !GetWindowRect(m_owner.handle(), &own) || !GetWindowRect(view, &wanted))
         return;
     const RECT area = window::workArea(m_owner.handle());
     const LONG x = own.right + m_owner.scaled(view_margin);

@@ -28,6 +28,7 @@ public:
         log_port log;                                          // lines of the view, too
         std::function<void()> changed;                         // another scene is shown: drawn() has changed
         std::function<void(const std::string& text)> progress; // of a scene that takes long; for a status line
+        std::function<bool(HWND view)> restore_place = {};     // where it stood last; false: nowhere
     };
     // The main window, the document and the thread outlive it.
     scene_display(const window& owner, const open_files& document, const ui_thread& thread,
