@@ -5,6 +5,7 @@
 #include "EASY_GUI/services/version.h"
 #include "EASY_GUI/win32/modal_work.h"
 #include "Korvane/app/command_ids.h"
+#include "Korvane/app/copy_paste.h"
 #include "Korvane/app/resources.h"
 #include "Korvane/app/window_places.h"
 #include "Korvane/document/kept_edits.h"
@@ -63,6 +64,8 @@ void main_window::nameActions()
         {command::undo, [this] { took(m_commands.undo()); }},
         {command::redo, [this] { took(m_commands.redo()); }},
         {command::reread_archives, [this] { rereadArchives(); }},
+        {command::copy, [this] { copySelection(*this, shownPage()); }},
+        {command::paste, [this] { pasteText(*this, shownPage()); }},
         {command::exit, [this] { SendMessageW(handle(), WM_CLOSE, 0, 0); }},
         {command::about, [this] { showAbout(); }},
         {command::show_view, [this] { showView(scene_display::focus::moves); }},

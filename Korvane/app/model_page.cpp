@@ -1,6 +1,7 @@
 #include "Korvane/app/model_page.h"
 
 #include "Korvane/app/command_ids.h"
+#include "Korvane/document/pasted_path.h"
 
 #include <utility>
 
@@ -55,6 +56,11 @@ void model_page::onControlFocused(HWND control)
 HWND model_page::firstControl() const
 {
     return host().document().model().hasModel() ? m_panels.lodList() : m_empty.firstControl();
+}
+
+std::string model_page::copiedText() const
+{
+    return selectedGroupText(host().document().model());
 }
 
 empty_content model_page::emptyContent() const

@@ -24,6 +24,7 @@ public:
     void showDocument() override;
     void showSelection() override;
     HWND firstControl() const override;
+    std::string copiedText() const override; // the group as a text
     int preferredHeight() const { return m_column.contentHeight(); }
 
 protected:

@@ -58,6 +58,10 @@ public:
     virtual void showDocument() = 0;
     virtual void showSelection() {}
     virtual HWND firstControl() const = 0; // gets the focus when the page is chosen by a command; null: none
+    // What Copy takes while no text of a field is selected; empty: nothing is selected here.
+    virtual std::string copiedText() const { return {}; }
+    // Paste, with the focus on a control of the page. False: it has no use for a text, and the control itself gets it.
+    virtual bool paste(const std::string& /*text*/) { return false; }
 
 protected:
     page_host& host() const { return m_host; }
