@@ -59,7 +59,10 @@ void message_loop::dispatch(MSG& message) const
     {
         BYTE pressed_with[256];
         const bool is_known = GetKeyboardState(pressed_with) != 0;
-        if (TranslateAcceleratorW(m_main.handle(), m_accelerators, &message) != 0 && is_known)
+        const bool is_command = TranslateAcceleratorW(m_main.handle(), m_accelerators, &message) != 0;
+        if (is_command && m_idle_work)
+            return;
+        if (is_command && is_known)
             return dispatchAsKey(message, pressed_with);
     }
     dispatchPlain(message);
@@ -90,6 +93,13 @@ void message_loop::dispatchPlain(MSG& message) const
 int message_loop::run()
 {
     MSG message{};
+    while (m_idle_work)
+        if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) == 0)
+            m_idle_work();
+        else if (message.message == WM_QUIT)
+            return static_cast<int>(message.wParam);
+        else
+            dispatch(message);
     while (GetMessageW(&message, nullptr, 0, 0) > 0)
         dispatch(message);
     return static_cast<int>(message.wParam);

@@ -7,6 +7,9 @@
 
 #include "EASY_GUI/win32/window.h"
 
+#include <functional>
+#include <utility>
+
 namespace korvane
 {
 
@@ -15,7 +18,10 @@ class message_loop
 public:
     message_loop(window& main, HACCEL accelerators) : m_main(main), m_accelerators(accelerators) {}
 
-    int run();                         // until WM_QUIT; returns its exit code
+    // Until WM_QUIT; returns its exit code. In continuous mode the loop never waits: with idle work it does that
+    // whenever no message is there, and a key that became a command is not dispatched as a key as well.
+    int run();
+    void setIdleWork(std::function<void()> work) { m_idle_work = std::move(work); }
     void dispatch(MSG& message) const; // one message, as run() treats it
 
 private:
@@ -24,7 +30,8 @@ private:
     void dispatchPlain(MSG& message) const;
 
     window& m_main;
-    HACCEL m_accelerators; // null: no shortcuts
+    HACCEL m_accelerators;             // null: no shortcuts
+    std::function<void()> m_idle_work; // set: continuous mode
 };
 
 } // namespace korvane

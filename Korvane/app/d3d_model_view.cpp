@@ -2,7 +2,9 @@
 
 #include "Korvane/app/resources.h"
 #include "Korvane/viewer/d3d_window.h"
+#include "Korvane/viewer/offscreen.h"
 
+#include <cstring>
 #include <utility>
 
 namespace korvane
@@ -24,10 +26,32 @@ public:
     void showBeside() override { m_po_d3d_window->showBeside(); }
     bool isVisible() const override { return m_po_d3d_window->isVisible(); }
     HWND handle() const override { return m_po_d3d_window->handle(); }
+    picture_maker pictureMaker() const override;
 
 private:
     std::unique_ptr<d3d_window> m_po_d3d_window;
 };
+
+picture_maker d3d_model_view::pictureMaker() const
+{
+    const scene_pointer scene = m_po_d3d_window->scene();
+    const RECT size = m_po_d3d_window->clientRectangle();
+    if (!scene || scene->parts.empty() || size.right <= 0 || size.bottom <= 0)
+        return {};
+    render_options options;
+    options.width = static_cast<std::uint32_t>(size.right);
+    options.height = static_cast<std::uint32_t>(size.bottom);
+    options.view = m_po_d3d_window->view();
+    options.frames_scene = false;
+    return [scene, options](picture& made, failure& why) {
+        render_result result;
+        if (!renderToImage(*scene, options, result, why))
+            return false;
+        made = picture(options.width, options.height);
+        std::memcpy(made.pixels().data(), result.rgba.data(), made.pixels().size_bytes());
+        return true;
+    };
+}
 
 void showProgramIcon(HWND window)
 {

@@ -11,6 +11,7 @@
 #include "Korvane/document/kept_edits.h"
 #include "Korvane/document/recent_files.h"
 #include "Korvane/jobs/operands.h"
+#include "Korvane/textures/picture_file.h"
 
 #include <algorithm>
 #include <utility>
@@ -66,6 +67,7 @@ void main_window::nameActions()
         {command::reread_archives, [this] { rereadArchives(); }},
         {command::copy, [this] { copySelection(*this, shownPage()); }},
         {command::paste, [this] { pasteText(*this, shownPage()); }},
+        {command::save_picture, [this] { savePicture(); }},
         {command::exit, [this] { SendMessageW(handle(), WM_CLOSE, 0, 0); }},
         {command::about, [this] { showAbout(); }},
         {command::show_view, [this] { showView(scene_display::focus::moves); }},
@@ -504,6 +506,28 @@ void main_window::showView(scene_display::focus wanted)
         m_ports.prompt.show("Error!", "The 3D view could not be opened.\r\n\r\n" + describe(why), prompt_icon::error);
     }
     showCounts();
+}
+
+void main_window::savePicture()
+{
+    const picture_maker maker = view()->pictureMaker();
+    if (!maker)
+        return setStatus("There is nothing to be seen in the 3D view yet.");
+    const auto path =
+        m_ports.prompt.pickSavePath("Save Picture", {{"PNG (*.png)", "*.png"}, {"Targa (*.tga)", "*.tga"}}, "png");
+    if (!path || path->empty())
+        return;
+    failure why;
+    bool is_saved = false;
+    work("Saving the picture", [&](const work_port&) {
+        picture made;
+        is_saved =
+            maker(made, why) && writePictureFile(*path, pictureKind(*path).value_or(picture_kind::png), made, why);
+    });
+    if (is_saved)
+        return setStatus("Saved " + *path);
+    logLine("main_window::savePicture(). " + describe(why));
+    m_ports.prompt.show("Error!", "The picture could not be saved.\r\n\r\n" + describe(why), prompt_icon::error);
 }
 
 void main_window::followFiles()

@@ -117,6 +117,7 @@ private:
     void showSelection();
     void showCounts();
     void showView(scene_display::focus wanted);
+    void savePicture();
     void showAbout();
     log_port logPort();
 

@@ -6,6 +6,7 @@
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/log_port.h"
 #include "Korvane/scene/loaded_scene.h"
+#include "Korvane/textures/picture.h"
 
 #include <functional>
 #include <memory>
@@ -14,6 +15,10 @@
 
 namespace korvane
 {
+
+// Draws what the view shows at the moment it was asked for: on any thread, also when the view is gone. False and a
+// reason without a graphics device.
+using picture_maker = std::function<bool(picture& made, failure& why)>;
 
 class model_view
 {
@@ -26,6 +31,7 @@ public:
     virtual void showBeside() = 0; // the same, but leave the focus where it is
     virtual bool isVisible() const = 0;
     virtual HWND handle() const = 0;
+    virtual picture_maker pictureMaker() const = 0; // in the size of the view; empty: there is nothing to see
 };
 
 // Makes a view that shows nothing yet and is hidden; null and a reason when there is no usable graphics device. The log

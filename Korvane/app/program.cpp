@@ -2,6 +2,7 @@
 
 #include "D3D11_RENDER_LIB/d3d_check.h"
 #include "EASY_GUI/services/config_file.h"
+#include "EASY_GUI/services/kernel_handle_win.h"
 #include "EASY_GUI/services/log_file.h"
 #include "EASY_GUI/win32/handle_policies.h"
 #include "EASY_GUI/win32/message_box_prompt.h"
@@ -91,6 +92,7 @@ void openFolderOf(const std::string& path)
 }
 
 constexpr int exit_status = 3; // that of abort()
+constexpr const char* running_mutex = "KorvaneIsRunning";
 
 // Of the whole process; the handlers below have no other way to it.
 fatal_end* s_po_end = nullptr;
@@ -161,6 +163,8 @@ int runProgram(const std::string& command_line, log_file& log, edit_keeper& keep
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR command_line, int)
 {
+    // Says to installers that the program runs, as long as one of its processes does; nobody waits for it.
+    const unique_kernel_handle running(CreateMutexA(nullptr, FALSE, running_mutex));
     log_file log;
     edit_keeper keeper(defaultKeepFolder());
     fatal_end end({keeper, [&log](const std::string& line) { log.write(line + "\r\n"); },

@@ -31,9 +31,12 @@ bool drawPictures(lib3d& library, const loaded_scene& scene, const render_option
         return false;
 
     view_state view = options.view;
-    view.eye.yaw = options.yaw;
-    view.eye.pitch = options.pitch;
-    view.eye.frame(scene.bounds, static_cast<float>(options.width) / static_cast<float>(options.height));
+    if (options.frames_scene)
+    {
+        view.eye.yaw = options.yaw;
+        view.eye.pitch = options.pitch;
+        view.eye.frame(scene.bounds, static_cast<float>(options.width) / static_cast<float>(options.height));
+    }
     const auto draw = [&] {
         drawn.draw(library, targets, picture.view(), view);
         return picture.read(library, result.rgba);

@@ -24,7 +24,8 @@ struct render_options
     std::uint32_t height = 720;
     float yaw = camera::start_yaw; // radians
     float pitch = camera::start_pitch;
-    view_state view;          // lights and display flags; its camera is framed on the scene
+    view_state view;          // lights and display flags
+    bool frames_scene = true; // the camera is framed on the scene, with yaw and pitch; false: it is that of view
     std::uint32_t frames = 1; // drawn one after the other; more than one only to measure
     log_port log;
     device_faults* faults = nullptr; // for tests (device_faults.h)

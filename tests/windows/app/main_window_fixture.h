@@ -69,6 +69,15 @@ public:
     void showBeside() override { ++m_record.shown; }
     bool isVisible() const override { return m_record.shown > 0; }
     HWND handle() const override { return m_window.handle(); }
+    picture_maker pictureMaker() const override
+    {
+        return [](picture& made, failure&) {
+            made = picture(2, 1);
+            made.pixels()[0] = rgba(1, 2, 3, 4);
+            made.pixels()[1] = rgba(5, 6, 7, 8);
+            return true;
+        };
+    }
 
 private:
     static std::string fileName(const std::string& path) { return path.substr(path.find_last_of("/\\") + 1); }

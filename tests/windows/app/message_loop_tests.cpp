@@ -61,6 +61,35 @@ TEST_F(main_window_test, textKeysGoToTheFieldThatCanDoThemAndElseToTheTable)
     EXPECT_EQ(main.commands, "Z");
 }
 
+TEST(message_loop, inContinuousModeTheLoopWorksWhileNothingWaitsAndACommandIsNoKey)
+{
+    class key_window : public plain_window
+    {
+    public:
+        int commands = 0, keys = 0;
+
+    protected:
+        bool onCommand(int, int, HWND) override { return ++commands > 0; }
+        bool onKeyDown(unsigned key, bool) override { return keys += key == VK_F1 ? 1 : 0, true; }
+    };
+    const unique_accelerators table = makeAccelerators(std::vector<shortcut>{{0, VK_F1, 7}});
+    for (const bool is_continuous : {false, true})
+    {
+        key_window main;
+        message_loop loop(main, table.get());
+        int idle = 0;
+        if (is_continuous)
+            loop.setIdleWork([&] { ++idle == 3 ? PostQuitMessage(5) : static_cast<void>(0); });
+        PostMessageW(main.handle(), WM_KEYDOWN, VK_F1, 1);
+        if (!is_continuous)
+            PostQuitMessage(5);
+        EXPECT_EQ(loop.run(), 5);
+        EXPECT_EQ(main.commands, 1);
+        EXPECT_EQ(main.keys, is_continuous ? 0 : 1);
+        EXPECT_EQ(idle, is_continuous ? 3 : 0);
+    }
+}
+
 class fatal_end_test : public main_window_test
 {
 protected:
