@@ -42,7 +42,7 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
                 }})
     , m_commands(m_document, m_ports.prompt)
     , m_display(*this, m_document, m_thread, m_ports.make_view,
-                {logPort(), [this] { showCounts(); }, [this](const std::string& text) { setStatus(text); },
+                {logPort(), [this] { showCounts(); }, [this](const work_progress& now) { showLoading(now); },
                  [this](HWND view) { return restoreView(view); }})
     , m_opening(*this, m_menu, [this](const std::string& path) { opened(path); })
     , m_model_page(*this, m_ports.open_folder)
@@ -486,11 +486,24 @@ void main_window::showSelection()
 
 void main_window::showCounts()
 {
+    m_status.setPart(0, m_happened); // in place of progress
+    m_status.showProgress(false);
     m_status.setPart(1, m_document.status(m_display.drawn()));
+}
+
+void main_window::showLoading(const work_progress& now)
+{
+    if (now.total <= 1)
+        return;
+    m_status.setPart(0, "Loading model " + grouped(now.done + 1) + " of " + grouped(now.total) + ": " + now.what);
+    m_status.progress().setRange(static_cast<int>(now.total));
+    m_status.progress().setPosition(static_cast<int>(now.done));
+    m_status.showProgress(true);
 }
 
 void main_window::setStatus(const std::string& text)
 {
+    m_happened = text;
     if (m_status.handle() != nullptr)
         m_status.setPart(0, text);
 }

@@ -116,6 +116,7 @@ private:
     void showEdited();
     void showSelection();
     void showCounts();
+    void showLoading(const work_progress& now); // of what the view will show
     void showView(scene_display::focus wanted);
     void savePicture();
     void showAbout();
@@ -142,6 +143,7 @@ private:
     tab_view m_tabs;
     button m_show_view;
     status_bar m_status;
+    std::string m_happened; // last, for the status line
     std::map<document_command, std::function<void()>> m_actions;
 };
 

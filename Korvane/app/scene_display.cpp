@@ -1,7 +1,5 @@
 #include "Korvane/app/scene_display.h"
 
-#include "EASY_GUI/services/text.h"
-
 #include <algorithm>
 #include <cstdio>
 #include <utility>
@@ -37,7 +35,7 @@ scene_display::scene_display(const window& owner, const open_files& document, co
     , m_document(document)
     , m_make_view(std::move(make_view))
     , m_told(std::move(told))
-    , m_loading(thread, {[this](const work_progress& now) { showProgress(now); }, m_told.log,
+    , m_loading(thread, {[this](const work_progress& now) { m_told.progress(now); }, m_told.log,
                          [this](const std::string& what) { tell(m_told.log, "scene_display: " + what); }})
 {
 }
@@ -122,12 +120,6 @@ void scene_display::take(scene_pointer scene)
     m_told.changed();
 }
 
-void scene_display::showProgress(const work_progress& now)
-{
-    if (now.total > 1)
-        m_told.progress("Loading model " + grouped(now.done + 1) + " of " + grouped(now.total) + ": " + now.what);
-}
-
 // The model itself is never read again unasked: it may be edited, and the selection would be lost.
 std::string scene_display::followFiles()
 {
@@ -148,7 +140,8 @@ void scene_display::setScene(scene_pointer scene)
     m_watch.follow(m_scene, *m_document.game());
 }
 
-// Beside the main window when the screen has room for it, at least as high as that and otherwise as large as it wants.
+// Where it was. Else beside the main window, at least as high as that and otherwise as large as it wants; where there
+// is no room for it, at the right edge of the screen, so that it hides as little as it can.
 void scene_display::placeView() const
 {
     const HWND view = m_po_view->handle();
@@ -158,13 +151,13 @@ void scene_display::placeView() const
         !GetWindowRect(m_owner.handle(), &own) || !GetWindowRect(view, &wanted))
         return;
     const RECT area = window::workArea(m_owner.handle());
-    const LONG x = own.right + m_owner.scaled(view_margin);
-    const LONG room = area.right - m_owner.scaled(view_margin) - x;
-    if (room < m_owner.scaled(320))
-        return;
-    const LONG width = std::min(room, wanted.right - wanted.left);
-    const LONG height = std::min(area.bottom - own.top - m_owner.scaled(view_margin),
-                                 std::max(wanted.bottom - wanted.top, own.bottom - own.top));
+    const LONG margin = m_owner.scaled(view_margin);
+    const LONG beside = area.right - margin - (own.right + margin);
+    const bool has_room = beside >= m_owner.scaled(320);
+    const LONG width = std::min(has_room ? beside : (area.right - area.left) / 2, wanted.right - wanted.left);
+    const LONG x = has_room ? own.right + margin : area.right - margin - width;
+    const LONG height =
+        std::min(area.bottom - own.top - margin, std::max(wanted.bottom - wanted.top, own.bottom - own.top));
     SetWindowPos(view, nullptr, x, own.top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 

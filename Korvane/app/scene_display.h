@@ -25,10 +25,10 @@ class scene_display
 public:
     struct listeners
     {
-        log_port log;                                          // lines of the view, too
-        std::function<void()> changed;                         // another scene is shown: drawn() has changed
-        std::function<void(const std::string& text)> progress; // of a scene that takes long; for a status line
-        std::function<bool(HWND view)> restore_place = {};     // where it stood last; false: nowhere
+        log_port log;                                       // lines of the view, too
+        std::function<void()> changed;                      // another scene is shown: drawn() has changed
+        std::function<void(const work_progress&)> progress; // of a scene of several models
+        std::function<bool(HWND view)> restore_place = {};  // where it stood last; false: nowhere
     };
     // The main window, the document and the thread outlive it.
     scene_display(const window& owner, const open_files& document, const ui_thread& thread,
@@ -61,7 +61,6 @@ private:
     void start(load work);
     void take(scene_pointer scene);
     void setScene(scene_pointer scene);
-    void showProgress(const work_progress& now);
     void placeView() const;
     bool coversOwner() const;
 
