@@ -86,10 +86,12 @@ bool isKeyFor(const MSG& message, HWND owner)
            (message.hwnd == owner || IsChild(owner, message.hwnd) != 0);
 }
 
-// Until the work is done; the exit code of a WM_QUIT that came meanwhile.
-std::optional<int> pump(const work_state& state, HWND owner, progress_window& shown, background_task& task)
+// Until the work is done; the exit code of a WM_QUIT that came meanwhile. The window appears behind the patience.
+std::optional<int> pump(const work_state& state, HWND owner, progress_window* shown, std::chrono::milliseconds patience,
+                        background_task& task)
 {
     std::optional<int> quit;
+    UINT_PTR timer = shown != nullptr ? SetTimer(nullptr, 0, static_cast<UINT>(patience.count()), nullptr) : 0;
     MSG message{};
     while (!state.is_done)
     {
@@ -97,13 +99,21 @@ std::optional<int> pump(const work_state& state, HWND owner, progress_window& sh
         {
             quit = static_cast<int>(message.wParam);
             task.requestStop();
-            continue;
         }
-        if (isKeyFor(message, owner) || (shown.isOpen() && IsDialogMessageW(shown.handle(), &message)))
-            continue;
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
+        else if (message.hwnd == nullptr && message.message == WM_TIMER && message.wParam == timer)
+        {
+            KillTimer(nullptr, std::exchange(timer, 0));
+            failure why; // without the window the work is done all the same
+            static_cast<void>(shown->showBeside(IsWindowVisible(owner) != 0 ? owner : nullptr, why));
+        }
+        else if (!isKeyFor(message, owner) && !dialog_box::takeKey(message))
+        {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
     }
+    if (timer != 0)
+        KillTimer(nullptr, timer);
     return quit;
 }
 
@@ -143,9 +153,7 @@ bool modal_work::run(const std::function<void(const work_port&)>& work) const
     else
     {
         disabled_owner disabled(owner);
-        if (!shown)
-            window.openLater(owner, patience);
-        quit = pump(state, owner, window, task);
+        quit = pump(state, owner, shown ? nullptr : &window, patience, task);
         disabled.release();
         window.destroy();
     }
