@@ -213,7 +213,7 @@ bool list_view::onNotify(NMHDR& message, LRESULT& result)
             tellSelection(false);
         return true;
     case LVN_ITEMACTIVATE:
-        if (const int row = reinterpret_cast<const NMITEMACTIVATE&>(message).iItem; isRow(row))
+        if (const int row = selected(); isRow(row)) // for Enter some systems send no row along
             tell(onActivate, row);
         return true;
     case LVN_COLUMNCLICK:

@@ -60,8 +60,8 @@ void message_loop::dispatch(MSG& message) const
         BYTE pressed_with[256];
         const bool is_known = GetKeyboardState(pressed_with) != 0;
         const bool is_command = TranslateAcceleratorW(m_main.handle(), m_accelerators, &message) != 0;
-        if (is_command && m_idle_work)
-            return;
+        if (is_command && (m_idle_work || message.wParam == VK_TAB))
+            return; // Tab would move the focus besides
         if (is_command && is_known)
             return dispatchAsKey(message, pressed_with);
     }

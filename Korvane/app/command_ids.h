@@ -14,6 +14,8 @@ constexpr int numberOf(document_command command)
     return 100 + static_cast<int>(command);
 }
 constexpr int recent_file_first = 200; // ten of them
+constexpr int next_page_command = 220;
+constexpr int former_page_command = 221;
 
 enum control_id : int
 {
@@ -22,6 +24,15 @@ enum control_id : int
     control_show_view,
     control_tabs,
     control_empty_choice, // three of them
+
+    control_definition_counts = 1020,
+    control_definition_tree,
+    control_definition_attributes,
+    control_definition_open,
+    control_problem_summary,
+    control_problem_list,
+    control_problem_go,
+    control_problem_check,
 
     control_file_path = 1100,
     control_file_version,

@@ -60,6 +60,8 @@ void main_menu::createFor(HWND window)
     for (std::size_t i = 0; i < max_recent_files; ++i)
         if (const auto keys = shortcutOf(recentFileLabel(i, "")))
             shortcuts.push_back(acceleratorOf(*keys, recent_file_first + static_cast<int>(i)));
+    shortcuts.push_back({FCONTROL, VK_TAB, static_cast<WORD>(next_page_command)});
+    shortcuts.push_back({FCONTROL | FSHIFT, VK_TAB, static_cast<WORD>(former_page_command)});
     m_accelerators = makeAccelerators(shortcuts);
     m_bar = bar.handle();
     SetMenu(window, m_bar);

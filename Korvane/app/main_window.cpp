@@ -14,6 +14,7 @@
 #include "Korvane/textures/picture_file.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace korvane
@@ -27,7 +28,21 @@ constexpr int default_width = 780; // outer
 constexpr int status_widths[] = {0, 330};
 constexpr UINT_PTR look_timer = 1;
 constexpr UINT look_pause = 500; // milliseconds
+enum page_tab : std::size_t
+{
+    model_tab,
+    definition_tab,
+    problems_tab
+};
+constexpr std::array<std::string_view, 3> page_names = {"model", "definition", "problems"}; // in the configuration
 constexpr std::string_view default_skeleton = "animations\\skeletons\\humanoid01.anim";
+
+// Where nothing, or nonsense, is kept the model's.
+std::size_t keptTab(const config_file& config)
+{
+    const auto found = std::find(page_names.begin(), page_names.end(), keptPage(config));
+    return found == page_names.end() ? model_tab : static_cast<std::size_t>(found - page_names.begin());
+}
 
 } // namespace
 
@@ -46,7 +61,10 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
                  [this](HWND view) { return restoreView(view); }})
     , m_opening(*this, m_menu, [this](const std::string& path) { opened(path); })
     , m_model_page(*this, m_ports.open_folder)
-    , m_pages{&m_model_page}
+    , m_definition_page(*this)
+    , m_problems_page(
+          *this, [this](const std::string& caption) { m_tabs.setCaption(static_cast<int>(problems_tab), caption); })
+    , m_pages{&m_model_page, &m_definition_page, &m_problems_page}
 {
     m_document.model().setKeeper(m_ports.keeper);
     nameActions();
@@ -120,7 +138,7 @@ bool main_window::onCreated()
     if (!restorePlace(handle(), m_config, config_keys::main_window_place, is_maximised))
         fitHeight();
     showDocument();
-    showPage(0);
+    showPage(keptTab(m_config.table()));
     show(is_maximised ? SW_SHOWMAXIMIZED : SW_SHOW);
     UpdateWindow(handle());
     if (!has_game)
@@ -156,7 +174,8 @@ bool main_window::createContent()
             return false;
     if (!m_status.create(handle(), control_status, status_widths))
         return refuse("the status line");
-    m_tabs.add("Model");
+    for (const char* const caption : {"Model", "Definition", "Problems"})
+        m_tabs.add(caption);
     m_tabs.onSelect = [this](int chosen) { showPage(static_cast<std::size_t>(chosen)); };
     m_show_view.onClick = [this] { runCommand(document_command::show_view); };
     return true;
@@ -195,9 +214,12 @@ void main_window::keepPlaces()
     const std::optional<window_place> own = placeOf(handle());
     const std::optional<window_place> other = view() != nullptr ? placeOf(view()->handle()) : std::nullopt;
     m_config.change([&](config_file& config) {
+        bool has_pages = keepPage(config, page_names[m_shown_page]);
+        for (const page* const each : m_pages)
+            has_pages = each->keep(config) || has_pages;
         const bool has_own = own && keepPlace(config, config_keys::main_window_place, *own);
         const bool has_other = other && keepPlace(config, config_keys::view_place, *other);
-        return has_own || has_other;
+        return has_own || has_other || has_pages;
     });
 }
 
@@ -315,6 +337,8 @@ bool main_window::onCommand(int id, int, HWND control)
 {
     if (control != nullptr) // controls handle their own
         return false;
+    if (id == next_page_command || id == former_page_command)
+        return m_tabs.selectNext(id == former_page_command), true;
     if (id >= recent_file_first && id < recent_file_first + static_cast<int>(max_recent_files))
         return m_opening.openRecent(static_cast<std::size_t>(id - recent_file_first)), true;
     for (const command_row& row : commandTable())
@@ -389,6 +413,7 @@ void main_window::opened(const std::string& path)
         logProblems();
     setStatus("Opened " + path);
     showDocument();
+    showPage(m_document.shown() == open_files::kind::definition ? definition_tab : model_tab);
     showView(scene_display::focus::stays);
 }
 
@@ -464,7 +489,7 @@ void main_window::select(model_selection wanted)
 
 void main_window::showModelPage(int)
 {
-    showPage(0);
+    showPage(model_tab);
 }
 
 void main_window::showDocument()

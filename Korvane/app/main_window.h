@@ -11,11 +11,13 @@
 #include "EASY_GUI/win32/status_bar.h"
 #include "EASY_GUI/win32/tab_view.h"
 #include "Korvane/animation/anim_file.h"
+#include "Korvane/app/definition_page.h"
 #include "Korvane/app/file_opening.h"
 #include "Korvane/app/main_menu.h"
 #include "Korvane/app/model_page.h"
 #include "Korvane/app/model_view.h"
 #include "Korvane/app/page.h"
+#include "Korvane/app/problems_page.h"
 #include "Korvane/app/scene_display.h"
 #include "Korvane/game/game_loader.h"
 
@@ -54,6 +56,7 @@ public:
     HACCEL accelerators() const { return m_menu.accelerators(); }
     const model_view* view() const { return m_display.view(); } // null until a file was opened
     const status_bar& statusLine() const { return m_status; }
+    bool isChecking() const { return m_problems_page.isChecking(); }
     bool isLoading() const { return m_display.isLoading(); } // what the view will show
     bool takesShortcutsOf(HWND top) const override;
 
@@ -137,6 +140,8 @@ private:
     file_opening m_opening;
 
     model_page m_model_page;
+    definition_page m_definition_page;
+    problems_page m_problems_page;
     std::vector<page*> m_pages; // in the order of the tabs
     std::size_t m_shown_page = 0;
     std::unique_ptr<font> m_po_font;

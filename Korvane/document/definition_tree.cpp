@@ -210,6 +210,33 @@ attribute_list definition_tree::attributesOf(node of) const
     return attribute_list(std::move(rows));
 }
 
+std::string definition_tree::countText() const
+{
+    std::size_t slots = 0;
+    std::size_t models = 0;
+    std::size_t references = 0;
+    for (node i = 1; i < m_entries.size(); ++i)
+        switch (at(i).tag->kind)
+        {
+        case variant_tag_kind::slot:
+            ++slots;
+            break;
+        case variant_tag_kind::mesh:
+            models += at(i).path.empty() ? 0u : 1u;
+            break;
+        case variant_tag_kind::reference:
+            ++references;
+            break;
+        default:
+            break;
+        }
+    std::string text = shownName(m_path) + ": " + counted(slots, "slot") + ", " + counted(models, "model") + ", " +
+                       counted(references, "reference") + ".";
+    if (m_missing > 0)
+        text += " " + grouped(m_missing) + (m_missing == 1 ? " is" : " are") + " missing or broken.";
+    return text;
+}
+
 tree_model::node definition_tree::findModel(const game_path& path) const
 {
     const std::string wanted = normalInternalPath(path.internalPath());

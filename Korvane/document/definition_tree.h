@@ -58,6 +58,7 @@ public:
     // The first node of a model, with an empty path of any; root: there is none.
     node findModel(const game_path& path = {}) const;
     std::size_t missingCount() const { return m_missing; }
+    std::string countText() const; // "guard: 3 slots, 5 models, 1 reference; 2 are missing or broken"
 
 private:
     struct entry

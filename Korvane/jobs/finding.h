@@ -25,16 +25,16 @@ struct finding_place
     std::optional<std::size_t> texture;
 };
 
-// "LOD 0, group 2, texture 1"; empty for a whole file.
-[[nodiscard]] inline std::string placeText(const finding_place& place)
+// "LOD 0, group 2, texture 1"; empty for a whole file. first: what the first of each is called.
+[[nodiscard]] inline std::string placeText(const finding_place& place, std::size_t first = 0)
 {
     std::string text;
     if (place.lod)
-        text = "LOD " + std::to_string(*place.lod);
+        text = "LOD " + std::to_string(*place.lod + first);
     if (place.group)
-        text += ", group " + std::to_string(*place.group);
+        text += ", group " + std::to_string(*place.group + first);
     if (place.texture)
-        text += ", texture " + std::to_string(*place.texture);
+        text += ", texture " + std::to_string(*place.texture + first);
     return text;
 }
 [[nodiscard]] inline const char* severityName(finding_severity severity)
@@ -52,9 +52,9 @@ struct finding
 };
 
 // "warning: LOD 0, group 2: ...", one line, without the file.
-[[nodiscard]] inline std::string describe(const finding& each)
+[[nodiscard]] inline std::string describe(const finding& each, std::size_t first = 0)
 {
-    const std::string place = placeText(each.place);
+    const std::string place = placeText(each.place, first);
     return severityName(each.severity) + (place.empty() ? "" : ": " + place) + ": " + each.text;
 }
 

@@ -43,6 +43,7 @@ problem_check problemCheckOf(const open_files& document)
 problem_check_result checkProblems(const problem_check& check, const work_port& work)
 {
     problem_check_result result;
+    result.definition = check.definition;
     check_run run(*check.game);
     if (check.model)
     {
@@ -82,7 +83,7 @@ std::string problem_list::text(std::size_t row, std::size_t column) const
 {
     const finding& of = m_result.findings[row];
     return column == column_severity ? capitalised(severityName(of.severity))
-           : column == column_where  ? placeText(of.place)
+           : column == column_where  ? placeText(of.place, first_number)
            : column == column_what   ? capitalised(of.text)
                                      : displayText(fileName(of.file));
 }
@@ -113,6 +114,17 @@ std::string problem_list::caption() const
     return count == 0 ? "Problems" : "Problems (" + grouped(static_cast<std::uint64_t>(count)) + ")";
 }
 
+std::string problem_list::heading() const
+{
+    if (!m_is_checked || m_result.is_stopped)
+        return "It was not checked to the end";
+    std::string names;
+    for (const std::string& path : {m_result.definition, m_result.model})
+        if (!path.empty())
+            names += (names.empty() ? "" : " and ") + displayText(fileName(path));
+    return "Nothing is wrong with " + names;
+}
+
 std::string problem_list::summary() const
 {
     if (!m_is_checked)
@@ -128,7 +140,7 @@ std::string problem_list::summary() const
     if (m_result.is_stopped)
         text += " The check was stopped before its end.";
     if (m_is_outdated)
-        text += " The model was edited since; check it again.";
+        text += " The model was edited since: it is checked again.";
     return text;
 }
 
@@ -142,7 +154,7 @@ problem_list::problem_target problem_list::target(std::size_t row) const
 
 std::string problem_list::copyText(std::size_t row) const
 {
-    return displayText(m_result.findings[row].file) + ": " + describe(m_result.findings[row]);
+    return displayText(m_result.findings[row].file) + ": " + describe(m_result.findings[row], first_number);
 }
 
 std::string problem_list::copyText() const

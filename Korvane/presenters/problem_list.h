@@ -33,6 +33,7 @@ struct problem_check_result
     std::vector<finding> findings; // sorted: by severity, then in the order of the files
     std::size_t files = 0;         // that were checked
     std::string model;             // path of the open one; empty: none
+    std::string definition;        // likewise
     bool is_stopped = false;
 };
 // A worker's. Progress counts files.
@@ -46,6 +47,7 @@ public:
     // The model was edited since: what is listed may no longer be so.
     void markOutdated() { m_is_outdated = m_is_checked; }
     bool isOutdated() const { return m_is_outdated; }
+    bool isChecked() const { return m_is_checked; }
 
     std::span<const list_column> columns() const override; // severity, where, what, file
     std::size_t rowCount() const override { return m_result.findings.size(); }
@@ -55,6 +57,8 @@ public:
 
     // "Problems (3)"; notes do not count.
     std::string caption() const;
+    // Over an empty list: "Nothing is wrong with guard.rigid_model_v2".
+    std::string heading() const;
     // "2 errors, 1 warning in 3 files", or why the list is empty and what to do.
     std::string summary() const;
 

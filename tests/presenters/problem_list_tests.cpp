@@ -38,7 +38,7 @@ TEST(problem_list, isOfTheModelAsItIsOpenTheWorstFirst)
     const problem_list::problem_target target = list.target(missing);
     EXPECT_TRUE(target.is_in_open_model);
     EXPECT_EQ(target.place.texture, std::size_t{0});
-    EXPECT_EQ(list.text(missing, 1), "LOD 0, group 0, texture 0");
+    EXPECT_EQ(list.text(missing, 1), "LOD 1, group 1, texture 1");
     for (std::size_t row = 1; row < list.rowCount(); ++row)
         EXPECT_GE(static_cast<int>(list.mark(row - 1)), static_cast<int>(list.mark(row)));
     EXPECT_EQ(list.caption().substr(0, 10), "Problems (");
