@@ -3,7 +3,7 @@
 // The numbers of commands (menu items, shortcuts) and of controls. Tests find controls by them; resource numbers are in
 // resources.h.
 
-#include "Korvane/document/model_commands.h"
+#include "Korvane/document/document_command.h"
 
 namespace korvane
 {

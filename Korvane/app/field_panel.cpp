@@ -155,7 +155,7 @@ void field_panel::place(int x, int y, int width, int height)
 
 void field_panel::onSize(int width, int height, size_change)
 {
-    if (m_po_font == nullptr)
+    if (m_po_font == nullptr || width == 0) // without a place yet
         return;
     m_frame.place(0, 0, width, height);
     std::size_t first_control = 0;
