@@ -71,16 +71,6 @@ field_panel::field_rows toolRows()
          list(control_tool_alpha_mode)}};
 }
 
-field_panel::field_rows textureRows()
-{
-    field_panel::field_rows rows;
-    for (int i = 0; i < static_cast<int>(texture_row_count); ++i)
-        rows.push_back({text(control_texture_type + i, 120),
-                        {kind::path, control_texture_directory + i, {}, panel_field::rest, 11},
-                        {kind::text, control_texture_file + i, {}, panel_field::rest, 9}});
-    return rows;
-}
-
 void fill(combo_box& list, const std::vector<std::string>& entries, int selected)
 {
     list.clear();
@@ -97,8 +87,7 @@ information_panels::information_panels(const std::function<void(int id)>& acted)
     , m_choice("Select LOD/Group", choiceRows(), acted)
     , m_group("Group Info:", groupRows())
     , m_tool("Group Tool:", toolRows(), acted)
-    , m_textures("Textures:", textureRows())
-    , m_panels{&m_file, &m_choice, &m_group, &m_tool, &m_textures}
+    , m_panels{&m_file, &m_choice, &m_group, &m_tool}
 {
 }
 
@@ -152,20 +141,6 @@ void information_panels::showGroup(const group_data* group, model_selection sele
     m_group.setText(control_vertex_format, info.vertex_format);
     if (info.vertex_label) // else the field keeps its text
         m_group.setText(control_vertex_label, *info.vertex_label);
-
-    const texture_rows rows = group != nullptr ? korvane::textureRows(*group) : texture_rows{};
-    for (int i = 0; i < static_cast<int>(rows.size()); ++i)
-    {
-        const texture_row_content& row = rows[static_cast<std::size_t>(i)];
-        for (const int first : {control_texture_type, control_texture_directory, control_texture_file})
-            m_textures.setTabStop(first + i, row.is_used);
-        m_textures.setText(control_texture_type + i, row.type_name);
-        m_textures.setText(control_texture_directory + i, row.directory);
-        m_textures.setText(control_texture_file + i, row.file);
-        m_textures.setColour(control_texture_type + i, row.directory_colour);
-        m_textures.setColour(control_texture_directory + i, row.directory_colour);
-        m_textures.setColour(control_texture_file + i, row.file_colour);
-    }
 
     const group_tool_content tool = group != nullptr ? groupTool(*group, selection) : group_tool_content{};
     m_tool.setText(control_tool_caption, tool.caption);

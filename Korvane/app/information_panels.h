@@ -22,7 +22,6 @@ public:
     [[nodiscard]] bool createIn(HWND parent, failure& why);
     std::vector<column_part*> all() const { return {m_panels.begin(), m_panels.end()}; } // from above
     const std::vector<field_panel*>& panels() const { return m_panels; }
-    bool areOpen() const { return m_textures.isOpen(); }
 
     HWND lodList() const { return m_choice.list(control_lod).handle(); }
 
@@ -36,7 +35,7 @@ public:
 private:
     void showGroup(const group_data* group, model_selection selection);
 
-    field_panel m_file, m_choice, m_group, m_tool, m_textures;
+    field_panel m_file, m_choice, m_group, m_tool;
     std::vector<field_panel*> m_panels;
 };
 

@@ -6,6 +6,7 @@
 #include "EASY_GUI/win32/modal_work.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/copy_paste.h"
+#include "Korvane/app/game_folders_dialog.h"
 #include "Korvane/app/resources.h"
 #include "Korvane/app/window_places.h"
 #include "Korvane/document/kept_edits.h"
@@ -24,7 +25,7 @@ namespace
 {
 
 constexpr int window_margin = 8;   // at 96 dots per inch
-constexpr int default_width = 780; // outer
+constexpr int default_width = 860; // outer
 constexpr int status_widths[] = {0, 330};
 constexpr UINT_PTR look_timer = 1;
 constexpr UINT look_pause = 500; // milliseconds
@@ -60,7 +61,7 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
                 {logPort(), [this] { showCounts(); }, [this](const work_progress& now) { showLoading(now); },
                  [this](HWND view) { return restoreView(view); }})
     , m_opening(*this, m_menu, [this](const std::string& path) { opened(path); })
-    , m_model_page(*this, m_ports.open_folder)
+    , m_model_page(*this, {m_ports.open_folder, m_ports.open_editor})
     , m_definition_page(*this)
     , m_problems_page(
           *this, [this](const std::string& caption) { m_tabs.setCaption(static_cast<int>(problems_tab), caption); })
@@ -82,14 +83,19 @@ void main_window::nameActions()
         {command::reset, [this] { took(m_commands.reset()); }},
         {command::undo, [this] { took(m_commands.undo()); }},
         {command::redo, [this] { took(m_commands.redo()); }},
-        {command::reread_archives, [this] { rereadArchives(); }},
+        {command::reread_archives, [this] { rereadArchives(false); }},
         {command::copy, [this] { copySelection(*this, shownPage()); }},
         {command::paste, [this] { pasteText(*this, shownPage()); }},
         {command::save_picture, [this] { savePicture(); }},
         {command::exit, [this] { SendMessageW(handle(), WM_CLOSE, 0, 0); }},
         {command::about, [this] { showAbout(); }},
+        {command::game_folders, [this] { setUpFolders(); }},
         {command::show_view, [this] { showView(scene_display::focus::moves); }},
     };
+    for (const command of_textures :
+         {command::choose_texture, command::replace_picture, command::edit_picture, command::extract_textures,
+          command::choose_texture_folder, command::open_texture_folder, command::copy_texture_paths})
+        m_actions[of_textures] = [this, of_textures] { m_model_page.textures().run(of_textures); };
 }
 
 bool main_window::open(failure& why)
@@ -197,6 +203,7 @@ void main_window::onClose()
 {
     if (isBusy())
         return;
+    takeTyped();
     if (!m_commands.mayDiscardEdits())
         return;
     keepPlaces();
@@ -324,8 +331,19 @@ LRESULT main_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
     if ((message == WM_TIMER && wparam == look_timer) || is_activated)
         followFiles();
     if (message == WM_INITMENUPOPUP)
+    {
+        takeTyped();
         m_menu.enable([this](document_command command) { return isEnabled(command); });
+    }
     return window::handleMessage(message, wparam, lparam);
+}
+
+// A command looks at the document, and what was typed into a field is meant to be in it.
+void main_window::takeTyped()
+{
+    if (!isBusy())
+        for (page* const each : m_pages)
+            each->takeTyped();
 }
 
 bool main_window::isEnabled(document_command command) const
@@ -349,6 +367,7 @@ bool main_window::onCommand(int id, int, HWND control)
 
 void main_window::runCommand(document_command command)
 {
+    takeTyped();
     const auto found = m_actions.find(command);
     if (found == m_actions.end() || !isEnabled(command))
         return;
@@ -401,7 +420,7 @@ bool main_window::work(const std::string& title, const std::function<void(const 
     return modal.run(work);
 }
 
-void main_window::onFilesDropped(const std::vector<std::string>& paths)
+void main_window::openFiles(const std::vector<std::string>& paths)
 {
     if (!isBusy())
         m_opening.openAll(paths);
@@ -443,6 +462,8 @@ bool main_window::loadGame(bool trusts_cache)
     m_config.noteOwnChange();
     if (!went_on)
         return false;
+    if (trusts_cache && !loader.hasFolders()) // the last one was taken off the list
+        loaded.game = std::make_shared<const game_data>();
     for (const notice& each : loaded.notices)
     {
         std::string line = each.title + " " + each.text;
@@ -460,16 +481,30 @@ bool main_window::loadGame(bool trusts_cache)
 }
 
 // The archives themselves say in the log what was read.
-void main_window::rereadArchives()
+void main_window::rereadArchives(bool trusts_cache)
 {
     const auto former = m_document.game();
-    if (!loadGame(false) || m_document.game() == former)
+    if (!loadGame(trusts_cache) || m_document.game() == former)
         return;
     for (const open_error& error : m_document.reopen())
         m_ports.prompt.show(error.title, error.text, prompt_icon::error);
     logProblems();
     setStatus("The archives were read again.");
     showDocument();
+}
+
+void main_window::setUpFolders()
+{
+    takeUpConfig();
+    failure why;
+    game_folders_dialog dialog(*this);
+    if (dialog.ask(handle(), why))
+    {
+        rereadArchives(true);
+        setStatus(dialog.summary());
+    }
+    else if (why)
+        m_ports.prompt.show("Error!", "The folders could not be shown.\r\n\r\n" + describe(why), prompt_icon::error);
 }
 
 void main_window::logProblems()
@@ -487,9 +522,10 @@ void main_window::select(model_selection wanted)
         m_display.showLevel();
 }
 
-void main_window::showModelPage(int)
+void main_window::showModelPage(int texture_row)
 {
     showPage(model_tab);
+    m_model_page.textures().select(texture_row, true);
 }
 
 void main_window::showDocument()
@@ -572,6 +608,8 @@ void main_window::followFiles()
 {
     if (isBusy())
         return;
+    for (page* const each : m_pages)
+        each->follow();
     if (const std::string news = m_display.followFiles(); !news.empty())
         setStatus(news);
     const HWND active = GetActiveWindow();

@@ -42,6 +42,7 @@ struct main_window_ports
     model_view_factory make_view;
     std::function<void(const std::string& path)> open_folder; // shows a file in the system's file manager
     edit_keeper& keeper;                                      // of unsaved edits, and what the last program kept
+    std::function<bool(const std::string& path)> open_editor; // opens a picture to be painted; false: nothing can
 };
 
 class main_window : public window, public page_host
@@ -69,6 +70,7 @@ public:
     // False, after a message box, when it cannot be opened, and when unsaved changes are not to be lost: what was open
     // stays.
     bool openFile(const std::string& path) override { return m_opening.open(path); }
+    void openFiles(const std::vector<std::string>& paths) override;
     void runCommand(document_command command) override;
     bool isEnabled(document_command command) const override;
     void took(command_outcome outcome) override;
@@ -86,7 +88,7 @@ protected:
     bool onCommand(int id, int notification, HWND control) override;
     void onMinimumSize(SIZE& outer) override;
     void onDpiChanged(unsigned dpi) override;
-    void onFilesDropped(const std::vector<std::string>& paths) override;
+    void onFilesDropped(const std::vector<std::string>& paths) override { openFiles(paths); }
     LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
 
 private:
@@ -94,6 +96,7 @@ private:
     bool createContent();
     void nameActions();
     void showFirstRunNotice();
+    void takeTyped();
     void keepPlaces();
     bool restoreView(HWND shown) const;
     void loadDefaultSkeleton();
@@ -109,7 +112,8 @@ private:
     bool isBusy() const { return m_works > 0; }
     void opened(const std::string& path);
     bool loadGame(bool trusts_cache);
-    void rereadArchives();
+    void rereadArchives(bool trusts_cache);
+    void setUpFolders();
     void logProblems();
     void followFiles();
     void takeUpConfig();

@@ -8,17 +8,31 @@
 namespace korvane
 {
 
-model_page::model_page(page_host& host, std::function<void(const std::string& path)> open_folder)
+namespace
+{
+
+std::vector<column_part*> partsWith(const information_panels& panels, column_part& last)
+{
+    std::vector<column_part*> parts = panels.all();
+    parts.push_back(&last);
+    return parts;
+}
+
+} // namespace
+
+model_page::model_page(page_host& host, const texture_ports& ports)
     : page(host)
-    , m_open_folder(std::move(open_folder))
+    , m_open_folder(ports.open_folder)
     , m_panels([this](int control) { actOn(control); })
-    , m_column(*this, m_panels.all())
+    , m_textures(host, ports)
+    , m_column(*this, partsWith(m_panels, m_textures))
 {
 }
 
 bool model_page::onCreated()
 {
-    return m_panels.createIn(handle(), m_start_failure) && m_empty.createIn(handle(), m_start_failure);
+    return m_panels.createIn(handle(), m_start_failure) && m_textures.createIn(handle(), m_start_failure) &&
+           m_empty.createIn(handle(), m_start_failure);
 }
 
 void model_page::setFont(const font& used)
@@ -29,7 +43,7 @@ void model_page::setFont(const font& used)
 
 void model_page::onSize(int, int, size_change change)
 {
-    if (change == size_change::minimised || !m_panels.areOpen())
+    if (change == size_change::minimised || !m_textures.isOpen())
         return;
     if (host().document().model().hasModel())
         m_column.layOut();
@@ -60,7 +74,13 @@ HWND model_page::firstControl() const
 
 std::string model_page::copiedText() const
 {
-    return selectedGroupText(host().document().model());
+    const std::string path = m_textures.focusedPath();
+    return path.empty() ? selectedGroupText(host().document().model()) : path;
+}
+
+bool model_page::paste(const std::string& text)
+{
+    return m_textures.paste(text);
 }
 
 empty_content model_page::emptyContent() const
@@ -93,12 +113,14 @@ void model_page::showDocument()
         m_empty.showOver(true);
     for (field_panel* const panel : m_panels.panels())
         ShowWindow(panel->handle(), is_empty ? SW_HIDE : SW_SHOWNA);
+    ShowWindow(m_textures.handle(), is_empty ? SW_HIDE : SW_SHOWNA);
     if (is_empty)
         ShowScrollBar(handle(), SB_VERT, FALSE);
     else
         m_column.layOut();
     m_panels.showFile(host().document().model());
-    showSelection();
+    m_panels.showSelection(host().document().model());
+    m_textures.showDocument();
     if (!is_empty && IsChild(m_empty.handle(), GetFocus()))
         SetFocus(m_panels.lodList());
     if (!is_empty)
@@ -108,6 +130,7 @@ void model_page::showDocument()
 void model_page::showSelection()
 {
     m_panels.showSelection(host().document().model());
+    m_textures.showSelection();
 }
 
 void model_page::actOn(int control)

@@ -6,6 +6,7 @@
 #include "Korvane/app/information_panels.h"
 #include "Korvane/app/page.h"
 #include "Korvane/app/panel_column.h"
+#include "Korvane/app/texture_field_group.h"
 
 #include <functional>
 #include <string>
@@ -16,15 +17,18 @@ namespace korvane
 class model_page : public page
 {
 public:
-    // open_folder shows a file in the system's file manager.
-    model_page(page_host& host, std::function<void(const std::string& path)> open_folder);
+    model_page(page_host& host, const texture_ports& ports);
     ~model_page() override { destroy(); }
 
     void setFont(const font& used) override;
     void showDocument() override;
     void showSelection() override;
     HWND firstControl() const override;
-    std::string copiedText() const override; // the group as a text
+    std::string copiedText() const override;      // the path of a texture row, or the group as a text
+    bool paste(const std::string& text) override; // a path, into a texture row
+    void takeTyped() override { m_textures.takeTyped(); }
+    void follow() override { m_textures.follow(); }
+    texture_field_group& textures() { return m_textures; }
     int preferredHeight() const { return m_column.contentHeight(); }
 
 protected:
@@ -41,6 +45,7 @@ private:
 
     std::function<void(const std::string& path)> m_open_folder;
     information_panels m_panels;
+    texture_field_group m_textures;
     panel_column m_column;
     empty_state m_empty;
 };

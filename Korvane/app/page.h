@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace korvane
 {
@@ -31,8 +32,9 @@ public:
     virtual const ui_thread& thread() const = 0; // for background tasks
     virtual HWND frame() const = 0;              // owner of dialogs
 
-    virtual bool openFile(const std::string& path) = 0;    // as if the person had chosen it
-    virtual void runCommand(document_command command) = 0; // does nothing while it is not enabled
+    virtual bool openFile(const std::string& path) = 0;                // as if the person had chosen it
+    virtual void openFiles(const std::vector<std::string>& paths) = 0; // as if they were dropped on the window
+    virtual void runCommand(document_command command) = 0;             // does nothing while it is not enabled
     virtual bool isEnabled(document_command command) const = 0;
     // After a command of model_commands: shows what has changed, and what it was in the status bar.
     virtual void took(command_outcome outcome) = 0;
@@ -57,6 +59,8 @@ public:
     // The document was opened, closed or changed in a way that is not only another selection.
     virtual void showDocument() = 0;
     virtual void showSelection() {}
+    virtual void takeTyped() {}            // into the document, before a command looks at it
+    virtual void follow() {}               // what other programs do with files; about twice a second
     virtual HWND firstControl() const = 0; // gets the focus when the page is chosen by a command; null: none
     // What Copy takes while no text of a field is selected; empty: nothing is selected here.
     virtual std::string copiedText() const { return {}; }

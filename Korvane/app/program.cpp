@@ -87,8 +87,28 @@ std::vector<std::string> filesOfCommandLine()
 
 void openFolderOf(const std::string& path)
 {
-    const std::wstring arguments = L"/select,\"" + toWide(path) + L"\"";
+    const DWORD kind = GetFileAttributesW(toWide(path).c_str());
+    const bool is_folder = kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    const std::wstring arguments = std::wstring(is_folder ? L"\"" : L"/select,\"") + toWide(path) + L"\"";
     ShellExecuteW(nullptr, nullptr, L"explorer.exe", arguments.c_str(), nullptr, SW_SHOWNORMAL);
+}
+
+// Painted in what a person has set up for that; a program that only shows pictures comes second.
+bool openEditor(const std::string& path)
+{
+    for (const wchar_t* const verb : {L"edit", L"open"})
+    {
+        SHELLEXECUTEINFOW wanted{};
+        wanted.cbSize = sizeof wanted;
+        wanted.fMask = SEE_MASK_FLAG_NO_UI | SEE_MASK_NOASYNC;
+        wanted.lpVerb = verb;
+        const std::wstring file = toWide(path);
+        wanted.lpFile = file.c_str();
+        wanted.nShow = SW_SHOWNORMAL;
+        if (ShellExecuteExW(&wanted))
+            return true;
+    }
+    return false;
 }
 
 constexpr int exit_status = 3; // that of abort()
@@ -148,8 +168,9 @@ int runProgram(const std::string& command_line, log_file& log, edit_keeper& keep
         prompt.setOwner(owner);
         end.setOwner(owner);
     };
-    main_window window({config, "", log, "log.txt", prompt, set_owner, &makeD3dModelView, &openFolderOf, keeper},
-                       command_line, filesOfCommandLine());
+    main_window window(
+        {config, "", log, "log.txt", prompt, set_owner, &makeD3dModelView, &openFolderOf, keeper, &openEditor},
+        command_line, filesOfCommandLine());
     failure why;
     if (!end.open(why) || !window.open(why))
     {

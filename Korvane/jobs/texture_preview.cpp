@@ -94,17 +94,6 @@ rgba_pixel grey(unsigned value)
     return rgba(value, value, value, 255);
 }
 
-rgba_pixel overChequers(rgba_pixel pixel, std::uint32_t x, std::uint32_t y)
-{
-    constexpr std::uint32_t square = 8;
-    const unsigned ground = (x / square + y / square) % 2 == 0 ? 204 : 153;
-    const unsigned alpha = pixel >> 24;
-    const auto mix = [&](unsigned shift) {
-        return ((pixel >> shift & 255) * alpha + ground * (255 - alpha) + 127) / 255;
-    };
-    return rgba(mix(0), mix(8), mix(16), 255);
-}
-
 } // namespace
 
 texture_preview makeTexturePreview(const texture_preview_request& request, const work_port& work)
@@ -144,7 +133,7 @@ picture showChannels(const picture& source, preview_channels channels)
             switch (channels)
             {
             case preview_channels::all:
-                target = overChequers(pixel, x, y);
+                target = pixel;
                 break;
             case preview_channels::colour:
                 target = pixel | 0xff000000u;

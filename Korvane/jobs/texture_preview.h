@@ -34,14 +34,14 @@ struct texture_preview
 
 enum class preview_channels
 {
-    all, // with alpha, over a chequered ground
+    all, // with alpha
     red,
     green,
     blue,
     alpha,
     colour // as if all were opaque
 };
-// Opaque, for a window to draw.
+// Of all channels the picture itself, of the others an opaque one.
 [[nodiscard]] picture showChannels(const picture& source, preview_channels channels);
 
 } // namespace korvane

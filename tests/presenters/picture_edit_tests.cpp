@@ -216,7 +216,7 @@ TEST_F(picture_edit_test, previewsShowTheLevelThatFitsAndItsChannels)
                                                              {preview_channels::blue, rgba(30, 30, 30, 255)},
                                                              {preview_channels::alpha, rgba(0, 0, 0, 255)},
                                                              {preview_channels::colour, rgba(10, 20, 30, 255)},
-                                                             {preview_channels::all, rgba(204, 204, 204, 255)}};
+                                                             {preview_channels::all, rgba(10, 20, 30, 0)}};
     for (const auto& [channels, pixel] : shown)
         EXPECT_EQ(showChannels(source, channels).pixels()[0], pixel);
 }

@@ -174,7 +174,8 @@ protected:
                               {},
                               [this](log_port, failure& why) { return makeView(why); },
                               [this](const std::string& path) { m_opened_folder = path; },
-                              m_keeper},
+                              m_keeper,
+                              [this](const std::string& path) { return m_edited_picture = path, true; }},
             "\"" + file + "\"", file.empty() ? std::vector<std::string>() : std::vector{file});
         return m_window->open(why);
     }
@@ -320,6 +321,7 @@ protected:
     view_record m_view;
     bool m_has_graphics = true;
     std::string m_opened_folder;
+    std::string m_edited_picture;
     int m_data_folders = 0;
     std::unique_ptr<main_window> m_window;
     std::unique_ptr<message_loop> m_loop;

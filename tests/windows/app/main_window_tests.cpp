@@ -280,7 +280,7 @@ TEST_F(main_window_test, theKeyboardReachesEverythingAndMnemonicsAreUnique)
         press(VK_TAB);
     } while (GetFocus() != find(control_file_path) && reached.size() < 100);
     // Every field, list and button but the empty rows of textures; the tabs and the button beside them.
-    EXPECT_EQ(reached.size(), 28u);
+    EXPECT_EQ(reached.size(), 35u);
 
     // Each name's mnemonic leads to the field behind it, in reading order.
     const std::pair<char, int> names[] = {{'P', control_file_path},
@@ -312,7 +312,7 @@ TEST_F(main_window_test, theKeyboardReachesEverythingAndMnemonicsAreUnique)
             return TRUE;
         },
         reinterpret_cast<LPARAM>(&mnemonics));
-    EXPECT_EQ(mnemonics.size(), 6 + std::size(names) + 3); // the alpha mode, all LODs and the view
+    EXPECT_EQ(mnemonics.size(), 6 + std::size(names) + 4); // the alpha mode, all LODs, pictures and the view
     std::sort(mnemonics.begin(), mnemonics.end());
     EXPECT_EQ(std::adjacent_find(mnemonics.begin(), mnemonics.end()), mnemonics.end()) << mnemonics;
 }
