@@ -34,6 +34,15 @@ enum control_id : int
     control_problem_go,
     control_problem_check,
 
+    control_dialog_text = 1040, // of the dialogs
+    control_dialog_copy,
+    control_dialog_close,
+    control_prefix_wanted,
+    control_prefix_replacement,
+    control_prefix_summary,
+    control_prefix_changes,
+    control_prefix_replace,
+
     control_file_path = 1100,
     control_file_version,
     control_file_game,

@@ -5,13 +5,12 @@
 #include "EASY_GUI/services/version.h"
 #include "EASY_GUI/win32/modal_work.h"
 #include "Korvane/app/command_ids.h"
-#include "Korvane/app/copy_paste.h"
 #include "Korvane/app/game_folders_dialog.h"
 #include "Korvane/app/resources.h"
 #include "Korvane/app/window_places.h"
 #include "Korvane/document/kept_edits.h"
-#include "Korvane/document/recent_files.h"
 #include "Korvane/jobs/operands.h"
+#include "Korvane/presenters/help_texts.h"
 #include "Korvane/textures/picture_file.h"
 
 #include <algorithm>
@@ -69,33 +68,6 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
 {
     m_document.model().setKeeper(m_ports.keeper);
     nameActions();
-}
-
-void main_window::nameActions()
-{
-    using command = document_command;
-    m_actions = {
-        {command::open, [this] { m_opening.chooseFile(); }},
-        {command::open_definition, [this] { m_opening.chooseDefinition(); }},
-        {command::save, [this] { took(m_commands.save()); }},
-        {command::save_as, [this] { took(m_commands.saveAs()); }},
-        {command::patch, [this] { took(m_commands.patch()); }},
-        {command::reset, [this] { took(m_commands.reset()); }},
-        {command::undo, [this] { took(m_commands.undo()); }},
-        {command::redo, [this] { took(m_commands.redo()); }},
-        {command::reread_archives, [this] { rereadArchives(false); }},
-        {command::copy, [this] { copySelection(*this, shownPage()); }},
-        {command::paste, [this] { pasteText(*this, shownPage()); }},
-        {command::save_picture, [this] { savePicture(); }},
-        {command::exit, [this] { SendMessageW(handle(), WM_CLOSE, 0, 0); }},
-        {command::about, [this] { showAbout(); }},
-        {command::game_folders, [this] { setUpFolders(); }},
-        {command::show_view, [this] { showView(scene_display::focus::moves); }},
-    };
-    for (const command of_textures :
-         {command::choose_texture, command::replace_picture, command::edit_picture, command::extract_textures,
-          command::choose_texture_folder, command::open_texture_folder, command::copy_texture_paths})
-        m_actions[of_textures] = [this, of_textures] { m_model_page.textures().run(of_textures); };
 }
 
 bool main_window::open(failure& why)
@@ -336,60 +308,6 @@ LRESULT main_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
         m_menu.enable([this](document_command command) { return isEnabled(command); });
     }
     return window::handleMessage(message, wparam, lparam);
-}
-
-// A command looks at the document, and what was typed into a field is meant to be in it.
-void main_window::takeTyped()
-{
-    if (!isBusy())
-        for (page* const each : m_pages)
-            each->takeTyped();
-}
-
-bool main_window::isEnabled(document_command command) const
-{
-    return m_commands.isEnabled(command, {view() != nullptr, isBusy()});
-}
-
-bool main_window::onCommand(int id, int, HWND control)
-{
-    if (control != nullptr) // controls handle their own
-        return false;
-    if (id == next_page_command || id == former_page_command)
-        return m_tabs.selectNext(id == former_page_command), true;
-    if (id >= recent_file_first && id < recent_file_first + static_cast<int>(max_recent_files))
-        return m_opening.openRecent(static_cast<std::size_t>(id - recent_file_first)), true;
-    for (const command_row& row : commandTable())
-        if (numberOf(row.command) == id)
-            return runCommand(row.command), true;
-    return false;
-}
-
-void main_window::runCommand(document_command command)
-{
-    takeTyped();
-    const auto found = m_actions.find(command);
-    if (found == m_actions.end() || !isEnabled(command))
-        return;
-    if (rowOf(command).needs_archives)
-    {
-        takeUpConfig();
-        if (!m_commands.mayUseArchives(m_config.table()))
-            return runCommand(document_command::game_folders);
-    }
-    found->second();
-}
-
-void main_window::took(command_outcome outcome)
-{
-    if (outcome == command_outcome::opened_other)
-        m_opening.addRecentFile(m_document.model().file()->path());
-    if (!m_commands.lastAction().empty())
-        setStatus(m_commands.lastAction());
-    if (outcome == command_outcome::done && m_document.model().hasModel())
-        showEdited();
-    else if (outcome == command_outcome::done || outcome == command_outcome::opened_other)
-        showDocument();
 }
 
 // The same model with other fields: the view keeps its place.
@@ -637,14 +555,7 @@ void main_window::takeUpConfig()
 
 void main_window::showAbout()
 {
-    m_ports.prompt.show(
-        "Info And Credits",
-        std::string(program_name) + ' ' + std::string(program_version) +
-            "\r\n\r\nOpens, describes and draws the rigid_model_v2 models of the Total War games, alone or "
-            "as variant mesh definitions put them together, from the disk and from .pack archives."
-            "\r\n\r\nMade by the Korvane contributors; free software under the MIT licence."
-            "\r\nUses GLM, LodePNG, LZ4, pugixml, XZ Utils (liblzma) and Zstandard.",
-        prompt_icon::information);
+    m_ports.prompt.show("Info And Credits", aboutText(), prompt_icon::information);
 }
 
 void main_window::logLine(const std::string& line)

@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "EASY_GUI/services/version.h"
+#include "Korvane/document/panel_contents.h"
 #include "Korvane/game/game_model.h"
 #include "Korvane/jobs/check_run.h"
 #include "Korvane/models/rmv2_writer.h"
@@ -112,7 +113,7 @@ std::vector<model_part> partsOf(const RMV2_FILE_DATA& model)
         for (std::size_t g = 0; g < model.lods[lod].groups.size(); ++g)
         {
             const group_data& group = model.lods[lod].groups[g];
-            const std::string place = placeText({lod, g, {}}) + ": ";
+            const std::string place = placeText({lod, g, {}}, first_number) + ": ";
             parts.push_back(groupPart(group, place));
             parts.push_back(texturePart(group, place));
             part_digest vertices, indices;
@@ -346,7 +347,7 @@ std::string self_check_report::text() const
     if (!findings.empty())
         lines += "\r\n";
     for (const finding& each : findings)
-        lines += describe(each) + "\r\n";
+        lines += describe(each, first_number) + "\r\n";
     return lines + "\r\n" + summary() + "\r\n";
 }
 

@@ -47,7 +47,7 @@ TEST(self_check, eachPartSaysWhetherItPassed)
          "1 field is edited; a save will change 1 byte"},
         {"the decoded model was damaged",
          [](const std::string&, rmv2_file& model) { model.data().lods[0].groups[0].store.indices[2] = 7; },
-         outcome::passed, outcome::failed, outcome::passed, outcome::passed, "first in: LOD 0, group 0: triangles"},
+         outcome::passed, outcome::failed, outcome::passed, outcome::passed, "first in: LOD 1, group 1: triangles"},
     };
     for (const auto& row : rows)
     {

@@ -1,0 +1,111 @@
+#include "Korvane/app/tool_commands.h"
+
+#include "EASY_GUI/services/text.h"
+#include "Korvane/app/prefix_dialog.h"
+#include "Korvane/app/text_dialogs.h"
+#include "Korvane/game/game_source.h"
+#include "Korvane/jobs/self_check.h"
+#include "Korvane/presenters/normal_map_command.h"
+
+namespace korvane
+{
+
+namespace
+{
+
+struct normal_map_outcome
+{
+    normal_map_job_result result;
+    bool is_done = false; // false: the only picture failed
+    failure why;
+    bool went_on = false; // false: stopped
+};
+
+normal_map_outcome runNormalMaps(page_host& host, const normal_map_job_options& options)
+{
+    normal_map_outcome outcome;
+    outcome.went_on = host.work("Converting normal maps", [&](const work_port& work) {
+        loaded_game game(host.document().game());
+        outcome.is_done = convertNormalMaps(game, options, work, outcome.result, outcome.why);
+    });
+    return outcome;
+}
+
+// Where the pictures go; nothing when the person changed their mind.
+std::optional<std::string> pickNormalMapOutput(page_host& host, normal_form target,
+                                               const std::vector<std::string>& inputs)
+{
+    const normal_map_pickers pickers = normalMapPickers(target);
+    const std::string title(pickers.output_title);
+    return asksForFolder(inputs) ? host.prompt().pickFolder(title)
+                                 : host.prompt().pickSavePath(title, pickers.filters, "tga");
+}
+
+// In front of which the beginning of a path is to be replaced most likely.
+std::string firstTextureFolder(const open_model& model)
+{
+    const group_data* const group = model.selectedGroup();
+    return group == nullptr || group->textures.empty() ? "" : textureRows(*group)[0].directory;
+}
+
+} // namespace
+
+void showGuide(page_host& host)
+{
+    help_dialog guide("Guide", {560, 520}, guideTexts());
+    runDialog(host, guide);
+}
+
+void showLegal(page_host& host)
+{
+    help_dialog legal("Legal Info About FBX SDK", {440, 280}, legalTexts());
+    runDialog(host, legal);
+}
+
+void testModel(page_host& host)
+{
+    const self_check_request request = selfCheckOf(*host.document().model().file(), host.document().game());
+    self_check_report report;
+    report.is_stopped = !host.work("Testing " + displayText(fileName(request.model.path)), [&](const work_port& work) {
+        report = runSelfCheck(request, work);
+    }) || report.is_stopped;
+    host.setStatus(report.summary());
+    if (report.steps.empty()) // stopped before there was anything to tell
+        return;
+    report_dialog shown(host, "Test", report.text());
+    runDialog(host, shown);
+}
+
+void replacePathPrefix(page_host& host)
+{
+    prefix_dialog asked(host.document().model(), firstTextureFolder(host.document().model()));
+    if (runDialog(host, asked) == prefix_dialog::replaced)
+        host.took(host.commands().replacePathPrefix(asked.wanted(), asked.replacement()));
+}
+
+void convertNormalMaps(page_host& host, normal_form target)
+{
+    const normal_map_pickers pickers = normalMapPickers(target);
+    std::vector<std::string> inputs = host.prompt().pickOpenPaths(std::string(pickers.input_title), pickers.filters);
+    if (inputs.empty())
+        return;
+    const std::optional<std::string> output = pickNormalMapOutput(host, target, inputs);
+    if (!output || output->empty())
+        return;
+    normal_map_job_options options = normalMapJob(target, inputs, *output);
+    normal_map_outcome outcome = runNormalMaps(host, options);
+    const std::optional<std::string> question = forceQuestion(outcome.result);
+    if (question && host.prompt().confirm("Normal Maps", *question, prompt_answer::no))
+    {
+        options = normalMapJob(target, inputs, *output, true);
+        outcome = runNormalMaps(host, options);
+    }
+    for (const failed_picture& failed : outcome.result.left.failed)
+        host.logLine("convertNormalMaps(). " + displayText(failed.input) + ": " + displayText(describe(failed.why)));
+    host.setStatus(normalMapStatus(target, outcome.result, !outcome.went_on));
+    if (!outcome.is_done && outcome.went_on && !question)
+        host.prompt().show("Error!", "The normal map was not converted.\r\n\r\n" + displayText(describe(outcome.why)),
+                           prompt_icon::error);
+}
+
+} // namespace korvane
