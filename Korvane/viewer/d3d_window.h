@@ -55,7 +55,7 @@ public:
     std::uint64_t framesDrawn() const; // presented so far
     void redraw();                     // asks for a new frame although nothing has changed
     const view_state& view() const { return m_view; }
-    const scene_pointer& scene() const { return m_scene; } // null: nothing
+    const scene_pointer& scene() const { return m_scene; }   // null: nothing
     device_faults& faults();                                 // for tests
     bool isWaitingForDevice() const { return m_is_waiting; } // a notice says so; Enter tries again
 
