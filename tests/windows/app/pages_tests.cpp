@@ -1,0 +1,143 @@
+// The pages Definition and Problems of the main window, and its dialogs.
+
+#include "EASY_GUI/win32/dialog_box.h"
+#include "tests/windows/app/main_window_fixture.h"
+
+#include <commctrl.h>
+
+namespace korvane::test
+{
+namespace
+{
+
+class pages_test : public main_window_test
+{
+protected:
+    LRESULT shownTab() const { return SendMessageW(find(control_tabs), TCM_GETCURSEL, 0, 0); }
+    std::string caption(int tab) const
+    {
+        wchar_t text[80] = {};
+        TCITEMW item{};
+        item.mask = TCIF_TEXT;
+        item.pszText = text;
+        item.cchTextMax = 80;
+        SendMessageW(find(control_tabs), TCM_GETITEMW, static_cast<WPARAM>(tab), reinterpret_cast<LPARAM>(&item));
+        return fromWide(text);
+    }
+    bool waitForCheck()
+    {
+        return pumpUntil([this] { return !m_window->isChecking(); });
+    }
+};
+
+TEST_F(pages_test, aDefinitionIsShownAtOnceAndOpensItsModels)
+{
+    writeArchive({{"men\\body.rigid_model_v2", soldier().bytes()}});
+    openWindow();
+    SetFocus(find(control_tabs));
+    ASSERT_TRUE(openFile(write("guard.variantmeshdefinition", std::string(guard_definition))));
+    EXPECT_EQ(shownTab(), 1);
+    EXPECT_EQ(text(control_definition_counts), "guard.variantmeshdefinition: 1 slot, 2 models, 0 references. 1 is "
+                                               "missing or broken.");
+    SetFocus(find(control_definition_tree)); // with the first model chosen
+    press(VK_RETURN);
+    EXPECT_EQ(shownTab(), 0);
+    EXPECT_EQ(text(control_file_path), "pack:men\\body.rigid_model_v2");
+
+    for (const int expected : {1, 2, 0})
+    {
+        pressWithControl(VK_TAB);
+        EXPECT_EQ(shownTab(), expected);
+    }
+    SendMessageW(m_window->handle(), WM_COMMAND, MAKELONG(former_page_command, 1), 0);
+    EXPECT_EQ(shownTab(), 2);
+    SendMessageW(m_window->handle(), WM_CLOSE, 0, 0);
+    EXPECT_EQ(m_config.get("page"), std::vector<std::string>{"problems"});
+}
+
+TEST_F(pages_test, aFindingLeadsToItsGroupAndEditsAreCheckedAgain)
+{
+    test_model model = soldier();
+    model.lods[1][0].textures[1].second = "c:\\mine\\x.dds";
+    openWindow(write("soldier.rigid_model_v2", model));
+    ASSERT_TRUE(waitForCheck());
+    const std::string before = caption(2);
+    EXPECT_EQ(before.substr(0, 10), "Problems (");
+
+    SetFocus(find(control_lod));
+    pressWithControl(VK_TAB);
+    pressWithControl(VK_TAB);
+    ASSERT_EQ(GetFocus(), find(control_problem_list));
+    press(VK_DOWN);
+    press(VK_HOME); // the worst: a path of somebody's disk
+    press(VK_RETURN);
+    EXPECT_EQ(shownTab(), 0);
+    EXPECT_EQ(m_window->document().model().selection(), (model_selection{1, 0}));
+
+    m_window->took(m_window->commands().replacePathPrefix("c:\\mine", "tex"));
+    EXPECT_TRUE(m_window->isChecking());
+    ASSERT_TRUE(waitForCheck());
+    EXPECT_NE(caption(2), before);
+}
+
+TEST_F(pages_test, dialogsOfCommandsSayAndDoWhatIsAsked)
+{
+    openWindow(write("soldier.rigid_model_v2", soldier()));
+    ui_thread later;
+    failure why;
+    ASSERT_TRUE(later.open(why)) << describe(why);
+    const auto commandWith = [&](document_command command, const std::function<void(HWND)>& act) {
+        bool has_acted = false;
+        const std::function<void()> look = [&] {
+            const HWND shown = dialog_box::innermost();
+            has_acted = shown != nullptr;
+            if (has_acted)
+                act(shown);
+            else
+                later.box().post(look);
+        };
+        later.box().post(look);
+        choose(command); // which returns when the dialog is left
+        EXPECT_TRUE(has_acted && dialog_box::innermost() == nullptr);
+    };
+    const auto cancel = [](HWND shown) { PostMessageW(shown, WM_CLOSE, 0, 0); };
+    commandWith(document_command::guide, cancel);
+    commandWith(document_command::legal, cancel);
+    commandWith(document_command::test, cancel);
+    EXPECT_EQ(happened().substr(0, 16), "The test is done");
+    commandWith(document_command::replace_path_prefix, [](HWND shown) {
+        SetWindowTextW(GetDlgItem(shown, control_prefix_replacement), L"new/");
+        EXPECT_TRUE(IsWindowEnabled(GetDlgItem(shown, control_prefix_replace)));
+        SetWindowTextW(GetDlgItem(shown, control_prefix_wanted), L"nothing so");
+        EXPECT_FALSE(IsWindowEnabled(GetDlgItem(shown, control_prefix_replace)));
+        SetWindowTextW(GetDlgItem(shown, control_prefix_wanted), L"MEN\\tex");
+        SendMessageW(GetDlgItem(shown, control_prefix_replace), BM_CLICK, 0, 0);
+    });
+    EXPECT_EQ(m_window->document().model().changes().size(), 4u);
+}
+
+TEST_F(pages_test, normalMapsAreConvertedAndCancellingWritesNothing)
+{
+    openWindow();
+    std::string picture(18, '\0');
+    picture[2] = 2; // true colour
+    picture[12] = picture[14] = 1;
+    picture[16] = 32;
+    picture[17] = 8;
+    picture += "\xff\x80\x80\xff"; // blue, green, red, alpha: straight up
+    const std::string input = write("blue.tga", picture);
+    choose(document_command::normal_map_to_orange); // cancelled at the first picker
+    m_prompt.answers = {input};
+    choose(document_command::normal_map_to_orange); // at the second one
+    EXPECT_FALSE(std::filesystem::exists(toPath(m_folder + "orange.tga")));
+    m_prompt.answer = m_folder + "orange.tga";
+    choose(document_command::normal_map_to_orange);
+    EXPECT_EQ(m_prompt.picked_with, "Convert BLUE Type Normal Map to Orange (CA) Type, pick OUTPUT file...|Targa "
+                                    "(*.tga)|*.tga");
+    EXPECT_TRUE(m_prompt.shown.empty());
+    EXPECT_EQ(happened(), "1 picture converted to ORANGE: " + m_folder + "orange.tga.");
+    EXPECT_TRUE(std::filesystem::exists(toPath(m_folder + "orange.tga")));
+}
+
+} // namespace
+} // namespace korvane::test
