@@ -118,6 +118,14 @@ void control::giveTip(NMHDR& message) const
     reinterpret_cast<NMTTDISPINFOW&>(message).lpszText = shown.data();
 }
 
+void control::setTip(std::string_view text)
+{
+    if (m_tip == text)
+        return;
+    m_tip = text;
+    restartTip(); // it may be on the screen
+}
+
 void control::restartTip()
 {
     if (tool_tip* const tips = tipsAround(m_handle))

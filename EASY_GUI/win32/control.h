@@ -43,7 +43,7 @@ public:
     virtual bool fillsHeight() const { return false; } // false: one line, in the middle of a higher row
     void focus() { SetFocus(m_handle); }
     // Shown while the mouse rests on the control, below its text where that does not fit; empty: only that text.
-    void setTip(std::string_view text) { m_tip = text; }
+    void setTip(std::string_view text);
 
 protected:
     control() = default;

@@ -28,8 +28,9 @@ bool isForText(const MSG& message)
         return first != last;
     case 'V':
     case 'X':
-    case 'Z':
         return is_editable;
+    case 'Z': // what was typed and not taken yet; else the document's last change
+        return is_editable && SendMessageW(message.hwnd, EM_CANUNDO, 0, 0) != 0;
     default:
         return false;
     }

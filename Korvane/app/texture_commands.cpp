@@ -73,8 +73,10 @@ std::string texture_commands::modelPath() const
 
 void texture_commands::say(const std::string& text)
 {
-    if (!text.empty())
-        m_host.setStatus(text);
+    if (text.empty())
+        return;
+    m_host.setStatus(text); // where the view soon says that it has read the file
+    m_told.status(text);
 }
 
 // Empty when none is set, and the person, who was asked to, does not set one.
@@ -219,7 +221,7 @@ void texture_commands::chooseFolder()
     if (const auto folder = m_host.prompt().pickFolder("Select Dir"))
     {
         m_extraction.setFolder(*folder);
-        m_told.extraction_status("Into " + displayText(*folder));
+        say("Textures are extracted into " + displayText(*folder));
     }
 }
 
@@ -259,7 +261,6 @@ void texture_commands::extract()
     const std::string text = texture_extraction_panel::countText(result);
     if (const std::string missing = texture_extraction_panel::missingText(result); !missing.empty())
         m_host.logLine(text + "\r\n" + missing);
-    m_told.extraction_status(text);
     say(text);
 }
 

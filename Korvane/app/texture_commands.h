@@ -28,9 +28,9 @@ class texture_commands
 public:
     struct listeners
     {
-        std::function<void()> files_changed;                            // rows and previews are to be looked up again
-        std::function<void(const work_progress&)> progress;             // of an extraction
-        std::function<void(const std::string& text)> extraction_status; // "12 DDS files extracted."
+        std::function<void()> files_changed;                 // rows and previews are to be looked up again
+        std::function<void(const work_progress&)> progress;  // of an extraction
+        std::function<void(const std::string& text)> status; // what happened last: "12 DDS files extracted."
     };
     texture_commands(page_host& host, texture_ports ports, listeners told);
 

@@ -286,7 +286,8 @@ protected:
     }
     std::string happened() const { return m_window->statusLine().part(0); }
     std::string counts() const { return m_window->statusLine().part(1); }
-    void drop(const std::string& file)
+    void drop(const std::string& file) { drop(file, m_window->handle(), {}); }
+    void drop(const std::string& file, HWND target, POINT at) // client pixels
     {
         const std::wstring path = toWide(file);
         const std::size_t text_bytes = (path.size() + 2) * sizeof(wchar_t); // the list ends in an empty path
@@ -294,9 +295,10 @@ protected:
         auto* const header = static_cast<DROPFILES*>(GlobalLock(block));
         header->pFiles = sizeof(DROPFILES);
         header->fWide = TRUE;
+        header->pt = at;
         std::memcpy(header + 1, path.c_str(), path.size() * sizeof(wchar_t));
         GlobalUnlock(block);
-        PostMessageW(m_window->handle(), WM_DROPFILES, reinterpret_cast<WPARAM>(block), 0);
+        PostMessageW(target, WM_DROPFILES, reinterpret_cast<WPARAM>(block), 0);
         pump();
     }
     void click(int id)
