@@ -241,6 +241,15 @@ bool tree_view::onNotify(NMHDR& message, LRESULT& result)
         if (const auto& chosen = reinterpret_cast<const NMTREEVIEWW&>(message); !m_is_set && chosen.itemNew.hItem)
             tell(onSelect, static_cast<node>(chosen.itemNew.lParam));
         return true;
+    case NM_RCLICK: // not every system tells the tree itself what it is to do
+    {
+        POINT at{};
+        GetCursorPos(&at);
+        if (onContextMenu)
+            tellContextMenu(at);
+        result = 1;
+        return true;
+    }
     case NM_RETURN:
     case NM_DBLCLK:
     {

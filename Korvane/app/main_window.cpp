@@ -440,6 +440,11 @@ void main_window::select(model_selection wanted)
         m_display.showLevel();
 }
 
+void main_window::showDefinitionPage()
+{
+    showPage(definition_tab);
+}
+
 void main_window::showModelPage(int texture_row)
 {
     showPage(model_tab);

@@ -76,6 +76,7 @@ public:
     void took(command_outcome outcome) override;
     void select(model_selection wanted) override;
     void showModelPage(int texture_row) override;
+    void showDefinitionPage() override;
     void setStatus(const std::string& text) override;
     void logLine(const std::string& line) override;
     bool work(const std::string& title, const std::function<void(const work_port&)>& work) override;

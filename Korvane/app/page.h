@@ -41,6 +41,7 @@ public:
     // Another LOD or group was chosen, or a texture row is to be seen (-1: none of them); the Model page shows it.
     virtual void select(model_selection wanted) = 0;
     virtual void showModelPage(int texture_row) = 0;
+    virtual void showDefinitionPage() = 0;
     virtual void setStatus(const std::string& text) = 0; // what happened last
     virtual void logLine(const std::string& line) = 0;
     // Runs long work on a worker; the window answers, but is disabled but for a Stop button. False when it was stopped.

@@ -221,6 +221,8 @@ void problems_page::openProblem(int row)
     if (row < 0 || static_cast<std::size_t>(row) >= m_problems.rowCount())
         return;
     const problem_list::problem_target target = m_problems.target(static_cast<std::size_t>(row));
+    if (!target.is_in_open_model && target.file == host().document().definition().path())
+        return host().showDefinitionPage();
     if (!target.is_in_open_model && !host().openFile(target.file))
         return;
     if (!target.is_in_open_model && isDefinitionPath(target.file))
