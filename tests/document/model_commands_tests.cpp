@@ -295,7 +295,7 @@ TEST_F(model_commands_test, whatIsPastedIntoATextureRowBecomesAPath)
         {"  \"C:\\Game/data\\Men\\B.dds\"\r\nsecond line", "Men/B.dds"},
         {"D:\\Mods\\mine\\b.dds", "b.dds"},
         {"D:\\Mods\\mine2\\b.dds", "tex/b.dds"},
-        {"/home/x/b.dds", "tex/b.dds"},
+        {"/mods/x/b.dds", "tex/b.dds"},
         {"b.dds", "tex/b.dds"},
         {"men\\b.dds", "men\\b.dds"},
         {"pack:men\\b.dds", "men\\b.dds"},

@@ -1,4 +1,5 @@
 #include "EASY_GUI/services/config_file.h"
+#include "EASY_GUI/services/shared_config.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -134,6 +135,38 @@ TEST(config_file, aChangeLeavesAFileThatIsNotUnderstoodToItsEnd)
     failure none;
     EXPECT_TRUE(config.change(path, add, none, config_file::damaged_end::dropped)) << describe(none);
     EXPECT_EQ(test::readBytes(path), "a = \r\"1\";\r\n\r\nc = \r\"3\";\r\n\r\n");
+}
+
+TEST(shared_config, tellsOnceThatItCannotBeWrittenAndTakesUpWhatOthersWrite)
+{
+    const test::temporary_folder folder;
+    int told = 0, failed = 0;
+    const shared_config::listeners listeners{[&](const failure&) { ++told; }, [&](const failure&) { ++failed; }};
+    config_file table;
+    shared_config unwritable(table, folder.file("no such folder/config.cfg"), listeners);
+    for (const char* value : {"one", "two"})
+        EXPECT_FALSE(unwritable.set("page", {value}));
+    EXPECT_EQ(unwritable.get("page"), values{"two"}) << "it works on";
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(failed, 2);
+
+    const std::string path = folder.file("config.cfg");
+    config_file own_table;
+    shared_config config(own_table, path, listeners);
+    EXPECT_TRUE(config.set("page", {"model"}));
+    EXPECT_FALSE(config.takeUp()) << "what it has written itself is no news";
+    config_file other;
+    failure why;
+    ASSERT_TRUE(other.change(
+        path, [](config_file& file) { return file.add("data_paths", {"c:\\"}, false); }, why));
+    EXPECT_TRUE(config.set("page", {"problems"})); // to the file as the other program left it
+    EXPECT_EQ(config.get("data_paths"), values{"c:\\"});
+    ASSERT_TRUE(other.change(
+        path, [](config_file& file) { return file.add("mod_paths", {"d:\\mods"}, false); }, why));
+    EXPECT_TRUE(config.takeUp());
+    EXPECT_EQ(config.get("mod_paths"), values{"d:\\mods"});
+    EXPECT_EQ(config.get("page"), values{"problems"});
+    EXPECT_EQ(told, 1);
 }
 
 } // namespace korvane

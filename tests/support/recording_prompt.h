@@ -23,6 +23,8 @@ public:
     bool confirm(const std::string& title, const std::string& text, prompt_answer) override
     {
         shown.emplace_back(title, text);
+        if (while_asking)
+            while_asking();
         if (confirmations.empty())
             return will_confirm;
         const bool is_yes = confirmations.front();
@@ -52,6 +54,7 @@ public:
     std::string picked_with;                                // of the last picker: title, first label, first pattern
     std::vector<bool> confirmations;                        // the next answers; then
     bool will_confirm = false;
+    std::function<void()> while_asking;  // before will_confirm is looked at
     std::function<void()> while_picking; // what happens while a file is picked
     std::optional<std::string> answer;   // of the next picker
     std::vector<std::string> answers;    // of the next picker of several files; none: the answer
