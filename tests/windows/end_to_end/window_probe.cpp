@@ -5,6 +5,7 @@
 //   window_probe gone TITLE SECONDS        until there is none
 //   window_probe texts TITLE               its controls: [{"id", "class", "text", "enabled"}]
 //   window_probe choose TITLE ID POSITION  an entry of a drop-down list, as the person does
+//   window_probe command TITLE NUMBER      a command by its number (Korvane/app/command_ids.h)
 //   window_probe click TITLE ID            a button
 //   window_probe close TITLE               asks the window to close
 //   window_probe lose TITLE STEP TIMES     the view's next steps lose the graphics device (Korvane/viewer/d3d_window.h)
@@ -163,6 +164,8 @@ int act(const std::wstring& action, HWND window, const std::vector<int>& numbers
     }
     else if (action == L"close")
         return PostMessageW(window, WM_CLOSE, 0, 0) ? 0 : 1;
+    else if (action == L"command" && numbers.size() == 1)
+        return PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(numbers[0]), 0) ? 0 : 1;
     else if (action == L"lose" && numbers.size() == 2)
         return PostMessageW(window, RegisterWindowMessageW(L"korvane_lose_device"), static_cast<WPARAM>(numbers[0]),
                             numbers[1])
