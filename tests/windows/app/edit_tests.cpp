@@ -29,6 +29,14 @@ TEST_F(main_window_test, editsAreUndoneRedoneAndSavedToTheByte)
     choose(document_command::redo);
     EXPECT_EQ(text(control_tool_alpha_mode), "Alpha On");
 
+    const HWND field = find(control_texture_file + 1);
+    SetWindowTextW(field, L"worn.dds");
+    SendMessageW(field, WM_KEYDOWN, VK_RETURN, 1);
+    choose(document_command::undo);
+    EXPECT_EQ(text(control_texture_file + 1), "body_normal.dds");
+    choose(document_command::redo);
+    EXPECT_EQ(text(control_texture_file + 1), "worn.dds");
+
     m_prompt.answer = m_folder + "no such folder\\other.rigid_model_v2";
     choose(document_command::save_as);
     ASSERT_EQ(m_prompt.shown.size(), 1u) << "a target that cannot be written is told";
@@ -40,6 +48,7 @@ TEST_F(main_window_test, editsAreUndoneRedoneAndSavedToTheByte)
     EXPECT_FALSE(m_window->title().ends_with("*[edited]"));
     test_model expected = soldier();
     expected.lods[0][0].alpha_mode = 1;
+    expected.lods[0][0].textures[1].second = "men/tex/worn.dds";
     EXPECT_EQ(bytesOf(*m_prompt.answer), expected.bytes());
     EXPECT_EQ(bytesOf(path), soldier().bytes());
 }

@@ -33,6 +33,7 @@ AT_PRESENT = 3  # device_step in D3D11_RENDER_LIB/device_faults.h
 
 # Numbers of controls, as in Korvane/app/command_ids.h.
 STATUS, SHOW_VIEW, PATH, VERSION, GAME, SKELETON, LOD, GROUP = 1001, 1002, 1100, 1101, 1102, 1103, 1200, 1201
+SAVE, UNDO, REDO = 103, 116, 117  # commands
 MATERIAL_ID, GROUP_NAME, SHADER_NAME, VERTEX_FORMAT, CAPTION, ALPHA = 1301, 1302, 1303, 1305, 1400, 1405
 TEXTURE_DIRECTORY, TEXTURE_FILE = 1510, 1520
 
@@ -349,6 +350,44 @@ class session(unittest.TestCase):
         self.assertTrue(probe("gone", "Error!", 20))
         self.assertEqual(texts(TITLE), before)
         self.assertTrue(probe("wait", TITLE + "   RMV2: [my", 1))
+        self.assertEqual(self.close(), 0)
+
+    def test_an_alpha_mode_is_edited_undone_redone_and_saved_and_a_kill_leaves_a_whole_file(self):
+        model = self.make_demo()
+        with open(model, "rb") as file:
+            former = file.read()
+        self.console("edit", windows_path(model), "-o", windows_path(self.path("expected")), "--alpha", "0:0=1")
+        with open(self.path("expected"), "rb") as file:
+            edited = file.read()
+        self.assertNotEqual(former, edited)
+        title = TITLE + "   RMV2: [" + os.path.basename(model)
+        self.start(windows_path(model))
+        self.assertTrue(probe("wait", title, 60))
+        unedited = probe("wait", title, 1)
+        self.assertTrue(probe("choose", TITLE, ALPHA, 1))
+        self.assertEqual(probe("wait", title, 1), unedited + "*[edited]")
+        self.assertTrue(probe("command", TITLE, UNDO))
+        self.assertTrue(wait_until(lambda: probe("wait", title, 1) == unedited))
+        self.assertTrue(probe("command", TITLE, REDO))
+        self.assertTrue(wait_until(lambda: probe("wait", title, 1) == unedited + "*[edited]"))
+        self.assertTrue(probe("command", TITLE, SAVE))
+        self.assertTrue(wait_until(lambda: probe("wait", title, 1) == unedited))
+        with open(model, "rb") as file:
+            self.assertEqual(file.read(), edited)
+
+        # Killed somewhere in a save: the old file or the new one, whole.
+        for pause in (0, 0.005, 0.01, 0.02, 0.04):
+            self.assertTrue(probe("choose", TITLE, ALPHA, 0))
+            self.assertTrue(probe("command", TITLE, SAVE))
+            time.sleep(pause)
+            self.running.kill()
+            self.running.wait(30)
+            with open(model, "rb") as file:
+                self.assertIn(file.read(), (former, edited))
+            with open(model, "wb") as file:
+                file.write(edited)
+            self.start(windows_path(model))
+            self.assertTrue(probe("wait", title, 60))
         self.assertEqual(self.close(), 0)
 
 
