@@ -117,6 +117,8 @@ void empty_state::layOut()
         m_choices[i].place(x, y, button_width, button_height);
         x += button_width + scaled(button_gap);
     }
+    // Lines that move take with them what was painted where they stood.
+    RedrawWindow(handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 } // namespace korvane

@@ -223,6 +223,12 @@ void game_folders_dialog::findGamesOfStores()
         m_folders.add(game);
     if (why)
         m_host.prompt().show("Find Games", describe(why), prompt_icon::error);
+    std::vector<folder_look> looks;
+    const modal_work counting{handle(), "Counting archives"};
+    static_cast<void>(counting.run([&looks, folders = m_folders.unseenFolders()](const work_port& port) {
+        looks = game_folders::look(folders, port);
+    }));
+    m_folders.take(looks);
     show();
     m_list.focus();
 }
