@@ -161,12 +161,16 @@ void scene_display::placeView() const
     SetWindowPos(view, nullptr, x, own.top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+// Most of it: then the person who asked for the view would look for it, or for the window behind it.
 bool scene_display::coversOwner() const
 {
+    const auto areaOf = [](const RECT& place) {
+        return static_cast<long long>(place.right - place.left) * (place.bottom - place.top);
+    };
     RECT own{}, view{}, both{};
     GetWindowRect(m_owner.handle(), &own);
     GetWindowRect(m_po_view->handle(), &view);
-    return IntersectRect(&both, &own, &view) != FALSE;
+    return IntersectRect(&both, &own, &view) != FALSE && 2 * areaOf(both) > areaOf(own);
 }
 
 } // namespace korvane
