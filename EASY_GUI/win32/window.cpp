@@ -112,6 +112,12 @@ window* window::fromHandle(HWND handle)
     return found == windows.end() ? nullptr : found->second;
 }
 
+void window::answerOthers()
+{
+    MSG message{};
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+}
+
 RECT window::workArea(HWND shown)
 {
     MONITORINFO monitor{};

@@ -86,6 +86,9 @@ public:
 
     // Of the monitor that shows a window, without its task bar; null: of the first monitor. Screen pixels.
     static RECT workArea(HWND shown);
+    // Lets the messages in that other programs and threads have sent to the windows of this thread and wait for,
+    // nothing from the queue. For what takes long with many controls, so that the window answers meanwhile.
+    static void answerOthers();
 
     tool_tip& tips(); // of all controls in this top-level window
 

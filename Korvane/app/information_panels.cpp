@@ -94,8 +94,11 @@ information_panels::information_panels(const std::function<void(int id)>& acted)
 bool information_panels::createIn(HWND parent, failure& why)
 {
     for (field_panel* const panel : m_panels)
+    {
         if (!panel->createIn(parent, why))
             return false;
+        window::answerOthers();
+    }
     return true;
 }
 

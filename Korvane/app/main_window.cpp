@@ -112,10 +112,13 @@ bool main_window::onCreated()
     m_menu.createFor(handle());
     m_opening.fillRecentFiles();
     applyFont();
+    answerOthers();
     bool is_maximised = false;
     if (!restorePlace(handle(), m_config, config_keys::main_window_place, is_maximised))
         fitHeight();
+    answerOthers();
     showDocument();
+    answerOthers();
     showPage(keptTab(m_config.table()));
     show(is_maximised ? SW_SHOWMAXIMIZED : SW_SHOW);
     UpdateWindow(handle());
@@ -148,8 +151,11 @@ bool main_window::createContent()
     if (!m_show_view.create(handle(), control_show_view, "Show &3D View"))
         return refuse("a button");
     for (page* const each : m_pages)
+    {
         if (!each->createIn(handle(), m_start_failure))
             return false;
+        answerOthers();
+    }
     if (!m_status.create(handle(), control_status, status_widths))
         return refuse("the status line");
     for (const char* const caption : {"Model", "Definition", "Problems"})
@@ -217,7 +223,10 @@ void main_window::applyFont()
     m_show_view.setFont(*fresh);
     m_status.setFont(*fresh);
     for (page* const each : m_pages)
+    {
         each->setFont(*fresh);
+        answerOthers();
+    }
     m_po_font = std::move(fresh); // the old one goes only now that no control uses it
     layOut();
 }
@@ -361,10 +370,19 @@ void main_window::loadDefaultSkeleton()
         return;
     const std::string step = "Loading default skeleton: " + std::string(default_skeleton);
     logLine(step);
-    loaded_game source(m_document.game());
+    const auto game = m_document.game();
+    // A path that no archive holds is looked for under other spellings, and compared with all: seconds for a million.
+    if (game->archives()->find(default_skeleton) == nullptr)
+        return logLine("main_window::loadDefaultSkeleton(). No archive holds it.");
     failure why;
-    m_po_default_skeleton =
-        loadAnim(source, game_path("pack:" + std::string(default_skeleton)), anim_depth::skeleton, why);
+    std::shared_ptr<const anim_data> loaded;
+    const bool went_on = work("Loading the default skeleton", [&](const work_port&) {
+        loaded_game source(game);
+        loaded = loadAnim(source, game_path("pack:" + std::string(default_skeleton)), anim_depth::skeleton, why);
+    });
+    if (!went_on)
+        return;
+    m_po_default_skeleton = std::move(loaded);
     logLine(m_po_default_skeleton ? step + ": SUCCESS" : "main_window::loadDefaultSkeleton(). " + describe(why));
 }
 

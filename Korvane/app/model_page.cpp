@@ -38,6 +38,8 @@ bool model_page::onCreated()
 void model_page::setFont(const font& used)
 {
     m_column.setFont(used);
+    if (host().document().model().hasModel()) // else it is laid out when there is something to see
+        m_column.layOut();
     m_empty.setFont(used);
 }
 

@@ -26,8 +26,10 @@ SCROLLINFO scrollState(HWND window)
 void panel_column::setFont(const font& used)
 {
     for (column_part* const part : m_parts)
+    {
         part->setFont(used);
-    layOut();
+        window::answerOthers();
+    }
 }
 
 int panel_column::contentHeight() const

@@ -79,6 +79,7 @@ bool texture_field_group::onCreated()
     {
         if (!m_rows[i].create(handle(), static_cast<int>(i)))
             return false;
+        answerOthers();
         m_rows[i].onTyped = [this, i] { setPath(i); };
         m_rows[i].onPaste = [this] { return pasteClipboard(); };
         m_rows[i].onChoose = [this, i] {
@@ -196,7 +197,7 @@ void texture_field_group::place(int x, int y, int width, int height)
 
 void texture_field_group::onSize(int width, int height, size_change)
 {
-    if (m_po_font == nullptr || !m_below)
+    if (m_po_font == nullptr || !m_below || width == 0) // without a place yet
         return;
     const int gap = scaled(row_gap);
     m_frame.place(0, 0, width, height);
