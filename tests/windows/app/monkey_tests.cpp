@@ -41,10 +41,11 @@ protected:
         m_prompt.while_picking = [this] {
             m_prompt.answer.reset();
             if (draw(4) != 0)
-                m_prompt.answer = anyFile();
+                m_prompt.answer = m_files[draw(m_on_disk)]; // file dialogs give no internal paths
         };
         writeArchive(
             {{"men\\body.rigid_model_v2", soldier().bytes()}, {"men\\guard.variantmeshdefinition", guard_definition}});
+        m_on_disk = static_cast<unsigned>(m_files.size());
         m_files.emplace_back("pack:men/body.rigid_model_v2");
         m_files.emplace_back("pack:men/guard.variantmeshdefinition");
         // Runs in every message loop, also those of dialogs and menus.
@@ -227,7 +228,8 @@ protected:
 
     static inline monkey_test* sm_po_monkey = nullptr;
     std::mt19937 m_random{setting("KORVANE_MONKEY_SEED", 1)};
-    std::vector<std::string> m_files;
+    std::vector<std::string> m_files; // those of the archives are the last ones
+    unsigned m_on_disk = 0;           // of them
     std::ofstream m_log_of_steps;
     std::string m_step;
     unsigned m_steps_made = 0;
