@@ -45,6 +45,8 @@ public:
     }
     void showEnd() // of a text that is too long, and put the caret there
     {
+        send(EM_SETSEL, 0, 0); // first back to the beginning: a field that has become wider would stay scrolled
+        send(EM_SCROLLCARET);
         const int length = GetWindowTextLengthW(handle());
         send(EM_SETSEL, static_cast<WPARAM>(length), length);
         send(EM_SCROLLCARET);

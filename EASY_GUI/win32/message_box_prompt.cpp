@@ -30,6 +30,31 @@ private:
     HWND m_active;
 };
 
+// A box is as wide as its longest word: paths are broken behind a separator.
+std::string broken(const std::string& text)
+{
+    constexpr std::size_t longest_word = 100;
+    std::string result;
+    std::size_t word = 0;      // length, so far
+    std::size_t separator = 0; // behind the last one of the word, in the result; 0: none
+    for (const char character : text)
+    {
+        result += character;
+        word = character == ' ' || character == '\n' ? 0 : word + 1;
+        if (word == 0)
+            separator = 0;
+        else if (character == '\\' || character == '/')
+            separator = result.size();
+        if (word > longest_word && separator != 0)
+        {
+            result.insert(separator, "\r\n");
+            word = result.size() - separator - 2;
+            separator = 0;
+        }
+    }
+    return result;
+}
+
 UINT iconFlag(prompt_icon icon)
 {
     switch (icon)
@@ -101,7 +126,7 @@ HWND message_box_prompt::owner() const
 void message_box_prompt::show(const std::string& title, const std::string& text, prompt_icon icon)
 {
     const front_keeper front;
-    MessageBoxW(owner(), toWide(text).c_str(), toWide(title).c_str(), MB_OK | iconFlag(icon));
+    MessageBoxW(owner(), toWide(broken(text)).c_str(), toWide(title).c_str(), MB_OK | iconFlag(icon));
 }
 
 bool message_box_prompt::confirm(const std::string& title, const std::string& text, prompt_answer preset)

@@ -31,6 +31,7 @@ void tab_view::setCaption(int page, std::string_view caption)
     item.mask = TCIF_TEXT;
     item.pszText = text.data();
     send(TCM_SETITEMW, static_cast<WPARAM>(page), reinterpret_cast<LPARAM>(&item));
+    InvalidateRect(handle(), nullptr, TRUE); // a shorter one leaves room at the end
 }
 
 std::string tab_view::caption(int page) const

@@ -9,7 +9,6 @@
 #include "Korvane/app/resources.h"
 #include "Korvane/app/window_places.h"
 #include "Korvane/document/kept_edits.h"
-#include "Korvane/jobs/operands.h"
 #include "Korvane/presenters/help_texts.h"
 #include "Korvane/textures/picture_file.h"
 
@@ -35,7 +34,6 @@ enum page_tab : std::size_t
     problems_tab
 };
 constexpr std::array<std::string_view, 3> page_names = {"model", "definition", "problems"}; // in the configuration
-constexpr std::string_view default_skeleton = "animations\\skeletons\\humanoid01.anim";
 
 // Where nothing, or nonsense, is kept the model's.
 std::size_t keptTab(const config_file& config)
@@ -59,6 +57,7 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
     , m_display(*this, m_document, m_thread, m_ports.make_view,
                 {logPort(), [this] { showCounts(); }, [this](const work_progress& now) { showLoading(now); },
                  [this](HWND view) { return restoreView(view); }})
+    , m_archives(*this)
     , m_opening(*this, m_menu, [this](const std::string& path) { opened(path); })
     , m_model_page(*this, {m_ports.open_folder, m_ports.open_editor})
     , m_definition_page(*this)
@@ -99,8 +98,8 @@ bool main_window::onCreated()
         m_ports.set_prompt_owner(handle());
     if (!m_ports.log_name.empty())
         m_ports.log.open(m_ports.log_name);
-    const bool has_game = loadGame(true);
-    loadDefaultSkeleton();
+    const bool has_game = m_archives.load(true);
+    m_archives.loadDefaultSkeleton();
     showFirstRunNotice();
 
     logLine("assigning accelerators ");
@@ -248,6 +247,8 @@ void main_window::layOut()
                       button_height);
     const int status_height = m_status.preferredHeight();
     m_status.place(0, client.bottom - status_height, client.right, status_height);
+    // Where controls were moved over others their old pixels stay.
+    RedrawWindow(handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
     for (page* const each : m_pages)
         each->place({0, top, client.right, std::max<LONG>(top, client.bottom - status_height)});
 }
@@ -363,64 +364,11 @@ void main_window::opened(const std::string& path)
     showView(scene_display::focus::stays);
 }
 
-// Of the figures that have no other one.
-void main_window::loadDefaultSkeleton()
-{
-    if (!m_document.game()->hasArchives())
-        return;
-    const std::string step = "Loading default skeleton: " + std::string(default_skeleton);
-    logLine(step);
-    const auto game = m_document.game();
-    // A path that no archive holds is looked for under other spellings, and compared with all: seconds for a million.
-    if (game->archives()->find(default_skeleton) == nullptr)
-        return logLine("main_window::loadDefaultSkeleton(). No archive holds it.");
-    failure why;
-    std::shared_ptr<const anim_data> loaded;
-    const bool went_on = work("Loading the default skeleton", [&](const work_port&) {
-        loaded_game source(game);
-        loaded = loadAnim(source, game_path("pack:" + std::string(default_skeleton)), anim_depth::skeleton, why);
-    });
-    if (!went_on)
-        return;
-    m_po_default_skeleton = std::move(loaded);
-    logLine(m_po_default_skeleton ? step + ": SUCCESS" : "main_window::loadDefaultSkeleton(). " + describe(why));
-}
-
-// Says what there is to say of the loading. Where nothing was loaded, what was there before stays. False when it was
-// stopped.
-bool main_window::loadGame(bool trusts_cache)
-{
-    game_load loaded;
-    const game_loader loader(m_config.table(), m_config.path());
-    const bool went_on = work("Reading the archives of the game", [&](const work_port& port) {
-        loaded = trusts_cache ? loader.load(port) : loader.reload(port);
-    });
-    m_config.noteOwnChange();
-    if (!went_on)
-        return false;
-    if (trusts_cache && !loader.hasFolders()) // the last one was taken off the list
-        loaded.game = std::make_shared<const game_data>();
-    for (const notice& each : loaded.notices)
-    {
-        std::string line = each.title + " " + each.text;
-        std::erase(line, '\r');
-        std::replace(line.begin(), line.end(), '\n', ' ');
-        logLine(line);
-        m_ports.prompt.show(each.title, each.text, prompt_icon::error);
-    }
-    if (loaded.game != nullptr)
-    {
-        publishGame(*loaded.game);
-        m_document.setGame(loaded.game);
-    }
-    return true;
-}
-
 // The archives themselves say in the log what was read.
 void main_window::rereadArchives(bool trusts_cache)
 {
     const auto former = m_document.game();
-    if (!loadGame(trusts_cache) || m_document.game() == former)
+    if (!m_archives.load(trusts_cache) || m_document.game() == former)
         return;
     for (const open_error& error : m_document.reopen())
         m_ports.prompt.show(error.title, error.text, prompt_icon::error);

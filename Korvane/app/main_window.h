@@ -10,16 +10,15 @@
 #include "EASY_GUI/win32/button.h"
 #include "EASY_GUI/win32/status_bar.h"
 #include "EASY_GUI/win32/tab_view.h"
-#include "Korvane/animation/anim_file.h"
 #include "Korvane/app/definition_page.h"
 #include "Korvane/app/file_opening.h"
+#include "Korvane/app/game_archives.h"
 #include "Korvane/app/main_menu.h"
 #include "Korvane/app/model_page.h"
 #include "Korvane/app/model_view.h"
 #include "Korvane/app/page.h"
 #include "Korvane/app/problems_page.h"
 #include "Korvane/app/scene_display.h"
-#include "Korvane/game/game_loader.h"
 
 #include <functional>
 #include <map>
@@ -100,7 +99,6 @@ private:
     void takeTyped();
     void keepPlaces();
     bool restoreView(HWND shown) const;
-    void loadDefaultSkeleton();
 
     // Layout
     void applyFont();
@@ -112,7 +110,6 @@ private:
     // Files and archives
     bool isBusy() const { return m_works > 0; }
     void opened(const std::string& path);
-    bool loadGame(bool trusts_cache);
     void rereadArchives(bool trusts_cache);
     void setUpFolders();
     void logProblems();
@@ -137,11 +134,11 @@ private:
     ui_thread m_thread;
     open_files m_document;
     model_commands m_commands;
-    std::shared_ptr<const anim_data> m_po_default_skeleton; // null: the game has none
-    failure m_start_failure;                                // why the window could not be filled
-    int m_works = 0;                                        // that run, one within the other
+    failure m_start_failure; // why the window could not be filled
+    int m_works = 0;         // that run, one within the other
     main_menu m_menu;
     scene_display m_display;
+    game_archives m_archives;
     file_opening m_opening;
 
     model_page m_model_page;

@@ -134,6 +134,7 @@ void texture_commands::replaceWith(std::size_t row, const std::string& picture, 
     if (!is_done)
         return m_host.prompt().show(title, "The picture was not taken.\r\n\r\n" + displayText(describe(why)),
                                     prompt_icon::error);
+    m_edits.forget(result.internal_path);
     if (wanted == target::new_path)
         setPath(row, result.internal_path);
     m_told.files_changed();
@@ -159,6 +160,15 @@ void texture_commands::edit(std::size_t row)
     if (!is_done)
         return m_host.prompt().show(title, "The texture could not be unpacked.\r\n\r\n" + displayText(describe(why)),
                                     prompt_icon::error);
+    if (picture.was_there && !m_edits.isFollowed(picture.picture) &&
+        !m_host.prompt().confirm(title,
+                                 "A painting of this texture is there already, and differs from the texture as it is "
+                                 "now:\r\n" +
+                                     displayText(picture.picture) +
+                                     "\r\n\r\nGo on with the painting? It then becomes the texture. To begin anew from "
+                                     "the texture, answer No and take that file away first.",
+                                 prompt_answer::no))
+        return say("The painting was left as it is: " + displayText(picture.picture));
     m_edits.follow(picture);
     if (!m_ports.open_editor(picture.picture))
         m_host.prompt().show(title,

@@ -83,6 +83,15 @@ void replacePathPrefix(page_host& host)
         host.took(host.commands().replacePathPrefix(asked.wanted(), asked.replacement()));
 }
 
+std::string failedText(const std::vector<failed_picture>& failed)
+{
+    constexpr std::size_t most_named = 5;
+    std::string text = counted(failed.size(), "picture") + " could not be converted:";
+    for (std::size_t i = 0; i < std::min(failed.size(), most_named); ++i)
+        text += "\r\n\r\n" + displayText(fileName(failed[i].input)) + ": " + displayText(failed[i].why.what);
+    return failed.size() > most_named ? text + "\r\n\r\nThe others are named in log.txt." : text;
+}
+
 void convertNormalMaps(page_host& host, normal_form target)
 {
     const normal_map_pickers pickers = normalMapPickers(target);
@@ -100,9 +109,12 @@ void convertNormalMaps(page_host& host, normal_form target)
         options = normalMapJob(target, inputs, *output, true);
         outcome = runNormalMaps(host, options);
     }
-    for (const failed_picture& failed : outcome.result.left.failed)
+    const std::vector<failed_picture>& all_failed = outcome.result.left.failed;
+    for (const failed_picture& failed : all_failed)
         host.logLine("convertNormalMaps(). " + displayText(failed.input) + ": " + displayText(describe(failed.why)));
     host.setStatus(normalMapStatus(target, outcome.result, !outcome.went_on));
+    if (inputs.size() > 1 && !all_failed.empty())
+        return host.prompt().show("Normal Maps", failedText(all_failed), prompt_icon::warning);
     if (!outcome.is_done && outcome.went_on && !question)
         host.prompt().show("Error!", "The normal map was not converted.\r\n\r\n" + displayText(describe(outcome.why)),
                            prompt_icon::error);

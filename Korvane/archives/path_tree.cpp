@@ -206,11 +206,16 @@ const pack_file_node* path_tree::findFile(std::string_view path) const
     const std::string normal = normalInternalPath(path);
     if (const pack_file_node* const file = fileOf(find(normal)))
         return file;
-    const std::lock_guard lock(m_odd_lock);
-    if (!m_po_odd)
-        indexOdd();
+    prepareForMisses();
     const auto found = m_po_odd->find(normal);
     return found == m_po_odd->end() ? nullptr : found->second;
+}
+
+void path_tree::prepareForMisses() const
+{
+    const std::lock_guard lock(m_odd_lock); // once made, it stays as it is
+    if (!m_po_odd)
+        indexOdd();
 }
 
 const pack_file_node* path_tree::copyBelow(const pack_file_node& file) const

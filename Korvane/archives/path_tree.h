@@ -113,6 +113,8 @@ public:
     // '/' or such blanks themselves. Null when there is none, or only a folder. Valid as long as the caller holds the
     // tree. This is the one way in which files are looked up, but where a listing goes from path to path.
     const pack_file_node* findFile(std::string_view path) const;
+    // Makes what the first look-up of a path that nothing holds would wait for. Any thread.
+    void prepareForMisses() const;
     // The copy of a file that would count without it: that of the archive that was entered last before its own. Null
     // when there is none. Looks through every archive.
     const pack_file_node* copyBelow(const pack_file_node& file) const;

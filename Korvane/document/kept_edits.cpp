@@ -236,11 +236,17 @@ bool offerKeptEdits(const std::string& folder, open_files& document, user_prompt
         const bool is_wanted = prompt.confirm(
             title,
             "The program ended before the changes to this model were saved:\r\n" + kept.origin.path +
-                "\r\n\r\nOpen the model with these changes? No discards them for good." +
+                "\r\n\r\nOpen the model with these changes?" +
                 (has_changed ? "\r\n\r\nThe file itself is not what it was then; saving will ask where to." : ""),
             prompt_answer::yes);
-        log("kept edits: " + keep + (is_wanted ? " opened" : " discarded"));
-        claim->removeAtEnd();
+        const bool is_unwanted =
+            !is_wanted && prompt.confirm(title,
+                                         "Discard the changes to this model for good?\r\n" + kept.origin.path +
+                                             "\r\n\r\nNo keeps them until the next start.",
+                                         prompt_answer::no);
+        log("kept edits: " + keep + (is_wanted ? " opened" : is_unwanted ? " discarded" : " left for later"));
+        if (is_wanted || is_unwanted)
+            claim->removeAtEnd();
         if (!is_wanted)
             continue;
         kept.origin.keep = keep;

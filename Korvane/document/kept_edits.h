@@ -89,9 +89,10 @@ private:
 // The folder of the program itself.
 [[nodiscard]] std::string defaultKeepFolder();
 
-// At the start: asks for each keep whether it is to be opened, until one is. What is declined is removed, what is
-// opened when it is saved or discarded; what is damaged is named and left alone, what another program has open is
-// passed over. True when the document now shows the edits, as edits that are not saved.
+// At the start: asks for each keep whether it is to be opened, until one is. What is declined is removed when a
+// second question allows it, what is opened when it is saved or discarded; what is damaged is named and left alone,
+// what another program has open is passed over. True when the document now shows the edits, as edits that are not
+// saved.
 bool offerKeptEdits(const std::string& folder, open_files& document, user_prompt& prompt, const log_port& log);
 
 } // namespace korvane

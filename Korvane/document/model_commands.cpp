@@ -197,6 +197,17 @@ command_outcome model_commands::patch()
                       "it. Open it and make them there.\r\n" +
                           *path,
                       prompt_icon::warning);
+    else if (m_prompt.confirm("Patched",
+                              "The patched model was written:\r\n" + *path +
+                                  "\r\n\r\nWhat is open here is still the model of version 6. Open the patched one "
+                                  "instead?",
+                              prompt_answer::yes))
+    {
+        if (m_document.open(*path, why))
+            return static_cast<void>(done("Patched, and opened: " + *path)), command_outcome::opened_other;
+        const open_error error = describeOpenFailure(*path, why, *m_document.game());
+        m_prompt.show(error.title, error.text, prompt_icon::error);
+    }
     return done("Patched: " + *path);
 }
 

@@ -4,6 +4,7 @@
 #include "EASY_GUI/services/version.h"
 #include "Korvane/game/game_model.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace korvane
@@ -40,8 +41,11 @@ bool isFbxPath(const std::string& path)
 std::string file_choice::describeLeftOut() const
 {
     std::string text = "One model and one definition can be open at a time. Not opened:";
-    for (const std::string& path : left_out)
-        text += "\r\n" + path;
+    constexpr std::size_t most_named = 5;
+    for (std::size_t i = 0; i < std::min(left_out.size(), most_named); ++i)
+        text += "\r\n" + left_out[i];
+    if (left_out.size() > most_named)
+        text += "\r\nand " + counted(left_out.size() - most_named, "other file");
     return text;
 }
 

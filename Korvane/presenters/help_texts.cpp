@@ -77,8 +77,9 @@ std::vector<help_paragraph> guideTexts()
         {"Save, and patch",
          "File, Save writes the changes into the model's own file, Save As... into another one. A model out of an "
          "archive gets a file of its own; the game's archives are never written to. File, Patch from v6 to v7 (WH) "
-         "makes a version 7 model of a version 6 one, in another file. What was not saved when the program ended is "
-         "offered at the next start.\n"},
+         "makes a version 7 model of a version 6 one, in another file. When the program or the system ends by itself, "
+         "what "
+         "was not saved is offered at the next start.\n"},
         {"Keys of the 3D view",
          "Drag with the left button: turn. Right or middle button: move. Wheel, E, Q: closer, away.\n"
          "A, D: turn by steps. V: back to the start view. Double click, Escape: fill the screen, and back.\n"

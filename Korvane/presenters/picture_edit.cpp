@@ -67,6 +67,19 @@ void picture_edits::follow(const unpacked_picture& picture)
     m_edits.push_back(std::move(edit));
 }
 
+bool picture_edits::isFollowed(const std::string& picture) const
+{
+    return std::any_of(m_edits.begin(), m_edits.end(),
+                       [&](const followed_picture& edit) { return edit.request.picture == picture; });
+}
+
+void picture_edits::forget(const std::string& internal_path)
+{
+    std::erase_if(m_edits, [&](const followed_picture& edit) {
+        return normalInternalPath(edit.request.internal_path) == normalInternalPath(internal_path);
+    });
+}
+
 void picture_edits::endAll()
 {
     m_edits.clear();

@@ -65,6 +65,9 @@ public:
     [[nodiscard]] std::string failed(edit_number number, const failure& why);
 
     std::size_t count() const { return m_edits.size(); }
+    bool isFollowed(const std::string& picture) const;
+    // The texture was replaced by something else: what was painted of it is not what it shows any more.
+    void forget(const std::string& internal_path);
     std::vector<std::string> pictures() const;
 
 private:

@@ -136,7 +136,9 @@ TEST_F(kept_edits_test, severalProgramsKeepBesideEachOtherAndNoDiscards)
 {
     program first(m_kept), second(m_kept), next(m_kept);
     EXPECT_NE(keepAnEdit(first), keepAnEdit(second));
-    m_prompt.confirmations = {false, true};
+    m_prompt.confirmations = {false, false, false, false};
+    EXPECT_FALSE(offer(next)) << "neither opened nor discarded: Escape answers no";
+    m_prompt.confirmations = {false, true, true}; // the first is discarded, the second opened
     EXPECT_TRUE(offer(next));
     EXPECT_FALSE(std::filesystem::is_empty(toPath(m_kept))) << "until it is saved or discarded";
     next.document.close();
