@@ -120,8 +120,25 @@ std::string status_bar::tipAt(POINT at) const
     return widthOf(m_texts[part]) > area.right - area.left - 2 * scaled(text_margin) ? m_texts[part] : std::string();
 }
 
+// All parts, for programs that read the screen aloud: the system knows only the first.
+std::wstring status_bar::wholeText() const
+{
+    std::wstring whole;
+    for (const std::string& text : m_texts)
+        whole += (whole.empty() || text.empty() ? L"" : L" | ") + toWide(text);
+    return whole;
+}
+
 LRESULT status_bar::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
 {
+    if (message == WM_GETTEXTLENGTH)
+        return static_cast<LRESULT>(wholeText().size());
+    if (message == WM_GETTEXT && wparam > 0)
+    {
+        const std::wstring whole = wholeText().substr(0, wparam - 1);
+        std::copy_n(whole.c_str(), whole.size() + 1, reinterpret_cast<wchar_t*>(lparam));
+        return static_cast<LRESULT>(whole.size());
+    }
     if (message == WM_MOUSEMOVE)
         if (const std::size_t part = partAt({GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)}); part != m_pointed_at)
         {

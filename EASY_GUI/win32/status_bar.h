@@ -33,6 +33,7 @@ protected:
 
 private:
     std::size_t partAt(POINT at) const;
+    std::wstring wholeText() const;
     void layOut();
     void showText(std::size_t part);
     RECT partRectangle(std::size_t part) const;

@@ -136,7 +136,15 @@ bool main_window::onCreated()
     if (const HWND first = shownPage().firstControl(); first != nullptr)
         focusWhenActive(first);
     SetTimer(handle(), look_timer, look_pause, nullptr); // goes with the window
+    m_is_started = true;
+    closeIfWanted();
     return true;
+}
+
+void main_window::closeIfWanted()
+{
+    if (m_wants_to_close && m_is_started && !isBusy())
+        PostMessageW(handle(), WM_CLOSE, 0, 0);
 }
 
 bool main_window::createContent()
@@ -178,7 +186,8 @@ void main_window::showFirstRunNotice()
 
 void main_window::onClose()
 {
-    if (isBusy())
+    m_wants_to_close = isBusy() || !m_is_started;
+    if (m_wants_to_close) // a moment later
         return;
     takeTyped();
     if (!m_commands.mayDiscardEdits())
@@ -336,15 +345,19 @@ bool main_window::work(const std::string& title, const std::function<void(const 
         return false;
     struct counted_work
     {
-        explicit counted_work(int& works) : m_works(works) { ++m_works; }
-        ~counted_work() { --m_works; }
-        int& m_works;
+        explicit counted_work(main_window& owner) : m_owner(owner) { ++m_owner.m_works; }
+        ~counted_work()
+        {
+            --m_owner.m_works;
+            m_owner.closeIfWanted();
+        }
+        main_window& m_owner;
     };
     modal_work modal;
     modal.owner = handle();
     modal.title = title;
     modal.log = logPort();
-    const counted_work counted(m_works);
+    const counted_work counted(*this);
     return modal.run(work);
 }
 

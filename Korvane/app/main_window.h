@@ -98,6 +98,7 @@ private:
     void showFirstRunNotice();
     void takeTyped();
     void keepPlaces();
+    void closeIfWanted();
     bool restoreView(HWND shown) const;
 
     // Layout
@@ -135,7 +136,9 @@ private:
     open_files m_document;
     model_commands m_commands;
     failure m_start_failure; // why the window could not be filled
-    int m_works = 0;         // that run, one within the other
+    bool m_is_started = false;
+    bool m_wants_to_close = false; // as soon as the start or the work is over
+    int m_works = 0;               // that run, one within the other
     main_menu m_menu;
     scene_display m_display;
     game_archives m_archives;

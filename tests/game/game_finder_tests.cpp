@@ -67,7 +67,9 @@ TEST_F(game_finder_test, dataFoldersWithArchivesOfEachStoreOnce)
                                                   "\" } \"1\" { \"path\" \"" + m_folder.file("library") +
                                                   "\" } \"2\" { \"path\" \"" + m_folder.file("gone") + "\" } }");
     put("steam/config/libraryfolders.vdf", std::string(2 << 20, '"')); // more than such a list can have
-    put("epic/one.item", "{\"InstallLocation\": \"" + m_folder.file("anywhere") + "\", \"DisplayName\": \"Third\"}");
+    std::string anywhere = m_folder.file("anywhere");
+    std::replace(anywhere.begin(), anywhere.end(), '\\', '/'); // which JSON would take for an escape
+    put("epic/one.item", "{\"InstallLocation\": \"" + anywhere + "\", \"DisplayName\": \"Third\"}");
     put("epic/two.item", "{\"InstallLocation\": 7}");
     put("epic/three.item", std::string(100'000, '['));
     put("anywhere/data/a.pack");
