@@ -101,6 +101,8 @@ bool file_opening::open(const std::string& path)
     bool is_read = false;
     const bool went_on = m_host.work("Opening " + std::string(fileName(path)), [&](const work_port&) {
         is_read = open_files::read(path, *m_host.document().game(), file, why);
+        if (const auto& archives = m_host.document().game()->archives(); is_read && archives != nullptr)
+            archives->prepareForMisses(); // here, so that no panel has to wait for it
     });
     if (!went_on)
         return m_host.setStatus(std::string(fileName(path)) + " was not opened: stopped."), false;

@@ -34,11 +34,6 @@ bool game_archives::load(bool trusts_cache)
     {
         publishGame(*loaded.game);
         m_host.document().setGame(loaded.game);
-        m_preparing.start([game = loaded.game](const work_port&) {
-            if (game->archives() != nullptr)
-                game->archives()->prepareForMisses();
-            return background_task::answer();
-        });
     }
     return true;
 }

@@ -3,7 +3,6 @@
 // The archives of the game folders, read by a worker while the window answers, and what comes out of them at the start.
 // Window thread.
 
-#include "EASY_GUI/win32/background_task.h"
 #include "Korvane/animation/anim_file.h"
 #include "Korvane/app/page.h"
 
@@ -17,7 +16,7 @@ namespace korvane
 class game_archives
 {
 public:
-    explicit game_archives(page_host& host) : m_host(host), m_preparing(host.thread(), {}) {}
+    explicit game_archives(page_host& host) : m_host(host) {}
 
     // Says what there is to say of the loading, and gives the document its game. Where nothing was loaded, what was
     // there before stays. Distrusting the cache is what a person asks for. False when it was stopped.
@@ -31,7 +30,6 @@ private:
 
     page_host& m_host;
     std::shared_ptr<const anim_data> m_po_default_skeleton; // null: the game has none
-    background_task m_preparing;                            // for look-ups that nobody has made yet
 };
 
 } // namespace korvane
