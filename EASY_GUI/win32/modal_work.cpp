@@ -87,11 +87,11 @@ bool isKeyFor(const MSG& message, HWND owner)
 }
 
 // Until the work is done; the exit code of a WM_QUIT that came meanwhile. The window appears behind the patience.
-std::optional<int> pump(const work_state& state, HWND owner, progress_window* shown, std::chrono::milliseconds patience,
+std::optional<int> pump(const work_state& state, HWND owner, progress_window& shown, std::chrono::milliseconds patience,
                         background_task& task)
 {
     std::optional<int> quit;
-    UINT_PTR timer = shown != nullptr ? SetTimer(nullptr, 0, static_cast<UINT>(patience.count()), nullptr) : 0;
+    UINT_PTR timer = SetTimer(nullptr, 0, static_cast<UINT>(patience.count()), nullptr);
     MSG message{};
     while (!state.is_done)
     {
@@ -104,7 +104,7 @@ std::optional<int> pump(const work_state& state, HWND owner, progress_window* sh
         {
             KillTimer(nullptr, std::exchange(timer, 0));
             failure why; // without the window the work is done all the same
-            static_cast<void>(shown->showBeside(IsWindowVisible(owner) != 0 ? owner : nullptr, why));
+            static_cast<void>(shown.showBeside(IsWindowVisible(owner) != 0 ? owner : nullptr, why));
         }
         else if (!isKeyFor(message, owner) && !dialog_box::takeKey(message))
         {
@@ -129,11 +129,8 @@ bool modal_work::run(const std::function<void(const work_port&)>& work) const
     work_state state;
     end_signal end;
     progress_window window(title, can_stop);
-    background_task task(thread,
-                         {[&](const work_progress& now) { shown ? shown(now) : window.setProgress(now); }, log, {}});
+    background_task task(thread, {[&window](const work_progress& now) { window.setProgress(now); }, log, {}});
     window.onStop = [&] { task.requestStop(); };
-    if (begins)
-        begins([&task] { task.requestStop(); });
     task.start([&](const work_port& port) -> background_task::answer {
         std::exception_ptr thrown;
         try
@@ -153,7 +150,7 @@ bool modal_work::run(const std::function<void(const work_port&)>& work) const
     else
     {
         disabled_owner disabled(owner);
-        quit = pump(state, owner, shown ? nullptr : &window, patience, task);
+        quit = pump(state, owner, window, patience, task);
         disabled.release();
         window.destroy();
     }

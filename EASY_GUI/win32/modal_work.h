@@ -22,11 +22,7 @@ struct modal_work
     std::string title;    // "Reading the archives"
     bool can_stop = true;
     std::chrono::milliseconds patience{500}; // before the small window appears
-    // Shows the progress instead of the small window; called on the caller's thread. The owner's Stop button calls the
-    // function that it is given first. Empty: the small window.
-    std::function<void(const work_progress&)> shown = {};
-    std::function<void(std::function<void()> stop)> begins = {};
-    log_port log = {}; // on the caller's thread
+    log_port log = {};                       // on the caller's thread
 
     // False when it was stopped. What the work throws is thrown on. When the program is told to end meanwhile the work
     // is stopped, and the program's own loop is told again.
