@@ -12,7 +12,6 @@ namespace korvane
 
 namespace
 {
-constexpr UINT_PTR subclass_id = 1;
 
 // Of this thread, as those of window.
 std::unordered_map<HWND, control*>& controlsByHandle()
@@ -47,25 +46,36 @@ control::~control()
     const HWND handle = m_handle;
     if (tool_tip* const tips = tipsAround(handle))
         tips->forget(handle);
-    RemoveWindowSubclass(handle, &control::watch, subclass_id);
-    controlsByHandle().erase(handle);
+    release();
     DestroyWindow(handle);
 }
 
-LRESULT CALLBACK control::watch(HWND handle, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR, DWORD_PTR self)
+// From here on the system's own procedure gets the messages.
+void control::release()
 {
+    controlsByHandle().erase(m_handle);
+    SetWindowLongPtrW(m_handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(m_system_procedure));
+    m_handle = nullptr;
+}
+
+LRESULT CALLBACK control::watch(HWND handle, UINT message, WPARAM wparam, LPARAM lparam)
+{
+    control* const target = fromHandle(handle);
+    if (target == nullptr)
+        return DefWindowProcW(handle, message, wparam, lparam);
     if (message == WM_DESTROY)
         if (tool_tip* const tips = tipsAround(handle))
             tips->forget(handle);
     if (message == WM_NCDESTROY)
     {
-        RemoveWindowSubclass(handle, &control::watch, subclass_id);
-        controlsByHandle().erase(handle);
-        reinterpret_cast<control*>(self)->m_handle = nullptr;
+        const WNDPROC system_procedure = target->m_system_procedure;
+        target->release();
+        return CallWindowProcW(system_procedure, handle, message, wparam, lparam);
     }
-    const LRESULT result = message == WM_NCDESTROY
-                               ? DefSubclassProc(handle, message, wparam, lparam)
-                               : reinterpret_cast<control*>(self)->handleMessage(message, wparam, lparam);
+    if (message >= WM_MOUSEMOVE && message <= WM_MBUTTONUP)
+        if (tool_tip* const tips = tipsAround(handle))
+            tips->hear(handle, message, wparam, lparam);
+    const LRESULT result = target->handleMessage(message, wparam, lparam);
     if (message == WM_SETFOCUS)
         for (HWND around = GetAncestor(handle, GA_PARENT); around != nullptr; around = GetAncestor(around, GA_PARENT))
             if (window* const one = window::fromHandle(around); one != nullptr)
@@ -75,7 +85,7 @@ LRESULT CALLBACK control::watch(HWND handle, UINT message, WPARAM wparam, LPARAM
 
 LRESULT control::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
 {
-    return DefSubclassProc(m_handle, message, wparam, lparam);
+    return CallWindowProcW(m_system_procedure, m_handle, message, wparam, lparam);
 }
 
 control* control::fromHandle(HWND handle)
@@ -92,10 +102,13 @@ bool control::createControl(const wchar_t* class_name, HWND parent, int id, std:
     m_handle =
         CreateWindowExW(extended_style, class_name, toWide(text).c_str(), style | WS_CHILD | WS_VISIBLE, 0, 0, 0, 0,
                         parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
-    if (m_handle == nullptr ||
-        !SetWindowSubclass(m_handle, &control::watch, subclass_id, reinterpret_cast<DWORD_PTR>(this)))
+    if (m_handle == nullptr)
         return false;
     controlsByHandle()[m_handle] = this;
+    // Not through the common controls' list of procedures, which asks the system for it again with each message: that
+    // was most of what showing a page took.
+    m_system_procedure = reinterpret_cast<WNDPROC>(GetWindowLongPtrW(m_handle, GWLP_WNDPROC));
+    SetWindowLongPtrW(m_handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&control::watch));
     if (tool_tip* const tips = tipsAround(m_handle))
         tips->watch(m_handle);
     return true;

@@ -87,9 +87,11 @@ protected:
 private:
     friend class window;                // hands on what the control tells its parent
     void giveTip(NMHDR& message) const; // TTN_GETDISPINFO
-    static LRESULT CALLBACK watch(HWND handle, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id, DWORD_PTR self);
+    void release();
+    static LRESULT CALLBACK watch(HWND handle, UINT message, WPARAM wparam, LPARAM lparam);
 
     HWND m_handle = nullptr;
+    WNDPROC m_system_procedure = nullptr;
     std::string m_tip;
 };
 

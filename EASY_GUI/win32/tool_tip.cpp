@@ -33,7 +33,7 @@ void tool_tip::send(UINT message, HWND control)
 {
     TTTOOLINFOW tool{};
     tool.cbSize = sizeof tool;
-    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tool.uFlags = TTF_IDISHWND;
     tool.hwnd = GetParent(control);
     tool.uId = reinterpret_cast<UINT_PTR>(control);
     tool.lpszText = LPSTR_TEXTCALLBACKW;
@@ -48,6 +48,18 @@ void tool_tip::watch(HWND control)
 void tool_tip::forget(HWND control)
 {
     send(TTM_DELTOOLW, control);
+}
+
+void tool_tip::hear(HWND control, UINT message, WPARAM wparam, LPARAM lparam)
+{
+    MSG heard{};
+    heard.hwnd = control;
+    heard.message = message;
+    heard.wParam = wparam;
+    heard.lParam = lparam;
+    heard.time = static_cast<DWORD>(GetMessageTime());
+    GetCursorPos(&heard.pt);
+    SendMessageW(m_handle, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&heard));
 }
 
 // A tooltip never changes its text while the mouse stays in one control, unless the control is new to it.

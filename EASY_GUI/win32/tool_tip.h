@@ -1,7 +1,8 @@
 #pragma once
 
 // The tooltips of a top-level window: one small window, which asks the control under the resting mouse what it has to
-// say (control::tipAt) each time. Made by window when its first control is; controls announce themselves.
+// say (control::tipAt) each time. Made by window when its first control is; controls announce themselves and hand it
+// their mouse messages.
 
 #include "EASY_GUI/win32/font.h"
 
@@ -21,6 +22,7 @@ public:
     void watch(HWND control);
     void forget(HWND control);
     void restart(HWND control); // hides the text; it comes back when the mouse rests again
+    void hear(HWND control, UINT message, WPARAM wparam, LPARAM lparam); // each mouse message of a control
     void setDpi(unsigned dpi);
 
 private:
