@@ -8,7 +8,7 @@
 
 #include "EASY_GUI/services/log_port.h"
 #include "EASY_GUI/win32/window.h"
-#include "Korvane/document/kept_edits.h"
+#include "Korvane/document/edit_keeper.h"
 
 #include <atomic>
 #include <chrono>

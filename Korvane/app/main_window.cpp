@@ -192,6 +192,7 @@ void main_window::onClose()
     takeTyped();
     if (!m_commands.mayDiscardEdits())
         return;
+    m_ports.keeper.release(); // what was not saved is not wanted
     keepPlaces();
     destroy();
 }

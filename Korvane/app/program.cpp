@@ -11,6 +11,7 @@
 #include "Korvane/app/d3d_model_view.h"
 #include "Korvane/app/fatal_end.h"
 #include "Korvane/app/main_window.h"
+#include "Korvane/document/kept_edits.h"
 #include "Korvane/game/game_path.h"
 
 #include <commctrl.h>
@@ -187,8 +188,9 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR command_line, int)
     // Says to installers that the program runs, as long as one of its processes does; nobody waits for it.
     const unique_kernel_handle running(CreateMutexA(nullptr, FALSE, running_mutex));
     log_file log;
-    edit_keeper keeper(defaultKeepFolder());
-    fatal_end end({keeper, [&log](const std::string& line) { log.write(line + "\r\n"); },
+    const log_port to_log = [&log](const std::string& line) { log.write(line + "\r\n"); };
+    edit_keeper keeper(defaultKeepFolder(), to_log);
+    fatal_end end({keeper, to_log,
                    [](const std::string& text, HWND owner) {
                        MessageBoxW(owner, toWide(text).c_str(), L"Error!", MB_OK | MB_ICONERROR | MB_SETFOREGROUND);
                    },

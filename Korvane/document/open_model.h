@@ -3,7 +3,7 @@
 // The model that is open, what is selected in it, and its edits. No window is known here; texts are UTF-8. One thread.
 
 #include "EASY_GUI/services/failure.h"
-#include "Korvane/document/kept_edits.h"
+#include "Korvane/document/edit_keeper.h"
 #include "Korvane/document/model_editor.h"
 #include "Korvane/document/panel_contents.h"
 #include "Korvane/game/game_data.h"

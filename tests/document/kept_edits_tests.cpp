@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <filesystem>
+#include <functional>
 #include <thread>
 
 namespace korvane::test
@@ -21,7 +24,11 @@ class kept_edits_test : public testing::Test
 protected:
     struct program // one run of it
     {
-        explicit program(const std::string& folder) : keeper(folder) { document.model().setKeeper(keeper); }
+        explicit program(const std::string& folder, std::chrono::milliseconds pause = std::chrono::hours(1))
+            : keeper(folder, {}, pause)
+        {
+            document.model().setKeeper(keeper);
+        }
         edit_keeper keeper;
         open_files document;
     };
@@ -97,6 +104,50 @@ TEST_F(kept_edits_test, whatASaveWouldHaveWrittenIsOfferedAndSavedToItsOwnPath)
         EXPECT_EQ(keep(second), "") << "saved";
         EXPECT_TRUE(std::filesystem::is_empty(toPath(m_kept)));
     }
+}
+
+// While nothing ends. A copy of the folder is what a kill would leave there and then.
+TEST_F(kept_edits_test, editsLieOnTheDiskAMomentLaterUntilTheyAreSavedOrUndone)
+{
+    const std::string killed = m_folder.file("killed");
+    const auto becomes = [this](const std::function<bool(const std::string& note)>& is_true) {
+        const std::string note = m_kept + "/1/origin.txt";
+        std::error_code error;
+        for (int i = 0; i < 500; ++i, std::this_thread::sleep_for(std::chrono::milliseconds(10)))
+            if (is_true(std::filesystem::exists(toPath(note), error) ? readBytes(note) : ""))
+                return true;
+        return false;
+    };
+    program first(m_kept, std::chrono::milliseconds(1));
+    open(first);
+    for (const int choice : {1, 2, 1}) // into the two files by turns
+    {
+        std::string former;
+        static_cast<void>(becomes([&](const std::string& note) { return former = note, true; }));
+        first.document.model().chooseAlphaMode(choice);
+        ASSERT_TRUE(becomes([&](const std::string& note) { return !note.empty() && note != former; })) << choice;
+        program other(m_kept);
+        EXPECT_FALSE(offer(other)) << "a live one is not offered";
+
+        std::filesystem::remove_all(toPath(killed));
+        std::filesystem::copy(toPath(m_kept), toPath(killed), std::filesystem::copy_options::recursive);
+        program next(killed);
+        m_prompt.will_confirm = true;
+        ASSERT_TRUE(offerKeptEdits(killed, next.document, m_prompt, [](const std::string&) {}));
+        EXPECT_EQ(next.document.model().selectedGroup()->alpha_mode,
+                  first.document.model().selectedGroup()->alpha_mode_field.u32());
+    }
+    const auto isEmpty = [](const std::string& note) { return note.empty(); };
+    while (first.document.model().canUndo())
+        first.document.model().undo();
+    EXPECT_TRUE(becomes(isEmpty)) << "undone";
+    first.document.model().chooseAlphaMode(1);
+    ASSERT_TRUE(becomes([](const std::string& note) { return !note.empty(); }));
+    EXPECT_NE(keep(first), "") << "the end finds it there, or writes it anew";
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(toPath(m_kept)), {}), 1);
+    failure why;
+    ASSERT_TRUE(first.document.model().save(m_folder.file("saved"), why)) << describe(why);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(toPath(m_kept)), {}), 1) << "given out of the hand";
 }
 
 TEST_F(kept_edits_test, aModelThatWasOpenedSoIsKeptAgain)
