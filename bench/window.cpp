@@ -30,6 +30,7 @@ using bench::secondsSince;
 using clock_type = std::chrono::steady_clock;
 
 constexpr UINT patience_ms = 60000;
+constexpr int cached_starts = 7;
 constexpr int handle_opens = 1000;
 constexpr std::size_t vertex_count = 50000;
 
@@ -207,21 +208,32 @@ private:
     std::string m_folder;
 };
 
+started measureOneStart(const installed_program& installed, const char* what)
+{
+    const auto begin = clock_type::now();
+    const process program('"' + installed.path() + '"');
+    const started result = watchStart(program, begin);
+    std::printf("start %s, 1,000,000 files: usable after %.2f s, %.2f s of CPU, longest wait for an answer %.0f ms "
+                "(after %.2f s; the machine kept the one who asked up to %.0f ms)\n",
+                what, result.usable, result.cpu, result.longest_wait * 1e3, result.longest_at,
+                result.own_lateness * 1e3);
+    close(program, result.window);
+    return result;
+}
+
+// The machine's own noise is as large as the figure: the first start also reads a cache that is being written to the
+// disk still. The median of the starts counts.
 void measureStart(const installed_program& installed)
 {
     const bench::pack_corpus corpus;
     installed.configure(toUtf8(corpus.folder()) + "\\", {});
-    for (const char* name : {"without a cache", "with a cache", "with a cache"})
-    {
-        const auto begin = clock_type::now();
-        const process program('"' + installed.path() + '"');
-        const started result = watchStart(program, begin);
-        std::printf("start %s, 1,000,000 files: usable after %.2f s, %.2f s of CPU, longest wait for an answer %.0f "
-                    "ms (after %.2f s; the machine kept the one who asked up to %.0f ms)\n",
-                    name, result.usable, result.cpu, result.longest_wait * 1e3, result.longest_at,
-                    result.own_lateness * 1e3);
-        close(program, result.window);
-    }
+    measureOneStart(installed, "without a cache");
+    std::vector<double> cpu;
+    for (int i = 0; i < cached_starts; ++i)
+        cpu.push_back(measureOneStart(installed, "with a cache").cpu);
+    std::sort(cpu.begin(), cpu.end());
+    std::printf("%d starts with a cache: %.2f s of CPU at least, %.2f s in the median\n", cached_starts, cpu.front(),
+                cpu[cpu.size() / 2]);
 }
 
 std::string largeModel()
