@@ -23,10 +23,24 @@ enum class prompt_answer
     yes
 };
 
+enum class save_answer
+{
+    save,
+    discard,
+    cancel
+};
+
 struct file_filter
 {
     std::string label;   // "Rigid Model v2 Files (*.rigid_model_v2)"
     std::string pattern; // "*.rigid_model_v2"
+};
+
+// What a picker of a path to write begins with.
+struct save_suggestion
+{
+    std::string folder = {}; // one that exists; empty: that of the last time
+    std::string name = {};   // of the file; empty: none
 };
 
 class user_prompt
@@ -38,6 +52,8 @@ public:
     virtual void show(const std::string& title, const std::string& text, prompt_icon icon) = 0;
     // A question answered with yes or no; Enter alone gives the preset answer, which loses nothing.
     [[nodiscard]] virtual bool confirm(const std::string& title, const std::string& text, prompt_answer preset) = 0;
+    // What becomes of changes that are not saved, before something else takes their place. Escape cancels.
+    [[nodiscard]] virtual save_answer askToSave(const std::string& title, const std::string& text) = 0;
     // A path to open or to write; nothing when the person changed their mind.
     [[nodiscard]] virtual std::optional<std::string> pickOpenPath(const std::string& title,
                                                                   const std::vector<file_filter>& filters) = 0;
@@ -48,7 +64,8 @@ public:
     [[nodiscard]] virtual std::optional<std::string> pickFolder(const std::string& title) = 0;
     [[nodiscard]] virtual std::optional<std::string> pickSavePath(const std::string& title,
                                                                   const std::vector<file_filter>& filters,
-                                                                  const std::string& default_extension) = 0;
+                                                                  const std::string& default_extension,
+                                                                  const save_suggestion& suggestion) = 0;
 };
 
 } // namespace korvane

@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/win32/com_ptr.h"
 #include "EASY_GUI/win32/dialog_box.h"
+#include "EASY_GUI/win32/save_question.h"
 #include "EASY_GUI/win32/wide_text.h"
 
 #include <shobjidl.h>
@@ -137,6 +138,16 @@ bool message_box_prompt::confirm(const std::string& title, const std::string& te
            IDYES;
 }
 
+save_answer message_box_prompt::askToSave(const std::string& title, const std::string& text)
+{
+    const front_keeper front;
+    failure why;
+    const save_answer answer = save_question(title, text).ask(owner(), why);
+    if (why)
+        show("Error!", "The question could not be shown.\r\n\r\n" + describe(why), prompt_icon::error);
+    return answer;
+}
+
 std::optional<std::string> message_box_prompt::pickOpenPath(const std::string& title,
                                                             const std::vector<file_filter>& filters)
 {
@@ -172,13 +183,20 @@ std::optional<std::string> message_box_prompt::pickFolder(const std::string& tit
 
 std::optional<std::string> message_box_prompt::pickSavePath(const std::string& title,
                                                             const std::vector<file_filter>& filters,
-                                                            const std::string& default_extension)
+                                                            const std::string& default_extension,
+                                                            const save_suggestion& suggestion)
 {
     com_ptr<IFileSaveDialog> dialog;
     if (FAILED(CoCreateInstance(CLSID_FileSaveDialog, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IFileSaveDialog),
                                 dialog.putVoid())))
         return std::nullopt;
     dialog->SetDefaultExtension(toWide(default_extension).c_str());
+    if (!suggestion.name.empty())
+        dialog->SetFileName(toWide(suggestion.name).c_str());
+    com_ptr<IShellItem> folder;
+    if (!suggestion.folder.empty() && SUCCEEDED(SHCreateItemFromParsingName(toWide(suggestion.folder).c_str(), nullptr,
+                                                                            __uuidof(IShellItem), folder.putVoid())))
+        dialog->SetFolder(folder.get());
     return pick(*dialog.get(), owner(), title, filters) ? resultOf(*dialog.get()) : std::nullopt;
 }
 

@@ -17,6 +17,7 @@ public:
 
     void show(const std::string& title, const std::string& text, prompt_icon icon) override;
     [[nodiscard]] bool confirm(const std::string& title, const std::string& text, prompt_answer preset) override;
+    [[nodiscard]] save_answer askToSave(const std::string& title, const std::string& text) override;
     [[nodiscard]] std::optional<std::string> pickOpenPath(const std::string& title,
                                                           const std::vector<file_filter>& filters) override;
     [[nodiscard]] std::vector<std::string> pickOpenPaths(const std::string& title,
@@ -24,7 +25,8 @@ public:
     [[nodiscard]] std::optional<std::string> pickFolder(const std::string& title) override;
     [[nodiscard]] std::optional<std::string> pickSavePath(const std::string& title,
                                                           const std::vector<file_filter>& filters,
-                                                          const std::string& default_extension) override;
+                                                          const std::string& default_extension,
+                                                          const save_suggestion& suggestion) override;
 
 private:
     HWND owner() const; // a dialog over the owner, while there is one

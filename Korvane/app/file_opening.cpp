@@ -94,7 +94,7 @@ bool file_opening::open(const std::string& path)
         return false;
     if (isFbxPath(path))
         return importFbx(path);
-    if (!isDefinitionPath(path) && !m_host.commands().mayDiscardEdits())
+    if (!isDefinitionPath(path) && !m_host.mayLeaveModel())
         return false;
     failure why;
     opened_file file;

@@ -53,7 +53,7 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
                 [this](const failure& why) {
                     logLine("main_window::saveConfig(). config.cfg could not be written: " + describe(why));
                 }})
-    , m_commands(m_document, m_ports.prompt)
+    , m_commands(m_document, m_ports.prompt, m_ports.config)
     , m_display(*this, m_document, m_thread, m_ports.make_view,
                 {logPort(), [this] { showCounts(); }, [this](const work_progress& now) { showLoading(now); },
                  [this](HWND view) { return restoreView(view); }})
@@ -190,11 +190,19 @@ void main_window::onClose()
     if (m_wants_to_close) // a moment later
         return;
     takeTyped();
-    if (!m_commands.mayDiscardEdits())
+    if (!mayLeaveModel())
         return;
     m_ports.keeper.release(); // what was not saved is not wanted
     keepPlaces();
     destroy();
+}
+
+bool main_window::mayLeaveModel()
+{
+    command_outcome saved{};
+    const bool may_leave = m_commands.mayLeaveModel(saved);
+    took(saved);
+    return may_leave;
 }
 
 bool main_window::restoreView(HWND shown) const
@@ -491,7 +499,8 @@ void main_window::savePicture()
     if (!maker)
         return setStatus("There is nothing to be seen in the 3D view yet.");
     const auto path =
-        m_ports.prompt.pickSavePath("Save Picture", {{"PNG (*.png)", "*.png"}, {"Targa (*.tga)", "*.tga"}}, "png");
+        m_ports.prompt.pickSavePath("Save Picture", {{"PNG (*.png)", "*.png"}, {"Targa (*.tga)", "*.tga"}}, "png",
+                                    {"", m_document.shownName() + ".png"});
     if (!path || path->empty())
         return;
     failure why;

@@ -70,6 +70,7 @@ public:
     // stays.
     bool openFile(const std::string& path) override { return m_opening.open(path); }
     void openFiles(const std::vector<std::string>& paths) override;
+    bool mayLeaveModel() override;
     void runCommand(document_command command) override;
     bool isEnabled(document_command command) const override;
     void took(command_outcome outcome) override;

@@ -78,7 +78,7 @@ void main_window::runCommand(document_command command)
     if (rowOf(command).needs_archives)
     {
         takeUpConfig();
-        if (!m_commands.mayUseArchives(m_config.table()))
+        if (!m_commands.mayUseArchives())
             return runCommand(document_command::game_folders);
     }
     found->second();

@@ -34,7 +34,8 @@ public:
 
     virtual bool openFile(const std::string& path) = 0;                // as if the person had chosen it
     virtual void openFiles(const std::vector<std::string>& paths) = 0; // as if they were dropped on the window
-    virtual void runCommand(document_command command) = 0;             // does nothing while it is not enabled
+    virtual bool mayLeaveModel() = 0;                      // asks what becomes of unsaved edits; false: the model stays
+    virtual void runCommand(document_command command) = 0; // does nothing while it is not enabled
     virtual bool isEnabled(document_command command) const = 0;
     // After a command of model_commands: shows what has changed, and what it was in the status bar.
     virtual void took(command_outcome outcome) = 0;

@@ -300,7 +300,7 @@ bool texture_field_group::paste(const std::string& text)
     const int focused = rowOf(GetFocus());
     if (focused < 0 || text.find_first_of("/\\") == std::string::npos)
         return false;
-    m_host.took(m_host.commands().pasteIntoTexture(static_cast<std::size_t>(focused), text, m_host.config().table()));
+    m_host.took(m_host.commands().pasteIntoTexture(static_cast<std::size_t>(focused), text));
     return true;
 }
 

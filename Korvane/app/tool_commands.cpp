@@ -38,7 +38,7 @@ std::optional<std::string> pickNormalMapOutput(page_host& host, normal_form targ
     const normal_map_pickers pickers = normalMapPickers(target);
     const std::string title(pickers.output_title);
     return asksForFolder(inputs) ? host.prompt().pickFolder(title)
-                                 : host.prompt().pickSavePath(title, pickers.filters, "tga");
+                                 : host.prompt().pickSavePath(title, pickers.filters, "tga", {});
 }
 
 // In front of which the beginning of a path is to be replaced most likely.

@@ -1,8 +1,10 @@
 #include "Korvane/document/model_commands.h"
 
 #include "EASY_GUI/services/config_keys.h"
+#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/document/pasted_path.h"
+#include "Korvane/document/save_place.h"
 #include "Korvane/document/texture_path_fault.h"
 #include "Korvane/game/game_path.h"
 #include "Korvane/models/rmv2_writer.h"
@@ -52,8 +54,6 @@ bool model_commands::isEnabled(document_command command, const window_facts& fac
     case document_command::open_texture_folder:
     case document_command::fill_all_lods:
         return true;
-    case document_command::save:
-        return model.isEdited();
     case document_command::undo:
         return model.canUndo();
     case document_command::redo:
@@ -72,6 +72,7 @@ bool model_commands::isEnabled(document_command command, const window_facts& fac
     case document_command::replace_picture:
     case document_command::edit_picture:
         return model.selectedGroup() != nullptr && !model.selectedGroup()->textures.empty();
+    case document_command::save: // without edits it says so
     case document_command::save_as:
     case document_command::patch: // offered for every model: those that cannot be patched are told why
     case document_command::test:
@@ -84,9 +85,9 @@ bool model_commands::isEnabled(document_command command, const window_facts& fac
     return false;
 }
 
-bool model_commands::mayUseArchives(const config_file& config)
+bool model_commands::mayUseArchives()
 {
-    if (!config.get(config_keys::data_folders).empty())
+    if (!m_config.get(config_keys::data_folders).empty())
         return true;
     m_prompt.show("Error!", "Setup up your games' \\data\\ folder in tools->setup game data folder first",
                   prompt_icon::error);
@@ -105,6 +106,8 @@ command_outcome model_commands::save()
     if (!hasModel())
         return command_outcome::cancelled;
     const std::string path = m_document.model().file()->path();
+    if (!m_document.model().isEdited())
+        return saveUnedited(path);
     return game_path(path).isInternal() || m_document.model().savesElsewhere() ? saveAs() : saveTo(path);
 }
 
@@ -113,8 +116,40 @@ command_outcome model_commands::saveAs()
     m_last_action.clear();
     if (!hasModel())
         return command_outcome::cancelled;
-    const auto path = m_prompt.pickSavePath("Save RigidModel File As", model_filters, model_extension);
-    return path && !path->empty() ? saveTo(*path) : command_outcome::cancelled;
+    const save_place place(m_document.model().file()->path(), diskPath(), modFolder(), "");
+    const auto path = pickModelPath("Save RigidModel File As", place.suggestion());
+    return path ? saveTo(*path) : command_outcome::cancelled;
+}
+
+command_outcome model_commands::saveUnedited(const std::string& path)
+{
+    const std::string disk_path = diskPath();
+    std::error_code error;
+    if (disk_path.empty() || std::filesystem::exists(toPath(disk_path), error))
+        return static_cast<void>(done("Nothing to save: " + std::string(fileName(path)) + " has no changes.")),
+               command_outcome::cancelled;
+    if (!m_prompt.confirm("Save", "This file is gone from the disk:\r\n" + disk_path + "\r\n\r\nWrite it again?",
+                          prompt_answer::yes))
+        return command_outcome::cancelled;
+    return game_path(path).isInternal() ? saveAs() : saveTo(path);
+}
+
+std::optional<std::string> model_commands::pickModelPath(const std::string& title, const save_suggestion& suggestion)
+{
+    auto path = m_prompt.pickSavePath(title, model_filters, model_extension, suggestion);
+    return path && !path->empty() ? path : std::nullopt;
+}
+
+std::string model_commands::diskPath() const
+{
+    const game_path path(m_document.model().file()->path());
+    return path.isInternal() ? m_document.game()->find(path.internalPath()).diskPath() : path.text();
+}
+
+std::string model_commands::modFolder() const
+{
+    const std::vector<std::string> folders = m_config.get(config_keys::mod_folders);
+    return folders.empty() ? std::string() : folders.back();
 }
 
 command_outcome model_commands::saveTo(const std::string& path)
@@ -182,8 +217,9 @@ command_outcome model_commands::patch()
                       prompt_icon::error);
         return command_outcome::failed;
     }
-    const auto path = m_prompt.pickSavePath("Save Patched RigidModel File", model_filters, model_extension);
-    if (!path || path->empty())
+    const save_place place(model.file()->path(), diskPath(), modFolder(), "_v7");
+    const auto path = pickModelPath("Save Patched RigidModel File", place.suggestion());
+    if (!path)
         return command_outcome::cancelled;
     failure why;
     if (!model.patch(*path, why))
@@ -218,6 +254,8 @@ command_outcome model_commands::reset()
         !m_prompt.confirm("Clear", "Are you sure you want to clear all fields?",
                           m_document.model().isEdited() ? prompt_answer::no : prompt_answer::yes))
         return command_outcome::cancelled;
+    if (command_outcome saved{}; !mayLeaveModel(saved))
+        return saved;
     m_document.close();
     return done("Everything is closed.");
 }
@@ -260,13 +298,13 @@ command_outcome model_commands::setTexturePath(std::size_t row, const std::strin
     return outcome;
 }
 
-command_outcome model_commands::pasteIntoTexture(std::size_t row, std::string_view text, const config_file& config)
+command_outcome model_commands::pasteIntoTexture(std::size_t row, std::string_view text)
 {
     m_last_action.clear();
     const group_data* const group = m_document.model().selectedGroup();
     if (group == nullptr || row >= group->textures.size())
         return command_outcome::cancelled;
-    const std::string path = pastedPath(text, group->textures[row].path_field.text(), internalRoots(config));
+    const std::string path = pastedPath(text, group->textures[row].path_field.text(), internalRoots(m_config));
     const std::size_t cut = path.size() - fileName(path).size();
     return path.empty() ? command_outcome::cancelled : setTexturePath(row, path.substr(0, cut), path.substr(cut));
 }
@@ -333,14 +371,24 @@ command_outcome model_commands::offerReread(const disk_change& change)
     return command_outcome::failed;
 }
 
-bool model_commands::mayDiscardEdits()
+bool model_commands::mayLeaveModel(command_outcome& outcome)
 {
+    m_last_action.clear();
+    outcome = command_outcome::cancelled;
     if (!m_document.model().isEdited())
         return true;
-    return m_prompt.confirm("Unsaved changes",
-                            "The changes to this model were not saved. Go on without them?\r\n" +
-                                m_document.model().file()->path(),
-                            prompt_answer::no);
+    switch (m_prompt.askToSave("Unsaved changes",
+                               "Save the changes to this model?\r\n" + m_document.model().file()->path()))
+    {
+    case save_answer::save:
+        outcome = save();
+        return outcome == command_outcome::done;
+    case save_answer::discard:
+        return true;
+    case save_answer::cancel:
+        break;
+    }
+    return false;
 }
 
 } // namespace korvane

@@ -12,6 +12,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,17 +47,23 @@ struct copied_texture_paths
 class model_commands
 {
 public:
-    // Both outlive this.
-    model_commands(open_files& document, user_prompt& prompt) : m_document(document), m_prompt(prompt) {}
+    // All outlive this.
+    model_commands(open_files& document, user_prompt& prompt, const config_file& config)
+        : m_document(document)
+        , m_prompt(prompt)
+        , m_config(config)
+    {
+    }
 
     bool isEnabled(document_command command, const window_facts& facts = {}) const;
 
     // For commands that need the archives, before they begin. False: no data folder is set up, and the person was told
     // so; the window then offers the dialog for them.
-    [[nodiscard]] bool mayUseArchives(const config_file& config);
+    [[nodiscard]] bool mayUseArchives();
 
-    // To the model's own path; a model out of an archive, and one whose file has become another, get one first. A model
-    // that was patched is only written after a warning, and the patched file is offered instead.
+    // To the model's own path; without edits only where that file is gone and the person wants it back. A model
+    // out of an archive, and one whose file has become another, get one first. A model that was patched is only written
+    // after a warning, and the patched file is offered instead.
     command_outcome save();
     command_outcome saveAs();
     command_outcome patch();
@@ -69,7 +76,7 @@ public:
     // As typed into the row's two fields. What is odd about the path is said behind what was done.
     command_outcome setTexturePath(std::size_t row, const std::string& directory, const std::string& file);
     // A text or the path of a file, pasted into the row or dropped on it (pasted_path.h).
-    command_outcome pasteIntoTexture(std::size_t row, std::string_view text, const config_file& config);
+    command_outcome pasteIntoTexture(std::size_t row, std::string_view text);
     command_outcome replacePathPrefix(std::string_view wanted, std::string_view replacement);
     [[nodiscard]] copied_texture_paths copyTexturePaths();
     // What the last of these commands did, for the status line: "Saved body.rigid_model_v2", "Undone: alpha mode of LOD
@@ -82,12 +89,17 @@ public:
     // being said. A file that is gone stays open, and lastAction() says so.
     command_outcome offerReread(const disk_change& change);
 
-    // Before the model is replaced or the program ends: true when there are no unsaved edits, or they may be lost.
-    [[nodiscard]] bool mayDiscardEdits();
+    // Before the model is replaced or the program ends: asks what becomes of unsaved edits. False: all stays as it is,
+    // also when they were to be saved and could not be. outcome: of the save, else cancelled.
+    [[nodiscard]] bool mayLeaveModel(command_outcome& outcome);
 
 private:
     bool hasModel() const { return m_document.model().hasModel(); }
     command_outcome saveTo(const std::string& path);
+    command_outcome saveUnedited(const std::string& path);
+    std::optional<std::string> pickModelPath(const std::string& title, const save_suggestion& suggestion);
+    std::string diskPath() const;               // of the open model's file; empty: it lies in an archive
+    std::string modFolder() const;              // the one on top; empty: none is set
     bool mayWriteOver(const std::string& path); // what another program has put there meanwhile
     // For a model whose file would say 7 over version 6 headers: done when it is to be written nevertheless.
     command_outcome confirmMixedVersions();
@@ -97,6 +109,7 @@ private:
 
     open_files& m_document;
     user_prompt& m_prompt;
+    const config_file& m_config;
     std::string m_last_action;
     std::array<std::string, texture_row_count> m_chosen_folders;
 };

@@ -160,6 +160,14 @@ std::string open_files::title() const
            (m_model.isEdited() ? "*[edited]" : "");
 }
 
+std::string open_files::shownName() const
+{
+    if (m_shown == kind::nothing)
+        return {};
+    const std::string name(fileName(m_shown == kind::model ? m_model.file()->path() : m_definition.path()));
+    return name.substr(0, name.rfind('.'));
+}
+
 std::string open_files::status(const std::optional<drawn_models>& drawn) const
 {
     switch (m_shown)

@@ -102,6 +102,8 @@ public:
 
     // "Korvane 1.2.3a   RMV2: [body.rigid_model_v2] VMD: [no file loaded]", and "*[edited]" behind it.
     [[nodiscard]] std::string title() const;
+    // File name without its ending of what is shown; empty: nothing is.
+    [[nodiscard]] std::string shownName() const;
     // One line about what is shown; drawn is what the view made of a definition.
     [[nodiscard]] std::string status(const std::optional<drawn_models>& drawn) const;
 

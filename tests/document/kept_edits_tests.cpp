@@ -98,7 +98,8 @@ TEST_F(kept_edits_test, whatASaveWouldHaveWrittenIsOfferedAndSavedToItsOwnPath)
                   test::programTitle("RMV2: [soldier.rigid_model_v2] VMD: [no file loaded]*[edited]"));
         program other(m_kept);
         std::thread([&] { EXPECT_FALSE(offer(other)) << "another program has it"; }).join();
-        model_commands commands(second.document, m_prompt);
+        const config_file config;
+        model_commands commands(second.document, m_prompt, config);
         EXPECT_EQ(commands.save(), command_outcome::done);
         EXPECT_EQ(readBytes(m_path), readBytes(m_folder.file("saved")));
         EXPECT_EQ(keep(second), "") << "saved";
@@ -173,12 +174,14 @@ TEST_F(kept_edits_test, aFileThatChangedSinceIsNotWrittenOver)
         m_prompt.confirmations = {true};
         ASSERT_TRUE(offer(second));
         EXPECT_NE(m_prompt.shown.back().second.find("ask where"), std::string::npos);
-        model_commands commands(second.document, m_prompt);
+        const config_file config;
+        model_commands commands(second.document, m_prompt, config);
         EXPECT_EQ(commands.save(), command_outcome::cancelled);
         EXPECT_EQ(readBytes(m_path), now);
         m_prompt.answer = m_folder.file("elsewhere.rigid_model_v2");
         EXPECT_EQ(commands.save(), command_outcome::done);
         m_prompt.answer.reset();
+        second.document.model().chooseAlphaMode(2);
         EXPECT_EQ(commands.save(), command_outcome::done) << "the new path is its own";
     }
 }

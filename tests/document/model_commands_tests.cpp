@@ -3,6 +3,7 @@
 #include "Korvane/document/change_list.h"
 #include "Korvane/document/model_commands.h"
 #include "Korvane/document/pasted_path.h"
+#include "Korvane/document/save_place.h"
 #include "Korvane/models/rmv2_writer.h"
 #include "tests/support/model_builder.h"
 #include "tests/support/program_title.h"
@@ -40,7 +41,8 @@ protected:
     std::string m_bytes; // of the open model
     open_files m_document;
     recording_prompt m_prompt;
-    model_commands m_commands{m_document, m_prompt};
+    config_file m_config;
+    model_commands m_commands{m_document, m_prompt, m_config};
 };
 
 TEST_F(model_commands_test, commandsAreEnabledAsTheyMakeSense)
@@ -49,26 +51,23 @@ TEST_F(model_commands_test, commandsAreEnabledAsTheyMakeSense)
     EXPECT_FALSE(m_commands.isEnabled(command::save_as));
     EXPECT_FALSE(m_commands.isEnabled(command::reset));
     open(7);
-    for (const command always : {command::save_as, command::patch, command::reset, command::test, command::open_folder,
-                                 command::choose_alpha_mode, command::choose_texture})
+    for (const command always : {command::save, command::save_as, command::patch, command::reset, command::test,
+                                 command::open_folder, command::choose_alpha_mode, command::choose_texture})
         EXPECT_TRUE(m_commands.isEnabled(always)) << static_cast<int>(always);
-    for (const command later :
-         {command::save, command::undo, command::redo, command::export_static, command::save_picture})
+    for (const command later : {command::undo, command::redo, command::export_static, command::save_picture})
         EXPECT_FALSE(m_commands.isEnabled(later)) << static_cast<int>(later);
     EXPECT_EQ(m_commands.chooseAlphaMode(1), command_outcome::done);
-    EXPECT_TRUE(m_commands.isEnabled(command::save));
     EXPECT_TRUE(m_commands.isEnabled(command::undo));
     m_document.select({0, 1});
     EXPECT_FALSE(m_commands.isEnabled(command::choose_texture)) << "a group without textures";
     EXPECT_TRUE(m_commands.isEnabled(command::save_picture, {.has_view = true}));
     EXPECT_FALSE(m_commands.isEnabled(command::open, {.is_busy = true}));
 
-    config_file config;
-    EXPECT_FALSE(m_commands.mayUseArchives(config));
+    EXPECT_FALSE(m_commands.mayUseArchives());
     EXPECT_EQ(m_prompt.shown.back().second,
               "Setup up your games' \\data\\ folder in tools->setup game data folder first");
-    config.add("data_paths", {"c:\\game\\data\\"}, false);
-    EXPECT_TRUE(m_commands.mayUseArchives(config));
+    m_config.add("data_paths", {"c:\\game\\data\\"}, false);
+    EXPECT_TRUE(m_commands.mayUseArchives());
 }
 
 TEST_F(model_commands_test, editsShowInThePanelsAndTheTitleAndReachTheFileWhenTheyAreSaved)
@@ -212,32 +211,95 @@ TEST_F(model_commands_test, afterAPatchASaveIsAskedAboutAndASecondPatchRefused)
     EXPECT_EQ(written("mixed"), mixed);
     EXPECT_TRUE(isVersion7OverVersion6(std::as_bytes(std::span(mixed))));
 
+    m_commands.chooseAlphaMode(0);
     m_prompt.confirmations = {true};
     EXPECT_EQ(m_commands.save(), command_outcome::opened_other);
     EXPECT_EQ(m_document.model().file()->path(), m_folder.file("patched.rigid_model_v2"));
     EXPECT_EQ(m_document.model().file()->version(), 7u);
     const std::size_t asked = m_prompt.shown.size();
+    EXPECT_EQ(m_commands.chooseAlphaMode(1), command_outcome::done);
     EXPECT_EQ(m_commands.save(), command_outcome::done);
     EXPECT_EQ(m_prompt.shown.size(), asked) << "an ordinary model is saved without a question";
 }
 
 TEST_F(model_commands_test, editsAreNotLostWithoutAQuestion)
 {
-    open(7);
-    EXPECT_TRUE(m_commands.mayDiscardEdits());
+    const std::string path = open(7);
+    command_outcome saved{};
+    EXPECT_TRUE(m_commands.mayLeaveModel(saved));
     EXPECT_TRUE(m_prompt.shown.empty());
     m_commands.chooseAlphaMode(1);
-    EXPECT_FALSE(m_commands.mayDiscardEdits());
+    EXPECT_FALSE(m_commands.mayLeaveModel(saved)) << "cancelled";
     EXPECT_EQ(m_commands.reset(), command_outcome::cancelled);
     EXPECT_EQ(m_prompt.shown.back(),
               (std::pair<std::string, std::string>("Clear", "Are you sure you want to clear all fields?")));
     EXPECT_TRUE(m_document.reopen().empty());
     EXPECT_TRUE(m_document.model().isEdited());
     m_prompt.will_confirm = true;
-    EXPECT_TRUE(m_commands.mayDiscardEdits());
+    EXPECT_EQ(m_commands.reset(), command_outcome::cancelled);
+
+    m_prompt.will_save = save_answer::save;
+    std::filesystem::remove(toPath(path));
+    std::filesystem::create_directory(toPath(path)); // nothing can be written there
+    EXPECT_FALSE(m_commands.mayLeaveModel(saved));
+    EXPECT_EQ(saved, command_outcome::failed);
+    EXPECT_TRUE(m_document.model().isEdited());
+    std::filesystem::remove(toPath(path));
+    EXPECT_TRUE(m_commands.mayLeaveModel(saved));
+    EXPECT_EQ(saved, command_outcome::done);
+    EXPECT_NE(readBytes(path), m_bytes);
+
+    m_prompt.will_save = save_answer::discard;
+    m_commands.chooseAlphaMode(0);
+    const std::string before = readBytes(path);
     EXPECT_EQ(m_commands.reset(), command_outcome::done);
+    EXPECT_EQ(readBytes(path), before);
     EXPECT_FALSE(m_document.model().hasModel());
     EXPECT_EQ(m_document.title(), test::programTitle("RMV2: [no file loaded] VMD: [no file loaded]"));
+}
+
+TEST_F(model_commands_test, withoutEditsASaveSaysSoAndWritesWhatIsGone)
+{
+    const std::string path = open(7);
+    EXPECT_EQ(m_commands.save(), command_outcome::cancelled);
+    EXPECT_EQ(m_commands.lastAction(), "Nothing to save: in.rigid_model_v2 has no changes.");
+    std::filesystem::remove(toPath(path));
+    EXPECT_EQ(m_commands.save(), command_outcome::cancelled) << "not wanted back";
+    m_prompt.will_confirm = true;
+    EXPECT_EQ(m_commands.save(), command_outcome::done);
+    EXPECT_EQ(readBytes(path), m_bytes);
+}
+
+TEST_F(model_commands_test, pickersBeginWhereTheFileBelongs)
+{
+    open(6);
+    const std::string folder = toUtf8(toPath(m_folder.file("x")).parent_path());
+    EXPECT_EQ(m_commands.saveAs(), command_outcome::cancelled);
+    EXPECT_EQ(m_prompt.suggested.folder, folder);
+    EXPECT_EQ(m_prompt.suggested.name, "in.rigid_model_v2");
+    EXPECT_EQ(m_commands.patch(), command_outcome::cancelled);
+    EXPECT_EQ(m_prompt.suggested.name, "in_v7.rigid_model_v2");
+
+    const struct
+    {
+        const char *model, *disk, *mod, *folder, *name; // "": none
+    } rows[] = {
+        {"pack:men\\body.rigid_model_v2", "", "mod", "mod/men", "body.rigid_model_v2"},
+        {"pack:men/body.rigid_model_v2", "there/body.rigid_model_v2", "mod", "there", "body_v7.rigid_model_v2"},
+        {"pack:men/body.rigid_model_v2", "", "", "", "body.rigid_model_v2"},
+        {"pack:../body.rigid_model_v2", "", "mod", "", "body.rigid_model_v2"},
+        {"pack:men/body.rigid_model_v2", "", "no such mod", "", "body.rigid_model_v2"},
+    };
+    const auto absolute = [this](const char* name) { return *name == '\0' ? "" : m_folder.file(name); };
+    std::filesystem::create_directory(toPath(absolute("mod")));
+    std::filesystem::create_directory(toPath(absolute("there")));
+    for (const auto& row : rows)
+    {
+        const save_place place(row.model, absolute(row.disk), absolute(row.mod), "_v7");
+        EXPECT_EQ(toPath(place.suggestion().folder), toPath(absolute(row.folder)).make_preferred()) << row.model;
+        EXPECT_EQ(place.suggestion().name, row.name);
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(toPath(absolute("mod")))) << "what was made for the picker has gone";
 }
 
 TEST_F(model_commands_test, whatAnotherProgramDidToTheFileIsOfferedOnceAndNotWrittenOver)
@@ -283,10 +345,9 @@ TEST_F(model_commands_test, whatAnotherProgramDidToTheFileIsOfferedOnceAndNotWri
 
 TEST_F(model_commands_test, whatIsPastedIntoATextureRowBecomesAPath)
 {
-    config_file config;
-    config.add("mod_paths", {"d:\\mods\\mine"}, false);
-    config.add("data_paths", {"c:\\game\\data\\"}, false);
-    const std::vector<std::string> roots = internalRoots(config);
+    m_config.add("mod_paths", {"d:\\mods\\mine"}, false);
+    m_config.add("data_paths", {"c:\\game\\data\\"}, false);
+    const std::vector<std::string> roots = internalRoots(m_config);
     const std::string before = "tex/a.dds";
     const struct
     {
@@ -305,11 +366,11 @@ TEST_F(model_commands_test, whatIsPastedIntoATextureRowBecomesAPath)
         EXPECT_EQ(pastedPath(row.pasted, before, roots), row.path) << row.pasted;
 
     open(7);
-    EXPECT_EQ(m_commands.pasteIntoTexture(0, "new.dds", config), command_outcome::done);
+    EXPECT_EQ(m_commands.pasteIntoTexture(0, "new.dds"), command_outcome::done);
     EXPECT_EQ(m_commands.lastAction(),
               "Changed: path of LOD 1, group 1, texture 1: tex/body_diffuse.dds -> tex/new.dds");
     EXPECT_NE(selectedGroupText(m_document.model()).find("tex/new.dds\r\n"), std::string::npos);
-    EXPECT_EQ(m_commands.pasteIntoTexture(1, "new.dds", config), command_outcome::cancelled) << "a grey row";
+    EXPECT_EQ(m_commands.pasteIntoTexture(1, "new.dds"), command_outcome::cancelled) << "a grey row";
 }
 
 } // namespace

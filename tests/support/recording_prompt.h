@@ -31,6 +31,13 @@ public:
         confirmations.erase(confirmations.begin());
         return is_yes;
     }
+    save_answer askToSave(const std::string& title, const std::string& text) override
+    {
+        shown.emplace_back(title, text);
+        if (while_asking)
+            while_asking();
+        return will_save;
+    }
     std::optional<std::string> pickOpenPath(const std::string& title, const std::vector<file_filter>& filters) override
     {
         picked_with = title + "|" + filters.at(0).label + "|" + filters.at(0).pattern;
@@ -45,8 +52,9 @@ public:
     }
     std::optional<std::string> pickFolder(const std::string& title) override { return pickOpenPath(title, {{"", ""}}); }
     std::optional<std::string> pickSavePath(const std::string& title, const std::vector<file_filter>& filters,
-                                            const std::string&) override
+                                            const std::string&, const save_suggestion& suggestion) override
     {
+        suggested = suggestion;
         return pickOpenPath(title, filters);
     }
 
@@ -54,6 +62,8 @@ public:
     std::string picked_with;                                // of the last picker: title, first label, first pattern
     std::vector<bool> confirmations;                        // the next answers; then
     bool will_confirm = false;
+    save_answer will_save = save_answer::cancel;
+    save_suggestion suggested;           // of the last picker of a path to write
     std::function<void()> while_asking;  // before will_confirm is looked at
     std::function<void()> while_picking; // what happens while a file is picked
     std::optional<std::string> answer;   // of the next picker

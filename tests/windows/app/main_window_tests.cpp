@@ -384,7 +384,7 @@ TEST_F(main_window_test, unsavedChangesAreOfferedAgainAndNotLostWithoutAQuestion
     EXPECT_EQ(keepsThere(), 1u) << "until they are saved or discarded";
     SendMessageW(m_window->handle(), WM_ENDSESSION, TRUE, 0);
     EXPECT_GE(keepsThere(), 1u) << "the person logs off";
-    m_prompt.will_confirm = true;
+    m_prompt.will_save = save_answer::discard;
     SendMessageW(m_window->handle(), WM_CLOSE, 0, 0);
     EXPECT_FALSE(m_window->isOpen());
 }

@@ -37,7 +37,7 @@ protected:
         m_files.push_back(write("picture.dds", test_dds().bytes()));
         m_files.push_back(m_folder + "never there.rigid_model_v2");
         m_files.push_back(m_folder);
-        m_prompt.while_asking = [this] { m_prompt.will_confirm = draw(2) == 0; };
+        m_prompt.while_asking = answerAnyhow();
         m_prompt.while_picking = [this] {
             m_prompt.answer.reset();
             if (draw(4) != 0)
@@ -57,6 +57,13 @@ protected:
         main_window_test::TearDown();
     }
 
+    std::function<void()> answerAnyhow()
+    {
+        return [this] {
+            m_prompt.will_confirm = draw(2) == 0;
+            m_prompt.will_save = static_cast<save_answer>(draw(3));
+        };
+    }
     unsigned draw(unsigned count) { return static_cast<unsigned>(m_random() % count); }
     std::string anyFile() { return m_files[draw(static_cast<unsigned>(m_files.size()))]; }
 
@@ -219,9 +226,12 @@ protected:
         ShowWindow(m_window->handle(), SW_RESTORE);
         RECT place{20, 20, 900, 700};
         SendMessageW(m_window->handle(), WM_DPICHANGED, MAKEWPARAM(96, 96), reinterpret_cast<LPARAM>(&place));
-        m_prompt.while_asking = [this] { m_prompt.will_confirm = true; };
+        m_prompt.while_asking = [this] {
+            m_prompt.will_confirm = true;
+            m_prompt.will_save = save_answer::discard;
+        };
         choose(document_command::reset);
-        m_prompt.while_asking = [this] { m_prompt.will_confirm = draw(2) == 0; };
+        m_prompt.while_asking = answerAnyhow();
         EXPECT_FALSE(m_window->document().model().hasModel());
         return uiHandlesOf(GetCurrentProcess());
     }

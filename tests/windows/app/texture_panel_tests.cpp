@@ -56,7 +56,7 @@ protected:
 TEST_F(texture_panel_test, aTypedPathIsTakenByEnterLeavingAndCommands)
 {
     openWithModFolder();
-    const auto isEdited = [this] { return m_window->isEnabled(document_command::save); };
+    const auto isEdited = [this] { return m_window->document().model().isEdited(); };
 
     choose(control_texture_type, 3);
     EXPECT_EQ(text(control_texture_type), "Diffuse") << "the list only says something";
