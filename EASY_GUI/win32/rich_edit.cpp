@@ -41,6 +41,10 @@ void rich_edit::showRuns()
     send(EM_SETSEL, 0, 0);
     send(EM_SCROLLCARET);
     send(WM_SETREDRAW, TRUE);
+    // Without redrawing the scroll bar was not brought up to date either.
+    RECT inside{};
+    GetClientRect(handle(), &inside);
+    send(WM_SIZE, SIZE_RESTORED, MAKELPARAM(inside.right, inside.bottom));
     InvalidateRect(handle(), nullptr, TRUE);
 }
 

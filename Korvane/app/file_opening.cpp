@@ -78,7 +78,9 @@ bool file_opening::importFbx(const std::string& path)
     if (!is_read)
     {
         m_host.logLine("main_window::importFbx(). " + describe(why));
-        m_host.prompt().show("Error!", fbxImportError(path), prompt_icon::error);
+        if (why.path.empty())
+            why.path = std::string(fileName(path));
+        m_host.prompt().show("Error!", fbxImportError(path) + "\r\n\r\n" + describe(why), prompt_icon::error);
         return false;
     }
     addRecentFile(path);

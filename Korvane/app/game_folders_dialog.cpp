@@ -137,7 +137,10 @@ void game_folders_dialog::nameHandlers()
             change([this, step](std::size_t row) { (m_folders.*step)(row); }, m_list.selected() + rows);
         };
     };
-    const auto remove = [this] { change([this](std::size_t row) { m_folders.remove(row); }, m_list.selected()); };
+    const auto remove = [this] {
+        change([this](std::size_t row) { m_folders.remove(row); }, m_list.selected());
+        m_list.focus(); // a second Enter takes no second folder away
+    };
     m_browse.onClick = [this] { browse(); };
     m_add_data.onClick = m_box.onEnter = [this] { add(kind::data); };
     m_add_mod.onClick = [this] { add(kind::mod); };
@@ -199,12 +202,21 @@ void game_folders_dialog::add(game_folders::folder_kind kind)
         return;
     }
     m_box.setText("");
+    showAdded();
+}
+
+void game_folders_dialog::showAdded()
+{
+    m_list.refresh();
+    m_list.select(static_cast<int>(m_folders.lastAdded()));
     show();
+    m_list.focus();
 }
 
 void game_folders_dialog::findGamesOfStores()
 {
     std::vector<found_game> found;
+    bool is_added = false;
     modal_work work{handle(), "Looking for games"};
     const bool went_on = work.run([&found](const work_port& port) { found = findGames(installedStores(), port); });
     const bool has_any = !found.empty();
@@ -220,7 +232,10 @@ void game_folders_dialog::findGamesOfStores()
     failure why;
     found_games_dialog dialog(std::move(found));
     for (const found_game& game : dialog.ask(handle(), why))
+    {
         m_folders.add(game);
+        is_added = true;
+    }
     if (why)
         m_host.prompt().show("Find Games", describe(why), prompt_icon::error);
     std::vector<folder_look> looks;
@@ -229,6 +244,8 @@ void game_folders_dialog::findGamesOfStores()
         looks = game_folders::look(folders, port);
     }));
     m_folders.take(looks);
+    if (is_added)
+        return showAdded();
     show();
     m_list.focus();
 }

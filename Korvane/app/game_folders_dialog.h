@@ -48,6 +48,7 @@ private:
     void findGamesOfStores();
     void change(const std::function<void(std::size_t row)>& change, int selected_after);
     void show();
+    void showAdded(); // what was added last, selected
     void lookAtFolders();
 
     page_host& m_host;

@@ -522,7 +522,9 @@ void main_window::followFiles()
         return;
     for (page* const each : m_pages)
         each->follow();
-    if (const std::string news = m_display.followFiles(); !news.empty())
+    const std::string news = m_display.followFiles();
+    if (!news.empty() &&
+        !m_happened.starts_with(news.substr(0, news.find(" was read again")) + ' ')) // which says more of that file
         setStatus(news);
     const HWND active = GetActiveWindow();
     if (IsWindowEnabled(handle()) == 0 || active == nullptr || !takesShortcutsOf(active))

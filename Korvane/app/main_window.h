@@ -77,6 +77,7 @@ public:
     void select(model_selection wanted) override;
     void showModelPage(int texture_row) override;
     void showDefinitionPage() override;
+    void rereadArchives(bool trusts_cache) override;
     void setStatus(const std::string& text) override;
     void logLine(const std::string& line) override;
     bool work(const std::string& title, const std::function<void(const work_port&)>& work) override;
@@ -112,7 +113,6 @@ private:
     // Files and archives
     bool isBusy() const { return m_works > 0; }
     void opened(const std::string& path);
-    void rereadArchives(bool trusts_cache);
     void setUpFolders();
     void logProblems();
     void followFiles();

@@ -4,6 +4,7 @@
 #include "EASY_GUI/services/text.h"
 #include "EASY_GUI/win32/clipboard.h"
 #include "Korvane/presenters/game_folders.h"
+#include "Korvane/textures/picture_file.h"
 #include "Korvane/textures/texture_paths.h"
 
 #include <algorithm>
@@ -118,6 +119,12 @@ void texture_commands::replaceWith(std::size_t row, const std::string& picture, 
                                     "This row names no texture yet. Type the path that the texture is to have, then "
                                     "choose the picture.",
                                     prompt_icon::information);
+    if (isForeignPicture(picture))
+        return m_host.prompt().show(title,
+                                    displayText(fileName(picture)) +
+                                        " is of a kind that cannot become a texture. Save it as PNG, Targa (.tga) or "
+                                        "DDS in your paint program, and take that file.",
+                                    prompt_icon::information);
     const std::string folder = modFolder(title);
     if (folder.empty() || !isUsed(row))
         return;
@@ -137,6 +144,8 @@ void texture_commands::replaceWith(std::size_t row, const std::string& picture, 
     m_edits.forget(result.internal_path);
     if (wanted == target::new_path)
         setPath(row, result.internal_path);
+    if (!m_host.document().game()->hasModFolder(folder))
+        m_host.rereadArchives(true); // it was not there when they were read
     m_told.files_changed();
     say(result.text);
 }
@@ -228,7 +237,7 @@ void texture_commands::showPlace(std::size_t row)
 
 void texture_commands::chooseFolder()
 {
-    if (const auto folder = m_host.prompt().pickFolder("Select Dir"))
+    if (const auto folder = m_host.prompt().pickFolder("Choose the folder for extracted textures"))
     {
         m_extraction.setFolder(*folder);
         say("Textures are extracted into " + displayText(*folder));
@@ -250,9 +259,11 @@ void texture_commands::extract()
     if (m_extraction.folder().empty())
         return;
     texture_extraction_result result;
+    texture_extraction_options options;
     const ui_thread::mailbox box = m_host.thread().box();
     const auto run = [&](bool overwrites) {
         const auto wanted = m_extraction.requestFor(m_host.document().model(), m_host.document().game(), overwrites);
+        options = wanted.options;
         static_cast<void>(m_host.work("Extracting textures", [&](const work_port& port) {
             work_port both = port;
             both.progress = [&port, &box, this](const work_progress& now) {
@@ -268,7 +279,7 @@ void texture_commands::extract()
         !question.empty() && m_host.prompt().confirm("Find+Upack DDS", question, prompt_answer::no))
         run(true);
     m_told.progress({1, 1, {}});
-    const std::string text = texture_extraction_panel::countText(result);
+    const std::string text = texture_extraction_panel::countText(result, options);
     if (const std::string missing = texture_extraction_panel::missingText(result); !missing.empty())
         m_host.logLine(text + "\r\n" + missing);
     say(text);
@@ -299,6 +310,8 @@ void texture_commands::showDocument()
         return;
     m_edits.endAll();
     m_extraction.forgetPaths();
+    m_told.status(m_extraction.folderText()); // not what was done with the former one
+    m_told.progress({0, 1, {}});
 }
 
 } // namespace korvane

@@ -37,7 +37,8 @@ enum row_menu : int
 
 bool isPicture(const std::string& path)
 {
-    return pictureKind(path).has_value() || toLower(path).ends_with(".dds");
+    // Of those that cannot be read the command says what to do.
+    return pictureKind(path).has_value() || endsWithIgnoringCase(path, ".dds") || isForeignPicture(path);
 }
 
 } // namespace
@@ -152,7 +153,7 @@ void texture_field_group::showExtraction()
     m_is_picture.check(chosen.writtenAs() != form::dds);
     m_picture_kind.select(chosen.writtenAs() == form::targa ? 1 : 0);
     m_picture_kind.setEnabled(chosen.writtenAs() != form::dds);
-    m_status.setText(chosen.folder().empty() ? "No folder is chosen yet." : "Into " + displayText(chosen.folder()));
+    m_status.setText(chosen.folderText());
 }
 
 void texture_field_group::setFont(const font& used)

@@ -37,7 +37,7 @@ std::optional<std::string> pickNormalMapOutput(page_host& host, normal_form targ
 {
     const normal_map_pickers pickers = normalMapPickers(target);
     const std::string title(pickers.output_title);
-    return asksForFolder(inputs) ? host.prompt().pickFolder(title)
+    return asksForFolder(inputs) ? host.prompt().pickFolder("Choose the folder for the converted normal maps")
                                  : host.prompt().pickSavePath(title, pickers.filters, "tga", {});
 }
 

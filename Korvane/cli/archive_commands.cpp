@@ -156,6 +156,8 @@ void extractAll(cli_context& context, const extract_job_options& options)
     failure why;
     if (!extractMatching(context.game(), options, context.workPort(), result, why))
         return context.fail(why);
+    if (result.matches == 0 && context.is_json)
+        printExtracted(context, {}, 0);
     if (result.matches == 0)
         return context.fail({failure_kind::not_found, "no file matches", options.pattern, 0, ""});
     for (const extracted_file& file : result.files)

@@ -13,6 +13,8 @@ namespace korvane
 std::vector<std::string> recentFiles(const config_file& config)
 {
     std::vector<std::string> files = config.get(config_keys::recent_files);
+    std::erase_if(files,
+                  [](const std::string& file) { return file.find_first_not_of(" \t\r\n") == std::string::npos; });
     files.resize(std::min(files.size(), max_recent_files));
     for (std::string& file : files)
         if (!game_path(file).isInternal())

@@ -27,6 +27,14 @@ game_data::game_data(std::shared_ptr<const path_tree> archives) : m_po_archives(
     m_has_archives = m_po_archives->archives().size() > m_mod_folders.size() || m_mod_folders.empty();
 }
 
+bool game_data::hasModFolder(const std::string& folder) const
+{
+    return std::any_of(m_mod_folders.begin(), m_mod_folders.end(), [&folder](const std::string& known) {
+        std::error_code error;
+        return std::filesystem::equivalent(toPath(known), toPath(folder), error);
+    });
+}
+
 game_file game_data::ofEntry(const pack_file_node* entry) const
 {
     return entry ? game_file(std::shared_ptr<const pack_file_node>(m_po_archives, entry)) : game_file();

@@ -32,6 +32,8 @@ public:
 
     // False, too, when there are mod folders alone: what they lack is not missing in the game.
     bool hasArchives() const { return m_has_archives; }
+    // Whether what lies in that folder counts; one that was not there when the archives were read does not.
+    [[nodiscard]] bool hasModFolder(const std::string& folder) const;
     // For listings and searches, with the files that the mod folders had when they were loaded; null: nothing is
     // loaded.
     const std::shared_ptr<const path_tree>& archives() const { return m_po_archives; }

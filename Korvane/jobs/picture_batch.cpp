@@ -20,8 +20,9 @@ namespace
 class batch_run
 {
 public:
-    batch_run(const picture_batch& batch, const picture_name& name, const picture_work& work)
+    batch_run(const picture_batch& batch, const picture_name& name, const picture_work& work, const log_port& log)
         : m_batch(batch)
+        , m_log(log)
         , m_name(name)
         , m_work(work)
         , m_is_file(batch.is_one_file && !isFolder(batch.output))
@@ -43,7 +44,9 @@ public:
             if (!outputPath(input, path, why))
                 return false;
             const auto write = [&](std::span<const std::byte> bytes, failure& reason) {
-                return writeOutput(path, bytes, m_is_file || m_batch.overwrites, outcome, reason);
+                const std::string folder = toUtf8(toPath(path).parent_path());
+                return (folder.empty() || createFolder(folder, reason)) &&
+                       writeOutput(path, bytes, m_is_file || m_batch.overwrites, outcome, reason);
             };
             return m_work(input.path, path, write, why);
         }
@@ -84,14 +87,18 @@ private:
     {
         if (m_is_file)
             path = m_batch.output;
-        else if (!m_folder.place(m_name(input.below), path, why))
+        else if (const std::string name = m_name(input.below); !m_folder.place(name, path, why))
             return false;
+        else if (fileName(path) != fileName(name))
+            tell(m_log, displayText(input.path) + ": another picture becomes " + displayText(fileName(name)) +
+                            ", so this one becomes " + displayText(fileName(path)));
         failure is_input;
         return isFreeToWrite(m_inputs, path, is_input) ||
                fail(why, failure_kind::refused, "this would replace a file that is read", path);
     }
 
     const picture_batch& m_batch;
+    const log_port& m_log;
     const picture_name& m_name;
     const picture_work& m_work;
     bool m_is_file;
@@ -132,7 +139,7 @@ bool convertPictures(const picture_batch& batch, const picture_name& name, const
                      picture_batch_result& result, failure& why)
 {
     result = {};
-    batch_run run(batch, name, work);
+    batch_run run(batch, name, work, port.log);
     const std::size_t total = batch.inputs.size();
     for (std::size_t i = 0; i < total && !port.isStopped(); ++i)
     {

@@ -201,9 +201,10 @@ texture_extraction_result extractTextures(const game_data& game, const std::vect
     return extraction_run(game, options, port).run(wanted);
 }
 
-std::string extractedText(std::size_t count)
+std::string extractedText(std::size_t count, std::optional<picture_kind> form)
 {
-    return std::to_string(count) + " DDS files extracted.";
+    const char* const kind = !form ? "DDS" : *form == picture_kind::png ? "PNG" : "Targa";
+    return std::to_string(count) + ' ' + kind + " files extracted.";
 }
 
 } // namespace korvane

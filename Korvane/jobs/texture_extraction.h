@@ -54,7 +54,7 @@ struct texture_extraction_result
                                                         const texture_extraction_options& options,
                                                         const work_port& port = {});
 
-// "12 DDS files extracted."
-[[nodiscard]] std::string extractedText(std::size_t count);
+// "12 DDS files extracted."; form as in the options.
+[[nodiscard]] std::string extractedText(std::size_t count, std::optional<picture_kind> form = std::nullopt);
 
 } // namespace korvane

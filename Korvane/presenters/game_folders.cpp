@@ -163,7 +163,8 @@ std::optional<std::string> game_folders::add(folder_kind kind, const folder_look
 
 void game_folders::insert(folder_kind kind, const folder_look& look)
 {
-    m_rows.insert(m_rows.begin() + static_cast<std::ptrdiff_t>(firstMod()), {kind, look.folder, look});
+    m_last_added = firstMod();
+    m_rows.insert(m_rows.begin() + static_cast<std::ptrdiff_t>(m_last_added), {kind, look.folder, look});
 }
 
 std::vector<found_game> game_folders::newOf(const std::vector<found_game>& found) const
@@ -176,7 +177,9 @@ std::vector<found_game> game_folders::newOf(const std::vector<found_game>& found
 
 void game_folders::add(const found_game& game)
 {
-    m_rows.insert(m_rows.begin() + static_cast<std::ptrdiff_t>(firstMod()), {folder_kind::data, game.data_folder, {}});
+    m_last_added = firstMod();
+    m_rows.insert(m_rows.begin() + static_cast<std::ptrdiff_t>(m_last_added),
+                  {folder_kind::data, game.data_folder, {}});
 }
 
 void game_folders::remove(std::size_t row)

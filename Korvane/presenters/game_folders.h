@@ -51,6 +51,7 @@ public:
     // Of the games that were found those whose folder is not in the list yet.
     [[nodiscard]] std::vector<found_game> newOf(const std::vector<found_game>& found) const;
     void add(const found_game& game);
+    std::size_t lastAdded() const { return m_last_added; } // row of the folder that was added last
 
     void remove(std::size_t row);
     // Within its kind.
@@ -94,6 +95,7 @@ private:
     std::vector<folder_row> m_rows; // data folders first
     std::vector<std::string> m_saved_data, m_saved_mod;
     std::string m_box_text;
+    std::size_t m_last_added = 0;
 };
 
 // The games that "Find Games" proposes, to choose from.

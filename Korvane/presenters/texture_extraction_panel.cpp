@@ -86,9 +86,15 @@ texture_extraction_panel::request texture_extraction_panel::requestFor(const ope
     return made;
 }
 
-std::string texture_extraction_panel::countText(const texture_extraction_result& result)
+std::string texture_extraction_panel::folderText() const
 {
-    std::string text = extractedText(result.files.size());
+    return m_folder.empty() ? "No folder is chosen yet." : "Into " + displayText(m_folder);
+}
+
+std::string texture_extraction_panel::countText(const texture_extraction_result& result,
+                                                const texture_extraction_options& options)
+{
+    std::string text = extractedText(result.files.size(), options.form);
     const std::size_t nowhere = result.missing.size() + result.empty.size();
     if (nowhere > 0)
         text += " " + counted(nowhere, "texture is", "textures are") + " nowhere to be found.";
@@ -98,6 +104,8 @@ std::string texture_extraction_panel::countText(const texture_extraction_result&
         text += " " + counted(result.kept.size(), "file that differs was", "files that differ were") + " left alone.";
     if (result.is_stopped)
         text += " Stopped.";
+    if (!result.files.empty())
+        text += " They are in " + displayText(options.folder);
     return text;
 }
 

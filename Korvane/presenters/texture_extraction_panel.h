@@ -30,6 +30,7 @@ public:
 
     // "Select Dir...". Empty: none is chosen yet, and the window asks for one.
     const std::string& folder() const { return m_folder; }
+    [[nodiscard]] std::string folderText() const; // a line for the panel, while nothing was extracted
     void setFolder(const std::string& folder);
     bool isFlat() const { return m_is_flat; }
     void setFlat(bool is_flat);
@@ -55,8 +56,9 @@ public:
         return extractTextures(*wanted.game, wanted.wanted, wanted.options, work);
     }
 
-    // "12 DDS files extracted."; then what else there is to say, on the same line.
-    [[nodiscard]] static std::string countText(const texture_extraction_result& result);
+    // "12 DDS files extracted."; then what else there is to say, on the same line, and where they are.
+    [[nodiscard]] static std::string countText(const texture_extraction_result& result,
+                                               const texture_extraction_options& options);
     // Each texture that was not extracted, with the reason, a line each; empty: none.
     [[nodiscard]] static std::string missingText(const texture_extraction_result& result);
     // To be asked when other files were in the way; empty: none were.

@@ -7,7 +7,9 @@
 #include "Korvane/textures/png.h"
 #include "Korvane/textures/targa.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace korvane
 {
@@ -21,6 +23,14 @@ bool beginsWith(std::span<const std::byte> file, std::string_view bytes)
 }
 
 constexpr std::string_view dds_magic = "DDS ";
+
+// What its name calls a file that then was taken for Targa; empty: it is what it is called, or a Targa by name.
+std::string_view missingSignature(const std::string& path, std::span<const std::byte> file)
+{
+    if (beginsWith(file, png_signature) || beginsWith(file, dds_magic))
+        return {};
+    return endsWithIgnoringCase(path, ".png") ? "PNG" : endsWithIgnoringCase(path, ".dds") ? "DDS" : "";
+}
 
 // The bytes of a file that matter, seen from its start: what is no picture is not read whole.
 bool pictureFileSize(std::span<const std::byte> start, std::uint64_t& size, failure& why)
@@ -45,6 +55,15 @@ std::optional<picture_kind> pictureKind(std::string_view path)
     return std::nullopt;
 }
 
+bool isForeignPicture(std::string_view path)
+{
+    constexpr std::string_view endings[] = {".jpg",  ".jpeg", ".jfif", ".bmp", ".gif", ".webp", ".tif",
+                                            ".tiff", ".psd",  ".xcf",  ".kra", ".ora", ".heic", ".avif",
+                                            ".svg",  ".exr",  ".hdr",  ".ico", ".pcx", ".jp2"};
+    return std::any_of(std::begin(endings), std::end(endings),
+                       [path](std::string_view ending) { return endsWithIgnoringCase(path, ending); });
+}
+
 bool readPicture(std::span<const std::byte> file, picture& target, failure& why)
 {
     if (beginsWith(file, png_signature))
@@ -62,10 +81,19 @@ bool readPictureFile(const std::string& path, picture& target, failure& why)
     std::uint64_t file_bytes = 0, wanted = 0;
     if (!file.readStart(path, start_bytes, file_bytes, why))
         return false;
+    if (file_bytes == 0)
+        return fail(why, failure_kind::malformed, "the file is empty", path);
     const bool is_read = file_bytes <= start_bytes ||
                          (pictureFileSize(file.bytes(), wanted, why) && file.readStart(path, wanted, file_bytes, why));
     if (is_read && readPicture(file.bytes(), target, why))
         return true;
+    if (const std::string_view kind = missingSignature(path, file.bytes()); !kind.empty())
+    {
+        why = {};
+        return fail(why, failure_kind::malformed,
+                    "this is no " + std::string(kind) + " file: it does not begin as one, whatever its name says",
+                    path);
+    }
     if (why.path.empty())
         why.path = path;
     return false;

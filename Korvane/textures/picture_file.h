@@ -27,6 +27,9 @@ enum class picture_kind
 // By the ending of the name, in any case; nothing for others.
 [[nodiscard]] std::optional<picture_kind> pictureKind(std::string_view path);
 
+// A picture of a kind that other programs write and this one does not read, by the ending of the name.
+[[nodiscard]] bool isForeignPicture(std::string_view path);
+
 // PNG by its signature, DDS by its magic (decodeDds), anything else is taken for Targa. 16 bits a channel become 8.
 [[nodiscard]] bool readPicture(std::span<const std::byte> file, picture& target, failure& why);
 [[nodiscard]] bool readPictureFile(const std::string& path, picture& target, failure& why);

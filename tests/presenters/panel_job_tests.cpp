@@ -33,8 +33,13 @@ TEST(texture_extraction_panel, wantsWhatIsOpenAndRemembersItsChoices)
     panel.setFolder(folder.file("Out"));
     panel.setFlat(true);
     const auto game = std::make_shared<const game_data>();
-    const texture_extraction_result first = texture_extraction_panel::run(panel.requestFor(document, game), {});
-    EXPECT_EQ(texture_extraction_panel::countText(first), "1 DDS files extracted. 1 texture is nowhere to be found.");
+    texture_extraction_panel::request wanted = panel.requestFor(document, game);
+    const texture_extraction_result first = texture_extraction_panel::run(wanted, {});
+    const std::string where = " They are in " + folder.file("Out");
+    EXPECT_EQ(texture_extraction_panel::countText(first, wanted.options),
+              "1 DDS files extracted. 1 texture is nowhere to be found." + where);
+    wanted.options.form = picture_kind::png;
+    EXPECT_TRUE(texture_extraction_panel::countText(first, wanted.options).starts_with("1 PNG files extracted."));
     EXPECT_EQ(texture_extraction_panel::missingText(first).find("tex\\none.dds: in no archive"), 0u);
     EXPECT_EQ(test::readBytes(folder.file("Out/a.dds")), "DDS 1");
 

@@ -111,7 +111,8 @@ TEST_F(texture_panel_test, texturesAreExtractedAndFoldersAskedFor)
     m_prompt.answer = m_folder + "out";
     std::filesystem::create_directories(toPath(*m_prompt.answer));
     click(control_extract_textures);
-    EXPECT_EQ(text(control_extraction_status), "2 DDS files extracted. 1 texture is nowhere to be found.");
+    EXPECT_EQ(text(control_extraction_status),
+              "2 DDS files extracted. 1 texture is nowhere to be found. They are in " + *m_prompt.answer);
     EXPECT_TRUE(isThere("out\\men\\tex\\body_normal.dds"));
     click(control_textures_flat);
     click(control_textures_as_picture);
