@@ -41,10 +41,8 @@ void rich_edit::showRuns()
     send(EM_SETSEL, 0, 0);
     send(EM_SCROLLCARET);
     send(WM_SETREDRAW, TRUE);
-    // Without redrawing the scroll bar was not brought up to date either.
-    RECT inside{};
-    GetClientRect(handle(), &inside);
-    send(WM_SIZE, SIZE_RESTORED, MAKELPARAM(inside.right, inside.bottom));
+    for (const int step : {SB_LINEDOWN, SB_LINEUP}) // some systems show no scroll bar before something has scrolled
+        send(EM_SCROLL, static_cast<WPARAM>(step));
     InvalidateRect(handle(), nullptr, TRUE);
 }
 
