@@ -118,7 +118,20 @@ protected:
         MSG message{};
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) // the quit message among them
             ;
-        std::filesystem::remove_all(toPath(m_folder));
+        removeFolder();
+    }
+    // Not by remove_all(), which tries a file that is still open for ever: that one is named and stays.
+    void removeFolder() const
+    {
+        std::error_code error;
+        std::vector<std::filesystem::path> paths;
+        for (const auto& each : std::filesystem::recursive_directory_iterator(toPath(m_folder), error))
+            paths.push_back(each.path());
+        std::reverse(paths.begin(), paths.end()); // folders behind what lies in them
+        for (const std::filesystem::path& path : paths)
+            if (!std::filesystem::remove(path, error) || std::filesystem::exists(path))
+                std::printf("still open: %s\n", toUtf8(path).c_str());
+        std::filesystem::remove(toPath(m_folder), error);
     }
 
     std::string write(const std::string& name, const std::string& bytes)
