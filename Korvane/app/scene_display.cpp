@@ -75,7 +75,7 @@ void scene_display::showDocument()
             return loader.loadModel(drawn, drawn->path, lod);
         });
     else if (m_document.shown() == open_files::kind::definition)
-        start([models = definition.models(), path = definition.path()](scene_loader& loader) {
+        start([models = figureModels(definition.content()->root()), path = definition.path()](scene_loader& loader) {
             return loader.loadFigure(models, path);
         });
     else

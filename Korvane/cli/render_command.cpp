@@ -88,8 +88,9 @@ scene_pointer loadDefinition(const std::string& path, std::size_t lod, cli_conte
         return nullptr;
     for (const std::string& problem : definition.problems())
         context.note(problem);
-    const std::size_t count = definition.models().size();
-    scene_pointer scene = sceneLoader(context, *game).loadFigure(definition.models(), path, lod);
+    const std::vector<figure_model> models = figureModels(definition.content()->root());
+    const std::size_t count = models.size();
+    scene_pointer scene = sceneLoader(context, *game).loadFigure(models, path, lod);
     if (count == 0)
         fail(why, failure_kind::refused, "the definition names no models", path);
     else if (scene->parts.empty())

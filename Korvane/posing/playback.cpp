@@ -43,6 +43,7 @@ void playback::load(const playback_length& length)
 {
     m_length = length;
     m_is_loaded = true;
+    m_rounds = 0;
     goOnFrom({});
 }
 
@@ -68,7 +69,10 @@ void playback::tick()
     if (frames < m_length.end_time * m_length.frame_rate)
         m_position = positionOfFrame(frames);
     else
+    {
         goOnFrom({});
+        ++m_rounds;
+    }
 }
 
 void playback::setState(play_state state)

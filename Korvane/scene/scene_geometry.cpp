@@ -31,6 +31,16 @@ void model_bounds::add(const glm::vec3& point)
     max = glm::max(max, point);
 }
 
+void model_bounds::add(const model_bounds& box, const glm::mat4& place)
+{
+    if (box.isEmpty())
+        return;
+    for (int corner = 0; corner < 8; ++corner)
+        add(usableCoordinates(
+            glm::vec3(place * glm::vec4(corner & 1 ? box.max.x : box.min.x, corner & 2 ? box.max.y : box.min.y,
+                                        corner & 4 ? box.max.z : box.min.z, 1))));
+}
+
 triangle_count measureGroup(const vertex_store& store, model_bounds& bounds)
 {
     return forEachTriangle(store, [&](std::size_t first) {

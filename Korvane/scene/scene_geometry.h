@@ -5,6 +5,8 @@
 
 #include "Korvane/models/rmv2_data.h"
 
+#include <glm/gtc/quaternion.hpp>
+#include <glm/mat4x4.hpp>
 #include <glm/vec3.hpp>
 
 #include <cstddef>
@@ -17,6 +19,25 @@ namespace korvane
 [[nodiscard]] float usableCoordinate(float value);
 [[nodiscard]] glm::vec3 usableCoordinates(const glm::vec3& value);
 
+// A number with which bones can be placed: beyond a thousand kilometres it is damage, and products would overflow.
+[[nodiscard]] inline bool isUsable(float value)
+{
+    return value >= -1e6f && value <= 1e6f; // false for what is no number
+}
+[[nodiscard]] inline bool isUsable(const glm::vec3& value)
+{
+    return isUsable(value.x) && isUsable(value.y) && isUsable(value.z);
+}
+[[nodiscard]] inline bool isUsable(const glm::quat& value)
+{
+    return isUsable(value.x) && isUsable(value.y) && isUsable(value.z) && isUsable(value.w);
+}
+[[nodiscard]] inline bool isUsable(const glm::mat4& value)
+{
+    return isUsable(glm::vec3(value[0])) && isUsable(glm::vec3(value[1])) && isUsable(glm::vec3(value[2])) &&
+           isUsable(glm::vec3(value[3]));
+}
+
 // An axis-aligned box.
 struct model_bounds
 {
@@ -27,6 +48,7 @@ struct model_bounds
     glm::vec3 centre() const { return isEmpty() ? glm::vec3(0) : (min + max) * 0.5f; }
     glm::vec3 extent() const { return isEmpty() ? glm::vec3(0) : max - min; }
     void add(const glm::vec3& point);
+    void add(const model_bounds& box, const glm::mat4& place); // the corners of a box that stands there
 };
 
 struct triangle_count

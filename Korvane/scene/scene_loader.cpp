@@ -2,6 +2,8 @@
 
 #include "DDSTextureLoader/dds_image.h"
 #include "Korvane/models/rmv2_file.h"
+#include "Korvane/scene/figure_rigs.h"
+#include "Korvane/scene/scene_rigs.h"
 
 #include <algorithm>
 #include <utility>
@@ -29,6 +31,15 @@ scene_group sceneGroup(const group_data& group)
     return result;
 }
 
+// For another level: the rest says where it hangs.
+scene_part withoutTextures(const scene_part& part)
+{
+    scene_part fresh = part;
+    fresh.textures.clear();
+    fresh.triangles = 0;
+    return fresh;
+}
+
 texture_reader readerAround(const game_data& game, const std::string& path)
 {
     return [game, around = game_path(path)](const std::string& internal_path, memory_file& bytes, file_place& place,
@@ -50,7 +61,9 @@ std::shared_ptr<const scene_model> sceneModel(std::shared_ptr<const RMV2_FILE_DA
 {
     auto model = std::make_shared<scene_model>();
     model->path = path;
-    model->has_skeleton = !data->skeleton_id.empty();
+    model->skeleton_id = data->skeleton_id;
+    model->has_skeleton = !model->skeleton_id.empty();
+    model->points = pointsOf(*data);
     model->lods.reserve(data->lods.size());
     for (const lod_data& lod : data->lods)
         std::transform(lod.groups.begin(), lod.groups.end(), std::back_inserter(model->lods.emplace_back()),
@@ -83,7 +96,13 @@ scene_pointer scene_loader::loadModel(std::shared_ptr<const scene_model> model, 
         takeOver(*former);
     loaded_scene scene = begin(path);
     if (model)
-        addPart(scene, std::move(model), lod, bone);
+    {
+        scene_part part;
+        part.rig = rigOf(scene, *model, former);
+        part.bone = bone;
+        part.model = std::move(model);
+        addPart(scene, std::move(part), lod);
+    }
     return m_work.isStopped() ? nullptr : std::make_shared<const loaded_scene>(std::move(scene));
 }
 
@@ -93,17 +112,28 @@ scene_pointer scene_loader::loadModel(std::shared_ptr<const RMV2_FILE_DATA> mode
     return loadModel(model ? sceneModel(std::move(model), path) : nullptr, path, lod, bone, nullptr);
 }
 
-scene_pointer scene_loader::loadFigure(const std::vector<std::string>& models, const std::string& path, std::size_t lod)
+// What hangs where is known when all models are there: a weapon may come before the body.
+scene_pointer scene_loader::loadFigure(const std::vector<figure_model>& models, const std::string& path,
+                                       std::size_t lod)
 {
     m_known.clear();
     loaded_scene scene = begin(path);
     const std::size_t count = std::min(models.size(), max_parts);
+    std::vector<figure_member> members;
     for (std::size_t i = 0; i < count && !m_work.isStopped(); ++i)
     {
-        m_work.report(i, count, models[i]);
-        if (std::shared_ptr<const scene_model> model = readModel(scene, models[i]))
-            addPart(scene, std::move(model), lod, -1);
+        m_work.report(i, count, models[i].path);
+        if (std::shared_ptr<const scene_model> model = readModel(scene, models[i].path))
+            members.push_back({std::move(model), &models[i]});
     }
+    figure_rigs rigs([this, &path](const std::string& id) { return readRig(id, m_game, path); });
+    std::vector<scene_part> parts = rigs.assemble(members);
+    scene.rigs = rigs.rigs();
+    for (const std::string& problem : rigs.problems())
+        report(scene, problem);
+    for (scene_part& part : parts)
+        if (!m_work.isStopped())
+            addPart(scene, std::move(part), lod);
     if (count < models.size())
         report(scene, "the definition names " + std::to_string(models.size()) + " models; only the first " +
                           std::to_string(max_parts) + " are drawn");
@@ -132,6 +162,10 @@ loaded_scene scene_loader::beginFrom(const loaded_scene& former)
     scene.path = former.path;
     scene.read_texture = former.read_texture;
     scene.failed = former.failed;
+    scene.rigs = former.rigs;
+    for (const scene_rig& rig : scene.rigs) // was told when it was read
+        if (!rig.problem.empty())
+            scene.problems.push_back(rig.problem);
     return scene;
 }
 
@@ -140,7 +174,7 @@ scene_pointer scene_loader::loadLevel(const loaded_scene& former, std::size_t lo
     m_known.clear();
     loaded_scene scene = beginFrom(former);
     for (const scene_part& part : former.parts)
-        addPart(scene, part.model, lod, part.bone);
+        addPart(scene, withoutTextures(part), lod);
     return m_work.isStopped() ? nullptr : std::make_shared<const loaded_scene>(std::move(scene));
 }
 
@@ -152,7 +186,7 @@ scene_pointer scene_loader::exchangeTextures(const loaded_scene& former,
         takeOver(texture); // before the former ones: the first of a path counts
     loaded_scene scene = beginFrom(former);
     for (const scene_part& part : former.parts)
-        addPart(scene, part.model, part.lod, part.bone);
+        addPart(scene, withoutTextures(part), part.lod);
     return m_work.isStopped() ? nullptr : std::make_shared<const loaded_scene>(std::move(scene));
 }
 
@@ -183,22 +217,47 @@ std::shared_ptr<const scene_model> scene_loader::readModel(loaded_scene& scene, 
     return nullptr;
 }
 
-void scene_loader::addPart(loaded_scene& scene, std::shared_ptr<const scene_model> model, std::size_t lod, int bone)
+// What was found for the former scene, or not, is the same for this one.
+int scene_loader::rigOf(loaded_scene& scene, const scene_model& model, const scene_pointer& former) const
 {
-    scene_part& part = scene.parts.emplace_back();
-    part.model = std::move(model);
+    if (!model.has_skeleton)
+        return -1;
+    const auto known = [&]() -> const scene_rig* {
+        if (former)
+            for (const scene_rig& one : former->rigs)
+                if (one.id == model.skeleton_id && one.mount < 0)
+                    return &one;
+        return nullptr;
+    }();
+    scene.rigs.push_back(known ? *known : readRig(model.skeleton_id, m_game, scene.path));
+    if (const std::string& problem = scene.rigs.back().problem; !problem.empty() && known)
+        scene.problems.push_back(problem);
+    else if (!problem.empty())
+        report(scene, model.path + ": " + problem);
+    return 0;
+}
+
+void scene_loader::addPart(loaded_scene& scene, scene_part fresh, std::size_t lod)
+{
+    scene_part& part = scene.parts.emplace_back(std::move(fresh));
     part.lod = std::min(lod, std::max<std::size_t>(part.model->lods.size(), 1) - 1);
-    part.bone = bone;
     const std::vector<scene_group>& groups = part.groups();
+    const glm::mat4 place = bindPlace(scene, part);
     part.textures.resize(groups.size());
     for (std::size_t i = 0; i < groups.size(); ++i)
     {
-        const triangle_count count = measureGroup(*groups[i].store, scene.bounds);
+        model_bounds own;
+        const triangle_count count = measureGroup(*groups[i].store, own);
+        scene.bounds.add(own, place);
         part.triangles += count.drawn;
         if (count.dropped > 0)
             report(scene, part.model->path + ": group " + std::to_string(i) + ": " + std::to_string(count.dropped) +
                               " triangles name vertices that do not exist and are not drawn");
     }
+    if (part.rig >= 0 && part.bone < 0)
+        if (const std::string missing = missingBones(groups, scene.rigs[static_cast<std::size_t>(part.rig)]);
+            !missing.empty())
+            report(scene, part.model->path + ": " + missing);
     scene.triangles += part.triangles;
     loadTextures(scene, part);
 }

@@ -6,6 +6,7 @@
 
 #include "EASY_GUI/services/work_port.h"
 #include "Korvane/game/game_data.h"
+#include "Korvane/scene/figure.h"
 #include "Korvane/scene/loaded_scene.h"
 
 #include <string>
@@ -32,15 +33,18 @@ public:
     // Each gives null only when the work port has asked to stop. A level of detail beyond a model's last one means the
     // last one. The path (UTF-8, of the model or the definition) says where textures are looked for on the disk.
     //
-    // A model; null gives an empty scene. Bone below zero: it stands on its own bones, else all of it hangs on that
-    // one. Textures that a former scene of the model has are taken over, but for those with other paths now.
+    // A model and its skeleton; null gives an empty scene. Bone below zero: it stands on its own bones, else all of it
+    // hangs on that one. The skeleton and the textures that a former scene of the model has are taken over, but for
+    // textures with other paths now.
     [[nodiscard]] scene_pointer loadModel(std::shared_ptr<const scene_model> model, const std::string& path,
                                           std::size_t lod = 0, int bone = -1, const scene_pointer& former = nullptr);
     // The same of a decoded one.
     [[nodiscard]] scene_pointer loadModel(std::shared_ptr<const RMV2_FILE_DATA> model, const std::string& path,
                                           std::size_t lod = 0, int bone = -1);
-    // The models of a definition, by their internal paths, in the order in which they are drawn.
-    [[nodiscard]] scene_pointer loadFigure(const std::vector<std::string>& models, const std::string& path,
+    // The models of a definition (figure.h), in the order in which they are drawn. Models with the same skeleton are
+    // moved by one; those without any hang on the bone that the attachment point of their innermost slot names. Models
+    // with another skeleton below a slot with an attachment point are a figure of their own that hangs there.
+    [[nodiscard]] scene_pointer loadFigure(const std::vector<figure_model>& models, const std::string& path,
                                            std::size_t lod = 0);
     // The same scene at another level of detail; textures that the former one has are taken over.
     [[nodiscard]] scene_pointer loadLevel(const loaded_scene& former, std::size_t lod);
@@ -56,7 +60,8 @@ private:
     void takeOver(const loaded_scene& former);
     void report(loaded_scene& scene, std::string line) const;
     [[nodiscard]] std::shared_ptr<const scene_model> readModel(loaded_scene& scene, const std::string& internal_path);
-    void addPart(loaded_scene& scene, std::shared_ptr<const scene_model> model, std::size_t lod, int bone);
+    void addPart(loaded_scene& scene, scene_part part, std::size_t lod);
+    int rigOf(loaded_scene& scene, const scene_model& model, const scene_pointer& former) const;
     void loadTextures(loaded_scene& scene, scene_part& part);
     [[nodiscard]] bool loadTexture(loaded_scene& scene, const std::string& path,
                                    std::shared_ptr<const scene_texture>& texture);

@@ -131,8 +131,11 @@ TEST_F(scene_loader_test, damageIsNamedAndLeftOut)
 
 TEST_F(scene_loader_test, modelsOfAFigureThatCannotBeReadAreNamed)
 {
-    const std::vector<std::string> models = {"men\\left.rigid_model_v2", "men\\gone.rigid_model_v2", "men",
-                                             "broken.rigid_model_v2", "Men/Right.rigid_model_v2"};
+    const std::vector<figure_model> models = {{"men\\left.rigid_model_v2"},
+                                              {"men\\gone.rigid_model_v2"},
+                                              {"men"},
+                                              {"broken.rigid_model_v2"},
+                                              {"Men/Right.rigid_model_v2"}};
     const scene_pointer scene = loader(game()).loadFigure(models, "pack:guard");
     EXPECT_EQ(scene->parts.size(), 2u);
     EXPECT_EQ(scene->failed, 3u);
@@ -141,13 +144,13 @@ TEST_F(scene_loader_test, modelsOfAFigureThatCannotBeReadAreNamed)
     for (const char* text : {"men\\gone.rigid_model_v2: ", "men: ", "broken.rigid_model_v2: "})
         EXPECT_TRUE(logHolds(text)) << text;
 
-    const scene_pointer crowd =
-        loader(game()).loadFigure(std::vector<std::string>(514, "men\\left.rigid_model_v2"), "pack:crowd");
+    const scene_pointer crowd = loader(game()).loadFigure(
+        std::vector<figure_model>(514, std::string("men\\left.rigid_model_v2")), "pack:crowd");
     EXPECT_EQ(crowd->parts.size(), scene_loader::max_parts);
     EXPECT_EQ(crowd->failed, 2u);
 
     m_lines.clear();
-    EXPECT_EQ(loader().loadFigure({"men\\left.rigid_model_v2"}, "pack:guard")->failed, 1u);
+    EXPECT_EQ(loader().loadFigure({std::string("men\\left.rigid_model_v2")}, "pack:guard")->failed, 1u);
     EXPECT_TRUE(logHolds("rigid_model::getFromInternalPath(): pack_file::sm_poPathTree == nullptr"));
     EXPECT_FALSE(logHolds(pfn_is_null));
 }
@@ -198,7 +201,7 @@ TEST_F(scene_loader_test, bytesOfATextureAreReadAgainWhenTheyWereLetGo)
 TEST_F(scene_loader_test, stoppedWorkGivesNothing)
 {
     m_stop.request_stop();
-    EXPECT_EQ(loader(game()).loadFigure({"men\\left.rigid_model_v2"}, "pack:guard"), nullptr);
+    EXPECT_EQ(loader(game()).loadFigure({std::string("men\\left.rigid_model_v2")}, "pack:guard"), nullptr);
     EXPECT_TRUE(m_lines.empty());
 }
 

@@ -96,7 +96,8 @@ protected:
     {
         work_port work;
         work.log = [this](const std::string& line) { m_lines.push_back(line); };
-        return scene_loader(game_data(pack_file::sm_poPathTree), std::move(work)).loadFigure(models, path);
+        return scene_loader(game_data(pack_file::sm_poPathTree), std::move(work))
+            .loadFigure({models.begin(), models.end()}, path);
     }
     pixel at(double x, double y) const
     {
