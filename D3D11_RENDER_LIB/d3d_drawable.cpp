@@ -10,17 +10,14 @@ bool d3d_drawable_geometry::create(lib3d& library, std::span<const gpu_line_vert
                                                  "d3d_drawable", m_vertex_buffer);
 }
 
-void d3d_drawable_geometry::draw(lib3d& library, const frame_constants& frame) const
+void d3d_drawable_geometry::draw(lib3d& library, frame_constants& frame) const
 {
     if (m_vertex_count == 0)
         return;
+    frame.vs.color = {1, 1, 1, 1};
     library.uploadConstants(frame.vs, frame.ps);
-    library.useLineShaders();
-    ID3D11Buffer* buffer = m_vertex_buffer.get();
-    const UINT stride = sizeof(gpu_line_vertex);
-    const UINT offset = 0;
-    library.context().IASetVertexBuffers(0, 1, &buffer, &stride, &offset);
-    library.context().Draw(m_vertex_count, 0);
+    library.useLineShaders(line_depth::tested);
+    library.drawLines(*m_vertex_buffer.get(), m_vertex_count);
 }
 
 } // namespace korvane

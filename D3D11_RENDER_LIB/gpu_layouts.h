@@ -144,9 +144,17 @@ struct light_buffer
     std::int32_t has_alpha = 0;
     gpu_float3 eyePosistion{};
     std::int32_t pad1 = 0;
-    // smoothness channel 1..4, scale by one over pi, bound texture slots, unused
+    // smoothness channel 1..4, scale by one over pi, bound texture slots, flags of the draw (draw_...) and from bit 8
+    // on the channel that is shown
     std::array<std::int32_t, 4> debug_flags{1, 0, 0, 0};
 };
+
+// draw_... in shaders/ps_const_buffers.hlsli
+inline constexpr std::int32_t draw_selected = 1;
+inline constexpr std::int32_t draw_wire_over = 2;
+inline constexpr std::int32_t draw_occluded = 4;
+inline constexpr int draw_channel_shift = 8;
+
 static_assert(sizeof(light_buffer) == 368);
 static_assert(offsetof(light_buffer, mRotEnv) == 0);
 static_assert(offsetof(light_buffer, light) == 64);
@@ -172,8 +180,32 @@ struct final_pass_buffer
     std::int32_t width = 1;
     std::int32_t height = 1;
     target_content content = target_content::light;
-    std::int32_t pad = 0;
+    std::int32_t flags = 0; // final_...
 };
 static_assert(sizeof(final_pass_buffer) == 16);
+
+// final_... in shaders/final_ps.hlsl
+inline constexpr std::int32_t final_outlines = 1;
+inline constexpr std::int32_t final_softens = 2;
+
+// ShadowBuffer in shaders/shadow.hlsli
+struct shadow_buffer
+{
+    gpu_matrix to_light = gpu_identity;
+    float texel = 1;
+    float slope = 0;
+    float darkness = 0;
+    float pad = 0;
+};
+static_assert(sizeof(shadow_buffer) == 80);
+
+// overlay_vertex in shaders/overlay_vs.hlsl
+struct gpu_overlay_vertex
+{
+    std::array<float, 2> at; // pixels from the upper left corner
+    std::array<float, 2> uv;
+    gpu_float4 color; // as it is on the screen
+};
+static_assert(sizeof(gpu_overlay_vertex) == 32);
 
 } // namespace korvane

@@ -4,9 +4,12 @@
 #include "D3D11_RENDER_LIB/environment_map.h"
 #include "D3D11_RENDER_LIB/shader_resources.h"
 
+#include <dxgi.h>
+
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace korvane
@@ -16,6 +19,7 @@ namespace
 {
 
 constexpr char source_name[] = "lib3d";
+constexpr std::wstring_view software_names[] = {L"llvmpipe", L"softpipe", L"SwiftShader", L"Basic Render"};
 
 const D3D11_INPUT_ELEMENT_DESC model_elements[] = {
     {"POSITION", 0, DXGI_FORMAT_R32G32B32_FLOAT, 0, D3D11_APPEND_ALIGNED_ELEMENT, D3D11_INPUT_PER_VERTEX_DATA, 0},
@@ -68,6 +72,22 @@ bool createCube(lib3d& library, const std::vector<cube_level>& levels, const cha
                           source_name);
 }
 
+// Drivers of hardware that are none: Windows' own, and those that people use where there is no graphics card.
+bool isSoftwareAdapter(ID3D11Device& device)
+{
+    com_ptr<IDXGIDevice> graphics;
+    com_ptr<IDXGIAdapter> adapter;
+    DXGI_ADAPTER_DESC description{};
+    if (FAILED(device.QueryInterface(__uuidof(IDXGIDevice), graphics.putVoid())) ||
+        FAILED(graphics->GetAdapter(adapter.put())) || FAILED(adapter->GetDesc(&description)))
+        return false;
+    constexpr UINT microsoft = 0x1414, basic_render = 0x8c;
+    const std::wstring_view name = description.Description;
+    return (description.VendorId == microsoft && description.DeviceId == basic_render) ||
+           std::any_of(std::begin(software_names), std::end(software_names),
+                       [name](std::wstring_view part) { return name.find(part) != name.npos; });
+}
+
 } // namespace
 
 HRESULT lib3d::tryDevice(D3D_DRIVER_TYPE type)
@@ -106,7 +126,10 @@ bool lib3d::createDevice(device_kind kind, const log_port& log, failure& why)
             log("No hardware device for Direct3D 11: the software device draws instead.");
     }
     if (SUCCEEDED(result))
+    {
+        m_is_software = isSoftwareAdapter(*m_device.get());
         return true;
+    }
     m_loss = result;
     const char* const missing = kind == device_kind::best       ? "device, neither hardware nor software"
                                 : kind == device_kind::hardware ? "hardware device"
@@ -181,7 +204,11 @@ bool lib3d::createShaders()
            createVertexShader(KORVANE_LINE_VS, line_elements, "line_vs", m_line_vs, &m_line_layout) &&
            createVertexShader(KORVANE_FINAL_VS, {}, "final_vs", m_final_vs, nullptr) &&
            createPixelShader(KORVANE_MODEL_PS, "model_ps", m_model_ps) &&
+           createPixelShader(KORVANE_MODEL_SHADOW_PS, "model_shadow_ps", m_model_shadow_ps) &&
+           createPixelShader(KORVANE_CHANNEL_PS, "channel_ps", m_channel_ps) &&
            createPixelShader(KORVANE_WIREFRAME_PS, "wireframe_ps", m_wireframe_ps) &&
+           createPixelShader(KORVANE_SHADOW_PS, "shadow_ps", m_shadow_ps) &&
+           createPixelShader(KORVANE_FLOOR_PS, "floor_ps", m_floor_ps) &&
            createPixelShader(KORVANE_LINE_PS, "line_ps", m_line_ps) &&
            createPixelShader(KORVANE_FINAL_PS, "final_ps", m_final_ps);
 }
@@ -232,13 +259,17 @@ bool lib3d::createEnvironment()
            createCube(*this, {diffuseEnvironment()}, "diffuse environment", m_diffuse_cube);
 }
 
-bool lib3d::createRasterizer(raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_MODE cull, BOOL reversed)
+bool lib3d::createRasterizer(raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_MODE cull, BOOL reversed,
+                             INT depth_bias, float slope_bias)
 {
     D3D11_RASTERIZER_DESC description{};
     description.FillMode = fill;
     description.CullMode = cull;
     description.FrontCounterClockwise = reversed;
-    description.DepthClipEnable = TRUE;
+    description.DepthClipEnable = mode == raster_mode::shadow ? FALSE : TRUE;
+    description.DepthBias = depth_bias;
+    description.SlopeScaledDepthBias = slope_bias;
+    description.MultisampleEnable = TRUE; // nothing on targets with one sample
     com_ptr<ID3D11RasterizerState>& state = m_rasterizers[static_cast<int>(mode)];
     return isMade(m_device->CreateRasterizerState(&description, state.put()), state, "rasterizer", source_name);
 }
@@ -247,12 +278,35 @@ bool lib3d::createStates()
 {
     const CD3D11_BLEND_DESC blend{CD3D11_DEFAULT()};
     const CD3D11_DEPTH_STENCIL_DESC depth{CD3D11_DEFAULT()};
+    CD3D11_DEPTH_STENCIL_DESC read = depth;
+    read.DepthWriteMask = D3D11_DEPTH_WRITE_MASK_ZERO;
+    CD3D11_DEPTH_STENCIL_DESC ignored = depth;
+    ignored.DepthEnable = FALSE;
+    CD3D11_BLEND_DESC floor{CD3D11_DEFAULT()}; // into the target of light alone
+    floor.IndependentBlendEnable = TRUE;
+    floor.RenderTarget[0].RenderTargetWriteMask = 0;
+    floor.RenderTarget[1] = {TRUE,
+                             D3D11_BLEND_SRC_ALPHA,
+                             D3D11_BLEND_INV_SRC_ALPHA,
+                             D3D11_BLEND_OP_ADD,
+                             D3D11_BLEND_ONE,
+                             D3D11_BLEND_INV_SRC_ALPHA,
+                             D3D11_BLEND_OP_ADD,
+                             D3D11_COLOR_WRITE_ENABLE_ALL};
+    floor.RenderTarget[2].RenderTargetWriteMask = 0;
     return createRasterizer(raster_mode::front_faces, D3D11_FILL_SOLID, D3D11_CULL_BACK, FALSE) &&
            createRasterizer(raster_mode::front_faces_reversed, D3D11_FILL_SOLID, D3D11_CULL_BACK, TRUE) &&
            createRasterizer(raster_mode::both_faces, D3D11_FILL_SOLID, D3D11_CULL_NONE, FALSE) &&
            createRasterizer(raster_mode::wireframe, D3D11_FILL_WIREFRAME, D3D11_CULL_NONE, FALSE) &&
+           createRasterizer(raster_mode::wireframe_over, D3D11_FILL_WIREFRAME, D3D11_CULL_NONE, FALSE, -200, -1.5f) &&
+           createRasterizer(raster_mode::shadow, D3D11_FILL_SOLID, D3D11_CULL_NONE, FALSE, 40, 2.0f) &&
            isMade(m_device->CreateBlendState(&blend, m_blend.put()), m_blend, "blend", source_name) &&
-           isMade(m_device->CreateDepthStencilState(&depth, m_depth.put()), m_depth, "depth", source_name);
+           isMade(m_device->CreateBlendState(&floor, m_floor_blend.put()), m_floor_blend, "floor blend", source_name) &&
+           isMade(m_device->CreateDepthStencilState(&depth, m_depth.put()), m_depth, "depth", source_name) &&
+           isMade(m_device->CreateDepthStencilState(&read, m_depth_read.put()), m_depth_read, "depth, read",
+                  source_name) &&
+           isMade(m_device->CreateDepthStencilState(&ignored, m_depth_ignored.put()), m_depth_ignored, "depth, ignored",
+                  source_name);
 }
 
 bool lib3d::createLineBuffer()
@@ -295,8 +349,32 @@ void lib3d::beginScene()
     m_context->OMSetDepthStencilState(m_depth.get(), 0);
 }
 
-void lib3d::useModelShaders(raster_mode mode)
+void lib3d::useModelShaders(model_pass pass, raster_mode faces)
 {
+    const bool is_over = pass == model_pass::wire_over;
+    ID3D11PixelShader* shader = nullptr;
+    raster_mode raster = faces;
+    switch (pass)
+    {
+    case model_pass::lit:
+        shader = m_model_ps.get();
+        break;
+    case model_pass::lit_with_shadow:
+        shader = m_model_shadow_ps.get();
+        break;
+    case model_pass::channel:
+        shader = m_channel_ps.get();
+        break;
+    case model_pass::wireframe:
+    case model_pass::wire_over:
+        shader = m_wireframe_ps.get();
+        raster = is_over ? raster_mode::wireframe_over : raster_mode::wireframe;
+        break;
+    case model_pass::shadow_map:
+        shader = m_shadow_ps.get();
+        raster = raster_mode::shadow;
+        break;
+    }
     ID3D11Buffer* vs_buffer = m_vs_buffer.get();
     ID3D11Buffer* ps_buffer = m_ps_buffer.get();
     m_context->VSSetConstantBuffers(0, 1, &vs_buffer);
@@ -304,11 +382,20 @@ void lib3d::useModelShaders(raster_mode mode)
     m_context->IASetInputLayout(m_model_layout.get());
     m_context->IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST);
     m_context->VSSetShader(m_model_vs.get(), nullptr, 0);
-    m_context->PSSetShader(mode == raster_mode::wireframe ? m_wireframe_ps.get() : m_model_ps.get(), nullptr, 0);
-    m_context->RSSetState(m_rasterizers[static_cast<int>(mode)].get());
+    m_context->PSSetShader(shader, nullptr, 0);
+    m_context->RSSetState(m_rasterizers[static_cast<int>(raster)].get());
+    m_context->OMSetDepthStencilState((is_over ? m_depth_read : m_depth).get(), 0);
 }
 
-void lib3d::useLineShaders()
+void lib3d::useFloorShaders()
+{
+    useModelShaders(model_pass::lit, raster_mode::both_faces);
+    m_context->PSSetShader(m_floor_ps.get(), nullptr, 0);
+    m_context->OMSetDepthStencilState(m_depth_read.get(), 0);
+    m_context->OMSetBlendState(m_floor_blend.get(), nullptr, 0xffffffff);
+}
+
+void lib3d::useLineShaders(line_depth depth)
 {
     ID3D11Buffer* vs_buffer = m_vs_buffer.get();
     m_context->VSSetConstantBuffers(0, 1, &vs_buffer);
@@ -317,22 +404,49 @@ void lib3d::useLineShaders()
     m_context->VSSetShader(m_line_vs.get(), nullptr, 0);
     m_context->PSSetShader(m_line_ps.get(), nullptr, 0);
     m_context->RSSetState(m_rasterizers[static_cast<int>(raster_mode::both_faces)].get());
+    m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
+    m_context->OMSetDepthStencilState((depth == line_depth::ignored ? m_depth_ignored : m_depth).get(), 0);
 }
 
-void lib3d::drawFinalPass(ID3D11ShaderResourceView* shown, const final_pass_buffer& settings)
+void lib3d::drawLines(ID3D11Buffer& vertices, UINT vertex_count)
+{
+    ID3D11Buffer* buffer = &vertices;
+    const UINT stride = sizeof(gpu_line_vertex);
+    const UINT offset = 0;
+    m_context->IASetVertexBuffers(0, 1, &buffer, &stride, &offset);
+    m_context->Draw(vertex_count, 0);
+}
+
+void lib3d::drawLines(std::span<const gpu_line_vertex> lines)
+{
+    lines = lines.first(std::min<std::size_t>(lines.size(), line_vertex_capacity));
+    D3D11_MAPPED_SUBRESOURCE mapped{};
+    if (lines.empty() || FAILED(m_context->Map(m_line_buffer.get(), 0, D3D11_MAP_WRITE_DISCARD, 0, &mapped)))
+        return; // a lost device is found when the frame is presented
+    std::memcpy(mapped.pData, lines.data(), lines.size_bytes());
+    m_context->Unmap(m_line_buffer.get(), 0);
+    drawLines(*m_line_buffer.get(), static_cast<UINT>(lines.size()));
+}
+
+void lib3d::drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceView* marks,
+                          const final_pass_buffer& settings)
 {
     m_context->UpdateSubresource(m_final_buffer.get(), 0, nullptr, &settings, 0, 0);
     ID3D11Buffer* buffer = m_final_buffer.get();
+    ID3D11ShaderResourceView* views[] = {shown, marks};
+    m_context->VSSetConstantBuffers(1, 1, &buffer);
     m_context->PSSetConstantBuffers(1, 1, &buffer);
-    m_context->PSSetShaderResources(11, 1, &shown);
+    m_context->PSSetShaderResources(11, 2, views);
     m_context->IASetInputLayout(nullptr);
     m_context->IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST);
     m_context->VSSetShader(m_final_vs.get(), nullptr, 0);
     m_context->PSSetShader(m_final_ps.get(), nullptr, 0);
     m_context->RSSetState(m_rasterizers[static_cast<int>(raster_mode::both_faces)].get());
+    m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
+    m_context->OMSetDepthStencilState(m_depth_ignored.get(), 0);
     m_context->Draw(3, 0);
-    ID3D11ShaderResourceView* none = nullptr; // the target is drawn into again in the next frame
-    m_context->PSSetShaderResources(11, 1, &none);
+    ID3D11ShaderResourceView* none[2] = {}; // the targets are drawn into again in the next frame
+    m_context->PSSetShaderResources(11, 2, none);
 }
 
 } // namespace korvane

@@ -25,7 +25,27 @@ enum class raster_mode
     front_faces,          // clockwise triangles face the viewer
     front_faces_reversed, // counter-clockwise ones do
     both_faces,
-    wireframe
+    wireframe,
+    wireframe_over, // edges, a little before the surface that they belong to
+    shadow          // both faces, a little behind what they are
+};
+inline constexpr std::size_t raster_mode_count = 6;
+
+// What is drawn of models.
+enum class model_pass
+{
+    lit,
+    lit_with_shadow, // the map is bound (shadow_map.h)
+    channel,         // one channel of the surface: light_buffer::debug_flags
+    wireframe,
+    wire_over,
+    shadow_map // depth alone
+};
+
+enum class line_depth
+{
+    tested,
+    ignored // visible over everything
 };
 
 enum class device_kind
@@ -74,6 +94,8 @@ public:
     [[nodiscard]] bool createBuffer(D3D11_BIND_FLAG kind, std::span<const std::byte> contents, const char* name,
                                     const char* source, com_ptr<ID3D11Buffer>& buffer);
 
+    // The processor draws: what is dear there is left out (many samples, shadows) or done once (unpacking textures).
+    bool isSoftware() const { return m_is_software; }
     ID3D11Device& device() const { return *m_device.get(); }
     ID3D11DeviceContext& context() const { return *m_context.get(); }
     ID3D11Buffer* lineBuffer() const { return m_line_buffer.get(); }
@@ -82,39 +104,49 @@ public:
     void uploadConstants(const mvp_buffer& vs, const light_buffer& ps);
     // Binds what every draw of a frame shares: samplers, environment, blend and depth state.
     void beginScene();
-    void useModelShaders(raster_mode mode);
-    void useLineShaders();
-    // One triangle over the bound target that shows the view through the final pass.
-    void drawFinalPass(ID3D11ShaderResourceView* shown, const final_pass_buffer& settings);
+    // The faces count for the passes that fill surfaces.
+    void useModelShaders(model_pass pass, raster_mode faces);
+    void useFloorShaders(); // the shadow on the floor, over what is in the target of light
+    void useLineShaders(line_depth depth);
+    void drawLines(ID3D11Buffer& vertices, UINT vertex_count);
+    // Out of the bone-line buffer; what is beyond its capacity is left out.
+    void drawLines(std::span<const gpu_line_vertex> lines);
+    // One triangle over the bound target that shows the view through the final pass. The marks are those of the
+    // normals' target.
+    void drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceView* marks,
+                       const final_pass_buffer& settings);
+    [[nodiscard]] bool createVertexShader(int resource, std::span<const D3D11_INPUT_ELEMENT_DESC> elements,
+                                          const char* name, com_ptr<ID3D11VertexShader>& shader,
+                                          com_ptr<ID3D11InputLayout>* layout);
+    [[nodiscard]] bool createPixelShader(int resource, const char* name, com_ptr<ID3D11PixelShader>& shader);
+    [[nodiscard]] bool createConstantBuffer(UINT size, const void* contents, const char* name,
+                                            com_ptr<ID3D11Buffer>& buffer);
     // Lets go of everything that is bound and waits to be freed: a window has room for one swap chain.
     void clearContext();
 
 private:
     [[nodiscard]] HRESULT tryDevice(D3D_DRIVER_TYPE type);
     static void setName(ID3D11DeviceChild& object, const char* name);
-    [[nodiscard]] bool createConstantBuffer(UINT size, const void* contents, const char* name,
-                                            com_ptr<ID3D11Buffer>& buffer);
-    [[nodiscard]] bool createVertexShader(int resource, std::span<const D3D11_INPUT_ELEMENT_DESC> elements,
-                                          const char* name, com_ptr<ID3D11VertexShader>& shader,
-                                          com_ptr<ID3D11InputLayout>* layout);
-    [[nodiscard]] bool createPixelShader(int resource, const char* name, com_ptr<ID3D11PixelShader>& shader);
-    [[nodiscard]] bool createRasterizer(raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_MODE cull, BOOL reversed);
+    [[nodiscard]] bool createRasterizer(raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_MODE cull, BOOL reversed,
+                                        INT depth_bias = 0, float slope_bias = 0);
 
     device_faults* m_po_faults;
     com_ptr<ID3D11Device> m_device;
     com_ptr<ID3D11DeviceContext> m_context;
+    bool m_is_software = false;
     bool m_is_tolerant = false;
     HRESULT m_loss = S_OK;
 
     com_ptr<ID3D11VertexShader> m_model_vs, m_line_vs, m_final_vs;
-    com_ptr<ID3D11PixelShader> m_model_ps, m_wireframe_ps, m_line_ps, m_final_ps;
+    com_ptr<ID3D11PixelShader> m_model_ps, m_model_shadow_ps, m_channel_ps, m_wireframe_ps, m_shadow_ps, m_floor_ps,
+        m_line_ps, m_final_ps;
     com_ptr<ID3D11InputLayout> m_model_layout, m_line_layout;
     com_ptr<ID3D11Buffer> m_vs_buffer, m_ps_buffer, m_final_buffer, m_line_buffer;
     com_ptr<ID3D11ShaderResourceView> m_specular_cube, m_diffuse_cube;
     com_ptr<ID3D11SamplerState> m_samplers[5];
-    com_ptr<ID3D11RasterizerState> m_rasterizers[4]; // by raster_mode
-    com_ptr<ID3D11BlendState> m_blend;
-    com_ptr<ID3D11DepthStencilState> m_depth;
+    com_ptr<ID3D11RasterizerState> m_rasterizers[raster_mode_count];
+    com_ptr<ID3D11BlendState> m_blend, m_floor_blend;
+    com_ptr<ID3D11DepthStencilState> m_depth, m_depth_ignored, m_depth_read;
 };
 
 inline constexpr UINT line_vertex_capacity = 20000;

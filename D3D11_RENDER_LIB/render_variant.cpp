@@ -17,10 +17,13 @@ bool render_variant::create(lib3d& library, const loaded_scene& scene, gpu_textu
     return true;
 }
 
-void render_variant::draw(lib3d& library, const frame_constants& frame) const
+void render_variant::draw(lib3d& library, frame_constants& frame) const
 {
-    for (const std::unique_ptr<id3d_drawable_object>& part : m_parts)
-        part->draw(library, frame);
+    for (std::size_t i = 0; i < m_parts.size(); ++i)
+    {
+        frame.part = static_cast<std::uint32_t>(i);
+        m_parts[i]->draw(library, frame);
+    }
 }
 
 } // namespace korvane

@@ -17,7 +17,7 @@ class render_variant : public id3d_drawable_object
 public:
     // Makes the device's objects of a scene's parts. False when the device was lost.
     [[nodiscard]] bool create(lib3d& library, const loaded_scene& scene, gpu_textures& views);
-    void draw(lib3d& library, const frame_constants& frame) const override;
+    void draw(lib3d& library, frame_constants& frame) const override;
 
 private:
     std::vector<std::unique_ptr<id3d_drawable_object>> m_parts;

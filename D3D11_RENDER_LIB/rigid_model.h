@@ -16,10 +16,11 @@ class rigid_model : public id3d_drawable_object
 public:
     // Makes the device's objects of a part of a scene. False when the device was lost.
     [[nodiscard]] bool create(lib3d& library, const scene_part& part, gpu_textures& views);
-    void draw(lib3d& library, const frame_constants& frame) const override;
+    void draw(lib3d& library, frame_constants& frame) const override;
 
 private:
     std::vector<sub_mesh> m_groups;
+    gpu_matrix m_weapon = gpu_identity; // of a model that hangs on a bone
     bool m_has_skeleton = false;
     bool m_is_attached_to_bone = false;
 };

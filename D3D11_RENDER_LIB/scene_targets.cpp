@@ -1,5 +1,6 @@
 #include "D3D11_RENDER_LIB/scene_targets.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace korvane
@@ -10,8 +11,27 @@ namespace
 
 constexpr char source_name[] = "scene_targets";
 
+struct target_kind
+{
+    DXGI_FORMAT format;
+    const char* name;
+};
+constexpr target_kind kinds[scene_targets::target_count] = {
+    {DXGI_FORMAT_R8G8B8A8_UNORM_SRGB, "target, plain colour"}, // first: Wine encodes none else
+    {DXGI_FORMAT_R16G16B16A16_FLOAT, "target, light"},
+    {DXGI_FORMAT_R8G8B8A8_UNORM, "target, normals"}};
+constexpr DXGI_FORMAT depth_format = DXGI_FORMAT_D24_UNORM_S8_UINT;
+
+// As many as the device has for the format, of what is wanted.
+UINT samplesOf(ID3D11Device& device, DXGI_FORMAT format, UINT wanted)
+{
+    UINT levels = 0;
+    return wanted > 1 && SUCCEEDED(device.CheckMultisampleQualityLevels(format, wanted, &levels)) && levels > 0 ? wanted
+                                                                                                                : 1;
+}
+
 bool createTexture(lib3d& library, UINT width, UINT height, DXGI_FORMAT format, UINT bind, const char* name,
-                   com_ptr<ID3D11Texture2D>& texture)
+                   com_ptr<ID3D11Texture2D>& texture, UINT samples = 1)
 {
     D3D11_TEXTURE2D_DESC description{};
     description.Width = width;
@@ -19,7 +39,7 @@ bool createTexture(lib3d& library, UINT width, UINT height, DXGI_FORMAT format, 
     description.MipLevels = 1;
     description.ArraySize = 1;
     description.Format = format;
-    description.SampleDesc.Count = 1;
+    description.SampleDesc.Count = samples;
     description.Usage = bind ? D3D11_USAGE_DEFAULT : D3D11_USAGE_STAGING;
     description.BindFlags = bind;
     description.CPUAccessFlags = bind ? 0u : UINT{D3D11_CPU_ACCESS_READ};
@@ -29,31 +49,32 @@ bool createTexture(lib3d& library, UINT width, UINT height, DXGI_FORMAT format, 
 
 } // namespace
 
-bool scene_targets::create(lib3d& library, UINT width, UINT height)
+bool scene_targets::create(lib3d& library, UINT width, UINT height, UINT samples)
 {
-    static const struct
-    {
-        DXGI_FORMAT format;
-        const char* name;
-    } kinds[target_count] = {{DXGI_FORMAT_R8G8B8A8_UNORM_SRGB, "target, plain colour"}, // first: Wine encodes none else
-                             {DXGI_FORMAT_R16G16B16A16_FLOAT, "target, light"},
-                             {DXGI_FORMAT_R8G8B8A8_UNORM, "target, normals"}};
     release();
     ID3D11Device& device = library.device();
+    m_samples = samples;
+    for (const target_kind& kind : kinds)
+        m_samples = std::min(m_samples, samplesOf(device, kind.format, samples));
+    m_samples = std::min(m_samples, samplesOf(device, depth_format, samples));
     for (std::size_t i = 0; i < target_count; ++i)
     {
-        com_ptr<ID3D11Texture2D> texture;
-        if (!createTexture(library, width, height, kinds[i].format,
-                           D3D11_BIND_RENDER_TARGET | D3D11_BIND_SHADER_RESOURCE, kinds[i].name, texture) ||
-            !library.isMade(device.CreateRenderTargetView(texture.get(), nullptr, m_targets[i].put()), m_targets[i],
-                            kinds[i].name, source_name) ||
-            !library.isMade(device.CreateShaderResourceView(texture.get(), nullptr, m_views[i].put()), m_views[i],
-                            kinds[i].name, source_name))
+        const auto [format, name] = kinds[i];
+        if (!createTexture(library, width, height, format, D3D11_BIND_RENDER_TARGET | D3D11_BIND_SHADER_RESOURCE, name,
+                           m_resolved[i]))
+            return false;
+        m_drawn[i] = m_resolved[i];
+        if (m_samples > 1 &&
+            !createTexture(library, width, height, format, D3D11_BIND_RENDER_TARGET, name, m_drawn[i], m_samples))
+            return false;
+        if (!library.isMade(device.CreateRenderTargetView(m_drawn[i].get(), nullptr, m_targets[i].put()), m_targets[i],
+                            name, source_name) ||
+            !library.isMade(device.CreateShaderResourceView(m_resolved[i].get(), nullptr, m_views[i].put()), m_views[i],
+                            name, source_name))
             return false;
     }
     com_ptr<ID3D11Texture2D> depth;
-    if (!createTexture(library, width, height, DXGI_FORMAT_D24_UNORM_S8_UINT, D3D11_BIND_DEPTH_STENCIL, "depth",
-                       depth) ||
+    if (!createTexture(library, width, height, depth_format, D3D11_BIND_DEPTH_STENCIL, "depth", depth, m_samples) ||
         !library.isMade(device.CreateDepthStencilView(depth.get(), nullptr, m_depth.put()), m_depth, "depth",
                         source_name))
         return false;
@@ -67,33 +88,44 @@ void scene_targets::release()
     *this = scene_targets();
 }
 
-void scene_targets::begin(lib3d& library, ID3D11RenderTargetView* output, float background) const
+void scene_targets::begin(lib3d& library, ID3D11RenderTargetView* output, float background, bool is_clear) const
 {
     ID3D11DeviceContext& context = library.context();
-    ID3D11RenderTargetView* targets[target_count];
-    const float color[4] = {background, background, 1.3f * background, 1.0f};
-    for (std::size_t i = 0; i < target_count; ++i)
-    {
-        targets[i] = m_targets[i].get();
-        context.ClearRenderTargetView(targets[i], color);
-    }
+    const float c = is_clear ? 0.0f : background;
+    const float color[4] = {c, c, 1.3f * c, is_clear ? 0.0f : 1.0f};
+    for (const auto& target : m_targets)
+        context.ClearRenderTargetView(target.get(), color);
     context.ClearRenderTargetView(output, color);
     context.ClearDepthStencilView(m_depth.get(), D3D11_CLEAR_DEPTH | D3D11_CLEAR_STENCIL, 1.0f, 0);
-    context.OMSetRenderTargets(target_count, targets, m_depth.get());
-    const D3D11_VIEWPORT viewport{0, 0, static_cast<float>(m_width), static_cast<float>(m_height), 0.0f, 1.0f};
-    context.RSSetViewports(1, &viewport);
+    bind(library);
 }
 
-void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown) const
+void scene_targets::bind(lib3d& library) const
 {
+    ID3D11RenderTargetView* targets[target_count];
+    std::transform(m_targets.begin(), m_targets.end(), targets, [](const auto& target) { return target.get(); });
+    library.context().OMSetRenderTargets(target_count, targets, m_depth.get());
+    const D3D11_VIEWPORT viewport{0, 0, static_cast<float>(m_width), static_cast<float>(m_height), 0.0f, 1.0f};
+    library.context().RSSetViewports(1, &viewport);
+}
+
+void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown, bool has_outlines) const
+{
+    constexpr auto marks = static_cast<std::size_t>(shown_target::normals);
+    const auto wanted = static_cast<std::size_t>(shown);
     library.context().OMSetRenderTargets(1, &output, nullptr);
+    if (m_samples > 1)
+        for (std::size_t i = 0; i < target_count; ++i)
+            if (i == wanted || (has_outlines && i == marks))
+                library.context().ResolveSubresource(m_resolved[i].get(), 0, m_drawn[i].get(), 0, kinds[i].format);
     final_pass_buffer settings;
     settings.width = static_cast<std::int32_t>(m_width);
     settings.height = static_cast<std::int32_t>(m_height);
     settings.content = shown == shown_target::lit       ? target_content::light
                        : shown == shown_target::normals ? target_content::data
                                                         : target_content::colour;
-    library.drawFinalPass(m_views[static_cast<std::size_t>(shown)].get(), settings);
+    settings.flags = (has_outlines ? final_outlines : 0) | (m_samples == 1 ? final_softens : 0);
+    library.drawFinalPass(m_views[wanted].get(), m_views[marks].get(), settings);
 }
 
 bool picture_target::create(lib3d& library, UINT width, UINT height)

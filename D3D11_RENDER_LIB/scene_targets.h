@@ -25,22 +25,30 @@ class scene_targets
 public:
     static constexpr std::size_t target_count = 3;
 
-    // Replaces the targets by ones of that size; width and height are above zero. False when the device was lost.
-    [[nodiscard]] bool create(lib3d& library, UINT width, UINT height);
+    // Replaces the targets by ones of that size; width and height are above zero. With more than one sample a pixel the
+    // edges of triangles are smooth; where the device has no targets with so many, there is one. False when the device
+    // was lost.
+    [[nodiscard]] bool create(lib3d& library, UINT width, UINT height, UINT samples = 1);
     void release();
 
     UINT width() const { return m_width; }
     UINT height() const { return m_height; }
 
+    UINT samples() const { return m_samples; }
+
     // Binds the targets and the whole-size viewport and clears everything, the output too: the background is
-    // (c, c, 1.3 c, 1), depth 1, stencil 0.
-    void begin(lib3d& library, ID3D11RenderTargetView* output, float background) const;
-    // Shows one of the targets in the output.
-    void finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown) const;
+    // (c, c, 1.3 c, 1), or nothing for a clear one; depth 1, stencil 0.
+    void begin(lib3d& library, ID3D11RenderTargetView* output, float background, bool is_clear = false) const;
+    void bind(lib3d& library) const; // again, after something else was drawn into
+    // Shows one of the targets in the output. With outlines those of the groups that are marked are drawn, too.
+    void finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown, bool has_outlines = false) const;
 
 private:
     UINT m_width = 0;
     UINT m_height = 0;
+    UINT m_samples = 1;
+    std::array<com_ptr<ID3D11Texture2D>, target_count> m_drawn;    // with all samples
+    std::array<com_ptr<ID3D11Texture2D>, target_count> m_resolved; // what is shown; with one sample the same
     std::array<com_ptr<ID3D11RenderTargetView>, target_count> m_targets;
     std::array<com_ptr<ID3D11ShaderResourceView>, target_count> m_views;
     com_ptr<ID3D11DepthStencilView> m_depth;

@@ -71,7 +71,7 @@ void sub_mesh::draw(lib3d& library, frame_constants& constants) const
     constants.ps.is_specular_linear = m_is_specular_srgb ? 0 : 1;
     constants.ps.debug_flags[2] = boundSlots();
     library.uploadConstants(constants.vs, constants.ps);
-    library.useModelShaders(constants.is_wireframe ? raster_mode::wireframe : m_raster);
+    library.useModelShaders(constants.pass, m_raster);
 
     ID3D11DeviceContext& context = library.context();
     ID3D11Buffer* vertices = m_vertex_buffer.get();

@@ -4,6 +4,9 @@
 #include "pbr_lib.hlsli"
 #include "ps_const_buffers.hlsli"
 #include "textures.hlsli"
+#ifdef WITH_SHADOW
+#include "shadow.hlsli"
+#endif
 
 struct model_targets
 {
@@ -99,7 +102,14 @@ float3 lightsOn(surface s, float3 world)
         const float3 way = light[i].point_position - world;
         const float distance = max(length(way), 1e-3);
         if (dot(light[i].lightDirection, light[i].lightDirection) > 0)
-            sum += lightOn(s, -normalize(light[i].lightDirection), diffuse, specular);
+        {
+            float3 seen = 1;
+#ifdef WITH_SHADOW
+            if (i == 0)
+                seen = lightReaching(world, s.normal);
+#endif
+            sum += lightOn(s, -normalize(light[i].lightDirection), diffuse, specular) * seen;
+        }
         if (light[i].point_range > distance)
         {
             const float3 fade = light[i].point_attenuation * float3(1, distance, distance * distance);
@@ -108,6 +118,15 @@ float3 lightsOn(surface s, float3 world)
         }
     }
     return debug_flags.y != 0 ? sum * one_over_pi : sum;
+}
+
+// The games keep it in the mask map's alpha; maps without alpha say one, some say nothing but zero.
+float occlusion(float2 uv)
+{
+    if ((debug_flags.w & draw_occluded) == 0 || !isBound(bound_mask))
+        return 1;
+    const float kept = tex_mask.Sample(SampleType, uv).a;
+    return kept > 0 ? kept : 1;
 }
 
 float3 environmentOn(surface s)
@@ -146,8 +165,8 @@ model_targets main(model_pixel pixel, bool is_front : SV_IsFrontFace)
 
     const surface s = readSurface(pixel, mappedNormal(pixel, normal), diffuse);
     model_targets result;
-    result.lit = float4(lightsOn(s, pixel.world) + environmentOn(s), 1);
-    result.normal = float4(s.normal * 0.5 + 0.5, 1);
+    result.lit = float4(lightsOn(s, pixel.world) + environmentOn(s) * occlusion(pixel.uv), 1);
+    result.normal = float4(s.normal * 0.5 + 0.5, groupMark());
     result.base = float4(s.base, 1);
     return result;
 }

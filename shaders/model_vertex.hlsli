@@ -8,4 +8,5 @@ struct model_pixel
     float3 binormal : BINORMAL;
     float3 world : TEXCOORD1;
     float3 view : TEXCOORD2; // from the surface to the eye, unit length
+    float heat : TEXCOORD3;  // the weight of the bone whose weights are shown
 };

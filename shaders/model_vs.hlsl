@@ -21,6 +21,29 @@ struct posed
     float3 binormal;
 };
 
+static const uint palette_size = 256;
+
+// Bones repeat to fill the four slots: a bone counts where it comes first.
+bool counts(model_vertex vertex, int slot)
+{
+    return slot == 0 || is_weapon == 1 || vertex.bones[slot] != vertex.bones[0];
+}
+
+// What of the weights counts; skinningWeights() in Korvane/viewer/posed_mesh.h. What is left of weights that summed to
+// one does so again.
+float4 skinningWeights(model_vertex vertex)
+{
+    float4 kept = vertex.weights;
+    [unroll]
+    for (int i = 1; i < 4; ++i)
+        kept[i] = counts(vertex, i) ? kept[i] : 0;
+    const float all = dot(vertex.weights, float4(1, 1, 1, 1));
+    const float sum = dot(kept, float4(1, 1, 1, 1));
+    if (!(abs(all - 1) <= 0.01))
+        return kept;
+    return sum > 1e-6 ? kept / sum : float4(1, 0, 0, 0);
+}
+
 posed skinned(model_vertex vertex)
 {
     posed result;
@@ -28,21 +51,27 @@ posed skinned(model_vertex vertex)
     result.normal = 0;
     result.tangent = 0;
     result.binormal = 0;
+    const float4 weights = skinningWeights(vertex);
     [unroll]
     for (int i = 0; i < 4; ++i)
     {
-        // Bones repeat to fill the four slots: a bone counts where it comes first.
-        if (i > 0 && is_weapon != 1 && vertex.bones[i] == vertex.bones[0])
+        if (i > 0 && weights[i] == 0)
             continue;
-        const uint bone = min(vertex.bones[i], 255u);
-        const float weight = vertex.weights[i];
+        const float weight = weights[i];
         float4 position = float4(vertex.position, 1);
+        float3x3 turned = {1, 0, 0, 0, 1, 0, 0, 0, 1};
         if (is_weapon == 1)
+        {
             position = mul(position, mWeapon);
-        position = mul(mul(position, inverse[bone]), tranforms[bone]);
+            turned = (float3x3)mWeapon;
+        }
+        const uint bone = vertex.bones[i];
+        if (bone < palette_size) // what lies above stays in its bind pose
+        {
+            position = mul(mul(position, inverse[bone]), tranforms[bone]);
+            turned = mul(turned, mul((float3x3)inverse[bone], (float3x3)tranforms[bone]));
+        }
         result.position += weight * position;
-        const float3x3 rotation = mul((float3x3)inverse[bone], (float3x3)tranforms[bone]);
-        const float3x3 turned = is_weapon == 1 ? mul((float3x3)mWeapon, rotation) : rotation;
         result.normal += weight * mul(vertex.normal, turned);
         result.tangent += weight * mul(vertex.tangent, turned);
         result.binormal += weight * mul(vertex.binormal, turned);
@@ -64,6 +93,18 @@ float3 turnedDirection(float3 direction)
     return unit(mul(direction, (float3x3)mWorld));
 }
 
+// The bone stands in color.x; below zero: none.
+float heatOf(model_vertex vertex)
+{
+    const float4 weights = skinningWeights(vertex);
+    float sum = 0;
+    [unroll]
+    for (int i = 0; i < 4; ++i)
+        if ((float)vertex.bones[i] == color.x)
+            sum += weights[i];
+    return sum;
+}
+
 model_pixel main(model_vertex vertex)
 {
     posed pose;
@@ -83,5 +124,6 @@ model_pixel main(model_vertex vertex)
     result.binormal = turnedDirection(pose.binormal);
     result.uv = float2(vertex.uv.x, 1 - vertex.uv.y);
     result.view = normalize(ViewI._41_42_43 - world.xyz);
+    result.heat = heatOf(vertex);
     return result;
 }

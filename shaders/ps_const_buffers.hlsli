@@ -27,5 +27,18 @@ cbuffer LightBuffer : register(b0)
     int has_alpha; // 1: alpha tested
     float3 eyePosistion;
     int pad1;
-    int4 debug_flags; // x: smoothness channel 1..4, 0 is 1; y: 1 scales by one over pi; z: bit per bound texture slot; w: unused
+    int4 debug_flags; // x: smoothness channel 1..4, 0 is 1; y: 1 scales by one over pi; z: bit per bound texture slot;
+                      // w: flags of the draw, from bit 8 on the channel that is shown
 };
+
+static const int draw_selected = 1;    // of debug_flags.w: the group is outlined
+static const int draw_wire_over = 2;   // edges over the surface
+static const int draw_occluded = 4;    // the mask's alpha darkens what light comes from around
+
+// The alpha of the normals' target: the final pass draws the outline where it changes.
+static const float selected_mark = 0.25;
+
+float groupMark()
+{
+    return (debug_flags.w & draw_selected) != 0 ? selected_mark : 1.0;
+}

@@ -1,5 +1,6 @@
 // Pixel shader of the wireframe draw mode: one colour, shaded a little by depth of angle.
 #include "model_vertex.hlsli"
+#include "ps_const_buffers.hlsli"
 
 struct model_targets
 {
@@ -12,8 +13,10 @@ model_targets main(model_pixel pixel)
 {
     const float facing = abs(dot(normalize(pixel.normal), normalize(pixel.view)));
     model_targets result;
-    result.lit = float4(float3(0.35, 0.62, 0.85) * (0.35 + 0.65 * facing), 1);
-    result.normal = float4(normalize(pixel.normal) * 0.5 + 0.5, 1);
+    const float3 color =
+        (debug_flags.w & draw_wire_over) != 0 ? float3(0.03, 0.16, 0.30) : float3(0.35, 0.62, 0.85);
+    result.lit = float4(color * (0.35 + 0.65 * facing), 1);
+    result.normal = float4(normalize(pixel.normal) * 0.5 + 0.5, groupMark());
     result.base = result.lit;
     return result;
 }

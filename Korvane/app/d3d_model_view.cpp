@@ -45,7 +45,7 @@ picture_maker d3d_model_view::pictureMaker() const
     options.frames_scene = false;
     return [scene, options](picture& made, failure& why) {
         render_result result;
-        if (!renderToImage(*scene, options, result, why))
+        if (!renderToImage(scene, options, result, why))
             return false;
         made = picture(options.width, options.height);
         std::memcpy(made.pixels().data(), result.rgba.data(), made.pixels().size_bytes());

@@ -128,7 +128,7 @@ bool render(const render_arguments& arguments, cli_context& context, failure& wh
     render_result result;
     const auto load = isDefinitionPath(arguments.model) ? &loadDefinition : &loadModel;
     const scene_pointer scene = load(arguments.model, arguments.lod, context, why);
-    if (!scene || !renderToImage(*scene, options, result, why) || !writePicture(arguments.output, options, result, why))
+    if (!scene || !renderToImage(scene, options, result, why) || !writePicture(arguments.output, options, result, why))
         return false;
     if (options.frames > 1)
     {

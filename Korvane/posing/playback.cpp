@@ -65,14 +65,37 @@ void playback::tick()
     if (!m_is_loaded || m_state != play_state::playing || !m_length.canRun())
         return;
     // In frames, so that a frame that was resumed or stepped to is that frame to the last bit.
-    const double frames = m_start_frames + (m_clock() - m_start) * m_length.frame_rate;
-    if (frames < m_length.end_time * m_length.frame_rate)
+    const double frames = m_start_frames + (m_clock() - m_start) * m_length.frame_rate * m_speed;
+    double end = m_length.end_time * m_length.frame_rate;
+    if (!m_range.isWhole())
+        end = std::min(end, m_range.last + 1.0);
+    if (frames < end && (m_range.isWhole() || frames >= m_range.first))
         m_position = positionOfFrame(frames);
     else
-    {
-        goOnFrom({});
-        ++m_rounds;
-    }
+        goOnFrom({m_range.isWhole() ? 0 : m_range.first, 0});
+}
+
+void playback::setSpeed(float speed)
+{
+    const float usable = std::isfinite(speed) && speed >= 0 ? speed : 1;
+    if (usable == m_speed)
+        return;
+    goOnFrom(m_position);
+    m_speed = usable;
+}
+
+void playback::setRange(const frame_range& range)
+{
+    m_range = range;
+    if (m_length.frame_count != 0 && range.first >= m_length.frame_count)
+        m_range = {};
+}
+
+void playback::seek(const playback_position& position)
+{
+    if (!m_is_loaded || m_length.frame_count == 0)
+        return;
+    goOnFrom(position.frame < m_length.frame_count ? position : playback_position{m_length.frame_count - 1, 0});
 }
 
 void playback::setState(play_state state)
@@ -106,11 +129,24 @@ void playback_control::step(std::int32_t frames)
     m_wish.store(std::bit_cast<std::uint64_t>(m_asked));
 }
 
+void playback_control::seek(const playback_position& position)
+{
+    m_sought.store(std::bit_cast<std::uint64_t>(position));
+    m_seeks.fetch_add(1);
+}
+
 void playback_control::advance(playback& player)
 {
     const auto wanted = std::bit_cast<wish>(m_wish.load());
     const auto steps = static_cast<std::int32_t>(wanted.steps - m_steps_done);
     m_steps_done = wanted.steps;
+    player.setSpeed(m_speed.load());
+    player.setRange(range());
+    if (const std::uint32_t seeks = m_seeks.load(); seeks != m_seeks_done)
+    {
+        m_seeks_done = seeks;
+        player.seek(std::bit_cast<playback_position>(m_sought.load()));
+    }
     // Steps first: playing then goes on from the frame that was stepped to, whole.
     player.step(steps);
     player.setState(wanted.state);

@@ -83,6 +83,20 @@ glm::mat4 camera::world() const
     return glm::scale(glm::mat4(1), glm::vec3(model_scale));
 }
 
+std::optional<glm::vec3> camera::toPixel(const glm::vec3& point, float width, float height) const
+{
+    const glm::vec4 seen = view() * world() * pitchMatrix() * yawMatrix() * glm::vec4(point, 1);
+    if (seen.z < near_plane)
+        return std::nullopt;
+    const glm::vec4 clip = projection(width / height) * seen;
+    return glm::vec3((clip.x / clip.w * 0.5f + 0.5f) * width, (0.5f - clip.y / clip.w * 0.5f) * height, seen.z);
+}
+
+glm::mat4 camera::toClip(float aspect) const
+{
+    return projection(aspect) * view() * world() * pitchMatrix() * yawMatrix();
+}
+
 void camera::fill(float aspect, mvp_buffer& buffer) const
 {
     const glm::mat4 seen = view();

@@ -10,6 +10,8 @@
 #include <glm/mat4x4.hpp>
 #include <glm/vec3.hpp>
 
+#include <optional>
+
 namespace korvane
 {
 
@@ -46,6 +48,11 @@ struct camera
     glm::mat4 yawMatrix() const;               // includes the move of the model's middle to the origin
     glm::mat4 pitchMatrix() const;
     glm::mat4 world() const;
+
+    // Of a point in the model's space: pixels from the upper left corner, and the distance from the eye; nothing when
+    // it is behind the eye.
+    std::optional<glm::vec3> toPixel(const glm::vec3& point, float width, float height) const;
+    glm::mat4 toClip(float aspect) const; // from the model's space, for GLM's columns
 
     // Fills the matrices and camera fields of the vertex stage's buffer; the rest stays.
     void fill(float aspect, mvp_buffer& buffer) const;

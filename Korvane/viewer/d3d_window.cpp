@@ -4,6 +4,7 @@
 #include "Korvane/viewer/render_worker.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace korvane
 {
@@ -18,6 +19,8 @@ constexpr int smallest_height = 180;
 constexpr DWORD window_style = WS_CAPTION | WS_SYSMENU | WS_THICKFRAME;
 constexpr char window_title[] = "Korvane GFX-D3D11 - Move/rotate/Zoom with: A,D,S,W/Q,E,R,T,C,V/Wheel";
 constexpr UINT worker_has_news = WM_APP + 1;
+constexpr UINT_PTR turn_timer = 1;
+constexpr UINT turn_interval = 15; // milliseconds
 constexpr char no_device_text[] = "The graphics device was lost, and none could be made again: neither the hardware "
                                   "nor the software device.\r\nWhat you have open is not touched.\r\n\r\n"
                                   "Press Enter to try again.";
@@ -94,6 +97,7 @@ bool d3d_window::initialise(HWND owner, scene_pointer scene, failure& why)
     const bool is_complete = createOnDevice(width, height);
 
     log("Create Render Thread");
+    worker.setDpi(dpi());
     worker.pacer().postSize(width, height);
     postRefreshRate();
     worker.start(handle(), is_complete);
@@ -176,9 +180,18 @@ void d3d_window::setScene(scene_pointer scene, std::string notice)
 {
     const bool is_other_path = !m_scene || !scene || m_scene->path != scene->path;
     const bool has_other_models = is_other_path || !showsSameModels(m_scene, scene);
+    if (is_other_path)
+        m_animations.clear();
+    if (has_other_models)
+    {
+        m_view.selected.reset();
+        m_view.hidden.reset();
+    }
     m_scene = std::move(scene);
     m_scene_notice = std::move(notice);
     m_po_worker->show(m_scene);
+    static_cast<void>(publishMotion());
+    playback().seek(is_other_path ? playback_position() : playback().shown());
     if (has_other_models) // not for a texture that was painted
         m_view.setLightDefaults();
     if (is_other_path)
@@ -284,6 +297,19 @@ LRESULT d3d_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
         postRefreshRate();
     if (message == worker_has_news)
         takeNews();
+    if (message == WM_TIMER && wparam == turn_timer)
+        turnByItself();
+    if (message == WM_CONTEXTMENU && lparam == -1) // by the keyboard
+    {
+        const RECT client = clientRectangle();
+        openMenu({client.right / 2, client.bottom / 2});
+        return 0;
+    }
+    if (message == WM_MOUSELEAVE && m_view.mouse)
+    {
+        m_view.mouse.reset();
+        redraw();
+    }
     if (message == loseDeviceMessage() && wparam < device_step_count)
     {
         faults().lose(static_cast<device_step>(wparam), static_cast<int>(lparam));
@@ -302,8 +328,9 @@ void d3d_window::onMinimumSize(SIZE& outer)
 }
 
 // The base has moved the window to the rectangle that the system suggests; sizes of the picture are pixels.
-void d3d_window::onDpiChanged(unsigned)
+void d3d_window::onDpiChanged(unsigned dots)
 {
+    m_po_worker->setDpi(dots);
     postRefreshRate();
 }
 
@@ -324,13 +351,18 @@ bool d3d_window::onKeyDown(unsigned virtual_key, bool)
         m_po_worker->tryAgain();
         return true;
     }
+    if (onPlaybackKey(virtual_key))
+        return true;
     if (virtual_key == 'V')
         return showStart(), true;
-    if (virtual_key == VK_ESCAPE && m_is_enlarged)
+    if (virtual_key == 'I')
+        doCommand(view_command::save_picture);
+    else if (virtual_key == VK_ESCAPE && m_is_enlarged)
         leaveEnlarged();
     else if (!m_view.onKey(virtual_key))
         return false;
     m_is_framed = m_is_framed && virtual_key != 'Q' && virtual_key != 'E';
+    postMoving();
     redraw();
     return true;
 }
@@ -343,32 +375,63 @@ bool d3d_window::onMouseWheel(int delta, const mouse_event&)
     return true;
 }
 
-// Left button: turn. Right or middle button: move the picture. Double click: enlarge.
+// Left button: turn, with Shift the light; a click selects the group. Right or middle button: move the picture; a click
+// with the right one opens the menu. Double click: enlarge.
 bool d3d_window::onMouseButton(const mouse_event& event)
 {
     m_last_mouse = event.at;
-    bool& is_dragging = event.button == mouse_button::left ? m_is_turning : m_is_shifting;
-    is_dragging = event.is_down;
-    if (event.is_double && event.button == mouse_button::left)
+    const bool is_left = event.button == mouse_button::left;
+    const bool is_click = !event.is_down && !m_has_dragged;
+    const bool was_pressed = is_left ? m_is_turning || m_is_turning_light : m_is_shifting;
+    if (event.is_down)
     {
-        m_is_turning = false;
+        m_pressed_at = event.at;
+        m_has_dragged = false;
+    }
+    if (is_left)
+    {
+        m_is_turning_light = event.is_down && (event.keys & MK_SHIFT) != 0;
+        m_is_turning = event.is_down && !m_is_turning_light;
+    }
+    else
+        m_is_shifting = event.is_down;
+    if (event.is_double && is_left)
+    {
+        m_is_turning = m_is_turning_light = false;
         toggleEnlarged();
     }
-    if (m_is_turning || m_is_shifting)
+    if (m_is_turning || m_is_turning_light || m_is_shifting)
         SetCapture(handle());
     else
         ReleaseCapture();
+    if (is_click && was_pressed && is_left)
+        pickGroup(event.at);
+    if (is_click && was_pressed && event.button == mouse_button::right)
+        openMenu(event.at);
     return true;
 }
 
 bool d3d_window::onMouseMove(const mouse_event& event)
 {
-    if (!m_is_turning && !m_is_shifting)
-        return false;
+    if (!m_is_turning && !m_is_turning_light && !m_is_shifting)
+    {
+        m_view.mouse = glm::vec2(static_cast<float>(event.at.x), static_cast<float>(event.at.y));
+        TRACKMOUSEEVENT leaving{sizeof leaving, TME_LEAVE, handle(), 0};
+        TrackMouseEvent(&leaving);
+        if (m_view.shows_skeleton) // the bone there is named
+            redraw();
+        return true;
+    }
+    m_has_dragged = m_has_dragged || std::abs(event.at.x - m_pressed_at.x) > GetSystemMetrics(SM_CXDRAG) ||
+                    std::abs(event.at.y - m_pressed_at.y) > GetSystemMetrics(SM_CYDRAG);
+    if (!m_has_dragged)
+        return true;
     const auto dx = static_cast<float>(event.at.x - m_last_mouse.x);
     const auto dy = static_cast<float>(event.at.y - m_last_mouse.y);
     m_last_mouse = event.at;
-    if (m_is_turning)
+    if (m_is_turning_light)
+        m_view.onLightDrag(dx, dy);
+    else if (m_is_turning)
         m_view.onDrag(dx, dy);
     else
         m_view.onShift(dx, dy, static_cast<float>(clientRectangle().bottom));
@@ -380,6 +443,7 @@ bool d3d_window::onMouseMove(const mouse_event& event)
 void d3d_window::onCaptureLost()
 {
     m_is_turning = false;
+    m_is_turning_light = false;
     m_is_shifting = false;
 }
 

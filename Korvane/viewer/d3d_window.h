@@ -8,12 +8,17 @@
 #include "EASY_GUI/services/log_port.h"
 #include "EASY_GUI/win32/window.h"
 #include "Korvane/scene/loaded_scene.h"
+#include "Korvane/viewer/posed_scene.h"
+#include "Korvane/viewer/view_menu.h"
 #include "Korvane/viewer/view_notice.h"
 #include "Korvane/viewer/view_state.h"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace korvane
 {
@@ -21,11 +26,16 @@ namespace korvane
 class device_faults;
 class render_worker;
 
-// What the viewer needs of the program around it. Both are called by the window's own thread and may be empty.
+// What the viewer needs of the program around it. All are called by the window's own thread and may be empty.
 struct viewer_ports
 {
     log_port log;
     std::function<void()> closed; // the person has closed the window; it is hidden, not destroyed
+    std::function<void(const shown_group& group)> picked; // clicked on
+    std::function<void()> choose_animation = {};
+    std::function<void()> save_picture = {};
+    // Playing was begun, ended, stepped or begun anew by a key of the view: also when nothing can be played.
+    std::function<void()> played = {};
 };
 
 // The name of a registered message for tests of the real program: the next steps lose the device (device_faults.h), of
@@ -46,6 +56,15 @@ public:
     // has not moved it; another level of detail of the same models leaves it alone, other textures do, too. Another
     // path is seen from the start view. A notice covers the picture. Never waits for a frame.
     void setScene(scene_pointer scene, std::string notice = {});
+
+    // How the scene moves, from its first frame on; none: the bind pose. Of another scene of the same path (another
+    // level of detail, painted textures) the animations go on. Gives what does not fit, a line each.
+    std::vector<std::string> setAnimations(std::vector<std::shared_ptr<const anim_data>> animations);
+    const std::vector<std::shared_ptr<const anim_data>>& animations() const { return m_animations; }
+    playback_control& playback();
+    void playbackChanged(); // after a wish to it: the frames follow
+    // Outlines a group; nothing: none.
+    void select(std::optional<shown_group> group);
 
     void show();       // shows the window and brings it to the front
     void showBeside(); // the same, but does not take the focus
@@ -85,6 +104,16 @@ private:
     void takeNews();
     void toggleEnlarged();
     void leaveEnlarged();
+    std::vector<std::string> publishMotion();
+    void postMoving();
+    bool onPlaybackKey(unsigned virtual_key);
+    void doCommand(view_command command);
+    void pickGroup(POINT at);
+    void openMenu(POINT at);
+    [[nodiscard]] std::unique_ptr<posed_scene> poseNow() const;
+    [[nodiscard]] std::optional<shown_group> groupAt(const posed_scene& pose, POINT at) const;
+    [[nodiscard]] glm::vec2 clientSize() const;
+    void turnByItself();
 
     viewer_ports m_ports;
     std::unique_ptr<render_worker> m_po_worker;
@@ -93,10 +122,15 @@ private:
     bool m_is_waiting = false;  // for the person, as no device could be made
     view_state m_view;          // the window thread's; copies go to the render thread
     scene_pointer m_scene;      // what is shown
+    std::vector<std::shared_ptr<const anim_data>> m_animations;
     POINT m_last_mouse{};
+    POINT m_pressed_at{};       // the mouse
+    bool m_has_dragged = false; // since then
     bool m_is_turning = false;
+    bool m_is_turning_light = false;
     bool m_is_shifting = false;
-    bool m_is_framed = true; // the camera still stands where the model was framed: it follows the window's size
+    ULONGLONG m_last_turn = 0; // of the turntable, milliseconds
+    bool m_is_framed = true;   // the camera still stands where the model was framed: it follows the window's size
     bool m_is_enlarged = false;
     RECT m_saved_rectangle{}; // outer, screen pixels; valid while enlarged
 };

@@ -1,6 +1,6 @@
 #include "Korvane/viewer/model_scene.h"
 
-#include "D3D11_RENDER_LIB/render_variant.h"
+#include "Korvane/viewer/view_overlay.h"
 
 #include <algorithm>
 #include <cmath>
@@ -34,23 +34,91 @@ std::vector<gpu_line_vertex> floorGrid(const model_bounds& bounds)
     return lines;
 }
 
+// The twelve edges of the box around the model.
+std::vector<gpu_line_vertex> boundsLines(const model_bounds& bounds)
+{
+    constexpr gpu_float4 color{0.75f, 0.60f, 0.15f, 1};
+    std::vector<gpu_line_vertex> lines;
+    if (bounds.isEmpty())
+        return lines;
+    const auto corner = [&bounds](int number) {
+        return gpu_float3{(number & 1) != 0 ? bounds.max.x : bounds.min.x,
+                          (number & 2) != 0 ? bounds.max.y : bounds.min.y,
+                          (number & 4) != 0 ? bounds.max.z : bounds.min.z};
+    };
+    for (int from = 0; from < 8; ++from)
+        for (int axis = 1; axis < 8; axis *= 2)
+            if ((from & axis) == 0)
+            {
+                lines.push_back({corner(from), color});
+                lines.push_back({corner(from | axis), color});
+            }
+    return lines;
+}
+
+shown_target targetOf(view_channel channel)
+{
+    return channel == view_channel::lit       ? shown_target::lit
+           : channel == view_channel::normals ? shown_target::normals
+                                              : shown_target::plain;
+}
+
+bool isOfSurface(view_channel channel) // drawn by the shader of light
+{
+    return channel == view_channel::lit || channel == view_channel::normals || channel == view_channel::base;
+}
+
+bool castsShadows(const lib3d& library, const view_state& view)
+{
+    return view.shownChannel() == view_channel::lit && !view.is_wireframe &&
+           (view.shadows == shadow_choice::on || (view.shadows == shadow_choice::automatic && !library.isSoftware()));
+}
+
 } // namespace
 
-bool model_scene::create(lib3d& library, const loaded_scene* scene)
+bool model_scene::create(lib3d& library, scene_pointer scene)
 {
-    static const loaded_scene nothing;
-    const loaded_scene& shown = scene != nullptr ? *scene : nothing;
+    static const scene_pointer nothing = std::make_shared<const loaded_scene>();
+    const scene_pointer& shown = scene ? scene : nothing;
     m_po_figure.reset(); // the former textures stay until the new scene has taken over those that it shares
     m_po_floor.reset();
+    m_po_bounds.reset();
+    m_po_pose.reset();
     auto textures = std::make_unique<gpu_textures>(m_log, m_po_textures.get());
     auto figure = std::make_unique<render_variant>();
-    auto floor = std::make_unique<d3d_drawable_geometry>();
-    if (!figure->create(library, shown, *textures) || !floor->create(library, floorGrid(shown.bounds)))
+    if (!figure->create(library, *shown, *textures) || !createFloor(library, shown->bounds))
         return false;
     textures->forgetFormer();
     m_po_textures = std::move(textures);
     m_po_figure = std::move(figure);
+    m_po_pose = std::make_unique<posed_scene>(shown);
+    m_poses.resize(shown->parts.size());
+    m_lines.resize(line_vertex_capacity);
+    if (!m_po_frame)
+        m_po_frame = std::make_unique<frame_constants>();
+    return true;
+}
+
+bool model_scene::createFloor(lib3d& library, const model_bounds& bounds)
+{
+    auto floor = std::make_unique<d3d_drawable_geometry>();
+    auto box = std::make_unique<d3d_drawable_geometry>();
+    if (!floor->create(library, floorGrid(bounds)) || !box->create(library, boundsLines(bounds)))
+        return false;
     m_po_floor = std::move(floor);
+    m_po_bounds = std::move(box);
+    m_po_shadow.reset(); // its floor has the height of this model's feet
+    return true;
+}
+
+bool model_scene::createOverlay(lib3d& library, unsigned dpi)
+{
+    auto layer = std::make_unique<overlay_layer>();
+    if (!layer->create(library, dpi))
+        return false;
+    m_po_overlay_text.reset();
+    m_po_overlay = std::move(layer);
+    m_po_overlay_text = std::make_unique<overlay_text>(m_po_overlay->font());
     return true;
 }
 
@@ -58,25 +126,113 @@ void model_scene::release()
 {
     m_po_figure.reset();
     m_po_floor.reset();
+    m_po_bounds.reset();
+    m_po_shadow.reset();
     m_po_textures.reset();
+    m_po_pose.reset();
+    m_po_overlay_text.reset();
+    m_po_overlay.reset();
+}
+
+void model_scene::takePoses()
+{
+    const std::vector<scene_part>& parts = m_po_pose->scene().parts;
+    for (std::size_t i = 0; i < parts.size(); ++i)
+        m_poses[i] = {m_po_pose->inverse(parts[i].rig), m_po_pose->transforms(parts[i].rig)};
+}
+
+void model_scene::drawFigure(lib3d& library, const scene_targets& targets, const view_state& view,
+                             frame_constants& frame)
+{
+    const view_channel channel = view.shownChannel();
+    frame.pass = view.is_wireframe      ? model_pass::wireframe
+                 : isOfSurface(channel) ? model_pass::lit
+                                        : model_pass::channel;
+    if (castsShadows(library, view))
+    {
+        const model_bounds& bounds = m_po_pose->scene().bounds;
+        const glm::vec3 extent = bounds.extent();
+        if (!m_po_shadow)
+        {
+            auto made = std::make_unique<shadow_map>();
+            if (made->create(library) &&
+                made->createFloor(library, bounds.centre(), std::max({extent.x, extent.y, extent.z}) * 1.2f,
+                                  bounds.isEmpty() ? 0 : bounds.min.y))
+                m_po_shadow = std::move(made);
+        }
+        if (m_po_shadow)
+        {
+            const gpu_float3& way = frame.ps.light[0].lightDirection;
+            m_po_shadow->draw(library, *m_po_figure, frame, {way[0], way[1], way[2]});
+            targets.bind(library);
+            frame.pass = model_pass::lit_with_shadow;
+        }
+    }
+    m_po_figure->draw(library, frame);
+    if (frame.pass == model_pass::lit_with_shadow)
+    {
+        if (view.shows_floor || view.is_background_clear)
+            m_po_shadow->drawFloor(library, frame);
+        m_po_shadow->release(library);
+    }
+    if (view.shows_wire_over && !view.is_wireframe)
+    {
+        frame.pass = model_pass::wire_over;
+        frame.ps.debug_flags[3] |= draw_wire_over;
+        m_po_figure->draw(library, frame);
+    }
+}
+
+void model_scene::drawLines(lib3d& library, const view_state& view, frame_constants& frame)
+{
+    if (view.shows_floor)
+        m_po_floor->draw(library, frame);
+    if (view.shows_bounds)
+        m_po_bounds->draw(library, frame);
+    const auto over = [&](std::size_t count) {
+        frame.vs.color = {1, 1, 1, 1};
+        library.uploadConstants(frame.vs, frame.ps);
+        library.useLineShaders(line_depth::ignored);
+        library.drawLines(std::span(m_lines).first(count));
+    };
+    if (view.shows_skeleton)
+        over(m_po_pose->fillSkeleton(m_lines));
+    if (view.shows_attachments)
+        over(m_po_pose->fillPoints(m_lines));
+}
+
+void model_scene::drawOverlay(lib3d& library, const scene_targets& targets, const view_state& view)
+{
+    if (!m_po_overlay)
+        return;
+    writeOverlay({view, m_po_pose.get(), static_cast<float>(targets.width()), static_cast<float>(targets.height())},
+                 *m_po_overlay_text);
+    m_po_overlay->draw(library, *m_po_overlay_text);
 }
 
 void model_scene::draw(lib3d& library, const scene_targets& targets, ID3D11RenderTargetView* output,
-                       const view_state& view) const
+                       const view_state& view)
 {
-    frame_constants frame;
-    view.fill(static_cast<float>(targets.width()) / static_cast<float>(targets.height()), frame.vs, frame.ps);
-    frame.is_wireframe = view.is_wireframe;
-    targets.begin(library, output, view.background());
+    const view_channel channel = view.shownChannel();
+    targets.begin(library, output, view.background(), view.is_background_clear);
     library.beginScene();
-    if (m_po_figure)
-        m_po_figure->draw(library, frame);
-    if (m_po_floor && view.shows_floor)
-        m_po_floor->draw(library, frame);
-    targets.finish(library, output,
-                   view.shows_normals ? shown_target::normals
-                   : view.shows_plain ? shown_target::plain
-                                      : shown_target::lit);
+    const bool has_outlines = view.selected.has_value() && m_po_pose;
+    if (m_po_pose)
+    {
+        frame_constants& frame = *m_po_frame;
+        view.fill(static_cast<float>(targets.width()) / static_cast<float>(targets.height()), frame.vs, frame.ps);
+        frame.ps.debug_flags[3] = (view.uses_occlusion ? draw_occluded : 0) | static_cast<std::int32_t>(channel)
+                                                                                  << draw_channel_shift;
+        frame.heat_bone = view.heat_bone;
+        frame.selected = view.selected;
+        frame.hidden = view.hidden.get();
+        takePoses();
+        frame.poses = m_poses;
+        drawFigure(library, targets, view, frame);
+        drawLines(library, view, frame);
+    }
+    targets.finish(library, output, targetOf(channel), has_outlines);
+    drawOverlay(library, targets, view);
 }
 
 } // namespace korvane

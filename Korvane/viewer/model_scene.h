@@ -1,15 +1,20 @@
 #pragma once
 
-// The device's half of a loaded_scene: its figure and, for when it is asked for, a floor grid. The window and the
-// off-screen renderer draw through this one class; both belong to the thread that draws.
+// The device's half of a loaded_scene and how it stands: its figure with the poses of its skeletons, and all that is
+// drawn beside it (floor, shadow, bones, bounds, what is written over the picture). The window and the off-screen
+// renderer draw through this one class; both belong to the thread that draws.
 
-#include "D3D11_RENDER_LIB/d3d_drawable.h"
 #include "D3D11_RENDER_LIB/gpu_textures.h"
+#include "D3D11_RENDER_LIB/overlay_layer.h"
+#include "D3D11_RENDER_LIB/render_variant.h"
 #include "D3D11_RENDER_LIB/scene_targets.h"
+#include "D3D11_RENDER_LIB/shadow_map.h"
 #include "Korvane/scene/loaded_scene.h"
+#include "Korvane/viewer/posed_scene.h"
 #include "Korvane/viewer/view_state.h"
 
 #include <memory>
+#include <vector>
 
 namespace korvane
 {
@@ -19,20 +24,38 @@ class model_scene
 public:
     explicit model_scene(log_port log = {}) : m_log(std::move(log)) {}
 
-    // Makes the scene's objects in place of what was shown, or of nothing for null. False when the device was lost:
-    // what is left is to be released.
-    [[nodiscard]] bool create(lib3d& library, const loaded_scene* scene);
+    // Makes the scene's objects in place of what was shown, or of nothing for null; the bind pose is shown. False when
+    // the device was lost: what is left is to be released.
+    [[nodiscard]] bool create(lib3d& library, scene_pointer scene);
     void release();
+    // The font for what is written over the picture; without it nothing is. False when the device was lost.
+    [[nodiscard]] bool createOverlay(lib3d& library, unsigned dpi);
+
+    // How it stands; null while nothing is shown.
+    posed_scene* pose() { return m_po_pose.get(); }
 
     // A whole frame into an output of the targets' size.
-    void draw(lib3d& library, const scene_targets& targets, ID3D11RenderTargetView* output,
-              const view_state& view) const;
+    void draw(lib3d& library, const scene_targets& targets, ID3D11RenderTargetView* output, const view_state& view);
 
 private:
+    [[nodiscard]] bool createFloor(lib3d& library, const model_bounds& bounds);
+    void takePoses();
+    void drawFigure(lib3d& library, const scene_targets& targets, const view_state& view, frame_constants& frame);
+    void drawLines(lib3d& library, const view_state& view, frame_constants& frame);
+    void drawOverlay(lib3d& library, const scene_targets& targets, const view_state& view);
+
     log_port m_log;
     std::unique_ptr<gpu_textures> m_po_textures;
-    std::unique_ptr<id3d_drawable_object> m_po_figure; // null: nothing is shown
-    std::unique_ptr<id3d_drawable_object> m_po_floor;
+    std::unique_ptr<render_variant> m_po_figure; // null: nothing is shown
+    std::unique_ptr<d3d_drawable_geometry> m_po_floor;
+    std::unique_ptr<d3d_drawable_geometry> m_po_bounds;
+    std::unique_ptr<shadow_map> m_po_shadow; // made when it is wanted first
+    std::unique_ptr<overlay_layer> m_po_overlay;
+    std::unique_ptr<overlay_text> m_po_overlay_text;
+    std::unique_ptr<posed_scene> m_po_pose;
+    std::vector<part_pose> m_poses;              // of the parts, as the frame shows them
+    std::vector<gpu_line_vertex> m_lines;        // as many as the bone-line buffer holds
+    std::unique_ptr<frame_constants> m_po_frame; // 33 KB: not on the stack, and not anew for each frame
 };
 
 } // namespace korvane

@@ -20,12 +20,12 @@ bool checkSize(const render_options& options, failure& why)
 }
 
 // False when the device was lost on the way.
-bool drawPictures(lib3d& library, const loaded_scene& scene, const render_options& options, render_result& result)
+bool drawPictures(lib3d& library, const scene_pointer& scene, const render_options& options, render_result& result)
 {
     model_scene drawn(options.log);
     scene_targets targets;
     picture_target picture;
-    if (!library.createAll() || !drawn.create(library, &scene) ||
+    if (!library.createAll() || !drawn.create(library, scene) ||
         !targets.create(library, options.width, options.height) ||
         !picture.create(library, options.width, options.height))
         return false;
@@ -35,7 +35,7 @@ bool drawPictures(lib3d& library, const loaded_scene& scene, const render_option
     {
         view.eye.yaw = options.yaw;
         view.eye.pitch = options.pitch;
-        view.eye.frame(scene.bounds, static_cast<float>(options.width) / static_cast<float>(options.height));
+        view.eye.frame(scene->bounds, static_cast<float>(options.width) / static_cast<float>(options.height));
     }
     const auto draw = [&] {
         drawn.draw(library, targets, picture.view(), view);
@@ -55,7 +55,7 @@ bool drawPictures(lib3d& library, const loaded_scene& scene, const render_option
 
 } // namespace
 
-bool renderToImage(const loaded_scene& scene, const render_options& options, render_result& result, failure& why)
+bool renderToImage(const scene_pointer& scene, const render_options& options, render_result& result, failure& why)
 {
     if (!checkSize(options, why))
         return false;
@@ -68,7 +68,7 @@ bool renderToImage(const loaded_scene& scene, const render_options& options, ren
             return true;
         const std::string what = "the graphics device was lost (" + resultText(library.loss()) + ")";
         if (attempt == 1)
-            return fail(why, failure_kind::unsupported, what + " twice", scene.path);
+            return fail(why, failure_kind::unsupported, what + " twice", scene->path);
         tell(options.log, what + "; the picture is drawn again");
     }
 }

@@ -39,7 +39,7 @@ struct render_result
 };
 
 // False without a device, when it was lost twice in a row, or for a size out of range.
-[[nodiscard]] bool renderToImage(const loaded_scene& scene, const render_options& options, render_result& result,
+[[nodiscard]] bool renderToImage(const scene_pointer& scene, const render_options& options, render_result& result,
                                  failure& why);
 
 } // namespace korvane

@@ -14,6 +14,7 @@ namespace
 constexpr char source_name[] = "d3d_window";
 constexpr SIZE_T stack_bytes = 0xFFFFF;
 constexpr std::chrono::milliseconds occluded_pause{250};
+constexpr UINT samples_on_hardware = 4;
 constexpr int hardware_tries = 2;
 constexpr int all_tries = 3;                             // the last one with the software device
 constexpr std::chrono::milliseconds pause_of_tries{500}; // a driver that is exchanged needs a moment
@@ -84,7 +85,7 @@ bool render_worker::createTargets(UINT width, UINT height)
                             "back buffer", source_name) &&
            m_library.isMade(m_library.device().CreateRenderTargetView(buffer.get(), nullptr, m_back_buffer.put()),
                             m_back_buffer, "back buffer", source_name) &&
-           m_targets.create(m_library, width, height);
+           m_targets.create(m_library, width, height, m_library.isSoftware() ? 1 : samples_on_hardware);
 }
 
 bool render_worker::resize(UINT width, UINT height)
@@ -121,6 +122,12 @@ void render_worker::stop()
 void render_worker::show(scene_pointer scene)
 {
     m_published.publish(std::move(scene));
+    m_pacer.redraw();
+}
+
+void render_worker::animate(std::shared_ptr<const scene_motion> motion)
+{
+    m_published_motion.publish(std::move(motion));
     m_pacer.redraw();
 }
 
@@ -168,6 +175,7 @@ void render_worker::run()
         if (request.must_stop)
             return;
         static_cast<void>(m_published.take(m_wanted)); // an exchange that is under way asks for a frame of its own
+        static_cast<void>(m_published_motion.take(m_wanted_motion));
         drawFrame(request);
     }
 }
@@ -203,6 +211,7 @@ bool render_worker::drawOnDevice(const frame_request& request)
         return false;
     if (!showNewScene())
         return false;
+    move();
     m_scene.draw(m_library, m_targets, m_back_buffer.get(), request.view);
 
     const DXGI_PRESENT_PARAMETERS parameters{};
@@ -217,13 +226,34 @@ bool render_worker::drawOnDevice(const frame_request& request)
     return true;
 }
 
+void render_worker::move()
+{
+    posed_scene* const pose = m_scene.pose();
+    if (pose == nullptr)
+        return;
+    if (m_shown_motion != m_wanted_motion && m_wanted_motion && m_wanted_motion->scene == m_shown)
+    {
+        pose->clearAnimation();
+        for (const animation_fit& animation : m_wanted_motion->animations)
+            pose->setAnimation(animation);
+        m_shown_motion = m_wanted_motion;
+    }
+    pose->advance(m_playback);
+}
+
 bool render_worker::showNewScene()
 {
+    if (const unsigned dpi = m_dpi.load(); m_overlay_dpi != dpi)
+    {
+        if (!m_scene.createOverlay(m_library, dpi))
+            return false;
+        m_overlay_dpi = dpi;
+    }
     if (m_shown == m_wanted)
         return true;
     try
     {
-        if (!m_scene.create(m_library, m_wanted.get()))
+        if (!m_scene.create(m_library, m_wanted))
             return false;
     }
     catch (const std::bad_alloc&)
@@ -232,6 +262,7 @@ bool render_worker::showNewScene()
         report("d3d_window: there is not enough memory to show " + m_wanted->path);
     }
     m_shown = m_wanted;
+    m_shown_motion.reset();
     return true;
 }
 
@@ -265,6 +296,8 @@ void render_worker::loseDevice()
     m_library.clearContext();
     m_scene.release();
     m_shown.reset();
+    m_shown_motion.reset();
+    m_overlay_dpi = 0;
     m_targets.release();
     m_back_buffer.reset();
     m_swap_chain.reset();

@@ -28,6 +28,13 @@
 namespace korvane
 {
 
+// Which animations move a scene, in the order in which they were chosen. None: the bind pose.
+struct scene_motion
+{
+    scene_pointer scene;
+    std::vector<animation_fit> animations;
+};
+
 class render_worker
 {
 public:
@@ -49,6 +56,11 @@ public:
 
     // Window thread. The scene is shown from the next frame on, or nothing for null; never waits for a frame.
     void show(scene_pointer scene);
+    // How a scene moves; counts while that scene is shown.
+    void animate(std::shared_ptr<const scene_motion> motion);
+    playback_control& playback() { return m_playback; }
+    // For what is written over the picture.
+    void setDpi(unsigned dpi) { m_dpi.store(dpi); }
     frame_pacer& pacer() { return m_pacer; }
     std::uint64_t framesDrawn() const { return m_frames_drawn.load(); } // presented so far
     device_faults& faults() { return m_faults; }
@@ -65,6 +77,7 @@ private:
     void drawFrame(const frame_request& request);
     [[nodiscard]] bool drawOnDevice(const frame_request& request);
     [[nodiscard]] bool showNewScene();
+    void move();
     [[nodiscard]] bool isOccluded();
     [[nodiscard]] bool resize(UINT width, UINT height);
     [[nodiscard]] bool remakeDevice(const frame_request& request);
@@ -74,6 +87,8 @@ private:
     std::function<void()> m_has_news;
     device_faults m_faults;
     gated_value<loaded_scene> m_published;
+    gated_value<scene_motion> m_published_motion;
+    playback_control m_playback;
     frame_pacer m_pacer;
     unique_kernel_handle m_thread; // window thread only
     HWND m_window = nullptr;
@@ -86,10 +101,14 @@ private:
     model_scene m_scene;
     scene_pointer m_wanted; // kept for a new device
     scene_pointer m_shown;  // what m_scene was made of
+    std::shared_ptr<const scene_motion> m_wanted_motion;
+    std::shared_ptr<const scene_motion> m_shown_motion; // what m_scene was told
+    unsigned m_overlay_dpi = 0;                         // that m_scene has the font for
     bool m_has_device = false;
     bool m_was_occluded = false;
     int m_tries = 0; // to make the device again, since the last frame that was presented
 
+    std::atomic<unsigned> m_dpi{96};              // written by the window thread only
     std::atomic<std::uint64_t> m_frames_drawn{0}; // written by the render thread only
     std::atomic<bool> m_has_given_up{false};      // written by the render thread only
     std::atomic<bool> m_must_try_again{false};

@@ -1,5 +1,10 @@
 #include "Korvane/viewer/view_state.h"
 
+#include "Korvane/viewer/key_table.h"
+
+#include <glm/gtc/matrix_transform.hpp>
+
+#include <algorithm>
 #include <cmath>
 
 namespace korvane
@@ -8,11 +13,9 @@ namespace korvane
 namespace
 {
 
-constexpr float turn_per_key = 0.06f;
-constexpr float distance_per_key = 0.1f;
 constexpr float turn_per_pixel = 0.008f;
 constexpr float zoom_per_notch = 0.9f;
-constexpr float point_step = 0.05f;
+constexpr float steepest_light = 0.85f; // with its own slope short of the poles
 
 } // namespace
 
@@ -38,128 +41,37 @@ void view_state::setLightDefaults()
     lights[1].point.position = glm::vec3(1.0f, 1.0f, -1.0f);
 }
 
-bool view_state::onLightKey(unsigned virtual_key)
+void view_state::showChannel(view_channel wanted)
 {
-    gpu_light& light = lights[0].base;
-    glm::vec3& point = lights[1].point.position;
-    switch (virtual_key)
-    {
-    case key_code::page_up:
-        light.ambientFactor *= 1.04f;
-        return true;
-    case key_code::page_down:
-        light.ambientFactor *= 0.96f;
-        return true;
-    case key_code::home:
-        light.radiannce *= 1.05f;
-        return true;
-    case key_code::end:
-        light.radiannce *= 0.95f;
-        return true;
-    case key_code::up:
-        light.specularFactor *= 1.05f;
-        return true;
-    case key_code::down:
-        light.specularFactor *= 0.95f;
-        return true;
-    case key_code::right:
-        light.roughnessFactor *= 1.005f;
-        return true;
-    case key_code::left:
-        light.roughnessFactor *= 0.995f;
-        return true;
-    case key_code::numpad4:
-        point.x -= point_step;
-        return true;
-    case key_code::numpad6:
-        point.x += point_step;
-        return true;
-    case key_code::numpad8:
-        point.y -= point_step;
-        return true;
-    case key_code::numpad2:
-        point.y += point_step;
-        return true;
-    case key_code::numpad7:
-        point.z -= point_step;
-        return true;
-    case key_code::numpad1:
-        point.z += point_step;
-        return true;
-    default:
-        return false;
-    }
+    shows_normals = shows_plain = false;
+    channel = wanted;
 }
 
-bool view_state::onToggleKey(unsigned virtual_key)
+bool view_state::isHidden(const shown_group& group) const
 {
-    switch (virtual_key)
-    {
-    case 'B':
-        is_background_dark = !is_background_dark;
-        return true;
-    case 'F':
-        shows_normals = !shows_normals;
-        return true;
-    case 'O':
-        shows_plain = !shows_plain;
-        return true;
-    case 'W':
-        shows_floor = !shows_floor;
-        return true;
-    case 'S':
-        shows_skeleton = !shows_skeleton;
-        return true;
-    case 'T':
-        show_reflections = !show_reflections;
-        return true;
-    case 'P':
-        scale_by_one_over_pi = !scale_by_one_over_pi;
-        return true;
-    case 'C':
-        is_wireframe = !is_wireframe;
-        frame_limit = is_wireframe ? 1 : unlimited;
-        return true;
-    default:
-        return false;
-    }
+    return hidden && std::binary_search(hidden->begin(), hidden->end(), group);
+}
+
+void view_state::setHidden(const shown_group& group, bool is_hidden)
+{
+    if (is_hidden == isHidden(group))
+        return;
+    auto changed = hidden ? std::make_shared<shown_groups>(*hidden) : std::make_shared<shown_groups>();
+    const auto place = std::lower_bound(changed->begin(), changed->end(), group);
+    if (is_hidden)
+        changed->insert(place, group);
+    else
+        changed->erase(place);
+    hidden = std::move(changed);
 }
 
 bool view_state::onKey(unsigned virtual_key)
 {
-    if (virtual_key < key_code::first || virtual_key > key_code::last)
+    const view_key* const key = findViewKey(virtual_key);
+    if (key == nullptr || key->change == nullptr)
         return false;
-    if (onLightKey(virtual_key) || onToggleKey(virtual_key))
-        return true;
-    gpu_light& light = lights[0].base;
-    switch (virtual_key)
-    {
-    case '1':
-    case '2':
-    case '3':
-    case '4':
-        smoothness_channel = static_cast<int>(virtual_key - '0');
-        return true;
-    case 'A':
-        eye.turn(turn_per_key, 0);
-        return true;
-    case 'D':
-        eye.turn(-turn_per_key, 0);
-        return true;
-    case 'Q':
-        eye.move(distance_per_key);
-        return true;
-    case 'E':
-        eye.move(-distance_per_key);
-        return true;
-    case 'R':
-        light.radiannce = light.ambientFactor = light.diffuseFactor = 1.0f;
-        light.specularFactor = light.roughnessFactor = 1.0f;
-        eye.offset = glm::vec3(0);
-        return true;
-    default:
-        return false;
-    }
+    key->change(*this);
+    return true;
 }
 
 void view_state::onWheel(float notches)
@@ -170,6 +82,12 @@ void view_state::onWheel(float notches)
 void view_state::onDrag(float dx_pixels, float dy_pixels)
 {
     eye.turn(-dx_pixels * turn_per_pixel, -dy_pixels * turn_per_pixel);
+}
+
+void view_state::onLightDrag(float dx_pixels, float dy_pixels)
+{
+    light_yaw += dx_pixels * turn_per_pixel;
+    light_pitch = std::clamp(light_pitch + dy_pixels * turn_per_pixel, -steepest_light, steepest_light);
 }
 
 void view_state::onShift(float dx_pixels, float dy_pixels, float height_pixels)
@@ -193,6 +111,12 @@ void view_state::fill(float aspect, mvp_buffer& vs, light_buffer& ps) const
         light.point_range = point.is_active ? point.range : 0;
         light.point_color = point.is_active ? point.color : std::array<float, 4>{};
     }
+    const glm::mat4 about_y = glm::rotate(glm::mat4(1), light_yaw, glm::vec3(0, 1, 0));
+    const gpu_float3& way = lights[0].base.lightDirection;
+    const glm::vec3 turned = glm::mat3(about_y * glm::rotate(glm::mat4(1), light_pitch, glm::vec3(1, 0, 0))) *
+                             glm::vec3(way[0], way[1], way[2]);
+    ps.light[0].lightDirection = {turned.x, turned.y, turned.z};
+    ps.mRotEnv = gpuMatrix(glm::transpose(about_y)); // from the world into the environment
     const glm::vec3 at = eye.eye();
     ps.eyePosistion = {at.x, at.y, at.z};
     ps.show_reflections = show_reflections ? 1 : 0;

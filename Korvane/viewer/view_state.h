@@ -1,13 +1,19 @@
 #pragma once
 
 // Everything about the view that keys and mouse change: camera, lights and display flags. A plain value: the window
-// thread owns one, changes it, and hands whole copies to the render thread. Portable.
+// thread owns one, changes it, and hands whole copies to the render thread. Copying allocates nothing. Portable.
 
 #include "D3D11_RENDER_LIB/gpu_layouts.h"
+#include "Korvane/scene/shown_group.h"
 #include "Korvane/viewer/camera.h"
 
+#include <glm/vec2.hpp>
+
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <optional>
 
 namespace korvane
 {
@@ -27,13 +33,27 @@ struct view_light
     point_light point;
 };
 
-// Virtual-key codes, as Windows numbers them.
-namespace key_code
+// What of the surface is shown as its colour.
+enum class view_channel : std::uint32_t
 {
-inline constexpr unsigned escape = 27, space = 32, page_up = 33, page_down = 34, end = 35, home = 36, left = 37,
-                          up = 38, right = 39, down = 40, first = 27, last = 104, numpad1 = 97, numpad2 = 98,
-                          numpad4 = 100, numpad6 = 102, numpad7 = 103, numpad8 = 104;
-}
+    lit,      // as the games show it
+    base,     // the colour without light
+    normals,  // in the world, value for value: 128 is 0
+    specular, // the colour that is reflected
+    gloss,    // in the channel that the keys 1 to 4 choose
+    mask,
+    alpha,
+    uv,     // a checker of the texture coordinates
+    weights // of one bone, from blue to red
+};
+inline constexpr std::size_t view_channel_count = 9;
+
+enum class shadow_choice : std::uint32_t
+{
+    automatic, // where the device is a graphics card
+    off,
+    on
+};
 
 struct view_state
 {
@@ -47,19 +67,47 @@ struct view_state
     bool scale_by_one_over_pi = false;     // P
     int smoothness_channel = 1;            // 1 to 4
     bool is_background_dark = false;       // B
-    bool shows_normals = false;            // F: the surface's normals as colours
-    bool shows_plain = false;              // O: the colour without light
+    bool shows_normals = false;            // F: the surface's normals as colours; before all other channels
+    bool shows_plain = false;              // O: the colour without light; before what is in channel
     bool shows_floor = false;              // W: a grid below the model
     bool shows_skeleton = false;           // S
     bool is_wireframe = false;             // C: the draw mode
     std::uint32_t frame_limit = unlimited; // frames a second while the picture changes by itself
 
+    view_channel channel = view_channel::lit; // of the menu
+    std::uint32_t heat_bone = 0;              // whose weights are shown
+    bool shows_wire_over = false;             // M: the edges over the surface
+    bool shows_bounds = false;                // X
+    bool shows_bone_names = false;            // N
+    bool shows_attachments = false;           // Y
+    bool shows_help = false;                  // H
+    bool shows_counts = false;                // U
+    bool is_turntable = false;                // G: the model turns by itself
+    bool is_background_clear = false;         // for pictures: nothing is behind the model
+    bool uses_occlusion = true;               // of the mask's alpha
+    shadow_choice shadows = shadow_choice::automatic;
+    float light_yaw = 0;            // radians, of the key light and the environment about the vertical
+    float light_pitch = 0;          // of the key light
+    std::optional<glm::vec2> mouse; // over the picture, pixels: for what is named there
+    std::optional<shown_group> selected;
+    std::shared_ptr<const shown_groups> hidden; // null: none; never changed, for views are copied between threads
+
+    // The channel that is shown, by keys or by the menu.
+    view_channel shownChannel() const
+    {
+        return shows_normals ? view_channel::normals : shows_plain ? view_channel::base : channel;
+    }
+    void showChannel(view_channel wanted); // whatever keys have chosen before
+    bool isHidden(const shown_group& group) const;
+    void setHidden(const shown_group& group, bool is_hidden);
+
     // The point lights as a newly handed-over model gets them; the other settings stay as the person has left them.
     void setLightDefaults();
-    // Applies a key of the table; false when the key means nothing to the view (Escape, Space and V are the window's).
+    // Applies a key of the table (key_table.h); false when the key means nothing to the view.
     bool onKey(unsigned virtual_key);
     void onWheel(float notches);                                         // away from the person: closer
     void onDrag(float dx_pixels, float dy_pixels);                       // turns
+    void onLightDrag(float dx_pixels, float dy_pixels);                  // turns the light
     void onShift(float dx_pixels, float dy_pixels, float height_pixels); // moves the picture with the mouse
 
     // (c, c, 1.3 c) is the background; linear.
@@ -67,10 +115,6 @@ struct view_state
 
     // Fills both constant buffers but for what belongs to a drawable.
     void fill(float aspect, mvp_buffer& vs, light_buffer& ps) const;
-
-private:
-    bool onLightKey(unsigned virtual_key);
-    bool onToggleKey(unsigned virtual_key);
 };
 
 } // namespace korvane

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <ostream>
 #include <vector>
@@ -28,7 +29,10 @@ enum class action
     wait, // so many sixteenths of a second, then a tick
     pause,
     resume,
-    step // so many frames
+    step, // so many frames
+    speed,
+    seek,
+    range // first.last, two digits
 };
 
 struct deed
@@ -85,6 +89,17 @@ TEST(playback, doesWhatAPersonExpects)
          {{pause, 0, {0, 0}}, {step, 5, {5, 0}}, {wait, 9, {5, 0}}, {resume, 0, {5, 0}}, {wait, 1.5, {6, 0.5f}}}},
         {"steps while playing",
          {{wait, 3.5, {3, 0.5f}}, {step, 1, {4, 0}}, {wait, 1.5, {5, 0.5f}}, {step, -1, {4, 0}}}},
+        {"another speed goes on from what is shown",
+         {{wait, 2, {2, 0}}, {speed, 2, {2, 0}}, {wait, 1.5, {5, 0}}, {speed, 0.25, {5, 0}}, {wait, 2, {5, 0.5f}}}},
+        {"a place that is sought is shown at once, and played from",
+         {{seek, 9, {9, 0}}, {wait, 1, {10, 0}}, {pause, 0, {10, 0}}, {seek, 40, {16, 0}}, {wait, 3, {16, 0}}}},
+        {"a range goes round, and is jumped into",
+         {{range, 4.07, {0, 0}},
+          {wait, 1, {4, 0}},
+          {wait, 3.75, {7, 0.75f}},
+          {wait, 0.5, {4, 0}},
+          {range, 0, {4, 0}},
+          {wait, 5, {9, 0}}}},
     };
     for (const auto& row : rows)
     {
@@ -98,6 +113,13 @@ TEST(playback, doesWhatAPersonExpects)
                 now += next.amount / 16;
             else if (next.what == step)
                 player.step(static_cast<std::int64_t>(next.amount));
+            else if (next.what == speed)
+                player.setSpeed(static_cast<float>(next.amount));
+            else if (next.what == seek)
+                player.seek({static_cast<std::uint32_t>(next.amount), 0});
+            else if (next.what == range)
+                player.setRange({static_cast<std::uint32_t>(next.amount),
+                                 static_cast<std::uint32_t>(std::lround(next.amount * 100)) % 100});
             else
                 player.setState(next.what == pause ? play_state::paused : play_state::playing);
             if (next.what == wait)

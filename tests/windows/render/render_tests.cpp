@@ -79,7 +79,7 @@ render_result drawn(const RMV2_FILE_DATA& model, const test_options& options)
 {
     render_result result;
     failure why;
-    EXPECT_TRUE(renderToImage(*sceneOf(model, options.textures, options.log), options, result, why)) << describe(why);
+    EXPECT_TRUE(renderToImage(sceneOf(model, options.textures, options.log), options, result, why)) << describe(why);
     EXPECT_EQ(result.rgba.size(), std::size_t{options.width} * options.height * 4);
     return result;
 }
@@ -355,7 +355,7 @@ TEST(render, sizesOutOfRangeAreRefused)
         options.height = size;
         render_result result;
         failure why;
-        EXPECT_FALSE(renderToImage(*sceneOf(model, nullptr), options, result, why));
+        EXPECT_FALSE(renderToImage(sceneOf(model, nullptr), options, result, why));
         EXPECT_EQ(why.kind, failure_kind::refused);
     }
 }
@@ -378,7 +378,7 @@ TEST(render, aPictureSurvivesTheLossOfItsDeviceOnceAndReadsItsTexturesAgain)
     faults.lose(device_step::present, 2);
     render_result result;
     failure why;
-    EXPECT_FALSE(renderToImage(*sceneOf(model, &textures), options, result, why));
+    EXPECT_FALSE(renderToImage(sceneOf(model, &textures), options, result, why));
     EXPECT_NE(why.what.find("887A0005"), std::string::npos) << why.what;
 }
 

@@ -124,7 +124,7 @@ TEST_F(render_variant_test, allPartsAreDrawnWithTheTexturesOfTheArchiveThatWins)
     failure why;
     const scene_pointer scene =
         load({"men\\left.rigid_model_v2", "Men/Right.rigid_model_v2"}, "pack:men/guard.variantmeshdefinition");
-    ASSERT_TRUE(renderToImage(*scene, options, m_result, why)) << describe(why);
+    ASSERT_TRUE(renderToImage(scene, options, m_result, why)) << describe(why);
     const pixel left = at(0.42, 0.5);
     const pixel right = at(0.58, 0.5);
     EXPECT_TRUE(left.red > 200 && left.green < 60) << left.red << ' ' << left.green << ' ' << left.blue;
