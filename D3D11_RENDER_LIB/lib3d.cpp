@@ -1,15 +1,13 @@
 #include "D3D11_RENDER_LIB/lib3d.h"
 
 #include "D3D11_RENDER_LIB/d3d_check.h"
+#include "D3D11_RENDER_LIB/device_probe.h"
 #include "D3D11_RENDER_LIB/environment_map.h"
 #include "D3D11_RENDER_LIB/shader_resources.h"
-
-#include <dxgi.h>
 
 #include <algorithm>
 #include <cstring>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace korvane
@@ -19,7 +17,6 @@ namespace
 {
 
 constexpr char source_name[] = "lib3d";
-constexpr std::wstring_view software_names[] = {L"llvmpipe", L"softpipe", L"SwiftShader", L"Basic Render"};
 
 const D3D11_INPUT_ELEMENT_DESC model_elements[] = {
     {"POSITION", 0, DXGI_FORMAT_R32G32B32_FLOAT, 0, D3D11_APPEND_ALIGNED_ELEMENT, D3D11_INPUT_PER_VERTEX_DATA, 0},
@@ -72,22 +69,6 @@ bool createCube(lib3d& library, const std::vector<cube_level>& levels, const cha
                           source_name);
 }
 
-// Drivers of hardware that are none: Windows' own, and those that people use where there is no graphics card.
-bool isSoftwareAdapter(ID3D11Device& device)
-{
-    com_ptr<IDXGIDevice> graphics;
-    com_ptr<IDXGIAdapter> adapter;
-    DXGI_ADAPTER_DESC description{};
-    if (FAILED(device.QueryInterface(__uuidof(IDXGIDevice), graphics.putVoid())) ||
-        FAILED(graphics->GetAdapter(adapter.put())) || FAILED(adapter->GetDesc(&description)))
-        return false;
-    constexpr UINT microsoft = 0x1414, basic_render = 0x8c;
-    const std::wstring_view name = description.Description;
-    return (description.VendorId == microsoft && description.DeviceId == basic_render) ||
-           std::any_of(std::begin(software_names), std::end(software_names),
-                       [name](std::wstring_view part) { return name.find(part) != name.npos; });
-}
-
 } // namespace
 
 HRESULT lib3d::tryDevice(D3D_DRIVER_TYPE type)
@@ -117,17 +98,21 @@ HRESULT lib3d::tryDevice(D3D_DRIVER_TYPE type)
 bool lib3d::createDevice(device_kind kind, const log_port& log, failure& why)
 {
     HRESULT result = E_FAIL;
+    m_is_software = false;
     if (kind != device_kind::software)
         result = tryDevice(D3D_DRIVER_TYPE_HARDWARE);
     if (FAILED(result) && kind != device_kind::hardware)
     {
         result = tryDevice(D3D_DRIVER_TYPE_WARP);
+        m_is_software = true;
         if (SUCCEEDED(result) && log)
             log("No hardware device for Direct3D 11: the software device draws instead.");
     }
     if (SUCCEEDED(result))
     {
-        m_is_software = isSoftwareAdapter(*m_device.get());
+        m_is_software =
+            m_is_software || drawsOnProcessor(*m_device.get(), *m_context.get(), resourceBytes(KORVANE_FINAL_VS),
+                                              resourceBytes(KORVANE_PROBE_PS));
         return true;
     }
     m_loss = result;

@@ -94,8 +94,11 @@ public:
     [[nodiscard]] bool createBuffer(D3D11_BIND_FLAG kind, std::span<const std::byte> contents, const char* name,
                                     const char* source, com_ptr<ID3D11Buffer>& buffer);
 
-    // The processor draws: what is dear there is left out (many samples, shadows) or done once (unpacking textures).
+    // The device draws on the processor (device_probe.h): what is dear there is made cheap, and nothing is drawn that a
+    // graphics card alone can afford.
     bool isSoftware() const { return m_is_software; }
+    void assumeSoftware(bool is_software) { m_is_software = is_software; } // to compare both; before anything is made
+
     ID3D11Device& device() const { return *m_device.get(); }
     ID3D11DeviceContext& context() const { return *m_context.get(); }
     ID3D11Buffer* lineBuffer() const { return m_line_buffer.get(); }

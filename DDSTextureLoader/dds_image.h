@@ -26,6 +26,7 @@ enum class dds_format : std::uint32_t
     rgba16_float = 10,
     rgba8 = 28,
     rgba8_srgb = 29,
+    rgba8_signed = 31,
     r8 = 61,
     bc1 = 71,
     bc1_srgb = 72,

@@ -105,6 +105,13 @@ void decodePart(const row_decoder& decoder, const dds_subresource& part)
 
 } // namespace
 
+void decodeSubresource(const dds_image& image, const dds_subresource& part, std::span<rgba_pixel> target)
+{
+    const block_decoder blocks = decoderOf(image.format);
+    const pixel_decoder plain(blocks ? dds_layout{} : image.layout, target.size());
+    decodePart(row_decoder(blocks, plain, part, target), part);
+}
+
 bool decodeDds(const dds_image& image, picture& target, failure& why)
 {
     const std::uint64_t surface_pixels = std::uint64_t{image.width} * image.height;
@@ -114,14 +121,9 @@ bool decodeDds(const dds_image& image, picture& target, failure& why)
                         std::to_string(image.height) + " pixels are more than the " +
                         std::to_string(max_picture_pixels) + " pixels of a picture");
     picture result(image.width, image.height * image.array_size);
-    const block_decoder blocks = decoderOf(image.format);
-    const pixel_decoder plain(blocks ? dds_layout{} : image.layout, result.pixelCount());
     for (std::uint32_t surface = 0; surface < image.array_size; ++surface)
-    {
-        const dds_subresource& part = image.subresource(surface, 0);
-        const auto target_part = result.pixels().subspan(surface * surface_pixels, surface_pixels);
-        decodePart(row_decoder(blocks, plain, part, target_part), part);
-    }
+        decodeSubresource(image, image.subresource(surface, 0),
+                          result.pixels().subspan(surface * surface_pixels, surface_pixels));
     target = std::move(result);
     return true;
 }

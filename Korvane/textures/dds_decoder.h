@@ -14,11 +14,15 @@
 #include "EASY_GUI/services/failure.h"
 #include "Korvane/textures/picture.h"
 
+#include <span>
+
 namespace korvane
 {
 
 // The largest mip map. The elements of an array and the six faces of a cube lie one below the other. On failure target
 // stays as it is. Large pictures are decoded by several threads.
 [[nodiscard]] bool decodeDds(const dds_image& image, picture& target, failure& why);
+// One subresource of the image; the target has exactly its pixels.
+void decodeSubresource(const dds_image& image, const dds_subresource& part, std::span<rgba_pixel> target);
 
 } // namespace korvane
