@@ -112,6 +112,7 @@ int figure_rigs::addRig(int company, const std::string& id)
     {
         fresh.id = id;
         fresh.path = known->path;
+        fresh.place = known->place;
         fresh.skeleton = known->skeleton;
         fresh.problem = known->problem;
     }

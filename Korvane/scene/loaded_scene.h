@@ -9,6 +9,7 @@
 
 #include "Korvane/animation/anim_file.h"
 #include "Korvane/models/rmv2_data.h"
+#include "Korvane/scene/file_place.h"
 #include "Korvane/scene/scene_geometry.h"
 #include "Korvane/scene/scene_texture.h"
 
@@ -73,6 +74,7 @@ struct scene_rig
 {
     std::string id;   // as the models name it
     std::string path; // where the skeleton was found: internal, or on the disk; empty: nowhere
+    file_place place; // the same, before it was read
     // Its bind pose in usable numbers: what was none in the file is replaced. Null: there is none, or it is damaged.
     std::shared_ptr<const anim_data> skeleton;
     std::string problem; // why there is no skeleton, or what is wrong with it; empty: all is well

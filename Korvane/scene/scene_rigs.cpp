@@ -78,14 +78,17 @@ scene_rig readRig(const std::string& id, const game_data& game, const std::strin
     failure why;
     memory_file bytes;
     anim_file file;
+    const file_place place = file_place::of(found); // first: what is written from now on is a change
     if (found.read(bytes, why))
     {
         file.openFromMemory(std::move(bytes), found.path());
         if (file.loadSkeleton({}, why))
-            return rigOf(file.takeData(), id, found.path());
+            rig = rigOf(file.takeData(), id, found.path());
     }
     rig.path = found.path();
-    rig.problem = "the skeleton cannot be read, so the model stays in its bind pose: " + describe(why);
+    rig.place = place;
+    if (!rig.skeleton)
+        rig.problem = "the skeleton cannot be read, so the model stays in its bind pose: " + describe(why);
     return rig;
 }
 

@@ -54,6 +54,15 @@ void scene_watch::follow(scene_pointer scene, game_data game)
     addOnce(false, m_scene->path, nullptr);
     for (const scene_part& part : m_scene->parts)
         addOnce(false, part.model->path, nullptr);
+    for (const scene_rig& rig : m_scene->rigs)
+        if (rig.place.stamp.is_there)
+        {
+            watched_file file;
+            file.path = rig.place.disk_path;
+            file.is_skeleton = true;
+            file.shown = rig.place;
+            add(std::move(file), known, is_derived);
+        }
     for (const scene_part& part : m_scene->parts)
         for (std::size_t group = 0; group < part.groups().size(); ++group)
             for (std::size_t slot = 0; slot < texture_slot_count; ++slot)
@@ -70,9 +79,9 @@ void scene_watch::add(watched_file file, const std::vector<watched_file>& known,
         file = *former;
     else if (file.texture)
         file.shown = file.texture->place();
-    else if (!file.is_texture)
+    else if (!file.is_texture && !file.is_skeleton)
         file.shown = file_place::of(find(file));
-    else // damaged, or not asked for because another one is missing
+    else if (file.is_texture) // damaged, or not asked for because another one is missing
         file.is_known = std::find(missing.begin(), missing.end(), file.path) != missing.end();
     file.seen = file.shown;
     m_files.push_back(std::move(file));
@@ -81,6 +90,8 @@ void scene_watch::add(watched_file file, const std::vector<watched_file>& known,
 game_file scene_watch::find(const watched_file& file) const
 {
     const game_path path = file.path;
+    if (file.is_skeleton)
+        return game_file(file.path);
     if (file.is_texture)
         return m_game.findAround(file.path, m_scene->path);
     if (path.isInternal())

@@ -1,9 +1,9 @@
 #pragma once
 
 // Notices that a file of a scene was changed by another program while the scene is shown: a texture that was painted,
-// one that was missing and is there now or now lies in a folder over the archives, a model that was exported again. It
-// asks for size and time when it is told to look, so that it works on every drive; it opens nothing but textures that
-// have changed. One thread.
+// one that was missing and is there now or now lies in a folder over the archives, a model or a skeleton that was
+// exported again. It asks for size and time when it is told to look, so that it works on every drive; it opens nothing
+// but textures that have changed. One thread.
 
 #include "EASY_GUI/services/file_stamp.h"
 #include "Korvane/game/game_data.h"
@@ -22,7 +22,8 @@ namespace korvane
 struct scene_changes
 {
     std::vector<std::shared_ptr<const scene_texture>> textures; // changed, and read again
-    std::vector<std::string> models;     // changed models and definitions, which stay as they were; each change once
+    // Changed models, definitions and skeletons, which stay as they were; each change once.
+    std::vector<std::string> models;
     std::vector<std::string> unreadable; // changed textures that cannot be shown; each change once
     std::vector<std::string> lines;      // for the log, one for each of these
 
@@ -47,14 +48,15 @@ public:
 private:
     struct watched_file
     {
-        std::string path; // as the scene names it: internal, or of a model that was opened on the disk
+        std::string path = {}; // as the scene names it: internal, or of a model that was opened on the disk
         bool is_texture = false;
-        std::shared_ptr<const scene_texture> texture; // null: missing or damaged when the scene was made
-        file_place shown = {};                        // that the scene was made of
-        file_place seen = {};                         // at the last look
-        file_place refused = {};                      // was told to be unreadable or damaged
-        bool is_damaged = false;                      // the refused one
-        bool is_known = true;                         // false: shown is what the first look finds
+        std::shared_ptr<const scene_texture> texture = nullptr; // null: missing or damaged when the scene was made
+        file_place shown = {};                                  // that the scene was made of
+        file_place seen = {};                                   // at the last look
+        file_place refused = {};                                // was told to be unreadable or damaged
+        bool is_damaged = false;                                // the refused one
+        bool is_known = true;                                   // false: shown is what the first look finds
+        bool is_skeleton = false;                               // on the disk; those in archives do not change
         unsigned last_look = 0;
     };
 

@@ -1,6 +1,7 @@
 #include "Korvane/game/game_loader.h"
 #include "Korvane/scene/scene_loader.h"
 #include "Korvane/scene/scene_watch.h"
+#include "tests/support/anim_builder.h"
 #include "tests/support/dds_builder.h"
 #include "tests/support/mesh_builder.h"
 #include "tests/support/temporary_folder.h"
@@ -145,6 +146,26 @@ TEST_F(scene_watch_test, aChangedModelIsToldOnceAndALookIsBounded)
     EXPECT_EQ(told, 1u);
     m_watch.follow(nullptr, {});
     EXPECT_TRUE(look().empty());
+}
+
+TEST_F(scene_watch_test, aSkeletonThatWasWrittenAgainIsNamed)
+{
+    const std::string path = m_folder.file("mod/animations/skeletons/arm.anim");
+    std::filesystem::create_directories(toPath(path).parent_path());
+    test_anim bones = testSkeleton(5);
+    writeBytes(path, bones.bytes());
+    m_data.skeleton_id = "arm";
+    show();
+    ASSERT_EQ(m_scene->rigs.size(), 1u);
+    ASSERT_TRUE(m_scene->rigs[0].skeleton) << m_scene->rigs[0].problem;
+    EXPECT_EQ(m_scene->rigs[0].skeleton->bones.size(), 3u);
+    EXPECT_EQ(m_scene->parts[0].rig, 0);
+    bones.skeleton_name = "a longer name";
+    writeBytes(path, bones.bytes());
+    EXPECT_EQ(seen(), "arm.anim was changed by another program: open it again to see that");
+    EXPECT_EQ(seen(), "") << "each change once";
+    m_scene = m_loader.loadLevel(*m_scene, 0);
+    EXPECT_EQ(m_scene->rigs.at(0).id, "arm");
 }
 
 } // namespace
