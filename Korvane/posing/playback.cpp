@@ -43,7 +43,6 @@ void playback::load(const playback_length& length)
 {
     m_length = length;
     m_is_loaded = true;
-    m_rounds = 0;
     goOnFrom({});
 }
 

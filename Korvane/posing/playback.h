@@ -91,7 +91,6 @@ public:
 
     play_state state() const { return m_state; }
     playback_position position() const { return m_position; }
-    std::uint64_t rounds() const { return m_rounds; } // how often playing went over the end since it was loaded
 
 private:
     void goOnFrom(const playback_position& position);
@@ -104,7 +103,6 @@ private:
     playback_position m_position; // what is shown
     double m_start = 0;           // clock when time last began to run
     double m_start_frames = 0;    // where it began, in frames
-    std::uint64_t m_rounds = 0;
     bool m_is_loaded = false;
 };
 

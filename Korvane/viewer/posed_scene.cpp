@@ -18,6 +18,11 @@ constexpr gpu_float4 bone_colour{0.9f, 0.9f, 1.0f, 1.0f};
 constexpr gpu_float4 axis_colours[3] = {{1, 0.25f, 0.2f, 1}, {0.3f, 0.9f, 0.3f, 1}, {0.35f, 0.5f, 1, 1}};
 constexpr std::size_t cube_vertices = 24;
 
+double framesOf(const playback_position& position)
+{
+    return position.frame + static_cast<double>(position.fraction);
+}
+
 // Fills a buffer line by line; what does not fit is left out.
 class line_writer
 {
@@ -179,7 +184,7 @@ bool posed_scene::setAnimation(const animation_fit& fit)
         return false;
     const animation& leading = shownAnimation();
     m_player.load({leading.frameRate(), leading.endTime(), leading.frameCount()});
-    showLeading({}, 0);
+    show({});
     return true;
 }
 
@@ -196,17 +201,28 @@ const animation& posed_scene::shownAnimation() const
     return m_rigs[m_leader]->pose.shownAnimation();
 }
 
+// Others go on while the leading animation goes back to its beginning: each goes round in its own time.
 void posed_scene::advance(playback_control& control)
 {
+    const playback_position before = m_player.position();
     control.advance(m_player);
-    if (hasAnimation())
-        showLeading(m_player.position(), static_cast<double>(m_player.rounds()));
+    if (!hasAnimation())
+        return;
+    const playback_position now = m_player.position();
+    const animation& leading = shownAnimation();
+    double frames = framesOf(now) - framesOf(before);
+    if (frames < -2 && m_player.state() == play_state::playing) // not stepped back: round
+        frames += leading.endTime() * leading.frameRate();
+    m_seconds += frames / leading.frameRate();
+    showLeading(now);
 }
 
 void posed_scene::show(const playback_position& position)
 {
-    if (hasAnimation())
-        showLeading(position, 0);
+    if (!hasAnimation())
+        return;
+    m_seconds = framesOf(position) / shownAnimation().frameRate();
+    showLeading(position);
 }
 
 void posed_scene::showTime(double seconds)
@@ -215,11 +231,9 @@ void posed_scene::showTime(double seconds)
     show(positionAt(seconds, {leading.frameRate(), leading.endTime(), leading.frameCount()}));
 }
 
-void posed_scene::showLeading(const playback_position& position, double rounds)
+void posed_scene::showLeading(const playback_position& position)
 {
     const animation& leading = shownAnimation();
-    const double seconds =
-        rounds * leading.endTime() + (position.frame + static_cast<double>(position.fraction)) / leading.frameRate();
     for (const auto& rig : m_rigs)
     {
         const animation& own = rig->pose.shownAnimation();
@@ -227,7 +241,7 @@ void posed_scene::showLeading(const playback_position& position, double rounds)
             continue;
         const playback_position place = own.source() == leading.source()
                                             ? position
-                                            : positionAt(seconds, {own.frameRate(), own.endTime(), own.frameCount()});
+                                            : positionAt(m_seconds, {own.frameRate(), own.endTime(), own.frameCount()});
         rig->pose.show(place.frame, place.fraction);
     }
     updatePalettes();

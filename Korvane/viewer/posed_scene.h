@@ -119,7 +119,7 @@ private:
 
     void addJoints();
     void addPoints();
-    void showLeading(const playback_position& position, double rounds);
+    void showLeading(const playback_position& position);
     void updatePalettes();
     const rig_state& at(int rig) const;
     glm::mat4 placeOf(const point_number& point) const;
@@ -128,6 +128,7 @@ private:
     std::vector<std::unique_ptr<rig_state>> m_rigs; // the scene's, and behind them one for what has none
     playback m_player;                              // of the leading animation
     std::size_t m_leader = 0;                       // the rig that it moves, while it is loaded
+    double m_seconds = 0;                           // for how long the others have gone on
     std::vector<joint_number> m_joints;
     std::vector<point_number> m_points;
     std::size_t m_skeleton_vertices = 0;
