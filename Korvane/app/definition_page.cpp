@@ -20,6 +20,7 @@ constexpr std::string_view attribute_columns_name = "attributes";
 enum element_command : int
 {
     open_element = 1,
+    show_alternative,
     copy_element_path,
     copy_element_text
 };
@@ -118,7 +119,8 @@ void definition_page::showDocument()
                                 static_cast<control*>(&m_attribute_view), static_cast<control*>(&m_open)})
         each->setVisible(!is_empty);
     const std::shared_ptr<const variant_mesh_def>& content = host().document().definition().content();
-    if (m_po_shown != content || m_po_game != host().document().game())
+    if (m_po_shown != content || m_po_game != host().document().game() ||
+        m_shown_choice != host().document().definition().choice())
         showTree();
     if (is_empty)
         return;
@@ -135,6 +137,7 @@ void definition_page::showTree()
     const bool is_same = m_po_shown == definition.content();
     m_po_shown = definition.content();
     m_po_game = host().document().game();
+    m_shown_choice = definition.choice();
     const tree_model::node former = chosen();
     m_content = definition_tree(definition, *m_po_game);
     if (is_same)
@@ -168,6 +171,14 @@ void definition_page::openElement(tree_model::node opened)
         host().openFile(path.text());
 }
 
+void definition_page::showAlternative(tree_model::node wanted)
+{
+    if (!host().document().chooseAlternatives(m_content.choiceThatShows(wanted)))
+        return;
+    showTree();
+    host().showFigure();
+}
+
 void definition_page::showMenu(POINT on_screen)
 {
     const tree_model::node of = chosen();
@@ -175,6 +186,7 @@ void definition_page::showMenu(POINT on_screen)
     const std::vector<menu_row> rows = {
         {open_element, m_content.definitionOf(of).empty() ? "&Open Model\tEnter" : "&Open Definition\tEnter",
          !path.empty()},
+        {show_alternative, "&Show in the Figure", !m_content.choiceThatShows(of).empty()},
         {},
         {copy_element_path, "&Copy Path\tCtrl+C", !path.empty()},
         {copy_element_text, "Copy &Text", of != tree_model::root},
@@ -183,6 +195,8 @@ void definition_page::showMenu(POINT on_screen)
     {
     case open_element:
         return openElement(of);
+    case show_alternative:
+        return showAlternative(of);
     case copy_element_path:
         return copyText(host(), copiedText());
     case copy_element_text:

@@ -41,11 +41,13 @@ private:
     game_path pathOf(tree_model::node of) const; // to be opened; empty: it names none
     tree_model::node chosen() const { return m_tree.selected().value_or(tree_model::root); }
     void openElement(tree_model::node opened);
+    void showAlternative(tree_model::node wanted); // in the figure
     void showMenu(POINT on_screen);
     empty_content emptyContent() const;
 
     std::shared_ptr<const variant_mesh_def> m_po_shown; // what the tree was made of
     std::shared_ptr<const game_data> m_po_game;
+    figure_choice m_shown_choice;
     definition_tree m_content;
     attribute_list m_attributes;
 

@@ -449,6 +449,12 @@ void main_window::showDocument()
     showCounts();
 }
 
+void main_window::showFigure()
+{
+    m_display.showFigure();
+    showCounts();
+}
+
 void main_window::showSelection()
 {
     for (page* const each : m_pages)

@@ -78,6 +78,7 @@ public:
     void showModelPage(int texture_row) override;
     void showDefinitionPage() override;
     void rereadArchives(bool trusts_cache) override;
+    void showFigure() override;
     void setStatus(const std::string& text) override;
     void logLine(const std::string& line) override;
     bool work(const std::string& title, const std::function<void(const work_port&)>& work) override;

@@ -44,6 +44,7 @@ public:
     virtual void showModelPage(int texture_row) = 0;
     virtual void showDefinitionPage() = 0;
     virtual void rereadArchives(bool trusts_cache) = 0;
+    virtual void showFigure() = 0;                       // of the definition: other alternatives were chosen
     virtual void setStatus(const std::string& text) = 0; // what happened last
     virtual void logLine(const std::string& line) = 0;
     // Runs long work on a worker; the window answers, but is disabled but for a Stop button. False when it was stopped.

@@ -75,7 +75,7 @@ void scene_display::showDocument()
             return loader.loadModel(drawn, drawn->path, lod);
         });
     else if (m_document.shown() == open_files::kind::definition)
-        start([models = figureModels(definition.content()->root()), path = definition.path()](scene_loader& loader) {
+        start([models = definition.figure(), path = definition.path()](scene_loader& loader) {
             return loader.loadFigure(models, path);
         });
     else
@@ -89,6 +89,16 @@ void scene_display::showEdited()
         return;
     start([drawn = sceneModel(model.data(), model.file()->path()), lod = lodOf(model),
            former = m_scene](scene_loader& loader) { return loader.loadModel(drawn, drawn->path, lod, -1, former); });
+}
+
+void scene_display::showFigure()
+{
+    const open_definition& definition = m_document.definition();
+    if (m_po_view == nullptr || m_document.shown() != open_files::kind::definition)
+        return;
+    start([models = definition.figure(), path = definition.path(), former = m_scene](scene_loader& loader) {
+        return loader.loadFigure(models, path, 0, former);
+    });
 }
 
 void scene_display::showLevel()

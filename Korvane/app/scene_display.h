@@ -51,6 +51,7 @@ public:
     // These do nothing while there is no view.
     void showDocument(); // anew: the files are read
     void showEdited();   // the open model with other textures or alpha modes, if the view shows that
+    void showFigure();   // the open definition with other alternatives, if the view shows that
     void showLevel();    // another level of detail of the open model, if the view shows that
     bool isLoading() const { return m_loading.isRunning(); }
     // Has changed textures read again. A text for the status line; empty: nothing has changed.

@@ -88,7 +88,7 @@ scene_pointer loadDefinition(const std::string& path, std::size_t lod, cli_conte
         return nullptr;
     for (const std::string& problem : definition.problems())
         context.note(problem);
-    const std::vector<figure_model> models = figureModels(definition.content()->root());
+    const std::vector<figure_model> models = definition.figure();
     const std::size_t count = models.size();
     scene_pointer scene = sceneLoader(context, *game).loadFigure(models, path, lod);
     if (count == 0)

@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/internal_path.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <unordered_map>
@@ -109,18 +110,34 @@ definition_tree::definition_tree(const open_definition& definition, const game_d
         return;
     const variant_tag& top = m_po_content->root();
     look_up in_game(definition.problemList(), game);
+    slot_map slots;
+    for (figure_slot& slot : figureSlots(top))
+        slots.emplace(slot.tag, std::move(slot));
     m_entries.push_back({&top, root});
     if (!top.name.empty())
-        add(top, root, in_game);
+        add(top, root, in_game, slots, definition.choice());
     else
         for (const variant_tag& tag : top.children) // several root elements
-            add(tag, root, in_game);
+            add(tag, root, in_game, slots, definition.choice());
 }
 
-void definition_tree::add(const variant_tag& tag, node parent, look_up& game)
+void definition_tree::add(const variant_tag& tag, node parent, look_up& game, const slot_map& slots,
+                          const figure_choice& choice)
 {
     const node own = m_entries.size();
     entry fresh{&tag, parent};
+    fresh.is_hidden = at(parent).is_hidden;
+    if (const auto slot = slots.find(at(parent).tag); slot != slots.end() && slot->second.alternatives.size() > 1)
+    {
+        const auto& those = slot->second.alternatives;
+        const auto place = std::find(those.begin(), those.end(), &tag);
+        if (place != those.end())
+        {
+            fresh.slot = slot->second.path;
+            fresh.alternative = static_cast<std::size_t>(place - those.begin());
+            fresh.is_hidden = fresh.is_hidden || fresh.alternative != slot->second.shown(choice);
+        }
+    }
     if (tag.kind == variant_tag_kind::mesh)
         fresh.path = normalInternalPath(tag.attribute("model"));
     else if (tag.kind == variant_tag_kind::reference)
@@ -130,7 +147,7 @@ void definition_tree::add(const variant_tag& tag, node parent, look_up& game)
     m_entries.push_back(std::move(fresh));
     m_entries[parent].children.push_back(own);
     for (const variant_tag& child : tag.children)
-        add(child, own, game);
+        add(child, own, game, slots, choice);
 }
 
 std::size_t definition_tree::childCount(node parent) const
@@ -163,7 +180,8 @@ row_mark definition_tree::mark(node of) const
 {
     if (!at(of).fault.empty())
         return m_fault_mark;
-    return at(of).tag->kind == variant_tag_kind::other ? row_mark::dimmed : row_mark::plain;
+    const bool is_idle = at(of).tag->kind == variant_tag_kind::other || at(of).is_hidden;
+    return is_idle ? row_mark::dimmed : row_mark::plain;
 }
 
 std::string definition_tree::tip(node of) const
@@ -189,6 +207,24 @@ game_path definition_tree::definitionOf(node of) const
     return is_definition ? game_path::ofInternal(at(of).path) : game_path();
 }
 
+figure_choice definition_tree::choiceThatShows(node of) const
+{
+    figure_choice changes;
+    if (!isElement(of) || !at(of).is_hidden)
+        return changes;
+    for (; of != root; of = at(of).parent)
+        if (!at(of).slot.empty())
+            changes[at(of).slot] = at(of).alternative;
+    return changes;
+}
+
+std::size_t definition_tree::alternativesBeside(node of) const
+{
+    const std::vector<node>& beside = at(at(of).parent).children;
+    return static_cast<std::size_t>(
+        std::count_if(beside.begin(), beside.end(), [this](node one) { return !at(one).slot.empty(); }));
+}
+
 attribute_list definition_tree::attributesOf(node of) const
 {
     if (!isElement(of))
@@ -205,6 +241,10 @@ attribute_list definition_tree::attributesOf(node of) const
             break;
         }
     rows.emplace_back("Stands in", file + ", line " + std::to_string(its.tag->line));
+    if (!its.slot.empty())
+        rows.emplace_back("Alternative", std::to_string(its.alternative + 1) + " of " +
+                                             std::to_string(alternativesBeside(of)) +
+                                             (its.is_hidden ? ", not shown" : ", shown"));
     if (!its.fault.empty())
         rows.emplace_back("Problem", its.fault);
     return attribute_list(std::move(rows));

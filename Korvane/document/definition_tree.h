@@ -9,6 +9,7 @@
 #include "Korvane/game/game_path.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -52,6 +53,9 @@ public:
     // To open it: "pack:..." of a model or of a reference's definition; empty: the element names none.
     game_path modelOf(node of) const;
     game_path definitionOf(node of) const;
+    // What is to be chosen so that the figure shows this element; empty: it shows it already, or the element is no part
+    // of any alternative. An alternative that is not shown is dimmed, with all that stands in it.
+    figure_choice choiceThatShows(node of) const;
     // Its attributes, its own place in a text, and what is wrong with it.
     attribute_list attributesOf(node of) const;
 
@@ -68,10 +72,15 @@ private:
         std::string path = {}; // of what it names, in the form of the archives; empty: nothing
         row_mark mark = row_mark::plain;
         std::string fault = {}; // what is wrong with it
+        bool is_hidden = false; // itself or what it stands in is an alternative that is not shown
+        std::string slot = {};  // of a slot's alternative, where there are several
+        std::size_t alternative = 0;
         std::vector<node> children = {};
     };
     class look_up; // in the game
-    void add(const variant_tag& tag, node parent, look_up& game);
+    using slot_map = std::map<const variant_tag*, figure_slot>;
+    void add(const variant_tag& tag, node parent, look_up& game, const slot_map& slots, const figure_choice& choice);
+    std::size_t alternativesBeside(node of) const;
     const entry& at(node of) const { return m_entries[of]; }
     bool isElement(node of) const { return of != root && of < m_entries.size(); }
 

@@ -45,9 +45,23 @@ bool open_definition::open(const std::string& path, failure& why, const game_dat
         return false;
     }
     m_po_definition = fresh;
+    m_choice.clear();
     m_path = path;
+    m_in_figure = figure().size();
     m_models = fresh->models();
     m_has_archives = game.hasArchives();
+    return true;
+}
+
+bool open_definition::choose(const figure_choice& alternatives)
+{
+    figure_choice changed = m_choice;
+    for (const auto& [slot, alternative] : alternatives)
+        changed[slot] = alternative;
+    if (changed == m_choice)
+        return false;
+    m_choice = std::move(changed);
+    m_in_figure = figure().size();
     return true;
 }
 
@@ -55,8 +69,10 @@ std::string open_definition::summary(const std::optional<drawn_models>& drawn) c
 {
     const std::size_t failed = drawn ? drawn->failed : 0;
     std::string text = nameOf(m_path) + ": ";
+    if (m_in_figure < m_models.size())
+        text += grouped(m_in_figure) + " of ";
     text += m_models.empty() ? "names no models" : counted(m_models.size(), "model", "models");
-    if (drawn && failed < m_models.size())
+    if (drawn && failed < m_in_figure)
         text += ", " + counted(drawn->triangles, "triangle", "triangles");
     if (failed > 0 && !m_has_archives)
         return text + "; there are no archives to take them from: set the data folders";
@@ -72,9 +88,11 @@ std::string open_definition::emptyNotice(const drawn_models& drawn) const
     const std::string name = nameOf(m_path);
     if (m_models.empty())
         return name + " names no models.";
-    if (drawn.failed < m_models.size())
+    if (m_in_figure == 0)
+        return name + " shows no models: none of the chosen alternatives has one.";
+    if (drawn.failed < m_in_figure)
         return {};
-    const std::string count = counted(m_models.size(), "model", "models");
+    const std::string count = counted(m_in_figure, "model", "models");
     if (m_has_archives)
         return "None of the " + count + " of " + name + " could be opened: log.txt says why.";
     return name + " names " + count +

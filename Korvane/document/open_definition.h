@@ -6,6 +6,7 @@
 #include "EASY_GUI/services/failure.h"
 #include "Korvane/archives/variant_mesh_def.h"
 #include "Korvane/game/game_data.h"
+#include "Korvane/scene/figure.h"
 
 #include <cstddef>
 #include <memory>
@@ -23,7 +24,7 @@ namespace korvane
 // What a view made of a definition's models.
 struct drawn_models
 {
-    std::size_t failed = 0; // that could not be read, or are too many
+    std::size_t failed = 0; // of the figure's that could not be read, or are too many
     std::size_t triangles = 0;
 };
 
@@ -45,8 +46,13 @@ public:
     // The content for others to keep: it never changes. Never null.
     const std::shared_ptr<const variant_mesh_def>& content() const { return m_po_definition; }
 
-    // "demo_guard: 4 models, 12,345 triangles; 1 could not be opened (see log.txt)". Without what a view says of them
-    // only the models are counted.
+    // Which alternatives of its slots make the figure. False: nothing has changed by that.
+    bool choose(const figure_choice& alternatives);
+    const figure_choice& choice() const { return m_choice; }
+    std::vector<figure_model> figure() const { return figureModels(m_po_definition->root(), m_choice); }
+
+    // "demo_guard: 4 models, 12,345 triangles; 1 could not be opened (see log.txt)"; "4 of 6 models" when slots have
+    // alternatives. Without what a view says of them only the models are counted.
     [[nodiscard]] std::string summary(const std::optional<drawn_models>& drawn) const;
 
     // What a view shows instead of a picture when none of the models could be drawn, and what to do; else empty.
@@ -56,6 +62,8 @@ private:
     std::shared_ptr<const variant_mesh_def> m_po_definition = std::make_shared<const variant_mesh_def>();
     std::string m_path;
     std::vector<std::string> m_models;
+    figure_choice m_choice;
+    std::size_t m_in_figure = 0; // models
     bool m_has_archives = false; // when it was opened
 };
 

@@ -77,7 +77,11 @@ void open_files::take(opened_file file)
     if (file.model)
         m_model.take(std::move(file.model));
     else
+    {
+        if (file.definition.path() == m_definition.path()) // read again: what was chosen stays
+            static_cast<void>(file.definition.choose(m_definition.choice()));
         m_definition = std::move(file.definition);
+    }
 }
 
 bool open_files::open(const std::string& path, failure& why)

@@ -98,6 +98,7 @@ public:
     const open_model& model() const { return m_model; }
     open_model& model() { return m_model; }
     const open_definition& definition() const { return m_definition; }
+    bool chooseAlternatives(const figure_choice& alternatives) { return m_definition.choose(alternatives); }
     void select(model_selection wanted) { m_model.select(wanted); }
 
     // "Korvane 1.2.3a   RMV2: [body.rigid_model_v2] VMD: [no file loaded]", and "*[edited]" behind it.

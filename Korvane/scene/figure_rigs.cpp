@@ -108,16 +108,14 @@ int figure_rigs::addRig(int company, const std::string& id)
         return found;
     const auto known = std::find_if(m_rigs.begin(), m_rigs.end(), [&id](const scene_rig& one) { return one.id == id; });
     scene_rig fresh;
-    if (known != m_rigs.end()) // the same skeleton once more, standing elsewhere
-    {
-        fresh.id = id;
-        fresh.path = known->path;
-        fresh.place = known->place;
-        fresh.skeleton = known->skeleton;
-        fresh.problem = known->problem;
-    }
-    else
+    if (known == m_rigs.end())
         fresh = m_reader(id);
+    else // the same skeleton once more, standing elsewhere
+    {
+        fresh = *known;
+        fresh.mount = fresh.mount_bone = -1;
+        fresh.mount_place = glm::mat4(1);
+    }
     if (!fresh.problem.empty())
         say(fresh.problem);
     m_rigs.push_back(std::move(fresh));

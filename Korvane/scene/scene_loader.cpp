@@ -31,6 +31,15 @@ scene_group sceneGroup(const group_data& group)
     return result;
 }
 
+std::shared_ptr<const scene_model> modelOf(const scene_pointer& scene, const std::string& path)
+{
+    if (scene)
+        for (const scene_part& part : scene->parts)
+            if (part.model->path == path)
+                return part.model;
+    return nullptr;
+}
+
 // For another level: the rest says where it hangs.
 scene_part withoutTextures(const scene_part& part)
 {
@@ -98,8 +107,14 @@ scene_pointer scene_loader::loadModel(std::shared_ptr<const scene_model> model, 
     if (model)
     {
         scene_part part;
-        part.rig = rigOf(scene, *model, former);
         part.bone = bone;
+        if (model->has_skeleton)
+        {
+            part.rig = 0;
+            scene.rigs.push_back(findRig(model->skeleton_id, path, former));
+            if (!scene.rigs[0].problem.empty())
+                report(scene, scene.rigs[0].problem);
+        }
         part.model = std::move(model);
         addPart(scene, std::move(part), lod);
     }
@@ -114,19 +129,22 @@ scene_pointer scene_loader::loadModel(std::shared_ptr<const RMV2_FILE_DATA> mode
 
 // What hangs where is known when all models are there: a weapon may come before the body.
 scene_pointer scene_loader::loadFigure(const std::vector<figure_model>& models, const std::string& path,
-                                       std::size_t lod)
+                                       std::size_t lod, const scene_pointer& former)
 {
     m_known.clear();
+    if (former)
+        takeOver(*former);
     loaded_scene scene = begin(path);
     const std::size_t count = std::min(models.size(), max_parts);
     std::vector<figure_member> members;
     for (std::size_t i = 0; i < count && !m_work.isStopped(); ++i)
     {
         m_work.report(i, count, models[i].path);
-        if (std::shared_ptr<const scene_model> model = readModel(scene, models[i].path))
+        std::shared_ptr<const scene_model> model = modelOf(former, models[i].path);
+        if (model || (model = readModel(scene, models[i].path)))
             members.push_back({std::move(model), &models[i]});
     }
-    figure_rigs rigs([this, &path](const std::string& id) { return readRig(id, m_game, path); });
+    figure_rigs rigs([&](const std::string& id) { return findRig(id, path, former); });
     std::vector<scene_part> parts = rigs.assemble(members);
     scene.rigs = rigs.rigs();
     for (const std::string& problem : rigs.problems())
@@ -218,23 +236,18 @@ std::shared_ptr<const scene_model> scene_loader::readModel(loaded_scene& scene, 
 }
 
 // What was found for the former scene, or not, is the same for this one.
-int scene_loader::rigOf(loaded_scene& scene, const scene_model& model, const scene_pointer& former) const
+scene_rig scene_loader::findRig(const std::string& id, const std::string& around, const scene_pointer& former) const
 {
-    if (!model.has_skeleton)
-        return -1;
-    const auto known = [&]() -> const scene_rig* {
-        if (former)
-            for (const scene_rig& one : former->rigs)
-                if (one.id == model.skeleton_id && one.mount < 0)
-                    return &one;
-        return nullptr;
-    }();
-    scene.rigs.push_back(known ? *known : readRig(model.skeleton_id, m_game, scene.path));
-    if (const std::string& problem = scene.rigs.back().problem; !problem.empty() && known)
-        scene.problems.push_back(problem);
-    else if (!problem.empty())
-        report(scene, model.path + ": " + problem);
-    return 0;
+    if (former)
+        for (const scene_rig& one : former->rigs)
+            if (one.id == id)
+            {
+                scene_rig rig = one;
+                rig.mount = rig.mount_bone = -1;
+                rig.mount_place = glm::mat4(1);
+                return rig;
+            }
+    return readRig(id, m_game, around);
 }
 
 void scene_loader::addPart(loaded_scene& scene, scene_part fresh, std::size_t lod)

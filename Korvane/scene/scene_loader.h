@@ -43,9 +43,10 @@ public:
                                           std::size_t lod = 0, int bone = -1);
     // The models of a definition (figure.h), in the order in which they are drawn. Models with the same skeleton are
     // moved by one; those without any hang on the bone that the attachment point of their innermost slot names. Models
-    // with another skeleton below a slot with an attachment point are a figure of their own that hangs there.
+    // with another skeleton below a slot with an attachment point are a figure of their own that hangs there. Models,
+    // skeletons and textures of a former scene of the definition are taken over.
     [[nodiscard]] scene_pointer loadFigure(const std::vector<figure_model>& models, const std::string& path,
-                                           std::size_t lod = 0);
+                                           std::size_t lod = 0, const scene_pointer& former = nullptr);
     // The same scene at another level of detail; textures that the former one has are taken over.
     [[nodiscard]] scene_pointer loadLevel(const loaded_scene& former, std::size_t lod);
     // The same scene with these in place of its textures of the same paths, and with those that it lacked because one
@@ -61,7 +62,7 @@ private:
     void report(loaded_scene& scene, std::string line) const;
     [[nodiscard]] std::shared_ptr<const scene_model> readModel(loaded_scene& scene, const std::string& internal_path);
     void addPart(loaded_scene& scene, scene_part part, std::size_t lod);
-    int rigOf(loaded_scene& scene, const scene_model& model, const scene_pointer& former) const;
+    scene_rig findRig(const std::string& id, const std::string& around, const scene_pointer& former) const;
     void loadTextures(loaded_scene& scene, scene_part& part);
     [[nodiscard]] bool loadTexture(loaded_scene& scene, const std::string& path,
                                    std::shared_ptr<const scene_texture>& texture);

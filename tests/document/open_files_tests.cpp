@@ -288,5 +288,30 @@ TEST_F(open_files_test, theTreeOfADefinitionMarksWhatIsMissing)
     EXPECT_EQ(definition_tree().childCount(tree_model::root), 0u);
 }
 
+TEST_F(open_files_test, anotherAlternativeOfASlotCanBeChosen)
+{
+    const std::string path = write(
+        "figure.variantmeshdefinition",
+        "<VARIANT_MESH model='body'><SLOT name='hand'><VARIANT_MESH model='sword'/><VARIANT_MESH><SLOT name='blade'>"
+        "<VARIANT_MESH model='short'/><VARIANT_MESH model='long'/></SLOT></VARIANT_MESH></SLOT></VARIANT_MESH>");
+    open(path);
+    const auto dimmed = [&](const char* model) {
+        const definition_tree tree(m_files.definition(), *m_files.game());
+        const tree_model::node found = tree.findModel(game_path::ofInternal(model));
+        return !tree.choiceThatShows(found).empty();
+    };
+    EXPECT_EQ(m_files.status(drawn_models{0, 9}), "figure: 2 of 4 models, 9 triangles");
+    EXPECT_TRUE(!dimmed("body") && !dimmed("sword") && dimmed("short") && dimmed("long"));
+    const definition_tree tree(m_files.definition(), *m_files.game());
+    const tree_model::node wanted = tree.findModel(game_path::ofInternal("long"));
+    EXPECT_EQ(tree.attributesOf(wanted).text(3, 1), "2 of 2, not shown");
+    EXPECT_TRUE(m_files.chooseAlternatives(tree.choiceThatShows(wanted)));
+    EXPECT_FALSE(m_files.chooseAlternatives({{"hand", 1}}));
+    EXPECT_TRUE(dimmed("sword") && dimmed("short") && !dimmed("long"));
+    EXPECT_EQ(m_files.definition().figure().at(1).path, "long");
+    open(path);
+    EXPECT_FALSE(dimmed("long")) << "read again";
+}
+
 } // namespace
 } // namespace korvane::test
