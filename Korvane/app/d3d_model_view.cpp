@@ -26,6 +26,13 @@ public:
     void showBeside() override { m_po_d3d_window->showBeside(); }
     bool isVisible() const override { return m_po_d3d_window->isVisible(); }
     HWND handle() const override { return m_po_d3d_window->handle(); }
+    void select(std::optional<shown_group> group) override { m_po_d3d_window->select(group); }
+    std::vector<std::string> setAnimations(std::vector<std::shared_ptr<const anim_data>> animations) override
+    {
+        return m_po_d3d_window->setAnimations(std::move(animations));
+    }
+    playback_control& playback() override { return m_po_d3d_window->playback(); }
+    void playbackChanged() override { m_po_d3d_window->playbackChanged(); }
     picture_maker pictureMaker() const override;
 
 private:
@@ -66,10 +73,14 @@ void showProgramIcon(HWND window)
 
 } // namespace
 
-std::unique_ptr<model_view> makeD3dModelView(log_port log, failure& why)
+std::unique_ptr<model_view> makeD3dModelView(view_events events, failure& why)
 {
     viewer_ports ports;
-    ports.log = std::move(log);
+    ports.log = std::move(events.log);
+    ports.picked = std::move(events.picked);
+    ports.choose_animation = std::move(events.choose_animation);
+    ports.save_picture = std::move(events.save_picture);
+    ports.played = std::move(events.played);
     // No owner: the view is a window of its own, which may lie behind the main window.
     std::unique_ptr<d3d_window> window = d3d_window::create(nullptr, std::move(ports), nullptr, why);
     if (window == nullptr)

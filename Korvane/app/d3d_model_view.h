@@ -7,6 +7,6 @@
 namespace korvane
 {
 
-[[nodiscard]] std::unique_ptr<model_view> makeD3dModelView(log_port log, failure& why);
+[[nodiscard]] std::unique_ptr<model_view> makeD3dModelView(view_events events, failure& why);
 
 } // namespace korvane

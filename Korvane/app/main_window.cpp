@@ -55,8 +55,11 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
                 }})
     , m_commands(m_document, m_ports.prompt, m_ports.config)
     , m_display(*this, m_document, m_thread, m_ports.make_view,
-                {logPort(), [this] { showCounts(); }, [this](const work_progress& now) { showLoading(now); },
-                 [this](HWND view) { return restoreView(view); }})
+                {logPort(),
+                 [this] { showCounts(); },
+                 [this](const work_progress& now) { showLoading(now); },
+                 [this](HWND view) { return restoreView(view); },
+                 {{}, [this](const shown_group& group) { picked(group); }, {}, [this] { savePicture(); }, {}}})
     , m_archives(*this)
     , m_opening(*this, m_menu, [this](const std::string& path) { opened(path); })
     , m_model_page(*this, {m_ports.open_folder, m_ports.open_editor})
@@ -426,6 +429,21 @@ void main_window::select(model_selection wanted)
     showSelection();
     if (m_document.model().selection().lod != former_lod)
         m_display.showLevel();
+    m_display.showSelection();
+}
+
+// A click in the view. Of a figure's model the name is said: it is not what is open.
+void main_window::picked(const shown_group& group)
+{
+    const scene_pointer& scene = m_display.scene();
+    if (!scene || group.part >= scene->parts.size())
+        return;
+    const scene_part& part = scene->parts[group.part];
+    if (m_document.shown() == open_files::kind::definition)
+        return setStatus(displayText(part.model->path) + ", group " + std::to_string(group.group));
+    model_selection wanted = m_document.model().selection();
+    wanted.group = static_cast<int>(group.group);
+    select(wanted);
 }
 
 void main_window::showDefinitionPage()

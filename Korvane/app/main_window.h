@@ -125,6 +125,7 @@ private:
     void showSelection();
     void showCounts();
     void showLoading(const work_progress& now); // of what the view will show
+    void picked(const shown_group& group);
     void showView(scene_display::focus wanted);
     void savePicture();
     void showAbout();

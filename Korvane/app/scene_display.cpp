@@ -50,7 +50,9 @@ bool scene_display::show(focus wanted, failure& why)
 {
     if (m_po_view == nullptr)
     {
-        m_po_view = m_make_view(m_told.log, why);
+        view_events events = m_told.events;
+        events.log = m_told.log;
+        m_po_view = m_make_view(std::move(events), why);
         if (m_po_view == nullptr)
             return false;
         placeView();
@@ -111,6 +113,17 @@ void scene_display::showLevel()
         });
 }
 
+void scene_display::showSelection()
+{
+    const model_selection chosen = m_document.model().selection();
+    if (m_po_view == nullptr || !m_scene)
+        return;
+    const bool is_drawn = m_document.shown() == open_files::kind::model && chosen.group >= 0 &&
+                          m_scene->parts.size() == 1 && chosen.lod == static_cast<int>(m_scene->parts.front().lod);
+    m_po_view->select(is_drawn ? std::optional(shown_group{0, static_cast<std::uint32_t>(chosen.group)})
+                               : std::nullopt);
+}
+
 void scene_display::start(load work)
 {
     m_loading.start([this, game = m_document.game(), work = std::move(work)](const work_port& port) {
@@ -148,6 +161,7 @@ void scene_display::setScene(scene_pointer scene)
     m_scene = std::move(scene);
     m_po_view->setScene(m_scene, m_drawn ? m_document.definition().emptyNotice(*m_drawn) : std::string());
     m_watch.follow(m_scene, *m_document.game());
+    showSelection();
 }
 
 // Where it was. Else beside the main window, at least as high as that and otherwise as large as it wants; where there

@@ -29,12 +29,15 @@ public:
         std::function<void()> changed;                      // another scene is shown: drawn() has changed
         std::function<void(const work_progress&)> progress; // of a scene of several models
         std::function<bool(HWND view)> restore_place = {};  // where it stood last; false: nowhere
+        view_events events = {};                            // but for the log
     };
     // The main window, the document and the thread outlive it.
     scene_display(const window& owner, const open_files& document, const ui_thread& thread,
                   model_view_factory make_view, listeners told);
 
     const model_view* view() const { return m_po_view.get(); } // null until it was shown first
+    model_view* view() { return m_po_view.get(); }
+    const scene_pointer& scene() const { return m_scene; } // what the view shows; null: it was given nothing yet
     // What the view made of the definition; nothing while it has not shown it.
     const std::optional<drawn_models>& drawn() const { return m_drawn; }
 
@@ -49,10 +52,11 @@ public:
     void close(); // ends the render thread
 
     // These do nothing while there is no view.
-    void showDocument(); // anew: the files are read
-    void showEdited();   // the open model with other textures or alpha modes, if the view shows that
-    void showFigure();   // the open definition with other alternatives, if the view shows that
-    void showLevel();    // another level of detail of the open model, if the view shows that
+    void showDocument();  // anew: the files are read
+    void showEdited();    // the open model with other textures or alpha modes, if the view shows that
+    void showFigure();    // the open definition with other alternatives, if the view shows that
+    void showSelection(); // outlines the group that the panels show
+    void showLevel();     // another level of detail of the open model, if the view shows that
     bool isLoading() const { return m_loading.isRunning(); }
     // Has changed textures read again. A text for the status line; empty: nothing has changed.
     std::string followFiles();

@@ -20,7 +20,9 @@ constexpr DWORD window_style = WS_CAPTION | WS_SYSMENU | WS_THICKFRAME;
 constexpr char window_title[] = "Korvane GFX-D3D11 - Move/rotate/Zoom with: A,D,S,W/Q,E,R,T,C,V/Wheel";
 constexpr UINT worker_has_news = WM_APP + 1;
 constexpr UINT_PTR turn_timer = 1;
+constexpr UINT_PTR marker_timer = 2;
 constexpr UINT turn_interval = 15; // milliseconds
+constexpr UINT marker_stays = 2000;
 constexpr char no_device_text[] = "The graphics device was lost, and none could be made again: neither the hardware "
                                   "nor the software device.\r\nWhat you have open is not touched.\r\n\r\n"
                                   "Press Enter to try again.";
@@ -299,6 +301,12 @@ LRESULT d3d_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
         takeNews();
     if (message == WM_TIMER && wparam == turn_timer)
         turnByItself();
+    if (message == WM_TIMER && wparam == marker_timer)
+    {
+        KillTimer(handle(), marker_timer);
+        m_view.shows_light = false;
+        redraw();
+    }
     if (message == WM_CONTEXTMENU && lparam == -1) // by the keyboard
     {
         const RECT client = clientRectangle();
@@ -362,6 +370,8 @@ bool d3d_window::onKeyDown(unsigned virtual_key, bool)
     else if (!m_view.onKey(virtual_key))
         return false;
     m_is_framed = m_is_framed && virtual_key != 'Q' && virtual_key != 'E';
+    if (m_view.shows_light)
+        SetTimer(handle(), marker_timer, marker_stays, nullptr);
     postMoving();
     redraw();
     return true;

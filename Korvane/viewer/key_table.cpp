@@ -29,6 +29,7 @@ template <float glm::vec3::*axis, int direction>
 void movePoint(view_state& view)
 {
     view.lights[1].point.position.*axis += static_cast<float>(direction) * point_step;
+    view.shows_light = true;
 }
 
 template <int channel>

@@ -128,6 +128,7 @@ void model_scene::release()
     m_po_floor.reset();
     m_po_bounds.reset();
     m_po_shadow.reset();
+    m_po_marker.reset();
     m_po_textures.reset();
     m_po_pose.reset();
     m_po_overlay_text.reset();
@@ -183,12 +184,26 @@ void model_scene::drawFigure(lib3d& library, const scene_targets& targets, const
     }
 }
 
+void model_scene::drawLightMarker(lib3d& library, const view_state& view, frame_constants& frame)
+{
+    if (!m_po_marker)
+    {
+        m_po_marker = std::make_unique<drawable_cube>();
+        if (!m_po_marker->create(library, m_log)) // lost: found when the frame is presented
+            return;
+    }
+    m_po_marker->moveTo(view.lights[1].point.position);
+    m_po_marker->draw(library, frame);
+}
+
 void model_scene::drawLines(lib3d& library, const view_state& view, frame_constants& frame)
 {
     if (view.shows_floor)
         m_po_floor->draw(library, frame);
     if (view.shows_bounds)
         m_po_bounds->draw(library, frame);
+    if (view.shows_light)
+        drawLightMarker(library, view, frame);
     const auto over = [&](std::size_t count) {
         frame.vs.color = {1, 1, 1, 1};
         library.uploadConstants(frame.vs, frame.ps);

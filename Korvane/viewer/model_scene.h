@@ -4,6 +4,7 @@
 // drawn beside it (floor, shadow, bones, bounds, what is written over the picture). The window and the off-screen
 // renderer draw through this one class; both belong to the thread that draws.
 
+#include "D3D11_RENDER_LIB/drawable_cube.h"
 #include "D3D11_RENDER_LIB/gpu_textures.h"
 #include "D3D11_RENDER_LIB/overlay_layer.h"
 #include "D3D11_RENDER_LIB/render_variant.h"
@@ -42,6 +43,7 @@ private:
     void takePoses();
     void drawFigure(lib3d& library, const scene_targets& targets, const view_state& view, frame_constants& frame);
     void drawLines(lib3d& library, const view_state& view, frame_constants& frame);
+    void drawLightMarker(lib3d& library, const view_state& view, frame_constants& frame);
     void drawOverlay(lib3d& library, const scene_targets& targets, const view_state& view);
 
     log_port m_log;
@@ -49,7 +51,8 @@ private:
     std::unique_ptr<render_variant> m_po_figure; // null: nothing is shown
     std::unique_ptr<d3d_drawable_geometry> m_po_floor;
     std::unique_ptr<d3d_drawable_geometry> m_po_bounds;
-    std::unique_ptr<shadow_map> m_po_shadow; // made when it is wanted first
+    std::unique_ptr<drawable_cube> m_po_marker; // of the side light; made when it is wanted first
+    std::unique_ptr<shadow_map> m_po_shadow;    // made when it is wanted first
     std::unique_ptr<overlay_layer> m_po_overlay;
     std::unique_ptr<overlay_text> m_po_overlay_text;
     std::unique_ptr<posed_scene> m_po_pose;

@@ -82,6 +82,7 @@ struct view_state
     bool shows_attachments = false;           // Y
     bool shows_help = false;                  // H
     bool shows_counts = false;                // U
+    bool shows_light = false;                 // a marker where the side light is, while keys move it
     bool is_turntable = false;                // G: the model turns by itself
     bool is_background_clear = false;         // for pictures: nothing is behind the model
     bool uses_occlusion = true;               // of the mask's alpha

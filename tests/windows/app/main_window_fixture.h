@@ -46,7 +46,10 @@ struct view_record
     std::string notice;
     std::vector<std::pair<std::string, std::size_t>> models; // file name and LOD
     std::vector<std::vector<std::string>> definitions;       // the models of each that can be drawn
-    std::vector<unsigned> keys;                              // pressed without Ctrl, as far as the view can tell
+    std::optional<shown_group> selected;
+    std::size_t animations = 0;
+    view_events events;
+    std::vector<unsigned> keys; // pressed without Ctrl, as far as the view can tell
 };
 
 class recording_view : public model_view
@@ -69,6 +72,14 @@ public:
     void showBeside() override { ++m_record.shown; }
     bool isVisible() const override { return m_record.shown > 0; }
     HWND handle() const override { return m_window.handle(); }
+    void select(std::optional<shown_group> group) override { m_record.selected = group; }
+    std::vector<std::string> setAnimations(std::vector<std::shared_ptr<const anim_data>> animations) override
+    {
+        m_record.animations = animations.size();
+        return {};
+    }
+    playback_control& playback() override { return m_playback; }
+    void playbackChanged() override {}
     picture_maker pictureMaker() const override
     {
         return [](picture& made, failure&) {
@@ -100,6 +111,7 @@ private:
     };
 
     view_record& m_record;
+    playback_control m_playback;
     key_window m_window{m_record};
 };
 
@@ -185,7 +197,10 @@ protected:
                               "",
                               m_prompt,
                               {},
-                              [this](log_port, failure& why) { return makeView(why); },
+                              [this](view_events events, failure& why) {
+                                  m_view.events = std::move(events);
+                                  return makeView(why);
+                              },
                               [this](const std::string& path) { m_opened_folder = path; },
                               m_keeper,
                               [this](const std::string& path) { return m_edited_picture = path, true; }},
