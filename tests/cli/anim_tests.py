@@ -234,10 +234,10 @@ class demo_animations(cli_tests.cli_case):
             if name == "humanoid01":
                 self.assertEqual(rows(found["skeletons"]), skeletons)
         self.assertEqual(len(skeletons), 2)
-        self.assertEqual(len(animations["humanoid01"]), 73)
+        self.assertEqual(len(animations["humanoid01"]), 79)
         text = korvane("anim", "search", "humanoid01", *self.data, check=0)[1].decode("utf-8").splitlines()
         self.assertEqual([line for line in text if not line.startswith("  ")],
-                         ["skeletons: 2", "animations: 73"])
+                         ["skeletons: 2", "animations: 79"])
         self.assertIn("hu1_wave.anim", text[-1])
         self.assertTrue(text[-1].endswith("a_demo_mod.pack"), text[-1])
 

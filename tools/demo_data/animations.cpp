@@ -77,7 +77,8 @@ bool makeAnimations(const std::function<bool(made_animation made)>& sink)
 {
     return sink(skeletonFile(humanoidRig(), 7)) && sink(skeletonFile(beastRig(), 5)) &&
            makeClips(humanoidRig(), standClips(), sink) && makeClips(humanoidRig(), gaitClips(), sink) &&
-           makeClips(humanoidRig(), combatClips(), sink) && makeClips(beastRig(), beastClips(), sink);
+           makeClips(humanoidRig(), combatClips(), sink) && makeClips(humanoidRig(), rideClips(), sink) &&
+           makeClips(beastRig(), beastClips(), sink);
 }
 
 made_animation olderSkeleton()

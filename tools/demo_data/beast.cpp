@@ -161,6 +161,27 @@ const rig_skeleton& beastRig()
     return instance;
 }
 
+std::span<const bone> beastBones()
+{
+    static const std::vector<bone> bones = [] {
+        std::vector<bone> result;
+        for (const rig_bone& each : beastRig().bones)
+            result.push_back({each.name, each.parent, each.position, -1});
+        const auto addTail = [&result](const bone_row& row, bool is_left) {
+            if (row.tail)
+                result[static_cast<std::size_t>(beastRig().find(sided(row.name, is_left)))].tail =
+                    beastRig().find(sided(row.tail, is_left));
+        };
+        for (const bone_row& row : trunk)
+            addTail(row, true);
+        for (const bool is_left : {true, false})
+            for (const bone_row& row : side)
+                addTail(row, is_left);
+        return result;
+    }();
+    return bones;
+}
+
 rig_pose beastPose(const beast_controls& controls)
 {
     return beast_poser(controls).pose();

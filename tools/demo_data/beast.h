@@ -1,8 +1,9 @@
 #pragma once
 
 // The second demo skeleton, "beast01": a horse of 39 bones, about 1.5 metres high at the withers, that looks along -z.
-// A bone's -z points along it in the rest pose, so its rotations differ from bone to bone. No model is made for it.
+// A bone's -z points along it in the rest pose, so its rotations differ from bone to bone.
 
+#include "tools/demo_data/humanoid_skeleton.h"
 #include "tools/demo_data/motion_keys.h"
 #include "tools/demo_data/rig.h"
 
@@ -10,6 +11,7 @@ namespace korvane::demo
 {
 
 [[nodiscard]] const rig_skeleton& beastRig();
+[[nodiscard]] std::span<const bone> beastBones(); // the same, for building its mesh
 
 struct hoof_controls
 {

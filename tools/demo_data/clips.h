@@ -25,6 +25,7 @@ struct clip
 [[nodiscard]] std::span<const clip> gaitClips();   // walk, run, turn
 [[nodiscard]] std::span<const clip> standClips();  // idle variants, gestures
 [[nodiscard]] std::span<const clip> combatClips(); // attack, defend, hit, die
+[[nodiscard]] std::span<const clip> rideClips();   // on the horse, each as long as one of the beast's
 [[nodiscard]] const clip& moddedWave();            // what the mod has instead of the wave
 // Of the beast.
 [[nodiscard]] std::span<const clip> beastClips();

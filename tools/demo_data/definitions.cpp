@@ -37,6 +37,41 @@ constexpr const char* weapons_text = R"(<?xml version="1.0" encoding="UTF-8"?>
 </VARIANT_MESH>
 )";
 
+constexpr const char* champion_text = R"(<?xml version="1.0" encoding="UTF-8"?>
+<!-- The demo guard with a weapon that has no skeleton: it hangs in the hand. -->
+<VARIANT_MESH>
+  <SLOT name="body">
+    <VARIANT_MESH model="variantmeshes\wh_variantmodels\hu1\demo\demo_guard_body.rigid_model_v2" />
+  </SLOT>
+  <SLOT name="cape" probability="0.5">
+    <VARIANT_MESH model="variantmeshes\wh_variantmodels\hu1\demo\demo_guard_cape.rigid_model_v2" />
+    <VARIANT_MESH />
+  </SLOT>
+  <SLOT name="head" attach_point="head">
+    <VARIANT_MESH model="variantmeshes\wh_variantmodels\hu1\demo\demo_guard_head.rigid_model_v2" />
+  </SLOT>
+  <SLOT name="weapon" attach_point="be_prop_0" probability="1.0">
+    <VARIANT_MESH model="variantmeshes\wh_variantmodels\hu1\demo\demo_loose_sword.rigid_model_v2" />
+    <VARIANT_MESH model="variantmeshes\wh_variantmodels\hu1\demo\demo_loose_mace.rigid_model_v2" />
+  </SLOT>
+  <SLOT name="shield" attach_point="be_prop_1" probability="0.75">
+    <VARIANT_MESH model="variantmeshes\wh_variantmodels\hu1\demo\demo_guard_shield.rigid_model_v2" />
+  </SLOT>
+</VARIANT_MESH>
+)";
+
+constexpr const char* rider_text = R"(<?xml version="1.0" encoding="UTF-8"?>
+<!-- A horse, and the guard on it. -->
+<VARIANT_MESH>
+  <SLOT name="mount">
+    <VARIANT_MESH model="variantmeshes\wh_variantmodels\be1\demo\demo_horse.rigid_model_v2" />
+  </SLOT>
+  <SLOT name="rider" attach_point="rider">
+    <VARIANT_MESH_REFERENCE definition="variantmeshes\variantmeshdefinitions\demo_champion.variantmeshdefinition" />
+  </SLOT>
+</VARIANT_MESH>
+)";
+
 } // namespace
 
 std::span<const definition> definitions()
@@ -44,6 +79,9 @@ std::span<const definition> definitions()
     static const definition all[] = {
         {std::string(guard_definition_path), "definition: the guard put together from several models", guard_text},
         {std::string(weapons_definition_path), "definition: what the guard carries", weapons_text},
+        {std::string(champion_definition_path), "definition: the guard with a hanging weapon, or another",
+         champion_text},
+        {std::string(rider_definition_path), "definition: the guard on the horse", rider_text},
     };
     return all;
 }

@@ -2,9 +2,12 @@
 
 #include "EASY_GUI/services/file_system.h"
 #include "tools/demo_data/animations.h"
+#include "tools/demo_data/beast.h"
 #include "tools/demo_data/definitions.h"
 #include "tools/demo_data/demo_archives.h"
 #include "tools/demo_data/figure.h"
+#include "tools/demo_data/figure_parts.h"
+#include "tools/demo_data/horse.h"
 #include "tools/demo_data/humanoid_skeleton.h"
 #include "tools/demo_data/materials.h"
 #include "tools/demo_data/model_file.h"
@@ -23,6 +26,7 @@ namespace
 {
 
 constexpr const char* figure_folder = "variantmeshes/wh_variantmodels/hu1/demo/";
+constexpr const char* beast_folder = "variantmeshes/wh_variantmodels/be1/demo/";
 constexpr const char* prop_folder = "rigidmodels/demo/";
 constexpr const char* texture_folder = "variantmeshes/wh_variantmodels/hu1/demo/tex/";
 constexpr std::size_t most_vertices = 65535; // indices have 16 bits
@@ -50,13 +54,30 @@ std::vector<model_texture> texturesOf(const std::string& set)
             entry(texture_slot::mask, "_mask.dds")};
 }
 
+std::uint32_t numberOf(int bone)
+{
+    return static_cast<std::uint32_t>(bone);
+}
+
 std::vector<model_attachment> propPoints()
 {
     std::vector<model_attachment> points;
     for (const bone& each : humanoidBones())
         if (each.name.starts_with("be_prop_") || each.name == "head")
-            points.push_back({std::string(each.name), each.position});
+            points.push_back({std::string(each.name), each.position, numberOf(boneIndex(each.name))});
+    for (model_attachment& point : points)
+        if (point.name == "be_prop_0") // what hangs there is held as the hand holds its sword
+        {
+            const weapon_grip grip = handGrip();
+            point.position = grip.hold;
+            point.axes = {cross(grip.up, grip.edge), grip.up, grip.edge};
+        }
     return points;
+}
+
+std::vector<model_attachment> saddlePoints()
+{
+    return {{"rider", saddlePlace(), numberOf(beastRig().find("spine_1"))}};
 }
 
 struct group_style
@@ -95,13 +116,13 @@ void addGroups(model_lod& lod, const figure_part& part, const group_style& style
     }
 }
 
-// build makes the parts of the guard that the model holds.
+// build makes the parts that the model holds.
 template <class build_function>
 model riggedModel(std::uint32_t version, const group_style& style, double density, std::size_t lods,
-                  const build_function& build)
+                  const build_function& build, std::string_view skeleton = skeleton_name,
+                  const std::vector<model_attachment>& points = propPoints())
 {
-    model result{version, std::string(skeleton_name), {}};
-    const auto points = propPoints();
+    model result{version, std::string(skeleton), {}};
     for (std::size_t i = 0; i < lods; ++i)
     {
         model_lod lod{lod_distance[i], {}};
@@ -202,7 +223,11 @@ public:
     {
     }
 
-    bool run() { return figures() && pieces() && props() && definitions() && textures() && animations() && archives(); }
+    bool run()
+    {
+        return figures() && pieces() && mounted() && props() && definitions() && textures() && animations() &&
+               archives();
+    }
 
 private:
     bool add(std::string path, std::string about, std::vector<std::byte> bytes)
@@ -238,6 +263,19 @@ private:
         }
         return addModel(figure_folder, "demo_guard_faulty", "the guard's shield with faults that a check finds",
                         faultyShield(m_density));
+    }
+
+    bool mounted()
+    {
+        const auto loose = [](guard_piece piece) {
+            return [piece](double density) { return buildGuardPiece(piece, density); };
+        };
+        return addModel(figure_folder, "demo_loose_sword", "a sword without a skeleton, to be hung: version 7",
+                        propModel(7, static_style, m_density, loose(guard_piece::loose_sword))) &&
+               addModel(figure_folder, "demo_loose_mace", "a mace without a skeleton, to be hung: version 7",
+                        propModel(7, static_style, m_density, loose(guard_piece::loose_mace))) &&
+               addModel(beast_folder, "demo_horse", "a saddled horse: version 7, 4 weights a vertex, 3 LODs",
+                        riggedModel(7, cinematic_style, m_density, 3, buildHorse, beastRig().name, saddlePoints()));
     }
 
     bool props()

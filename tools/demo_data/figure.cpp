@@ -147,15 +147,26 @@ void addShield(mesh_builder& front, mesh_builder& wood, mesh_builder& steel, mes
                        strap, bones);
 }
 
-void addSword(mesh_builder& blade, mesh_builder& leather, mesh_builder& steel)
+weapon_grip handGrip()
 {
     const body_side& side = rightSide();
-    const auto bones = bonesNamed({"be_prop_0"});
     const vec3 up = normalised(side.at("index_0") - side.at("pinky_0"));
     const vec3 knuckles = mix(side.at("middle_0"), side.at("ring_0"), 0.5);
     const vec3 forward = normalised(knuckles - side.at("hand"));
     const vec3 edge = normalised(forward - up * dot(forward, up)); // the edges look forward and back
-    const vec3 hold = humanoidBones()[static_cast<std::size_t>(boneIndex("be_prop_0"))].position - edge * 0.002;
+    return {humanoidBones()[static_cast<std::size_t>(boneIndex("be_prop_0"))].position - edge * 0.002, up, edge,
+            bonesNamed({"be_prop_0"})};
+}
+
+weapon_grip ownGrip()
+{
+    return {{0, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0}};
+}
+
+void addSword(const weapon_grip& grip, mesh_builder& blade, mesh_builder& leather, mesh_builder& steel)
+{
+    const vec3 up = grip.up, edge = grip.edge, hold = grip.hold;
+    const std::vector<int>& bones = grip.bones;
     const vec3 flat = cross(edge, up);
 
     loft_options options;
@@ -188,6 +199,46 @@ void addSword(mesh_builder& blade, mesh_builder& leather, mesh_builder& steel)
     // A small disc on either side of the guard.
     for (const double side_sign : {1.0, -1.0})
         addBall(steel, hold + up * 0.061 + flat * (side_sign * 0.014), {0.008, 0.008, 0.008}, bones, 8);
+}
+
+// A turned shaft with eight flanges at its head.
+void addMace(const weapon_grip& grip, mesh_builder& wood, mesh_builder& leather, mesh_builder& steel)
+{
+    const std::vector<int>& bones = grip.bones;
+    loft_options options;
+    options.around = 14;
+    options.along = 3;
+    options.back_hint = grip.edge;
+    const auto piece = [&](double height, double radius) { return disc(grip.hold + grip.up * height, radius); };
+    options.v1 = 3;
+    wood.closedLoft({piece(-0.13, 0.0125), piece(0.10, 0.0125), piece(0.42, 0.0115)}, options, bones);
+    options.v1 = 1;
+    leather.closedLoft({piece(-0.075, 0.0150), piece(0, 0.0165), piece(0.070, 0.0150)}, options, bones);
+    options.v1 = 0.07; // the trim of the steel texture
+    steel.closedLoft({piece(-0.150, 0), piece(-0.147, 0.012), piece(-0.135, 0.0185), piece(-0.118, 0.015)}, options,
+                     bones);
+    options.v1 = 0.5;
+    steel.closedLoft({piece(0.36, 0.0155), piece(0.38, 0.0195), piece(0.40, 0.018), piece(0.53, 0.018),
+                      piece(0.55, 0.021), piece(0.565, 0.013), piece(0.595, 0)},
+                     options, bones);
+    const vec3 across = cross(grip.up, grip.edge);
+    for (int i = 0; i < 8; ++i)
+    {
+        const double turn = i / 8.0;
+        const vec3 out = grip.edge * cosineOfTurns(turn) + across * sineOfTurns(turn);
+        const auto flange = [&](double height, double from, double to) {
+            return section{grip.hold + grip.up * height + out * ((from + to) / 2), 0.0028, (to - from) / 2,
+                           (to - from) / 2, 0.6};
+        };
+        loft_options thin = options;
+        thin.around = 8;
+        thin.along = 2;
+        thin.back_hint = out;
+        thin.axis = grip.up;
+        steel.closedLoft({flange(0.402, 0.010, 0.020), flange(0.430, 0.010, 0.045), flange(0.470, 0.010, 0.056),
+                          flange(0.510, 0.010, 0.045), flange(0.532, 0.010, 0.020)},
+                         thin, bones);
+    }
 }
 
 void addSpear(mesh_builder& wood, mesh_builder& blade, mesh_builder& leather, mesh_builder& steel)
@@ -264,9 +315,13 @@ struct guard_meshes
         case guard_piece::shield:
             return addShield(shield, wood, fittings, grips);
         case guard_piece::sword:
-            return addSword(blade, grips, fittings);
+            return addSword(handGrip(), blade, grips, fittings);
         case guard_piece::spear:
             return addSpear(wood, blade, grips, fittings);
+        case guard_piece::loose_sword:
+            return addSword(ownGrip(), blade, grips, fittings);
+        case guard_piece::loose_mace:
+            return addMace(ownGrip(), wood, grips, fittings);
         }
     }
 
@@ -331,8 +386,9 @@ std::vector<figure_part> buildGuardPiece(guard_piece piece, double density)
 {
     guard_meshes meshes(density);
     meshes.add(piece);
-    return piece == guard_piece::spear ? meshes.parts("spear_shaft", "spear_head")
-                                       : meshes.parts("shield_back", "sword_blade");
+    if (piece == guard_piece::spear)
+        return meshes.parts("spear_shaft", "spear_head");
+    return meshes.parts(piece == guard_piece::loose_mace ? "mace_shaft" : "shield_back", "sword_blade");
 }
 
 } // namespace korvane::demo

@@ -30,7 +30,9 @@ enum class guard_piece
     head, // with the helmet
     shield,
     sword,
-    spear
+    spear,
+    loose_sword, // these two hold on no skeleton: the grip is where their space begins, the point is above it
+    loose_mace
 };
 
 [[nodiscard]] std::vector<figure_part> buildGuardPiece(guard_piece piece, double density);

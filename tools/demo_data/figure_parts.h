@@ -44,7 +44,18 @@ void addHand(const body_side& side, mesh_builder& skin);
 void addPauldron(const body_side& side, mesh_builder& steel);
 void addLeg(const body_side& side, mesh_builder& trousers, mesh_builder& leather, mesh_builder& steel);
 void addShield(mesh_builder& front, mesh_builder& wood, mesh_builder& steel, mesh_builder& leather);
-void addSword(mesh_builder& blade, mesh_builder& leather, mesh_builder& steel);
+
+// Where a weapon is held, and what moves it.
+struct weapon_grip
+{
+    vec3 hold;
+    vec3 up, edge; // towards the point; towards the edge that strikes, across it
+    std::vector<int> bones;
+};
+[[nodiscard]] weapon_grip handGrip(); // in the guard's right hand
+[[nodiscard]] weapon_grip ownGrip();  // of a weapon without a skeleton: it is held where its space begins
+void addSword(const weapon_grip& grip, mesh_builder& blade, mesh_builder& leather, mesh_builder& steel);
+void addMace(const weapon_grip& grip, mesh_builder& wood, mesh_builder& leather, mesh_builder& steel);
 void addSpear(mesh_builder& wood, mesh_builder& blade, mesh_builder& leather, mesh_builder& steel);
 
 } // namespace korvane::demo

@@ -158,10 +158,11 @@ int boneIndex(std::string_view name)
     return index;
 }
 
-double squaredDistanceToBone(const bone& from, vec3 point)
+double squaredDistanceToBone(std::span<const bone> bones, int index, vec3 point)
 {
+    const bone& from = bones[static_cast<std::size_t>(index)];
     const vec3 begin = from.position;
-    const vec3 axis = from.tail < 0 ? vec3{} : humanoidBones()[static_cast<std::size_t>(from.tail)].position - begin;
+    const vec3 axis = from.tail < 0 ? vec3{} : bones[static_cast<std::size_t>(from.tail)].position - begin;
     const double size = dot(axis, axis);
     const double along = size > 0 ? clamp01(dot(point - begin, axis) / size) : 0;
     const vec3 difference = point - (begin + axis * along);

@@ -27,7 +27,7 @@ inline constexpr std::string_view skeleton_name = "humanoid01";
 [[nodiscard]] std::span<const bone> humanoidBones();
 [[nodiscard]] int boneIndex(std::string_view name); // of a bone that exists
 
-// Square of the distance from a point to the line from the bone's position to its tail.
-[[nodiscard]] double squaredDistanceToBone(const bone& from, vec3 point);
+// Square of the distance from a point to the line from the position of one of the bones to its tail.
+[[nodiscard]] double squaredDistanceToBone(std::span<const bone> bones, int index, vec3 point);
 
 } // namespace korvane::demo

@@ -66,6 +66,8 @@ std::span<const material> materials()
         {"demo_wood", 256, bc1_srgb, bc5, bc1, paintWood},
         {"demo_stone", 512, bc1_srgb, bc3, bc1, paintStone},
         {"demo_grass", 256, bc3, bc3, bc1, paintGrass},
+        {"beast_coat", 512, bc1_srgb, bc3, bc1, paintCoat},
+        {"beast_hair", 256, bc1_srgb, bc3, bc1, paintHair},
     };
     return all;
 }

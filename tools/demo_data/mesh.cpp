@@ -1,7 +1,5 @@
 #include "tools/demo_data/mesh.h"
 
-#include "tools/demo_data/humanoid_skeleton.h"
-
 #include <cassert>
 #include <utility>
 
@@ -17,14 +15,13 @@ struct influence
     double strength = 0;
 };
 
-void bind(mesh_vertex& vertex, bone_choice bones)
+void bind(mesh_vertex& vertex, bone_choice bones, std::span<const bone> skeleton)
 {
     std::vector<influence> found;
     double total = 0;
     for (const int bone : bones)
     {
-        const double near =
-            1.0 / (squaredDistanceToBone(humanoidBones()[static_cast<std::size_t>(bone)], vertex.position) + 1e-5);
+        const double near = 1.0 / (squaredDistanceToBone(skeleton, bone, vertex.position) + 1e-5);
         found.push_back({bone, bones.size() == 1 ? 1.0 : near * near * near});
     }
     std::stable_sort(found.begin(), found.end(),
@@ -263,7 +260,7 @@ void mesh_builder::add(const grid& surface, std::vector<vec3> normals, bool flip
         vertex.position = surface.points[i];
         vertex.normal = flip ? normals[i] * -1.0 : normals[i];
         vertex.uv = surface.uvs[i];
-        bind(vertex, bones);
+        bind(vertex, bones, m_skeleton);
     }
     const auto addTriangle = [&](std::size_t a, std::size_t b, std::size_t c) {
         const vec3 normal = cross(surface.points[b] - surface.points[a], surface.points[c] - surface.points[a]);

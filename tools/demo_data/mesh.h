@@ -4,7 +4,7 @@
 // lofting outlines along a path, turned into a closed shell where an edge would be open. Space as in
 // humanoid_skeleton.h. Triangles are ordered so that cross(b - a, c - a) points outwards.
 
-#include "tools/demo_data/demo_math.h"
+#include "tools/demo_data/humanoid_skeleton.h"
 
 #include <array>
 #include <cstdint>
@@ -20,7 +20,7 @@ struct mesh_vertex
 {
     vec3 position, normal, tangent, bitangent;         // unit vectors; tangent along u, bitangent along v
     vec2 uv;                                           // v grows downwards in the image
-    std::array<std::uint8_t, 4> bones{};               // of humanoid_skeleton.h, the strongest first
+    std::array<std::uint8_t, 4> bones{};               // of the builder's skeleton, the strongest first
     std::array<std::uint8_t, 4> weights{255, 0, 0, 0}; // sum 255
 };
 
@@ -76,7 +76,12 @@ struct loft_options
 class mesh_builder
 {
 public:
-    explicit mesh_builder(double density) : m_density(density) {}
+    // The bones to which it is rigged outlive it.
+    explicit mesh_builder(double density, std::span<const bone> skeleton = humanoidBones())
+        : m_skeleton(skeleton)
+        , m_density(density)
+    {
+    }
 
     double density() const { return m_density; }
     mesh take() { return std::move(m_mesh); }
@@ -96,6 +101,7 @@ public:
 private:
     void add(const grid& surface, std::vector<vec3> normals, bool flip, bone_choice bones);
 
+    std::span<const bone> m_skeleton;
     mesh m_mesh;
     double m_density;
 };

@@ -168,7 +168,7 @@ private:
         m_out.zeros(2 + 252 + 4);
         writeVector(group.pivot);
         for (int matrix = 0; matrix < 3; ++matrix)
-            writeMatrix({});
+            writeMatrix({}, {vec3{1, 0, 0}, vec3{0, 1, 0}, vec3{0, 0, 1}});
         m_out.u32(0xFFFFFFFFu);
         m_out.u32(0);
         m_out.u32(static_cast<std::uint32_t>(group.attachments.size()));
@@ -180,12 +180,11 @@ private:
 
     void writeAttachments(const model_group& group)
     {
-        std::uint32_t index = 0;
         for (const model_attachment& attachment : group.attachments)
         {
             writeText(attachment.name, 32);
-            writeMatrix({0 - attachment.position.x, attachment.position.y, attachment.position.z});
-            m_out.u32(index++);
+            writeMatrix(attachment.position, attachment.axes);
+            m_out.u32(attachment.bone);
         }
     }
 
@@ -210,12 +209,15 @@ private:
             m_out.f32(static_cast<float>(component));
     }
 
-    void writeMatrix(vec3 offset)
+    // In the file's axes, which are mirrored in x.
+    void writeMatrix(vec3 offset, const std::array<vec3, 3>& axes)
     {
-        const double rows[3][4] = {{1, 0, 0, offset.x}, {0, 1, 0, offset.y}, {0, 0, 1, offset.z}};
+        const auto& [x, y, z] = axes;
+        const double rows[3][4] = {
+            {x.x, -y.x, -z.x, -offset.x}, {-x.y, y.y, z.y, offset.y}, {-x.z, y.z, z.z, offset.z}};
         for (const auto& row : rows)
             for (const double value : row)
-                m_out.f32(static_cast<float>(value));
+                m_out.f32(static_cast<float>(value + 0)); // no negative zero
     }
 
     void half(double value) { m_out.u16(halfBits(value)); }

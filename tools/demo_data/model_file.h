@@ -5,6 +5,7 @@
 
 #include "tools/demo_data/mesh.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -13,10 +14,12 @@
 namespace korvane::demo
 {
 
-struct model_attachment
+struct model_attachment // in the decoded model's space, in the rest pose
 {
     std::string name;
-    vec3 position; // in the decoded model's space
+    vec3 position;
+    std::uint32_t bone = 0;
+    std::array<vec3, 3> axes{vec3{1, 0, 0}, vec3{0, 1, 0}, vec3{0, 0, 1}}; // of what is fixed there
 };
 
 struct model_texture

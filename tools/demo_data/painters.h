@@ -21,5 +21,7 @@ surface paintBanner(double u, double v, std::uint32_t seed);
 surface paintWood(double u, double v, std::uint32_t seed);
 surface paintStone(double u, double v, std::uint32_t seed);
 surface paintGrass(double u, double v, std::uint32_t seed);
+surface paintCoat(double u, double v, std::uint32_t seed);
+surface paintHair(double u, double v, std::uint32_t seed);
 
 } // namespace korvane::demo

@@ -140,4 +140,29 @@ surface paintGrass(double u, double v, std::uint32_t seed)
     return s;
 }
 
+// A bay horse: short hair that lies along v, darker in broad clouds.
+surface paintCoat(double u, double v, std::uint32_t seed)
+{
+    const double cloud = cloudy(u, v, 3, 3, 4, seed + 1), hair = noise(u, v, 128, 24, seed + 2);
+    const double fine = cloudy(u, v, 64, 16, 2, seed + 3);
+    surface s;
+    s.colour = mix(vec3{0.30, 0.155, 0.075}, {0.43, 0.245, 0.125}, cloud) * (0.82 + 0.22 * hair + 0.12 * fine);
+    s.specular = {0.15, 0.13, 0.11};
+    s.gloss = 0.40 + 0.14 * (hair - 0.5);
+    s.height = 0.0016 * hair + 0.0008 * fine;
+    return s;
+}
+
+// Mane and tail: long strands along v.
+surface paintHair(double u, double v, std::uint32_t seed)
+{
+    const double strand = noise(u, v, 48, 3, seed + 1), fine = noise(u, v, 192, 6, seed + 2);
+    surface s;
+    s.colour = mix(vec3{0.045, 0.035, 0.03}, {0.16, 0.115, 0.085}, strand) * (0.7 + 0.6 * fine);
+    s.specular = {0.16, 0.15, 0.14};
+    s.gloss = 0.38 + 0.2 * strand;
+    s.height = 0.008 * strand + 0.003 * fine;
+    return s;
+}
+
 } // namespace korvane::demo

@@ -67,7 +67,7 @@ vec3 rig::position(int bone) const
 void rig::turnInWorld(int bone, const quaternion& rotation)
 {
     const int above = parent(bone);
-    turn(bone, above < 0 ? rotation : normalised(inverse(worldTurn(above)) * rotation));
+    turn(bone, above < 0 ? rotation : normalisedTurn(inverse(worldTurn(above)) * rotation));
 }
 
 vec3 rig::restPole(int upper, int lower, int end) const
@@ -109,7 +109,7 @@ rig_pose rig::pose() const
             each.parent < 0 ? quaternion{} : inverse(m_skeleton.bones[static_cast<std::size_t>(each.parent)].rotation);
         const vec3 from = each.parent < 0 ? vec3{} : restPosition(each.parent);
         result.push_back(
-            {rotated(back, each.position - from + m_offsets[i]), normalised(back * m_turns[i] * each.rotation)});
+            {rotated(back, each.position - from + m_offsets[i]), normalisedTurn(back * m_turns[i] * each.rotation)});
     }
     return result;
 }

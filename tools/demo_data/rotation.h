@@ -29,7 +29,7 @@ constexpr vec3 rotated(const quaternion& q, vec3 v)
     const vec3 t = cross(axis, v) * 2;
     return v + t * q.w + cross(axis, t);
 }
-inline quaternion normalised(const quaternion& q)
+inline quaternion normalisedTurn(const quaternion& q)
 {
     const double size = std::sqrt(q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w);
     return size > 1e-12 ? quaternion{q.x / size, q.y / size, q.z / size, q.w / size} : quaternion{};
@@ -46,13 +46,13 @@ inline quaternion turnBetween(vec3 from, vec3 to, vec3 otherwise)
     if (w < 1e-9)
         return {otherwise.x, otherwise.y, otherwise.z, 0};
     const vec3 axis = cross(from, to);
-    return normalised({axis.x, axis.y, axis.z, w});
+    return normalisedTurn({axis.x, axis.y, axis.z, w});
 }
 // Takes a direction and one across it to another such pair; all of unit length.
 inline quaternion turnOfFrame(vec3 along, vec3 across, vec3 new_along, vec3 new_across)
 {
     const quaternion first = turnBetween(along, new_along, across);
-    return normalised(turnBetween(rotated(first, across), new_across, new_along) * first);
+    return normalisedTurn(turnBetween(rotated(first, across), new_across, new_along) * first);
 }
 
 // Degrees as seen by a figure that looks along -z with its left at +x: x leans forward, y turns to the left, z leans to
@@ -66,9 +66,9 @@ inline quaternion halfTwist(const quaternion& q, vec3 unit_axis)
 {
     const double along = q.x * unit_axis.x + q.y * unit_axis.y + q.z * unit_axis.z;
     const double sign = q.w < 0 ? -1 : 1;
-    const quaternion twist =
-        normalised({unit_axis.x * along * sign, unit_axis.y * along * sign, unit_axis.z * along * sign, q.w * sign});
-    return normalised({twist.x, twist.y, twist.z, twist.w + 1});
+    const quaternion twist = normalisedTurn(
+        {unit_axis.x * along * sign, unit_axis.y * along * sign, unit_axis.z * along * sign, q.w * sign});
+    return normalisedTurn({twist.x, twist.y, twist.z, twist.w + 1});
 }
 
 } // namespace korvane::demo
