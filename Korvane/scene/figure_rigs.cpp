@@ -97,7 +97,7 @@ int figure_rigs::findRig(int company, const std::string& id) const
 {
     for (; company >= 0; company = at(company).outer)
         for (const int number : at(company).rigs)
-            if (rig(number).id == id)
+            if (equalsIgnoringCase(rig(number).id, id)) // the same file
                 return number;
     return -1;
 }
