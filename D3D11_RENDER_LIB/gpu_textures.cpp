@@ -1,7 +1,7 @@
 #include "D3D11_RENDER_LIB/gpu_textures.h"
 
-#include "DDSTextureLoader/dds_texture.h"
-#include "Korvane/textures/dds_unpacker.h"
+#include <algorithm>
+#include <array>
 
 namespace korvane
 {
@@ -9,54 +9,148 @@ namespace korvane
 namespace
 {
 
-// In software each look at a block unpacks it again: BC7 and BC6H cost ten times what plain texels do. Formats that
-// no device has, and sizes that it refuses for blocks, are converted, too.
-bool mustUnpack(const lib3d& library, const dds_image& image)
+constexpr char source_name[] = "sub_mesh";
+constexpr std::size_t portion_bytes = std::size_t{2} << 20; // a millisecond or two
+
+// 8 x 8 squares over the whole texture, so that it shows at any size.
+bool createCheckerboard(lib3d& library, texture_view& view)
 {
-    const bool is_block = isBlockCompressed(image.format);
-    return image.format == dds_format::unknown || (is_block && library.isSoftware()) ||
-           (is_block && (image.width % 4 != 0 || image.height % 4 != 0));
+    constexpr std::uint32_t size = 64, square = 8;
+    std::array<std::uint32_t, std::size_t{size} * size> pixels;
+    for (std::uint32_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = ((i / size / square + i % size / square) & 1) != 0 ? 0xffff00ff : 0xff101010;
+    dds_image image;
+    image.format = dds_format::rgba8_srgb;
+    image.width = image.height = size;
+    image.mip_count = image.array_size = 1;
+    image.subresources = {{std::as_bytes(std::span(pixels)), size, size, size * 4, size}};
+    failure why;
+    if (!createDdsTexture(library.device(), image, view, why))
+        return !library.isLost(); // an empty place is all that is left to show
+    return library.isMade(S_OK, view, "checkerboard", source_name);
 }
 
 } // namespace
 
-bool gpu_textures::find(lib3d& library, const std::shared_ptr<const scene_texture>& texture, texture_view& view)
+std::shared_ptr<const gpu_texture> gpu_textures::find(const std::shared_ptr<const scene_texture>& texture)
 {
     if (!texture)
-        return true;
-    if (const auto known = m_views.find(texture); known != m_views.end())
+        return nullptr;
+    if (const auto known = m_entries.find(texture); known != m_entries.end())
+        return known->second.shown;
+    entry made;
+    if (m_po_former != nullptr)
     {
-        view = known->second;
-        return true;
+        const auto& former = m_po_former->m_entries;
+        if (const auto same = former.find(texture); same != former.end())
+            made = same->second;
+        else if (const auto named = std::find_if(
+                     former.begin(), former.end(),
+                     [&](const auto& one) { return one.first->path() == texture->path() && one.second.is_there; });
+                 named != former.end())
+            made.shown = std::make_shared<gpu_texture>(*named->second.shown);
     }
-    if (m_po_former != nullptr && m_po_former->m_views.contains(texture))
-        view = m_po_former->m_views.at(texture);
-    else if (!create(library, *texture, view))
-        return false;
-    m_views.emplace(texture, view);
+    if (!made.shown)
+        made.shown = std::make_shared<gpu_texture>();
+    m_order.push_back(texture);
+    return m_entries.emplace(texture, std::move(made)).first->second.shown;
+}
+
+void gpu_textures::load(const lib3d& library)
+{
+    std::vector<std::shared_ptr<const scene_texture>> wanted;
+    std::copy_if(m_order.begin(), m_order.end(), std::back_inserter(wanted),
+                 [this](const auto& texture) { return !m_entries.at(texture).is_there; });
+    m_reading.request(std::move(wanted), library.isSoftware());
+}
+
+bool gpu_textures::goOn(lib3d& library, std::chrono::milliseconds patience)
+{
+    const auto end = std::chrono::steady_clock::now() + patience;
+    do
+    {
+        if (!takeOver(library, false))
+            return false;
+    } while (m_po_current && std::chrono::steady_clock::now() < end);
     return true;
 }
 
-bool gpu_textures::create(lib3d& library, const scene_texture& texture, texture_view& view) const
+bool gpu_textures::finish(lib3d& library)
 {
-    failure why;
-    dds_image image;
-    const std::shared_ptr<const memory_file> file = texture.bytes(why);
-    unpacked_dds unpacked;
-    if (!file || !readDds(file->bytes(), image, why) ||
-        (mustUnpack(library, image) && !unpackDds(image, unpacked, why)) ||
-        !createDdsTexture(library.device(), unpacked.bytes ? unpacked.image : image, view, why))
+    do
     {
-        if (library.isLost())
+        if (!takeOver(library, true))
             return false;
-        why.path = texture.path();
-        if (m_log)
-            m_log(describe(why));
-    }
-    else if (!library.isMade(S_OK, view, texture.path().c_str(), "sub_mesh"))
-        return false;
-    texture.letGo();
+    } while (m_po_current);
     return true;
+}
+
+// One portion. Afterwards there is a current texture unless none is ready.
+bool gpu_textures::takeOver(lib3d& library, bool waits)
+{
+    if (!m_po_current)
+    {
+        m_po_current = waits ? m_reading.wait() : m_reading.take();
+        return !m_po_current || begin(library);
+    }
+    if (m_upload.view())
+    {
+        if (m_upload.goOn(library.context(), portion_bytes))
+            end(m_upload.view());
+        else
+            return true;
+    }
+    m_po_current = waits ? m_reading.wait() : m_reading.take();
+    return !m_po_current || begin(library);
+}
+
+bool gpu_textures::begin(lib3d& library)
+{
+    m_upload = dds_upload();
+    read_texture& read = *m_po_current;
+    if (!m_entries.contains(read.texture)) // of a former scene
+        return true;
+    std::size_t bytes = 0;
+    for (const dds_subresource& part : read.image.subresources)
+        bytes += part.bytes.size();
+    if (read.why)
+        return giveUp(library);
+    texture_view view;
+    const bool is_made = bytes > portion_bytes ? m_upload.begin(library.device(), read.image, read.why)
+                                               : createDdsTexture(library.device(), read.image, view, read.why);
+    if (!is_made)
+        return giveUp(library);
+    const texture_view& made = m_upload.view() ? m_upload.view() : view;
+    if (!library.isMade(S_OK, made, read.texture->path().c_str(), source_name))
+        return false;
+    if (view)
+        end(view);
+    return true;
+}
+
+bool gpu_textures::giveUp(lib3d& library)
+{
+    if (library.isLost())
+        return false;
+    failure& why = m_po_current->why;
+    why.path = m_po_current->texture->path();
+    tell(m_log, describe(why) + "; a checkerboard is in its place");
+    if (!m_checkerboard && !createCheckerboard(library, m_checkerboard))
+        return false;
+    end(m_checkerboard);
+    return true;
+}
+
+void gpu_textures::end(const texture_view& view)
+{
+    entry& known = m_entries.at(m_po_current->texture);
+    D3D11_SHADER_RESOURCE_VIEW_DESC description{};
+    if (view)
+        view->GetDesc(&description);
+    known.shown->view = view;
+    known.shown->is_srgb = isSrgb(static_cast<dds_format>(description.Format));
+    known.is_there = true;
+    m_po_current->texture->letGo();
 }
 
 } // namespace korvane

@@ -1,7 +1,6 @@
 #include "D3D11_RENDER_LIB/sub_mesh.h"
 
 #include "D3D11_RENDER_LIB/gpu_mesh.h"
-#include "DDSTextureLoader/dds_image.h"
 
 #include <algorithm>
 
@@ -14,13 +13,14 @@ namespace
 constexpr char source_name[] = "sub_mesh";
 constexpr UINT first_register = 6; // t6
 
-bool hasSrgbView(const texture_view& view)
+ID3D11ShaderResourceView* viewOf(const std::shared_ptr<const gpu_texture>& texture)
 {
-    if (!view)
-        return false;
-    D3D11_SHADER_RESOURCE_VIEW_DESC description{};
-    view->GetDesc(&description);
-    return isSrgb(static_cast<dds_format>(description.Format));
+    return texture ? texture->view.get() : nullptr;
+}
+
+bool decodesSrgb(const std::shared_ptr<const gpu_texture>& texture)
+{
+    return texture && texture->is_srgb;
 }
 
 } // namespace
@@ -32,11 +32,8 @@ bool sub_mesh::create(lib3d& library, const scene_group& group, int bone, const 
     m_is_skinned = bone >= 0 || group.has_weights;
     if (!createBuffers(library, group, bone))
         return false;
-    for (std::size_t slot = 0; slot < texture_slot_count; ++slot)
-        if (!views.find(library, textures[slot], m_views[slot]))
-            return false;
-    m_is_diffuse_srgb = hasSrgbView(m_views[diffuse_slot]);
-    m_is_specular_srgb = hasSrgbView(m_views[specular_slot]);
+    std::transform(textures.begin(), textures.end(), m_textures.begin(),
+                   [&views](const auto& texture) { return views.find(texture); });
     return true;
 }
 
@@ -58,7 +55,7 @@ int sub_mesh::boundSlots() const
 {
     int slots = 0;
     for (std::size_t slot = 0; slot < texture_slot_count; ++slot)
-        slots |= m_views[slot] ? 1 << slot : 0;
+        slots |= viewOf(m_textures[slot]) ? 1 << slot : 0;
     return slots;
 }
 
@@ -67,8 +64,8 @@ void sub_mesh::draw(lib3d& library, frame_constants& constants) const
     if (m_index_count == 0)
         return;
     constants.ps.has_alpha = m_has_alpha ? 1 : 0;
-    constants.ps.is_diffuse_linear = m_is_diffuse_srgb ? 0 : 1;
-    constants.ps.is_specular_linear = m_is_specular_srgb ? 0 : 1;
+    constants.ps.is_diffuse_linear = decodesSrgb(m_textures[diffuse_slot]) ? 0 : 1;
+    constants.ps.is_specular_linear = decodesSrgb(m_textures[specular_slot]) ? 0 : 1;
     constants.ps.debug_flags[2] = boundSlots();
     library.uploadConstants(constants.vs, constants.ps);
     library.useModelShaders(constants.pass, m_raster);
@@ -80,7 +77,7 @@ void sub_mesh::draw(lib3d& library, frame_constants& constants) const
     context.IASetVertexBuffers(0, 1, &vertices, &stride, &offset);
     context.IASetIndexBuffer(m_index_buffer.get(), DXGI_FORMAT_R16_UINT, 0);
     std::array<ID3D11ShaderResourceView*, texture_slot_count> views{};
-    std::transform(m_views.begin(), m_views.end(), views.begin(), [](const texture_view& view) { return view.get(); });
+    std::transform(m_textures.begin(), m_textures.end(), views.begin(), viewOf);
     context.PSSetShaderResources(first_register, texture_slot_count, views.data());
     context.DrawIndexed(m_index_count, 0, 0);
 }

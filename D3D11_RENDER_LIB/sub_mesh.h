@@ -7,6 +7,7 @@
 #include "Korvane/scene/loaded_scene.h"
 
 #include <array>
+#include <memory>
 
 namespace korvane
 {
@@ -32,12 +33,10 @@ private:
     com_ptr<ID3D11Buffer> m_vertex_buffer;
     com_ptr<ID3D11Buffer> m_index_buffer;
     UINT m_index_count = 0;
-    std::array<texture_view, texture_slot_count> m_views;
+    std::array<std::shared_ptr<const gpu_texture>, texture_slot_count> m_textures; // null: the group has none
     raster_mode m_raster = raster_mode::front_faces;
     bool m_has_alpha = false;
     bool m_is_skinned = false;
-    bool m_is_diffuse_srgb = false;
-    bool m_is_specular_srgb = false;
 };
 
 } // namespace korvane

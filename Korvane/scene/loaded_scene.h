@@ -66,7 +66,7 @@ struct scene_model
     std::shared_ptr<const RMV2_FILE_DATA> data; // owns the vertex stores; edits change the rest of it
 };
 
-// Null: the group has no texture there, or it was not found, or is damaged.
+// Null: the group has no texture there, or it was not found. Whether one can be read is known by who reads it.
 using group_textures = std::array<std::shared_ptr<const scene_texture>, texture_slot_count>;
 
 // A skeleton, and what it hangs on itself. Parts refer to it by its index in the scene.
@@ -117,6 +117,7 @@ struct loaded_scene
     std::size_t failed = 0;                    // models that are not among the parts
     std::vector<std::string> problems;         // what was missing or damaged, a line each, as the log has them
     std::vector<std::string> missing_textures; // that were looked for and are nowhere; internal paths
+    texture_finder find_texture;               // null: looked for by reading
     texture_reader read_texture;               // kept for another level of detail and for a new device
 };
 

@@ -1,6 +1,5 @@
 #include "Korvane/scene/scene_loader.h"
 
-#include "DDSTextureLoader/dds_image.h"
 #include "Korvane/models/rmv2_file.h"
 #include "Korvane/scene/figure_rigs.h"
 #include "Korvane/scene/scene_rigs.h"
@@ -64,6 +63,33 @@ texture_reader readerAround(const game_data& game, const std::string& path)
     };
 }
 
+texture_finder finderAround(const game_data& game, const std::string& path)
+{
+    return [game, around = game_path(path)](const std::string& internal_path, file_place& place) {
+        const game_file found = game.findAround(internal_path, around);
+        if (found)
+            place = file_place::of(found);
+        return static_cast<bool>(found);
+    };
+}
+
+// Not read yet, so that the model is shown at once; but where only reading tells whether it is there. Null: it is not.
+std::shared_ptr<const scene_texture> findTexture(const loaded_scene& scene, const std::string& path)
+{
+    file_place place;
+    if (scene.find_texture)
+        return scene.find_texture(path, place)
+                   ? std::make_shared<const scene_texture>(path, scene.read_texture, std::move(place))
+                   : nullptr;
+    memory_file bytes;
+    failure why;
+    if (scene.read_texture(path, bytes, place, why))
+        return std::make_shared<const scene_texture>(path, scene.read_texture, std::move(bytes), std::move(place));
+    return why.kind == failure_kind::not_found
+               ? nullptr
+               : std::make_shared<const scene_texture>(path, scene.read_texture, std::move(place));
+}
+
 } // namespace
 
 std::shared_ptr<const scene_model> sceneModel(std::shared_ptr<const RMV2_FILE_DATA> data, const std::string& path)
@@ -94,6 +120,8 @@ loaded_scene scene_loader::begin(const std::string& path) const
     loaded_scene scene;
     scene.path = path;
     scene.read_texture = m_reader ? m_reader : readerAround(m_game, path);
+    if (!m_reader)
+        scene.find_texture = finderAround(m_game, path);
     return scene;
 }
 
@@ -178,6 +206,7 @@ loaded_scene scene_loader::beginFrom(const loaded_scene& former)
     takeOver(former);
     loaded_scene scene;
     scene.path = former.path;
+    scene.find_texture = former.find_texture;
     scene.read_texture = former.read_texture;
     scene.failed = former.failed;
     scene.rigs = former.rigs;
@@ -292,7 +321,7 @@ void scene_loader::loadTextures(loaded_scene& scene, scene_part& part)
         }
 }
 
-// False: there is no such file. A damaged one is found and leaves the slot empty.
+// False: there is no such file. A damaged one is found.
 bool scene_loader::loadTexture(loaded_scene& scene, const std::string& path,
                                std::shared_ptr<const scene_texture>& texture)
 {
@@ -305,27 +334,12 @@ bool scene_loader::loadTexture(loaded_scene& scene, const std::string& path,
         texture = known->texture;
         return true;
     }
-    memory_file bytes;
-    file_place place;
-    failure why;
-    if (!scene.read_texture(path, bytes, place, why))
-    {
-        if (why.kind == failure_kind::not_found)
-            scene.missing_textures.push_back(path);
-        else
-            report(scene, describe(why));
-        return false;
-    }
-    dds_image image; // only looked at: whoever draws reads the bytes once more
-    if (readDds(bytes.bytes(), image, why))
-        texture = std::make_shared<const scene_texture>(path, scene.read_texture, std::move(bytes), std::move(place));
+    texture = findTexture(scene, path);
+    if (texture)
+        m_known.push_back({path, texture});
     else
-    {
-        why.path = path;
-        report(scene, describe(why));
-    }
-    m_known.push_back({path, texture});
-    return true;
+        scene.missing_textures.push_back(path);
+    return texture != nullptr;
 }
 
 } // namespace korvane

@@ -67,7 +67,7 @@ private:
     [[nodiscard]] bool loadTexture(loaded_scene& scene, const std::string& path,
                                    std::shared_ptr<const scene_texture>& texture);
 
-    // Textures of the scene that is being loaded, by internal path; null for one that is damaged.
+    // Textures of the scene that is being loaded, by internal path.
     struct known_texture
     {
         std::string path;

@@ -13,6 +13,13 @@ scene_texture::scene_texture(std::string path, texture_reader reader, memory_fil
 {
 }
 
+scene_texture::scene_texture(std::string path, texture_reader reader, file_place place)
+    : m_path(std::move(path))
+    , m_reader(std::move(reader))
+    , m_place(std::move(place))
+{
+}
+
 std::shared_ptr<const memory_file> scene_texture::bytes(failure& why) const
 {
     {

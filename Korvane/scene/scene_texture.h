@@ -1,7 +1,7 @@
 #pragma once
 
-// One texture of a scene. Its bytes are held until a device has them; afterwards only where they came from, and a new
-// device reads them again. To whoever asks it is one unchanging value, from any thread.
+// One texture of a scene: where it comes from, and its bytes where they were read already, until a device has them. A
+// new device reads them again. To whoever asks it is one unchanging value, from any thread.
 
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/memory_file.h"
@@ -21,10 +21,14 @@ namespace korvane
 using texture_reader =
     std::function<bool(const std::string& internal_path, memory_file& bytes, file_place& place, failure& why)>;
 
+// Where a texture lies, without reading it; false: there is no such file. Called as a reader is.
+using texture_finder = std::function<bool(const std::string& internal_path, file_place& place)>;
+
 class scene_texture
 {
 public:
     scene_texture(std::string path, texture_reader reader, memory_file bytes, file_place place);
+    scene_texture(std::string path, texture_reader reader, file_place place); // to be read by whoever needs it
 
     const std::string& path() const { return m_path; }  // internal, as the model names it
     const file_place& place() const { return m_place; } // before its bytes were read for the first time

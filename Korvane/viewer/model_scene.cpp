@@ -3,6 +3,7 @@
 #include "Korvane/viewer/view_overlay.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 namespace korvane
@@ -10,6 +11,8 @@ namespace korvane
 
 namespace
 {
+
+constexpr std::chrono::milliseconds textures_of_frame{8}; // what they may take of it
 
 // A square grid of about four times the model's extent in steps of a power of ten, at the height of its feet.
 std::vector<gpu_line_vertex> floorGrid(const model_bounds& bounds)
@@ -84,11 +87,12 @@ bool model_scene::create(lib3d& library, scene_pointer scene)
     m_po_floor.reset();
     m_po_bounds.reset();
     m_po_pose.reset();
-    auto textures = std::make_unique<gpu_textures>(m_log, m_po_textures.get());
+    auto textures = std::make_unique<gpu_textures>(m_log, m_reading, m_po_textures.get());
     auto figure = std::make_unique<render_variant>();
     if (!figure->create(library, *shown, *textures) || !createFloor(library, shown->bounds))
         return false;
     textures->forgetFormer();
+    textures->load(library);
     m_po_textures = std::move(textures);
     m_po_figure = std::move(figure);
     m_po_pose = std::make_unique<posed_scene>(shown);
@@ -133,6 +137,16 @@ void model_scene::release()
     m_po_pose.reset();
     m_po_overlay_text.reset();
     m_po_overlay.reset();
+}
+
+bool model_scene::loadTextures(lib3d& library)
+{
+    return !m_po_textures || m_po_textures->goOn(library, textures_of_frame);
+}
+
+bool model_scene::finishTextures(lib3d& library)
+{
+    return !m_po_textures || m_po_textures->finish(library);
 }
 
 void model_scene::takePoses()

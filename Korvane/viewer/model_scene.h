@@ -14,6 +14,7 @@
 #include "Korvane/viewer/posed_scene.h"
 #include "Korvane/viewer/view_state.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -23,12 +24,22 @@ namespace korvane
 class model_scene
 {
 public:
-    explicit model_scene(log_port log = {}) : m_log(std::move(log)) {}
+    // has_textures is called by another thread when a texture was read: another frame is to be drawn then.
+    explicit model_scene(log_port log = {}, std::function<void()> has_textures = {})
+        : m_log(std::move(log))
+        , m_reading(std::move(has_textures))
+    {
+    }
 
     // Makes the scene's objects in place of what was shown, or of nothing for null; the bind pose is shown. False when
     // the device was lost: what is left is to be released.
     [[nodiscard]] bool create(lib3d& library, scene_pointer scene);
     void release();
+    // The scene is drawn at once; its textures come to it by this, for a few milliseconds before each frame. False when
+    // the device was lost.
+    [[nodiscard]] bool loadTextures(lib3d& library);
+    bool hasMoreTextures() const { return m_po_textures && m_po_textures->hasMore(); } // the next frame takes some
+    [[nodiscard]] bool finishTextures(lib3d& library);                                 // waits for all of them
     // The font for what is written over the picture; without it nothing is. False when the device was lost.
     [[nodiscard]] bool createOverlay(lib3d& library, unsigned dpi);
 
@@ -47,6 +58,7 @@ private:
     void drawOverlay(lib3d& library, const scene_targets& targets, const view_state& view);
 
     log_port m_log;
+    texture_reading m_reading;
     std::unique_ptr<gpu_textures> m_po_textures;
     std::unique_ptr<render_variant> m_po_figure; // null: nothing is shown
     std::unique_ptr<d3d_drawable_geometry> m_po_floor;

@@ -25,7 +25,7 @@ bool drawPictures(lib3d& library, const scene_pointer& scene, const render_optio
     model_scene drawn(options.log);
     scene_targets targets;
     picture_target picture;
-    if (!library.createAll() || !drawn.create(library, scene) ||
+    if (!library.createAll() || !drawn.create(library, scene) || !drawn.finishTextures(library) ||
         !targets.create(library, options.width, options.height) ||
         !picture.create(library, options.width, options.height))
         return false;

@@ -34,7 +34,7 @@ render_worker::render_worker(log_port log, std::function<void()> has_news)
     : m_log(std::move(log))
     , m_has_news(std::move(has_news))
     , m_library(&m_faults)
-    , m_scene([this](const std::string& line) { report(line); })
+    , m_scene([this](const std::string& line) { report(line); }, [this] { m_pacer.redraw(); })
 {
 }
 
@@ -209,8 +209,10 @@ bool render_worker::drawOnDevice(const frame_request& request)
     if ((request.width != m_targets.width() || request.height != m_targets.height()) &&
         !resize(request.width, request.height))
         return false;
-    if (!showNewScene())
+    if (!showNewScene() || !m_scene.loadTextures(m_library))
         return false;
+    if (m_scene.hasMoreTextures())
+        m_pacer.redraw();
     move();
     m_scene.draw(m_library, m_targets, m_back_buffer.get(), request.view);
 

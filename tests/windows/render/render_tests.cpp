@@ -382,6 +382,38 @@ TEST(render, aPictureSurvivesTheLossOfItsDeviceOnceAndReadsItsTexturesAgain)
     EXPECT_NE(why.what.find("887A0005"), std::string::npos) << why.what;
 }
 
+// Only a person would see it otherwise: the squares are there, the log names the file, and the rest is drawn.
+TEST(render, aTextureThatCannotBeReadIsACheckerboard)
+{
+    test_dds cube;
+    cube.caps2 = 0xfe00;
+    cube.pixels = colourDds(0x20c040ff).substr(128);
+    for (int face = 1; face < 6; ++face)
+        cube.pixels += colourDds(0xff0000ff).substr(128);
+    std::string lines;
+    texture_map textures;
+    textures.files = {{"d", "DDS garbage"}, {"cube", cube.bytes()}, {"n", colourDds(0x8080ffff)}};
+    test_options options = straightOn();
+    options.textures = &textures;
+    options.view.shows_plain = true;
+    options.log = [&lines](const std::string& line) { lines += line + '\n'; };
+    const render_result damaged = drawn(modelOf(textured(squareGroup(1), {{0, "d"}, {1, "n"}})), options);
+    int violet = 0, dark = 0;
+    for (std::uint32_t x = width / 2 - 40; x < width / 2 + 40; ++x)
+    {
+        const pixel seen = pixelAt(damaged, x, height / 2 + 5); // within a row of squares
+        violet += seen.red > 200 && seen.green < 60 && seen.blue > 200;
+        dark += seen.brightness() < 120;
+    }
+    EXPECT_GT(violet, 20);
+    EXPECT_GT(dark, 20);
+    EXPECT_NE(lines.find("d: "), std::string::npos) << lines;
+
+    const pixel first_face =
+        pixelAt(drawn(modelOf(textured(squareGroup(1), {{0, "cube"}, {1, "n"}})), options), 0.5, 0.5);
+    EXPECT_GT(first_face.green, first_face.red + 60) << "of a cube the first face is shown";
+}
+
 // Whichever object it is at which the device goes: the making ends there, with nothing worse than that.
 TEST(render, everyCreationMayBeTheOneThatIsLost)
 {
@@ -401,8 +433,8 @@ TEST(render, everyCreationMayBeTheOneThatIsLost)
         model_scene shown;
         scene_targets targets;
         picture_target picture;
-        if (library.createAll() && shown.create(library, scene.get()) && targets.create(library, 32, 32) &&
-            picture.create(library, 32, 32))
+        if (library.createAll() && shown.create(library, scene) && shown.finishTextures(library) &&
+            targets.create(library, 32, 32) && picture.create(library, 32, 32))
             break;
     }
     EXPECT_GT(lost, 40);

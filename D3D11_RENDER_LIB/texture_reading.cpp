@@ -1,0 +1,178 @@
+#include "D3D11_RENDER_LIB/texture_reading.h"
+
+#include <algorithm>
+#include <new>
+#include <system_error>
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+// In software each look at a block unpacks it again: BC7 and BC6H cost ten times what plain texels do. Formats that no
+// device has, and sizes that devices refuse for blocks, are converted, too.
+bool mustUnpack(const dds_image& image, bool is_software)
+{
+    const bool is_block = isBlockCompressed(image.format);
+    return image.format == dds_format::unknown || (is_block && is_software) ||
+           (is_block && (image.width % 4 != 0 || image.height % 4 != 0));
+}
+
+void keepFirstSurface(dds_image& image)
+{
+    image.array_size = 1;
+    image.is_cube = false;
+    image.subresources.resize(image.mip_count);
+}
+
+bool readWhole(const scene_texture& texture, bool is_software, read_texture& result)
+{
+    result.file = texture.bytes(result.why);
+    if (!result.file || !readDds(result.file->bytes(), result.image, result.why))
+        return false;
+    keepFirstSurface(result.image);
+    if (!mustUnpack(result.image, is_software))
+        return true;
+    if (!unpackDds(result.image, result.unpacked, result.why))
+        return false;
+    result.image = result.unpacked.image;
+    result.file.reset();
+    return true;
+}
+
+std::unique_ptr<read_texture> readTexture(const std::shared_ptr<const scene_texture>& texture, bool is_software)
+{
+    auto result = std::make_unique<read_texture>();
+    result->texture = texture;
+    try
+    {
+        if (readWhole(*texture, is_software, *result))
+            return result;
+    }
+    catch (const std::bad_alloc&)
+    {
+        fail(result->why, failure_kind::unsupported, "there is not enough memory for the texture");
+    }
+    result->why.path = texture->path();
+    return result;
+}
+
+std::size_t bytesOf(const read_texture& texture)
+{
+    std::size_t bytes = 0;
+    for (const dds_subresource& part : texture.image.subresources)
+        bytes += part.bytes.size();
+    return bytes;
+}
+
+} // namespace
+
+texture_reading::~texture_reading()
+{
+    {
+        const std::lock_guard held(m_mutex);
+        m_must_end = true;
+        m_changed.notify_all();
+    }
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+void texture_reading::request(std::vector<std::shared_ptr<const scene_texture>> wanted, bool is_software)
+{
+    const lock held(m_mutex);
+    std::deque<std::unique_ptr<read_texture>> kept;
+    const auto takeFrom = [&](const std::shared_ptr<const scene_texture>& texture) {
+        const auto found = std::find(wanted.begin(), wanted.end(), texture);
+        const bool is_wanted = is_software == m_is_software && texture && found != wanted.end();
+        if (is_wanted)
+            wanted.erase(found);
+        return is_wanted;
+    };
+    m_waiting_bytes = 0;
+    for (std::unique_ptr<read_texture>& ready : std::exchange(m_ready, {}))
+        if (takeFrom(ready->texture))
+        {
+            m_waiting_bytes += bytesOf(*ready);
+            m_ready.push_back(std::move(ready));
+        }
+    if (!takeFrom(m_current))
+        m_current.reset();
+    m_is_software = is_software;
+    m_wanted.assign(wanted.begin(), wanted.end());
+    if (!m_thread.joinable() && !m_wanted.empty())
+        try
+        {
+            m_thread = std::thread([this] { run(); });
+        }
+        catch (const std::system_error&) // wait() and take() read instead
+        {
+        }
+    m_changed.notify_all();
+}
+
+void texture_reading::readNext(lock& held)
+{
+    m_current = m_wanted.front();
+    m_wanted.pop_front();
+    const std::shared_ptr<const scene_texture> texture = m_current;
+    const bool is_software = m_is_software;
+    held.unlock();
+    std::unique_ptr<read_texture> result = readTexture(texture, is_software);
+    held.lock();
+    if (m_current == texture)
+    {
+        m_waiting_bytes += bytesOf(*result);
+        m_ready.push_back(std::move(result));
+        m_current.reset();
+    }
+    m_changed.notify_all();
+}
+
+void texture_reading::run()
+{
+    lock held(m_mutex);
+    for (;;)
+    {
+        m_changed.wait(held, [this] { return m_must_end || mayRead(); });
+        if (m_must_end)
+            return;
+        readNext(held);
+        held.unlock();
+        if (m_has_news)
+            m_has_news();
+        held.lock();
+    }
+}
+
+std::unique_ptr<read_texture> texture_reading::takeReady()
+{
+    if (m_ready.empty())
+        return nullptr;
+    std::unique_ptr<read_texture> taken = std::move(m_ready.front());
+    m_ready.pop_front();
+    m_waiting_bytes -= bytesOf(*taken);
+    m_changed.notify_all();
+    return taken;
+}
+
+std::unique_ptr<read_texture> texture_reading::take()
+{
+    lock held(m_mutex);
+    if (!m_thread.joinable() && m_ready.empty() && !m_wanted.empty())
+        readNext(held);
+    return takeReady();
+}
+
+std::unique_ptr<read_texture> texture_reading::wait()
+{
+    lock held(m_mutex);
+    if (!m_thread.joinable() && m_ready.empty() && !m_wanted.empty())
+        readNext(held);
+    m_changed.wait(held, [this] { return !m_ready.empty() || (m_wanted.empty() && !m_current); });
+    return takeReady();
+}
+
+} // namespace korvane
