@@ -55,6 +55,7 @@ std::string rectangle(unsigned x_from, unsigned x_to, const std::string& texture
     group.alpha_mode = 1;
     group.textures = {{0, texture}, {1, "tex/flat.dds"}};
     test_model model;
+    model.skeleton_id.clear();
     model.lods = {{group}};
     return model.bytes();
 }
