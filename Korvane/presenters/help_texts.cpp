@@ -80,13 +80,11 @@ std::vector<help_paragraph> guideTexts()
          "makes a version 7 model of a version 6 one, in another file. When the program or the system ends by itself, "
          "what "
          "was not saved is offered at the next start.\n"},
-        {"Keys of the 3D view",
-         "Drag with the left button: turn. Right or middle button: move. Wheel, E, Q: closer, away.\n"
-         "A, D: turn by steps. V: back to the start view. Double click, Escape: fill the screen, and back.\n"
-         "W: floor grid. C: wireframe. F: surface normals. O: textures without light. B: darker background.\n"
-         "S: skeleton. Space: its animation from the start. T: reflections. 1, 2, 3, 4: channel of the gloss map.\n"
-         "Page Up, Page Down: ambient light. Home, End: brightness. Arrows: highlights and roughness. "
-         "Number pad: the point light. R: light and picture position back to their start.\n"},
+        {"The 3D view",
+         "Drag with the left button: turn, with Shift the light. Right or middle button: move. Wheel: closer, away. A "
+         "click chooses the group there. Double click, Escape: fill the screen, and back.\n"
+         "H shows all keys of the view; a click with the right button opens its menu, with everything that can be "
+         "shown: skeleton, weights of a bone, channels of the textures, edges, shadow.\n"},
         {"Keys of this window", shortcutLines()},
     };
 }

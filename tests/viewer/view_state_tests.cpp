@@ -1,7 +1,10 @@
-#include "Korvane/viewer/view_state.h"
+#include "Korvane/viewer/key_table.h"
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -144,6 +147,15 @@ TEST(view_state, pointLightsReachTheShaderOnlyWhenTheyAreOn)
     EXPECT_EQ(ps.debug_flags[0], 3);
     EXPECT_EQ(ps.debug_flags[1], 1);
     EXPECT_EQ(ps.show_reflections, 0);
+}
+
+TEST(key_table, everyKeyIsInTheDocumentation)
+{
+    std::ifstream file(KORVANE_SHADER_FOLDER "/../docs/viewer.md");
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    for (const view_key& key : viewKeys())
+        if (key.name != nullptr)
+            EXPECT_NE(text.find("| " + std::string(key.name) + " | " + key.help + " |"), std::string::npos) << key.name;
 }
 
 } // namespace
