@@ -1,8 +1,6 @@
-#include "Korvane/scene/scene_rigs.h"
 #include "Korvane/viewer/posed_mesh.h"
 #include "tests/posing/allocation_count.h"
-#include "tests/posing/pose_builder.h"
-#include "tests/support/mesh_builder.h"
+#include "tests/support/arm_scene.h"
 
 #include <gtest/gtest.h>
 
@@ -16,67 +14,6 @@ namespace
 {
 
 constexpr float not_a_number = std::numeric_limits<float>::quiet_NaN();
-
-// A root one metre up, and a bone one metre beside it.
-anim_data arm()
-{
-    anim_data data = skeleton({{0, -1, {0, 1, 0}}, {1, 0, {1, 0, 0}}});
-    data.skeleton_name = "arm";
-    return data;
-}
-
-// Turns the root by a quarter, so that the bone comes to stand at (0, 2, 0), and then leaves it there.
-std::shared_ptr<anim_data> quarterTurn(const std::string& skeleton_name = "arm")
-{
-    auto data = std::make_shared<anim_data>(arm());
-    data->skeleton_name = skeleton_name;
-    data->animated_rotations = {0};
-    data->rotation_count = 1;
-    data->frame_count = 2;
-    data->frame_rate = 10;
-    data->end_time = 0.2f;
-    data->rotations = {about_z_90, about_z_90};
-    return data;
-}
-
-std::shared_ptr<scene_model> squareModel(const glm::vec3& centre, std::uint32_t bone)
-{
-    static std::vector<std::shared_ptr<RMV2_FILE_DATA>> kept;
-    group_data group = squareGroup(0.1f);
-    for (vertex_record& vertex : group.store.vertices.records())
-    {
-        vertex.position += centre;
-        vertex.bones = {bone, bone, 0, 0};
-        vertex.weights = {0.5f, 0.5f, 0, 0};
-    }
-    group.header.vertex_format = 4;
-    kept.push_back(std::make_shared<RMV2_FILE_DATA>(modelOf(std::move(group))));
-    auto model = std::make_shared<scene_model>();
-    model->data = kept.back();
-    model->has_skeleton = true;
-    scene_group shown;
-    shown.store = &kept.back()->lods[0].groups[0].store;
-    shown.has_weights = true;
-    model->lods = {{shown}};
-    return model;
-}
-
-// A square skinned to the bone, and one that hangs on it, a metre before the model.
-std::shared_ptr<loaded_scene> armScene(const anim_data& bones = arm())
-{
-    auto scene = std::make_shared<loaded_scene>();
-    scene->rigs = {rigOf(bones, "arm", "arm.anim")};
-    scene_part skinned;
-    skinned.model = squareModel({1, 1, 0}, 1);
-    skinned.rig = 0;
-    scene_part weapon;
-    weapon.model = squareModel({0, 0, 0}, 0);
-    weapon.rig = 0;
-    weapon.bone = 1;
-    weapon.weapon[3] = {1, 1, -1, 1};
-    scene->parts = {skinned, weapon};
-    return scene;
-}
 
 glm::vec3 centreOf(const posed_scene& pose, std::size_t part)
 {

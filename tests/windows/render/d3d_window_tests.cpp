@@ -1,14 +1,18 @@
 #include "D3D11_RENDER_LIB/device_faults.h"
 #include "Korvane/scene/scene_loader.h"
 #include "Korvane/viewer/d3d_window.h"
-#include "tests/support/mesh_builder.h"
+#include "Korvane/viewer/key_table.h"
+#include "tests/support/arm_scene.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <functional>
+#include <limits>
+#include <random>
 
 namespace korvane
 {
@@ -176,6 +180,59 @@ TEST_F(d3d_window_test, scenesAreReplacedWhileItDrawsAndWhileItIsHidden)
         pump();
     }
     EXPECT_TRUE(drawsAfter([this] { m_window->redraw(); }));
+}
+
+// KORVANE_VIEW_SECONDS: how long.
+TEST_F(d3d_window_test, survivesScenesAnimationsKeysClicksAndSizesInAnyOrder)
+{
+    const char* const wanted = std::getenv("KORVANE_VIEW_SECONDS");
+    const auto until = clock::now() + std::chrono::seconds(wanted ? std::max(std::atoi(wanted), 1) : 4);
+    const auto arm = test::armScene();
+    arm->path = "Z:/nowhere/arm";
+    const auto broken = test::quarterTurn();
+    broken->rotations[1].x = std::numeric_limits<float>::quiet_NaN();
+    const std::vector<scene_pointer> scenes{nullptr, sphere(1), arm, std::make_shared<loaded_scene>(*arm)};
+    const std::vector<std::shared_ptr<const anim_data>> animations{test::quarterTurn(), broken,
+                                                                   test::quarterTurn("leg")};
+    std::mt19937 random(7);
+    const auto below = [&random](std::size_t count) { return random() % count; };
+    const HWND handle = m_window->handle();
+    showSmall();
+    int steps = 0;
+    for (; clock::now() < until; ++steps)
+    {
+        const LPARAM at = MAKELPARAM(below(340), below(220));
+        const std::span<const view_key> keys = viewKeys();
+        switch (below(7))
+        {
+        case 0:
+            m_window->setScene(scenes[below(scenes.size())]);
+            break;
+        case 1:
+            m_window->setAnimations({animations[below(animations.size())]});
+            break;
+        case 2:
+            SetWindowPos(handle, nullptr, 0, 0, static_cast<int>(below(500)), static_cast<int>(below(400)),
+                         SWP_NOZORDER | SWP_NOMOVE);
+            break;
+        case 3:
+            ShowWindow(handle, below(4) == 0 ? SW_MINIMIZE : SW_SHOWNOACTIVATE);
+            break;
+        case 4:
+            PostMessageW(handle, WM_LBUTTONDOWN, MK_LBUTTON, at);
+            PostMessageW(handle, WM_LBUTTONUP, 0, at);
+            break;
+        case 5:
+            PostMessageW(handle, WM_MOUSEMOVE, 0, at);
+            break;
+        default:
+            PostMessageW(handle, WM_KEYDOWN, keys[below(keys.size())].code, 0);
+        }
+        pumpUntil([] { return false; }, 10ms);
+    }
+    m_window->setAnimations({});
+    m_window->show();
+    EXPECT_TRUE(drawsAfter([this] { m_window->setScene(sphere(1)); })) << steps << " steps";
 }
 
 TEST_F(d3d_window_test, keysHeldWithControlOrAltAreNotForTheView)
