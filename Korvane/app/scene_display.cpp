@@ -81,7 +81,10 @@ void scene_display::showDocument()
             return loader.loadFigure(models, path);
         });
     else
+    {
+        m_loading.stop();
         setScene(std::make_shared<const loaded_scene>());
+    }
 }
 
 void scene_display::showEdited()

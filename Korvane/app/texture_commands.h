@@ -45,6 +45,7 @@ public:
     void replaceWith(std::size_t row, const std::string& picture, target wanted);
     void edit(std::size_t row);
     void showPlace(std::size_t row); // of the file that the row's path leads to
+    bool isUsed(std::size_t row) const;
     std::string path(std::size_t row) const;
 
     texture_extraction_panel& extraction() { return m_extraction; }
@@ -57,7 +58,6 @@ public:
     void showDocument(); // it may be another model
 
 private:
-    bool isUsed(std::size_t row) const;
     bool isNormalMap(std::size_t row) const;
     std::string modelPath() const;
     std::string modFolder(const std::string& title);

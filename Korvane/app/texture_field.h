@@ -27,7 +27,6 @@ public:
     void place(const RECT& where, const font& used, int gap, int type_width);
     void show(const texture_row_content& content, const texture_row_state& state);
 
-    bool isUsed() const { return m_content.is_used; }
     std::string directory() const; // with a separator at its end
     std::string file() const { return m_file.text(); }
     void take(); // what is typed and not taken yet

@@ -223,7 +223,7 @@ void texture_field_group::placeMarker()
 {
     const RECT place = rowPlace(row());
     m_marker.place(place.left - 2 * scaled(marker_width), place.top, scaled(marker_width), place.bottom - place.top);
-    m_marker.setVisible(m_rows[row()].isUsed());
+    m_marker.setVisible(m_commands.isUsed(row()));
 }
 
 int texture_field_group::rowOf(HWND control) const
@@ -255,7 +255,7 @@ void texture_field_group::showDocument()
 void texture_field_group::showSelection()
 {
     showRows();
-    if (!m_rows[row()].isUsed())
+    if (!m_commands.isUsed(row()))
         m_selected = 0;
     placeMarker();
     showPreview(false);
@@ -274,7 +274,7 @@ void texture_field_group::showRows()
 
 void texture_field_group::showPreview(bool reads_again)
 {
-    const bool is_used = m_rows[row()].isUsed();
+    const bool is_used = m_commands.isUsed(row());
     m_replace.setEnabled(is_used);
     m_edit.setEnabled(is_used);
     if (!is_used)
@@ -320,7 +320,8 @@ void texture_field_group::takeTyped()
 
 void texture_field_group::select(int row, bool is_focused)
 {
-    if (row < 0 || row >= static_cast<int>(m_rows.size()) || !m_rows[static_cast<std::size_t>(row)].isUsed())
+    // Not by what the rows show: the focus moves while another document, or none, is about to be shown.
+    if (row < 0 || row >= static_cast<int>(m_rows.size()) || !m_commands.isUsed(static_cast<std::size_t>(row)))
         return;
     if (std::exchange(m_selected, row) != row)
     {
@@ -384,7 +385,7 @@ void texture_field_group::onFilesDropped(const std::vector<std::string>& paths)
 {
     const int row = rowAt(m_dropped_at);
     const bool is_for_row =
-        paths.size() == 1 && row >= 0 && m_rows[static_cast<std::size_t>(row)].isUsed() && isPicture(paths.front());
+        paths.size() == 1 && row >= 0 && m_commands.isUsed(static_cast<std::size_t>(row)) && isPicture(paths.front());
     if (!is_for_row)
         return m_host.openFiles(paths);
     select(row, false);
@@ -408,7 +409,7 @@ void texture_field_group::openMenu(HWND control, POINT on_screen)
         ScreenToClient(handle(), &at);
         chosen = rowAt(at);
     }
-    if (chosen < 0 || !m_rows[static_cast<std::size_t>(chosen)].isUsed())
+    if (chosen < 0 || !m_commands.isUsed(static_cast<std::size_t>(chosen)))
         return;
     takeTyped();
     select(chosen, false);
