@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/text.h"
 #include "EASY_GUI/win32/clipboard.h"
+#include "Korvane/document/pasted_path.h"
 
 #include <optional>
 
@@ -73,6 +74,8 @@ void pasteText(page_host& host, page& shown)
         return;
     if (isField(focused) && (GetWindowLongPtrW(focused, GWL_STYLE) & ES_READONLY) == 0)
         SendMessageW(focused, WM_PASTE, 0, 0);
+    else if (const std::string path = openablePath(*text, *host.document().game()); !path.empty())
+        host.openFile(path);
     else
         host.setStatus("Choose a field that can be edited first, then paste.");
 }

@@ -14,7 +14,8 @@ void copyText(page_host& host, const std::string& text);
 
 // The selected text of the field that has the focus, else what is selected on the page.
 void copySelection(page_host& host, const page& shown);
-// To the page when it has a use for the text, else into the field that has the focus.
+// To the page when it has a use for the text, else into the field that has the focus; without one, what the text names
+// is opened.
 void pasteText(page_host& host, page& shown);
 
 } // namespace korvane

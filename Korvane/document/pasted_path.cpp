@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/config_keys.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/document/open_files.h"
 #include "Korvane/models/description.h"
 
 #include <algorithm>
@@ -71,6 +72,16 @@ std::string pastedPath(std::string_view text, std::string_view former, const std
     if (startsOnDisk(given) || given.find_first_of("\\/") == given.npos)
         return std::string(directory) += fileName(given);
     return std::string(given);
+}
+
+std::string openablePath(std::string_view text, const game_data& game)
+{
+    std::string path(firstLine(text));
+    if (!endsWithIgnoringCase(path, ".rigid_model_v2") && !isDefinitionPath(path) && !isFbxPath(path))
+        return {};
+    if (game_path(path).isInternal() || startsOnDisk(path))
+        return path;
+    return game.find(path) ? "pack:" + path : std::string();
 }
 
 std::string selectedGroupText(const open_model& model)

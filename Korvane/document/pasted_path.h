@@ -4,6 +4,7 @@
 
 #include "EASY_GUI/services/config_file.h"
 #include "Korvane/document/open_model.h"
+#include "Korvane/game/game_data.h"
 
 #include <string>
 #include <string_view>
@@ -21,6 +22,11 @@ namespace korvane
 // row's path, whose kind of separator is used. Empty: there is nothing to paste.
 [[nodiscard]] std::string pastedPath(std::string_view text, std::string_view former,
                                      const std::vector<std::string>& roots);
+
+// What can be opened of a text that was pasted into nothing: a model or a definition, as a path with "pack:", as an
+// internal path that the game holds, which gets "pack:", or as a whole path of the disk. Of the text the first line
+// counts. Empty: nothing.
+[[nodiscard]] std::string openablePath(std::string_view text, const game_data& game);
 
 // The selected group told as a text; empty: none is selected.
 [[nodiscard]] std::string selectedGroupText(const open_model& model);

@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/file_system.h"
 #include "Korvane/document/definition_tree.h"
 #include "Korvane/document/open_files.h"
+#include "Korvane/document/pasted_path.h"
 #include "Korvane/game/game_loader.h"
 #include "tests/support/model_builder.h"
 #include "tests/support/pack_builder.h"
@@ -103,6 +104,24 @@ TEST_F(open_files_test, aModelAndADefinitionAreOpenAtTheSameTimeAndTheLastOneIsS
         EXPECT_EQ(m_files.shown(), open_files::kind::model) << path;
         EXPECT_EQ(m_files.definition().models().size(), 2u) << path;
     }
+}
+
+TEST_F(open_files_test, aPathThatIsPastedIntoNothingIsOpened)
+{
+    ASSERT_TRUE(reread({{"men\\body.rigid_model_v2", "x"}, {"men\\body.dds", "x"}}));
+    const struct
+    {
+        const char *pasted, *opened;
+    } rows[] = {
+        {" \"pack:men/none.rigid_model_v2\"\r\n", "pack:men/none.rigid_model_v2"}, // which says that it is not there
+        {"Men/Body.rigid_model_v2\nsecond line", "pack:Men/Body.rigid_model_v2"},
+        {"men\\none.rigid_model_v2", ""},
+        {"men\\body.dds", ""},
+        {"C:\\mods\\a.VariantMeshDefinition", "C:\\mods\\a.VariantMeshDefinition"},
+        {"", ""},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(openablePath(row.pasted, *m_files.game()), row.opened) << row.pasted;
 }
 
 TEST_F(open_files_test, theBoxOfABrokenDefinitionHasItsFixedBeginningAndTheParsersText)
