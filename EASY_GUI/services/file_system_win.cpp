@@ -22,6 +22,8 @@ bool failWithLastError(std::string& reason)
     while (length > 0 && (text[length - 1] == L'\r' || text[length - 1] == L'\n' || text[length - 1] == L'.'))
         --length;
     reason = length > 0 ? utf8FromUtf16(std::u16string(text, text + length)) : "error " + std::to_string(code);
+    if (code == ERROR_ACCESS_DENIED || code == ERROR_SHARING_VIOLATION)
+        reason += "; it is not yours to change, or another program has it open";
     return false;
 }
 

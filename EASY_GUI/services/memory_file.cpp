@@ -51,7 +51,9 @@ bool memory_file::readStart(const std::string& path, std::size_t most_bytes, std
     if (whole < 0)
         return fail(why, failure_kind::unreadable,
                     "the file cannot be opened for reading" +
-                        (errno != 0 ? ": " + std::generic_category().message(errno) : std::string()),
+                        (errno == EACCES ? ": it is not yours to read, or another program has it open"
+                         : errno != 0    ? ": " + std::generic_category().message(errno)
+                                         : std::string()),
                     path);
     const auto size =
         static_cast<std::streamoff>(std::min<std::uint64_t>(static_cast<std::uint64_t>(whole), most_bytes));
