@@ -49,7 +49,9 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
     , m_command_line(std::move(command_line))
     , m_files(std::move(files))
     , m_config(m_ports.config, m_ports.config_path,
-               {[this](const failure& why) { setStatus("Settings are not kept: " + describe(why)); },
+               {[this](const failure& why) { // behind what else is to be said of the command
+                    m_thread.box().post([this, text = "Settings are not kept: " + describe(why)] { setStatus(text); });
+                },
                 [this](const failure& why) {
                     logLine("main_window::saveConfig(). config.cfg could not be written: " + describe(why));
                 }})
