@@ -1,6 +1,7 @@
 #include "Korvane/app/field_panel.h"
 
 #include "EASY_GUI/win32/label.h"
+#include "EASY_GUI/win32/mark_colour.h"
 #include "Korvane/app/command_ids.h"
 
 #include <algorithm>
@@ -207,9 +208,10 @@ void field_panel::setColour(int id, const std::optional<rgb_colour>& colour)
 HBRUSH field_panel::onControlColour(HDC context, HWND control)
 {
     const auto found = m_colours.find(control);
-    if (found == m_colours.end())
+    if (found == m_colours.end() || isHighContrast())
         return nullptr;
     SetBkColor(context, found->second.colour);
+    SetTextColor(context, RGB(0, 0, 0)); // the colour is a light one, whatever the system's are
     return found->second.brush.get();
 }
 

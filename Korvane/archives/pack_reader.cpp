@@ -159,8 +159,12 @@ bool pack_reader::indexArchives(indexed_archives& indexed) const
     }
     indexed.tree->reserve(file_count);
     for (pack_file& archive : archives)
+    {
+        if (m_work.isStopped())
+            return false;
         archive.enter();
-    return true;
+    }
+    return !m_work.isStopped(); // before the cache is written
 }
 
 void pack_reader::writeCache(const indexed_archives& indexed)
