@@ -188,6 +188,26 @@ TEST(render, aModelWithoutTexturesIsLitClay)
     EXPECT_LT(std::max({lit.red, lit.green, lit.blue}) - std::min({lit.red, lit.green, lit.blue}), 25) << "grey";
 }
 
+TEST(render, theSideLightHasAMarkerOrTheLogSaysWhyNot)
+{
+    render_options options;
+    std::vector<std::string> lines;
+    options.log = [&lines](const std::string& line) { lines.push_back(line); };
+    options.width = options.height = 200;
+    options.view.lights[1].point.position = {0.9f, 0.8f, -1};
+    failure why;
+    render_result without, with;
+    const RMV2_FILE_DATA model = modelOf(sphereGroup({0, 0, 0}, 1, 12));
+    const scene_pointer scene = sceneOf(model, nullptr);
+    ASSERT_TRUE(renderToImage(scene, options, without, why)) << describe(why);
+    options.view.shows_light = true;
+    ASSERT_TRUE(renderToImage(scene, options, with, why)) << describe(why);
+    const bool is_said = std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
+        return line.find("d3dcompiler_47.dll") != line.npos;
+    });
+    EXPECT_NE(is_said, without.rgba != with.rgba);
+}
+
 TEST(render, backFacesAreNotDrawnUnlessTheGroupIsAlphaTested)
 {
     for (const bool has_alpha : {false, true})
