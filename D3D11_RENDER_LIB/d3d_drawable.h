@@ -32,6 +32,10 @@ struct frame_constants
     std::uint32_t heat_bone = 0;          // whose weights are shown
     std::span<const part_pose> poses;     // of the scene's parts
     std::uint32_t part = 0;               // of the scene, that is being drawn
+    std::int32_t width = 1;               // of the picture
+    std::int32_t height = 1;
+    UINT group = 0;      // that was drawn last of the pass: from 1 on (model_pass::surfaces and shading)
+    screen_area reached; // by what was drawn
 };
 
 class id3d_drawable_object

@@ -185,7 +185,6 @@ struct final_pass_buffer
 static_assert(sizeof(final_pass_buffer) == 16);
 
 // final_... in shaders/final_ps.hlsl
-inline constexpr std::int32_t final_outlines = 1;
 inline constexpr std::int32_t final_softens = 2;
 
 // ShadowBuffer in shaders/shadow.hlsli
@@ -198,6 +197,15 @@ struct shadow_buffer
     float pad = 0;
 };
 static_assert(sizeof(shadow_buffer) == 80);
+
+// ShadingBuffer in shaders/shading_ps.hlsl
+struct shading_buffer
+{
+    gpu_float4 ray{}; // from the eye through the upper left corner of the picture, world space
+    gpu_float4 ray_x{};
+    gpu_float4 ray_y{};
+};
+static_assert(sizeof(shading_buffer) == 48);
 
 // overlay_vertex in shaders/overlay_vs.hlsl
 struct gpu_overlay_vertex

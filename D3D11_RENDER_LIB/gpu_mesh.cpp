@@ -74,6 +74,7 @@ gpu_mesh buildGpuMesh(const vertex_store& store, int bone)
         const auto from = store.indices.begin() + static_cast<std::ptrdiff_t>(first);
         mesh.indices.insert(mesh.indices.end(), from, from + 3);
     });
+    mesh.reach = mesh_reach(mesh.vertices);
     mesh.is_wound_backwards = isWoundBackwards(mesh);
     return mesh;
 }

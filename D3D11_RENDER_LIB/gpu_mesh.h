@@ -4,6 +4,7 @@
 // reach past them. Portable.
 
 #include "D3D11_RENDER_LIB/gpu_layouts.h"
+#include "D3D11_RENDER_LIB/screen_area.h"
 #include "Korvane/models/rmv2_data.h"
 
 #include <cstdint>
@@ -16,7 +17,8 @@ struct gpu_mesh
 {
     std::vector<gpu_vertex> vertices;
     std::vector<std::uint16_t> indices; // whole triangles with existing vertices only
-    bool is_wound_backwards = false;    // most triangles turn away from their normals (as format 5 is stored)
+    mesh_reach reach;
+    bool is_wound_backwards = false; // most triangles turn away from their normals (as format 5 is stored)
 };
 
 // Bone below zero: bones and weights as in the file. Zero or more: every vertex hangs on that one bone, with the

@@ -195,15 +195,21 @@ bool lib3d::createShaders()
            createPixelShader(KORVANE_SHADOW_PS, "shadow_ps", m_shadow_ps) &&
            createPixelShader(KORVANE_FLOOR_PS, "floor_ps", m_floor_ps) &&
            createPixelShader(KORVANE_LINE_PS, "line_ps", m_line_ps) &&
-           createPixelShader(KORVANE_FINAL_PS, "final_ps", m_final_ps);
+           createPixelShader(KORVANE_FINAL_PS, "final_ps", m_final_ps) &&
+           createPixelShader(KORVANE_FINAL_OUTLINE_PS, "final_outline_ps", m_final_outline_ps) &&
+           createPixelShader(KORVANE_SURFACE_PS, "surface_ps", m_surface_ps) &&
+           createPixelShader(KORVANE_SURFACE_ALPHA_PS, "surface_alpha_ps", m_surface_alpha_ps) &&
+           createPixelShader(KORVANE_SHADING_PS, "shading_ps", m_shading_ps);
 }
 
 bool lib3d::createConstantBuffers(const mvp_buffer& vs, const light_buffer& ps)
 {
     const final_pass_buffer final_settings;
+    const shading_buffer shading;
     return createConstantBuffer(sizeof vs, &vs, "ModelViewProjectionConstantBuffer", m_vs_buffer) &&
            createConstantBuffer(sizeof ps, &ps, "LightBuffer", m_ps_buffer) &&
-           createConstantBuffer(sizeof final_settings, &final_settings, "FinalPassBuffer", m_final_buffer);
+           createConstantBuffer(sizeof final_settings, &final_settings, "FinalPassBuffer", m_final_buffer) &&
+           createConstantBuffer(sizeof shading, &shading, "ShadingBuffer", m_shading_buffer);
 }
 
 bool lib3d::createSamplers()
@@ -252,6 +258,7 @@ bool lib3d::createRasterizer(raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_
     description.CullMode = cull;
     description.FrontCounterClockwise = reversed;
     description.DepthClipEnable = mode == raster_mode::shadow ? FALSE : TRUE;
+    description.ScissorEnable = mode == raster_mode::area ? TRUE : FALSE;
     description.DepthBias = depth_bias;
     description.SlopeScaledDepthBias = slope_bias;
     description.MultisampleEnable = TRUE; // nothing on targets with one sample
@@ -267,6 +274,13 @@ bool lib3d::createStates()
     read.DepthWriteMask = D3D11_DEPTH_WRITE_MASK_ZERO;
     CD3D11_DEPTH_STENCIL_DESC ignored = depth;
     ignored.DepthEnable = FALSE;
+    CD3D11_DEPTH_STENCIL_DESC written = depth;
+    written.StencilEnable = TRUE;
+    written.FrontFace.StencilPassOp = written.BackFace.StencilPassOp = D3D11_STENCIL_OP_REPLACE;
+    CD3D11_DEPTH_STENCIL_DESC tested = ignored;
+    tested.StencilEnable = TRUE;
+    tested.StencilWriteMask = 0;
+    tested.FrontFace.StencilFunc = tested.BackFace.StencilFunc = D3D11_COMPARISON_EQUAL;
     CD3D11_BLEND_DESC floor{CD3D11_DEFAULT()}; // into the target of light alone
     floor.IndependentBlendEnable = TRUE;
     floor.RenderTarget[0].RenderTargetWriteMask = 0;
@@ -285,9 +299,14 @@ bool lib3d::createStates()
            createRasterizer(raster_mode::wireframe, D3D11_FILL_WIREFRAME, D3D11_CULL_NONE, FALSE) &&
            createRasterizer(raster_mode::wireframe_over, D3D11_FILL_WIREFRAME, D3D11_CULL_NONE, FALSE, -200, -1.5f) &&
            createRasterizer(raster_mode::shadow, D3D11_FILL_SOLID, D3D11_CULL_NONE, FALSE, 40, 2.0f) &&
+           createRasterizer(raster_mode::area, D3D11_FILL_SOLID, D3D11_CULL_NONE, FALSE) &&
            isMade(m_device->CreateBlendState(&blend, m_blend.put()), m_blend, "blend", source_name) &&
            isMade(m_device->CreateBlendState(&floor, m_floor_blend.put()), m_floor_blend, "floor blend", source_name) &&
            isMade(m_device->CreateDepthStencilState(&depth, m_depth.put()), m_depth, "depth", source_name) &&
+           isMade(m_device->CreateDepthStencilState(&written, m_stencil_written.put()), m_stencil_written,
+                  "stencil, written", source_name) &&
+           isMade(m_device->CreateDepthStencilState(&tested, m_stencil_tested.put()), m_stencil_tested,
+                  "stencil, tested", source_name) &&
            isMade(m_device->CreateDepthStencilState(&read, m_depth_read.put()), m_depth_read, "depth, read",
                   source_name) &&
            isMade(m_device->CreateDepthStencilState(&ignored, m_depth_ignored.put()), m_depth_ignored, "depth, ignored",
@@ -359,6 +378,9 @@ void lib3d::useModelShaders(model_pass pass, raster_mode faces)
         shader = m_shadow_ps.get();
         raster = raster_mode::shadow;
         break;
+    case model_pass::surfaces:
+    case model_pass::shading: // useSurfaceShader(), drawShading()
+        break;
     }
     ID3D11Buffer* vs_buffer = m_vs_buffer.get();
     ID3D11Buffer* ps_buffer = m_ps_buffer.get();
@@ -370,6 +392,40 @@ void lib3d::useModelShaders(model_pass pass, raster_mode faces)
     m_context->PSSetShader(shader, nullptr, 0);
     m_context->RSSetState(m_rasterizers[static_cast<int>(raster)].get());
     m_context->OMSetDepthStencilState((is_over ? m_depth_read : m_depth).get(), 0);
+}
+
+void lib3d::useSurfaceShader(bool has_alpha, UINT group)
+{
+    m_context->PSSetShader((has_alpha ? m_surface_alpha_ps : m_surface_ps).get(), nullptr, 0);
+    m_context->OMSetDepthStencilState(m_stencil_written.get(), group);
+}
+
+void lib3d::setShading(const shading_buffer& constants)
+{
+    m_context->UpdateSubresource(m_shading_buffer.get(), 0, nullptr, &constants, 0, 0);
+}
+
+void lib3d::drawShading(UINT group, const screen_area& area)
+{
+    ID3D11Buffer* ps_buffers[] = {m_ps_buffer.get(), m_shading_buffer.get()};
+    m_context->PSSetConstantBuffers(0, 1, &ps_buffers[0]);
+    m_context->PSSetConstantBuffers(3, 1, &ps_buffers[1]);
+    m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
+    m_context->OMSetDepthStencilState(m_stencil_tested.get(), group);
+    m_context->PSSetShader(m_shading_ps.get(), nullptr, 0);
+    drawArea(area);
+}
+
+// One triangle over the bound target, of which the area is drawn.
+void lib3d::drawArea(const screen_area& area)
+{
+    const D3D11_RECT rectangle{area.left, area.top, area.right, area.bottom};
+    m_context->RSSetScissorRects(1, &rectangle);
+    m_context->IASetInputLayout(nullptr);
+    m_context->IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST);
+    m_context->VSSetShader(m_final_vs.get(), nullptr, 0);
+    m_context->RSSetState(m_rasterizers[static_cast<int>(raster_mode::area)].get());
+    m_context->Draw(3, 0);
 }
 
 void lib3d::useFloorShaders()
@@ -414,7 +470,7 @@ void lib3d::drawLines(std::span<const gpu_line_vertex> lines)
 }
 
 void lib3d::drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceView* marks,
-                          const final_pass_buffer& settings)
+                          const final_pass_buffer& settings, const screen_area& area, bool has_outlines)
 {
     m_context->UpdateSubresource(m_final_buffer.get(), 0, nullptr, &settings, 0, 0);
     ID3D11Buffer* buffer = m_final_buffer.get();
@@ -422,14 +478,10 @@ void lib3d::drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceV
     m_context->VSSetConstantBuffers(1, 1, &buffer);
     m_context->PSSetConstantBuffers(1, 1, &buffer);
     m_context->PSSetShaderResources(11, 2, views);
-    m_context->IASetInputLayout(nullptr);
-    m_context->IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_TRIANGLELIST);
-    m_context->VSSetShader(m_final_vs.get(), nullptr, 0);
-    m_context->PSSetShader(m_final_ps.get(), nullptr, 0);
-    m_context->RSSetState(m_rasterizers[static_cast<int>(raster_mode::both_faces)].get());
+    m_context->PSSetShader((has_outlines ? m_final_outline_ps : m_final_ps).get(), nullptr, 0);
     m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
     m_context->OMSetDepthStencilState(m_depth_ignored.get(), 0);
-    m_context->Draw(3, 0);
+    drawArea(area);
     ID3D11ShaderResourceView* none[2] = {}; // the targets are drawn into again in the next frame
     m_context->PSSetShaderResources(11, 2, none);
 }

@@ -7,6 +7,7 @@
 
 #include "D3D11_RENDER_LIB/device_faults.h"
 #include "D3D11_RENDER_LIB/gpu_layouts.h"
+#include "D3D11_RENDER_LIB/screen_area.h"
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/log_port.h"
 #include "EASY_GUI/win32/com_ptr.h"
@@ -27,9 +28,10 @@ enum class raster_mode
     both_faces,
     wireframe,
     wireframe_over, // edges, a little before the surface that they belong to
-    shadow          // both faces, a little behind what they are
+    shadow,         // both faces, a little behind what they are
+    area            // both faces, a part of the picture
 };
-inline constexpr std::size_t raster_mode_count = 6;
+inline constexpr std::size_t raster_mode_count = 7;
 
 // What is drawn of models.
 enum class model_pass
@@ -39,7 +41,9 @@ enum class model_pass
     channel,         // one channel of the surface: light_buffer::debug_flags
     wireframe,
     wire_over,
-    shadow_map // depth alone
+    shadow_map, // depth alone
+    surfaces,   // what shading needs to know of each pixel, and the group's number as its stencil (scene_targets.h)
+    shading     // the pixels of one group, as lit
 };
 
 enum class line_depth
@@ -109,15 +113,20 @@ public:
     void beginScene();
     // The faces count for the passes that fill surfaces.
     void useModelShaders(model_pass pass, raster_mode faces);
+    // For model_pass::surfaces after that, and the whole draw of model_pass::shading: of a group of that number, 1 to
+    // 255, which reaches no further than the area.
+    void useSurfaceShader(bool has_alpha, UINT group);
+    void drawShading(UINT group, const screen_area& area);
+    void setShading(const shading_buffer& constants);
     void useFloorShaders(); // the shadow on the floor, over what is in the target of light
     void useLineShaders(line_depth depth);
     void drawLines(ID3D11Buffer& vertices, UINT vertex_count);
     // Out of the bone-line buffer; what is beyond its capacity is left out.
     void drawLines(std::span<const gpu_line_vertex> lines);
-    // One triangle over the bound target that shows the view through the final pass. The marks are those of the
-    // normals' target.
+    // Shows the view in the area of the bound target through the final pass, with outlines around what the marks, those
+    // of the normals' target, say.
     void drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceView* marks,
-                       const final_pass_buffer& settings);
+                       const final_pass_buffer& settings, const screen_area& area, bool has_outlines);
     [[nodiscard]] bool createVertexShader(int resource, std::span<const D3D11_INPUT_ELEMENT_DESC> elements,
                                           const char* name, com_ptr<ID3D11VertexShader>& shader,
                                           com_ptr<ID3D11InputLayout>* layout);
@@ -130,6 +139,7 @@ public:
 private:
     [[nodiscard]] HRESULT tryDevice(D3D_DRIVER_TYPE type);
     static void setName(ID3D11DeviceChild& object, const char* name);
+    void drawArea(const screen_area& area);
     [[nodiscard]] bool createRasterizer(raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_MODE cull, BOOL reversed,
                                         INT depth_bias = 0, float slope_bias = 0);
 
@@ -142,14 +152,14 @@ private:
 
     com_ptr<ID3D11VertexShader> m_model_vs, m_line_vs, m_final_vs;
     com_ptr<ID3D11PixelShader> m_model_ps, m_model_shadow_ps, m_channel_ps, m_wireframe_ps, m_shadow_ps, m_floor_ps,
-        m_line_ps, m_final_ps;
+        m_line_ps, m_final_ps, m_final_outline_ps, m_surface_ps, m_surface_alpha_ps, m_shading_ps;
     com_ptr<ID3D11InputLayout> m_model_layout, m_line_layout;
-    com_ptr<ID3D11Buffer> m_vs_buffer, m_ps_buffer, m_final_buffer, m_line_buffer;
+    com_ptr<ID3D11Buffer> m_vs_buffer, m_ps_buffer, m_final_buffer, m_shading_buffer, m_line_buffer;
     com_ptr<ID3D11ShaderResourceView> m_specular_cube, m_diffuse_cube;
     com_ptr<ID3D11SamplerState> m_samplers[5];
     com_ptr<ID3D11RasterizerState> m_rasterizers[raster_mode_count];
     com_ptr<ID3D11BlendState> m_blend, m_floor_blend;
-    com_ptr<ID3D11DepthStencilState> m_depth, m_depth_ignored, m_depth_read;
+    com_ptr<ID3D11DepthStencilState> m_depth, m_depth_ignored, m_depth_read, m_stencil_written, m_stencil_tested;
 };
 
 inline constexpr UINT line_vertex_capacity = 20000;

@@ -1,6 +1,7 @@
 #include "D3D11_RENDER_LIB/scene_targets.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace korvane
@@ -10,6 +11,15 @@ namespace
 {
 
 constexpr char source_name[] = "scene_targets";
+constexpr UINT surface_register = 13;
+
+// As the final pass shows a dark colour: one that is neither bent nor softened.
+float shownValue(float linear, shown_target shown)
+{
+    return shown == shown_target::normals ? linear
+           : linear <= 0.0031308f         ? linear * 12.92f
+                                          : 1.055f * std::pow(linear, 1 / 2.4f) - 0.055f;
+}
 
 struct target_kind
 {
@@ -80,7 +90,45 @@ bool scene_targets::create(lib3d& library, UINT width, UINT height, UINT samples
         return false;
     m_width = width;
     m_height = height;
+    return !library.isSoftware() || m_samples > 1 || createSurfaces(library, width, height);
+}
+
+bool scene_targets::createSurfaces(lib3d& library, UINT width, UINT height)
+{
+    ID3D11Device& device = library.device();
+    constexpr DXGI_FORMAT formats[] = {DXGI_FORMAT_R32G32B32A32_FLOAT, DXGI_FORMAT_R16G16B16A16_UNORM};
+    for (std::size_t i = 0; i < m_surfaces.size(); ++i)
+    {
+        com_ptr<ID3D11Texture2D> texture;
+        if (!createTexture(library, width, height, formats[i], D3D11_BIND_RENDER_TARGET | D3D11_BIND_SHADER_RESOURCE,
+                           "surfaces", texture) ||
+            !library.isMade(device.CreateRenderTargetView(texture.get(), nullptr, m_surfaces[i].put()), m_surfaces[i],
+                            "surfaces", source_name) ||
+            !library.isMade(device.CreateShaderResourceView(texture.get(), nullptr, m_surface_views[i].put()),
+                            m_surface_views[i], "surfaces", source_name))
+            return false;
+    }
     return true;
+}
+
+void scene_targets::bindSurfaces(lib3d& library) const
+{
+    ID3D11RenderTargetView* const targets[] = {m_surfaces[0].get(), m_surfaces[1].get()};
+    library.context().OMSetRenderTargets(2, targets, m_depth.get());
+}
+
+void scene_targets::bindShading(lib3d& library) const
+{
+    bind(library);
+    ID3D11ShaderResourceView* const views[] = {m_surface_views[0].get(), m_surface_views[1].get()};
+    library.context().PSSetShaderResources(surface_register, 2, views);
+}
+
+void scene_targets::endShading(lib3d& library) const
+{
+    ID3D11ShaderResourceView* const none[2] = {};
+    library.context().PSSetShaderResources(surface_register, 2, none);
+    library.context().ClearDepthStencilView(m_depth.get(), D3D11_CLEAR_STENCIL, 1.0f, 0);
 }
 
 void scene_targets::release()
@@ -88,14 +136,17 @@ void scene_targets::release()
     *this = scene_targets();
 }
 
-void scene_targets::begin(lib3d& library, ID3D11RenderTargetView* output, float background, bool is_clear) const
+void scene_targets::begin(lib3d& library, ID3D11RenderTargetView* output, float background, shown_target shown,
+                          bool is_clear) const
 {
     ID3D11DeviceContext& context = library.context();
     const float c = is_clear ? 0.0f : background;
     const float color[4] = {c, c, 1.3f * c, is_clear ? 0.0f : 1.0f};
     for (const auto& target : m_targets)
         context.ClearRenderTargetView(target.get(), color);
-    context.ClearRenderTargetView(output, color);
+    const float seen = shownValue(c, shown), seen_blue = shownValue(1.3f * c, shown);
+    const float seen_color[4] = {seen, seen, seen_blue, shown == shown_target::normals ? 1.0f : color[3]};
+    context.ClearRenderTargetView(output, seen_color);
     context.ClearDepthStencilView(m_depth.get(), D3D11_CLEAR_DEPTH | D3D11_CLEAR_STENCIL, 1.0f, 0);
     bind(library);
 }
@@ -109,7 +160,8 @@ void scene_targets::bind(lib3d& library) const
     library.context().RSSetViewports(1, &viewport);
 }
 
-void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown, bool has_outlines) const
+void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown, const screen_area& area,
+                           bool has_outlines) const
 {
     constexpr auto marks = static_cast<std::size_t>(shown_target::normals);
     const auto wanted = static_cast<std::size_t>(shown);
@@ -124,8 +176,8 @@ void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, shown
     settings.content = shown == shown_target::lit       ? target_content::light
                        : shown == shown_target::normals ? target_content::data
                                                         : target_content::colour;
-    settings.flags = (has_outlines ? final_outlines : 0) | (m_samples == 1 ? final_softens : 0);
-    library.drawFinalPass(m_views[wanted].get(), m_views[marks].get(), settings);
+    settings.flags = m_samples == 1 ? final_softens : 0;
+    library.drawFinalPass(m_views[wanted].get(), m_views[marks].get(), settings, area, has_outlines);
 }
 
 bool picture_target::create(lib3d& library, UINT width, UINT height)

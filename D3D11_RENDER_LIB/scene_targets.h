@@ -37,13 +37,29 @@ public:
     UINT samples() const { return m_samples; }
 
     // Binds the targets and the whole-size viewport and clears everything, the output too: the background is
-    // (c, c, 1.3 c, 1), or nothing for a clear one; depth 1, stencil 0.
-    void begin(lib3d& library, ID3D11RenderTargetView* output, float background, bool is_clear = false) const;
+    // (c, c, 1.3 c, 1), or nothing for a clear one, in the output as finish() shows it; depth 1, stencil 0.
+    void begin(lib3d& library, ID3D11RenderTargetView* output, float background, shown_target shown,
+               bool is_clear = false) const;
     void bind(lib3d& library) const; // again, after something else was drawn into
     // Shows one of the targets in the output. With outlines those of the groups that are marked are drawn, too.
-    void finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown, bool has_outlines = false) const;
+    // Beyond the area there is the background alone.
+    void finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown, const screen_area& area,
+                bool has_outlines = false) const;
+    screen_area whole() const
+    {
+        return {0, 0, static_cast<std::int32_t>(m_width), static_cast<std::int32_t>(m_height)};
+    }
+
+    // On software devices, with one sample: surfaces are drawn first, as what shading needs to know of each pixel, and
+    // are shaded then, each pixel once. In forward drawing most of the time goes into pixels beside small triangles.
+    bool hasSurfaces() const { return static_cast<bool>(m_surfaces[0]); }
+    void bindSurfaces(lib3d& library) const;
+    void bindShading(lib3d& library) const; // the targets, and the surfaces to read
+    void endShading(lib3d& library) const;  // the stencil is cleared
 
 private:
+    [[nodiscard]] bool createSurfaces(lib3d& library, UINT width, UINT height);
+
     UINT m_width = 0;
     UINT m_height = 0;
     UINT m_samples = 1;
@@ -52,6 +68,8 @@ private:
     std::array<com_ptr<ID3D11RenderTargetView>, target_count> m_targets;
     std::array<com_ptr<ID3D11ShaderResourceView>, target_count> m_views;
     com_ptr<ID3D11DepthStencilView> m_depth;
+    std::array<com_ptr<ID3D11RenderTargetView>, 2> m_surfaces; // empty: not on this device
+    std::array<com_ptr<ID3D11ShaderResourceView>, 2> m_surface_views;
 };
 
 // A picture in memory that can be drawn into and read back.

@@ -39,7 +39,8 @@ bool sub_mesh::create(lib3d& library, const scene_group& group, int bone, const 
 
 bool sub_mesh::createBuffers(lib3d& library, const scene_group& group, int bone)
 {
-    const gpu_mesh mesh = buildGpuMesh(*group.store, bone);
+    gpu_mesh mesh = buildGpuMesh(*group.store, bone);
+    m_reach = std::move(mesh.reach);
     m_raster = m_has_alpha               ? raster_mode::both_faces
                : mesh.is_wound_backwards ? raster_mode::front_faces_reversed
                                          : raster_mode::front_faces;
@@ -68,7 +69,15 @@ void sub_mesh::draw(lib3d& library, frame_constants& constants) const
     constants.ps.is_specular_linear = decodesSrgb(m_textures[specular_slot]) ? 0 : 1;
     constants.ps.debug_flags[2] = boundSlots();
     library.uploadConstants(constants.vs, constants.ps);
+    bindTextures(library);
+    const screen_area reached = m_reach.onScreen(constants.vs, constants.width, constants.height);
+    constants.reached.add(reached);
+    ++constants.group;
+    if (constants.pass == model_pass::shading)
+        return library.drawShading(constants.group, reached);
     library.useModelShaders(constants.pass, m_raster);
+    if (constants.pass == model_pass::surfaces)
+        library.useSurfaceShader(m_has_alpha, constants.group);
 
     ID3D11DeviceContext& context = library.context();
     ID3D11Buffer* vertices = m_vertex_buffer.get();
@@ -76,10 +85,14 @@ void sub_mesh::draw(lib3d& library, frame_constants& constants) const
     const UINT offset = 0;
     context.IASetVertexBuffers(0, 1, &vertices, &stride, &offset);
     context.IASetIndexBuffer(m_index_buffer.get(), DXGI_FORMAT_R16_UINT, 0);
+    context.DrawIndexed(m_index_count, 0, 0);
+}
+
+void sub_mesh::bindTextures(lib3d& library) const
+{
     std::array<ID3D11ShaderResourceView*, texture_slot_count> views{};
     std::transform(m_textures.begin(), m_textures.end(), views.begin(), viewOf);
-    context.PSSetShaderResources(first_register, texture_slot_count, views.data());
-    context.DrawIndexed(m_index_count, 0, 0);
+    library.context().PSSetShaderResources(first_register, texture_slot_count, views.data());
 }
 
 } // namespace korvane

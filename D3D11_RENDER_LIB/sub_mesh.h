@@ -27,12 +27,14 @@ public:
     bool isSkinned() const { return m_is_skinned; }
 
 private:
+    void bindTextures(lib3d& library) const;
     [[nodiscard]] bool createBuffers(lib3d& library, const scene_group& group, int bone);
     int boundSlots() const; // a bit for each slot that holds a view
 
     com_ptr<ID3D11Buffer> m_vertex_buffer;
     com_ptr<ID3D11Buffer> m_index_buffer;
     UINT m_index_count = 0;
+    mesh_reach m_reach;
     std::array<std::shared_ptr<const gpu_texture>, texture_slot_count> m_textures; // null: the group has none
     raster_mode m_raster = raster_mode::front_faces;
     bool m_has_alpha = false;

@@ -9,8 +9,7 @@ cbuffer FinalPassBuffer : register(b1) // 16 bytes; final_pass_buffer in D3D11_R
     int flags;   // final_...
 };
 
-static const int final_outlines = 1; // marks in the normals' alpha get an outline
-static const int final_softens = 2;  // steps in brightness are blended
+static const int final_softens = 2; // steps in brightness are blended
 
 Texture2D Marks : register(t12); // the normals' target
 
@@ -40,6 +39,7 @@ float4 shown(int2 at)
     return content == content_light ? float4(toneMapped(color.rgb), color.a) : color;
 }
 
+#ifdef WITH_OUTLINES
 // How much of the outline of marked groups there is: two pixels on their outer side.
 float outline(int2 at)
 {
@@ -55,6 +55,7 @@ float outline(int2 at)
 }
 
 static const float3 outline_color = float3(1.0, 0.62, 0.12); // as it is on the screen
+#endif
 
 float brightness(float3 color)
 {
@@ -93,11 +94,10 @@ float4 main(float4 position : SV_Position) : SV_Target
             color = softened(at, middle, alpha);
         color = encoded(color / max(alpha, 1e-3));
     }
-    if ((flags & final_outlines) != 0)
-    {
-        const float amount = outline(at);
-        color = lerp(color, outline_color, amount);
-        alpha = max(alpha, amount);
-    }
+#ifdef WITH_OUTLINES
+    const float amount = outline(at);
+    color = lerp(color, outline_color, amount);
+    alpha = max(alpha, amount);
+#endif
     return float4(color, alpha);
 }

@@ -15,11 +15,27 @@ struct model_targets
     float4 normal : SV_Target2;
 };
 
+// Surfaces that were drawn before (surface_ps) are shaded by a pixel shader that knows nothing of triangles.
+#ifdef OF_SURFACES
+static float footprint; // log2 of the texture coordinates that a pixel covers
+
+float levelOf(Texture2D map)
+{
+    uint width, height;
+    map.GetDimensions(width, height);
+    return footprint + log2((float)max(width, height));
+}
+#define TEXEL(map, how, uv) map.SampleLevel(how, uv, levelOf(map))
+#else
+#define TEXEL(map, how, uv) map.Sample(how, uv)
+#endif
+
 bool isBound(int slot_bit)
 {
     return (debug_flags.z & slot_bit) != 0;
 }
 
+#ifndef OF_SURFACES
 // Tangent space from how position and texture coordinate change over the screen: for models without tangents.
 void tangentsFromScreen(model_pixel pixel, float3 normal, out float3 tangent, out float3 binormal)
 {
@@ -37,17 +53,8 @@ void tangentsFromScreen(model_pixel pixel, float3 normal, out float3 tangent, ou
     binormal *= scale;
 }
 
-// Both kinds of normal maps: x in alpha with red at one, or x in red with alpha at one; y in green; z follows.
-float3 mappedNormal(model_pixel pixel, float3 normal)
+void tangentFrame(model_pixel pixel, float3 normal, out float3 tangent, out float3 binormal)
 {
-    if (!isBound(bound_normal))
-        return normal;
-    const float4 texel = tex_normal.Sample(s_normal, pixel.uv);
-    float3 local;
-    local.xy = float2(texel.r * texel.a, texel.g) * 2 - 1;
-    local.z = sqrt(saturate(1 - dot(local.xy, local.xy)));
-
-    float3 tangent, binormal;
     tangentsFromScreen(pixel, normal, tangent, binormal);
     const float3 stored = pixel.tangent - normal * dot(pixel.tangent, normal);
     if (dot(stored, stored) > 0.05)
@@ -59,6 +66,36 @@ float3 mappedNormal(model_pixel pixel, float3 normal)
         const float sign_of = abs(side) > 0.5 ? side : dot(across, binormal);
         binormal = sign_of < 0 ? -across : across;
     }
+}
+
+float3 surfaceNormal(model_pixel pixel, bool is_front)
+{
+    float3 normal = normalize(pixel.normal);
+    const float3 flat_normal = cross(ddx(pixel.world), ddy(pixel.world));
+    if (!(dot(pixel.normal, pixel.normal) > 0.25)) // a model without normals: faceted
+        normal = normalize(flat_normal * (dot(flat_normal, pixel.view) < 0 ? -1 : 1));
+    return is_front ? normal : -normal;
+}
+#else
+void tangentFrame(model_pixel pixel, float3 normal, out float3 tangent, out float3 binormal)
+{
+    tangent = pixel.tangent;
+    binormal = pixel.binormal;
+}
+#endif
+
+// Both kinds of normal maps: x in alpha with red at one, or x in red with alpha at one; y in green; z follows.
+float3 mappedNormal(model_pixel pixel, float3 normal)
+{
+    if (!isBound(bound_normal))
+        return normal;
+    const float4 texel = TEXEL(tex_normal, s_normal, pixel.uv);
+    float3 local;
+    local.xy = float2(texel.r * texel.a, texel.g) * 2 - 1;
+    local.z = sqrt(saturate(1 - dot(local.xy, local.xy)));
+
+    float3 tangent, binormal;
+    tangentFrame(pixel, normal, tangent, binormal);
     return normalize(tangent * local.x + binormal * local.y + normal * local.z);
 }
 
@@ -75,10 +112,10 @@ surface readSurface(model_pixel pixel, float3 normal, float4 diffuse)
     s.specular = 0.04;
     if (isBound(bound_specular))
     {
-        const float3 texel = tex_specular.Sample(SampleType, pixel.uv).rgb;
+        const float3 texel = TEXEL(tex_specular, SampleType, pixel.uv).rgb;
         s.specular = is_specular_linear == 1 ? linearFromGamma(texel) : texel;
     }
-    const float smoothness = isBound(bound_gloss) ? smoothnessFrom(tex_gloss_map.Sample(SampleType, pixel.uv)) : 0.4;
+    const float smoothness = isBound(bound_gloss) ? smoothnessFrom(TEXEL(tex_gloss_map, SampleType, pixel.uv)) : 0.4;
     s.roughness = clamp((1 - smoothness) * light[0].roughnessFactor, 0.05, 1);
     s.normal = normal;
     s.view = normalize(pixel.view);
@@ -125,7 +162,7 @@ float occlusion(float2 uv)
 {
     if ((debug_flags.w & draw_occluded) == 0 || !isBound(bound_mask))
         return 1;
-    const float kept = tex_mask.Sample(SampleType, uv).a;
+    const float kept = TEXEL(tex_mask, SampleType, uv).a;
     return kept > 0 ? kept : 1;
 }
 
@@ -133,7 +170,7 @@ float3 environmentOn(surface s)
 {
     const float3x3 turn = (float3x3)mRotEnv;
     const float3 ambient = light[0].ambientLight.rgb * light[0].ambientFactor;
-    float3 sum = tex_cube_diffuse.Sample(SampleType, mul(s.normal, turn)).rgb * s.base * ambient;
+    float3 sum = tex_cube_diffuse.SampleLevel(SampleType, mul(s.normal, turn), 0).rgb * s.base * ambient;
     if (show_reflections != 0)
     {
         uint width, height, levels;
@@ -145,24 +182,19 @@ float3 environmentOn(surface s)
     return sum;
 }
 
-model_targets main(model_pixel pixel, bool is_front : SV_IsFrontFace)
+model_targets shaded(model_pixel pixel, float3 normal)
 {
     float4 diffuse = float4(0.24, 0.235, 0.23, 1); // clay, for a model without its textures
     if (isBound(bound_diffuse))
     {
-        diffuse = tex_diffuse.Sample(SampleType, pixel.uv);
+        diffuse = TEXEL(tex_diffuse, SampleType, pixel.uv);
+#ifndef OF_SURFACES
         if (has_alpha == 1 && diffuse.a < 0.5)
             discard;
+#endif
         if (is_diffuse_linear == 1)
             diffuse.rgb = linearFromGamma(diffuse.rgb);
     }
-    float3 normal = normalize(pixel.normal);
-    const float3 flat_normal = cross(ddx(pixel.world), ddy(pixel.world));
-    if (!(dot(pixel.normal, pixel.normal) > 0.25)) // a model without normals: faceted
-        normal = normalize(flat_normal * (dot(flat_normal, pixel.view) < 0 ? -1 : 1));
-    if (!is_front)
-        normal = -normal;
-
     const surface s = readSurface(pixel, mappedNormal(pixel, normal), diffuse);
     model_targets result;
     result.lit = float4(lightsOn(s, pixel.world) + environmentOn(s) * occlusion(pixel.uv), 1);
@@ -170,3 +202,10 @@ model_targets main(model_pixel pixel, bool is_front : SV_IsFrontFace)
     result.base = float4(s.base, 1);
     return result;
 }
+
+#ifndef WITHOUT_MAIN
+model_targets main(model_pixel pixel, bool is_front : SV_IsFrontFace)
+{
+    return shaded(pixel, surfaceNormal(pixel, is_front));
+}
+#endif

@@ -13,6 +13,7 @@ namespace
 {
 
 constexpr std::chrono::milliseconds textures_of_frame{8}; // what they may take of it
+constexpr std::size_t most_shaded_groups = 255;           // the values of a stencil but for 0
 
 // A square grid of about four times the model's extent in steps of a power of ten, at the height of its feet.
 std::vector<gpu_line_vertex> floorGrid(const model_bounds& bounds)
@@ -71,6 +72,21 @@ bool isOfSurface(view_channel channel) // drawn by the shader of light
     return channel == view_channel::lit || channel == view_channel::normals || channel == view_channel::base;
 }
 
+// Through the pixels of the picture, in the world: ViewI holds the axes of the view as columns.
+shading_buffer raysThrough(const mvp_buffer& constants, const scene_targets& targets)
+{
+    const float half_width = 1 / constants.Projection[0][0], half_height = 1 / constants.Projection[1][1];
+    shading_buffer rays;
+    for (std::size_t i = 0; i < 3; ++i)
+    {
+        const float right = constants.ViewI[i][0], up = constants.ViewI[i][1], ahead = constants.ViewI[i][2];
+        rays.ray[i] = ahead - right * half_width + up * half_height;
+        rays.ray_x[i] = 2 * right * half_width / static_cast<float>(targets.width());
+        rays.ray_y[i] = -2 * up * half_height / static_cast<float>(targets.height());
+    }
+    return rays;
+}
+
 bool castsShadows(const lib3d& library, const view_state& view)
 {
     return view.shownChannel() == view_channel::lit && !view.is_wireframe &&
@@ -97,6 +113,9 @@ bool model_scene::create(lib3d& library, scene_pointer scene)
     m_po_figure = std::move(figure);
     m_po_pose = std::make_unique<posed_scene>(shown);
     m_poses.resize(shown->parts.size());
+    m_group_count = 0;
+    for (const scene_part& part : shown->parts)
+        m_group_count += part.groups().size();
     m_lines.resize(line_vertex_capacity);
     if (!m_po_frame)
         m_po_frame = std::make_unique<frame_constants>();
@@ -183,7 +202,10 @@ void model_scene::drawFigure(lib3d& library, const scene_targets& targets, const
             frame.pass = model_pass::lit_with_shadow;
         }
     }
-    m_po_figure->draw(library, frame);
+    if (frame.pass == model_pass::lit && targets.hasSurfaces() && m_group_count <= most_shaded_groups)
+        shadeSurfaces(library, targets, frame);
+    else
+        m_po_figure->draw(library, frame);
     if (frame.pass == model_pass::lit_with_shadow)
     {
         if (view.shows_floor || view.is_background_clear)
@@ -196,6 +218,21 @@ void model_scene::drawFigure(lib3d& library, const scene_targets& targets, const
         frame.ps.debug_flags[3] |= draw_wire_over;
         m_po_figure->draw(library, frame);
     }
+}
+
+// The same picture as of model_pass::lit; see scene_targets.
+void model_scene::shadeSurfaces(lib3d& library, const scene_targets& targets, frame_constants& frame)
+{
+    library.setShading(raysThrough(frame.vs, targets));
+    targets.bindSurfaces(library);
+    frame.pass = model_pass::surfaces;
+    m_po_figure->draw(library, frame);
+    targets.bindShading(library);
+    frame.pass = model_pass::shading;
+    frame.group = 0;
+    m_po_figure->draw(library, frame);
+    targets.endShading(library);
+    frame.pass = model_pass::lit;
 }
 
 void model_scene::drawLightMarker(lib3d& library, const view_state& view, frame_constants& frame)
@@ -239,11 +276,23 @@ void model_scene::drawOverlay(lib3d& library, const scene_targets& targets, cons
     m_po_overlay->draw(library, *m_po_overlay_text);
 }
 
+// What the final pass has to look at.
+screen_area model_scene::drawnArea(const lib3d& library, const scene_targets& targets, const view_state& view) const
+{
+    constexpr std::int32_t outline_and_edges = 4; // pixels beside the figure
+    const bool has_lines = view.shows_floor || view.shows_bounds || view.shows_light || view.shows_skeleton ||
+                           view.shows_attachments || view.is_background_clear;
+    if (!library.isSoftware() || has_lines || !m_po_pose)
+        return targets.whole();
+    const screen_area whole = targets.whole();
+    return m_po_frame->reached.grown(outline_and_edges, whole.right, whole.bottom);
+}
+
 void model_scene::draw(lib3d& library, const scene_targets& targets, ID3D11RenderTargetView* output,
                        const view_state& view)
 {
     const view_channel channel = view.shownChannel();
-    targets.begin(library, output, view.background(), view.is_background_clear);
+    targets.begin(library, output, view.background(), targetOf(channel), view.is_background_clear);
     library.beginScene();
     const bool has_outlines = view.selected.has_value() && m_po_pose;
     if (m_po_pose)
@@ -257,10 +306,14 @@ void model_scene::draw(lib3d& library, const scene_targets& targets, ID3D11Rende
         frame.hidden = view.hidden.get();
         takePoses();
         frame.poses = m_poses;
+        frame.width = static_cast<std::int32_t>(targets.width());
+        frame.height = static_cast<std::int32_t>(targets.height());
+        frame.group = 0;
+        frame.reached = {};
         drawFigure(library, targets, view, frame);
         drawLines(library, view, frame);
     }
-    targets.finish(library, output, targetOf(channel), has_outlines);
+    targets.finish(library, output, targetOf(channel), drawnArea(library, targets, view), has_outlines);
     drawOverlay(library, targets, view);
 }
 

@@ -54,6 +54,8 @@ private:
     void takePoses();
     void drawFigure(lib3d& library, const scene_targets& targets, const view_state& view, frame_constants& frame);
     void drawLines(lib3d& library, const view_state& view, frame_constants& frame);
+    void shadeSurfaces(lib3d& library, const scene_targets& targets, frame_constants& frame);
+    screen_area drawnArea(const lib3d& library, const scene_targets& targets, const view_state& view) const;
     void drawLightMarker(lib3d& library, const view_state& view, frame_constants& frame);
     void drawOverlay(lib3d& library, const scene_targets& targets, const view_state& view);
 
@@ -70,6 +72,7 @@ private:
     std::unique_ptr<posed_scene> m_po_pose;
     std::vector<part_pose> m_poses;              // of the parts, as the frame shows them
     std::vector<gpu_line_vertex> m_lines;        // as many as the bone-line buffer holds
+    std::size_t m_group_count = 0;               // of all parts
     std::unique_ptr<frame_constants> m_po_frame; // 33 KB: not on the stack, and not anew for each frame
 };
 

@@ -1,0 +1,3 @@
+// Pixel shader of the surface pass for groups that are alpha tested.
+#define WITH_ALPHA
+#include "surface_ps.hlsl"
