@@ -30,6 +30,24 @@ bool createCheckerboard(lib3d& library, texture_view& view)
     return library.isMade(S_OK, view, "checkerboard", source_name);
 }
 
+// A small texture with mip maps, as most have.
+bool createPending(lib3d& library, texture_view& view)
+{
+    constexpr std::array<std::uint32_t, 16> white = {~0u, ~0u, ~0u, ~0u, ~0u, ~0u, ~0u, ~0u,
+                                                     ~0u, ~0u, ~0u, ~0u, ~0u, ~0u, ~0u, ~0u};
+    const auto bytes = std::as_bytes(std::span(white));
+    dds_image image;
+    image.format = dds_format::rgba8;
+    image.width = image.height = 4;
+    image.mip_count = 3;
+    image.array_size = 1;
+    image.subresources = {{bytes, 4, 4, 16, 4}, {bytes, 2, 2, 8, 2}, {bytes, 1, 1, 4, 1}};
+    failure why;
+    if (!createDdsTexture(library.device(), image, view, why))
+        return !library.isLost();
+    return library.isMade(S_OK, view, "texture to come", source_name);
+}
+
 } // namespace
 
 std::shared_ptr<const gpu_texture> gpu_textures::find(const std::shared_ptr<const scene_texture>& texture)
@@ -56,12 +74,18 @@ std::shared_ptr<const gpu_texture> gpu_textures::find(const std::shared_ptr<cons
     return m_entries.emplace(texture, std::move(made)).first->second.shown;
 }
 
-void gpu_textures::load(const lib3d& library)
+bool gpu_textures::load(lib3d& library)
 {
     std::vector<std::shared_ptr<const scene_texture>> wanted;
     std::copy_if(m_order.begin(), m_order.end(), std::back_inserter(wanted),
                  [this](const auto& texture) { return !m_entries.at(texture).is_there; });
+    texture_view pending;
+    if (!wanted.empty() && !createPending(library, pending))
+        return false;
+    for (const auto& texture : wanted)
+        m_entries.at(texture).shown->pending = pending;
     m_reading.request(std::move(wanted), library.isSoftware());
+    return true;
 }
 
 bool gpu_textures::goOn(lib3d& library, std::chrono::milliseconds patience)

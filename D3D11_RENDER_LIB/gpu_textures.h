@@ -26,6 +26,7 @@ struct gpu_texture
 {
     texture_view view;    // empty: it is not there yet
     bool is_srgb = false; // the view decodes
+    texture_view pending; // bound instead, and not looked at: software devices compile shaders anew for an empty place
 };
 
 class gpu_textures
@@ -45,8 +46,8 @@ public:
     [[nodiscard]] std::shared_ptr<const gpu_texture> find(const std::shared_ptr<const scene_texture>& texture);
     void forgetFormer() { m_po_former = nullptr; } // before the former textures go
 
-    // After the last find(): asks for what is not there yet.
-    void load(const lib3d& library);
+    // After the last find(): asks for what is not there yet. False when the device was lost.
+    [[nodiscard]] bool load(lib3d& library);
     // Takes what was read to the device for about so long. False when the device was lost.
     [[nodiscard]] bool goOn(lib3d& library, std::chrono::milliseconds patience);
     // There is more to take at once, in the next frame.

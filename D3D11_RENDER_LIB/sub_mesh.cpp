@@ -91,7 +91,9 @@ void sub_mesh::draw(lib3d& library, frame_constants& constants) const
 void sub_mesh::bindTextures(lib3d& library) const
 {
     std::array<ID3D11ShaderResourceView*, texture_slot_count> views{};
-    std::transform(m_textures.begin(), m_textures.end(), views.begin(), viewOf);
+    std::transform(m_textures.begin(), m_textures.end(), views.begin(), [](const auto& texture) {
+        return texture && !texture->view ? texture->pending.get() : viewOf(texture);
+    });
     library.context().PSSetShaderResources(first_register, texture_slot_count, views.data());
 }
 

@@ -108,7 +108,8 @@ bool model_scene::create(lib3d& library, scene_pointer scene)
     if (!figure->create(library, *shown, *textures) || !createFloor(library, shown->bounds))
         return false;
     textures->forgetFormer();
-    textures->load(library);
+    if (!textures->load(library))
+        return false;
     m_po_textures = std::move(textures);
     m_po_figure = std::move(figure);
     m_po_pose = std::make_unique<posed_scene>(shown);
