@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <utility>
 
@@ -72,6 +73,32 @@ TEST(gpu_mesh, windingIsJudgedByTheNormals)
     const std::vector<vertex_record> three = {recordAt(0, 0, 0), recordAt(0, 1, 0), recordAt(1, 0, 0)};
     EXPECT_FALSE(buildGpuMesh(storeOf(three, {0, 1, 2})).is_wound_backwards);
     EXPECT_TRUE(buildGpuMesh(storeOf(three, {0, 2, 1})).is_wound_backwards);
+}
+
+// The constants are the identity: a place of -1..1 is a place of the picture.
+TEST(gpu_mesh, aGroupReachesAsFarAsItsBonesLetIt)
+{
+    std::vector<vertex_record> records = {recordAt(-0.5f, -0.5f, 0), recordAt(0.5f, -0.5f, 0), recordAt(0, 0.5f, 0)};
+    for (vertex_record& record : records)
+    {
+        record.bones = {3, 7, 3, 3};
+        record.weights = {0.5f, 0.5f, 0, 0};
+    }
+    const auto areaOf = [](const gpu_mesh& mesh, const mvp_buffer& constants) {
+        const screen_area area = mesh.reach.onScreen(constants, 100, 100);
+        return std::array<int, 4>{area.left, area.top, area.right, area.bottom};
+    };
+    const gpu_mesh mesh = buildGpuMesh(storeOf(records, {0, 1, 2}));
+    mvp_buffer constants;
+    EXPECT_EQ(areaOf(mesh, constants), (std::array<int, 4>{24, 24, 77, 77})) << "a pixel more on each side";
+    constants.tranforms[7][0][3] = 0.4f; // moved to the right
+    EXPECT_EQ(areaOf(mesh, constants), (std::array<int, 4>{24, 24, 97, 77}));
+    constants.static_model = 1;
+    EXPECT_EQ(areaOf(mesh, constants), (std::array<int, 4>{24, 24, 77, 77}));
+    records[0].weights = {0.5f, 0.1f, 0, 0};
+    constants.static_model = 0;
+    EXPECT_EQ(areaOf(buildGpuMesh(storeOf(records, {0, 1, 2})), constants), (std::array<int, 4>{0, 0, 100, 100}))
+        << "weights that do not mix";
 }
 
 } // namespace
