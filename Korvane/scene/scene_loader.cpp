@@ -25,7 +25,7 @@ scene_group sceneGroup(const group_data& group)
             std::find_if(group.textures.begin(), group.textures.end(),
                          [slot](const texture_entry& entry) { return entry.type == texture_slot_types[slot]; });
         if (found != group.textures.end())
-            result.texture_paths[slot] = found->path;
+            result.texture_paths[slot] = found->currentPath();
     }
     return result;
 }

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <new>
 
 namespace korvane::test
@@ -92,6 +93,13 @@ TEST_F(scene_loader_test, texturesTakeTheFirstEntryOfTheirTypeAndAreShared)
     EXPECT_EQ(scene->triangles, 4u);
     EXPECT_EQ(scene->bounds.extent(), glm::vec3(2, 2, 0));
     EXPECT_TRUE(m_lines.empty());
+
+    RMV2_FILE_DATA edited = modelOf(textured(squareGroup(1), {{0, "d"}, {1, "n"}}));
+    const std::array<std::byte, 256> stored{};
+    fixed_field& path = edited.lods[0].groups[0].textures[0].path_field;
+    path = fixed_field(0, stored, field_mode::zero_padded);
+    path.setText("second");
+    EXPECT_EQ(loader().loadModel(lent(edited), "Z:/m")->parts[0].textures[0][diffuse_slot]->path(), "second");
 }
 
 TEST_F(scene_loader_test, texturesEndAtTheFirstGroupWithoutItsMainOnes)
