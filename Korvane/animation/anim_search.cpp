@@ -172,27 +172,35 @@ bool findAnimations(std::span<const pack_file_node* const> candidates, std::stri
     return block_search(candidates, skeleton_id, stop).run(found, why);
 }
 
-animation_list listAnimations(const path_tree& tree, std::string_view skeleton_id,
-                              std::span<const std::string> converted_files, const log_port& log)
+animation_listing listAnimations(const path_tree& tree, std::string_view skeleton_id, const found_port& found,
+                                 const std::stop_token& stop, const log_port& log)
 {
-    animation_list list;
-    for (const std::string& path : converted_files)
-        list.choices.push_back({"[DISK]: " + std::string(fileName(path)), path, nullptr});
+    constexpr std::size_t piece_size = 4096; // worth several threads, and seen a moment later
     tell(log, "seaching for compatible animations");
-    entry_list found;
+    const entry_list all = animationCandidates(tree);
+    const std::span<const pack_file_node* const> candidates(all);
+    animation_listing listing;
     failure why;
-    const bool is_complete = findAnimations(animationCandidates(tree), skeleton_id, found, why);
-    for (const pack_file_node* entry : found)
-        list.choices.push_back({std::string(entry->fileName()), {}, entry});
-    if (!is_complete)
+    for (std::size_t done = 0; done < candidates.size() && !why && !stop.stop_requested();)
+    {
+        const auto piece = candidates.subspan(done, std::min(piece_size, candidates.size() - done));
+        entry_list more;
+        if (findAnimations(piece, skeleton_id, more, why, stop))
+            done += piece.size();
+        listing.found += more.size();
+        found(more, done, candidates.size());
+    }
+    listing.is_stopped = stop.stop_requested();
+    if (why)
     {
         tell(log, describe(why));
-        list.said = notice{"Error!", "Error reading .pack files. Are they being used by another program?"};
-        return list;
+        listing.said = notice{"Error!", "Error reading .pack files. Are they being used by another program?"};
+        return listing;
     }
-    tell(log, "Number of animations found " + std::to_string(found.size()));
-    tell(log, "Skeletopn + Animation find+load SUCCESSFUL!");
-    return list;
+    tell(log, "Number of animations found " + std::to_string(listing.found));
+    if (!listing.is_stopped)
+        tell(log, "Skeletopn + Animation find+load SUCCESSFUL!");
+    return listing;
 }
 
 compatible_search::compatible_search(std::shared_ptr<const path_tree> tree, std::string skeleton_id)

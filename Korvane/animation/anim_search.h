@@ -14,6 +14,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -38,21 +39,18 @@ namespace korvane
 [[nodiscard]] bool findAnimations(std::span<const pack_file_node* const> candidates, std::string_view skeleton_id,
                                   entry_list& found, failure& why, const std::stop_token& stop = {});
 
-// One row of the list from which an animation is picked.
-struct animation_choice
+// What came of a search whose list was filled meanwhile.
+struct animation_listing
 {
-    std::string label;                     // "[DISK]: walk.anim", or the entry's file name
-    std::string disk_path;                 // of a converted file, as the configuration has it; else empty
-    const pack_file_node* entry = nullptr; // null for a converted file
+    std::size_t found = 0;
+    bool is_stopped = false;    // there may be more
+    std::optional<notice> said; // an archive could not be read: found is what came before it
 };
-
-struct animation_list
-{
-    std::vector<animation_choice> choices; // the converted files first, then what the archives have
-    std::optional<notice> said;            // an archive could not be read: the list has what was found so far
-};
-[[nodiscard]] animation_list listAnimations(const path_tree& tree, std::string_view skeleton_id,
-                                            std::span<const std::string> converted_files, const log_port& log = {});
+// How far it is, and what was found since the last time; by the thread that lists.
+using found_port = std::function<void(const entry_list& more, std::size_t done, std::size_t total)>;
+// findAnimations() among all candidates, piece by piece and in their order, and what the log says of it.
+animation_listing listAnimations(const path_tree& tree, std::string_view skeleton_id, const found_port& found,
+                                 const std::stop_token& stop = {}, const log_port& log = {});
 
 // The same search in steps, for a dialog that shows its progress. Takes versions 5 and 7 only, and passes over whatever
 // cannot be read. One thread at a time, but for requestStop().

@@ -152,24 +152,6 @@ TEST_F(anim_search_tests, aStopRequestEndsTheSteps)
     EXPECT_EQ(search.matches().size(), 1u);
 }
 
-TEST_F(anim_search_tests, theListBeginsWithConvertedFiles)
-{
-    addUsualArchives();
-    text_list log;
-    const text_list converted = {"d:\\work\\my walk.anim", "other/run.anim"};
-    const animation_list list =
-        listAnimations(*tree, "man_01", converted, [&log](const std::string& line) { log.push_back(line); });
-    ASSERT_EQ(list.choices.size(), 3u);
-    EXPECT_EQ(list.choices[0].label, "[DISK]: my walk.anim");
-    EXPECT_EQ(list.choices[0].disk_path, converted[0]);
-    EXPECT_EQ(list.choices[1].label, "[DISK]: run.anim");
-    EXPECT_EQ(list.choices[2].label, "run.anim");
-    ASSERT_NE(list.choices[2].entry, nullptr);
-    EXPECT_EQ(log, (text_list{"seaching for compatible animations", "Number of animations found 1",
-                              "Skeletopn + Animation find+load SUCCESSFUL!"}));
-    EXPECT_FALSE(list.said);
-}
-
 TEST_F(anim_search_tests, manyCandidatesKeepTheirOrderAndAnUnreadableArchiveEndsThem)
 {
     std::vector<test::test_entry> first, second;
@@ -191,6 +173,7 @@ TEST_F(anim_search_tests, manyCandidatesKeepTheirOrderAndAnUnreadableArchiveEnds
     EXPECT_TRUE(findAnimations(animationCandidates(*tree), "Man_01", none, why, stop.get_token()));
     EXPECT_TRUE(none.empty());
 
+    const auto whole_size = std::filesystem::file_size(toPath(archivePath("y")));
     std::filesystem::resize_file(toPath(archivePath("y")), 100); // somebody writes it anew
     wanted.resize(1000);
     entry_list found;
@@ -199,11 +182,33 @@ TEST_F(anim_search_tests, manyCandidatesKeepTheirOrderAndAnUnreadableArchiveEnds
     EXPECT_EQ(why.kind, failure_kind::unreadable);
     EXPECT_EQ(why.path, "3000.anim in " + archivePath("y"));
 
-    const animation_list list = listAnimations(*tree, "Man_01", text_list{"a.anim"});
-    EXPECT_EQ(list.choices.size(), 1001u);
-    ASSERT_TRUE(list.said);
-    EXPECT_EQ(list.said->title, "Error!");
-    EXPECT_EQ(list.said->text, "Error reading .pack files. Are they being used by another program?");
+    text_list log, listed;
+    std::size_t pieces = 0;
+    const found_port take = [&](const entry_list& more, std::size_t, std::size_t total) {
+        ++pieces;
+        EXPECT_EQ(total, 5000u);
+        for (const std::string& name : names(more))
+            listed.push_back(name);
+    };
+    const log_port tell_log = [&log](const std::string& line) { log.push_back(line); };
+    const animation_listing cut = listAnimations(*tree, "Man_01", take, {}, tell_log);
+    EXPECT_EQ(listed, wanted);
+    ASSERT_TRUE(cut.said);
+    EXPECT_EQ(cut.said->title, "Error!");
+    EXPECT_EQ(cut.said->text, "Error reading .pack files. Are they being used by another program?");
+    EXPECT_EQ(log.front(), "seaching for compatible animations");
+    EXPECT_EQ(log.size(), 2u) << "and which archive";
+
+    std::filesystem::resize_file(toPath(archivePath("y")), whole_size); // of zeros, which are nobody's animation
+    listed.clear();
+    log.clear();
+    pieces = 0;
+    EXPECT_EQ(listAnimations(*tree, "Man_01", take, {}, tell_log).found, 1000u);
+    EXPECT_EQ(listed, wanted);
+    EXPECT_GT(pieces, 1u) << "there is something to see before the end";
+    EXPECT_EQ(log, (text_list{"seaching for compatible animations", "Number of animations found 1000",
+                              "Skeletopn + Animation find+load SUCCESSFUL!"}));
+    std::filesystem::resize_file(toPath(archivePath("y")), 100);
 
     compatible_search search(tree, "Man_01"); // passes over what it cannot read
     while (search.step())
