@@ -30,17 +30,28 @@ inline constexpr std::string_view texture_choices = "texture_choices"; // "dds",
 // Of the windows: left top right bottom dpi, and 1 when it is maximised (Korvane/document/window_place.h).
 inline constexpr std::string_view main_window_place = "window_place";
 inline constexpr std::string_view view_place = "view_place";
-inline constexpr std::string_view page = "page";               // that was shown last
-inline constexpr std::string_view columns_prefix = "columns_"; // and the list's name: the widths of its columns
+inline constexpr std::string_view playback_place = "playback_place"; // of the box of animations
+inline constexpr std::string_view page = "page";                     // that was shown last
+inline constexpr std::string_view columns_prefix = "columns_";       // and the list's name: the widths of its columns
 
-inline constexpr std::array known = {data_folders,       mod_folders,
-                                     recent_files,       converted_files,
-                                     packs_cache,        first_time,
-                                     folder_box_text,    internal_folders,
-                                     bone_list_path,     older_converted_files,
-                                     last_fbx_folder,    last_anim_folder,
-                                     last_export_folder, main_window_place,
-                                     view_place,         page,
-                                     texture_folder,     texture_choices};
+inline constexpr std::array known = {data_folders,
+                                     mod_folders,
+                                     recent_files,
+                                     converted_files,
+                                     packs_cache,
+                                     first_time,
+                                     folder_box_text,
+                                     internal_folders,
+                                     bone_list_path,
+                                     older_converted_files,
+                                     last_fbx_folder,
+                                     last_anim_folder,
+                                     last_export_folder,
+                                     main_window_place,
+                                     view_place,
+                                     playback_place,
+                                     page,
+                                     texture_folder,
+                                     texture_choices};
 
 } // namespace korvane::config_keys

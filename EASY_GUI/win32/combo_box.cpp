@@ -5,9 +5,10 @@
 namespace korvane
 {
 
-bool combo_box::create(HWND parent, int id)
+bool combo_box::create(HWND parent, int id, entries wanted)
 {
-    return createControl(L"COMBOBOX", parent, id, {}, CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP);
+    const DWORD kind = wanted == entries::typed ? CBS_DROPDOWN : CBS_DROPDOWNLIST;
+    return createControl(L"COMBOBOX", parent, id, {}, kind | WS_VSCROLL | WS_TABSTOP);
 }
 
 void combo_box::place(int x, int y, int width, int height)

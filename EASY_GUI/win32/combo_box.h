@@ -1,6 +1,6 @@
 #pragma once
 
-// A drop-down list of fixed entries, each with a number of its own.
+// A drop-down list of fixed entries, each with a number of its own; if wanted, something else can be typed instead.
 
 #include "EASY_GUI/win32/control.h"
 
@@ -14,7 +14,14 @@ class combo_box : public control
 public:
     std::function<void(int position)> onSelect; // by the person; select() calls nothing
 
-    [[nodiscard]] bool create(HWND parent, int id);
+    std::function<void()> onType; // the text, by the person; setText() calls nothing
+
+    enum class entries
+    {
+        fixed,
+        typed // too
+    };
+    [[nodiscard]] bool create(HWND parent, int id, entries wanted = entries::fixed);
 
     void place(int x, int y, int width, int height) override; // of the closed list
 
@@ -25,7 +32,10 @@ public:
 
 protected:
     LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
-    bool onNotified(int code) override { return code == CBN_SELCHANGE && tell(onSelect, selected()); }
+    bool onNotified(int code) override
+    {
+        return code == CBN_SELCHANGE ? tell(onSelect, selected()) : code == CBN_EDITCHANGE && tell(onType);
+    }
     bool isTextClipped() const override
     {
         return widthOf(text()) > clientWidth() - GetSystemMetrics(SM_CXVSCROLL) - scaled(8);

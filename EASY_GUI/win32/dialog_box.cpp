@@ -33,7 +33,9 @@ bool hasClass(HWND handle, const wchar_t* name)
 
 bool isOpenList(HWND focused)
 {
-    return hasClass(focused, L"COMBOBOX") && SendMessageW(focused, CB_GETDROPPEDSTATE, 0, 0) != 0;
+    const HWND around = GetParent(focused); // of the field of a list into which one can type
+    const HWND list = hasClass(around, L"COMBOBOX") ? around : focused;
+    return hasClass(list, L"COMBOBOX") && SendMessageW(list, CB_GETDROPPEDSTATE, 0, 0) != 0;
 }
 
 } // namespace
@@ -65,7 +67,12 @@ bool dialog_box::open(HWND owner, failure& why)
     settings.width = settings.height = 100;
     settings.parent = owner;
     if (create(settings, why))
-        return placeOver(owner), true;
+    {
+        placeOver(owner); // in its size
+        if (onPlace())
+            layOut();
+        return true;
+    }
     if (m_failure)
         why = m_failure;
     return false;

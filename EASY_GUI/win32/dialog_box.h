@@ -48,6 +48,7 @@ protected:
 
     // Nothing, with the reason: the dialog does not open.
     virtual std::optional<layout> onFill(failure& why) = 0;
+    virtual bool onPlace() { return false; }    // where it is to be shown; false: over the middle of its owner
     virtual void onShown() {}                   // once it is seen
     virtual void onCancel() { end(cancelled); } // Escape, Alt+F4, the close button
 

@@ -100,6 +100,25 @@ enum control_id : int
     control_found_games,
     control_found_add,
     control_found_cancel,
+
+    control_playback_skeleton = 1700,
+    control_playback_filter,
+    control_playback_list,
+    control_playback_status,
+    control_playback_folders,
+    control_playback_stop,
+    control_playback_message,
+    control_playback_track,
+    control_playback_progress,
+    control_playback_play,
+    control_playback_back,
+    control_playback_next,
+    control_playback_frame,
+    control_playback_time,
+    control_playback_first,
+    control_playback_last,
+    control_playback_all,
+    control_playback_speed,
 };
 
 } // namespace korvane

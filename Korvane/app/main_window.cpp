@@ -58,10 +58,14 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
     , m_commands(m_document, m_ports.prompt, m_ports.config)
     , m_display(*this, m_document, m_thread, m_ports.make_view,
                 {logPort(),
-                 [this] { showCounts(); },
+                 [this] {
+                     showCounts();
+                     m_playback_box.follow();
+                 },
                  [this](const work_progress& now) { showLoading(now); },
                  [this](HWND view) { return restoreView(view); },
-                 {{}, [this](const shown_group& group) { picked(group); }, {}, [this] { savePicture(); }, {}}})
+                 viewEvents()})
+    , m_playback_box(*this, m_display)
     , m_archives(*this)
     , m_opening(*this, m_menu, [this](const std::string& path) { opened(path); })
     , m_model_page(*this, {m_ports.open_folder, m_ports.open_editor})
@@ -318,7 +322,8 @@ void main_window::onDpiChanged(unsigned)
 
 bool main_window::takesShortcutsOf(HWND top) const
 {
-    return window::takesShortcutsOf(top) || (view() != nullptr && top == view()->handle());
+    return window::takesShortcutsOf(top) || (view() != nullptr && top == view()->handle()) ||
+           (m_playback_box.isOpen() && top == m_playback_box.handle());
 }
 
 LRESULT main_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
@@ -466,6 +471,7 @@ void main_window::showDocument()
         each->showDocument();
     m_show_view.setEnabled(isEnabled(document_command::show_view));
     m_display.showDocument();
+    m_playback_box.follow();
     showCounts();
 }
 

@@ -17,6 +17,7 @@
 #include "Korvane/app/model_page.h"
 #include "Korvane/app/model_view.h"
 #include "Korvane/app/page.h"
+#include "Korvane/app/playback_box.h"
 #include "Korvane/app/problems_page.h"
 #include "Korvane/app/scene_display.h"
 
@@ -58,6 +59,7 @@ public:
     const status_bar& statusLine() const { return m_status; }
     bool isChecking() const { return m_problems_page.isChecking(); }
     bool isLoading() const { return m_display.isLoading(); } // what the view will show
+    const playback_box& playbackBox() const { return m_playback_box; }
     bool takesShortcutsOf(HWND top) const override;
 
     open_files& document() override { return m_document; }
@@ -125,6 +127,7 @@ private:
     void showSelection();
     void showCounts();
     void showLoading(const work_progress& now); // of what the view will show
+    view_events viewEvents();
     void picked(const shown_group& group);
     void showView(scene_display::focus wanted);
     void savePicture();
@@ -144,6 +147,7 @@ private:
     int m_works = 0;               // that run, one within the other
     main_menu m_menu;
     scene_display m_display;
+    playback_box m_playback_box;
     game_archives m_archives;
     file_opening m_opening;
 

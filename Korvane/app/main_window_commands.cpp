@@ -34,12 +34,24 @@ void main_window::nameActions()
         {command::guide, [this] { showGuide(*this); }},
         {command::about, [this] { showAbout(); }},
         {command::game_folders, [this] { setUpFolders(); }},
+        {command::play_animation, [this] { m_playback_box.open(); }},
         {command::show_view, [this] { showView(scene_display::focus::moves); }},
     };
     for (const command of_textures :
          {command::choose_texture, command::replace_picture, command::edit_picture, command::extract_textures,
           command::choose_texture_folder, command::open_texture_folder, command::copy_texture_paths})
         m_actions[of_textures] = [this, of_textures] { m_model_page.textures().run(of_textures); };
+}
+
+// But for the log.
+view_events main_window::viewEvents()
+{
+    view_events events;
+    events.picked = [this](const shown_group& group) { picked(group); };
+    events.choose_animation = [this] { m_playback_box.open(); };
+    events.save_picture = [this] { savePicture(); };
+    events.played = [this] { m_playback_box.showPlaying(); };
+    return events;
 }
 
 // A command looks at the document, and what was typed into a field is meant to be in it.

@@ -62,6 +62,8 @@ constexpr command_row table[] = {
      "Makes a game animation out of an FBX file."},
     {command::generate_bone_table, animations_menu, "&Generate .bone_table From .ANIM\t Ctrl+Shift+G",
      "Writes the bones of a skeleton as a table."},
+    {command::play_animation, animations_menu, "&Play Animation... \t\t Ctrl+P",
+     "Lists the animations that are made for what is open, and plays them in the 3D view.", "", "", true},
 
     {command::open_definition, "&Variants", "&Open .variantmeshdefintion file", "Opens a variant mesh definition.",
      "MENU_VARIANT_OPEN"},

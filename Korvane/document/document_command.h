@@ -31,6 +31,7 @@ enum class document_command
     game_folders,
     convert_animation,
     generate_bone_table,
+    play_animation,
     open_definition,
     about,
     legal,

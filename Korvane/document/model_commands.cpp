@@ -60,6 +60,7 @@ bool model_commands::isEnabled(document_command command, const window_facts& fac
         return model.canRedo();
     case document_command::reset:
     case document_command::show_view:
+    case document_command::play_animation:
         return m_document.shown() != open_files::kind::nothing;
     case document_command::save_picture:
         return facts.has_view && m_document.shown() != open_files::kind::nothing;

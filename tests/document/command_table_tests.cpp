@@ -35,7 +35,8 @@ TEST(command_table, menusHaveTheirTextsInTheirOrder)
           "Replace Path Prefix...", "Copy textures paths"}},
         {"Tools", {"Setup Game Folders..."}},
         {"Animations",
-         {"Convert FBX animation to .ANIM\t Ctrl+Shift+C", "Generate .bone_table From .ANIM\t Ctrl+Shift+G"}},
+         {"Convert FBX animation to .ANIM\t Ctrl+Shift+C", "Generate .bone_table From .ANIM\t Ctrl+Shift+G",
+          "Play Animation... \t\t Ctrl+P"}},
         {"Variants", {"Open .variantmeshdefintion file(MENU_VARIANT_OPEN)"}},
         {"Help", {"Info And Credits", "Legal Info about FBX SDK", "Guide \t\t F1"}},
     };
