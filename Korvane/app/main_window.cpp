@@ -63,8 +63,7 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
                      m_playback_box.follow();
                  },
                  [this](const work_progress& now) { showLoading(now); },
-                 [this](HWND view) { return restoreView(view); },
-                 viewEvents()})
+                 [this](HWND view) { return restoreView(view); }, viewEvents()})
     , m_playback_box(*this, m_display)
     , m_archives(*this)
     , m_opening(*this, m_menu, [this](const std::string& path) { opened(path); })

@@ -5,6 +5,7 @@
 #include "EASY_GUI/services/text.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/window_places.h"
+#include "Korvane/presenters/skeleton_exchange.h"
 
 #include <algorithm>
 #include <commctrl.h>
@@ -129,10 +130,7 @@ void playback_box::nameHandlers()
             step();
         };
     };
-    m_skeleton.onSelect = [this](int position) {
-        if (m_picker.chooseSkeleton(position))
-            search();
-    };
+    m_skeleton.onSelect = [this](int position) { chooseSkeleton(position); };
     m_filter.onChange = [this] { filter(); };
     m_filter.onKey = [this](unsigned key) { return walk(key); };
     m_list.onSelect = [this](int row) {
@@ -225,6 +223,7 @@ void playback_box::onShown()
 {
     m_shown.reset();
     m_shown_state.reset();
+    m_shown_skeletons.clear();
     m_picker.rows().setFilter({});
     restartControls();
     SetTimer(handle(), refresh_timer, refresh_pause, nullptr); // goes with the window
@@ -235,6 +234,7 @@ void playback_box::onDestroyed()
 {
     resume();
     m_search.stop();
+    m_found.reset();
     m_picker.forget();
     if (const std::optional<window_place> place = placeOf(handle()))
         m_host.config().change(
@@ -272,9 +272,20 @@ void playback_box::follow()
     if (m_picker.show({m_display.view() != nullptr, document.shown() != open_files::kind::nothing, m_display.scene(),
                        document.game(), std::move(converted)}))
         search();
+    else
+        m_list.refresh();
     showSkeletons();
     showTexts();
     showPlaying();
+}
+
+// A field that is left shows what came of what was typed.
+void playback_box::onControlFocused(HWND focused)
+{
+    dialog_box::onControlFocused(focused);
+    m_shown.reset();
+    if (focused != m_first.handle() && focused != m_last.handle() && focused != m_speed.handle())
+        showRange();
 }
 
 void playback_box::search()
@@ -318,6 +329,7 @@ void playback_box::endSearch(const animation_listing& listing)
 
 void playback_box::filter()
 {
+    KillTimer(handle(), play_timer);
     m_picker.rows().setFilter(m_filter.text());
     m_list.refresh();
     showChosen();
@@ -330,14 +342,14 @@ bool playback_box::walk(unsigned virtual_key)
     const int page = std::max(1, static_cast<int>(SendMessageW(m_list.handle(), LVM_GETCOUNTPERPAGE, 0, 0)));
     const int row = m_list.selected();
     // The bind pose stands first, and is hardly what was looked for.
-    const int first_found = last > 0 && !m_picker.rows().filter().empty() ? 1 : 0;
+    const int first_found = m_picker.rows().filter().empty() ? 0 : 1;
     switch (virtual_key)
     {
     case VK_RETURN:
-        play(row > 0 ? row : first_found, true);
+        play(row >= 0 ? row : first_found, true);
         return true;
     case VK_DOWN:
-        m_wanted_row = row <= 0 && first_found > row ? first_found : row + 1;
+        m_wanted_row = row >= 0 ? row + 1 : first_found;
         break;
     case VK_UP:
         m_wanted_row = row - 1;
@@ -357,11 +369,42 @@ bool playback_box::walk(unsigned virtual_key)
     return true;
 }
 
+void playback_box::chooseSkeleton(int position)
+{
+    if (m_picker.chooseSkeleton(position))
+        search();
+    if (const pack_file_node* const wanted = m_picker.wantedSkeleton())
+        m_reading.start([this, wanted, id = m_picker.shownId(), game = m_host.document().game()](const work_port&) {
+            scene_rig rig;
+            failure why;
+            const bool is_read = readSkeleton(*wanted, id, rig, why);
+            return background_task::answer([this, wanted, is_read, rig, why, game] {
+                if (is_read && m_display.scene())
+                {
+                    m_picker.exchanged(*wanted, rig);
+                    return m_display.exchange(exchangeSkeleton(*m_display.scene(), rig));
+                }
+                m_host.logLine("playback_box::chooseSkeleton(). " + describe(why));
+                m_picker.keepSkeleton(why);
+                follow();
+            });
+        });
+    showSkeletons();
+    showTexts();
+}
+
 void playback_box::showSkeletons()
 {
-    m_skeleton.clear();
+    std::string all;
     for (const skeleton_choice& each : m_picker.skeletons())
-        m_skeleton.add(each.label);
+        all += each.label + "\n";
+    if (all != m_shown_skeletons) // else a list that is open would close
+    {
+        m_skeleton.clear();
+        for (const skeleton_choice& each : m_picker.skeletons())
+            m_skeleton.add(each.label);
+        m_shown_skeletons = all;
+    }
     const int shown = m_picker.shownSkeleton();
     m_skeleton.select(shown);
     m_skeleton.setEnabled(m_picker.skeletons().size() > 1);
@@ -383,7 +426,8 @@ void playback_box::showTexts()
 void playback_box::showChosen()
 {
     const std::optional<std::size_t> row = m_picker.chosenRow();
-    m_list.select(row ? static_cast<int>(*row) : -1);
+    const bool is_hidden = !row || (*row == 0 && !m_picker.rows().filter().empty()); // what is found comes first then
+    m_list.select(is_hidden ? -1 : static_cast<int>(*row));
 }
 
 void playback_box::play(int row, bool is_asked_for)

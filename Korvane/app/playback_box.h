@@ -41,6 +41,7 @@ protected:
     bool onPlace() override;
     void onShown() override;
     void onDestroyed() override;
+    void onControlFocused(HWND focused) override;
     LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
 
 private:
@@ -65,6 +66,7 @@ private:
     void filter();
     bool walk(unsigned virtual_key); // in the list, from the filter
     void showSkeletons();
+    void chooseSkeleton(int position);
     void showTexts();
     void showChosen();
 
@@ -101,6 +103,7 @@ private:
 
     std::optional<playback_position> m_shown; // in the fields; nothing: they are empty
     std::optional<play_state> m_shown_state;
+    std::string m_shown_skeletons;             // a line each
     bool m_is_held = false;                    // by the bar: it plays on when the bar is let go
     int m_wanted_row = -1;                     // to be played when the person does not walk on
     std::shared_ptr<animation_finder> m_found; // by the newest search

@@ -56,7 +56,8 @@ public:
     void showEdited();    // the open model with other textures or alpha modes, if the view shows that
     void showFigure();    // the open definition with other alternatives, if the view shows that
     void showSelection(); // outlines the group that the panels show
-    void showLevel();     // another level of detail of the open model, if the view shows that
+    void exchange(scene_pointer scene) { take(std::move(scene)); } // of the same models: another skeleton
+    void showLevel(); // another level of detail of the open model, if the view shows that
     bool isLoading() const { return m_loading.isRunning(); }
     // Has changed textures read again. A text for the status line; empty: nothing has changed.
     std::string followFiles();

@@ -52,6 +52,16 @@ std::string animation_choice::label() const
     return entry != nullptr ? displayText(entry->fileName()) : "[DISK]: " + displayText(fileName(disk_path));
 }
 
+std::string_view animation_choice::path() const
+{
+    return entry != nullptr ? entry->internalPath() : std::string_view(disk_path);
+}
+
+std::string animation_choice::place() const
+{
+    return entry != nullptr ? entry->packPath() + "|" + std::string(path()) : disk_path;
+}
+
 void animation_rows::begin(std::span<const std::string> converted_files)
 {
     m_choices.assign(1, {});
@@ -114,10 +124,9 @@ std::string animation_rows::text(std::size_t row, std::size_t column) const
         return shown.label();
     if (shown.isBindPose())
         return {};
-    const bool is_entry = shown.entry != nullptr;
     if (column == cell_folder)
-        return displayText(folderOf(is_entry ? shown.entry->internalPath() : std::string_view(shown.disk_path)));
-    return is_entry ? displayText(shown.entry->archive().name) : std::string();
+        return displayText(folderOf(shown.path()));
+    return shown.entry != nullptr ? displayText(shown.entry->archive().name) : std::string();
 }
 
 row_mark animation_rows::mark(std::size_t row) const
@@ -125,10 +134,10 @@ row_mark animation_rows::mark(std::size_t row) const
     return !choice(row).isBindPose() && choice(row).entry == nullptr ? row_mark::good : row_mark::plain;
 }
 
-std::optional<std::size_t> animation_rows::rowOf(const animation_choice& wanted) const
+std::optional<std::size_t> animation_rows::rowOf(const std::string& place) const
 {
     for (std::size_t row = 0; row < m_shown.size(); ++row)
-        if (choice(row) == wanted)
+        if (place.ends_with(choice(row).path()) && choice(row).place() == place) // few are made for that
             return row;
     return std::nullopt;
 }

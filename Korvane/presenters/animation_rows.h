@@ -25,8 +25,9 @@ struct animation_choice
     std::string disk_path = {};            // of a converted file
 
     bool isBindPose() const { return entry == nullptr && disk_path.empty(); }
-    std::string label() const; // "walk.anim", "[DISK]: walk.anim", "[-- Bind/A-Pose --]"
-    friend bool operator==(const animation_choice&, const animation_choice&) = default;
+    std::string label() const;     // "walk.anim", "[DISK]: walk.anim", "[-- Bind/A-Pose --]"
+    std::string_view path() const; // internal, or on the disk; empty for the bind pose
+    std::string place() const;     // tells it from all others, also after the archives were read again
 };
 
 class animation_rows : public list_model
@@ -48,7 +49,7 @@ public:
     row_mark mark(std::size_t row) const override;
 
     const animation_choice& choice(std::size_t row) const { return m_choices[m_shown[row]]; }
-    std::optional<std::size_t> rowOf(const animation_choice& wanted) const; // nothing: it is not shown
+    std::optional<std::size_t> rowOf(const std::string& place) const; // nothing: it is not shown
     // Without the bind pose.
     std::size_t animationCount() const { return m_choices.size() - 1; }
     std::size_t shownAnimationCount() const { return m_shown.size() - 1; }

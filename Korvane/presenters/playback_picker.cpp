@@ -89,14 +89,25 @@ read_animation readAnimation(animation_choice choice, std::string skeleton_id)
 bool playback_picker::show(surroundings now)
 {
     const std::vector<std::string> ids = now.scene ? idsOf(*now.scene) : std::vector<std::string>();
-    const bool is_same = m_is_known && ids == m_ids && now.game == m_now.game &&
-                         now.converted_files == m_now.converted_files && now.has_view == m_now.has_view;
+    m_is_known = m_is_known && now.game == m_now.game && now.converted_files == m_now.converted_files;
     follow(now.scene);
     m_now = std::move(now);
-    if (!m_now.has_view && m_now.has_document)
+    if (!m_now.has_view && !std::exchange(m_is_view_missed, true))
         tell(m_log, "playback_box::onDialogInit(LPARAM): m_poD3DWindow == nullptr");
-    if (is_same || !m_now.scene)
+    if (!m_now.has_document)
+    {
+        forget();
+        m_rows.begin({});
+        m_skeletons.clear();
+        m_skeleton = -1;
+    }
+    if (!m_now.has_document || !m_now.scene)
         return false;
+    if (m_is_known && ids == m_ids) // with another level of detail, or another skeleton of the same id
+    {
+        m_skeleton = movingSkeleton(shownId());
+        return false;
+    }
     m_ids = ids;
     m_is_known = true;
     m_unread.clear();
@@ -111,6 +122,7 @@ void playback_picker::follow(const scene_pointer& scene)
     if (!scene || m_path == scene->path)
         return;
     m_path = scene->path;
+    m_exchanged.clear();
     m_played.clear(); // the view has begun anew, too
     m_problems.clear();
     m_unread.clear();
@@ -118,7 +130,7 @@ void playback_picker::follow(const scene_pointer& scene)
 
 void playback_picker::forget()
 {
-    m_is_known = false;
+    m_is_known = m_is_view_missed = false;
     m_search = search::none;
 }
 
@@ -127,27 +139,26 @@ void playback_picker::findSkeletonsOfScene()
 {
     const std::string former = shownId();
     m_skeletons.clear();
+    m_po_skeleton_game = m_now.game;
     for (const std::string& id : m_ids)
     {
         const std::size_t count = m_skeletons.size();
         const path_tree none;
         const path_tree& tree = m_now.game->archives() ? *m_now.game->archives() : none;
         for (const pack_file_node* const entry : findSkeletons(tree, id, m_log))
-            m_skeletons.push_back({id, displayText(entry->fileName()), displayText(placeOf(*entry))});
+            m_skeletons.push_back({id, displayText(entry->fileName()), displayText(placeOf(*entry)), entry});
         if (m_skeletons.size() > count || id.empty())
             continue;
         const auto rig = std::find_if(m_now.scene->rigs.begin(), m_now.scene->rigs.end(),
                                       [&id](const scene_rig& each) { return each.id == id; });
         if (rig->path.empty())
-            m_skeletons.push_back({id, displayText(id) + " (not found)", rig->problem});
+            m_skeletons.push_back({id, displayText(id) + " (not found)", rig->problem, nullptr});
         else
-            m_skeletons.push_back({id, displayText(fileName(rig->path)), displayText(rig->path)});
+            m_skeletons.push_back({id, displayText(fileName(rig->path)), displayText(rig->path), nullptr});
     }
-    const auto kept = std::find_if(m_skeletons.begin(), m_skeletons.end(),
-                                   [&former](const skeleton_choice& each) { return each.id == former; });
-    m_skeleton = m_skeletons.empty()         ? -1
-                 : kept != m_skeletons.end() ? static_cast<int>(kept - m_skeletons.begin())
-                                             : 0;
+    m_skeleton = movingSkeleton(former);
+    if (m_skeleton < 0 && !m_skeletons.empty())
+        m_skeleton = movingSkeleton(m_skeletons.front().id);
 }
 
 std::string playback_picker::shownId() const
@@ -165,11 +176,49 @@ bool playback_picker::chooseSkeleton(int position)
     return shownId() != former;
 }
 
+// The position of the one that moves the rigs of an id; -1: none is found.
+int playback_picker::movingSkeleton(const std::string& id) const
+{
+    const scene_rig* const rig = rigOf(id);
+    const pack_file_node* entry = nullptr;
+    for (const exchange& each : m_exchanged)
+        if (rig != nullptr && each.skeleton == rig->skeleton)
+            entry = each.entry;
+    int first = -1;
+    for (std::size_t i = m_skeletons.size(); i-- > 0;)
+        if (m_skeletons[i].id == id)
+        {
+            if (entry != nullptr && m_skeletons[i].entry == entry)
+                return static_cast<int>(i);
+            first = static_cast<int>(i);
+        }
+    return first;
+}
+
+const pack_file_node* playback_picker::wantedSkeleton() const
+{
+    if (m_skeleton < 0 || movingSkeleton(shownId()) == m_skeleton)
+        return nullptr;
+    return m_skeletons[static_cast<std::size_t>(m_skeleton)].entry;
+}
+
+void playback_picker::exchanged(const pack_file_node& entry, const scene_rig& by)
+{
+    m_exchanged.push_back({&entry, by.skeleton});
+}
+
+void playback_picker::keepSkeleton(const failure& why)
+{
+    m_unread = sentence("This skeleton cannot be read: " + displayText(describe(why)));
+    m_skeleton = movingSkeleton(shownId());
+}
+
 std::shared_ptr<animation_finder> playback_picker::beginSearch()
 {
     m_search = search::running;
     m_done = m_total = 0;
     m_rows.begin(m_now.converted_files);
+    m_po_row_game = m_now.game;
     return std::make_shared<animation_finder>(m_now.game, shownId());
 }
 
@@ -195,7 +244,7 @@ std::optional<std::size_t> playback_picker::chosenRow() const
 {
     const auto found = std::find_if(m_played.begin(), m_played.end(),
                                     [id = shownId()](const played& each) { return each.skeleton_id == id; });
-    return found == m_played.end() ? m_rows.rowOf({}) : m_rows.rowOf(found->choice);
+    return m_rows.rowOf(found == m_played.end() ? std::string() : found->place);
 }
 
 bool playback_picker::choose(read_animation read)
@@ -209,7 +258,8 @@ bool playback_picker::choose(read_animation read)
     m_problems.clear();
     std::erase_if(m_played, [&read](const played& each) { return each.skeleton_id == read.skeleton_id; });
     if (read.data)
-        m_played.push_back({std::move(read.skeleton_id), std::move(read.choice), std::move(read.data)});
+        m_played.push_back(
+            {std::move(read.skeleton_id), read.choice.label(), read.choice.place(), std::move(read.data)});
     return true;
 }
 
@@ -246,12 +296,12 @@ std::string playback_picker::status() const
                                                   : "");
 }
 
-const scene_rig* playback_picker::shownRig() const
+const scene_rig* playback_picker::rigOf(const std::string& id) const
 {
     if (!m_now.scene)
         return nullptr;
     for (const scene_rig& rig : m_now.scene->rigs)
-        if (rig.id == shownId())
+        if (rig.id == id)
             return &rig;
     return nullptr;
 }
@@ -273,7 +323,7 @@ std::string playback_picker::missing() const
     if (m_now.scene->rigs.empty())
         return "What is open names no skeleton, so there is nothing to move. Units and animals have one; buildings "
                "and weapons mostly have none.";
-    const scene_rig* const rig = shownRig();
+    const scene_rig* const rig = rigOf(shownId());
     if (rig != nullptr && !rig->skeleton && rig->path.empty())
         return "There is no skeleton " + quotedName(rig->id) +
                (needsFolders()
@@ -309,8 +359,8 @@ std::string playback_picker::message() const
     if (!text.empty())
         return text;
     for (const played& each : m_played)
-        text += (text.empty() ? "" : " and ") + each.choice.label();
-    if (const scene_rig* const rig = shownRig(); !text.empty())
+        text += (text.empty() ? "" : " and ") + each.label;
+    if (const scene_rig* const rig = rigOf(shownId()); !text.empty())
         return "Shown: " + text + (rig == nullptr || rig->problem.empty() ? "" : ". " + sentence(rig->problem));
     return m_rows.animationCount() == 0 ? "" : "The bind pose is shown. Choose an animation to play it.";
 }

@@ -53,12 +53,13 @@ struct read_animation
 // The bind pose needs no reading. Any thread that keeps the archives.
 [[nodiscard]] read_animation readAnimation(animation_choice choice, std::string skeleton_id);
 
-// A skeleton of the scene that was found. Of several for one id the first moves the scene.
+// A skeleton of the scene that was found. Of several for one id the first moves the scene until another is chosen.
 struct skeleton_choice
 {
     std::string id;
-    std::string label; // file name
-    std::string tip;   // where it is
+    std::string label;                     // file name
+    std::string tip;                       // where it is
+    const pack_file_node* entry = nullptr; // null: it is not in the archives, or nowhere
 };
 
 class playback_picker
@@ -84,6 +85,10 @@ public:
     const std::vector<skeleton_choice>& skeletons() const { return m_skeletons; }
     int shownSkeleton() const { return m_skeleton; } // -1: none
     [[nodiscard]] bool chooseSkeleton(int position); // true: another search is to be run
+    // After that: the entry that the scene is to be moved by from now on (skeleton_exchange.h); null: it is already.
+    const pack_file_node* wantedSkeleton() const;
+    void exchanged(const pack_file_node& entry, const scene_rig& by); // the next scene to be shown has it
+    void keepSkeleton(const failure& why);                            // it cannot be had: the one before stays
     std::string shownId() const;
 
     // In place of one that runs.
@@ -120,24 +125,34 @@ private:
     struct played
     {
         std::string skeleton_id;
-        animation_choice choice;
+        std::string label;
+        std::string place;
         std::shared_ptr<const anim_data> data;
     };
+    struct exchange
+    {
+        const pack_file_node* entry;
+        std::shared_ptr<const anim_data> skeleton;
+    };
     void findSkeletonsOfScene();
+    int movingSkeleton(const std::string& id) const;
     std::string missing() const;
-    const scene_rig* shownRig() const;
+    const scene_rig* rigOf(const std::string& id) const; // null: there is none
 
     log_port m_log;
     surroundings m_now;
     std::string m_path;             // of the scene that is shown
     std::vector<std::string> m_ids; // of the scene's skeletons, each once; one empty id where there is none
-    bool m_is_known = false;
+    bool m_is_known = false;        // what was searched is what is shown
+    bool m_is_view_missed = false;  // and that was said
     std::vector<skeleton_choice> m_skeletons;
     int m_skeleton = -1;
+    std::shared_ptr<const game_data> m_po_skeleton_game, m_po_row_game; // keep the entries that are listed
     search m_search = search::none;
     std::size_t m_done = 0, m_total = 0; // candidates
     animation_rows m_rows;
-    std::vector<played> m_played; // the leading one last
+    std::vector<exchange> m_exchanged; // skeletons, for other ones than the first
+    std::vector<played> m_played;      // the leading one last
     std::vector<std::string> m_problems;
     std::string m_unread; // what was picked last and could not be read
 };
