@@ -67,8 +67,7 @@ void playback_box::open()
         SetForegroundWindow(handle());
         return m_filter.focus();
     }
-    if (m_display.view() == nullptr || !m_display.view()->isVisible())
-        m_host.runCommand(document_command::show_view); // which says why when there is none
+    m_host.runCommand(document_command::show_view); // which says why when there is none, and brings it to the front
     failure why;
     const model_view* const view = m_display.view();
     if (showBeside(view != nullptr ? view->handle() : m_host.frame(), why))
