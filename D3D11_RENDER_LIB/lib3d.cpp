@@ -234,7 +234,7 @@ bool lib3d::createSamplers()
         description.Filter = kinds[i].filter;
         description.AddressU = description.AddressV = description.AddressW = kinds[i].address;
         description.MaxAnisotropy = 1;
-        description.MipLODBias = i == 0 ? -0.5f : 0.0f;
+        description.MipLODBias = (i == 0 ? -0.5f : 0.0f) + m_texture_bias;
         description.ComparisonFunc = D3D11_COMPARISON_NEVER;
         description.MaxLOD = D3D11_FLOAT32_MAX;
         if (!isMade(m_device->CreateSamplerState(&description, m_samplers[i].put()), m_samplers[i], "sampler",
@@ -469,10 +469,15 @@ void lib3d::drawLines(std::span<const gpu_line_vertex> lines)
     drawLines(*m_line_buffer.get(), static_cast<UINT>(lines.size()));
 }
 
+void lib3d::setFinalPass(const final_pass_buffer& settings)
+{
+    m_context->UpdateSubresource(m_final_buffer.get(), 0, nullptr, &settings, 0, 0);
+}
+
 void lib3d::drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceView* marks,
                           const final_pass_buffer& settings, const screen_area& area, bool has_outlines)
 {
-    m_context->UpdateSubresource(m_final_buffer.get(), 0, nullptr, &settings, 0, 0);
+    setFinalPass(settings);
     ID3D11Buffer* buffer = m_final_buffer.get();
     ID3D11ShaderResourceView* views[] = {shown, marks};
     m_context->VSSetConstantBuffers(1, 1, &buffer);

@@ -101,6 +101,9 @@ public:
     // The device draws on the processor (device_probe.h): what is dear there is made cheap, and nothing is drawn that a
     // graphics card alone can afford.
     bool isSoftware() const { return m_is_software; }
+    // Added to the level of detail of textures: below 0 where several samples become one pixel. Before
+    // createSamplers().
+    void setTextureBias(float levels) { m_texture_bias = levels; }
     void assumeSoftware(bool is_software) { m_is_software = is_software; } // to compare both; before anything is made
 
     ID3D11Device& device() const { return *m_device.get(); }
@@ -123,6 +126,8 @@ public:
     void drawLines(ID3D11Buffer& vertices, UINT vertex_count);
     // Out of the bone-line buffer; what is beyond its capacity is left out.
     void drawLines(std::span<const gpu_line_vertex> lines);
+    // The size that the final pass and what is written over it are given.
+    void setFinalPass(const final_pass_buffer& settings);
     // Shows the view in the area of the bound target through the final pass, with outlines around what the marks, those
     // of the normals' target, say.
     void drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceView* marks,
@@ -148,6 +153,7 @@ private:
     com_ptr<ID3D11DeviceContext> m_context;
     bool m_is_software = false;
     bool m_is_tolerant = false;
+    float m_texture_bias = 0;
     HRESULT m_loss = S_OK;
 
     com_ptr<ID3D11VertexShader> m_model_vs, m_line_vs, m_final_vs;

@@ -40,6 +40,18 @@ UINT samplesOf(ID3D11Device& device, DXGI_FORMAT format, UINT wanted)
                                                                                                                 : 1;
 }
 
+// The viewport is that of the whole picture, so that no corner of a triangle is computed in another way for a part.
+void useViewport(lib3d& library, const picture_part& part)
+{
+    const D3D11_VIEWPORT viewport{-static_cast<float>(part.left),
+                                  -static_cast<float>(part.top),
+                                  static_cast<float>(part.width),
+                                  static_cast<float>(part.height),
+                                  0.0f,
+                                  1.0f};
+    library.context().RSSetViewports(1, &viewport);
+}
+
 bool createTexture(lib3d& library, UINT width, UINT height, DXGI_FORMAT format, UINT bind, const char* name,
                    com_ptr<ID3D11Texture2D>& texture, UINT samples = 1)
 {
@@ -90,6 +102,7 @@ bool scene_targets::create(lib3d& library, UINT width, UINT height, UINT samples
         return false;
     m_width = width;
     m_height = height;
+    m_part = {width, height};
     return !library.isSoftware() || m_samples > 1 || createSurfaces(library, width, height);
 }
 
@@ -156,8 +169,16 @@ void scene_targets::bind(lib3d& library) const
     ID3D11RenderTargetView* targets[target_count];
     std::transform(m_targets.begin(), m_targets.end(), targets, [](const auto& target) { return target.get(); });
     library.context().OMSetRenderTargets(target_count, targets, m_depth.get());
-    const D3D11_VIEWPORT viewport{0, 0, static_cast<float>(m_width), static_cast<float>(m_height), 0.0f, 1.0f};
-    library.context().RSSetViewports(1, &viewport);
+    useViewport(library, m_part);
+}
+
+void scene_targets::usePicturePixels(lib3d& library) const
+{
+    useViewport(library, m_part);
+    final_pass_buffer settings;
+    settings.width = static_cast<std::int32_t>(m_part.width);
+    settings.height = static_cast<std::int32_t>(m_part.height);
+    library.setFinalPass(settings);
 }
 
 void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown, const screen_area& area,
@@ -166,6 +187,7 @@ void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, shown
     constexpr auto marks = static_cast<std::size_t>(shown_target::normals);
     const auto wanted = static_cast<std::size_t>(shown);
     library.context().OMSetRenderTargets(1, &output, nullptr);
+    useViewport(library, {m_width, m_height});
     if (m_samples > 1)
         for (std::size_t i = 0; i < target_count; ++i)
             if (i == wanted || (has_outlines && i == marks))
@@ -176,7 +198,7 @@ void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, shown
     settings.content = shown == shown_target::lit       ? target_content::light
                        : shown == shown_target::normals ? target_content::data
                                                         : target_content::colour;
-    settings.flags = m_samples == 1 ? final_softens : 0;
+    settings.flags = m_samples == 1 && !m_part.has_samples ? final_softens : 0;
     library.drawFinalPass(m_views[wanted].get(), m_views[marks].get(), settings, area, has_outlines);
 }
 

@@ -20,10 +20,26 @@ enum class shown_target // by the number of the target
     normals
 };
 
+// Which part of a picture the targets hold, when they do not hold all of it. A part lies wholly within the picture.
+struct picture_part
+{
+    UINT width = 0; // of the whole picture, pixels
+    UINT height = 0;
+    UINT left = 0; // of the part
+    UINT top = 0;
+    // All that has a place in the scene is moved by this on the picture, by less than a pixel: for several samples. By
+    // who draws it: not every driver takes fractions of pixels in a viewport.
+    float shift_x = 0;
+    float shift_y = 0;
+    bool has_samples = false; // several of it become one picture: edges are not softened besides
+};
+
 class scene_targets
 {
 public:
     static constexpr std::size_t target_count = 3;
+    // A pixel of the shown picture depends on pixels of the scene that far away.
+    static constexpr UINT reach = 2;
 
     // Replaces the targets by ones of that size; width and height are above zero. With more than one sample a pixel the
     // edges of triangles are smooth; where the device has no targets with so many, there is one. False when the device
@@ -31,8 +47,13 @@ public:
     [[nodiscard]] bool create(lib3d& library, UINT width, UINT height, UINT samples = 1);
     void release();
 
+    // From the next begin() on. After create() the targets are the whole picture.
+    void show(const picture_part& part) { m_part = part; }
+
     UINT width() const { return m_width; }
     UINT height() const { return m_height; }
+    const picture_part& part() const { return m_part; }
+    bool isWhole() const { return m_part.width == m_width && m_part.height == m_height && !m_part.has_samples; }
 
     UINT samples() const { return m_samples; }
 
@@ -41,6 +62,8 @@ public:
     void begin(lib3d& library, ID3D11RenderTargetView* output, float background, shown_target shown,
                bool is_clear = false) const;
     void bind(lib3d& library) const; // again, after something else was drawn into
+    // For what is given in pixels of the whole picture, behind finish(): into the same output.
+    void usePicturePixels(lib3d& library) const;
     // Shows one of the targets in the output. With outlines those of the groups that are marked are drawn, too.
     // Beyond the area there is the background alone.
     void finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown, const screen_area& area,
@@ -52,7 +75,8 @@ public:
 
     // On software devices, with one sample: surfaces are drawn first, as what shading needs to know of each pixel, and
     // are shaded then, each pixel once. In forward drawing most of the time goes into pixels beside small triangles.
-    bool hasSurfaces() const { return static_cast<bool>(m_surfaces[0]); }
+    // Not for parts of pictures and several samples: they are drawn forward.
+    bool hasSurfaces() const { return m_surfaces[0] && isWhole(); }
     void bindSurfaces(lib3d& library) const;
     void bindShading(lib3d& library) const; // the targets, and the surfaces to read
     void endShading(lib3d& library) const;  // the stencil is cleared
@@ -63,6 +87,7 @@ private:
     UINT m_width = 0;
     UINT m_height = 0;
     UINT m_samples = 1;
+    picture_part m_part;
     std::array<com_ptr<ID3D11Texture2D>, target_count> m_drawn;    // with all samples
     std::array<com_ptr<ID3D11Texture2D>, target_count> m_resolved; // what is shown; with one sample the same
     std::array<com_ptr<ID3D11RenderTargetView>, target_count> m_targets;

@@ -87,7 +87,7 @@ float4 main(float4 position : SV_Position) : SV_Target
     const int2 at = int2(position.xy);
     const float4 middle = shown(at);
     float3 color = middle.rgb;
-    float alpha = content == content_data ? 1 : middle.a;
+    float alpha = content == content_data ? (middle.a > 0 ? 1 : 0) : middle.a; // of data it is a group's mark
     if (content != content_data)
     {
         if ((flags & final_softens) != 0)

@@ -27,6 +27,9 @@ inline constexpr std::string_view last_export_folder = "fbx_to_anim_dialog__last
 // Of extracted textures.
 inline constexpr std::string_view texture_folder = "texture_folder";
 inline constexpr std::string_view texture_choices = "texture_choices"; // "dds", "png" or "tga"; "flat"
+// Of saved pictures: "view" or the pixels as in "1920x1080"; "samples" and how many; "transparent"; "free", when own
+// sizes need not keep the view's proportions.
+inline constexpr std::string_view picture_choices = "picture_choices";
 // Of the windows: left top right bottom dpi, and 1 when it is maximised (Korvane/document/window_place.h).
 inline constexpr std::string_view main_window_place = "window_place";
 inline constexpr std::string_view view_place = "view_place";
@@ -52,6 +55,7 @@ inline constexpr std::array known = {data_folders,
                                      playback_place,
                                      page,
                                      texture_folder,
-                                     texture_choices};
+                                     texture_choices,
+                                     picture_choices};
 
 } // namespace korvane::config_keys

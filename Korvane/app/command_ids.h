@@ -101,6 +101,15 @@ enum control_id : int
     control_found_add,
     control_found_cancel,
 
+    control_picture_size = 1640,
+    control_picture_width,
+    control_picture_height,
+    control_picture_proportions,
+    control_picture_background,
+    control_picture_samples,
+    control_picture_note,
+    control_picture_save,
+
     control_playback_skeleton = 1700,
     control_playback_filter,
     control_playback_list,

@@ -4,7 +4,6 @@
 #include "Korvane/viewer/d3d_window.h"
 #include "Korvane/viewer/offscreen.h"
 
-#include <cstring>
 #include <utility>
 
 namespace korvane
@@ -41,23 +40,33 @@ private:
 
 picture_maker d3d_model_view::pictureMaker() const
 {
-    const scene_pointer scene = m_po_d3d_window->scene();
-    const RECT size = m_po_d3d_window->clientRectangle();
+    static_assert(picture_settings::most_pixels == largest_picture);
+    static_assert(picture_settings::sample_choices == sample_choices);
+    const d3d_window& window = *m_po_d3d_window;
+    const scene_pointer scene = window.scene();
+    const RECT size = window.clientRectangle();
     if (!scene || scene->parts.empty() || size.right <= 0 || size.bottom <= 0)
         return {};
     render_options options;
-    options.width = static_cast<std::uint32_t>(size.right);
-    options.height = static_cast<std::uint32_t>(size.bottom);
-    options.view = m_po_d3d_window->view();
+    options.view = window.view();
+    options.view.selected.reset(); // what belongs to working in the view
+    options.view.mouse.reset();
+    options.view.shows_help = false;
+    options.view.shows_light = false;
     options.frames_scene = false;
-    return [scene, options](picture& made, failure& why) {
-        render_result result;
-        if (!renderToImage(scene, options, result, why))
-            return false;
-        made = picture(options.width, options.height);
-        std::memcpy(made.pixels().data(), result.rgba.data(), made.pixels().size_bytes());
-        return true;
+    options.animations = window.animations();
+    const picture_wish wish{m_po_d3d_window->playback().shown()};
+    const auto draw = [scene, options, wish](const picture_request& wanted, const work_port& work, picture& made,
+                                             failure& why) {
+        render_options its = options;
+        its.width = wanted.size.width;
+        its.height = wanted.size.height;
+        its.samples = wanted.samples;
+        its.view.is_background_clear = wanted.is_transparent;
+        its.log = work.log;
+        return picture_session(scene, std::move(its)).draw(wish, work, made, why);
     };
+    return {{static_cast<std::uint32_t>(size.right), static_cast<std::uint32_t>(size.bottom)}, draw};
 }
 
 void showProgramIcon(HWND window)

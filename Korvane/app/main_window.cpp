@@ -6,11 +6,11 @@
 #include "EASY_GUI/win32/modal_work.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/game_folders_dialog.h"
+#include "Korvane/app/picture_dialog.h"
 #include "Korvane/app/resources.h"
 #include "Korvane/app/window_places.h"
 #include "Korvane/document/kept_edits.h"
 #include "Korvane/presenters/help_texts.h"
-#include "Korvane/textures/picture_file.h"
 
 #include <algorithm>
 #include <array>
@@ -529,22 +529,7 @@ void main_window::savePicture()
     const picture_maker maker = view()->pictureMaker();
     if (!maker)
         return setStatus("There is nothing to be seen in the 3D view yet.");
-    const auto path =
-        m_ports.prompt.pickSavePath("Save Picture", {{"PNG (*.png)", "*.png"}, {"Targa (*.tga)", "*.tga"}}, "png",
-                                    {"", m_document.shownName() + ".png"});
-    if (!path || path->empty())
-        return;
-    failure why;
-    bool is_saved = false;
-    work("Saving the picture", [&](const work_port&) {
-        picture made;
-        is_saved =
-            maker(made, why) && writePictureFile(*path, pictureKind(*path).value_or(picture_kind::png), made, why);
-    });
-    if (is_saved)
-        return setStatus("Saved " + *path);
-    logLine("main_window::savePicture(). " + describe(why));
-    m_ports.prompt.show("Error!", "The picture could not be saved.\r\n\r\n" + describe(why), prompt_icon::error);
+    korvane::savePicture(*this, maker, m_document.shownName() + ".png");
 }
 
 void main_window::followFiles()

@@ -5,8 +5,10 @@
 
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/log_port.h"
+#include "EASY_GUI/services/work_port.h"
 #include "Korvane/animation/anim_file.h"
 #include "Korvane/posing/playback.h"
+#include "Korvane/presenters/picture_settings.h"
 #include "Korvane/scene/loaded_scene.h"
 #include "Korvane/scene/shown_group.h"
 #include "Korvane/textures/picture.h"
@@ -21,9 +23,15 @@
 namespace korvane
 {
 
-// Draws what the view shows at the moment it was asked for: on any thread, also when the view is gone. False and a
-// reason without a graphics device.
-using picture_maker = std::function<bool(picture& made, failure& why)>;
+// Draws what the view showed at the moment it was asked for: on any thread, also when the view is gone. False and a
+// reason without a graphics device; without a reason when the work was to stop.
+struct picture_maker
+{
+    picture_size view; // the size of the view
+    std::function<bool(const picture_request& wanted, const work_port& work, picture& made, failure& why)> draw;
+
+    explicit operator bool() const { return draw != nullptr; }
+};
 
 // What the person does in the view. All but the log may be empty; called by the window thread.
 struct view_events
@@ -53,7 +61,7 @@ public:
     virtual std::vector<std::string> setAnimations(std::vector<std::shared_ptr<const anim_data>> animations) = 0;
     virtual playback_control& playback() = 0;
     virtual void playbackChanged() = 0;             // after a wish to it: the frames follow
-    virtual picture_maker pictureMaker() const = 0; // in the size of the view; empty: there is nothing to see
+    virtual picture_maker pictureMaker() const = 0; // empty: there is nothing to see
 };
 
 // Makes a view that shows nothing yet and is hidden; null and a reason when there is no usable graphics device.

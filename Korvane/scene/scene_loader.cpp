@@ -139,7 +139,7 @@ scene_pointer scene_loader::loadModel(std::shared_ptr<const scene_model> model, 
         if (model->has_skeleton)
         {
             part.rig = 0;
-            scene.rigs.push_back(findRig(model->skeleton_id, path, former));
+            scene.rigs.push_back(m_skeleton ? givenRig(model->skeleton_id) : findRig(model->skeleton_id, path, former));
             if (!scene.rigs[0].problem.empty())
                 report(scene, scene.rigs[0].problem);
         }
@@ -265,8 +265,15 @@ std::shared_ptr<const scene_model> scene_loader::readModel(loaded_scene& scene, 
 }
 
 // What was found for the former scene, or not, is the same for this one.
+scene_rig scene_loader::givenRig(const std::string& id) const
+{
+    return rigOf(*m_skeleton, m_skeleton->skeleton_name.empty() ? id : m_skeleton->skeleton_name, m_skeleton_path);
+}
+
 scene_rig scene_loader::findRig(const std::string& id, const std::string& around, const scene_pointer& former) const
 {
+    if (m_skeleton && equalsIgnoringCase(m_skeleton->skeleton_name, id))
+        return givenRig(id);
     if (former)
         for (const scene_rig& one : former->rigs)
             if (one.id == id)

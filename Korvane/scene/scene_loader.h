@@ -30,6 +30,14 @@ public:
     // Replaces the game as the source of textures, for all scenes that are loaded from now on.
     void setTextureReader(texture_reader reader) { m_reader = std::move(reader); }
 
+    // A skeleton in place of those that are looked up: of a model whatever skeleton it names, of a figure for the
+    // models that name it. Null: none.
+    void setSkeleton(std::shared_ptr<const anim_data> skeleton, std::string path)
+    {
+        m_skeleton = std::move(skeleton);
+        m_skeleton_path = std::move(path);
+    }
+
     // Each gives null only when the work port has asked to stop. A level of detail beyond a model's last one means the
     // last one. The path (UTF-8, of the model or the definition) says where textures are looked for on the disk.
     //
@@ -63,6 +71,7 @@ private:
     [[nodiscard]] std::shared_ptr<const scene_model> readModel(loaded_scene& scene, const std::string& internal_path);
     void addPart(loaded_scene& scene, scene_part part, std::size_t lod);
     scene_rig findRig(const std::string& id, const std::string& around, const scene_pointer& former) const;
+    scene_rig givenRig(const std::string& id) const;
     void loadTextures(loaded_scene& scene, scene_part& part);
     [[nodiscard]] bool loadTexture(loaded_scene& scene, const std::string& path,
                                    std::shared_ptr<const scene_texture>& texture);
@@ -77,6 +86,8 @@ private:
     game_data m_game;
     work_port m_work;
     texture_reader m_reader;
+    std::shared_ptr<const anim_data> m_skeleton; // given
+    std::string m_skeleton_path;
     std::vector<known_texture> m_known;
 };
 

@@ -93,6 +93,16 @@ bool castsShadows(const lib3d& library, const view_state& view)
            (view.shadows == shadow_choice::on || (view.shadows == shadow_choice::automatic && !library.isSoftware()));
 }
 
+void fillConstants(const view_state& view, const picture_part& part, frame_constants& frame)
+{
+    const auto width = static_cast<float>(part.width);
+    const auto height = static_cast<float>(part.height);
+    view.fill(width / height, frame.vs, frame.ps);
+    // What the distance, by which all is divided, adds to both directions.
+    frame.vs.Projection[0][2] += 2 * part.shift_x / width;
+    frame.vs.Projection[1][2] -= 2 * part.shift_y / height;
+}
+
 } // namespace
 
 bool model_scene::create(lib3d& library, scene_pointer scene)
@@ -272,8 +282,10 @@ void model_scene::drawOverlay(lib3d& library, const scene_targets& targets, cons
 {
     if (!m_po_overlay)
         return;
-    writeOverlay({view, m_po_pose.get(), static_cast<float>(targets.width()), static_cast<float>(targets.height())},
+    const picture_part& part = targets.part();
+    writeOverlay({view, m_po_pose.get(), static_cast<float>(part.width), static_cast<float>(part.height)},
                  *m_po_overlay_text);
+    targets.usePicturePixels(library);
     m_po_overlay->draw(library, *m_po_overlay_text);
 }
 
@@ -283,7 +295,7 @@ screen_area model_scene::drawnArea(const lib3d& library, const scene_targets& ta
     constexpr std::int32_t outline_and_edges = 4; // pixels beside the figure
     const bool has_lines = view.shows_floor || view.shows_bounds || view.shows_light || view.shows_skeleton ||
                            view.shows_attachments || view.is_background_clear;
-    if (!library.isSoftware() || has_lines || !m_po_pose)
+    if (!library.isSoftware() || has_lines || !m_po_pose || !targets.isWhole())
         return targets.whole();
     const screen_area whole = targets.whole();
     return m_po_frame->reached.grown(outline_and_edges, whole.right, whole.bottom);
@@ -299,7 +311,7 @@ void model_scene::draw(lib3d& library, const scene_targets& targets, ID3D11Rende
     if (m_po_pose)
     {
         frame_constants& frame = *m_po_frame;
-        view.fill(static_cast<float>(targets.width()) / static_cast<float>(targets.height()), frame.vs, frame.ps);
+        fillConstants(view, targets.part(), frame);
         frame.ps.debug_flags[3] = (view.uses_occlusion ? draw_occluded : 0) | static_cast<std::int32_t>(channel)
                                                                                   << draw_channel_shift;
         frame.heat_bone = view.heat_bone;

@@ -49,6 +49,7 @@ struct view_record
     std::optional<shown_group> selected;
     std::size_t animations = 0;
     view_events events;
+    picture_request picture;    // that was made last
     std::vector<unsigned> keys; // pressed without Ctrl, as far as the view can tell
 };
 
@@ -82,12 +83,13 @@ public:
     void playbackChanged() override {}
     picture_maker pictureMaker() const override
     {
-        return [](picture& made, failure&) {
-            made = picture(2, 1);
-            made.pixels()[0] = rgba(1, 2, 3, 4);
-            made.pixels()[1] = rgba(5, 6, 7, 8);
-            return true;
-        };
+        return {{2, 1}, [this](const picture_request& wanted, const work_port&, picture& made, failure&) {
+                    m_record.picture = wanted;
+                    made = picture(2, 1);
+                    made.pixels()[0] = rgba(1, 2, 3, 4);
+                    made.pixels()[1] = rgba(5, 6, 7, 8);
+                    return true;
+                }};
     }
 
 private:

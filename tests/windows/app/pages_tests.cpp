@@ -114,6 +114,16 @@ TEST_F(pages_test, dialogsOfCommandsSayAndDoWhatIsAsked)
         SendMessageW(GetDlgItem(shown, control_prefix_replace), BM_CLICK, 0, 0);
     });
     EXPECT_EQ(m_window->document().model().changes().size(), 4u);
+
+    m_prompt.answer = m_folder + "seen.tga";
+    commandWith(document_command::save_picture, [](HWND shown) {
+        SetWindowTextW(GetDlgItem(shown, control_picture_width), L"8193");
+        EXPECT_FALSE(IsWindowEnabled(GetDlgItem(shown, control_picture_save)));
+        SetWindowTextW(GetDlgItem(shown, control_picture_width), L"3000"); // the view is 2 x 1
+        PostMessageW(GetDlgItem(shown, control_picture_save), BM_CLICK, 0, 0);
+    });
+    EXPECT_EQ(happened(), "Saved " + m_folder + "seen.tga");
+    EXPECT_EQ(m_view.picture.size, (picture_size{3000, 1500}));
 }
 
 TEST_F(pages_test, normalMapsAreConvertedAndCancellingWritesNothing)

@@ -2,12 +2,12 @@
 #include "D3D11_RENDER_LIB/lib3d.h"
 #include "Korvane/scene/scene_loader.h"
 #include "Korvane/viewer/model_scene.h"
-#include "Korvane/viewer/offscreen.h"
 #include "tests/support/dds_builder.h"
 #include "tests/support/mesh_builder.h"
+#include "tests/support/silhouette.h"
 #include "tests/support/texture_map.h"
+#include "tests/windows/render/one_picture.h"
 
-#include <glm/vec4.hpp>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,6 +21,8 @@ namespace
 {
 
 using test::modelOf;
+using test::render_result;
+using test::renderToImage;
 using test::sphereGroup;
 using test::squareGroup;
 using test::test_dds;
@@ -103,53 +105,6 @@ std::string colourDds(std::uint32_t rgba)
     return colourDds(rgba, rgba, rgba);
 }
 
-// The silhouette by plain arithmetic: triangles projected with the camera and filled without the graphics device.
-class cpu_silhouette
-{
-public:
-    cpu_silhouette(const RMV2_FILE_DATA& model, const camera& eye) : m_covered(std::size_t{width} * height, false)
-    {
-        const glm::mat4 all = camera::projection(static_cast<float>(width) / height) * eye.view() * eye.world() *
-                              eye.pitchMatrix() * eye.yawMatrix();
-        for (const group_data& group : model.lods[0].groups)
-            for (std::size_t i = 0; i + 2 < group.store.indices.size(); i += 3)
-                fill(corner(all, group, i), corner(all, group, i + 1), corner(all, group, i + 2));
-    }
-    bool covers(std::uint32_t x, std::uint32_t y) const { return m_covered[std::size_t{y} * width + x]; }
-    bool isEdge(std::uint32_t x, std::uint32_t y) const
-    {
-        for (const std::uint32_t row : {y - 1, y, y + 1})
-            for (const std::uint32_t column : {x - 1, x, x + 1})
-                if (covers(column, row) != covers(x, y))
-                    return true;
-        return false;
-    }
-
-private:
-    static glm::vec2 corner(const glm::mat4& all, const group_data& group, std::size_t index)
-    {
-        const glm::vec4 clip = all * glm::vec4(group.store.vertices[group.store.indices[index]].position, 1);
-        return {(clip.x / clip.w * 0.5f + 0.5f) * width, (0.5f - clip.y / clip.w * 0.5f) * height};
-    }
-    void fill(const glm::vec2& a, const glm::vec2& b, const glm::vec2& c)
-    {
-        const auto side = [](const glm::vec2& from, const glm::vec2& to, const glm::vec2& p) {
-            return (to.x - from.x) * (p.y - from.y) - (to.y - from.y) * (p.x - from.x);
-        };
-        for (std::uint32_t y = 0; y < height; ++y)
-            for (std::uint32_t x = 0; x < width; ++x)
-            {
-                const glm::vec2 p(static_cast<float>(x) + 0.5f, static_cast<float>(y) + 0.5f);
-                const float ab = side(a, b, p);
-                const float bc = side(b, c, p);
-                const float ca = side(c, a, p);
-                if ((ab >= 0 && bc >= 0 && ca >= 0) || (ab <= 0 && bc <= 0 && ca <= 0))
-                    m_covered[std::size_t{y} * width + x] = true;
-            }
-    }
-    std::vector<bool> m_covered;
-};
-
 TEST(render, theSilhouetteIsThatOfTheMesh)
 {
     RMV2_FILE_DATA model = modelOf(sphereGroup({0, 1, 0}, 0.5f, 16), sphereGroup({0.6f, 0.2f, 0.3f}, 0.2f, 12));
@@ -158,7 +113,13 @@ TEST(render, theSilhouetteIsThatOfTheMesh)
     options.pitch = -0.3f;
     options.view.shows_normals = true; // no shading that could come near the background
     const render_result result = drawn(model, options);
-    const cpu_silhouette expected(model, result.eye);
+    test::silhouette expected(width, height, result.eye.toClip(static_cast<float>(width) / height));
+    for (const group_data& group : model.lods[0].groups)
+    {
+        const auto corner = [&group](std::size_t i) { return group.store.vertices[group.store.indices[i]].position; };
+        for (std::size_t i = 0; i + 2 < group.store.indices.size(); i += 3)
+            expected.add({corner(i), corner(i + 1), corner(i + 2)});
+    }
     const pixel background = pixelAt(result, 2u, 2u);
     std::size_t covered = 0;
     std::size_t different = 0;

@@ -4,12 +4,12 @@
 #include "Korvane/archives/pack_reader.h"
 #include "Korvane/scene/scene_loader.h"
 #include "Korvane/viewer/d3d_window.h"
-#include "Korvane/viewer/offscreen.h"
 #include "tests/support/dds_builder.h"
 #include "tests/support/mesh_builder.h"
 #include "tests/support/model_builder.h"
 #include "tests/support/pack_builder.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/windows/render/one_picture.h"
 
 #include <gtest/gtest.h>
 
