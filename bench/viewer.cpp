@@ -1,11 +1,13 @@
 // Measures the model view on the device that is there; run by hand, from the source folder, through tools/with_wine:
-//   bench_viewer.exe build/demo/variantmeshes/wh_variantmodels/hu1/demo/demo_guard.rigid_model_v2 [FRAMES]
+//   bench_viewer.exe build/demo/variantmeshes/wh_variantmodels/hu1/demo/demo_guard.rigid_model_v2 [FRAMES [ANIMATION]]
 // All ratios are of frames that alternate in one run, so that a busy machine disturbs both.
 
 #include "D3D11_RENDER_LIB/gpu_mesh.h"
+#include "Korvane/animation/anim_file.h"
 #include "Korvane/models/rmv2_file.h"
 #include "Korvane/scene/scene_loader.h"
 #include "Korvane/viewer/model_scene.h"
+#include "bench/large_model.h"
 #include "bench/pack_corpus.h"
 #include "tests/posing/allocation_count.h"
 
@@ -219,9 +221,16 @@ void measureFrames(const scene_pointer& scene, int frames)
 }
 
 // What a frame does before it calls Direct3D: poses, constants, and what part of the picture each group reaches.
-void measureOwnTime(const scene_pointer& scene)
+void measureOwnTime(const scene_pointer& scene, const char* animation)
 {
     posed_scene pose(scene);
+    if (animation != nullptr)
+    {
+        anim_file played;
+        failure why;
+        stopOn(!played.loadAnimation(animation, why), describe(why));
+        stopOn(!pose.setAnimation(std::make_shared<const anim_data>(played.takeData())), "the animation does not fit");
+    }
     playback_control playback;
     view_state view;
     view.eye.frame(scene->bounds, static_cast<float>(width) / height);
@@ -249,15 +258,16 @@ void measureOwnTime(const scene_pointer& scene)
     std::printf("a frame's own time: %.3f ms in the median (wanted: 0.5)\n", median(seconds) * 1e3);
 }
 
-void measureHandOver(const std::string& path)
+void measureHandOver()
 {
+    const std::string model = bench::largeModel();
     double decoded = 1e9, made = 1e9;
     for (int i = 0; i < 7; ++i)
     {
-        memory_file bytes;
         failure why;
-        stopOn(!bytes.read(path, why), describe(why));
+        const std::string path = "large.rigid_model_v2";
         const auto file = std::make_shared<rmv2_file>();
+        memory_file bytes(model);
         auto begin = clock_type::now();
         stopOn(!file->openFromMemory(std::move(bytes), path, why), describe(why));
         std::vector<gpu_vertex> copied; // as many bytes as the device gets
@@ -335,8 +345,8 @@ int main(int count, char** values)
     const scene_pointer scene =
         scene_loader{game_data()}.loadModel(std::shared_ptr<const RMV2_FILE_DATA>(file, &file->data()), path);
     measureFrames(scene, count > 2 ? std::atoi(values[2]) : 20);
-    measureOwnTime(scene);
-    measureHandOver(path);
+    measureOwnTime(scene, count > 3 ? values[3] : nullptr);
+    measureHandOver();
     measureLoading(*scene);
     return 0;
 }

@@ -12,6 +12,7 @@
 #include "EASY_GUI/win32/handle_policies.h"
 #include "EASY_GUI/win32/wide_text.h"
 #include "Korvane/app/command_ids.h"
+#include "bench/large_model.h"
 #include "bench/pack_corpus.h"
 #include "tests/support/pack_builder.h"
 #include "tests/windows/ui_handles.h"
@@ -32,7 +33,6 @@ using clock_type = std::chrono::steady_clock;
 constexpr UINT patience_ms = 60000;
 constexpr int cached_starts = 7;
 constexpr int handle_opens = 1000;
-constexpr std::size_t vertex_count = 50000;
 
 void require(bool is_right, const char* what)
 {
@@ -236,28 +236,12 @@ void measureStart(const installed_program& installed)
                 cpu[cpu.size() / 2]);
 }
 
-std::string largeModel()
-{
-    test::test_group group;
-    group.vertex_count = vertex_count;
-    group.vertices.clear();
-    for (std::size_t i = 0; i < vertex_count; ++i)
-        group.vertices += std::string(group.stride, static_cast<char>(0x30 + i % 16));
-    group.indices.clear();
-    for (std::size_t i = 0; i + 2 < vertex_count; ++i)
-        for (std::size_t corner = 0; corner < 3; ++corner)
-            group.indices.push_back(static_cast<std::uint16_t>(i + corner));
-    test::test_model model;
-    model.lods = {{group}};
-    return model.bytes();
-}
-
 std::string writeModelArchive(const installed_program& installed)
 {
     const std::string folder = installed.folder() + "data\\";
     std::filesystem::create_directories(toPath(folder));
     test::test_pack pack;
-    pack.entries = {{"men\\large.rigid_model_v2", largeModel()},
+    pack.entries = {{"men\\large.rigid_model_v2", bench::largeModel()},
                     {"men\\small.rigid_model_v2", test::test_model().bytes()}};
     failure why;
     require(writeWholeFile(folder + "a.pack", pack.bytes(), why), "the archive could not be written");

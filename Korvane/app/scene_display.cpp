@@ -119,6 +119,7 @@ void scene_display::showLevel()
 void scene_display::showSelection()
 {
     const model_selection chosen = m_document.model().selection();
+    m_outlines_selection = true;
     if (m_po_view == nullptr || !m_scene)
         return;
     const bool is_drawn = m_document.shown() == open_files::kind::model && chosen.group >= 0 &&
@@ -161,10 +162,12 @@ std::string scene_display::followFiles()
 
 void scene_display::setScene(scene_pointer scene)
 {
+    m_outlines_selection = m_outlines_selection && m_scene && scene && m_scene->path == scene->path;
     m_scene = std::move(scene);
     m_po_view->setScene(m_scene, m_drawn ? m_document.definition().emptyNotice(*m_drawn) : std::string());
     m_watch.follow(m_scene, *m_document.game());
-    showSelection();
+    if (m_outlines_selection) // of another level of detail, too
+        showSelection();
 }
 
 // Where it was. Else beside the main window, at least as high as that and otherwise as large as it wants; where there

@@ -55,7 +55,7 @@ public:
     void showDocument();  // anew: the files are read
     void showEdited();    // the open model with other textures or alpha modes, if the view shows that
     void showFigure();    // the open definition with other alternatives, if the view shows that
-    void showSelection(); // outlines the group that the panels show
+    void showSelection(); // outlines the group that was chosen in the panels; what is opened has no outline at first
     void exchange(scene_pointer scene) { take(std::move(scene)); } // of the same models: another skeleton
     void showLevel(); // another level of detail of the open model, if the view shows that
     bool isLoading() const { return m_loading.isRunning(); }
@@ -75,8 +75,9 @@ private:
     model_view_factory m_make_view;
     listeners m_told;
     std::optional<drawn_models> m_drawn;
-    scene_pointer m_scene; // what the view shows; null: it was given nothing yet
-    scene_watch m_watch;   // of its files
+    bool m_outlines_selection = false; // the person has chosen a group since the scene's file was opened
+    scene_pointer m_scene;             // what the view shows; null: it was given nothing yet
+    scene_watch m_watch;               // of its files
     std::unique_ptr<model_view> m_po_view;
     background_task m_loading; // the last member: its work ends first
 };

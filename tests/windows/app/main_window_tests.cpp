@@ -63,7 +63,13 @@ TEST_F(main_window_test, aFileOfTheCommandLineFillsThePanelsAndTheView)
 TEST_F(main_window_test, choosingALodOrGroupFollowsInAllPanels)
 {
     openWindow(write("soldier.rigid_model_v2", soldier()));
+    EXPECT_FALSE(m_view.selected) << "nothing is outlined before it is chosen";
+    m_view.events.picked({0, 1}); // a click in the view
+    EXPECT_EQ(text(control_group), "G 2");
+    EXPECT_EQ(m_view.selected, (shown_group{0, 1}));
+    choose(control_group, 0);
     choose(control_group, 1);
+    EXPECT_EQ(m_view.selected, (shown_group{0, 1}));
     EXPECT_EQ(text(control_group_name), "head");
     EXPECT_EQ(text(control_shader_name), "other_shade");
     EXPECT_EQ(text(control_tool_caption), "L(0) G(1)");
@@ -77,6 +83,7 @@ TEST_F(main_window_test, choosingALodOrGroupFollowsInAllPanels)
     EXPECT_EQ(text(control_tool_caption), "L(1) G(0)");
     ASSERT_EQ(m_view.models.size(), 2u);
     EXPECT_EQ(m_view.models.back().second, 1u);
+    EXPECT_EQ(m_view.selected, (shown_group{0, 0}));
 }
 
 TEST_F(main_window_test, aVertexFormatWithoutAShortLabelKeepsTheFormerText)
