@@ -487,6 +487,8 @@ void lib3d::drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceV
     m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
     m_context->OMSetDepthStencilState(m_depth_ignored.get(), 0);
     drawArea(area);
+    // What is written over the picture reaches all of it.
+    m_context->RSSetState(m_rasterizers[static_cast<int>(raster_mode::both_faces)].get());
     ID3D11ShaderResourceView* none[2] = {}; // the targets are drawn into again in the next frame
     m_context->PSSetShaderResources(11, 2, none);
 }

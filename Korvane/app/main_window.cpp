@@ -138,6 +138,7 @@ bool main_window::onCreated()
     m_opening.openAll(m_files);
     if (offerKeptEdits(m_ports.keeper.folder(), m_document, m_ports.prompt, logPort()))
     {
+        showPage(model_tab);
         showDocument();
         showView(scene_display::focus::stays);
     }

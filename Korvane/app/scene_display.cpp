@@ -160,11 +160,21 @@ std::string scene_display::followFiles()
     return changes.empty() ? std::string() : changes.summary() + " (" + timeOfDay() + ")";
 }
 
+// Instead of a picture of nothing.
+std::string scene_display::notice() const
+{
+    if (m_drawn)
+        return m_document.definition().emptyNotice(*m_drawn);
+    if (!m_scene || m_scene->parts.empty() || m_scene->triangles > 0)
+        return {};
+    return "This level of detail has no triangle that can be drawn.\r\nThe page Problems says what is wrong with it.";
+}
+
 void scene_display::setScene(scene_pointer scene)
 {
     m_outlines_selection = m_outlines_selection && m_scene && scene && m_scene->path == scene->path;
     m_scene = std::move(scene);
-    m_po_view->setScene(m_scene, m_drawn ? m_document.definition().emptyNotice(*m_drawn) : std::string());
+    m_po_view->setScene(m_scene, notice());
     m_watch.follow(m_scene, *m_document.game());
     if (m_outlines_selection) // of another level of detail, too
         showSelection();

@@ -67,6 +67,7 @@ private:
     void start(load work);
     void take(scene_pointer scene);
     void setScene(scene_pointer scene);
+    std::string notice() const;
     void placeView() const;
     bool coversOwner() const;
 
