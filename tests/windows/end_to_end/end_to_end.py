@@ -70,6 +70,18 @@ def wait_until(condition, seconds=30):
     return True
 
 
+def settled(read, pause=1.0):
+    """What read() gives when it gives the same again after a pause."""
+    before = read()
+    for _ in range(30):
+        time.sleep(pause)
+        now = read()
+        if now == before:
+            break
+        before = now
+    return before
+
+
 def picture(area):
     """The pixels of a part of the screen: rows of (red, green, blue)."""
     left, top, width, height = area
@@ -244,7 +256,8 @@ class session(unittest.TestCase):
         self.assertTrue(probe("choose", TITLE, LOD, 0))
         self.assertTrue(probe("choose", TITLE, GROUP, 0))
 
-        rows = self.expect_figure(self.oracle, texts(TITLE)[STATUS])
+        self.expect_figure(self.oracle, texts(TITLE)[STATUS])
+        rows = settled(lambda: picture(probe("place", VIEW)))  # the textures come after the figure
         colours = len({pixel for row in rows[::5] for pixel in row[::5]})
         self.assertGreater(colours, 200, "the figure is neither lit nor textured")
 
@@ -253,7 +266,8 @@ class session(unittest.TestCase):
         self.assertTrue(probe("lose", VIEW, AT_PRESENT, 1))
         self.assertTrue(wait_until(lambda: "d3d_window: the graphics device was made again" in self.log()), self.log())
         self.assertEqual(self.log().count(lost_line), 1)
-        again = self.expect_figure(self.oracle, texts(TITLE)[STATUS])
+        self.expect_figure(self.oracle, texts(TITLE)[STATUS])
+        again = settled(lambda: picture(probe("place", VIEW)))
         differences = sum(largest_difference(a, b) > 2 for one, other in zip(rows, again) for a, b in zip(one, other))
         self.assertEqual(differences, 0, "the new device draws another picture")
 
@@ -312,9 +326,15 @@ class session(unittest.TestCase):
         title = TITLE + "   RMV2: [no file loaded] VMD: [demo_guard.variantmeshdefinition]"
         self.assertEqual(probe("wait", title, 60), title)
         self.assertTrue(probe("wait", VIEW, 60), "the view did not open: " + self.log())
-        rows = self.expect_figure(model, status)
-        green = share_of_colour(rows, lambda r, g, b: g > r + 25 and g > b + 25)
-        self.assertGreater(green, 0.005, "the mod's green is not seen: its textures do not win")
+        self.expect_figure(model, status)
+
+        def green_share():
+            return share_of_colour(picture(probe("place", VIEW)), lambda r, g, b: g > r + 25 and g > b + 25)
+
+        # The textures come after the figure.
+        self.assertTrue(wait_until(lambda: green_share() > 0.005, 30),
+                        "the mod's green is not seen: its textures do not win")
+        green = green_share()
 
         # Without the mod the guard is another one, when the archives are read again.
         os.remove(os.path.join(demo, "a_demo_mod.pack"))
@@ -325,8 +345,9 @@ class session(unittest.TestCase):
         press("alt+f")
         time.sleep(0.5)  # until the menu is there
         press("p")  # Re-read .pack files...
-        rows = self.expect_figure(model, without_mod)
-        self.assertLess(share_of_colour(rows, lambda r, g, b: g > r + 25 and g > b + 25), green / 10)
+        self.expect_figure(model, without_mod)
+        self.assertTrue(wait_until(lambda: green_share() < green / 10, 30),
+                        "the mod's green is still there")
         self.assertEqual(self.log().count("Initializing virtual file system (.pack reading)..."), 2)
         self.assertEqual(self.close(), 0)
 
@@ -340,7 +361,7 @@ class session(unittest.TestCase):
         self.start(windows_path(model))
         self.assertTrue(probe("wait", TITLE + "   RMV2: [my", 60))
         self.assertTrue(probe("wait", VIEW, 60))
-        before = texts(TITLE)
+        before = settled(lambda: texts(TITLE))
 
         press("ctrl+o")
         self.assertTrue(probe("wait", "Open File", 30), "Ctrl+O shows no dialog")
