@@ -149,16 +149,6 @@ TEST(render, aModelWithoutTexturesIsLitClay)
     EXPECT_LT(std::max({lit.red, lit.green, lit.blue}) - std::min({lit.red, lit.green, lit.blue}), 25) << "grey";
 }
 
-TEST(render, whatIsWrittenReachesBeyondTheModel)
-{
-    const RMV2_FILE_DATA model = modelOf(sphereGroup({0, 0, 0}, 1, 12));
-    test_options options = straightOn();
-    const render_result without = drawn(model, options);
-    options.view.shows_counts = true; // in the corner
-    const render_result with = drawn(model, options);
-    EXPECT_NE(pixelAt(with, 0.04, 0.04).brightness(), pixelAt(without, 0.04, 0.04).brightness());
-}
-
 TEST(render, theSideLightHasAMarkerOrTheLogSaysWhyNot)
 {
     render_options options;
