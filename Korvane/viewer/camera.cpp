@@ -85,11 +85,10 @@ glm::mat4 camera::world() const
 
 std::optional<glm::vec3> camera::toPixel(const glm::vec3& point, float width, float height) const
 {
-    const glm::vec4 seen = view() * world() * pitchMatrix() * yawMatrix() * glm::vec4(point, 1);
-    if (seen.z < near_plane)
+    const glm::vec4 clip = toClip(width / height) * glm::vec4(point, 1); // w is the distance along the view
+    if (clip.w < near_plane)
         return std::nullopt;
-    const glm::vec4 clip = projection(width / height) * seen;
-    return glm::vec3((clip.x / clip.w * 0.5f + 0.5f) * width, (0.5f - clip.y / clip.w * 0.5f) * height, seen.z);
+    return glm::vec3((clip.x / clip.w * 0.5f + 0.5f) * width, (0.5f - clip.y / clip.w * 0.5f) * height, clip.w);
 }
 
 glm::mat4 camera::toClip(float aspect) const

@@ -195,9 +195,6 @@ void d3d_window::doCommand(view_command command)
     case view_command::play_or_pause:
         onPlaybackKey('K');
         break;
-    case view_command::restart:
-        onPlaybackKey(VK_SPACE);
-        break;
     case view_command::choose_animation:
         if (m_ports.choose_animation)
             m_ports.choose_animation();

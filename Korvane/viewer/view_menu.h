@@ -19,7 +19,6 @@ enum class view_command : int
     none,
     start_view,
     play_or_pause,
-    restart,
     choose_animation,
     enlarge,
     save_picture,
