@@ -4,10 +4,12 @@
 #include "EASY_GUI/services/text.h"
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <map>
+#include <set>
 #include <string_view>
 
 namespace korvane
@@ -56,6 +58,15 @@ bool readNote(const std::string& path, keep_note& note, failure& why)
            fail(why, failure_kind::malformed, "the note is not whole", path);
 }
 
+// 0: another folder.
+int keepNumber(const std::string& name)
+{
+    int number = 0;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
+    const bool is_keep = error == std::errc() && number >= 1 && number <= most_keeps && name == std::to_string(number);
+    return is_keep ? number : 0;
+}
+
 // With a separator at the end.
 std::string keepFolder(const std::string& folder, int number)
 {
@@ -88,11 +99,14 @@ std::string fingerprintOf(std::span<const std::byte> bytes)
 
 std::vector<std::string> keepsIn(const std::string& folder)
 {
-    std::vector<std::string> keeps;
+    std::set<int> numbers; // the folder lists them in any order
     std::error_code error;
-    for (int i = 1; i <= most_keeps; ++i)
-        if (std::string keep = keepFolder(folder, i); std::filesystem::is_directory(toPath(keep), error))
-            keeps.push_back(std::move(keep));
+    for (std::filesystem::directory_iterator at(toPath(folder), error), end; at != end && !error; at.increment(error))
+        if (const int number = keepNumber(toUtf8(at->path().filename())); number != 0 && at->is_directory(error))
+            numbers.insert(number);
+    std::vector<std::string> keeps;
+    for (const int number : numbers)
+        keeps.push_back(keepFolder(folder, number));
     return keeps;
 }
 
