@@ -10,12 +10,7 @@ namespace korvane
 
 bool image_view::createIn(HWND parent, failure& why)
 {
-    window_settings settings;
-    settings.style = WS_CHILD | WS_VISIBLE;
-    settings.x = settings.y = settings.width = settings.height = 0;
-    settings.parent = parent;
-    settings.is_opaque = true;
-    return create(settings, why);
+    return createChild(parent, WS_VISIBLE, 0, why, true);
 }
 
 void image_view::setPicture(int width, int height, std::span<const std::byte> rgba)

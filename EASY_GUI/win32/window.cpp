@@ -180,6 +180,17 @@ bool window::create(const window_settings& settings, failure& why)
     return true;
 }
 
+bool window::createChild(HWND parent, DWORD style, DWORD extended_style, failure& why, bool is_opaque)
+{
+    window_settings settings;
+    settings.style = WS_CHILD | style;
+    settings.extended_style = extended_style;
+    settings.x = settings.y = settings.width = settings.height = 0;
+    settings.parent = parent;
+    settings.is_opaque = is_opaque;
+    return create(settings, why);
+}
+
 void window::destroy()
 {
     if (m_handle != nullptr)

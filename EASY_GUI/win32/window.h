@@ -69,6 +69,9 @@ public:
     virtual ~window();
 
     [[nodiscard]] bool create(const window_settings& settings, failure& why);
+    // A child window without a size yet; style and extended_style besides WS_CHILD.
+    [[nodiscard]] bool createChild(HWND parent, DWORD style, DWORD extended_style, failure& why,
+                                   bool is_opaque = false);
     void destroy(); // sends WM_DESTROY at once; does nothing without a window
 
     HWND handle() const { return m_handle; }

@@ -18,12 +18,7 @@ constexpr int button_gap = 8;
 
 bool empty_state::createIn(HWND parent, failure& why)
 {
-    window_settings settings;
-    settings.style = WS_CHILD | WS_CLIPCHILDREN;
-    settings.extended_style = WS_EX_CONTROLPARENT;
-    settings.x = settings.y = settings.width = settings.height = 0;
-    settings.parent = parent;
-    return create(settings, why);
+    return createChild(parent, WS_CLIPCHILDREN, WS_EX_CONTROLPARENT, why);
 }
 
 bool empty_state::onCreated()

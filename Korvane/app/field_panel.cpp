@@ -35,13 +35,8 @@ field_panel::field_panel(std::string_view caption, field_rows rows, std::functio
 
 bool field_panel::createIn(HWND parent, failure& why)
 {
-    window_settings settings;
-    settings.style = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS;
-    settings.extended_style = WS_EX_CONTROLPARENT;
-    settings.x = settings.y = settings.width = settings.height = 0;
-    settings.parent = parent;
     m_failure = {};
-    if (create(settings, why))
+    if (createChild(parent, WS_VISIBLE | WS_CLIPSIBLINGS, WS_EX_CONTROLPARENT, why))
         return true;
     why.what = "the panel \"" + m_caption + "\" could not be created: " + (m_failure ? m_failure : why).what;
     return false;

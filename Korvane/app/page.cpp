@@ -5,13 +5,8 @@ namespace korvane
 
 bool page::createIn(HWND parent, failure& why)
 {
-    window_settings settings;
-    settings.style = WS_CHILD | WS_CLIPCHILDREN | extraStyle();
-    settings.extended_style = WS_EX_CONTROLPARENT;
-    settings.x = settings.y = settings.width = settings.height = 0;
-    settings.parent = parent;
     m_start_failure = {};
-    if (create(settings, why))
+    if (createChild(parent, WS_CLIPCHILDREN | extraStyle(), WS_EX_CONTROLPARENT, why))
         return true;
     if (m_start_failure)
         why = m_start_failure;

@@ -61,12 +61,7 @@ texture_field_group::texture_field_group(page_host& host, texture_ports ports)
 
 bool texture_field_group::createIn(HWND parent, failure& why)
 {
-    window_settings settings;
-    settings.style = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS;
-    settings.extended_style = WS_EX_CONTROLPARENT | WS_EX_ACCEPTFILES;
-    settings.x = settings.y = settings.width = settings.height = 0;
-    settings.parent = parent;
-    if (create(settings, why))
+    if (createChild(parent, WS_VISIBLE | WS_CLIPSIBLINGS, WS_EX_CONTROLPARENT | WS_EX_ACCEPTFILES, why))
         return true;
     why.what = "the texture panel could not be created: " + why.what;
     return false;

@@ -26,12 +26,7 @@ texture_preview_panel::texture_preview_panel(const ui_thread& thread)
 
 bool texture_preview_panel::createIn(HWND parent, failure& why)
 {
-    window_settings settings;
-    settings.style = WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN;
-    settings.extended_style = WS_EX_CONTROLPARENT;
-    settings.x = settings.y = settings.width = settings.height = 0;
-    settings.parent = parent;
-    return create(settings, why);
+    return createChild(parent, WS_VISIBLE | WS_CLIPCHILDREN, WS_EX_CONTROLPARENT, why);
 }
 
 bool texture_preview_panel::onCreated()
