@@ -61,10 +61,12 @@ public:
 
 private:
     bool checkTake(failure& why) const;
+    bool hasGamesLayout() const { return m_version == 7 && m_source.layout == anim_layout::games; }
     void writeHeader();
     void writeMaps();
     void writePoseMaps();
     void writeCounts();
+    void writeGivenStaticBlock();
     void writeStaticBlock();
     void writeFrame(const anim_output::frame& frame);
     template <typename value>
@@ -131,8 +133,10 @@ std::vector<std::byte> anim_writer::write()
         writePoseMaps();
     else
         writeMaps();
+    if (hasGamesLayout())
+        writeGivenStaticBlock();
     writeCounts();
-    if (m_version == 7)
+    if (m_version == 7 && !hasGamesLayout())
         writeStaticBlock();
     for (const anim_output::frame& frame : m_source.frames)
         writeFrame(frame);
@@ -164,7 +168,7 @@ void anim_writer::writeMaps()
 {
     std::vector<std::uint32_t> translations = m_source.translation_map;
     std::vector<std::uint32_t> rotations = m_source.rotation_map;
-    if (m_version == 7) // bones that take their values from the static block
+    if (m_version == 7 && !hasGamesLayout()) // bones that take their values from the static block
     {
         constexpr std::uint32_t first_static = 1000;
         constexpr std::size_t bones_for_rotation = 11;
@@ -207,6 +211,19 @@ void anim_writer::writeCounts()
     m_out.u32(static_cast<std::uint32_t>(frames.empty() ? trackBones(m_source.rotation_map, all).size()
                                                         : frames.front().rotations.size()));
     m_out.u32(m_source.is_single_pose ? 2 : static_cast<std::uint32_t>(frames.size()));
+}
+
+void anim_writer::writeGivenStaticBlock()
+{
+    const bool is_pose = m_source.is_single_pose; // whose maps name no static values
+    m_out.u32(is_pose ? 0 : static_cast<std::uint32_t>(m_source.static_translations.size()));
+    m_out.u32(is_pose ? 0 : static_cast<std::uint32_t>(m_source.static_rotations.size()));
+    if (is_pose)
+        return;
+    for (const glm::vec3& value : m_source.static_translations)
+        writeTranslation(m_out, value);
+    for (const glm::quat& value : m_source.static_rotations)
+        writeRotation(m_out, value);
 }
 
 // Behind the counts, where readers look for frames: the order that the tools expect which take these files.

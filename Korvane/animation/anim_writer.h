@@ -3,8 +3,9 @@
 // Writes .anim files (docs/formats/anim.md, "Writing"), for the conversion from FBX. Everything given is in the file's
 // space, mirrored in X against the program, and is written as it stands.
 //
-// Files of version 5 can be read again. Those of version 7 have their static block where no reader expects it, and are
-// refused by ours: the tools that take them want them so.
+// Files of version 5 can be read again. Those of version 7 have, in the tools' layout, their static block where no
+// reader expects it, and are refused by ours: the tools that take them want them so. In the games' layout they are as
+// the games' own files are, and can be read again.
 
 #include "EASY_GUI/services/failure.h"
 #include "EASY_GUI/services/notice.h"
@@ -21,6 +22,12 @@
 
 namespace korvane
 {
+
+enum class anim_layout // of version 7
+{
+    tools, // the static block behind the counts, always of the same size, and the maps point at it
+    games  // the static block before the counts, with the values given; the maps stay as they are
+};
 
 struct anim_output
 {
@@ -45,6 +52,9 @@ struct anim_output
     // Each has values for the same bones: those of the map's tracks, or the first ones of these.
     std::vector<frame> frames;
     double translation_scale = 1.0; // of the frames' translations, but not of static values
+    anim_layout layout = anim_layout::tools;
+    std::vector<glm::vec3> static_translations; // of the games' layout
+    std::vector<glm::quat> static_rotations;
     // The only frame is a pose, which the file holds twice; its own bones make the maps.
     bool is_single_pose = false;
 };

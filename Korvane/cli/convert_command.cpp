@@ -1,4 +1,4 @@
-// convert: an FBX file's first take as an .anim file.
+// convert: a take of an FBX file as an .anim file.
 
 #include "EASY_GUI/services/config_file.h"
 #include "EASY_GUI/services/text.h"
@@ -19,6 +19,7 @@ namespace
 void report(cli_context& context, const convert_job_options& options, const convert_job_result& result, json log)
 {
     const anim_output& anim = result.conversion.anim;
+    const std::string& warning = result.conversion.warning;
     const std::size_t matched = anim.bones.size() - result.conversion.unmatched.size();
     if (!context.is_json)
         return context.print(terminalText(options.output) + ": " + counted(anim.frames.size(), "frame") + " at " +
@@ -34,6 +35,12 @@ void report(cli_context& context, const convert_job_options& options, const conv
                        {"end_time", jsonNumber(anim.end_time)},
                        {"frame_count", anim.frames.size()},
                        {"bone_count", anim.bones.size()},
+                       {"take", displayText(result.conversion.take)},
+                       {"prefix", displayText(result.conversion.prefix)},
+                       {"layout", options.layout == anim_layout::games ? "games" : "tools"},
+                       {"moving_bones", result.conversion.moving_count},
+                       {"moving_bones_matched", result.conversion.moving_matched},
+                       {"warning", warning.empty() ? json() : json(displayText(warning))},
                        {"unmatched", std::move(unmatched)},
                        {"log", std::move(log)}});
 }
@@ -91,12 +98,35 @@ void addTimeOptions(CLI::App& command, convert_job_options& options)
         ->check(numberBetween(-1e12, 1e12, "time in seconds"));
 }
 
+void addMatchingOptions(CLI::App& command, convert_job_options& options)
+{
+    command.add_option("--take", options.take, "Which take, by its name or counted from 0; the first without it")
+        ->type_name("NAME|N")
+        ->check(notEmpty());
+    command
+        .add_option_function<std::string>(
+            "--prefix", [&options](const std::string& text) { options.prefix = text == "none" ? std::string() : text; },
+            "What is taken off the names of the FBX file's bones, or none; without it what they have in common, when "
+            "more bones match then")
+        ->type_name("TEXT|none");
+    command
+        .add_option_function<std::string>(
+            "--layout",
+            [&options](const std::string& text) {
+                options.layout = text == "games" ? anim_layout::games : anim_layout::tools;
+            },
+            "Order of the blocks in version 7: as the games' own files and this program's readers have it, or as the "
+            "games' tools take it (tools, without it)")
+        ->type_name("games|tools")
+        ->check(CLI::IsMember({"games", "tools"}).description(""));
+}
+
 } // namespace
 
 void addConvertCommand(CLI::App& app, cli_context& context)
 {
     const auto options = std::make_shared<convert_job_options>();
-    CLI::App* command = app.add_subcommand("convert", "Turn an FBX file's first take into an .anim file");
+    CLI::App* command = app.add_subcommand("convert", "Turn a take of an FBX file into an .anim file");
     command->add_option("FBX", options->fbx, "The FBX file, binary or text")->required()->check(notEmpty());
     command
         ->add_option("--template", options->template_anim,
@@ -110,6 +140,7 @@ void addConvertCommand(CLI::App& app, cli_context& context)
         ->check(notEmpty())
         ->check(endingIn(".anim"));
     addTimeOptions(*command, *options);
+    addMatchingOptions(*command, *options);
     command->add_option("--version", options->version, "Of the new file, 5 or 7; the template's without it")
         ->type_name("V")
         ->check(CLI::IsMember({5, 7}));

@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/config_file.h"
 #include "EASY_GUI/services/config_keys.h"
+#include "EASY_GUI/services/file_stamp.h"
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/animation/bone_table.h"
@@ -33,6 +34,7 @@ private:
     bool load(failure& why);
     bool loadTemplate(failure& why);
     bool loadBoneTable(failure& why);
+    bool isReplaced() const { return stampOf(m_options.fbx) != m_fbx_stamp; }
     void remember();
 
     game_source& m_source;
@@ -40,6 +42,7 @@ private:
     const work_port& m_work;
     std::shared_ptr<const anim_data> m_template;
     memory_file m_fbx;
+    file_stamp m_fbx_stamp; // before it was read; of nothing for one out of the game
     anim_conversion m_request;
 };
 
@@ -73,6 +76,7 @@ bool convert_run::loadBoneTable(failure& why)
 
 bool convert_run::load(failure& why)
 {
+    m_fbx_stamp = stampOf(m_options.fbx);
     if (!isFreeToWrite({m_options.fbx, m_options.template_anim, m_options.bone_table, m_options.config_path},
                        m_options.output, why) ||
         !loadTemplate(why) || !loadBoneTable(why) || !m_source.read(m_options.fbx, m_fbx, why))
@@ -85,6 +89,9 @@ bool convert_run::load(failure& why)
     m_request.start_seconds = m_options.start_time;
     m_request.end_time = m_options.end_time;
     m_request.frame_count = m_options.frames;
+    m_request.take = m_options.take;
+    m_request.prefix = m_options.prefix;
+    m_request.layout = m_options.layout;
     return true;
 }
 
@@ -117,8 +124,13 @@ bool convert_run::run(convert_job_result& result, failure& why)
     {
         if (why.path.empty())
             why.path = m_options.template_anim;
+        if (isReplaced()) // half an old and half a new file, perhaps
+            tell(m_work.log, "note: the FBX file was replaced while it was converted: try again");
         return false;
     }
+    if (isReplaced())
+        tell(m_work.log, "note: the FBX file was replaced while it was converted, and the older one was taken: convert "
+                         "it again");
     remember();
     return true;
 }

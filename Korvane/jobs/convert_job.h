@@ -1,6 +1,6 @@
 #pragma once
 
-// Turns an FBX file's first take into an .anim file, and remembers that in the list of converted files of the
+// Turns a take of an FBX file into an .anim file, and remembers that in the list of converted files of the
 // configuration. The console program and the conversion dialog run this one.
 
 #include "EASY_GUI/services/work_port.h"
@@ -26,7 +26,10 @@ struct convert_job_options
     std::optional<double> start_time;     // in seconds of the take; without: its first key
     std::optional<double> end_time;       // seconds from there; without: its last key
     std::optional<std::uint32_t> frames;  // in the place of an end time
-    std::string config_path;              // of the configuration, where the file is recorded
+    std::optional<std::string> take;      // name, or number from 0; without: the first
+    std::optional<std::string> prefix;    // of the FBX file's bones, taken off; without: found; empty: none
+    anim_layout layout = anim_layout::tools;
+    std::string config_path; // of the configuration, where the file is recorded
 };
 
 struct convert_job_result
@@ -35,7 +38,7 @@ struct convert_job_result
     std::uint32_t version = 0;
 };
 
-// Progress counts frames. False when no file was written.
+// Progress counts frames. False when no file was written. The log is told when the FBX file was replaced meanwhile.
 [[nodiscard]] bool convertFbx(game_source& source, const convert_job_options& options, const work_port& work,
                               convert_job_result& result, failure& why);
 

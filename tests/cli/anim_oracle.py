@@ -57,7 +57,7 @@ class Anim:
         self.maps = [[self.take("<I")[0] for _ in range(count)] for _ in range(2)]
         if self.version == 7:
             moved, turned = self.take("<II")
-            self.bytes(12 * moved + 8 * turned)
+            self.statics = self.bytes(12 * moved + 8 * turned)
         moved, turned, frames = self.take("<III")
         self.frames = []
         for _ in range(frames):

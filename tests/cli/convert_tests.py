@@ -5,6 +5,7 @@ the same result, which is worked out by hand, and damaged files are refused. Sam
 import json
 import math
 import os
+import struct
 import unittest
 
 import anim_oracle
@@ -193,6 +194,84 @@ class convert(cli_tests.cli_case):
         self.assertTrue(lines[-1].startswith("korvane: ") and lines[-1].endswith(MATCHES_NOTHING), lines[-1])
         self.assertEqual(self.read_out(), before)
 
+    def test_a_take_is_chosen_by_name_or_number(self):
+        def of_second(data):  # what moves, moves in the second take
+            return data.replace(b",300\n", b",301\n").replace(b'"OO",301,200', b'"OO",301,201')
+        fbx = self.write("two.fbx", of_second(figure(takes=("walk", "0"))))
+        for take, name, frames in ((None, "walk", 1), ("walk", "walk", 1), ("1", "0", 21), ("0", "0", 21)):
+            with self.subTest(take=take):
+                _, out, _ = self.convert("--json", *(("--take", take) if take else ()), fbx=fbx)
+                report = json.loads(out)
+                self.assertEqual((report["take"], report["frame_count"]), (name, frames))
+        for take in ("2", "run", "-1"):
+            self.assertIn(b'only: walk, 0', self.convert("--take=" + take, fbx=fbx, check=1)[2].splitlines()[-1])
+
+    def test_a_prefix_that_all_bones_have_is_taken_off(self):
+        def named(before, **more):
+            data = figure(**more)
+            for name, _ in BONES:
+                data = data.replace(b'"Model::%s"' % name, b'"Model::%s%s"' % (before, name))
+            return self.write("named.fbx", data)
+        for before in (b"rig:", b"mixamorig:", b"a:b:", b"Bip01_", b"rig.|"):
+            with self.subTest(before=before):
+                _, out, err = self.convert("--json", fbx=named(before))
+                report = json.loads(out)
+                self.assertEqual((report["prefix"], report["unmatched"]), (before.decode(), []))
+                self.assertIn(b'The prefix "%s" is taken off' % before, err)
+                self.assert_motion(self.made(), 21)
+                self.assertIn(MATCHES_NOTHING.encode(), self.convert("--prefix", "none", fbx=named(before), check=1)[2])
+        for before, options, status in ((b"rig", (), 1), (b"rig", ("--prefix", "rig"), 0), (b"", (), 0), (b"", ("--prefix", "x:"), 0)):
+            _, out, err = self.convert("--json", *options, fbx=named(before), check=status)
+            self.assertEqual(b"begins with the prefix" in err, "x:" in options)
+        template = self.write("named.anim", skeleton(tuple((b"rig:" + name, parent) for name, parent in BONES)))
+        _, out, _ = self.convert("--json", fbx=named(b"rig:"), template=template)  # it is part of the names
+        self.assertEqual((json.loads(out)["prefix"], json.loads(out)["unmatched"]), ("", []))
+
+    def test_a_file_in_which_hardly_anything_moves_is_told(self):
+        few = "Less than half of the bones that move match: 1 of 4; the others stand still"
+        lost = "Less than half of the bones that move in the FBX file match: 0 of 1; what the others do is lost"
+        turns = figure().replace(b"a: 0,1.0", b"a: 0,0").replace(b"a: 0,1\n", b"a: 0,0\n")
+        renamed = turns.replace(b'"Model::arm"', b'"Model::Arm_L"')
+        horns = tuple((b"horn%d" % i, 0) for i in range(3))
+        for what, fbx, bones, warning in (
+                ("all match", figure(), BONES, None), ("half", figure(), (*BONES, *horns), None),
+                ("few", figure(), (BONES[0], *horns), few), ("what moves does not match", renamed, BONES, lost),
+                ("what moves besides", figure(), BONES[:1], None)):
+            with self.subTest(what=what):
+                _, out, err = self.convert("--json", fbx=self.write("f.fbx", fbx),
+                                           template=self.write("t.anim", skeleton(bones)))
+                report = json.loads(out)
+                self.assertEqual(report["warning"], warning)
+                self.assertEqual([line for line in report["log"] if "Less than half" in line],
+                                 [warning] if warning else [])
+                self.assertEqual(report["log"][-2:], [warning or "FBX conversion process completed", "Sucess!"])
+        near = self.write("near.fbx", renamed.replace(b'"Model::root"', b'"Model::Root"').replace(
+            b'"Model::prop"', b'"Model::prop_01"'))
+        lines = self.convert(fbx=near, check=1)[2].decode().splitlines()
+        self.assertIn("Nearest names, in the template and in the FBX file: 'root' and 'Root', 'arm' and 'Arm_L', "
+                      "'prop' and 'prop_01'", lines)
+
+    def test_the_games_layout_reads_back(self):
+        none = anim_oracle.NONE
+        template = self.write("seven.anim", anim_oracle.make(
+            7, BONES, (0, 10000, none), (10001, 0, none), [([(0.0, 0.0, 0.0)], [NO_TURN])],
+            statics=([(0.0, 9.0, 0.0)], [NO_TURN, (0, 32767, 0, 0)])))
+        _, out, err = self.convert("--layout", "games", "--json", template=template)
+        self.assertEqual((json.loads(out)["version"], json.loads(out)["layout"]), (7, "games"))
+        self.assertNotIn(b"read them back", err)
+        anim = self.made()  # which knows the games' order alone
+        self.assertEqual((anim.maps, anim.statics), ([[0, 10000, none], [10001, 0, none]],
+                                                     struct.pack("<3f8h", 0, 9, 0, *NO_TURN, 0, 32767, 0, 0)))
+        for i, (translations, rotations) in enumerate(anim.frames):
+            self.assert_near(translations[0], (-i / 20, 0, 0), 1e-6)
+            self.assert_near((rotations[0][2], rotations[0][3]), (-wanted(i)[1][1][2], wanted(i)[1][1][3]), 1.01 / 32767)
+        korvane("anim", "sample", self.out, "--skeleton", self.template, "--time", "0.5", check=0)
+        self.convert("--layout", "tools", template=template)
+        before = self.read_out()
+        self.convert(template=template)
+        self.assertEqual(self.read_out(), before)
+        self.assertEqual(korvane("anim", "info", self.out)[0], 1)
+
     def test_only_the_template_s_tracks_are_written(self):
         none = anim_oracle.NONE
         template = self.write("few.anim", anim_oracle.make(
@@ -272,7 +351,7 @@ class convert(cli_tests.cli_case):
     def test_wrong_command_lines_and_refusals(self):
         for options in (("--rate", "nan"), ("--rate", "inf"), ("--rate", "-1"), ("--rate", "0"), ("--frames", "0"),
                         ("--frames", "1.5"), ("--frames", "5", "--end-time", "1"), ("--end-time", "-1"),
-                        ("--version", "6"), ("--start-time", "x")):
+                        ("--version", "6"), ("--start-time", "x"), ("--layout", "1"), ("--take", "")):
             with self.subTest(options=options):
                 self.convert(*options, check=2)
         for options in (("--frames", "2000000"), ("--rate", "1000000", "--end-time", "3")):

@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/text.h"
 #include "Korvane/fbx/container/fbx_document.h"
 #include "Korvane/fbx/convert/anim_template.h"
+#include "Korvane/fbx/convert/bone_matching.h"
 #include "Korvane/fbx/convert/fbx_bone_sampler.h"
 #include "Korvane/fbx/export/export_space.h"
 
@@ -13,7 +14,6 @@
 #include <iterator>
 #include <limits>
 #include <set>
-#include <unordered_map>
 #include <utility>
 
 namespace korvane
@@ -77,12 +77,15 @@ private:
 
     bool readFile(failure& why);
     void logUnit() const;
-    void chooseTake();
+    bool chooseTake(failure& why);
+    bool findTake(failure& why);
     void collectBones();
-    std::string nodeName(std::size_t node) const;
-    bool matchBones(failure& why);
+    bool match(failure& why);
+    void logPrefix() const;
+    void logNearest() const;
     void keepOwnValues(const anim_template::bone& bone, sampled_bone& target);
-    void logDoubts(const std::set<std::string>& repeated) const;
+    void logDoubts() const;
+    void warn();
     void makeHeader();
     bool chooseTimes(failure& why);
     bool checkSize(failure& why) const;
@@ -98,6 +101,7 @@ private:
     fbx_scene m_scene;
     std::size_t m_take = fbx_none;
     std::vector<std::size_t> m_nodes; // the skeleton's, in the order of the tree
+    bone_matching m_matching;
     std::vector<sampled_bone> m_bones;
     fbx_ticks m_first = 0; // the first frame's
     double m_rate = 0;
@@ -129,37 +133,59 @@ void conversion::logUnit() const
         axisText(m_scene.front) + " to the front, " + axisText(m_scene.right) + " to the right");
 }
 
-void conversion::chooseTake()
+// A take may be named "1", too: names come before numbers.
+bool conversion::findTake(failure& why)
+{
+    const std::string& wanted = *m_request.take;
+    std::vector<std::string> names;
+    for (const fbx_stack& stack : m_scene.stacks)
+        names.push_back(displayText(stack.name));
+    m_take = static_cast<std::size_t>(std::find(names.begin(), names.end(), displayText(wanted)) - names.begin());
+    if (m_take < names.size())
+        return true;
+    const auto [end, error] = std::from_chars(wanted.data(), wanted.data() + wanted.size(), m_take);
+    if (error == std::errc() && end == wanted.data() + wanted.size() && m_take < names.size())
+        return true;
+    return refuse(why, failure_kind::not_found,
+                  "there is no take \"" + displayText(wanted) + "\", " +
+                      (names.empty() ? "nor any other" : "only: " + nameList(names)));
+}
+
+bool conversion::chooseTake(failure& why)
 {
     log(std::to_string(m_scene.stacks.size()) + " number of animation stacks/takes...");
-    if (m_scene.stacks.empty())
-        return log("There is no take: the bones are converted as they stand");
     m_take = 0;
-    log("FBBX Animation Take 0: " + m_scene.stacks.front().name);
+    if (m_request.take && !findTake(why))
+        return false;
+    if (m_scene.stacks.empty())
+    {
+        m_take = fbx_none;
+        log("There is no take: the bones are converted as they stand");
+        return true;
+    }
+    m_result.take = m_scene.stacks[m_take].name;
+    log("FBBX Animation Take " + std::to_string(m_take) + ": " + m_result.take);
     std::vector<std::string> others;
-    for (std::size_t i = 1; i < m_scene.stacks.size(); ++i)
-        others.push_back(m_scene.stacks[i].name);
+    for (std::size_t i = 0; i < m_scene.stacks.size(); ++i)
+        if (i != m_take)
+            others.push_back(m_scene.stacks[i].name);
     if (!others.empty())
-        log("Only the first take is converted, not: " + nameList(others));
+        log(std::string(m_request.take ? "Only this take" : "Only the first take") +
+            " is converted, not: " + nameList(others));
+    return true;
 }
 
 void conversion::collectBones()
 {
     log("Converting FBX bone hierachy (tree) to linear data");
-    std::vector<std::size_t> open(m_scene.roots.rbegin(), m_scene.roots.rend());
+    m_nodes = boneNodes(m_scene);
     std::size_t errors = 0;
-    while (!open.empty())
+    for (const std::size_t index : m_nodes)
     {
-        const std::size_t index = open.back();
         const fbx_node& node = m_scene.nodes[index];
-        open.pop_back();
-        open.insert(open.end(), node.children.rbegin(), node.children.rend());
-        if (node.type != fbx_node_type::skeleton)
-            continue;
         const bool has_parent = node.parent != fbx_none && m_scene.nodes[node.parent].type == fbx_node_type::skeleton;
-        if (!has_parent && !m_nodes.empty() && ++errors <= listed_errors) // the first bone is the root
+        if (!has_parent && index != m_nodes.front() && ++errors <= listed_errors) // the first bone is the root
             log("ERROR: bone : " + displayText(node.name) + " has no parent");
-        m_nodes.push_back(index);
     }
     if (errors > listed_errors)
         log("The same holds for " + std::to_string(errors - listed_errors) + " more bones");
@@ -177,59 +203,102 @@ void conversion::keepOwnValues(const anim_template::bone& bone, sampled_bone& ta
         target.own_rotation = *bone.rotation;
 }
 
-// Names are compared as they are shown: FBX files hold UTF-8, .anim files any bytes.
-std::string conversion::nodeName(std::size_t node) const
+bool conversion::match(failure& why)
 {
-    return displayText(m_scene.nodes[node].name);
-}
-
-bool conversion::matchBones(failure& why)
-{
-    std::unordered_map<std::string, std::size_t> by_name;
-    std::set<std::string> repeated;
-    for (const std::size_t node : m_nodes)
-        if (!by_name.emplace(nodeName(node), node).second)
-            repeated.insert(nodeName(node));
+    std::vector<std::string> names;
     for (const anim_template::bone& bone : m_template.bones)
+        names.push_back(bone.name);
+    m_matching = matchBones(names, m_scene, m_nodes, m_request.prefix);
+    m_result.prefix = m_matching.prefix;
+    logPrefix();
+    for (std::size_t i = 0; i < m_template.bones.size(); ++i)
     {
-        const auto found = by_name.find(displayText(bone.name));
+        const anim_template::bone& bone = m_template.bones[i];
         sampled_bone& target = m_bones.emplace_back();
         target.parent = bone.parent;
-        if (found != by_name.end())
-            target.node = found->second;
-        else
+        target.node = m_matching.nodes[i];
+        if (target.node == fbx_none)
             keepOwnValues(bone, target);
+        if (bone.has_translations || bone.has_rotations)
+        {
+            ++m_result.moving_count;
+            m_result.moving_matched += target.node != fbx_none;
+        }
     }
-    logDoubts(repeated);
-    if (m_result.unmatched.size() < m_bones.size())
+    logNearest();
+    logDoubts();
+    if (m_matching.matchedCount() > 0)
         return true;
     const std::string text = "ERROR: Skeletons do not match, have you selected right files";
     log(text);
     return refuse(why, failure_kind::refused, text);
 }
 
-void conversion::logDoubts(const std::set<std::string>& repeated) const
+void conversion::logPrefix() const
 {
-    std::set<std::string> wanted;
-    for (const anim_template::bone& bone : m_template.bones)
-        wanted.insert(displayText(bone.name));
-    std::vector<std::string> surplus, doubtful, homeless;
-    for (const std::size_t node : m_nodes)
-        if (const std::string name = nodeName(node); !wanted.contains(name))
-            surplus.push_back(name);
-    std::set_intersection(repeated.begin(), repeated.end(), wanted.begin(), wanted.end(), std::back_inserter(doubtful));
+    if (m_matching.prefix.empty())
+        return;
+    const bool is_there = std::any_of(m_nodes.begin(), m_nodes.end(), [this](std::size_t node) {
+        return displayText(m_scene.nodes[node].name).starts_with(m_matching.prefix);
+    });
+    log(is_there ? "The prefix \"" + m_matching.prefix + "\" is taken off the names of the FBX file's bones"
+                 : "No bone of the FBX file begins with the prefix \"" + m_matching.prefix + "\"");
+}
+
+// With nothing near the person sees at least how names look on both sides.
+void conversion::logNearest() const
+{
+    const std::vector<std::string> nearest = nearestBones(m_result.unmatched, m_matching.surplus);
+    std::vector<std::string> pairs;
+    for (std::size_t i = 0; i < nearest.size(); ++i)
+        if (!nearest[i].empty())
+            pairs.push_back("'" + displayText(m_result.unmatched[i]) + "' and '" + nearest[i] + "'");
+    if (!pairs.empty())
+        log("Nearest names, in the template and in the FBX file: " + nameList(pairs));
+    else if (m_matching.matchedCount() == 0 && !m_result.unmatched.empty())
+        log("No names are near each other; the template has for example: " + nameList(m_result.unmatched));
+}
+
+void conversion::logDoubts() const
+{
+    std::vector<std::string> homeless;
     for (std::size_t i = 0; i < m_bones.size(); ++i)
         if (m_bones[i].node == fbx_none && !m_template.bones[i].translation && !m_template.bones[i].rotation)
             homeless.push_back(m_template.bones[i].name);
     if (m_nodes.empty())
         log("There are no bones in the FBX file");
-    if (!surplus.empty())
-        log("Bones of the FBX file that the template does not have: " + nameList(surplus));
-    if (!doubtful.empty())
-        log("Several bones of the FBX file have the same name, the first one is taken: " + nameList(doubtful));
+    if (!m_matching.surplus.empty())
+        log("Bones of the FBX file that the template does not have: " + nameList(m_matching.surplus));
+    if (!m_matching.doubtful.empty())
+        log("Several bones of the FBX file have the same name, the first one is taken: " +
+            nameList(m_matching.doubtful));
     if (!homeless.empty() && homeless.size() < m_bones.size())
         log("The template does not say either where these stand, they are put where their parents are: " +
             nameList(homeless));
+}
+
+// A file in which hardly anything moves is no success to a person. What the take moves counts only as far as the
+// template lacks it: rigs have many bones that only move others.
+void conversion::warn()
+{
+    std::string& warning = m_result.warning;
+    if (m_result.moving_matched * 2 < m_result.moving_count)
+        warning = "Less than half of the bones that move match: " + std::to_string(m_result.moving_matched) + " of " +
+                  std::to_string(m_result.moving_count) + "; the others stand still";
+    else if (m_take != fbx_none && !m_result.unmatched.empty())
+    {
+        const std::vector<bool> moved = movedNodes(m_scene, m_scene.stacks[m_take]);
+        std::size_t moving = 0, matched = 0;
+        for (const std::size_t node : m_nodes)
+            moving += moved[node];
+        for (const std::size_t node : m_matching.nodes)
+            matched += node != fbx_none && moved[node];
+        if (matched * 2 < moving)
+            warning = "Less than half of the bones that move in the FBX file match: " + std::to_string(matched) +
+                      " of " + std::to_string(moving) + "; what the others do is lost";
+    }
+    if (!warning.empty())
+        log(warning);
 }
 
 void conversion::makeHeader()
@@ -243,6 +312,9 @@ void conversion::makeHeader()
     anim.translation_map = m_template.translation_map;
     anim.rotation_map = m_template.rotation_map;
     anim.translation_scale = m_scene.unit_metres;
+    anim.layout = m_request.layout;
+    anim.static_translations = source.static_translations;
+    anim.static_rotations = source.static_rotations;
     anim.frame_rate = static_cast<float>(m_rate);
 }
 
@@ -364,7 +436,8 @@ void conversion::logLosses() const
             fixed.push_back(bone.name);
     if (!moving.empty())
         log("These bones move or turn in the take, but the template has no track for it: " + nameList(moving));
-    if (!fixed.empty())
+    const bool keeps_fixed = m_request.version == 7 && m_request.layout == anim_layout::games;
+    if (!fixed.empty() && !keeps_fixed)
         log((m_request.version == 7
                  ? "Static values of the template are not written, but the maps go on naming them, and the new file "
                    "has "
@@ -383,19 +456,23 @@ bool conversion::run(failure& why)
     if (!readFile(why))
         return false;
     logUnit();
-    chooseTake();
+    if (!chooseTake(why))
+        return false;
     collectBones();
     if (!m_template.unknown.empty())
         log("Not in the template, though in the bone table: " + nameList(m_template.unknown));
-    if (!matchBones(why) || !chooseTimes(why))
+    if (!match(why) || !chooseTimes(why))
         return false;
     makeHeader();
     if (!sampleFrames(why))
         return false;
     logLosses();
     log("FBX conversion process completed");
-    if (m_request.version == 7)
-        log("Files of version 7 are written as the games' tools take them: this program does not read them back");
+    if (m_request.version == 7 && m_request.layout == anim_layout::tools)
+        log("Files of version 7 are written as the games' tools take them: this program does not read them back; in "
+            "the "
+            "layout \"games\" it does");
+    warn();
     return true;
 }
 

@@ -1,0 +1,191 @@
+#include "Korvane/fbx/convert/bone_matching.h"
+
+#include "EASY_GUI/services/text.h"
+
+#include <algorithm>
+#include <set>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace korvane
+{
+
+namespace
+{
+
+constexpr std::size_t compared_names = 512; // of a file that has thousands, no more are looked at for near ones
+constexpr std::size_t most_namespaces = 64;
+
+bool isWordCharacter(char character)
+{
+    const auto byte = static_cast<unsigned char>(character);
+    return byte >= 0x80 || (byte >= '0' && byte <= '9') || ((byte | 0x20) >= 'a' && (byte | 0x20) <= 'z');
+}
+
+std::string_view behind(std::string_view name, std::string_view prefix)
+{
+    const bool has_more = name.size() > prefix.size() && name.starts_with(prefix);
+    return has_more ? name.substr(prefix.size()) : name;
+}
+
+// What all names begin with, so far that something is left of each.
+std::string commonBeginning(const std::vector<std::string>& names)
+{
+    std::string common = names.empty() ? std::string() : names.front();
+    for (const std::string& name : names)
+    {
+        const auto differs = std::mismatch(common.begin(), common.end(), name.begin(), name.end()).first;
+        common.erase(differs, common.end());
+    }
+    return common;
+}
+
+// "a:b:" and "a:" of "a:b:arm"; of what all begin with, what ends behind a word: "Bip01_".
+std::vector<std::string> possiblePrefixes(const std::vector<std::string>& names)
+{
+    std::vector<std::string> prefixes;
+    std::set<std::string> known;
+    const auto add = [&](std::string prefix) {
+        if (known.size() < most_namespaces && known.insert(prefix).second)
+            prefixes.push_back(std::move(prefix));
+    };
+    const std::string common = commonBeginning(names);
+    for (std::size_t end = common.size(); end > 0; --end)
+        if (!isWordCharacter(common[end - 1]))
+            add(common.substr(0, end));
+    for (const std::string& name : names)
+        for (std::size_t colon = name.find(':'); colon != std::string::npos; colon = name.find(':', colon + 1))
+            add(name.substr(0, colon + 1));
+    return prefixes;
+}
+
+std::size_t matchesWith(std::string_view prefix, const std::vector<std::string>& names,
+                        const std::unordered_set<std::string_view>& wanted)
+{
+    std::unordered_set<std::string_view> found;
+    for (const std::string& name : names)
+        if (const auto match = wanted.find(behind(name, prefix)); match != wanted.end())
+            found.insert(*match);
+    return found.size();
+}
+
+std::string bestPrefix(const std::vector<std::string>& names, const std::unordered_set<std::string_view>& wanted)
+{
+    std::string best;
+    std::size_t most = matchesWith({}, names, wanted);
+    for (const std::string& prefix : possiblePrefixes(names))
+        if (const std::size_t matches = matchesWith(prefix, names, wanted); matches > most)
+        {
+            most = matches;
+            best = prefix;
+        }
+    return best;
+}
+
+std::string letters(std::string_view name)
+{
+    std::string text;
+    for (const char character : toLower(name))
+        if (isWordCharacter(character))
+            text += character;
+    return text;
+}
+
+bool changes(const fbx_scene& scene, const fbx_curve_node& curve_node)
+{
+    for (const std::size_t index : curve_node.curves)
+    {
+        if (index == fbx_none)
+            continue;
+        const std::vector<fbx_key>& keys = scene.curves[index].keys;
+        if (std::any_of(keys.begin(), keys.end(), [&](const fbx_key& key) { return key.value != keys[0].value; }))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+std::size_t bone_matching::matchedCount() const
+{
+    return nodes.size() - static_cast<std::size_t>(std::count(nodes.begin(), nodes.end(), fbx_none));
+}
+
+std::vector<std::size_t> boneNodes(const fbx_scene& scene)
+{
+    std::vector<std::size_t> bones;
+    std::vector<std::size_t> open(scene.roots.rbegin(), scene.roots.rend());
+    while (!open.empty())
+    {
+        const fbx_node& node = scene.nodes[open.back()];
+        if (node.type == fbx_node_type::skeleton)
+            bones.push_back(open.back());
+        open.pop_back();
+        open.insert(open.end(), node.children.rbegin(), node.children.rend());
+    }
+    return bones;
+}
+
+bone_matching matchBones(const std::vector<std::string>& template_names, const fbx_scene& scene,
+                         const std::vector<std::size_t>& nodes, const std::optional<std::string>& prefix)
+{
+    std::vector<std::string> wanted_names, names;
+    for (const std::string& name : template_names)
+        wanted_names.push_back(displayText(name));
+    for (const std::size_t node : nodes)
+        names.push_back(displayText(scene.nodes[node].name));
+    const std::unordered_set<std::string_view> wanted(wanted_names.begin(), wanted_names.end());
+    bone_matching result;
+    result.prefix = prefix ? displayText(*prefix) : bestPrefix(names, wanted);
+    std::unordered_map<std::string_view, std::size_t> by_name;
+    std::set<std::string> repeated;
+    for (std::size_t i = 0; i < nodes.size(); ++i)
+    {
+        const std::string_view name = behind(names[i], result.prefix);
+        if (!wanted.contains(name))
+            result.surplus.push_back(names[i]);
+        else if (!by_name.emplace(name, nodes[i]).second)
+            repeated.insert(std::string(name));
+    }
+    result.doubtful.assign(repeated.begin(), repeated.end());
+    for (const std::string& name : wanted_names)
+    {
+        const auto found = by_name.find(name);
+        result.nodes.push_back(found == by_name.end() ? fbx_none : found->second);
+    }
+    return result;
+}
+
+std::vector<std::string> nearestBones(const std::vector<std::string>& names, const std::vector<std::string>& others)
+{
+    std::vector<std::string> known;
+    for (std::size_t i = 0; i < std::min(others.size(), compared_names); ++i)
+        known.push_back(letters(others[i]));
+    std::vector<std::string> nearest;
+    for (const std::string& name : names)
+    {
+        const std::string wanted = letters(name);
+        std::string found = nearestName(wanted, known);
+        if (found.empty() && wanted.size() >= 3) // "arm" and "arm_deform"
+            for (const std::string& each : known)
+                if (found.empty() && each.size() >= 3 && (each.ends_with(wanted) || each.starts_with(wanted)))
+                    found = each;
+        const auto place = std::find(known.begin(), known.end(), found);
+        nearest.push_back(found.empty() ? std::string() : others[static_cast<std::size_t>(place - known.begin())]);
+    }
+    return nearest;
+}
+
+std::vector<bool> movedNodes(const fbx_scene& scene, const fbx_stack& take)
+{
+    std::vector<bool> moved(scene.nodes.size(), false);
+    for (const fbx_animation_layer& layer : take.layers)
+        for (const fbx_curve_node& curve_node : layer.curve_nodes)
+            if (curve_node.node != fbx_none && !moved[curve_node.node] &&
+                (curve_node.property == fbx_property::translation || curve_node.property == fbx_property::rotation))
+                moved[curve_node.node] = changes(scene, curve_node);
+    return moved;
+}
+
+} // namespace korvane
