@@ -173,11 +173,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkNodes(scene);
     checkMeshes(scene);
     for (const fbx_curve& curve : scene.curves)
-        for (std::size_t i = 0; i < curve.keys.size(); ++i)
-        {
-            require(curve.keys[i].attribute < curve.attributes.size());
-            static_cast<void>(curve.evaluate(curve.keys[i].time / 2 + curve.keys[i / 2].time / 2));
-        }
+    {
+        require(curve.values.size() == curve.times.size() && curve.attribute_ends.size() == curve.attributes.size());
+        require(!curve.hasKeys() || curve.attribute_ends.back() == curve.times.size());
+        for (std::size_t i = 0; i < curve.times.size(); ++i)
+            static_cast<void>(curve.evaluate(curve.times[i] / 2 + curve.times[i / 2] / 2));
+    }
     for (std::size_t i = 0; i < scene.stacks.size(); ++i)
         checkStack(scene, i);
     checkConversion(scene, std::as_bytes(std::span(data, size)));

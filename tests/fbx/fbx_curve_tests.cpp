@@ -31,9 +31,7 @@ fbx_curve makeCurve(const std::vector<test_key>& keys)
         fbx_key_attribute attribute;
         attribute.flags = key.flags;
         attribute.data = key.data;
-        curve.keys.push_back(
-            {std::llround(key.seconds * tick_rate), key.value, static_cast<std::uint32_t>(curve.attributes.size())});
-        curve.attributes.push_back(attribute);
+        curve.add(std::llround(key.seconds * tick_rate), key.value, attribute);
     }
     return curve;
 }
@@ -74,9 +72,19 @@ TEST(fbx_curve, valuesBetweenKeys)
         {"no tangent is flat", {{0, 0, flags::cubic, {3, 3}}, {1, 1, flags::cubic}}, 0.5, 0.5},
         {"automatic", bent(automatic, {}), 2, 1.5 + 2 * (0.75 + 0.5) / 8},
         {"automatic before the key", bent(automatic, {}), 0.5, 1 + (2 - 0.75) / 8},
-        {"automatic, time independent", bent(automatic | flags::time_independent, {50}), 2, 1.5 + (1 / 3.0 + 0.5) / 4},
+        {"automatic, time independent", bent(automatic | flags::time_independent, {}), 2, 1.5 + (1 / 3.0 + 0.5) / 4},
+        {"time independent, bias", bent(automatic | flags::time_independent, {50}), 2, 1.5 + (-1 / 12.0 + 0.5) / 4},
         {"bias to the right", bent(automatic, {50, 0}), 2, 1.5 + 2 * (0.125 + 0.5) / 8},
         {"bias to the left", bent(automatic, {-100, 0}), 2, 1.5 + 2 * (2 + 0.5) / 8},
+        // From 0.75 three and seven times the 1.25 towards -0.5; beyond five times 40 * 2^2 more in the same direction.
+        {"bias beyond the neighbour's slope", bent(automatic, {300, 0}), 2, 1.5 + (-3 + 0.5) / 4},
+        {"bias of a velocity", bent(automatic, {700, 0}), 2, 1.5 + (-8 - 160 + 0.5) / 4},
+        {"bias of a velocity to the left", bent(automatic, {-700, 0}), 2, 1.5 + (0.75 + 1.25 * 7 + 160 + 0.5) / 4},
+        {"velocity at the first key",
+         {{0, 0, automatic, {700}}, {1, 2, automatic}, {3, 1, automatic}},
+         0.5,
+         1 + (2 + 160 - 0.75) / 8},
+        {"velocity at the last key", bent(automatic, {0, 700}), 2, 1.5 + (0.75 + 0.5 + 160) / 4},
         {"left bias stands in the key before",
          {{0, 0, automatic, {0, -50}}, {1, 2, automatic}, {3, 1, automatic}},
          0.5,
@@ -176,13 +184,13 @@ TEST(fbx_curve, extremeTimesAndNumbersEnd)
         for (int rule = 0; rule < 5; ++rule)
         {
             fbx_curve curve = makeCurve({{0, std::nan(""), kind}, {1, 1e308, kind}, {2, -1e308, kind}});
-            curve.keys.front().time = limits::min();
-            curve.keys.back().time = limits::max();
+            curve.times.front() = limits::min();
+            curve.times.back() = limits::max();
             curve.before = curve.after = {static_cast<fbx_extrapolation>(rule), -1};
             for (const fbx_ticks time : {limits::min(), fbx_ticks(-1), fbx_ticks(0), limits::max()})
                 static_cast<void>(curve.evaluate(time));
-            curve.keys.front().time = 0;
-            curve.keys.back().time = 1001;
+            curve.times.front() = 0;
+            curve.times.back() = 1001;
             static_cast<void>(curve.evaluate(limits::min()) + curve.evaluate(limits::max()));
         }
     EXPECT_EQ(fbx_curve().evaluate(5), 0);

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 
 namespace korvane
@@ -67,9 +68,13 @@ change dropTop(const std::string& name)
     return [name](scene_builder& builder) { drop(builder.document().records, name); };
 }
 
-change connect(std::int64_t child, std::int64_t parent)
+change connectFirst(std::int64_t child, std::int64_t parent)
 {
-    return [child, parent](scene_builder& builder) { builder.connect(child, parent); };
+    return [child, parent](scene_builder& builder) {
+        builder.connect(child, parent);
+        auto& all = builder.connections().children;
+        std::rotate(all.begin(), all.end() - 1, all.end());
+    };
 }
 
 } // namespace
@@ -87,8 +92,8 @@ TEST(fbx_scene_damage, whatContradictsItselfIsRefusedAndNamed)
         {"no connections", dropTop("Connections"), "no record Connections"},
         {"old", [](scene_builder& b) { b.document().version = 6000; }, "version 6000"},
         {"number twice", [](scene_builder& b) { b.model(figure::body, "x", "Null"); }, "have the number 103"},
-        {"parents in a circle", connect(figure::root_bone, figure::tip_bone), "is its own ancestor"},
-        {"its own parent", connect(figure::nested, figure::nested), "\"nested\" is its own ancestor"},
+        {"parents in a circle", connectFirst(figure::root_bone, figure::tip_bone), "is its own ancestor"},
+        {"its own parent", connectFirst(figure::nested, figure::nested), "\"nested\" is its own ancestor"},
         {"points", shorten<double>(figure::body_mesh, "Vertices"), "Geometry \"body mesh\": Vertices has 11 numbers"},
         {"corner too large", put<i32>(figure::body_mesh, "PolygonVertexIndex", 1, 4),
          "corner 1 of PolygonVertexIndex is control point 4 of 4"},
@@ -174,7 +179,7 @@ TEST(fbx_scene_damage, whatLeadsNowhereIsLeftOutWithANote)
         change damage;
         const char* note;
     } rows[] = {
-        {"connection to nobody", connect(figure::body, 77), "1 connections name objects that are not there"},
+        {"connection to nobody", connectFirst(figure::body, 77), "1 connections name objects that are not there"},
         {"node without a parent", [](scene_builder& b) { b.model(900, "stray", "Null"); },
          "\"stray\" is connected to no parent"},
         {"cluster without a bone",

@@ -5,6 +5,7 @@
 #include "tests/fbx/figure_document.h"
 
 #include <glm/geometric.hpp>
+#include <glm/trigonometric.hpp>
 
 #include <gtest/gtest.h>
 
@@ -155,7 +156,7 @@ TEST(fbx_scene, oldKeysOfEveryLetter)
     x.children.push_back(keys);
     const fbx_scene scene = readOrFail(document);
     const fbx_curve& curve = scene.curves[scene.stacks[0].layers[0].curve_nodes[0].curves[0]];
-    ASSERT_EQ(curve.keys.size(), 8u);
+    ASSERT_EQ(curve.times.size(), 8u);
     const struct
     {
         double seconds;
@@ -193,7 +194,18 @@ TEST(fbx_scene, layersAddReplaceAndMix)
          {45, 0, 90},
          {3.5, 2.5, 4}},
         {"replace", {{"BlendMode", 1}, {"Weight", 50}}, {10, 0, 0}, {90, 0, 0}, {3, 1, 4}},
-        {"mix", {{"BlendMode", 2}, {"Weight", 50}}, {5.5, 1, 1.5}, {45, 0, 45}, {2.5, 1.5, 3}},
+        // Half way between the quaternions (1, 0, 0, 1) and (1, 1, 0, 0): (2, 1, 0, 1), whose y angle has the sine
+        // -1/3.
+        {"mix",
+         {{"BlendMode", 2}, {"Weight", 50}},
+         {5.5, 1, 1.5},
+         {45, glm::degrees(std::asin(-1 / 3.0)), 45},
+         {std::sqrt(6.0), std::sqrt(2.0), std::sqrt(8.0)}},
+        {"mix by channel",
+         {{"BlendMode", 2}, {"Weight", 50}, {"RotationAccumulationMode", 1}, {"ScaleAccumulationMode", 1}},
+         {5.5, 1, 1.5},
+         {45, 0, 45},
+         {2.5, 1.5, 3}},
         {"muted", {{"Mute", 1}}, {1, 2, 3}, {0, 0, 90}, {2, 2, 2}},
     };
     for (const auto& row : rows)
@@ -317,6 +329,35 @@ TEST(fbx_scene, templatesSayWhatNodesLeaveOut)
     EXPECT_EQ(scene.nodes[0].placement.inherit_type, fbx_inherit::rs_rs);
     EXPECT_EQ(scene.nodes[1].placement.inherit_type, fbx_inherit::rr_s);
     EXPECT_EQ(scene.nodes[1].placement.activeOrder(), fbx_rotation_order::zyx);
+}
+
+TEST(fbx_scene, whatIsSaidTwiceCountsOnce)
+{
+    for (const std::uint32_t version : {6100u, 7400u})
+    {
+        scene_builder builder = test::makeFigure(version);
+        builder.connect(test::figure::nested, 0); // a second parent
+        if (version < 7000)
+            builder.model(900, "nested", "Null"); // a second node of that name
+        const fbx_scene scene = readOrFail(builder.document());
+        ASSERT_EQ(scene.nodes.size(), 4u);
+        EXPECT_EQ(scene.path(2), "body|nested");
+        EXPECT_EQ(scene.notes.size(), version < 7000 ? 1u : 0u);
+    }
+}
+
+TEST(fbx_scene, elementsOfAMeshWithoutEntriesAreLeftOut)
+{
+    scene_builder builder = test::makeFigure(7400);
+    for (fbx_record& object : builder.objects().children)
+        for (fbx_record& element : object.children)
+            for (fbx_record& child : element.children)
+                if (child.name == "Normals" || child.name == "UV")
+                    child.values = {std::vector<double>()};
+    const fbx_scene scene = readOrFail(builder.document());
+    EXPECT_TRUE(scene.meshes[0].normals.empty());
+    EXPECT_TRUE(scene.meshes[0].uv_sets.empty());
+    EXPECT_EQ(scene.notes.size(), 2u);
 }
 
 TEST(fbx_scene, aMeshMayHangBelowSeveralNodes)

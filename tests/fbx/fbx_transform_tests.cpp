@@ -148,13 +148,15 @@ TEST(fbx_transform, inheritTypesDifferInTheParentsScale)
     }
 }
 
+// Two quarters turn x to -x; the grandparent's scale stays on the axes of the world.
 TEST(fbx_transform, onlyTheParentsOwnScaleIsLeftOut)
 {
-    const auto scaled = [](double factor) { return fbx_transform{{}, {1, 0, 0, 0}, glm::dvec3(factor)}; };
-    const fbx_world grandparent = worldTransform({}, fbx_inherit::rs_rs, scaled(2));
-    const fbx_world parent = worldTransform(grandparent, fbx_inherit::rs_rs, scaled(0)); // cannot be divided by
-    const fbx_world child = worldTransform(parent, fbx_inherit::rr_s, scaled(5));
-    expectNear(imageOf(child.matrix, {1, 1, 1}), {10, 10, 10}, "child");
+    const glm::dquat quarter = quaternionFromEuler({0, 0, 90}, fbx_rotation_order::xyz);
+    const fbx_world grandparent = worldTransform({}, fbx_inherit::rs_rs, {{}, {1, 0, 0, 0}, {2, 3, 1}});
+    const fbx_world parent =
+        worldTransform(grandparent, fbx_inherit::rs_rs, {{}, quarter, glm::dvec3(0)}); // cannot be divided by
+    const fbx_world child = worldTransform(parent, fbx_inherit::rr_s, {{}, quarter, glm::dvec3(5)});
+    expectNear(imageOf(child.matrix, {1, 1, 1}), {-10, -15, 5}, "child");
 }
 
 } // namespace korvane

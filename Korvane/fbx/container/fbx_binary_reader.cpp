@@ -168,6 +168,8 @@ bool binary_parser::readList(std::vector<fbx_record>& records, std::uint64_t lis
         if (header.isEndOfList())
             return true;
         m_names.push_back(header.name);
+        if (header.end == 0 && !header.name.empty() && header.value_bytes <= list_end - m_in.position())
+            header.end = m_in.position() + header.value_bytes; // a writer that leaves out the end of childless records
         if (header.end <= header.begin || header.end < m_in.position())
             return failAt(header.begin, failure_kind::malformed,
                           "the record ends at byte " + std::to_string(header.end) + ", before its own header ends",
@@ -243,6 +245,9 @@ bool binary_parser::readValue(byte_reader& in, fbx_record& record)
             values.emplace_back(std::bit_cast<char>(value));
         break;
     }
+    case 'Z': // one byte, in scenes with sound; what it means is not known
+        static_cast<void>(in.u8("Z value"));
+        break;
     case 'Y':
         values.emplace_back(read<std::int16_t>(in, "Y value"));
         break;

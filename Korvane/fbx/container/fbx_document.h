@@ -86,7 +86,7 @@ struct fbx_document
 
 // Reads either form; which one it is, the first bytes say. False, with the reason and the position, for anything that
 // contradicts itself; the document then stays as it is, and so it does for bad_alloc, the only thing thrown. Limits:
-// depth of records (64), length of names (255), bytes of all unpacked arrays (256 MiB, or 64 times the file's size, but
+// depth of records (64), length of names (255), bytes of all unpacked arrays (32 MiB, or 64 times the file's size, but
 // never more than 4 GiB), and no count or length that the file's own bytes do not justify. Large compressed arrays are
 // unpacked by several threads, which have ended on return.
 [[nodiscard]] bool readFbx(std::span<const std::byte> bytes, fbx_document& document, failure& why);

@@ -276,10 +276,14 @@ bool text_parser::readWord(fbx_record& record)
     const std::string_view word = m_text.substr(begin, m_at - begin);
     if (word.size() == 1)
         record.values.emplace_back(word.front());
-    else if (equalsIgnoringCase(word, "nan"))
-        record.values.emplace_back(std::numeric_limits<double>::quiet_NaN());
-    else if (equalsIgnoringCase(word, "inf"))
-        record.values.emplace_back(std::numeric_limits<double>::infinity());
+    else if (equalsIgnoringCase(word, "nan") || equalsIgnoringCase(word, "inf") || equalsIgnoringCase(word, "infinity"))
+    {
+        parsed_number number;
+        m_at = begin;
+        if (!readReal(number))
+            return false;
+        record.values.emplace_back(number.real);
+    }
     else
         record.values.emplace_back(std::string(word));
     return true;

@@ -11,13 +11,13 @@ namespace
 {
 
 // Four values for each attribute. Some are bits in the clothes of a float, which conversions would change.
-std::vector<float> attributeData(const fbx_record* record)
+std::vector<float> takeAttributeData(fbx_record* record)
 {
     if (record == nullptr)
         return {};
     if (record->values.size() == 1)
-        if (const auto* const array = std::get_if<std::vector<float>>(&record->values.front()))
-            return *array;
+        if (auto* const array = std::get_if<std::vector<float>>(&record->values.front()))
+            return std::move(*array);
     const std::vector<double> numbers = record->numbers();
     std::vector<float> result(numbers.size());
     std::transform(numbers.begin(), numbers.end(), result.begin(),
@@ -38,6 +38,16 @@ fbx_key_attribute makeAttribute(std::uint32_t flags, const float* data)
     return attribute;
 }
 
+std::vector<fbx_ticks> takeTimes(fbx_record* record)
+{
+    if (record == nullptr)
+        return {};
+    if (record->values.size() == 1)
+        if (auto* const array = std::get_if<std::vector<fbx_ticks>>(&record->values.front()))
+            return std::move(*array);
+    return record->integers();
+}
+
 class curve_reader
 {
 public:
@@ -53,18 +63,11 @@ public:
     {
         curve.ticks_per_second = m_work.scene.ticks_per_second;
         const fbx_record* const time_record = m_record.find("KeyTime");
-        const std::vector<std::int64_t> times =
-            time_record != nullptr ? time_record->integers() : std::vector<std::int64_t>();
-        const std::vector<double> values = takeNumbers(findChild(m_record, "KeyValueFloat"));
-        if (times.size() != values.size())
-            return malformed("KeyTime", "has " + std::to_string(times.size()) + " key times, but " +
-                                            std::to_string(values.size()) + " values");
-        curve.keys.resize(times.size());
-        for (std::size_t i = 0; i < times.size(); ++i)
-        {
-            curve.keys[i].time = times[i];
-            curve.keys[i].value = values[i];
-        }
+        curve.times = takeTimes(findChild(m_record, "KeyTime"));
+        curve.values = takeNumbers(findChild(m_record, "KeyValueFloat"));
+        if (curve.times.size() != curve.values.size())
+            return malformed("KeyTime", "has " + std::to_string(curve.times.size()) + " key times, but " +
+                                            std::to_string(curve.values.size()) + " values");
         readExtrapolation(m_record, curve);
         return readAttributes(curve) && checkKeyTimes(curve, time_record != nullptr ? *time_record : m_record,
                                                       "Objects/AnimationCurve/KeyTime", m_work.label(m_object), m_why);
@@ -82,24 +85,27 @@ private:
     {
         const std::vector<std::int32_t> flags = takeIntegers(findChild(m_record, "KeyAttrFlags"));
         const std::vector<std::int32_t> counts = takeIntegers(findChild(m_record, "KeyAttrRefCount"));
-        const std::vector<float> data = attributeData(m_record.find("KeyAttrDataFloat"));
+        const std::vector<float> data = takeAttributeData(findChild(m_record, "KeyAttrDataFloat"));
         if (flags.size() != counts.size() || data.size() / 4 < flags.size())
             return malformed("KeyAttrFlags", "has " + std::to_string(flags.size()) + " attribute flags, " +
                                                  std::to_string(counts.size()) + " counts and " +
                                                  std::to_string(data.size()) + " data, which do not fit together");
+        const std::size_t key_count = curve.times.size();
         std::size_t key = 0;
+        curve.attributes.reserve(flags.size());
+        curve.attribute_ends.reserve(flags.size());
         for (std::size_t i = 0; i < flags.size(); ++i)
         {
-            if (counts[i] < 0 || static_cast<std::size_t>(counts[i]) > curve.keys.size() - key)
+            if (counts[i] < 0 || static_cast<std::size_t>(counts[i]) > key_count - key)
                 return malformed("KeyAttrRefCount",
-                                 "has attributes for more than its " + std::to_string(curve.keys.size()) + " keys");
-            for (std::int32_t n = 0; n < counts[i]; ++n)
-                curve.keys[key++].attribute = static_cast<std::uint32_t>(i);
+                                 "has attributes for more than its " + std::to_string(key_count) + " keys");
+            key += static_cast<std::size_t>(counts[i]);
             curve.attributes.push_back(makeAttribute(static_cast<std::uint32_t>(flags[i]), &data[4 * i]));
+            curve.attribute_ends.push_back(static_cast<std::uint32_t>(key));
         }
-        if (key < curve.keys.size())
+        if (key < key_count)
             return malformed("KeyAttrRefCount", "has attributes for " + std::to_string(key) + " of its " +
-                                                    std::to_string(curve.keys.size()) + " keys");
+                                                    std::to_string(key_count) + " keys");
         return true;
     }
 
@@ -309,8 +315,8 @@ void readExtrapolation(const fbx_record& record, fbx_curve& curve)
 bool checkKeyTimes(const fbx_curve& curve, const fbx_record& record, const std::string& field, const std::string& label,
                    failure& why)
 {
-    for (std::size_t i = 1; i < curve.keys.size(); ++i)
-        if (curve.keys[i].time < curve.keys[i - 1].time)
+    for (std::size_t i = 1; i < curve.times.size(); ++i)
+        if (curve.times[i] < curve.times[i - 1])
             return failRecord(why, record, field,
                               label + ": the time of key " + std::to_string(i) +
                                   " is before that of the key before it");

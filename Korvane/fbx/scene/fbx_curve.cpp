@@ -43,15 +43,12 @@ class slope_finder
 public:
     explicit slope_finder(const fbx_curve& curve) : m_curve(curve) {}
 
-    const fbx_key_attribute& attribute(std::size_t key) const
-    {
-        return m_curve.attributes[m_curve.keys[key].attribute];
-    }
+    const fbx_key_attribute& attribute(std::size_t key) const { return m_curve.attributeOf(key); }
 
     double seconds(std::size_t from, std::size_t to) const
     {
-        const auto begin = static_cast<double>(m_curve.keys[from].time);
-        return (static_cast<double>(m_curve.keys[to].time) - begin) / m_curve.ticks_per_second;
+        const auto begin = static_cast<double>(m_curve.times[from]);
+        return (static_cast<double>(m_curve.times[to]) - begin) / m_curve.ticks_per_second;
     }
 
     double right(std::size_t key) const
@@ -94,17 +91,17 @@ private:
     double secant(std::size_t from, std::size_t to) const
     {
         const double length = seconds(from, to);
-        return length > 0 ? (m_curve.keys[to].value - m_curve.keys[from].value) / length : 0;
+        return length > 0 ? (m_curve.values[to] - m_curve.values[from]) / length : 0;
     }
 
     double automatic(std::size_t key, const fbx_key_attribute& own, double bias) const
     {
         const bool is_progressive = (own.flags & flags::progressive) != 0;
-        if (key == 0 || key + 1 == m_curve.keys.size())
+        if (key == 0 || key + 1 == m_curve.times.size())
         {
-            if (is_progressive || m_curve.keys.size() < 2)
+            if (is_progressive || m_curve.times.size() < 2)
                 return 0;
-            return key == 0 ? secant(0, 1) : secant(key - 1, key);
+            return (key == 0 ? secant(0, 1) : secant(key - 1, key)) + push(bias);
         }
         const double before = secant(key - 1, key);
         const double behind = secant(key, key + 1);
@@ -114,13 +111,22 @@ private:
             const double whole = seconds(key - 1, key + 1);
             const double place = whole > 0 ? seconds(key - 1, key) / whole : 0.5;
             slope = slope / 2 + (before * (1 - place) + behind * place) / 2;
-            const double pull = std::clamp(std::abs(bias) / 100, 0.0, 1.0);
-            slope += ((bias > 0 ? behind : before) - slope) * pull;
         }
-        if ((own.flags & flags::clamped) != 0 && (m_curve.keys[key].value == m_curve.keys[key - 1].value ||
-                                                  m_curve.keys[key].value == m_curve.keys[key + 1].value))
+        if (!is_progressive)
+            slope += ((bias > 0 ? behind : before) - slope) * std::abs(bias) / 100 +
+                     (behind < before ? -push(bias) : push(bias));
+        if ((own.flags & flags::clamped) != 0 &&
+            (m_curve.values[key] == m_curve.values[key - 1] || m_curve.values[key] == m_curve.values[key + 1]))
             return 0;
         return is_progressive ? limited(limited(slope, before), behind) : slope;
+    }
+
+    // A bias may pull beyond the neighbour's slope, and from 500 percent on pushes besides, however flat the neighbours
+    // are: so programs store a slope that was given as a velocity.
+    static double push(double bias)
+    {
+        const double beyond = std::max(std::abs(bias) / 100 - 5, 0.0);
+        return std::copysign(40 * beyond * beyond, bias);
     }
 
     // Not steeper than three times the way to the neighbour, and never against it.
@@ -135,7 +141,7 @@ private:
     double tcb(std::size_t key, const fbx_key_attribute& own, side which) const
     {
         const bool has_left = key > 0;
-        const bool has_right = key + 1 < m_curve.keys.size();
+        const bool has_right = key + 1 < m_curve.times.size();
         const double before = has_left ? secant(key - 1, key) : 0;
         const double behind = has_right ? secant(key, key + 1) : 0;
         const double factor = (has_left && has_right ? 0.5 : 1.0) * (1 - own.data[0]);
@@ -180,8 +186,8 @@ double cubic(const fbx_curve& curve, std::size_t key, double place)
     const slope_finder slopes(curve);
     const fbx_key_attribute& attribute = slopes.attribute(key);
     const double length = slopes.seconds(key, key + 1);
-    const double begin = curve.keys[key].value;
-    const double end = curve.keys[key + 1].value;
+    const double begin = curve.values[key];
+    const double end = curve.values[key + 1];
     const bool is_right_weighted = (attribute.flags & flags::right_weighted) != 0;
     const bool is_left_weighted = (attribute.flags & flags::next_left_weighted) != 0;
     const double right_weight = is_right_weighted ? std::clamp(attribute.right_weight, 0.0, 1.0) : 1.0 / 3;
@@ -197,30 +203,29 @@ double cubic(const fbx_curve& curve, std::size_t key, double place)
 
 double evaluateInside(const fbx_curve& curve, fbx_ticks time)
 {
-    const auto behind = std::upper_bound(curve.keys.begin(), curve.keys.end(), time,
-                                         [](fbx_ticks wanted, const fbx_key& key) { return wanted < key.time; });
-    if (behind == curve.keys.begin())
-        return curve.keys.front().value;
-    const auto key = static_cast<std::size_t>(behind - curve.keys.begin()) - 1;
-    if (behind == curve.keys.end() || curve.keys[key].time == time)
-        return curve.keys[key].value;
-    const fbx_key& from = curve.keys[key];
-    const fbx_key& to = curve.keys[key + 1];
-    const std::uint32_t kind = curve.attributes[from.attribute].flags;
+    const auto behind = std::upper_bound(curve.times.begin(), curve.times.end(), time);
+    if (behind == curve.times.begin())
+        return curve.values.front();
+    const auto key = static_cast<std::size_t>(behind - curve.times.begin()) - 1;
+    if (behind == curve.times.end() || curve.times[key] == time)
+        return curve.values[key];
+    const double from = curve.values[key];
+    const double to = curve.values[key + 1];
+    const std::uint32_t kind = curve.attributeOf(key).flags;
     if ((kind & flags::constant) != 0)
-        return (kind & flags::constant_next) != 0 ? to.value : from.value;
-    const auto begin = static_cast<double>(from.time);
-    const double place = (static_cast<double>(time) - begin) / (static_cast<double>(to.time) - begin);
+        return (kind & flags::constant_next) != 0 ? to : from;
+    const auto begin = static_cast<double>(curve.times[key]);
+    const double place = (static_cast<double>(time) - begin) / (static_cast<double>(curve.times[key + 1]) - begin);
     if ((kind & flags::cubic) != 0)
         return cubic(curve, key, place);
-    return from.value + (to.value - from.value) * place;
+    return from + (to - from) * place;
 }
 
 double endSlope(const fbx_curve& curve, bool is_after)
 {
-    if (curve.keys.size() < 2)
+    if (curve.times.size() < 2)
         return 0;
-    const std::size_t key = is_after ? curve.keys.size() - 2 : 0;
+    const std::size_t key = is_after ? curve.times.size() - 2 : 0;
     const slope_finder slopes(curve);
     const std::uint32_t kind = slopes.attribute(key).flags;
     const double length = slopes.seconds(key, key + 1);
@@ -228,22 +233,22 @@ double endSlope(const fbx_curve& curve, bool is_after)
         return 0;
     if ((kind & flags::cubic) != 0)
         return is_after ? slopes.left(key + 1) : slopes.right(key);
-    return (curve.keys[key + 1].value - curve.keys[key].value) / length;
+    return (curve.values[key + 1] - curve.values[key]) / length;
 }
 
 double evaluateOutside(const fbx_curve& curve, fbx_ticks time, bool is_after)
 {
-    const fbx_key& first = curve.keys.front();
-    const fbx_key& last = curve.keys.back();
-    const fbx_key& end = is_after ? last : first;
+    const fbx_ticks first = curve.times.front();
+    const fbx_ticks last = curve.times.back();
+    const double end_value = is_after ? curve.values.back() : curve.values.front();
     const fbx_outside& rule = is_after ? curve.after : curve.before;
     // How far beyond the end, and how long one repetition is; as numbers, which do not overflow.
-    const double beyond = std::abs(static_cast<double>(time) - static_cast<double>(end.time));
-    const double length = static_cast<double>(last.time) - static_cast<double>(first.time);
+    const double beyond = std::abs(static_cast<double>(time) - static_cast<double>(is_after ? last : first));
+    const double length = static_cast<double>(last) - static_cast<double>(first);
     if (rule.kind == fbx_extrapolation::slope)
-        return end.value + endSlope(curve, is_after) * (is_after ? beyond : -beyond) / curve.ticks_per_second;
+        return end_value + endSlope(curve, is_after) * (is_after ? beyond : -beyond) / curve.ticks_per_second;
     if (rule.kind == fbx_extrapolation::constant || !(length > 0) || rule.repetitions == 0)
-        return end.value;
+        return end_value;
 
     double round = std::floor(beyond / length); // complete repetitions
     double rest = std::clamp(beyond - round * length, 0.0, length);
@@ -254,28 +259,46 @@ double evaluateOutside(const fbx_curve& curve, fbx_ticks time, bool is_after)
     }
     const bool is_backwards = rule.kind == fbx_extrapolation::mirror && std::fmod(round, 2) == 0;
     const bool is_from_first = is_after != is_backwards;
-    const double inside = static_cast<double>(is_from_first ? first.time : last.time) + (is_from_first ? rest : -rest);
+    const double inside = static_cast<double>(is_from_first ? first : last) + (is_from_first ? rest : -rest);
     // An integer again; the end of the range is met exactly.
-    const double lowest = static_cast<double>(first.time);
-    const double highest = static_cast<double>(last.time);
-    const fbx_ticks moment = inside <= lowest    ? first.time
-                             : inside >= highest ? last.time
+    const double lowest = static_cast<double>(first);
+    const double highest = static_cast<double>(last);
+    const fbx_ticks moment = inside <= lowest    ? first
+                             : inside >= highest ? last
                                                  : static_cast<fbx_ticks>(std::llround(inside));
     double value = evaluateInside(curve, moment);
     if (rule.kind == fbx_extrapolation::repeat_relative)
-        value += (is_after ? 1 : -1) * (round + 1) * (last.value - first.value);
+        value += (is_after ? 1 : -1) * (round + 1) * (curve.values.back() - curve.values.front());
     return value;
 }
 
 } // namespace
 
+void fbx_curve::add(fbx_ticks time, double value, const fbx_key_attribute& attribute)
+{
+    times.push_back(time);
+    values.push_back(value);
+    if (attributes.empty() || attributes.back() != attribute)
+    {
+        attributes.push_back(attribute);
+        attribute_ends.emplace_back();
+    }
+    attribute_ends.back() = static_cast<std::uint32_t>(times.size());
+}
+
+const fbx_key_attribute& fbx_curve::attributeOf(std::size_t key) const
+{
+    const auto run = std::upper_bound(attribute_ends.begin(), attribute_ends.end(), key);
+    return attributes[static_cast<std::size_t>(run - attribute_ends.begin())];
+}
+
 double fbx_curve::evaluate(fbx_ticks time) const
 {
-    if (keys.empty())
+    if (times.empty())
         return 0;
-    if (time < keys.front().time)
+    if (time < times.front())
         return evaluateOutside(*this, time, false);
-    if (time > keys.back().time)
+    if (time > times.back())
         return evaluateOutside(*this, time, true);
     return evaluateInside(*this, time);
 }

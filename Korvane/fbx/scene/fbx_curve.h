@@ -32,21 +32,16 @@ constexpr std::uint32_t next_left_weighted = 0x2000000;
 } // namespace fbx_key_flags
 
 // Files store one for a run of equal keys. What the first three data mean is said by the flags: with user the slope
-// behind this key and the slope before the NEXT one; with automatic the same two as a bias in percent; with tcb
-// tension, continuity and bias.
+// behind this key and the slope before the NEXT one; with automatic the same two as a bias in percent, of any size;
+// with tcb tension, continuity and bias.
 struct fbx_key_attribute
 {
     std::uint32_t flags = fbx_key_flags::linear;
     std::array<double, 3> data{};
     double right_weight = 1.0 / 3; // of the segment's length, 0 to 1
     double next_left_weight = 1.0 / 3;
-};
 
-struct fbx_key
-{
-    fbx_ticks time = 0;
-    double value = 0;
-    std::uint32_t attribute = 0; // index into fbx_curve::attributes
+    friend bool operator==(const fbx_key_attribute&, const fbx_key_attribute&) = default;
 };
 
 enum class fbx_extrapolation : std::uint8_t
@@ -66,13 +61,20 @@ struct fbx_outside
 
 struct fbx_curve
 {
-    std::vector<fbx_key> keys; // times never decrease
+    // As files store them: a list of times, which never decrease, one of values, and attributes that serve runs of
+    // keys.
+    std::vector<fbx_ticks> times;
+    std::vector<double> values;
     std::vector<fbx_key_attribute> attributes;
+    std::vector<std::uint32_t> attribute_ends; // for each attribute the key behind the last that it serves
     fbx_outside before;
     fbx_outside after;
     double ticks_per_second = 46186158000.0;
 
-    bool hasKeys() const { return !keys.empty(); }
+    bool hasKeys() const { return !times.empty(); }
+    // The next key, with the attribute that it has to itself unless the key before has an equal one.
+    void add(fbx_ticks time, double value, const fbx_key_attribute& attribute);
+    const fbx_key_attribute& attributeOf(std::size_t key) const;
     // The value at that time; 0 without keys.
     [[nodiscard]] double evaluate(fbx_ticks time) const;
 };

@@ -15,7 +15,8 @@ glm::dvec3& memberOf(fbx_placement& placement, fbx_property property)
     return property == fbx_property::rotation ? placement.rotation : placement.scaling;
 }
 
-// The layer's rotation, or the part of it that its weight leaves, on top of the one below: as wholes, not by angle.
+// Rotations as wholes, not by angle: the layer's, or the part of it that its weight leaves, on top of the one below;
+// and the way from the one below to the layer's.
 glm::dvec3 turnedFurther(const glm::dvec3& below, const glm::dvec3& added, double weight, fbx_rotation_order order)
 {
     const glm::dquat none(1, 0, 0, 0);
@@ -23,10 +24,18 @@ glm::dvec3 turnedFurther(const glm::dvec3& below, const glm::dvec3& added, doubl
     return eulerFromQuaternion(quaternionFromEuler(below, order) * part, order);
 }
 
+glm::dvec3 turnedTowards(const glm::dvec3& below, const glm::dvec3& value, double weight, fbx_rotation_order order)
+{
+    return eulerFromQuaternion(glm::slerp(quaternionFromEuler(below, order), quaternionFromEuler(value, order), weight),
+                               order);
+}
+
 glm::dvec3 power(const glm::dvec3& base, double exponent)
 {
     if (exponent == 1)
         return base;
+    if (exponent == 0)
+        return glm::dvec3(1);
     glm::dvec3 result;
     for (glm::length_t axis = 0; axis < 3; ++axis) // a mirroring stays one
         result[axis] = std::copysign(std::pow(std::abs(base[axis]), exponent), base[axis]);
@@ -79,14 +88,13 @@ void fbx_evaluator::apply(const move& move, fbx_ticks time, fbx_placement& place
         return;
     }
     const double weight = weightAt(layer, time);
-    if (layer.blend == fbx_animation_layer::blend_kind::mix)
-        target = target * (1 - weight) + value * weight;
-    else if (property == fbx_property::rotation && !layer.adds_angles)
-        target = turnedFurther(target, value, weight, placement.activeOrder());
+    const bool is_mix = layer.blend == fbx_animation_layer::blend_kind::mix;
+    if (property == fbx_property::rotation && !layer.adds_angles)
+        target = (is_mix ? turnedTowards : turnedFurther)(target, value, weight, placement.activeOrder());
     else if (property == fbx_property::scaling && !layer.adds_scales)
-        target = target * power(value, weight);
+        target = (is_mix ? power(target, 1 - weight) : target) * power(value, weight);
     else
-        target = target + value * weight;
+        target = target * (is_mix ? 1 - weight : 1) + value * weight;
 }
 
 fbx_placement fbx_evaluator::placement(std::size_t node, fbx_ticks time) const

@@ -130,6 +130,11 @@ private:
         element.values = takeNumbers(findChild(record, values_name));
         if (reference != nullptr && reference->textAt(0) != "Direct")
             element.indices = takeIntegers(findChild(record, indices_name));
+        if (element.values.empty() && entryCount(*kind, mesh) > 0) // some programs write no more than its head
+        {
+            m_work.note(m_work.label(m_object) + ": " + record.name + " has no entries and is left out");
+            return true;
+        }
         if (!checkElement(record, values_name, indices_name, element, mesh))
             return false;
         list.push_back(std::move(element));

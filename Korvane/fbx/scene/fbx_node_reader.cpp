@@ -104,7 +104,7 @@ public:
     }
 
 private:
-    // The last connection to a node or the root counts, as if the others had been undone.
+    // The first connection to a node or the root counts; the node hangs nowhere else.
     void chooseParents()
     {
         m_parent.assign(m_work.objects.objects().size(), fbx_none);
@@ -114,7 +114,7 @@ private:
                 continue;
             ++m_model_count;
             for (const fbx_link& link : m_work.objects.parents(i))
-                if (link.property.empty() &&
+                if (m_parent[i] == fbx_none && link.property.empty() &&
                     (link.object == fbx_object_table::root || m_work.objects[link.object].is("Model")))
                     m_parent[i] = link.object;
         }

@@ -127,8 +127,13 @@ bool fbx_object_table::addObject(fbx_record& record, std::vector<std::string>& n
                                   record.name + " \"" + std::string(object.name) + "\"");
     }
     else if (!m_by_name.emplace(nameKey(full_name), m_objects.size()).second)
-        addNote(notes, "the name of the " + record.name + " \"" + std::string(object.name) +
-                           "\" occurs twice: connections mean the first one");
+    {
+        const bool is_node = record.name == "Model"; // poses, of which each has its list, may all have one name
+        addNote(notes, "the name of the " + record.name + " \"" + std::string(object.name) + "\" occurs twice: " +
+                           (is_node ? "the second one is left out" : "connections mean the first one"));
+        if (is_node)
+            return true;
+    }
     m_objects.push_back(object);
     return true;
 }

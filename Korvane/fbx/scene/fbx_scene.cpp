@@ -69,8 +69,8 @@ bool fbx_scene::keySpan(const fbx_stack& stack, fbx_ticks& first, fbx_ticks& las
             for (const std::size_t curve : curve_node.curves)
                 if (curve != fbx_none && curves[curve].hasKeys())
                 {
-                    begin = std::min(begin, curves[curve].keys.front().time);
-                    end = std::max(end, curves[curve].keys.back().time);
+                    begin = std::min(begin, curves[curve].times.front());
+                    end = std::max(end, curves[curve].times.back());
                 }
     if (begin > end)
         return false;

@@ -143,8 +143,8 @@ struct fbx_animation_layer
     std::string name;
     blend_kind blend = blend_kind::additive;
     bool is_muted = false;
-    bool adds_angles = false; // rotations of an additive layer: angle by angle; otherwise as a whole
-    bool adds_scales = false; // scales of an additive layer: added; otherwise multiplied
+    bool adds_angles = false; // rotations are added or mixed angle by angle; otherwise as wholes
+    bool adds_scales = false; // scales are added or mixed as numbers; otherwise multiplied, or mixed geometrically
     double weight = 100;      // percent
     std::size_t weight_curve = fbx_none;
     std::vector<fbx_curve_node> curve_nodes;

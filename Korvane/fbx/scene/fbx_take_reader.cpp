@@ -44,11 +44,11 @@ private:
 
     bool readKey(fbx_curve& curve)
     {
-        fbx_key key;
+        double value = 0;
         if (!isNumber())
             return false;
-        key.time = m_list.integerAt(m_position++);
-        if (!takeNumber(key.value))
+        const fbx_ticks time = m_list.integerAt(m_position++);
+        if (!takeNumber(value))
             return false;
         fbx_key_attribute attribute;
         const std::string_view kind = letter();
@@ -62,9 +62,7 @@ private:
         }
         else if (kind != "L")
             return false;
-        key.attribute = static_cast<std::uint32_t>(curve.attributes.size());
-        curve.attributes.push_back(attribute);
-        curve.keys.push_back(key);
+        curve.add(time, value, attribute);
         return true;
     }
 
@@ -237,10 +235,10 @@ private:
         const std::string field = "Takes/Take/Model/Channel/Key";
         if (!key_list_reader(*list).read(curve))
             return failRecord(m_why, *list, field,
-                              label + ": key " + std::to_string(curve.keys.size()) + " cannot be read");
-        if (count != nullptr && count->integerAt(0) != static_cast<std::int64_t>(curve.keys.size()))
+                              label + ": key " + std::to_string(curve.times.size()) + " cannot be read");
+        if (count != nullptr && count->integerAt(0) != static_cast<std::int64_t>(curve.times.size()))
             return failRecord(m_why, *count, field + "Count",
-                              label + ": there are " + std::to_string(curve.keys.size()) + " keys, but KeyCount is " +
+                              label + ": there are " + std::to_string(curve.times.size()) + " keys, but KeyCount is " +
                                   std::to_string(count->integerAt(0)));
         readExtrapolation(channel, curve);
         if (!checkKeyTimes(curve, *list, field, label, m_why))

@@ -105,12 +105,13 @@ fbx_world worldTransform(const fbx_world& parent, fbx_inherit inherit_type, cons
     world.rotation = parent.rotation * local.rotation;
     world.own_scaling = local.scaling;
     const glm::dmat3 whole = parent.inherited * scaleMatrix(parent.own_scaling);
+    const glm::dmat3 turn = glm::mat3_cast(local.rotation);
     if (inherit_type == fbx_inherit::rr_s)
-        world.inherited = parent.inherited;
+        world.inherited = glm::transpose(turn) * parent.inherited * turn;
     else if (inherit_type == fbx_inherit::rr_ss)
         world.inherited = whole;
     else
-        world.inherited = glm::mat3_cast(glm::conjugate(local.rotation)) * whole * glm::mat3_cast(local.rotation);
+        world.inherited = glm::transpose(turn) * whole * turn;
     world.matrix = glm::dmat4(glm::mat3_cast(world.rotation) * world.inherited * scaleMatrix(world.own_scaling));
     world.matrix[3] = glm::dvec4(glm::dvec3(parent.matrix * glm::dvec4(local.translation, 1)), 1);
     return world;
