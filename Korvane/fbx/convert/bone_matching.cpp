@@ -98,8 +98,8 @@ bool changes(const fbx_scene& scene, const fbx_curve_node& curve_node)
     {
         if (index == fbx_none)
             continue;
-        const std::vector<fbx_key>& keys = scene.curves[index].keys;
-        if (std::any_of(keys.begin(), keys.end(), [&](const fbx_key& key) { return key.value != keys[0].value; }))
+        const std::vector<double>& values = scene.curves[index].values;
+        if (std::any_of(values.begin(), values.end(), [&](double value) { return value != values[0]; }))
             return true;
     }
     return false;
