@@ -4,78 +4,117 @@
 
 #include <glm/geometric.hpp>
 
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+
 namespace korvane
 {
 
 namespace
 {
 
-gpu_float3 usable(const glm::vec3& value)
+constexpr std::size_t portion = 256; // vertices: 22 KiB
+
+// Whether no component has to be mended. Whole numbers are compared, which goes for several at once: those of larger
+// numbers, of infinity and of what is no number, are larger. Bones are small ones or have the vertex looked at closer.
+bool isUsableAsItIs(const vertex_record& record)
 {
-    const glm::vec3 kept = usableCoordinates(value);
-    return {kept.x, kept.y, kept.z};
+    using words = std::array<std::uint32_t, sizeof(vertex_record) / sizeof(std::uint32_t)>;
+    constexpr auto largest = std::bit_cast<std::int32_t>(furthest_coordinate);
+    int too_large = 0;
+    for (const std::uint32_t word : std::bit_cast<words>(record))
+        too_large |= static_cast<std::int32_t>(word & 0x7fffffff) > largest;
+    return too_large == 0;
 }
 
-glm::vec3 asVector(const gpu_float3& value)
+vertex_record usable(const vertex_record& record)
 {
-    return {value[0], value[1], value[2]};
+    vertex_record result = record;
+    result.position = usableCoordinates(record.position);
+    result.uv = {usableCoordinate(record.uv.x), usableCoordinate(record.uv.y)};
+    result.normal = usableCoordinates(record.normal);
+    result.bitangent = usableCoordinates(record.bitangent);
+    result.tangent = usableCoordinates(record.tangent);
+    std::transform(record.weights.begin(), record.weights.end(), result.weights.begin(), usableCoordinate);
+    return result;
 }
 
-gpu_vertex gpuVertex(const vertex_record& record, int bone)
+gpu_float3 asArray(const glm::vec3& value)
 {
-    gpu_vertex vertex{};
-    vertex.position = usable(record.position);
-    vertex.uv = {usableCoordinate(record.uv.x), usableCoordinate(record.uv.y)};
-    vertex.normal = usable(record.normal);
-    vertex.tangent = usable(record.tangent);
-    vertex.binormal = usable(record.bitangent);
-    if (bone >= 0)
-    {
-        vertex.bones.fill(static_cast<std::uint32_t>(bone));
-        vertex.weights = {1, 0, 0, 0};
-        return vertex;
-    }
-    for (std::size_t i = 0; i < 4; ++i)
-    {
-        vertex.bones[i] = record.bones[i];
-        vertex.weights[i] = usableCoordinate(record.weights[i]);
-    }
-    return vertex;
+    return {value.x, value.y, value.z};
+}
+
+void convert(const vertex_record& record, gpu_vertex& vertex)
+{
+    vertex.position = asArray(record.position);
+    vertex.uv = {record.uv.x, record.uv.y};
+    vertex.normal = asArray(record.normal);
+    vertex.tangent = asArray(record.tangent);
+    vertex.binormal = asArray(record.bitangent);
+    vertex.bones = record.bones;
+    vertex.weights = record.weights;
 }
 
 // In the left-handed space a triangle that is clockwise for its viewer has its cross product towards the viewer. The
 // larger part of the area decides, so that a few mirrored triangles change nothing.
-bool isWoundBackwards(const gpu_mesh& mesh)
+bool isWoundBackwards(std::span<const vertex_record> vertices, std::span<const std::uint16_t> indices)
 {
     double agreement = 0;
-    for (std::size_t i = 0; i + 2 < mesh.indices.size(); i += 3)
+    for (std::size_t i = 0; i + 2 < indices.size(); i += 3)
     {
-        const gpu_vertex& a = mesh.vertices[mesh.indices[i]];
-        const gpu_vertex& b = mesh.vertices[mesh.indices[i + 1]];
-        const gpu_vertex& c = mesh.vertices[mesh.indices[i + 2]];
-        const glm::vec3 origin = asVector(a.position);
-        const glm::vec3 across = glm::cross(asVector(b.position) - origin, asVector(c.position) - origin);
-        agreement += double{glm::dot(across, asVector(a.normal) + asVector(b.normal) + asVector(c.normal))};
+        const vertex_record& a = vertices[indices[i]];
+        const vertex_record& b = vertices[indices[i + 1]];
+        const vertex_record& c = vertices[indices[i + 2]];
+        const glm::vec3 across = glm::cross(b.position - a.position, c.position - a.position);
+        const float agrees = glm::dot(across, a.normal + b.normal + c.normal);
+        if (std::abs(agrees) < 1e20f) // false for what is no number
+            agreement += double{agrees};
     }
     return agreement < 0;
 }
 
 } // namespace
 
-gpu_mesh buildGpuMesh(const vertex_store& store, int bone)
+std::span<const std::uint16_t> drawnIndices(const vertex_store& store, std::vector<std::uint16_t>& kept)
 {
-    gpu_mesh mesh;
-    const auto records = store.vertices.records();
-    mesh.vertices.reserve(records.size());
-    for (const vertex_record& record : records)
-        mesh.vertices.push_back(gpuVertex(record, bone));
-    mesh.indices.reserve(store.indices.size());
+    const std::span<const std::uint16_t> all = store.indices;
+    const std::size_t count = store.vertices.size();
+    if (all.size() % 3 == 0 &&
+        std::all_of(all.begin(), all.end(), [count](std::uint16_t index) { return index < count; }))
+        return all;
     forEachTriangle(store, [&](std::size_t first) {
-        const auto from = store.indices.begin() + static_cast<std::ptrdiff_t>(first);
-        mesh.indices.insert(mesh.indices.end(), from, from + 3);
+        const auto from = all.begin() + static_cast<std::ptrdiff_t>(first);
+        kept.insert(kept.end(), from, from + 3);
     });
-    mesh.reach = mesh_reach(mesh.vertices);
-    mesh.is_wound_backwards = isWoundBackwards(mesh);
+    return kept;
+}
+
+mesh_summary buildGpuVertices(const vertex_store& store, int bone, const vertex_port& take)
+{
+    mesh_summary mesh;
+    const auto records = store.vertices.records();
+    std::vector<gpu_vertex> vertices(std::min(records.size(), portion));
+    for (std::size_t first = 0; first < records.size(); first += portion)
+    {
+        const std::size_t count = std::min(portion, records.size() - first);
+        for (std::size_t i = 0; i < count; ++i)
+        {
+            const vertex_record& record = records[first + i];
+            convert(isUsableAsItIs(record) ? record : usable(record), vertices[i]);
+            if (bone >= 0)
+            {
+                vertices[i].bones.fill(static_cast<std::uint32_t>(bone));
+                vertices[i].weights = {1, 0, 0, 0};
+            }
+        }
+        const auto made = std::span<const gpu_vertex>(vertices).first(count);
+        mesh.reach.add(made);
+        take(first, made);
+    }
+    std::vector<std::uint16_t> kept;
+    mesh.is_wound_backwards = isWoundBackwards(records, drawnIndices(store, kept));
     return mesh;
 }
 

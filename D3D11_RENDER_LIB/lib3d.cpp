@@ -150,11 +150,24 @@ void lib3d::setName(ID3D11DeviceChild& object, const char* name)
 bool lib3d::createBuffer(D3D11_BIND_FLAG kind, std::span<const std::byte> contents, const char* name,
                          const char* source, com_ptr<ID3D11Buffer>& buffer)
 {
-    const CD3D11_BUFFER_DESC description(static_cast<UINT>(contents.size()), static_cast<UINT>(kind),
-                                         D3D11_USAGE_IMMUTABLE);
+    const CD3D11_BUFFER_DESC description(static_cast<UINT>(contents.size()), static_cast<UINT>(kind));
     D3D11_SUBRESOURCE_DATA data{};
     data.pSysMem = contents.data();
     return isMade(m_device->CreateBuffer(&description, &data, buffer.put()), buffer, name, source);
+}
+
+bool lib3d::createBuffer(D3D11_BIND_FLAG kind, std::size_t size_bytes, const char* name, const char* source,
+                         com_ptr<ID3D11Buffer>& buffer)
+{
+    const CD3D11_BUFFER_DESC description(static_cast<UINT>(size_bytes), static_cast<UINT>(kind));
+    return isMade(m_device->CreateBuffer(&description, nullptr, buffer.put()), buffer, name, source);
+}
+
+void lib3d::fill(ID3D11Buffer& buffer, std::size_t offset_bytes, std::span<const std::byte> contents)
+{
+    const auto begin = static_cast<UINT>(offset_bytes);
+    const D3D11_BOX place{begin, 0, 0, begin + static_cast<UINT>(contents.size()), 1, 1};
+    m_context->UpdateSubresource(&buffer, 0, &place, contents.data(), 0, 0);
 }
 
 bool lib3d::createConstantBuffer(UINT size, const void* contents, const char* name, com_ptr<ID3D11Buffer>& buffer)

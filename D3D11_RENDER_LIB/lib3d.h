@@ -94,9 +94,13 @@ public:
     // The bone-line buffer: dynamic, 20,000 vertices.
     [[nodiscard]] bool createLineBuffer();
     [[nodiscard]] bool createAll();
-    // Contents that never change: vertices or indices.
+    // Vertices or indices.
     [[nodiscard]] bool createBuffer(D3D11_BIND_FLAG kind, std::span<const std::byte> contents, const char* name,
                                     const char* source, com_ptr<ID3D11Buffer>& buffer);
+    // To be filled in portions.
+    [[nodiscard]] bool createBuffer(D3D11_BIND_FLAG kind, std::size_t size_bytes, const char* name, const char* source,
+                                    com_ptr<ID3D11Buffer>& buffer);
+    void fill(ID3D11Buffer& buffer, std::size_t offset_bytes, std::span<const std::byte> contents);
 
     // The device draws on the processor (device_probe.h): what is dear there is made cheap, and nothing is drawn that a
     // graphics card alone can afford.

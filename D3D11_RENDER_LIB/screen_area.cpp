@@ -1,7 +1,6 @@
 #include "D3D11_RENDER_LIB/screen_area.h"
 
 #include <cmath>
-#include <map>
 
 namespace korvane
 {
@@ -97,9 +96,20 @@ screen_area screen_area::grown(std::int32_t by, std::int32_t width, std::int32_t
     return {std::max(left - by, 0), std::max(top - by, 0), std::min(right + by, width), std::min(bottom + by, height)};
 }
 
-mesh_reach::mesh_reach(std::span<const gpu_vertex> vertices)
+model_bounds& mesh_reach::boxOf(std::uint32_t bone)
 {
-    std::map<std::uint32_t, model_bounds> boxes;
+    m_places.resize(max_bones + 1);
+    std::uint32_t& place = m_places[std::min<std::size_t>(bone, max_bones)];
+    if (place == 0)
+    {
+        m_bones.push_back({bone, {}});
+        place = static_cast<std::uint32_t>(m_bones.size());
+    }
+    return m_bones[place - 1].box;
+}
+
+void mesh_reach::add(std::span<const gpu_vertex> vertices)
+{
     for (const gpu_vertex& vertex : vertices)
     {
         const glm::vec3 at(vertex.position[0], vertex.position[1], vertex.position[2]);
@@ -110,12 +120,10 @@ mesh_reach::mesh_reach(std::span<const gpu_vertex> vertices)
             sum += vertex.weights[i];
             m_is_mixed = m_is_mixed && vertex.weights[i] >= 0;
             if (i == 0 || vertex.weights[i] > 0)
-                boxes[vertex.bones[i]].add(at);
+                boxOf(vertex.bones[i]).add(at);
         }
         m_is_mixed = m_is_mixed && std::abs(sum - 1) <= 0.01f;
     }
-    for (const auto& [bone, box] : boxes)
-        m_bones.push_back({bone, box});
 }
 
 screen_area mesh_reach::onScreen(const mvp_buffer& constants, std::int32_t width, std::int32_t height) const

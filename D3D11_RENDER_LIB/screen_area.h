@@ -33,8 +33,7 @@ struct screen_area
 class mesh_reach
 {
 public:
-    mesh_reach() = default;
-    explicit mesh_reach(std::span<const gpu_vertex> vertices);
+    void add(std::span<const gpu_vertex> vertices);
 
     // With the constants of a draw; everything for a group whose weights do not mix, or that comes behind the eye.
     screen_area onScreen(const mvp_buffer& constants, std::int32_t width, std::int32_t height) const;
@@ -46,8 +45,12 @@ private:
         model_bounds box;
     };
 
+    model_bounds& boxOf(std::uint32_t bone);
+
     model_bounds m_box; // of all vertices, as they are stored
     std::vector<bone_box> m_bones;
+    // Of each bone in m_bones, plus one; 0: it is not there. The last for all that a palette does not hold: those stay.
+    std::vector<std::uint32_t> m_places;
     bool m_is_mixed = true; // the weights of every vertex are positive and sum to one
 };
 

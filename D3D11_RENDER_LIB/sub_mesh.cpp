@@ -39,17 +39,25 @@ bool sub_mesh::create(lib3d& library, const scene_group& group, int bone, const 
 
 bool sub_mesh::createBuffers(lib3d& library, const scene_group& group, int bone)
 {
-    gpu_mesh mesh = buildGpuMesh(*group.store, bone);
+    const vertex_store& store = *group.store;
+    std::vector<std::uint16_t> kept;
+    const std::span<const std::uint16_t> indices = drawnIndices(store, kept);
+    m_index_count = static_cast<UINT>(indices.size());
+    if (indices.empty())
+        return true;
+    if (!library.createBuffer(D3D11_BIND_INDEX_BUFFER, std::as_bytes(indices), "group indices", source_name,
+                              m_index_buffer) ||
+        !library.createBuffer(D3D11_BIND_VERTEX_BUFFER, store.vertices.size() * sizeof(gpu_vertex), "group vertices",
+                              source_name, m_vertex_buffer))
+        return false;
+    mesh_summary mesh = buildGpuVertices(store, bone, [&](std::size_t first, std::span<const gpu_vertex> vertices) {
+        library.fill(*m_vertex_buffer.get(), first * sizeof(gpu_vertex), std::as_bytes(vertices));
+    });
     m_reach = std::move(mesh.reach);
     m_raster = m_has_alpha               ? raster_mode::both_faces
                : mesh.is_wound_backwards ? raster_mode::front_faces_reversed
                                          : raster_mode::front_faces;
-    m_index_count = static_cast<UINT>(mesh.indices.size());
-    return mesh.indices.empty() ||
-           (library.createBuffer(D3D11_BIND_INDEX_BUFFER, std::as_bytes(std::span(mesh.indices)), "group indices",
-                                 source_name, m_index_buffer) &&
-            library.createBuffer(D3D11_BIND_VERTEX_BUFFER, std::as_bytes(std::span(mesh.vertices)), "group vertices",
-                                 source_name, m_vertex_buffer));
+    return true;
 }
 
 int sub_mesh::boundSlots() const

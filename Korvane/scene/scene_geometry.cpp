@@ -1,34 +1,19 @@
 #include "Korvane/scene/scene_geometry.h"
 
-#include <glm/common.hpp>
-
 #include <algorithm>
 #include <cmath>
 
 namespace korvane
 {
 
-namespace
-{
-
-constexpr float furthest = 1000.0f;
-
-} // namespace
-
 float usableCoordinate(float value)
 {
-    return std::isfinite(value) ? std::clamp(value, -furthest, furthest) : 0.0f;
+    return std::isfinite(value) ? std::clamp(value, -furthest_coordinate, furthest_coordinate) : 0.0f;
 }
 
 glm::vec3 usableCoordinates(const glm::vec3& value)
 {
     return {usableCoordinate(value.x), usableCoordinate(value.y), usableCoordinate(value.z)};
-}
-
-void model_bounds::add(const glm::vec3& point)
-{
-    min = glm::min(min, point);
-    max = glm::max(max, point);
 }
 
 void model_bounds::add(const model_bounds& box, const glm::mat4& place)

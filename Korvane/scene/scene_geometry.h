@@ -5,6 +5,7 @@
 
 #include "Korvane/models/rmv2_data.h"
 
+#include <glm/common.hpp>
 #include <glm/gtc/quaternion.hpp>
 #include <glm/mat4x4.hpp>
 #include <glm/vec3.hpp>
@@ -16,6 +17,7 @@ namespace korvane
 {
 
 // NaN and infinity become 0; beyond a kilometre a coordinate is damage too, and would swallow the rest of the model.
+inline constexpr float furthest_coordinate = 1000.0f;
 [[nodiscard]] float usableCoordinate(float value);
 [[nodiscard]] glm::vec3 usableCoordinates(const glm::vec3& value);
 
@@ -47,7 +49,11 @@ struct model_bounds
     bool isEmpty() const { return min.x > max.x; }
     glm::vec3 centre() const { return isEmpty() ? glm::vec3(0) : (min + max) * 0.5f; }
     glm::vec3 extent() const { return isEmpty() ? glm::vec3(0) : max - min; }
-    void add(const glm::vec3& point);
+    void add(const glm::vec3& point)
+    {
+        min = glm::min(min, point);
+        max = glm::max(max, point);
+    }
     void add(const model_bounds& box, const glm::mat4& place); // the corners of a box that stands there
 };
 
