@@ -3,7 +3,6 @@
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/extraction_folder.h"
 #include "Korvane/cli/output_files.h"
-#include "Korvane/fbx/export/scene_exporter.h"
 #include "Korvane/jobs/export_job.h"
 #include "Korvane/jobs/output_paths.h"
 
@@ -26,7 +25,8 @@ public:
             m_files.push_back(
                 {{"path", displayText(file.path)},
                  {"model", displayText(model)},
-                 {"animation", file.animation.empty() ? json(nullptr) : json(displayText(file.animation))},
+                 {"animation", file.animations.empty() ? json(nullptr) : json(displayText(file.animations.front()))},
+                 {"animations", shown(file.animations)},
                  {"bones", file.bones},
                  {"meshes", file.meshes},
                  {"points", file.points},
@@ -55,6 +55,14 @@ public:
     }
 
 private:
+    static json shown(const std::vector<std::string>& texts)
+    {
+        json list = json::array();
+        for (const std::string& text : texts)
+            list.push_back(displayText(text));
+        return list;
+    }
+
     json m_files = json::array(), m_failed = json::array();
     std::map<std::string, std::string> m_textures; // by internal path
     std::vector<std::string> m_warnings;
@@ -70,10 +78,10 @@ void exportModel(cli_context& context, const export_job_options& options)
     report.add(options.model, result);
     if (context.is_json)
         context.printJson(report.document());
-    if (const std::size_t missing = result.wanted - result.files.size(); missing > 0)
+    if (const std::size_t failed = result.failed.size(); failed > 0)
         context.fail(
             {failure_kind::refused,
-             std::to_string(missing) + " of " + std::to_string(result.wanted) + " animations could not be exported",
+             std::to_string(failed) + " of " + std::to_string(result.wanted) + " animations could not be exported",
              options.output, 0, ""});
 }
 
@@ -113,11 +121,13 @@ void exportModels(cli_context& context, const export_job_options& options, const
 // What the command line's options cannot say of each other by themselves.
 void checkOptions(const export_job_options& options, bool is_one_model)
 {
-    if (!options.animations.empty() && options.skeleton.empty())
-        throw CLI::RequiresError("--anim", "--skeleton");
+    if (options.texture_folder.empty() && (options.texture_form || options.makes_normals_blue))
+        throw CLI::RequiresError(options.texture_form ? "--as" : "--normal", "--textures");
+    if (options.makes_normals_blue && !options.texture_form)
+        throw CLI::RequiresError("--normal", "--as");
     if (!options.animations.empty() && !is_one_model)
         throw CLI::ValidationError("--anim", "animations go with one model");
-    const bool is_file = hasExportExtension(options.output) && !isFolder(options.output);
+    const bool is_file = isExportFile(options.output) && !isFolder(options.output);
     const bool is_one_file = is_one_model && options.animations.size() < 2;
     if (!is_one_file && is_file)
         throw CLI::ValidationError("-o", "several " + std::string(is_one_model ? "animations" : "models") +
@@ -133,10 +143,21 @@ struct console_export_options
 {
     std::vector<std::string> operands;
     export_job_options job;
+    std::string lod = "0", form, normals;
 };
+
+// "all", or a number that wholeNumber() has looked at.
+std::optional<std::size_t> levelOf(const std::string& text)
+{
+    return text == "all" ? std::nullopt : std::optional<std::size_t>(std::stoull(text));
+}
 
 void runCommand(cli_context& context, console_export_options& options)
 {
+    options.job.lod = levelOf(options.lod);
+    if (!options.form.empty())
+        options.job.texture_form = pictureKind("." + options.form);
+    options.job.makes_normals_blue = !options.normals.empty();
     operand_list list(modelOperands(), options.job.output);
     if (!listOperands(context, options.operands, list))
         return;
@@ -154,7 +175,8 @@ void runCommand(cli_context& context, console_export_options& options)
 void addExportCommand(CLI::App& app, cli_context& context)
 {
     const auto options = std::make_shared<console_export_options>();
-    CLI::App* command = app.add_subcommand("export", "Write models as FBX or Collada, with skeleton and animations");
+    CLI::App* command =
+        app.add_subcommand("export", "Write models and figures for 3D programs, with skeleton and animations");
     command->add_option("MODEL", options->operands, model_operands_help)->required();
     command
         ->add_option("-o,--output", options->job.output,
@@ -162,21 +184,31 @@ void addExportCommand(CLI::App& app, cli_context& context)
                      "the models")
         ->required()
         ->check(notEmpty());
-    command->add_option("--skeleton", options->job.skeleton, "The skeleton's .anim file; without it the model alone")
+    command
+        ->add_option("--skeleton", options->job.skeleton,
+                     "The skeleton's .anim file; without it the model alone, or with --bind or --anim its own")
         ->type_name("ANIM");
+    command->add_flag("--bind", options->job.with_bones,
+                      "With the skeleton that the model names, in its bind pose; a definition always has its own");
     command
         ->add_option("--anim", options->job.animations,
                      "An animation; may be given more than once, with a folder as -o")
         ->type_name("ANIM")
         ->allow_extra_args(false);
-    command->add_option("--lod", options->job.lod, "Level of detail; 0, the finest, without it")
+    command->add_option("--lod", options->lod, "Level of detail, or all; 0, the finest, without it")
         ->type_name("N")
-        ->check(wholeNumber());
+        ->check(CLI::IsMember({"all"}) | wholeNumber());
     command
         ->add_option("--textures", options->job.texture_folder,
                      "Copy the diffuse and normal textures below this folder")
         ->type_name("DIR")
         ->check(notEmpty());
+    command->add_option("--as", options->form, "The textures as pictures instead of DDS files: png or tga")
+        ->type_name("KIND")
+        ->check(CLI::IsMember({"png", "tga"}));
+    command->add_option("--normal", options->normals, "blue: turn the games' normal maps into ordinary ones")
+        ->type_name("FORM")
+        ->check(CLI::IsMember({"blue"}));
     command->add_option("--format", options->job.folder_format, "Of the files in a folder: fbx or dae; fbx without it")
         ->type_name("FORMAT")
         ->check(CLI::IsMember({"fbx", "dae"}));

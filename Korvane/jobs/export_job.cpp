@@ -3,8 +3,10 @@
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/path_pattern.h"
+#include "Korvane/document/open_definition.h"
 #include "Korvane/fbx/export/scene_exporter.h"
-#include "Korvane/jobs/operands.h"
+#include "Korvane/jobs/export_subject.h"
+#include "Korvane/jobs/export_textures.h"
 #include "Korvane/jobs/output_paths.h"
 
 #include <algorithm>
@@ -18,17 +20,6 @@ namespace korvane
 
 namespace
 {
-
-// "guard" of "pack:models\guard.rigid_model_v2"; a name that no disk takes becomes "model".
-std::string baseName(const std::string& operand, std::string_view extension)
-{
-    const game_path path(operand);
-    std::string name(fileName(path.internalPath()));
-    if (endsWithIgnoringCase(name, extension))
-        name.resize(name.size() - extension.size());
-    std::string reason;
-    return relativeDiskPath(name, reason).value_or("model");
-}
 
 class export_run
 {
@@ -50,63 +41,21 @@ private:
         std::string animation; // operand; empty: bind pose, or the model alone
     };
 
-    bool load(failure& why);
-    void noteMismatch(const std::string& what, const std::string& named) const;
     bool writesFolder() const { return isFolder(m_options.output) || m_options.animations.size() > 1; }
     std::vector<output_file> outputs() const;
-    bool isFree(const std::string& output, failure& why) const;
+    bool areFree(const std::vector<output_file>& files, failure& why) const;
     bool prepare(failure& why);
     bool exportFile(const output_file& file, std::size_t number, std::size_t total, failure& why);
-    bool loadTake(const output_file& file, export_take& take, failure& why);
     void reportFile(const output_file& file, const export_take& take);
-    bool extractTextures(failure& why);
-    bool extractTexture(const std::string& internal_path, const game_data& game, failure& why);
-    std::filesystem::path outputFolder() const;
     export_options sceneOptions() const;
 
     game_source& m_source;
     const export_job_options& m_options;
     const work_port& m_work;
     export_job_result& m_result;
-    rmv2_file m_model;
-    std::shared_ptr<const anim_data> m_skeleton;
-    export_scene m_scene;
+    export_subject m_subject;
     std::unique_ptr<scene_exporter> m_exporter; // once there is something to write
 };
-
-void export_run::noteMismatch(const std::string& what, const std::string& named) const
-{
-    if (!named.empty() && !equalsIgnoringCase(named, m_skeleton->skeleton_name))
-        tell(m_work.log, displayText(what) + " is made for the skeleton " + displayText(named) + ", not for " +
-                             displayText(m_skeleton->skeleton_name));
-}
-
-bool export_run::load(failure& why)
-{
-    if (!openModel(m_source, m_options.model, m_model, m_work.log, why))
-        return false;
-    if (!m_options.skeleton.empty())
-    {
-        m_skeleton = loadAnim(m_source, m_options.skeleton, anim_depth::skeleton, why);
-        if (!m_skeleton)
-            return false;
-        noteMismatch(m_options.model, m_model.data().skeleton_id);
-        if (!addBones(*m_skeleton, m_scene, why))
-        {
-            why.path = m_options.skeleton;
-            return false;
-        }
-    }
-    if (!addMeshes(m_model.data(), m_options.lod, m_scene, why))
-    {
-        why.path = m_options.model;
-        return false;
-    }
-    for (const std::string& warning : m_scene.warnings)
-        tell(m_work.log, displayText(warning));
-    m_result.warnings = m_scene.warnings;
-    return true;
-}
 
 std::vector<export_run::output_file> export_run::outputs() const
 {
@@ -116,16 +65,16 @@ std::vector<export_run::output_file> export_run::outputs() const
     };
     if (m_options.animations.empty())
     {
-        const std::string name = baseName(m_options.model, ".rigid_model_v2");
-        return {{has_folder ? inFolder(!m_options.skeleton.empty() ? name + std::string(bind_pose_suffix) : name)
-                            : m_options.output,
-                 ""}};
+        const bool is_figure = isDefinitionPath(m_options.model);
+        const std::string name = exportName(m_options.model, is_figure ? ".variantmeshdefinition" : ".rigid_model_v2");
+        const bool is_bound = is_figure || m_options.with_bones || !m_options.skeleton.empty();
+        return {{has_folder ? inFolder(is_bound ? name + std::string(bind_pose_suffix) : name) : m_options.output, ""}};
     }
     std::vector<output_file> files;
     std::set<std::string> taken; // in lower case, as Windows compares names
     for (const std::string& animation : m_options.animations)
     {
-        const std::string name = baseName(animation, ".anim");
+        const std::string name = exportName(animation, ".anim");
         std::string unique = name;
         for (int number = 2; !taken.insert(toLower(unique)).second; ++number)
             unique = name + "_" + std::to_string(number);
@@ -134,12 +83,15 @@ std::vector<export_run::output_file> export_run::outputs() const
     return files;
 }
 
-bool export_run::isFree(const std::string& output, failure& why) const
+// What is read is not written over. A folder in which nothing can be written is one failure, not one for each file.
+bool export_run::areFree(const std::vector<output_file>& files, failure& why) const
 {
     std::vector<std::string> inputs = m_options.animations;
     inputs.insert(inputs.end(), {m_options.model, m_options.skeleton});
     inputs.insert(inputs.end(), m_options.spared.begin(), m_options.spared.end());
-    return isFreeToWrite(inputs, output, why);
+    return std::all_of(files.begin(), files.end(),
+                       [&](const output_file& file) { return isFreeToWrite(inputs, file.path, why); }) &&
+           (!writesFolder() || canWriteBelow(m_options.output, why));
 }
 
 // Before the first file is written, and not when there is none.
@@ -147,26 +99,15 @@ bool export_run::prepare(failure& why)
 {
     if (m_exporter)
         return true;
-    if (!extractTextures(why) || (writesFolder() && !createFolder(m_options.output, why)))
+    if (!extractExportTextures(m_source, m_options, m_subject.scene, m_work, m_result, why) ||
+        (writesFolder() && !createFolder(m_options.output, why)))
         return false;
     const auto print = [this](const std::string& text) {
         const std::size_t begin = text.find_first_not_of('\n'), end = text.find_last_not_of('\n') + 1;
         tell(m_work.log, displayText(text.substr(begin, end - begin)));
     };
-    m_exporter = std::make_unique<scene_exporter>(m_scene, sceneOptions(), print);
+    m_exporter = std::make_unique<scene_exporter>(m_subject.scene, sceneOptions(), print);
     return true;
-}
-
-bool export_run::loadTake(const output_file& file, export_take& take, failure& why)
-{
-    const auto animation = loadAnim(m_source, file.animation, anim_depth::animation, why);
-    if (!animation)
-        return false;
-    noteMismatch(file.animation, animation->skeleton_name);
-    if (makeTake(animation, *m_skeleton, m_options.is_full_span ? take_span::full : take_span::half, take, why))
-        return true;
-    why.path = file.animation;
-    return false;
 }
 
 bool export_run::exportFile(const output_file& file, std::size_t number, std::size_t total, failure& why)
@@ -174,8 +115,12 @@ bool export_run::exportFile(const output_file& file, std::size_t number, std::si
     const std::string line = displayText(exportingLine(fileName(file.path), number, total));
     m_work.report(number - 1, total, line);
     export_take take;
-    if ((!file.animation.empty() && !loadTake(file, take, why)) || !prepare(why))
+    const take_span span = m_options.is_full_span ? take_span::full : take_span::half;
+    if ((!file.animation.empty() && !loadExportTake(m_source, m_subject, file.animation, span, m_work, take, why)) ||
+        !prepare(why))
         return false;
+    if (m_work.isStopped())
+        return true;
     tell(m_work.log, line);
     if (!m_exporter->save(file.path, file.animation.empty() ? nullptr : &take, why))
         return false;
@@ -185,99 +130,40 @@ bool export_run::exportFile(const output_file& file, std::size_t number, std::si
 
 void export_run::reportFile(const output_file& file, const export_take& take)
 {
-    std::size_t points = 0, triangles = 0;
-    for (const export_mesh& mesh : m_scene.meshes)
+    const export_scene& scene = m_subject.scene;
+    exported_file written;
+    written.path = file.path;
+    if (!file.animation.empty())
+        written.animations.push_back(file.animation);
+    written.bones = scene.bones.size();
+    written.meshes = scene.meshes.size();
+    for (const export_mesh& mesh : scene.meshes)
     {
-        points += mesh.points.size() / 3;
-        triangles += mesh.triangles.size() / 3;
+        written.points += mesh.points.size() / 3;
+        written.triangles += mesh.triangles.size() / 3;
     }
-    m_result.files.push_back({file.path, file.animation, m_scene.bones.size(), m_scene.meshes.size(), points, triangles,
-                              take.frame_count, take.frame_rate, take.stop_seconds});
-}
-
-// Copies the textures that the materials name below the folder. Those that are nowhere are named and left out.
-bool export_run::extractTextures(failure& why)
-{
-    if (m_options.texture_folder.empty() || m_options.is_without_materials)
-        return true;
-    const std::shared_ptr<const game_data> game = m_source.archivesOrDisk(why);
-    if (!game)
-        return false;
-    for (const export_material& material : m_scene.materials)
-        for (const std::string& internal_path : {material.diffuse_path, material.normal_path})
-            if (!internal_path.empty() && !m_result.textures.contains(toLower(internal_path)) &&
-                !extractTexture(internal_path, *game, why))
-                return false;
-    return true;
-}
-
-// Spellings that differ in case mean one texture: the file's name is in lower case.
-bool export_run::extractTexture(const std::string& internal_path, const game_data& game, failure& why)
-{
-    const std::string key = toLower(internal_path);
-    std::string reason;
-    const std::optional<std::string> relative = relativeDiskPath(key, reason);
-    const std::optional<memory_file> bytes =
-        relative ? game.readTexture(internal_path, m_options.model, m_work.log) : std::nullopt;
-    if (!bytes)
-    {
-        tell(m_work.log, displayText(internal_path) + ": the texture " +
-                             (relative ? "was found nowhere" : "is refused: " + reason));
-        m_result.textures.emplace(key, "");
-        return true;
-    }
-    const std::filesystem::path target = toPath(m_options.texture_folder) / toPath(*relative);
-    const std::string path = toUtf8(target);
-    if (!isFree(path, why) || !createFolder(toUtf8(target.parent_path()), why) ||
-        !writeWholeFile(path, bytes->bytes(), why))
-        return false;
-    m_result.textures.emplace(key, path);
-    return true;
-}
-
-// Where paths in the file begin; empty for a bare name.
-std::filesystem::path export_run::outputFolder() const
-{
-    std::filesystem::path folder = toPath(m_options.output);
-    if (!writesFolder())
-        folder = folder.parent_path();
-    return folder;
-}
-
-// With '/', and without a drive or a root in front: the path is to be relative.
-std::string slashed(std::string path)
-{
-    std::replace(path.begin(), path.end(), '\\', '/');
-    if (path.size() > 1 && path[1] == ':')
-        path.erase(0, 2);
-    return path.substr(std::min(path.find_first_not_of('/'), path.size()));
+    written.frames = take.frame_count;
+    written.frame_rate = take.frame_rate;
+    written.take_stop_seconds = take.stop_seconds;
+    m_result.files.push_back(std::move(written));
+    ++m_result.done;
 }
 
 export_options export_run::sceneOptions() const
 {
-    std::error_code ignored;
-    const std::filesystem::path here = std::filesystem::current_path(ignored);
-    const std::filesystem::path folder = (here / outputFolder()).lexically_normal();
-    const auto texturePath = [this, here, folder](const std::string& internal_path) {
-        const auto found = m_result.textures.find(toLower(internal_path));
-        if (found == m_result.textures.end() || found->second.empty())
-            return slashed(displayText(internal_path));
-        std::string path = toUtf8((here / toPath(found->second)).lexically_normal().lexically_proximate(folder));
-        std::replace(path.begin(), path.end(), '\\', '/'); // it may lie on another drive
-        return path;
-    };
-    return {!m_options.is_without_materials, texturePath};
+    // Where paths in the file begin; empty for a bare name.
+    const std::filesystem::path output = toPath(m_options.output);
+    return {!m_options.is_without_materials,
+            texturePathsFrom(writesFolder() ? output : output.parent_path(), m_result.textures)};
 }
 
 bool export_run::run(failure& why)
 {
     const std::vector<output_file> files = outputs();
     m_result.wanted = files.size();
-    for (const output_file& file : files)
-        if (!isFree(file.path, why))
-            return false;
-    if (!load(why))
+    if (!areFree(files, why) || !loadExportSubject(m_source, m_options, m_work, m_subject, why))
         return false;
+    m_result.warnings = m_subject.scene.warnings;
     for (std::size_t i = 0; i < files.size() && !m_work.isStopped(); ++i)
     {
         failure reason;
@@ -291,11 +177,31 @@ bool export_run::run(failure& why)
         m_work.nameFailure(reason);
         m_result.failed.push_back({files[i].animation, std::move(reason)});
     }
+    m_result.is_stopped = m_work.isStopped() && m_result.done + m_result.failed.size() < m_result.wanted;
     tell(m_work.log, exportedLine(m_result.files.size()));
     return true;
 }
 
 } // namespace
+
+std::string exportName(const std::string& operand, std::string_view ending)
+{
+    const game_path path(operand);
+    std::string name = displayText(fileName(path.internalPath()));
+    if (endsWithIgnoringCase(name, ending))
+        name.resize(name.size() - ending.size());
+    for (char& character : name)
+        if (static_cast<unsigned char>(character) < 0x20 || std::string_view("<>:\"|?*").find(character) < 7)
+            character = '_';
+    name.resize(name.find_last_not_of(". ") + 1); // Windows drops them
+    std::string reason;
+    return name.empty() ? "model" : relativeDiskPath(name, reason) ? name : "_" + name; // the name of a device
+}
+
+bool isExportFile(std::string_view path)
+{
+    return hasExportExtension(path);
+}
 
 bool runExport(game_source& source, const export_job_options& options, const work_port& work, export_job_result& result,
                failure& why)

@@ -143,7 +143,7 @@ void extraction_run::plan(const wanted_texture& wanted)
         name += extensionOf(*job.form);
     }
     failure why;
-    if (m_folder.place(name, job.texture.path, why))
+    if (m_folder.place(name, job.texture.path, why) && isFreeToWrite(m_options.spared, job.texture.path, why))
         return m_jobs.push_back(std::move(job));
     if (why.path == name) // not that of the picture to be
         why.path = job.texture.internal_path;

@@ -351,7 +351,7 @@ class command(export_case):
 
     def test_wrong_command_lines(self):
         model, out = self.at(MODEL), self.path("out.fbx")
-        for arguments in ([model], [model, "-o", self.path("out.obj")], [model, "-o", out, "--anim", "a.anim"],
+        for arguments in ([model], [model, "-o", self.path("out.obj")], [model, "-o", out, "--as", "png"],
                           [model, "-o", out, "--skeleton", "s", "--anim", "a", "--anim", "b"],
                           [model, "-o", out, "--lod", "x"], [model, "-o", out, "--lod", "-1"],
                           [model, "-o", out, "--format", "dae"], [model, "-o", self.folder, "--format", "obj"]):

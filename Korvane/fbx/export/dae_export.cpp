@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/version.h"
 #include "Korvane/fbx/export/dae_nodes.h"
+#include "Korvane/fbx/export/euler_keys.h"
 
 #include <glm/matrix.hpp>
 
@@ -281,25 +282,35 @@ void dae_writer::addController(pugi::xml_node library, const export_mesh& mesh, 
     list.append_child("v").text() = pairs.c_str();
 }
 
+pugi::xml_node addMatrix(pugi::xml_node node, const glm::dvec3& translation, const glm::dvec3& euler_degrees)
+{
+    std::vector<double> numbers;
+    appendMatrix(numbers, localMatrix(translation, euler_degrees));
+    pugi::xml_node matrix = node.append_child("matrix");
+    matrix.text() = numberList(numbers).c_str();
+    return matrix;
+}
+
 void dae_writer::addBone(pugi::xml_node parent, std::size_t index)
 {
     const export_bone& bone = m_scene.bones[index];
     pugi::xml_node node = addElement(parent, "node", m_bones[index], bone.name);
     node.append_attribute("sid") = m_bones[index].c_str();
     node.append_attribute("type") = "JOINT";
-    std::vector<double> numbers;
-    appendMatrix(numbers, localMatrix(bone.translation, bone.euler_degrees));
-    pugi::xml_node matrix = node.append_child("matrix");
-    matrix.append_attribute("sid") = bone_matrix;
-    matrix.text() = numberList(numbers).c_str();
+    addMatrix(node, bone.translation, bone.euler_degrees).append_attribute("sid") = bone_matrix;
     for (const std::size_t child : m_children[index])
         addBone(node, child);
+    for (std::size_t i = 0; i < m_scene.meshes.size(); ++i)
+        if (m_scene.meshes[i].bone == static_cast<std::int32_t>(index))
+            addMeshNode(node, m_scene.meshes[i], m_meshes[i]);
 }
 
 void dae_writer::addMeshNode(pugi::xml_node parent, const export_mesh& mesh, const mesh_ids& ids)
 {
     pugi::xml_node node = addElement(parent, "node", ids.node, mesh.name);
     node.append_attribute("type") = "NODE";
+    if (mesh.bone >= 0)
+        addMatrix(node, mesh.translation, mesh.euler_degrees);
     const bool is_skinned = !mesh.clusters.empty();
     pugi::xml_node instance = node.append_child(is_skinned ? "instance_controller" : "instance_geometry");
     instance.append_attribute("url") = ("#" + (is_skinned ? ids.controller : ids.geometry)).c_str();
@@ -326,7 +337,8 @@ void dae_writer::addVisualScene(pugi::xml_node root)
         if (m_scene.bones[i].parent < 0)
             addBone(scene, i);
     for (std::size_t i = 0; i < m_scene.meshes.size(); ++i)
-        addMeshNode(scene, m_scene.meshes[i], m_meshes[i]);
+        if (m_scene.meshes[i].bone < 0)
+            addMeshNode(scene, m_scene.meshes[i], m_meshes[i]);
 }
 
 } // namespace

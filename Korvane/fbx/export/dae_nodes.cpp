@@ -2,9 +2,6 @@
 
 #include "EASY_GUI/services/text.h"
 
-#include <glm/gtc/quaternion.hpp>
-#include <glm/trigonometric.hpp>
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -14,8 +11,6 @@ namespace korvane::dae_nodes
 
 namespace
 {
-
-constexpr double rounding_error = 1e-12; // of sines and cosines
 
 struct text_writer : pugi::xml_writer
 {
@@ -90,17 +85,6 @@ std::string numberList(std::span<const double> values)
     for (const double value : values)
         appendNumber(text, value);
     return text;
-}
-
-glm::dmat4 localMatrix(const glm::dvec3& translation, const glm::dvec3& euler_degrees)
-{
-    glm::dmat4 matrix = glm::mat4_cast(glm::dquat(glm::radians(euler_degrees)));
-    for (glm::length_t column = 0; column < 3; ++column)
-        for (glm::length_t row = 0; row < 3; ++row)
-            if (std::abs(matrix[column][row]) < rounding_error)
-                matrix[column][row] = 0;
-    matrix[3] = glm::dvec4(translation, 1);
-    return matrix;
 }
 
 void appendMatrix(std::vector<double>& values, const glm::dmat4& matrix)

@@ -33,8 +33,6 @@ private:
 void appendNumber(std::string& text, double value);
 [[nodiscard]] std::string numberList(std::span<const double> values);
 
-// Where a bone is relative to its parent: turned by X, then Y, then Z, then moved.
-[[nodiscard]] glm::dmat4 localMatrix(const glm::dvec3& translation, const glm::dvec3& euler_degrees);
 // Row after row.
 void appendMatrix(std::vector<double>& values, const glm::dmat4& matrix);
 // The name of that matrix in the node of a bone.

@@ -2,6 +2,7 @@
 // shorter, but a common reader takes them relative to the bone's rest pose, which matrices alone it does right.
 
 #include "Korvane/fbx/export/dae_export.h"
+#include "Korvane/fbx/export/euler_keys.h"
 
 #include <string_view>
 

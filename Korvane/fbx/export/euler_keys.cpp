@@ -14,6 +14,7 @@ namespace
 
 // Below this cosine of Y the angles of X and Z are made of rounding errors: rotations of files have 16 bits.
 constexpr double locked_cosine = 1e-6;
+constexpr double rounding_error = 1e-12; // of sines and cosines
 
 double nearestTurn(double degrees, double reference)
 {
@@ -34,6 +35,22 @@ glm::dvec3 principalAngles(const glm::dquat& rotation, double z_when_locked)
     const double sine_of_x = -(m[2][1] * std::cos(z) - m[2][0] * std::sin(z));
     const double cosine_of_x = m[1][1] * std::cos(z) - m[1][0] * std::sin(z);
     return glm::degrees(glm::dvec3(std::atan2(sine_of_x, cosine_of_x), y, z));
+}
+
+glm::dquat rotationOf(const glm::dvec3& euler_degrees)
+{
+    return glm::dquat(glm::radians(euler_degrees));
+}
+
+glm::dmat4 localMatrix(const glm::dvec3& translation, const glm::dvec3& euler_degrees)
+{
+    glm::dmat4 matrix = glm::mat4_cast(rotationOf(euler_degrees));
+    for (glm::length_t column = 0; column < 3; ++column)
+        for (glm::length_t row = 0; row < 3; ++row)
+            if (std::abs(matrix[column][row]) < rounding_error)
+                matrix[column][row] = 0;
+    matrix[3] = glm::dvec4(translation, 1);
+    return matrix;
 }
 
 glm::dvec3 nearestAngles(const glm::dvec3& euler_degrees, const glm::dvec3& reference)

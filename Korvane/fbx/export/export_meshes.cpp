@@ -1,8 +1,13 @@
 // The meshes of an export_scene, with their skins and materials.
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/fbx/export/euler_keys.h"
 #include "Korvane/fbx/export/export_scene.h"
 #include "Korvane/fbx/export/export_space.h"
+#include "Korvane/fbx/export/rigid_place.h"
+
+#include <glm/geometric.hpp>
+#include <glm/matrix.hpp>
 
 #include <algorithm>
 #include <array>
@@ -15,7 +20,7 @@ namespace korvane
 namespace
 {
 
-constexpr std::uint32_t diffuse_type = 0, normal_type = 1, base_colour_type = 27;
+constexpr std::uint32_t diffuse_type = 0, normal_type = 1, specular_type = 11, gloss_type = 12, base_colour_type = 27;
 
 struct left_out // of one group
 {
@@ -23,6 +28,24 @@ struct left_out // of one group
     std::size_t triangles = 0; // with indices out of range
     std::size_t weights = 0;   // of bones that the skeleton does not have
     std::uint32_t highest_bone = 0;
+    std::size_t bone_count = 0; // that it has
+};
+
+// What is done to points on their way into the file.
+struct point_transform
+{
+    glm::dmat4 points{1};
+    glm::dmat3 directions{1};
+    bool is_plain = true;
+    bool is_mirrored = false;
+
+    explicit point_transform(const glm::dmat4& matrix) : points(matrix), is_plain(matrix == glm::dmat4(1))
+    {
+        const double determinant = glm::determinant(glm::dmat3(matrix));
+        is_mirrored = determinant < 0;
+        if (std::abs(determinant) > 1e-12)
+            directions = glm::transpose(glm::inverse(glm::dmat3(matrix)));
+    }
 };
 
 void warn(export_scene& scene, const std::string& mesh, const left_out& lost)
@@ -35,7 +58,7 @@ void warn(export_scene& scene, const std::string& mesh, const left_out& lost)
     say(lost.triangles, "triangle", " left out: an index is out of range");
     say(lost.weights, "weight",
         " left out: for bones up to " + std::to_string(lost.highest_bone) + ", but the skeleton has " +
-            std::to_string(scene.bones.size()));
+            std::to_string(lost.bone_count));
 }
 
 void append(std::vector<double>& target, const glm::dvec3& value)
@@ -43,8 +66,32 @@ void append(std::vector<double>& target, const glm::dvec3& value)
     target.insert(target.end(), {value.x, value.y, value.z});
 }
 
-void addVertices(const vertex_store& store, export_mesh& mesh, left_out& lost)
+glm::dvec3 unitOrZero(const glm::dvec3& direction)
 {
+    const double length = glm::length(direction);
+    return length > 0 ? direction / length : glm::dvec3(0);
+}
+
+// Nothing without a tangent, or with one along the normal. The binormal is that side of both on which the file's lies.
+bool addTangent(const vertex_record& vertex, const glm::dvec3& normal, const point_transform& transform,
+                export_mesh& mesh)
+{
+    if (!isExportable(vertex.tangent) || !isExportable(vertex.bitangent))
+        return false;
+    const glm::dmat3 turned(transform.points);
+    const glm::dvec3 given = turned * exportedDirection(vertex.tangent);
+    const glm::dvec3 tangent = unitOrZero(given - normal * glm::dot(normal, given));
+    if (glm::length(tangent) < 0.5 || glm::length(normal) < 0.5)
+        return false;
+    append(mesh.tangents, tangent);
+    const glm::dvec3 binormal = turned * exportedDirection(vertex.bitangent);
+    mesh.tangents.push_back(glm::dot(glm::cross(normal, tangent), binormal) < 0 ? -1 : 1);
+    return true;
+}
+
+void addVertices(const vertex_store& store, const point_transform& transform, export_mesh& mesh, left_out& lost)
+{
+    bool has_tangents = true;
     const auto records = store.vertices.records();
     mesh.points.reserve(records.size() * 3);
     mesh.normals.reserve(records.size() * 3);
@@ -54,16 +101,20 @@ void addVertices(const vertex_store& store, export_mesh& mesh, left_out& lost)
         const bool has_position = isExportable(vertex.position), has_normal = isExportable(vertex.normal),
                    has_uv = isExportable(vertex.uv.x) && isExportable(vertex.uv.y);
         lost.values += static_cast<std::size_t>(!has_position) + !has_normal + !has_uv;
-        append(mesh.points, has_position ? exportedTranslation(vertex.position) : glm::dvec3(0));
-        const glm::dvec3 normal = has_normal ? exportedDirection(vertex.normal) : glm::dvec3(0);
-        const double length = glm::length(normal);
-        append(mesh.normals, length > 0 ? normal / length : normal);
+        const glm::dvec3 point = has_position ? exportedTranslation(vertex.position) : glm::dvec3(0);
+        append(mesh.points, transform.is_plain ? point : glm::dvec3(transform.points * glm::dvec4(point, 1)));
+        const glm::dvec3 given = has_normal ? exportedDirection(vertex.normal) : glm::dvec3(0);
+        const glm::dvec3 normal = unitOrZero(transform.is_plain ? given : transform.directions * given);
+        append(mesh.normals, normal);
+        has_tangents = has_tangents && addTangent(vertex, normal, transform, mesh);
         mesh.uvs.push_back(has_uv ? static_cast<double>(vertex.uv.x) : 0);
         mesh.uvs.push_back(has_uv ? static_cast<double>(vertex.uv.y) : 0);
     }
+    if (!has_tangents)
+        mesh.tangents.clear();
 }
 
-void addTriangles(const vertex_store& store, export_mesh& mesh, left_out& lost)
+void addTriangles(const vertex_store& store, bool is_mirrored, export_mesh& mesh, left_out& lost)
 {
     const auto& indices = store.indices;
     mesh.triangles.reserve(indices.size());
@@ -71,7 +122,9 @@ void addTriangles(const vertex_store& store, export_mesh& mesh, left_out& lost)
     {
         if (std::max({indices[i], indices[i + 1], indices[i + 2]}) >= store.vertices.size())
             ++lost.triangles;
-        else // mirrored: the other way round
+        else if (is_mirrored) // once more: as they are
+            mesh.triangles.insert(mesh.triangles.end(), {indices[i], indices[i + 1], indices[i + 2]});
+        else // mirrored in x: the other way round
             mesh.triangles.insert(mesh.triangles.end(), {indices[i], indices[i + 2], indices[i + 1]});
     }
 }
@@ -117,17 +170,18 @@ vertex_weights normalisedWeights(const vertex_record& vertex, std::size_t bone_c
     return result;
 }
 
-void addClusters(const vertex_store& store, std::size_t bone_count, export_mesh& mesh, left_out& lost)
+void addClusters(const vertex_store& store, const mesh_place& place, export_mesh& mesh, left_out& lost)
 {
+    lost.bone_count = place.bone_count;
     std::map<std::uint32_t, export_cluster> clusters;
     const auto records = store.vertices.records();
     for (std::size_t i = 0; i < records.size(); ++i)
     {
-        const vertex_weights own = normalisedWeights(records[i], bone_count, lost);
+        const vertex_weights own = normalisedWeights(records[i], place.bone_count, lost);
         for (std::size_t j = 0; j < own.count; ++j)
         {
             export_cluster& cluster = clusters[own.bones[j]];
-            cluster.bone = own.bones[j];
+            cluster.bone = static_cast<std::uint32_t>(place.first_bone) + own.bones[j];
             cluster.points.push_back(static_cast<std::int32_t>(i));
             cluster.weights.push_back(own.weights[j]);
         }
@@ -151,15 +205,69 @@ std::string texturePath(const group_data& group, std::uint32_t type)
 export_material makeMaterial(const group_data& group)
 {
     export_material material{displayText(group.header.group_name), texturePath(group, diffuse_type),
-                             texturePath(group, normal_type)};
+                             texturePath(group, normal_type),      texturePath(group, specular_type),
+                             texturePath(group, gloss_type),       group.alpha_mode == 1};
     if (material.diffuse_path.empty())
         material.diffuse_path = texturePath(group, base_colour_type);
     return material;
 }
 
+// A model's groups may have the names of another one's.
+std::string uniqueName(const export_scene& scene, const std::string& wish)
+{
+    const auto isTaken = [&scene](const std::string& name) {
+        return std::any_of(scene.meshes.begin(), scene.meshes.end(),
+                           [&name](const export_mesh& mesh) { return mesh.name == name; });
+    };
+    std::string name = wish;
+    for (int number = 2; isTaken(name); ++number)
+        name = wish + "_" + std::to_string(number);
+    return name;
+}
+
+// Where the model's meshes stand: sets what their nodes have of it, and returns what the points get.
+glm::dmat4 standMesh(const mesh_place& place, const export_scene& scene, export_mesh& mesh)
+{
+    const glm::dmat4 whole = exportedPlace(place.place);
+    if (place.bone < 0)
+        return whole;
+    const rigid_place below(glm::inverse(scene.bones[static_cast<std::size_t>(place.bone)].global) * whole);
+    mesh.bone = place.bone;
+    mesh.translation = below.translation;
+    mesh.euler_degrees = principalAngles(below.rotation);
+    return below.isWhole() ? glm::dmat4(1) : below.rest;
+}
+
+void addMesh(const group_data& group, const std::string& name, const mesh_place& place, export_scene& scene)
+{
+    export_mesh mesh;
+    mesh.name = uniqueName(scene, name);
+    mesh.material = scene.materials.size();
+    const point_transform transform(standMesh(place, scene, mesh));
+    left_out lost;
+    addVertices(group.store, transform, mesh, lost);
+    if (group.header.vertex_count > 0 && group.store.vertices.size() == 0)
+        scene.warnings.push_back(mesh.name + ": empty, its vertex format " +
+                                 std::to_string(group.header.vertex_format) + " is not known");
+    else
+        addTriangles(group.store, transform.is_mirrored, mesh, lost);
+    if (place.bone_count > 0)
+        addClusters(group.store, place, mesh, lost);
+    warn(scene, mesh.name, lost);
+    scene.materials.push_back(makeMaterial(group));
+    scene.meshes.push_back(std::move(mesh));
+}
+
 } // namespace
 
 bool addMeshes(const RMV2_FILE_DATA& model, std::size_t lod, export_scene& scene, failure& why)
+{
+    mesh_place place;
+    place.bone_count = scene.bones.size();
+    return addMeshes(model, lod, place, scene, why);
+}
+
+bool addMeshes(const RMV2_FILE_DATA& model, std::size_t lod, const mesh_place& place, export_scene& scene, failure& why)
 {
     if (lod >= model.lods.size())
         return fail(why, failure_kind::refused,
@@ -168,25 +276,10 @@ bool addMeshes(const RMV2_FILE_DATA& model, std::size_t lod, export_scene& scene
     if (groups.empty())
         scene.warnings.push_back("LOD " + std::to_string(lod) + " of the model has no groups: there are no meshes");
     for (std::size_t i = 0; i < groups.size(); ++i)
-    {
-        const group_data& group = groups[i];
-        export_mesh mesh;
-        mesh.name =
-            displayText(group.header.group_name) + "_group_0" + std::to_string(i + 1) + "_lod" + std::to_string(lod);
-        mesh.material = scene.materials.size();
-        left_out lost;
-        addVertices(group.store, mesh, lost);
-        if (group.header.vertex_count > 0 && group.store.vertices.size() == 0)
-            scene.warnings.push_back(mesh.name + ": empty, its vertex format " +
-                                     std::to_string(group.header.vertex_format) + " is not known");
-        else
-            addTriangles(group.store, mesh, lost);
-        if (!scene.bones.empty())
-            addClusters(group.store, scene.bones.size(), mesh, lost);
-        warn(scene, mesh.name, lost);
-        scene.materials.push_back(makeMaterial(group));
-        scene.meshes.push_back(std::move(mesh));
-    }
+        addMesh(groups[i],
+                displayText(groups[i].header.group_name) + "_group_0" + std::to_string(i + 1) + "_lod" +
+                    std::to_string(lod),
+                place, scene);
     return true;
 }
 

@@ -3,8 +3,9 @@
 #include "EASY_GUI/services/text.h"
 #include "Korvane/fbx/export/euler_keys.h"
 #include "Korvane/fbx/export/export_space.h"
+#include "Korvane/fbx/export/rigid_place.h"
 
-#include <glm/geometric.hpp>
+#include <glm/matrix.hpp>
 
 #include <algorithm>
 #include <array>
@@ -64,7 +65,7 @@ bool makeBone(const anim_bone& source, std::size_t index, export_bone& bone, fai
 
 } // namespace
 
-bool addBones(const anim_data& skeleton, export_scene& scene, failure& why)
+bool addBones(const anim_data& skeleton, export_scene& scene, failure& why, std::int32_t mount)
 {
     std::vector<export_bone> bones(skeleton.bones.size());
     if (bones.empty())
@@ -75,20 +76,42 @@ bool addBones(const anim_data& skeleton, export_scene& scene, failure& why)
         if (!makeBone(skeleton.bones[i], i, bones[i], why))
             return false;
     const auto root = std::find_if(bones.begin(), bones.end(), [](const export_bone& bone) { return bone.parent < 0; });
-    if (root != bones.end())
+    if (root != bones.end() && mount < 0)
         root->is_root = true;
     for (export_bone& bone : bones)
         bone.limb_colour = limbColour(bone);
-    const std::vector<std::size_t> order = parentsFirst(bones);
-    for (const std::size_t i : order)
+    const glm::dmat4 ground = mount < 0 ? glm::dmat4(1) : scene.bones[static_cast<std::size_t>(mount)].global;
+    for (const std::size_t i : parentsFirst(bones))
     {
         export_bone& bone = bones[i];
         glm::dmat4 local = glm::mat4_cast(exportedRotation(skeleton.bones[i].rotation));
         local[3] = glm::dvec4(bone.translation, 1);
-        bone.global = bone.parent < 0 ? local : bones[static_cast<std::size_t>(bone.parent)].global * local;
+        bone.global = (bone.parent < 0 ? ground : bones[static_cast<std::size_t>(bone.parent)].global) * local;
     }
-    scene.bones = std::move(bones);
+    const auto first = static_cast<std::int32_t>(scene.bones.size());
+    for (export_bone& bone : bones)
+    {
+        bone.parent = bone.parent < 0 ? mount : bone.parent + first;
+        scene.bones.push_back(std::move(bone));
+    }
     return true;
+}
+
+std::int32_t addMount(const std::string& name, std::int32_t parent, const glm::mat4& place, export_scene& scene)
+{
+    const glm::dmat4& ground = scene.bones[static_cast<std::size_t>(parent)].global;
+    const rigid_place local(glm::inverse(ground) * exportedPlace(place));
+    if (!local.isWhole())
+        scene.warnings.push_back(name + ": what hangs here stands without the scale of its attachment point");
+    export_bone bone;
+    bone.name = displayText(name);
+    bone.parent = parent;
+    bone.translation = local.translation;
+    bone.euler_degrees = principalAngles(local.rotation);
+    bone.global = ground * local.matrix();
+    bone.limb_colour = limbColour(bone);
+    scene.bones.push_back(std::move(bone));
+    return static_cast<std::int32_t>(scene.bones.size() - 1);
 }
 
 } // namespace korvane

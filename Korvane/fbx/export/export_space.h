@@ -6,6 +6,7 @@
 
 #include <glm/geometric.hpp>
 #include <glm/gtc/quaternion.hpp>
+#include <glm/mat4x4.hpp>
 #include <glm/vec3.hpp>
 
 #include <cmath>
@@ -54,6 +55,18 @@ inline glm::dquat exportedRotation(const glm::quat& rotation)
                               -static_cast<double>(rotation.y), -static_cast<double>(rotation.z));
     const double length = glm::length(mirrored);
     return length > 1e-9 ? mirrored / length : glm::dquat(1, 0, 0, 0);
+}
+
+inline glm::dmat4 exportedPlace(const glm::mat4& place)
+{
+    glm::dmat4 mirrored(place);
+    for (glm::length_t i = 1; i < 4; ++i) // x against everything else
+    {
+        mirrored[0][i] = 0 - mirrored[0][i];
+        mirrored[i][0] = 0 - mirrored[i][0];
+    }
+    mirrored[3] = glm::dvec4(glm::dvec3(mirrored[3]) * inches_per_metre, 1);
+    return mirrored;
 }
 
 } // namespace korvane

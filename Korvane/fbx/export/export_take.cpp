@@ -43,7 +43,7 @@ bool areNumbers(const anim_data& source, std::uint32_t frame, failure& why)
 } // namespace
 
 bool makeTake(std::shared_ptr<const anim_data> animation_data, const anim_data& skeleton, take_span span,
-              export_take& take, failure& why)
+              export_take& take, failure& why, std::size_t first_bone)
 {
     std::vector<joint> pose = bindPose(skeleton);
     animation frames;
@@ -82,6 +82,9 @@ bool makeTake(std::shared_ptr<const anim_data> animation_data, const anim_data& 
     }
     for (std::size_t i = 0; i < turned.size(); ++i)
         made.rotations.push_back({turned[i], unrolledAngles(rotations[i])});
+    for (std::vector<export_track>* tracks : {&made.translations, &made.rotations})
+        for (export_track& track : *tracks)
+            track.bone += static_cast<std::uint32_t>(first_bone);
     take = std::move(made);
     return true;
 }

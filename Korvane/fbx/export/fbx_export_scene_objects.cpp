@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/text.h"
 #include "Korvane/fbx/container/fbx_records.h"
+#include "Korvane/fbx/export/euler_keys.h"
 #include "Korvane/fbx/export/fbx_export_objects.h"
 
 #include <glm/matrix.hpp>
@@ -66,6 +67,7 @@ private:
     void addTexture(std::int64_t material, const std::string& internal_path, const char* property);
     std::int64_t videoOf(const std::string& internal_path, const std::string& path);
     void addSkin(const export_mesh& mesh, const mesh_ids& ids);
+    glm::dmat4 globalOf(const export_mesh& mesh) const;
     fbx_record& addModel(std::int64_t id, const std::string& name, const char* model_class,
                          const glm::dvec3& translation, const glm::dvec3& rotation);
 
@@ -134,8 +136,8 @@ void scene_objects::addBoneModel(std::size_t index)
 
 void scene_objects::addMeshModel(const export_mesh& mesh, const mesh_ids& ids)
 {
-    addModel(ids.model, mesh.name, "Mesh", glm::dvec3(0), glm::dvec3(0));
-    connect(m_target.connections, ids.model, 0);
+    addModel(ids.model, mesh.name, "Mesh", mesh.translation, mesh.euler_degrees);
+    connect(m_target.connections, ids.model, mesh.bone < 0 ? 0 : m_bone_ids[static_cast<std::size_t>(mesh.bone)]);
     connect(m_target.connections, ids.geometry, ids.model);
 }
 
@@ -188,10 +190,17 @@ void scene_objects::addBindPose()
         node.add("Node", id);
         node.add("Matrix", matrixValues(global));
     };
-    for (const mesh_ids& mesh : m_meshes)
-        addNode(mesh.model, glm::dmat4(1));
+    for (std::size_t i = 0; i < m_meshes.size(); ++i)
+        addNode(m_meshes[i].model, globalOf(m_scene.meshes[i]));
     for (std::size_t i = 0; i < m_scene.bones.size(); ++i)
         addNode(m_bone_ids[i], m_scene.bones[i].global);
+}
+
+glm::dmat4 scene_objects::globalOf(const export_mesh& mesh) const
+{
+    return mesh.bone < 0 ? glm::dmat4(1)
+                         : m_scene.bones[static_cast<std::size_t>(mesh.bone)].global *
+                               localMatrix(mesh.translation, mesh.euler_degrees);
 }
 
 void scene_objects::addMaterial(const export_material& material, const mesh_ids& ids)
