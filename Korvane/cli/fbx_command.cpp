@@ -3,11 +3,13 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/cli/fbx_geometry.h"
 #include "Korvane/cli/fbx_scene_json.h"
 #include "Korvane/fbx/container/fbx_document.h"
 #include "Korvane/fbx/scene/fbx_model_import.h"
 #include "Korvane/fbx/scene/fbx_scene.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <string>
@@ -26,6 +28,7 @@ struct fbx_options
     bool is_dump = false;
     std::size_t array_limit = 0;
     bool is_scene = false;
+    bool has_geometry = false;
     std::vector<double> times; // seconds
 };
 
@@ -41,16 +44,28 @@ void runDump(cli_context& context, const fbx_options& options)
         why.path = options.file;
         return context.fail(why);
     }
-    std::string dump = dumpFbx(document, options.array_limit);
     if (!context.is_json)
-        return context.print(dump);
-    json lines = json::array(); // the dump is UTF-8 whatever the file's texts are
-    for (std::size_t begin = 0, end = 0; begin < dump.size(); begin = end + 1)
-    {
-        end = std::min(dump.find('\n', begin), dump.size());
-        lines.push_back(dump.substr(begin, end - begin));
-    }
-    context.printJson({{"lines", std::move(lines)}});
+        return dumpFbx(document, options.array_limit, [&context](std::string_view part) { context.print(part); });
+    json_stream out(context);
+    out.beginObject();
+    out.key("lines");
+    out.beginArray();
+    bool is_inside = false;                                                            // a line
+    dumpFbx(document, options.array_limit, [&out, &is_inside](std::string_view part) { // UTF-8, whatever the texts are
+        for (std::size_t begin = 0, end = 0; begin < part.size(); begin = end + 1)
+        {
+            end = std::min(part.find('\n', begin), part.size());
+            if (!is_inside)
+                out.beginText();
+            out.textPart(part.substr(begin, end - begin));
+            is_inside = end == part.size();
+            if (!is_inside)
+                out.endText();
+        }
+    });
+    out.endArray();
+    out.endObject();
+    out.endDocument();
 }
 
 void runScene(cli_context& context, const fbx_options& options)
@@ -68,27 +83,44 @@ void runScene(cli_context& context, const fbx_options& options)
     }
     for (const std::string& note : scene.notes)
         context.note("note: " + terminalText(note));
-    context.printJson(sceneJson(scene, options.times));
+    if (!options.is_scene && !context.is_json)
+        return printGeometryText(context, scene);
+    json_stream out(context);
+    printScene(out, scene, options.times, options.has_geometry);
+    out.endDocument();
+}
+
+void printModelJson(cli_context& context, const fbx_model& model)
+{
+    json_stream out(context);
+    out.beginObject();
+    out.key("meshes");
+    out.beginArray();
+    for (const fbx_model::mesh& mesh : model.meshes)
+    {
+        out.beginObject();
+        out.member("name", displayText(mesh.name));
+        out.key("control_points");
+        out.beginArray();
+        for (const std::array<float, 4>& point : mesh.control_points)
+            out.numbers(point);
+        out.endArray();
+        out.endObject();
+    }
+    out.endArray();
+    out.key("skeletons");
+    out.beginArray();
+    for (const std::string& name : model.skeletons)
+        out.value(displayText(name));
+    out.endArray();
+    out.endObject();
+    out.endDocument();
 }
 
 void printModel(cli_context& context, const fbx_model& model)
 {
     if (context.is_json)
-    {
-        json meshes = json::array();
-        for (const fbx_model::mesh& mesh : model.meshes)
-        {
-            json points = json::array();
-            for (const std::array<float, 4>& point : mesh.control_points)
-                points.push_back(
-                    {jsonNumber(point[0]), jsonNumber(point[1]), jsonNumber(point[2]), jsonNumber(point[3])});
-            meshes.push_back({{"name", displayText(mesh.name)}, {"control_points", std::move(points)}});
-        }
-        json skeletons = json::array();
-        for (const std::string& name : model.skeletons)
-            skeletons.push_back(displayText(name));
-        return context.printJson({{"meshes", std::move(meshes)}, {"skeletons", std::move(skeletons)}});
-    }
+        return printModelJson(context, model);
     for (const fbx_model::mesh& mesh : model.meshes)
         context.print("mesh " + terminalText(mesh.name) + ": " + std::to_string(mesh.control_points.size()) +
                       " control points\n");
@@ -124,6 +156,9 @@ void addFbxCommand(CLI::App& app, cli_context& context)
     CLI::Option* const scene =
         command->add_flag("--scene", options->is_scene, "The whole scene, as JSON")->excludes(dump);
     command
+        ->add_flag("--geometry", options->has_geometry, "Points, normals, texture coordinates, weights and materials")
+        ->excludes(dump);
+    command
         ->add_option("--at", options->times,
                      "With --scene: what the takes move, at T seconds; may be given more than once")
         ->type_name("T")
@@ -135,7 +170,7 @@ void addFbxCommand(CLI::App& app, cli_context& context)
     command->callback([&context, options] {
         if (options->is_dump)
             return runDump(context, *options);
-        return options->is_scene ? runScene(context, *options) : runImport(context, *options);
+        return options->is_scene || options->has_geometry ? runScene(context, *options) : runImport(context, *options);
     });
 }
 

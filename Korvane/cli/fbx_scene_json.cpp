@@ -1,6 +1,7 @@
 #include "Korvane/cli/fbx_scene_json.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/cli/fbx_geometry.h"
 #include "Korvane/fbx/scene/fbx_evaluator.h"
 
 #include <algorithm>
@@ -79,30 +80,33 @@ json textJson(std::string_view text)
 class scene_printer
 {
 public:
-    explicit scene_printer(const fbx_scene& scene) : m_scene(scene), m_rest(scene) {}
+    scene_printer(json_stream& out, const fbx_scene& scene) : m_out(out), m_scene(scene), m_rest(scene) {}
 
-    json print(const std::vector<double>& times) const
+    void print(const std::vector<double>& times, bool has_geometry)
     {
+        m_out.beginObject();
+        m_out.member("unit_meters", numberJson(m_scene.unit_metres));
+        m_out.member(
+            "axes",
+            {{"right", axisName(m_scene.right)}, {"up", axisName(m_scene.up)}, {"front", axisName(m_scene.front)}});
+        m_out.member("fps", numberJson(m_scene.frames_per_second));
+        m_out.member("node_count", m_scene.nodes.size());
+        m_out.member("mesh_count", m_scene.meshes.size());
+        m_out.member("top_level", topLevelJson());
+        printNodes();
+        printMeshes(has_geometry);
+        m_out.member("poses", posesJson());
+        m_out.key("takes");
+        m_out.beginArray();
+        for (std::size_t i = 0; i < m_scene.stacks.size(); ++i)
+            printTake(i, times);
+        m_out.endArray();
         json bones = json::array();
         for (const fbx_node& node : m_scene.nodes)
             if (node.type == fbx_node_type::skeleton)
                 bones.push_back(textJson(node.name));
-        json takes = json::array();
-        for (std::size_t i = 0; i < m_scene.stacks.size(); ++i)
-            takes.push_back(takeJson(i, times));
-        return {
-            {"unit_meters", numberJson(m_scene.unit_metres)},
-            {"axes",
-             {{"right", axisName(m_scene.right)}, {"up", axisName(m_scene.up)}, {"front", axisName(m_scene.front)}}},
-            {"fps", numberJson(m_scene.frames_per_second)},
-            {"node_count", m_scene.nodes.size()},
-            {"mesh_count", m_scene.meshes.size()},
-            {"top_level", topLevelJson()},
-            {"nodes", nodesJson()},
-            {"meshes", meshesJson()},
-            {"poses", posesJson()},
-            {"takes", std::move(takes)},
-            {"bones", std::move(bones)}};
+        m_out.member("bones", bones);
+        m_out.endObject();
     }
 
 private:
@@ -122,9 +126,10 @@ private:
         return list;
     }
 
-    json nodesJson() const
+    void printNodes()
     {
-        json list = json::array();
+        m_out.key("nodes");
+        m_out.beginArray();
         const std::vector<fbx_world> world = m_rest.world(0);
         for (std::size_t i = 0; i < m_scene.nodes.size(); ++i)
         {
@@ -139,9 +144,9 @@ private:
                 entry["geometric"] = transformJson(geometric);
             if (node.mesh != fbx_none)
                 entry["mesh"] = node.mesh;
-            list.push_back(std::move(entry));
+            m_out.value(entry);
         }
-        return list;
+        m_out.endArray();
     }
 
     json skinJson(const fbx_mesh& mesh, const fbx_skin& skin) const
@@ -166,9 +171,10 @@ private:
                 {"clusters", std::move(clusters)}};
     }
 
-    json meshesJson() const
+    void printMeshes(bool has_geometry)
     {
-        json list = json::array();
+        m_out.key("meshes");
+        m_out.beginArray();
         for (const fbx_mesh& mesh : m_scene.meshes)
         {
             json uv_sets = json::array();
@@ -177,25 +183,32 @@ private:
             json points = json::array();
             for (std::size_t i = 0; i < std::min<std::size_t>(3, mesh.pointCount()); ++i)
                 points.push_back(vectorJson(mesh.point(i)));
-            json skins = json::array();
-            for (const fbx_skin& skin : mesh.skins)
-                skins.push_back(skinJson(mesh, skin));
-            json entry = {{"name", textJson(mesh.name)},
-                          {"node", mesh.nodes.empty() ? json(nullptr) : path(mesh.nodes.front())},
-                          {"instances", mesh.nodes.size()},
-                          {"control_points", mesh.pointCount()},
-                          {"corners", mesh.corners.size()},
-                          {"faces", mesh.polygon_ends.size()},
-                          {"triangles", mesh.triangleCount()},
-                          {"has_normals", !mesh.normals.empty()},
-                          {"uv_sets", std::move(uv_sets)},
-                          {"first_points", std::move(points)}};
+            m_out.beginObject();
+            m_out.member("name", textJson(mesh.name));
+            m_out.member("node", mesh.nodes.empty() ? json(nullptr) : path(mesh.nodes.front()));
+            m_out.member("instances", mesh.nodes.size());
+            m_out.member("control_points", mesh.pointCount());
+            m_out.member("corners", mesh.corners.size());
+            m_out.member("faces", mesh.polygon_ends.size());
+            m_out.member("triangles", mesh.triangleCount());
+            m_out.member("has_normals", !mesh.normals.empty());
+            m_out.member("uv_sets", uv_sets);
+            m_out.member("first_points", points);
             if (mesh.pointCount() > 0)
-                entry["last_point"] = vectorJson(mesh.point(mesh.pointCount() - 1));
-            entry["skins"] = std::move(skins);
-            list.push_back(std::move(entry));
+                m_out.member("last_point", vectorJson(mesh.point(mesh.pointCount() - 1)));
+            m_out.key("skins");
+            m_out.beginArray();
+            for (const fbx_skin& skin : mesh.skins)
+                m_out.value(skinJson(mesh, skin));
+            m_out.endArray();
+            if (has_geometry)
+            {
+                m_out.key("geometry");
+                printGeometry(m_out, m_scene, mesh);
+            }
+            m_out.endObject();
         }
-        return list;
+        m_out.endArray();
     }
 
     json posesJson() const
@@ -206,7 +219,7 @@ private:
         return list;
     }
 
-    json takeJson(std::size_t index, const std::vector<double>& times) const
+    void printTake(std::size_t index, const std::vector<double>& times)
     {
         const fbx_stack& stack = m_scene.stacks[index];
         json layers = json::array();
@@ -219,60 +232,68 @@ private:
                     if (curve != fbx_none)
                         curves.insert(curve);
         }
-        json take = {{"name", textJson(stack.name)},
-                     {"time_begin", numberJson(m_scene.seconds(stack.begin))},
-                     {"time_end", numberJson(m_scene.seconds(stack.end))},
-                     {"layers", std::move(layers)},
-                     {"curve_count", curves.size()}};
+        m_out.beginObject();
+        m_out.member("name", textJson(stack.name));
+        m_out.member("time_begin", numberJson(m_scene.seconds(stack.begin)));
+        m_out.member("time_end", numberJson(m_scene.seconds(stack.end)));
+        m_out.member("layers", layers);
+        m_out.member("curve_count", curves.size());
         fbx_ticks first = 0;
         fbx_ticks last = 0;
         const bool has_keys = m_scene.keySpan(stack, first, last);
-        take["key_begin"] = has_keys ? numberJson(m_scene.seconds(first)) : json(nullptr);
-        take["key_end"] = has_keys ? numberJson(m_scene.seconds(last)) : json(nullptr);
-        addSamples(index, times, take);
-        return take;
+        m_out.member("key_begin", has_keys ? numberJson(m_scene.seconds(first)) : json(nullptr));
+        m_out.member("key_end", has_keys ? numberJson(m_scene.seconds(last)) : json(nullptr));
+        printSamples(index, times);
+        m_out.endObject();
     }
 
-    void addSamples(std::size_t index, const std::vector<double>& times, json& take) const
+    void printSamples(std::size_t index, const std::vector<double>& times)
     {
         const fbx_evaluator evaluator(m_scene, index);
         std::vector<std::size_t> animated;
         for (std::size_t node = 0; node < m_scene.nodes.size(); ++node)
             if (evaluator.isAnimated(node))
                 animated.push_back(node);
-        take["animated_nodes"] = animated.size();
+        m_out.member("animated_nodes", animated.size());
         if (times.empty())
             return;
-        std::vector<json> keys(animated.size(), json::array());
+        std::vector<std::vector<fbx_world>> worlds;
+        worlds.reserve(times.size());
         for (const double time : times)
+            worlds.push_back(evaluator.world(m_scene.ticks(time)));
+        m_out.key("samples");
+        m_out.beginArray();
+        for (const std::size_t node : animated)
         {
-            const fbx_ticks ticks = m_scene.ticks(time);
-            const std::vector<fbx_world> world = evaluator.world(ticks);
-            for (std::size_t i = 0; i < animated.size(); ++i)
+            m_out.beginObject();
+            m_out.member("node", path(node));
+            m_out.key("keys");
+            m_out.beginArray();
+            for (std::size_t i = 0; i < times.size(); ++i)
             {
-                const fbx_placement placement = evaluator.placement(animated[i], ticks);
-                json key = {{"time", time}};
+                const fbx_placement placement = evaluator.placement(node, m_scene.ticks(times[i]));
+                json key = {{"time", times[i]}};
                 key.update(transformJson(localTransform(placement)));
                 key["lcl_rot"] = vectorJson(placement.rotation);
-                key["world"] = matrixJson(world[animated[i]].matrix);
-                keys[i].push_back(std::move(key));
+                key["world"] = matrixJson(worlds[i][node].matrix);
+                m_out.value(key);
             }
+            m_out.endArray();
+            m_out.endObject();
         }
-        json samples = json::array();
-        for (std::size_t i = 0; i < animated.size(); ++i)
-            samples.push_back({{"node", path(animated[i])}, {"keys", std::move(keys[i])}});
-        take["samples"] = std::move(samples);
+        m_out.endArray();
     }
 
+    json_stream& m_out;
     const fbx_scene& m_scene;
     fbx_evaluator m_rest;
 };
 
 } // namespace
 
-json sceneJson(const fbx_scene& scene, const std::vector<double>& times)
+void printScene(json_stream& out, const fbx_scene& scene, const std::vector<double>& times, bool has_geometry)
 {
-    return scene_printer(scene).print(times);
+    scene_printer(out, scene).print(times, has_geometry);
 }
 
 } // namespace korvane

@@ -23,6 +23,14 @@ class fbx_dump(cli_tests.cli_case):
         out = korvane("fbx", path, "--dump", "--numbers", "2", check=0)[1].decode()
         self.assertIn("    Vertices: d[3] 0 0.5 ...\n", out)
 
+    def test_what_is_larger_than_its_parts_is_printed_in_parts(self):
+        numbers = ",".join(str(number) for number in range(40000))
+        path = self.write("large.fbx", self.TEXT.replace(b"*3 {\n\t\t\ta: 0,0.5,-1", b"*40000 {\n\t\t\ta: " +
+                                                         numbers.encode()))
+        out = korvane("fbx", path, "--dump", check=0)[1].decode()
+        self.assertEqual(out.splitlines()[-1], "    Vertices: i[40000] " + numbers.replace(",", " "))
+        self.assertEqual(json.loads(korvane("fbx", path, "--dump", "--json", check=0)[1]), {"lines": out.splitlines()})
+
     def test_damage_is_said_with_its_place(self):
         path = self.write("cut.fbx", self.TEXT[:-20])
         self.expect_failure(["fbx", path, "--dump"], 1, path, "byte %d" % (len(self.TEXT) - 20),

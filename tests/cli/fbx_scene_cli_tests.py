@@ -100,6 +100,37 @@ class fbx(cli_tests.cli_case):
         self.assertEqual([key["t"] for key in samples[0]["keys"]], [[2, 5, 0], [8, 5, 0]])
         self.assertIn(b"1 connections name objects that are not there", err)
 
+    def test_the_geometry_is_shown_as_json_and_as_text(self):
+        element = "LayerElement%s: 0 { Name: \"%s\" MappingInformationType: \"%s\" ReferenceInformationType: \"%s\" %s }\n"
+        elements = (element % ("Normal", "n", "AllSame", "Direct", "Normals: *3 { a: 0,0,1 }") +
+                    element % ("UV", "map", "ByPolygonVertex", "IndexToDirect",
+                               "UV: *4 { a: 0,0.5,1,0 } UVIndex: *3 { a: 1,0,-1 }") +
+                    element % ("Material", "", "ByPolygon", "IndexToDirect", "Materials: *1 { a: 1 }"))
+        skin = ("Material: 30, \"Material::red\", \"\" { }\nMaterial: 31, \"Material::blue\", \"\" { }\n"
+                "Deformer: 32, \"Deformer::skin\", \"Skin\" { }\n"
+                "Deformer: 33, \"SubDeformer::\", \"Cluster\" { Indexes: *2 { a: 2,0 } Weights: *2 { a: 0.25,1 } }\n")
+        connections = "".join("C: \"OO\",%d,%d\n" % pair for pair in ((30, 1), (31, 1), (32, 10), (33, 32), (3, 33)))
+        path = self.write("dressed.fbx", FIGURE.replace("PolygonVertexIndex", elements + "PolygonVertexIndex")
+                          .replace("AnimationStack: 20", skin + "AnimationStack: 20")
+                          .replace('C: "OO",99,0', connections).encode())
+        expected = {
+            "points": [[0.1, 0, 0], [1, 0, 0], [0, 2, 0]], "polygons": [[0, 1, 2]],
+            "normals": [{"name": "n", "mapping": "all same", "values": [[0, 0, 1]] * 3}],
+            "uv_sets": [{"name": "map", "mapping": "corner", "values": [[1, 0], [0, 0.5], None]}],
+            "materials": ["red", "blue"], "polygon_materials": [1],
+            "weights": [{"skin": "skin", "bone": "root|tip", "points": [2, 0], "weights": [0.25, 1]}]}
+        whole = json.loads(korvane("fbx", path, "--scene", check=0)[1])
+        for options in (("--scene", "--geometry"), ("--geometry", "--json")):
+            scene = json.loads(korvane("fbx", path, *options, check=0)[1])
+            self.assertEqual(scene["meshes"][0].pop("geometry"), expected)
+            self.assertEqual(scene, whole)
+        text = korvane("fbx", path, "--geometry", check=0)[1].decode()
+        self.assertEqual(text.splitlines(), [
+            "mesh mesh: 3 control points, 1 polygons, 3 corners", "  node \u8449 leaf", "  normals n by all same: 1 entries",
+            "  uv map by corner: 2 entries", "  material red", "  material blue", "  point 0: 0.1 0 0, tip 1",
+            "  point 1: 1 0 0", "  point 2: 0 2 0, tip 0.25", "  polygon 0: material 1", "    point 0, normal 0 0 1, uv 1 0",
+            "    point 1, normal 0 0 1, uv 0 0.5", "    point 2, normal 0 0 1, uv"])
+
     def test_failures_are_one_line_and_no_output(self):
         cycle = self.write("circle.fbx", FIGURE.replace('"OO",2,0', '"OO",2,3').encode())
         cut = self.write("cut.fbx", FIGURE[:900].encode())

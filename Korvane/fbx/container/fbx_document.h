@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -107,8 +108,13 @@ using fbx_packed_arrays = std::vector<std::vector<std::byte>>;
 // "1970-01-01 10:00:00:000", or what SOURCE_DATE_EPOCH says (seconds, UTC).
 [[nodiscard]] std::string creationTime();
 
+// Takes a text's parts in their order.
+using fbx_text_sink = std::function<void(std::string_view part)>;
+
 // All records as text, one line each, indented by two blanks a level: name, values with their type letters, and for an
 // array the count and its numbers, shortened to so many (0: whole). Control characters are shown as \x01.
+void dumpFbx(const fbx_document& document, std::size_t array_limit, const fbx_text_sink& sink);
+// In one piece, for small documents.
 [[nodiscard]] std::string dumpFbx(const fbx_document& document, std::size_t array_limit = 0);
 
 } // namespace korvane

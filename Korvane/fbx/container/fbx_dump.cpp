@@ -16,7 +16,7 @@ namespace
 class dump_writer
 {
 public:
-    explicit dump_writer(std::size_t array_limit) : m_array_limit(array_limit) {}
+    dump_writer(std::size_t array_limit, const fbx_text_sink& sink) : m_array_limit(array_limit), m_sink(sink) {}
 
     void record(const fbx_record& record, std::size_t level)
     {
@@ -29,13 +29,26 @@ public:
             std::visit([this](const auto& held) { show(held); }, value);
         }
         m_text += '\n';
+        passOnWhenFull();
         for (const fbx_record& child : record.children)
             this->record(child, level + 1);
     }
 
-    std::string m_text;
+    void passOn()
+    {
+        m_sink(m_text);
+        m_text.clear();
+    }
+
+    std::string m_text; // not passed on yet
 
 private:
+    void passOnWhenFull()
+    {
+        if (m_text.size() >= 64 * 1024)
+            passOn();
+    }
+
     template <class type>
     void number(type value)
     {
@@ -62,6 +75,7 @@ private:
         {
             m_text += ' ';
             number(elements[at]);
+            passOnWhenFull();
         }
         if (shown < elements.size())
             m_text += " ...";
@@ -98,24 +112,33 @@ private:
         {
             m_text += digits[std::to_integer<std::size_t>(value.data[at] >> 4)];
             m_text += digits[std::to_integer<std::size_t>(value.data[at] & std::byte{15})];
+            passOnWhenFull();
         }
         if (shown < size)
             m_text += "...";
     }
 
     std::size_t m_array_limit;
+    const fbx_text_sink& m_sink;
 };
 
 } // namespace
 
-std::string dumpFbx(const fbx_document& document, std::size_t array_limit)
+void dumpFbx(const fbx_document& document, std::size_t array_limit, const fbx_text_sink& sink)
 {
-    dump_writer writer(array_limit);
+    dump_writer writer(array_limit, sink);
     writer.m_text = "FBX " + std::to_string(document.version) + ", " + (document.is_binary ? "binary" : "text") +
                     (document.is_big_endian ? ", big-endian" : "") + "\n";
     for (const fbx_record& record : document.records)
         writer.record(record, 0);
-    return std::move(writer.m_text);
+    writer.passOn();
+}
+
+std::string dumpFbx(const fbx_document& document, std::size_t array_limit)
+{
+    std::string text;
+    dumpFbx(document, array_limit, [&text](std::string_view part) { text += part; });
+    return text;
 }
 
 } // namespace korvane

@@ -51,6 +51,8 @@ public:
                 return false;
             if (child.name == "LayerElementUV" && !readElement(child, "UV", "UVIndex", 2, mesh, mesh.uv_sets))
                 return false;
+            if (child.name == "LayerElementMaterial" && mesh.polygon_materials.empty())
+                readMaterials(child, mesh);
         }
         return true;
     }
@@ -163,6 +165,23 @@ private:
                                             std::to_string(element.indices[i]) + " of " + std::to_string(available) +
                                             " entries");
         return true;
+    }
+
+    // One for all polygons, or one for each; anything else is left out, and no reason to refuse the mesh.
+    void readMaterials(fbx_record& record, fbx_mesh& mesh)
+    {
+        const fbx_record* const mapping = record.find("MappingInformationType");
+        const auto kind = mappingOf(mapping != nullptr ? mapping->textAt(0) : std::string_view());
+        std::vector<std::int32_t> numbers = takeIntegers(findChild(record, "Materials"));
+        if (kind == mapping_kind::all_same && !numbers.empty())
+            numbers.assign(mesh.polygon_ends.size(), std::int32_t{numbers.front()});
+        else if (kind != mapping_kind::polygon || numbers.size() != mesh.polygon_ends.size())
+        {
+            m_work.note(m_work.label(m_object) + ": " + record.name + " has " + std::to_string(numbers.size()) +
+                        " entries for " + std::to_string(mesh.polygon_ends.size()) + " polygons and is left out");
+            return;
+        }
+        mesh.polygon_materials = std::move(numbers);
     }
 
     fbx_scene_work& m_work;

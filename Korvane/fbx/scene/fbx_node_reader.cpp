@@ -169,6 +169,9 @@ private:
         fbx_node node;
         node.name = model.name;
         node.placement = properties.placement;
+        for (const fbx_link& link : m_work.objects.children(object))
+            if (link.property.empty() && m_work.objects[link.object].is("Material"))
+                node.materials.emplace_back(m_work.objects[link.object].name);
         if (m_work.isNumbered())
             readAttribute(object, properties, node);
         else

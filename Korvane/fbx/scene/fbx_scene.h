@@ -41,7 +41,8 @@ struct fbx_node
     std::size_t parent = fbx_none;     // none: a child of the scene's root
     std::vector<std::size_t> children; // in the order of the file's connections
     fbx_placement placement;
-    std::size_t mesh = fbx_none; // several nodes may show the same one
+    std::size_t mesh = fbx_none;        // several nodes may show the same one
+    std::vector<std::string> materials; // names, in the order in which the polygons of the mesh count them
     // Skeleton nodes only.
     std::string skeleton_kind; // "Root", "LimbNode", "Limb", "Effector"
     glm::dvec3 color{0.8};
@@ -89,6 +90,8 @@ struct fbx_mesh
     std::vector<std::uint32_t> polygon_ends; // one past each polygon's last corner
     std::vector<fbx_layer_element> normals;
     std::vector<fbx_layer_element> uv_sets;
+    // For each polygon which of its node's materials; may be more than it has. Empty: the file does not say.
+    std::vector<std::int32_t> polygon_materials;
     std::vector<fbx_skin> skins;
     std::vector<std::size_t> nodes; // that show it; may be empty
 
