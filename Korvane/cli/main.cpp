@@ -119,6 +119,65 @@ void addSharedOptions(CLI::App& app, cli_context& context)
     app.add_flag("--progress-at-once", showAtOnce)->group(""); // for tests: not in the help
 }
 
+struct command_group
+{
+    std::vector<std::string_view> names;
+    void (*add)(CLI::App& app, cli_context& context);
+};
+
+// In the order of the help.
+const std::vector<command_group>& commandGroups()
+{
+    static const std::vector<command_group> groups = {
+        {{"demo-data"}, addDemoDataCommand},
+        {{"info"}, addInfoCommand},
+        {{"edit"}, addEditCommand},
+        {{"patch"}, addPatchCommand},
+        {{"archives", "list", "extract"}, addArchiveCommands},
+        {{"variant"}, addVariantCommand},
+        {{"export"}, addExportCommand},
+        {{"convert"}, addConvertCommand},
+        {{"fbx"}, addFbxCommand},
+        {{"anim"}, addAnimCommands},
+        {{"check"}, addCheckCommand},
+        {{"normal-map"}, addNormalMapCommand},
+        {{"dds"}, addDdsCommand},
+        {{"textures"}, addTexturesCommand},
+        {{"config"}, addConfigCommand},
+#ifdef _WIN32
+        {{"render"}, addRenderCommand},
+#endif
+    };
+    return groups;
+}
+
+// All options of all commands take longer to describe than a small file to read: only those commands are made whose
+// names stand in the command line; all of them for help, and where none does.
+std::vector<bool> groupsMeant(const std::vector<std::string>& arguments)
+{
+    const std::vector<command_group>& groups = commandGroups();
+    std::vector<bool> is_meant(groups.size());
+    bool is_any = false;
+    bool is_help = false;
+    for (const std::string& argument : arguments)
+    {
+        is_help = is_help || argument == "--help" || argument == "-h";
+        for (std::size_t i = 0; i < groups.size(); ++i)
+            if (std::find(groups[i].names.begin(), groups[i].names.end(), argument) != groups[i].names.end())
+                is_any = is_meant[i] = true;
+    }
+    if (is_help || !is_any)
+        is_meant.assign(groups.size(), true);
+    return is_meant;
+}
+
+void addCommands(CLI::App& app, cli_context& context, const std::vector<bool>& is_meant)
+{
+    for (std::size_t i = 0; i < is_meant.size(); ++i)
+        if (is_meant[i])
+            commandGroups()[i].add(app, context);
+}
+
 int run(const std::vector<std::string>& arguments, cli_context& context)
 {
     CLI::App app("Reads, converts and checks the models, archives and animations of Total War games.", "korvane");
@@ -127,24 +186,8 @@ int run(const std::vector<std::string>& arguments, cli_context& context)
     app.require_subcommand(1);
     app.fallthrough(); // shared options may stand behind the command, too
     addSharedOptions(app, context);
-    addDemoDataCommand(app, context);
-    addInfoCommand(app, context);
-    addEditCommand(app, context);
-    addPatchCommand(app, context);
-    addArchiveCommands(app, context);
-    addVariantCommand(app, context);
-    addExportCommand(app, context);
-    addConvertCommand(app, context);
-    addFbxCommand(app, context);
-    addAnimCommands(app, context);
-    addCheckCommand(app, context);
-    addNormalMapCommand(app, context);
-    addDdsCommand(app, context);
-    addTexturesCommand(app, context);
-    addConfigCommand(app, context);
-#ifdef _WIN32
-    addRenderCommand(app, context);
-#endif
+    std::vector<bool> is_meant = groupsMeant(arguments);
+    addCommands(app, context, is_meant);
 
     try
     {
@@ -160,6 +203,8 @@ int run(const std::vector<std::string>& arguments, cli_context& context)
     }
     catch (const CLI::ParseError& error)
     {
+        is_meant.flip();
+        addCommands(app, context, is_meant); // the nearest name may be one of these
         console::error("korvane: " + whatIsWrong(app, error, arguments) + " (see korvane " + understood(app).second +
                        "--help)\n");
         return 2;
