@@ -24,6 +24,7 @@ inline constexpr std::string_view older_converted_files = "converted_anim_files"
 inline constexpr std::string_view last_fbx_folder = "fbx_to_anim_dialog__last_fbx_dir";
 inline constexpr std::string_view last_anim_folder = "fbx_to_anim_dialog__last_anim_dir";
 inline constexpr std::string_view last_export_folder = "fbx_to_anim_dialog__last_export_dir";
+inline constexpr std::string_view conversion_choices = "fbx_to_anim_dialog__choices"; // "games": their layout
 // Of extracted textures.
 inline constexpr std::string_view texture_folder = "texture_folder";
 inline constexpr std::string_view texture_choices = "texture_choices"; // "dds", "png" or "tga"; "flat"
@@ -37,25 +38,16 @@ inline constexpr std::string_view playback_place = "playback_place"; // of the b
 inline constexpr std::string_view page = "page";                     // that was shown last
 inline constexpr std::string_view columns_prefix = "columns_";       // and the list's name: the widths of its columns
 
-inline constexpr std::array known = {data_folders,
-                                     mod_folders,
-                                     recent_files,
-                                     converted_files,
-                                     packs_cache,
-                                     first_time,
-                                     folder_box_text,
-                                     internal_folders,
-                                     bone_list_path,
-                                     older_converted_files,
-                                     last_fbx_folder,
-                                     last_anim_folder,
-                                     last_export_folder,
-                                     main_window_place,
-                                     view_place,
-                                     playback_place,
-                                     page,
-                                     texture_folder,
-                                     texture_choices,
+inline constexpr std::array known = {data_folders,       mod_folders,
+                                     recent_files,       converted_files,
+                                     packs_cache,        first_time,
+                                     folder_box_text,    internal_folders,
+                                     bone_list_path,     older_converted_files,
+                                     last_fbx_folder,    last_anim_folder,
+                                     last_export_folder, conversion_choices,
+                                     main_window_place,  view_place,
+                                     playback_place,     page,
+                                     texture_folder,     texture_choices,
                                      picture_choices};
 
 } // namespace korvane::config_keys

@@ -54,9 +54,10 @@ public:
     [[nodiscard]] virtual bool confirm(const std::string& title, const std::string& text, prompt_answer preset) = 0;
     // What becomes of changes that are not saved, before something else takes their place. Escape cancels.
     [[nodiscard]] virtual save_answer askToSave(const std::string& title, const std::string& text) = 0;
-    // A path to open or to write; nothing when the person changed their mind.
-    [[nodiscard]] virtual std::optional<std::string> pickOpenPath(const std::string& title,
-                                                                  const std::vector<file_filter>& filters) = 0;
+    // A path to open or to write; nothing when the person changed their mind. It begins in a folder that exists; in an
+    // empty one: that of the last time.
+    [[nodiscard]] virtual std::optional<std::string>
+    pickOpenPath(const std::string& title, const std::vector<file_filter>& filters, const std::string& folder = {}) = 0;
     // Several files of one folder; none when the person changed their mind.
     [[nodiscard]] virtual std::vector<std::string> pickOpenPaths(const std::string& title,
                                                                  const std::vector<file_filter>& filters) = 0;

@@ -4,6 +4,7 @@
 // from.
 
 #include "EASY_GUI/win32/control.h"
+#include "EASY_GUI/win32/wide_text.h"
 
 namespace korvane
 {
@@ -41,6 +42,13 @@ public:
     {
         m_is_set = true;
         control::setText(text);
+        m_is_set = false;
+    }
+    void append(std::string_view text) // and show the end
+    {
+        showEnd();
+        m_is_set = true;
+        send(EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(toWide(text).c_str()));
         m_is_set = false;
     }
     void showEnd() // of a text that is too long, and put the caret there

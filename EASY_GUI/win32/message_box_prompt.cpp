@@ -109,6 +109,14 @@ bool pick(IFileDialog& dialog, HWND owner, const std::string& title, const std::
     return SUCCEEDED(dialog.Show(owner));
 }
 
+void beginIn(IFileDialog& dialog, const std::string& folder)
+{
+    com_ptr<IShellItem> item;
+    if (!folder.empty() &&
+        SUCCEEDED(SHCreateItemFromParsingName(toWide(folder).c_str(), nullptr, __uuidof(IShellItem), item.putVoid())))
+        dialog.SetFolder(item.get());
+}
+
 com_ptr<IFileOpenDialog> openDialog() // null when the system has none
 {
     com_ptr<IFileOpenDialog> dialog;
@@ -149,9 +157,12 @@ save_answer message_box_prompt::askToSave(const std::string& title, const std::s
 }
 
 std::optional<std::string> message_box_prompt::pickOpenPath(const std::string& title,
-                                                            const std::vector<file_filter>& filters)
+                                                            const std::vector<file_filter>& filters,
+                                                            const std::string& folder)
 {
     const com_ptr<IFileOpenDialog> dialog = openDialog();
+    if (dialog)
+        beginIn(*dialog.get(), folder);
     return dialog && pick(*dialog.get(), owner(), title, filters) ? resultOf(*dialog.get()) : std::nullopt;
 }
 
@@ -193,10 +204,7 @@ std::optional<std::string> message_box_prompt::pickSavePath(const std::string& t
     dialog->SetDefaultExtension(toWide(default_extension).c_str());
     if (!suggestion.name.empty())
         dialog->SetFileName(toWide(suggestion.name).c_str());
-    com_ptr<IShellItem> folder;
-    if (!suggestion.folder.empty() && SUCCEEDED(SHCreateItemFromParsingName(toWide(suggestion.folder).c_str(), nullptr,
-                                                                            __uuidof(IShellItem), folder.putVoid())))
-        dialog->SetFolder(folder.get());
+    beginIn(*dialog.get(), suggestion.folder);
     return pick(*dialog.get(), owner(), title, filters) ? resultOf(*dialog.get()) : std::nullopt;
 }
 

@@ -19,7 +19,8 @@ public:
     [[nodiscard]] bool confirm(const std::string& title, const std::string& text, prompt_answer preset) override;
     [[nodiscard]] save_answer askToSave(const std::string& title, const std::string& text) override;
     [[nodiscard]] std::optional<std::string> pickOpenPath(const std::string& title,
-                                                          const std::vector<file_filter>& filters) override;
+                                                          const std::vector<file_filter>& filters,
+                                                          const std::string& folder = {}) override;
     [[nodiscard]] std::vector<std::string> pickOpenPaths(const std::string& title,
                                                          const std::vector<file_filter>& filters) override;
     [[nodiscard]] std::optional<std::string> pickFolder(const std::string& title) override;

@@ -128,6 +128,35 @@ enum control_id : int
     control_playback_last,
     control_playback_all,
     control_playback_speed,
+
+    control_convert_path = 1760,    // + file
+    control_convert_browse = 1765,  // + file
+    control_convert_field = 1770,   // + field
+    control_convert_problem = 1775, // + field
+    control_convert_archives = 1780,
+    control_convert_take,
+    control_convert_games,
+    control_convert_bones,
+    control_convert_summary,
+    control_convert_log,
+    control_convert_progress,
+    control_convert_status,
+    control_convert_stop,
+    control_convert_results,
+    control_convert_play,
+    control_convert_dump,
+    control_convert_run,
+
+    control_bone_table_path = 1810,
+    control_bone_table_browse,
+    control_bone_table_archives,
+    control_bone_table_list,
+    control_bone_table_status,
+    control_bone_table_write,
+
+    control_archive_anim_filter = 1820,
+    control_archive_anim_list,
+    control_archive_anim_ok,
 };
 
 } // namespace korvane

@@ -475,6 +475,19 @@ void main_window::showDocument()
     showCounts();
 }
 
+// The list of converted animations has grown in the file.
+void main_window::tookConverted()
+{
+    takeUpConfig();
+    m_playback_box.follow();
+}
+
+void main_window::playAnimation(const std::string& path)
+{
+    m_playback_box.open();
+    m_playback_box.playFile(path);
+}
+
 void main_window::showFigure()
 {
     m_display.showFigure();

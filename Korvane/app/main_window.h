@@ -81,6 +81,8 @@ public:
     void showDefinitionPage() override;
     void rereadArchives(bool trusts_cache) override;
     void showFigure() override;
+    void tookConverted() override;
+    void playAnimation(const std::string& path) override;
     void setStatus(const std::string& text) override;
     void logLine(const std::string& line) override;
     bool work(const std::string& title, const std::function<void(const work_port&)>& work) override;

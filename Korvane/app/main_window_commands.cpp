@@ -31,6 +31,8 @@ void main_window::nameActions()
         {command::normal_map_to_orange, [this] { convertNormalMaps(*this, normal_form::orange); }},
         {command::normal_map_to_blue, [this] { convertNormalMaps(*this, normal_form::blue); }},
         {command::legal, [this] { showLegal(*this); }},
+        {command::convert_animation, [this] { convertAnimation(*this); }},
+        {command::generate_bone_table, [this] { generateBoneTable(*this); }},
         {command::guide, [this] { showGuide(*this); }},
         {command::about, [this] { showAbout(); }},
         {command::game_folders, [this] { setUpFolders(); }},

@@ -435,7 +435,19 @@ void playback_box::play(int row, bool is_asked_for)
     if (row < 0 || static_cast<std::size_t>(row) >= m_picker.rows().rowCount())
         return;
     m_list.select(row);
-    const animation_choice choice = m_picker.rows().choice(static_cast<std::size_t>(row));
+    play(m_picker.rows().choice(static_cast<std::size_t>(row)), is_asked_for);
+}
+
+void playback_box::playFile(const std::string& path)
+{
+    KillTimer(handle(), play_timer);
+    if (const std::optional<std::size_t> row = m_picker.rows().rowOf(path))
+        m_list.select(static_cast<int>(*row));
+    play({nullptr, path}, true);
+}
+
+void playback_box::play(const animation_choice& choice, bool is_asked_for)
+{
     const std::string id = m_picker.shownId();
     if (choice.isBindPose())
     {

@@ -30,8 +30,9 @@ public:
     playback_box(page_host& host, scene_display& display);
     ~playback_box() override { destroy(); }
 
-    void open();   // beside the view, which is shown; to the front when it is open already
-    void follow(); // something else is open, or the view shows something else
+    void open();                            // beside the view, which is shown; to the front when it is open already
+    void follow();                          // something else is open, or the view shows something else
+    void playFile(const std::string& path); // a converted one, for the skeleton that is shown
     // A key of the view has changed how it plays.
     void showPlaying();
     bool isWorking() const { return m_picker.isSearching() || m_reading.isRunning(); }
@@ -70,6 +71,7 @@ private:
     void showTexts();
     void showChosen();
 
+    void play(const animation_choice& choice, bool is_asked_for);
     void play(int row, bool is_asked_for); // asked for: by Enter, not by walking through the list
     void take(read_animation read, bool is_asked_for);
     void restartControls();

@@ -65,7 +65,8 @@ std::optional<layout> report_dialog::onFill(failure& why)
 int runDialog(page_host& host, dialog_box& shown)
 {
     failure why;
-    const int result = shown.run(host.frame(), why);
+    const HWND above = dialog_box::innermost();
+    const int result = shown.run(above != nullptr ? above : host.frame(), why);
     if (why)
     {
         host.logLine("runDialog(). " + describe(why));

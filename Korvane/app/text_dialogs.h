@@ -56,7 +56,7 @@ private:
     button m_copy, m_close;
 };
 
-// Runs a dialog over the main window; one that cannot be opened is told.
+// Runs a dialog over the main window, or over the dialog on top of it; one that cannot be opened is told.
 int runDialog(page_host& host, dialog_box& shown);
 
 } // namespace korvane

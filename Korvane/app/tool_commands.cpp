@@ -1,9 +1,14 @@
 #include "Korvane/app/tool_commands.h"
 
+#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
+#include "EASY_GUI/win32/modal_work.h"
+#include "Korvane/app/bone_table_dialog.h"
+#include "Korvane/app/fbx_to_anim_dialog.h"
 #include "Korvane/app/prefix_dialog.h"
 #include "Korvane/app/text_dialogs.h"
 #include "Korvane/game/game_source.h"
+#include "Korvane/jobs/anim_text_job.h"
 #include "Korvane/jobs/self_check.h"
 #include "Korvane/presenters/normal_map_command.h"
 
@@ -81,6 +86,41 @@ void replacePathPrefix(page_host& host)
     prefix_dialog asked(host.document().model(), firstTextureFolder(host.document().model()));
     if (runDialog(host, asked) == prefix_dialog::replaced)
         host.took(host.commands().replacePathPrefix(asked.wanted(), asked.replacement()));
+}
+
+void convertAnimation(page_host& host)
+{
+    fbx_to_anim_dialog shown(host);
+    runDialog(host, shown);
+}
+
+void generateBoneTable(page_host& host)
+{
+    bone_table_dialog shown(host);
+    runDialog(host, shown);
+}
+
+void dumpAnimation(page_host& host, const std::string& anim)
+{
+    const game_path path(anim);
+    const std::string folder = path.isInternal() ? std::string() : toUtf8(toPath(anim).parent_path());
+    const std::string name = displayText(fileName(path.internalPath()));
+    const auto output = host.prompt().pickSavePath("Save ANIM Data Dump", {{"Text Files (*.txt)", "*.txt"}}, "txt",
+                                                   {folder, name.substr(0, name.rfind('.')) + ".txt"});
+    if (!output || output->empty())
+        return;
+    failure why;
+    bool is_done = false;
+    const HWND above = dialog_box::innermost();
+    modal_work work{above != nullptr ? above : host.frame(), "Writing the dump", false};
+    static_cast<void>(work.run([&](const work_port&) {
+        loaded_game game(host.document().game());
+        is_done = dumpAnim(game, path, *output, why);
+    }));
+    if (is_done)
+        return host.setStatus("Written: " + *output);
+    host.logLine("dumpAnimation(). " + displayText(describe(why)));
+    host.prompt().show("Error!", "The dump was not written.\r\n\r\n" + displayText(describe(why)), prompt_icon::error);
 }
 
 std::string failedText(const std::vector<failed_picture>& failed)

@@ -5,6 +5,8 @@
 #include "Korvane/app/page.h"
 #include "Korvane/textures/normal_map.h"
 
+#include <string>
+
 namespace korvane
 {
 
@@ -12,6 +14,9 @@ void showGuide(page_host& host);
 void showLegal(page_host& host);
 void testModel(page_host& host); // with a model open
 void replacePathPrefix(page_host& host);
+void convertAnimation(page_host& host);
+void generateBoneTable(page_host& host);
+void dumpAnimation(page_host& host, const std::string& anim); // on the disk or, with "pack:", in the archives
 void convertNormalMaps(page_host& host, normal_form target);
 
 } // namespace korvane

@@ -3,10 +3,7 @@
 #include "Korvane/cli/anim_commands.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/animation/anim_dump.h"
-#include "Korvane/animation/bone_table.h"
-#include "Korvane/jobs/operands.h"
-#include "Korvane/jobs/output_paths.h"
+#include "Korvane/jobs/anim_text_job.h"
 #include "Korvane/jobs/search_job.h"
 
 namespace korvane
@@ -21,34 +18,17 @@ struct output_options
     std::string output;
 };
 
-// Where an operand comes from. The archives are loaded by now when it names one of their files.
-anim_origin originOf(cli_context& context, const std::string& operand)
-{
-    const game_path path(operand);
-    if (!path.isInternal())
-        return {"", operand};
-    failure why;
-    const std::shared_ptr<const game_data> game = context.game().archives(why);
-    const game_file found = game ? game->find(path.internalPath()) : game_file();
-    if (!found.entry())
-        return {"", operand};
-    return {found.entry()->archive().name, found.path()};
-}
-
 void runDump(cli_context& context, const output_options& options)
 {
     failure why;
-    const auto data = loadAnim(context.game(), options.anim, anim_depth::animation, why);
-    if (!data || !isFreeToWrite({options.anim}, options.output, why) ||
-        !writeAnimDump(*data, originOf(context, options.anim), options.output, why))
+    if (!dumpAnim(context.game(), options.anim, options.output, why))
         context.fail(why);
 }
 
 void runBoneTable(cli_context& context, const output_options& options)
 {
     failure why;
-    const auto data = loadAnim(context.game(), options.anim, anim_depth::bones_only, why);
-    if (!data || !isFreeToWrite({options.anim}, options.output, why) || !writeBoneTable(*data, options.output, why))
+    if (!tabulateBones(context.game(), options.anim, options.output, why))
         context.fail(why);
 }
 

@@ -34,8 +34,6 @@ bool model_commands::isEnabled(document_command command, const window_facts& fac
     // In their menus, so that these have their order; what they do is not part of this program yet.
     case document_command::export_static:
     case document_command::export_animated:
-    case document_command::convert_animation:
-    case document_command::generate_bone_table:
         return false;
     case document_command::open:
     case document_command::open_recent:
@@ -46,6 +44,8 @@ bool model_commands::isEnabled(document_command command, const window_facts& fac
     case document_command::copy:
     case document_command::paste:
     case document_command::game_folders:
+    case document_command::convert_animation:
+    case document_command::generate_bone_table:
     case document_command::open_definition:
     case document_command::about:
     case document_command::legal:

@@ -32,8 +32,6 @@ public:
 
 private:
     bool load(failure& why);
-    bool loadTemplate(failure& why);
-    bool loadBoneTable(failure& why);
     bool isReplaced() const { return stampOf(m_options.fbx) != m_fbx_stamp; }
     void remember();
 
@@ -46,40 +44,14 @@ private:
     anim_conversion m_request;
 };
 
-bool convert_run::loadTemplate(failure& why)
-{
-    m_template = loadAnim(m_source, m_options.template_anim, anim_depth::bones_only, why);
-    if (!m_template)
-        return false;
-    failure ignored; // a template may end behind its bones
-    if (auto whole = loadAnim(m_source, m_options.template_anim, anim_depth::animation, ignored))
-        m_template = std::move(whole);
-    return true;
-}
-
-bool convert_run::loadBoneTable(failure& why)
-{
-    if (m_options.bone_table.empty())
-        return true;
-    memory_file table;
-    std::vector<std::string> names;
-    if (!m_source.read(m_options.bone_table, table, why))
-        return false;
-    if (!readBoneTable(table.text(), names, why))
-    {
-        why.path = m_options.bone_table;
-        return false;
-    }
-    m_request.bone_selection = std::move(names);
-    return true;
-}
-
 bool convert_run::load(failure& why)
 {
     m_fbx_stamp = stampOf(m_options.fbx);
     if (!isFreeToWrite({m_options.fbx, m_options.template_anim, m_options.bone_table, m_options.config_path},
                        m_options.output, why) ||
-        !loadTemplate(why) || !loadBoneTable(why) || !m_source.read(m_options.fbx, m_fbx, why))
+        !(m_template = loadTemplate(m_source, m_options.template_anim, why)) ||
+        !loadSelection(m_source, m_options.bone_table, m_request.bone_selection, why) ||
+        !m_source.read(m_options.fbx, m_fbx, why))
         return false;
     m_request.fbx_path = m_options.fbx;
     m_request.fbx = m_fbx.bytes();
@@ -136,6 +108,30 @@ bool convert_run::run(convert_job_result& result, failure& why)
 }
 
 } // namespace
+
+std::shared_ptr<const anim_data> loadTemplate(game_source& source, const game_path& path, failure& why)
+{
+    failure ignored; // a template may end behind its bones
+    if (auto whole = loadAnim(source, path, anim_depth::animation, ignored))
+        return whole;
+    return loadAnim(source, path, anim_depth::bones_only, why);
+}
+
+bool loadSelection(game_source& source, const game_path& table, std::optional<std::vector<std::string>>& names,
+                   failure& why)
+{
+    names.reset();
+    if (table.empty())
+        return true;
+    memory_file bytes;
+    if (!source.read(table, bytes, why))
+        return false;
+    if (readBoneTable(bytes.text(), names.emplace(), why))
+        return true;
+    names.reset();
+    why.path = table.text();
+    return false;
+}
 
 bool convertFbx(game_source& source, const convert_job_options& options, const work_port& work,
                 convert_job_result& result, failure& why)

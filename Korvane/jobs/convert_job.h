@@ -8,8 +8,10 @@
 #include "Korvane/game/game_source.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace korvane
 {
@@ -41,5 +43,11 @@ struct convert_job_result
 // Progress counts frames. False when no file was written. The log is told when the FBX file was replaced meanwhile.
 [[nodiscard]] bool convertFbx(game_source& source, const convert_job_options& options, const work_port& work,
                               convert_job_result& result, failure& why);
+
+// With its frames, if it has them; null, and the reason, when it has no bones to take.
+[[nodiscard]] std::shared_ptr<const anim_data> loadTemplate(game_source& source, const game_path& path, failure& why);
+// The bones that a table names; none of an empty path: all bones.
+[[nodiscard]] bool loadSelection(game_source& source, const game_path& table,
+                                 std::optional<std::vector<std::string>>& names, failure& why);
 
 } // namespace korvane

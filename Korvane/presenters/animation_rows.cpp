@@ -64,7 +64,7 @@ std::string animation_choice::place() const
 
 void animation_rows::begin(std::span<const std::string> converted_files)
 {
-    m_choices.assign(1, {});
+    m_choices.assign(m_has_bind_pose ? 1 : 0, {});
     for (const std::string& path : converted_files)
         m_choices.push_back({nullptr, path});
     m_shown.clear();

@@ -33,9 +33,9 @@ struct animation_choice
 class animation_rows : public list_model
 {
 public:
-    animation_rows() { begin({}); }
+    explicit animation_rows(bool has_bind_pose = true) : m_has_bind_pose(has_bind_pose) { begin({}); }
 
-    // The bind pose and these files, in their order. The filter stays.
+    // The bind pose, where there is one, and these files, in their order. The filter stays.
     void begin(std::span<const std::string> converted_files);
     void add(std::span<const pack_file_node* const> found); // behind what is there
     // Words of which each is a part of a row's path, in any case, '/' or '\' between its folders. The bind pose is
@@ -51,12 +51,13 @@ public:
     const animation_choice& choice(std::size_t row) const { return m_choices[m_shown[row]]; }
     std::optional<std::size_t> rowOf(const std::string& place) const; // nothing: it is not shown
     // Without the bind pose.
-    std::size_t animationCount() const { return m_choices.size() - 1; }
-    std::size_t shownAnimationCount() const { return m_shown.size() - 1; }
+    std::size_t animationCount() const { return m_choices.size() - m_has_bind_pose; }
+    std::size_t shownAnimationCount() const { return m_shown.size() - m_has_bind_pose; }
 
 private:
     bool passes(const animation_choice& choice) const;
 
+    bool m_has_bind_pose;
     std::vector<animation_choice> m_choices; // the bind pose first
     std::vector<std::uint32_t> m_shown;      // of them, ascending
     std::string m_filter;                    // as it was typed

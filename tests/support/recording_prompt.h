@@ -38,7 +38,8 @@ public:
             while_asking();
         return will_save;
     }
-    std::optional<std::string> pickOpenPath(const std::string& title, const std::vector<file_filter>& filters) override
+    std::optional<std::string> pickOpenPath(const std::string& title, const std::vector<file_filter>& filters,
+                                            const std::string& = {}) override
     {
         picked_with = title + "|" + filters.at(0).label + "|" + filters.at(0).pattern;
         if (while_picking)
