@@ -348,8 +348,11 @@ std::string playback_picker::missing() const
 
 std::string playback_picker::message() const
 {
+    std::string shown;
+    for (const played& each : m_played)
+        shown += (shown.empty() ? "" : " and ") + each.label;
     if (!m_unread.empty())
-        return m_unread;
+        return m_unread + (shown.empty() ? "" : " Still shown: " + shown + ".");
     std::string text;
     for (const std::string& problem : m_problems)
         text += (text.empty() ? "" : " ") + sentence(displayText(problem));
@@ -358,10 +361,8 @@ std::string playback_picker::message() const
     text = missing();
     if (!text.empty())
         return text;
-    for (const played& each : m_played)
-        text += (text.empty() ? "" : " and ") + each.label;
-    if (const scene_rig* const rig = rigOf(shownId()); !text.empty())
-        return "Shown: " + text + (rig == nullptr || rig->problem.empty() ? "" : ". " + sentence(rig->problem));
+    if (const scene_rig* const rig = rigOf(shownId()); !shown.empty())
+        return "Shown: " + shown + (rig == nullptr || rig->problem.empty() ? "" : ". " + sentence(rig->problem));
     return m_rows.animationCount() == 0 ? "" : "The bind pose is shown. Choose an animation to play it.";
 }
 
