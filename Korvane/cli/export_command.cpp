@@ -128,15 +128,17 @@ void checkOptions(const export_job_options& options, bool is_one_model)
     if (!options.animations.empty() && !is_one_model)
         throw CLI::ValidationError("--anim", "animations go with one model");
     const bool is_file = isExportFile(options.output) && !isFolder(options.output);
-    const bool is_one_file = is_one_model && options.animations.size() < 2;
+    const bool is_gltf =
+        is_file && !endsWithIgnoringCase(options.output, ".fbx") && !endsWithIgnoringCase(options.output, ".dae");
+    const bool is_one_file = is_one_model && (options.animations.size() < 2 || is_gltf);
     if (!is_one_file && is_file)
         throw CLI::ValidationError("-o", "several " + std::string(is_one_model ? "animations" : "models") +
                                              " need a folder, one file is written for each");
     if (is_file && options.folder_format && !endsWithIgnoringCase(options.output, "." + *options.folder_format))
         throw CLI::ValidationError("--format", "the file's name says another format: " + options.output);
     if ((is_one_file || isNamedLikeFile(options.output)) && !is_file && !isFolder(options.output))
-        throw CLI::ValidationError("-o",
-                                   "the name must end in .fbx or .dae, or be that of a folder: " + options.output);
+        throw CLI::ValidationError("-o", "the name must end in .fbx, .dae, .glb or .gltf, or be that of a folder: " +
+                                             options.output);
 }
 
 struct console_export_options
@@ -180,7 +182,8 @@ void addExportCommand(CLI::App& app, cli_context& context)
     command->add_option("MODEL", options->operands, model_operands_help)->required();
     command
         ->add_option("-o,--output", options->job.output,
-                     "The file to write, .fbx or .dae; or a folder, whose files get their names from the animations or "
+                     "The file to write, .fbx, .dae, .glb or .gltf; or a folder, whose files get their names from the "
+                     "animations or "
                      "the models")
         ->required()
         ->check(notEmpty());
@@ -192,7 +195,7 @@ void addExportCommand(CLI::App& app, cli_context& context)
                       "With the skeleton that the model names, in its bind pose; a definition always has its own");
     command
         ->add_option("--anim", options->job.animations,
-                     "An animation; may be given more than once, with a folder as -o")
+                     "An animation; may be given more than once, with a folder or a glTF file as -o")
         ->type_name("ANIM")
         ->allow_extra_args(false);
     command->add_option("--lod", options->lod, "Level of detail, or all; 0, the finest, without it")
@@ -209,9 +212,11 @@ void addExportCommand(CLI::App& app, cli_context& context)
     command->add_option("--normal", options->normals, "blue: turn the games' normal maps into ordinary ones")
         ->type_name("FORM")
         ->check(CLI::IsMember({"blue"}));
-    command->add_option("--format", options->job.folder_format, "Of the files in a folder: fbx or dae; fbx without it")
+    command
+        ->add_option("--format", options->job.folder_format,
+                     "Of the files in a folder: fbx, dae, glb or gltf; fbx without it")
         ->type_name("FORMAT")
-        ->check(CLI::IsMember({"fbx", "dae"}));
+        ->check(CLI::IsMember({"fbx", "dae", "glb", "gltf"}));
     command->add_flag("--no-materials", options->job.is_without_materials, "Neither materials nor textures");
     command->add_flag("--full-span", options->job.is_full_span, "The take's time span ends with the last frame");
     context.addJsonOption(*command);

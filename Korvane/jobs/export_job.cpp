@@ -6,13 +6,13 @@
 #include "Korvane/document/open_definition.h"
 #include "Korvane/fbx/export/scene_exporter.h"
 #include "Korvane/jobs/export_subject.h"
-#include "Korvane/jobs/export_textures.h"
+#include "Korvane/jobs/export_writer.h"
 #include "Korvane/jobs/output_paths.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <memory>
 #include <set>
+#include <span>
 #include <utility>
 
 namespace korvane
@@ -38,39 +38,34 @@ private:
     struct output_file
     {
         std::string path;
-        std::string animation; // operand; empty: bind pose, or the model alone
+        std::vector<std::size_t> animations = {}; // their numbers; none: bind pose, or the model alone
     };
 
-    bool writesFolder() const { return isFolder(m_options.output) || m_options.animations.size() > 1; }
+    bool isOneGltf() const { return isGltfFile(m_options.output) && !isFolder(m_options.output); }
+    bool writesFolder() const
+    {
+        return isFolder(m_options.output) || (m_options.animations.size() > 1 && !isOneGltf());
+    }
+    void nameAnimations();
     std::vector<output_file> outputs() const;
     bool areFree(const std::vector<output_file>& files, failure& why) const;
-    bool prepare(failure& why);
+    bool loadTakes(const output_file& file, std::vector<gltf_take>& takes, std::vector<std::string>& loaded,
+                   failure& why);
     bool exportFile(const output_file& file, std::size_t number, std::size_t total, failure& why);
-    void reportFile(const output_file& file, const export_take& take);
-    export_options sceneOptions() const;
+    void reportFile(const std::string& path, std::span<const gltf_take> takes, std::vector<std::string> animations);
+    void nameFailed(const std::string& animation, failure reason);
 
     game_source& m_source;
     const export_job_options& m_options;
     const work_port& m_work;
     export_job_result& m_result;
+    std::vector<std::string> m_names; // of the animations' files, without ending
     export_subject m_subject;
-    std::unique_ptr<scene_exporter> m_exporter; // once there is something to write
+    export_writer m_writer{m_source, m_options, m_subject.scene, m_work, m_result};
 };
 
-std::vector<export_run::output_file> export_run::outputs() const
+void export_run::nameAnimations()
 {
-    const bool has_folder = writesFolder();
-    const auto inFolder = [this](const std::string& name) {
-        return toUtf8(toPath(m_options.output) / toPath(name + "." + m_options.folder_format.value_or("fbx")));
-    };
-    if (m_options.animations.empty())
-    {
-        const bool is_figure = isDefinitionPath(m_options.model);
-        const std::string name = exportName(m_options.model, is_figure ? ".variantmeshdefinition" : ".rigid_model_v2");
-        const bool is_bound = is_figure || m_options.with_bones || !m_options.skeleton.empty();
-        return {{has_folder ? inFolder(is_bound ? name + std::string(bind_pose_suffix) : name) : m_options.output, ""}};
-    }
-    std::vector<output_file> files;
     std::set<std::string> taken; // in lower case, as Windows compares names
     for (const std::string& animation : m_options.animations)
     {
@@ -78,8 +73,29 @@ std::vector<export_run::output_file> export_run::outputs() const
         std::string unique = name;
         for (int number = 2; !taken.insert(toLower(unique)).second; ++number)
             unique = name + "_" + std::to_string(number);
-        files.push_back({has_folder ? inFolder(unique) : m_options.output, animation});
+        m_names.push_back(unique);
     }
+}
+
+std::vector<export_run::output_file> export_run::outputs() const
+{
+    const auto inFolder = [this](const std::string& name) {
+        return toUtf8(toPath(m_options.output) / toPath(name + "." + m_options.folder_format.value_or("fbx")));
+    };
+    std::vector<output_file> files;
+    if (m_names.empty())
+    {
+        const bool is_figure = isDefinitionPath(m_options.model);
+        const std::string name = exportName(m_options.model, is_figure ? ".variantmeshdefinition" : ".rigid_model_v2");
+        const bool is_bound = is_figure || m_options.with_bones || !m_options.skeleton.empty();
+        files.push_back(
+            {writesFolder() ? inFolder(is_bound ? name + std::string(bind_pose_suffix) : name) : m_options.output});
+    }
+    for (std::size_t i = 0; i < m_names.size(); ++i)
+        if (writesFolder() || i == 0)
+            files.push_back({writesFolder() ? inFolder(m_names[i]) : m_options.output, {i}});
+        else
+            files.front().animations.push_back(i);
     return files;
 }
 
@@ -94,47 +110,70 @@ bool export_run::areFree(const std::vector<output_file>& files, failure& why) co
            (!writesFolder() || canWriteBelow(m_options.output, why));
 }
 
-// Before the first file is written, and not when there is none.
-bool export_run::prepare(failure& why)
+void export_run::nameFailed(const std::string& animation, failure reason)
 {
-    if (m_exporter)
-        return true;
-    if (!extractExportTextures(m_source, m_options, m_subject.scene, m_work, m_result, why) ||
-        (writesFolder() && !createFolder(m_options.output, why)))
-        return false;
-    const auto print = [this](const std::string& text) {
-        const std::size_t begin = text.find_first_not_of('\n'), end = text.find_last_not_of('\n') + 1;
-        tell(m_work.log, displayText(text.substr(begin, end - begin)));
-    };
-    m_exporter = std::make_unique<scene_exporter>(m_subject.scene, sceneOptions(), print);
-    return true;
+    m_work.nameFailure(reason);
+    m_result.failed.push_back({animation, std::move(reason)});
+}
+
+// Of several animations of a file those that fail are left out; false when none is left.
+bool export_run::loadTakes(const output_file& file, std::vector<gltf_take>& takes, std::vector<std::string>& loaded,
+                           failure& why)
+{
+    const take_span span = m_options.is_full_span || isGltfFile(file.path) ? take_span::full : take_span::half;
+    for (const std::size_t number : file.animations)
+    {
+        if (m_work.isStopped())
+            return true;
+        const std::string& animation = m_options.animations[number];
+        if (file.animations.size() > 1)
+            m_work.report(number, file.animations.size(), displayText(animation));
+        gltf_take take{displayText(m_names[number]), {}};
+        failure reason;
+        if (loadExportTake(m_source, m_subject, animation, span, m_work, take.take, reason))
+        {
+            takes.push_back(std::move(take));
+            loaded.push_back(animation);
+        }
+        else if (file.animations.size() == 1)
+        {
+            why = std::move(reason);
+            return false;
+        }
+        else
+            nameFailed(animation, std::move(reason));
+    }
+    return file.animations.empty() || !takes.empty() ||
+           fail(why, failure_kind::refused, "none of the animations can be exported", file.path);
 }
 
 bool export_run::exportFile(const output_file& file, std::size_t number, std::size_t total, failure& why)
 {
     const std::string line = displayText(exportingLine(fileName(file.path), number, total));
     m_work.report(number - 1, total, line);
-    export_take take;
-    const take_span span = m_options.is_full_span ? take_span::full : take_span::half;
-    if ((!file.animation.empty() && !loadExportTake(m_source, m_subject, file.animation, span, m_work, take, why)) ||
-        !prepare(why))
+    std::vector<gltf_take> takes;
+    std::vector<std::string> loaded;
+    bool is_written = false;
+    if (!loadTakes(file, takes, loaded, why))
         return false;
     if (m_work.isStopped())
         return true;
-    tell(m_work.log, line);
-    if (!m_exporter->save(file.path, file.animation.empty() ? nullptr : &take, why))
+    if ((writesFolder() && !createFolder(m_options.output, why)) ||
+        !m_writer.write(file.path, takes, line, is_written, why))
         return false;
-    reportFile(file, take);
+    if (is_written)
+        reportFile(file.path, takes, std::move(loaded));
     return true;
 }
 
-void export_run::reportFile(const output_file& file, const export_take& take)
+void export_run::reportFile(const std::string& path, std::span<const gltf_take> takes,
+                            std::vector<std::string> animations)
 {
     const export_scene& scene = m_subject.scene;
     exported_file written;
-    written.path = file.path;
-    if (!file.animation.empty())
-        written.animations.push_back(file.animation);
+    written.path = path;
+    m_result.done += std::max<std::size_t>(animations.size(), 1);
+    written.animations = std::move(animations);
     written.bones = scene.bones.size();
     written.meshes = scene.meshes.size();
     for (const export_mesh& mesh : scene.meshes)
@@ -142,25 +181,20 @@ void export_run::reportFile(const output_file& file, const export_take& take)
         written.points += mesh.points.size() / 3;
         written.triangles += mesh.triangles.size() / 3;
     }
-    written.frames = take.frame_count;
-    written.frame_rate = take.frame_rate;
-    written.take_stop_seconds = take.stop_seconds;
+    for (const gltf_take& take : takes)
+    {
+        written.frames = std::max(written.frames, take.take.frame_count);
+        written.take_stop_seconds = std::max(written.take_stop_seconds, take.take.stop_seconds);
+    }
+    written.frame_rate = takes.empty() ? 0 : takes.front().take.frame_rate;
     m_result.files.push_back(std::move(written));
-    ++m_result.done;
-}
-
-export_options export_run::sceneOptions() const
-{
-    // Where paths in the file begin; empty for a bare name.
-    const std::filesystem::path output = toPath(m_options.output);
-    return {!m_options.is_without_materials,
-            texturePathsFrom(writesFolder() ? output : output.parent_path(), m_result.textures)};
 }
 
 bool export_run::run(failure& why)
 {
+    nameAnimations();
     const std::vector<output_file> files = outputs();
-    m_result.wanted = files.size();
+    m_result.wanted = std::max<std::size_t>(m_options.animations.size(), 1);
     if (!areFree(files, why) || !loadExportSubject(m_source, m_options, m_work, m_subject, why))
         return false;
     m_result.warnings = m_subject.scene.warnings;
@@ -174,8 +208,7 @@ bool export_run::run(failure& why)
             why = std::move(reason);
             return false;
         }
-        m_work.nameFailure(reason);
-        m_result.failed.push_back({files[i].animation, std::move(reason)});
+        nameFailed(m_options.animations[files[i].animations.front()], std::move(reason));
     }
     m_result.is_stopped = m_work.isStopped() && m_result.done + m_result.failed.size() < m_result.wanted;
     tell(m_work.log, exportedLine(m_result.files.size()));
@@ -200,7 +233,7 @@ std::string exportName(const std::string& operand, std::string_view ending)
 
 bool isExportFile(std::string_view path)
 {
-    return hasExportExtension(path);
+    return hasExportExtension(path) || isGltfFile(path);
 }
 
 bool runExport(game_source& source, const export_job_options& options, const work_port& work, export_job_result& result,

@@ -46,9 +46,10 @@ struct export_job_options
     bool makes_normals_blue = false;          // of pictures: the normal maps as other programs want them
     bool is_without_materials = false;        // neither materials nor textures
 
-    std::optional<std::string> folder_format; // of the files in a folder: "fbx", which stands without it, "dae"
-    bool is_full_span = false;                // the take's time span ends with the last frame
-    std::vector<std::string> spared;          // further files that are not written over, as the configuration
+    std::optional<std::string>
+        folder_format;               // of the files in a folder: "fbx", which stands without it, "dae", "glb" or "gltf"
+    bool is_full_span = false;       // the take's time span ends with the last frame
+    std::vector<std::string> spared; // further files that are not written over, as the configuration
 };
 
 struct exported_file
@@ -86,7 +87,7 @@ struct export_job_result
 // the animations of a glTF file are called; a second one of that name is "hu1_wave_2".
 [[nodiscard]] std::string exportName(const std::string& operand, std::string_view ending);
 
-// Whether a path ends as the files do that are written, in any case: .fbx, .dae.
+// Whether a path ends as the files do that are written, in any case: .fbx, .dae, .glb, .gltf.
 [[nodiscard]] bool isExportFile(std::string_view path);
 
 // False when nothing could be done: the failure is that of the model, the skeleton, the folder, or of the only file. Of

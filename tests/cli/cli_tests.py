@@ -92,8 +92,8 @@ class command_line(cli_case):
         self.expect_failure(["bogus"], 2, "bogus")
         self.expect_failure(["exprot"], 2, "did you mean export?")
         self.expect_failure(["info", "a", "--verticies"], 2, "--verticies", "did you mean --vertices?")
-        for arguments in (["convert", "a", "--template", "b", "--output", "c.fbx"], ["export", "a", "-o", "two.glb"],
-                          ["export", "a", "--skeleton", "s", "--anim", "b", "--anim", "c", "-o", "two.glb"],
+        for arguments in (["convert", "a", "--template", "b", "--output", "c.fbx"], ["export", "a", "-o", "two.obj"],
+                          ["export", "a", "--skeleton", "s", "--anim", "b", "--anim", "c", "-o", "two.obj"],
                           ["textures", "a", "-o", "x.png"], ["extract", "--match", "*", "-o", "x.pack"]):
             self.expect_failure(arguments, 2, "-o")
         if not is_windows:

@@ -19,7 +19,7 @@ FLOORS = [
     {"Korvane/fbx/container"},
     {"Korvane/fbx/scene"},
     {"Korvane/fbx/export"},
-    {"Korvane/fbx/convert"},
+    {"Korvane/fbx/convert", "Korvane/gltf"},
     {"Korvane/jobs"},
     {"Korvane/presenters"},
     {"Korvane/viewer"},

@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/version.h"
 #include "Korvane/fbx/export/dae_nodes.h"
 #include "Korvane/fbx/export/euler_keys.h"
+#include "Korvane/fbx/export/uri_path.h"
 
 #include <glm/matrix.hpp>
 
@@ -18,25 +19,6 @@ namespace
 using namespace dae_nodes;
 
 constexpr const char* texture_coordinates = "UVSET0";
-
-// A path as a relative URI.
-std::string uriOf(const std::string& path)
-{
-    constexpr char digits[] = "0123456789ABCDEF";
-    std::string uri;
-    for (const char character : path)
-    {
-        const auto byte = static_cast<unsigned char>(character);
-        const bool is_plain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-                              (byte >= '0' && byte <= '9') ||
-                              std::string_view("-_.~/!$&'()*+,;=@").find(character) != std::string_view::npos;
-        if (is_plain)
-            uri += character;
-        else
-            ((uri += '%') += digits[byte >> 4]) += digits[byte & 15];
-    }
-    return uri;
-}
 
 class dae_writer
 {

@@ -72,21 +72,47 @@ glm::dvec3 unitOrZero(const glm::dvec3& direction)
     return length > 0 ? direction / length : glm::dvec3(0);
 }
 
-// Nothing without a tangent, or with one along the normal. The binormal is that side of both on which the file's lies.
+// Nothing without a tangent, or with one along the normal.
 bool addTangent(const vertex_record& vertex, const glm::dvec3& normal, const point_transform& transform,
                 export_mesh& mesh)
 {
-    if (!isExportable(vertex.tangent) || !isExportable(vertex.bitangent))
+    if (!isExportable(vertex.tangent))
         return false;
-    const glm::dmat3 turned(transform.points);
-    const glm::dvec3 given = turned * exportedDirection(vertex.tangent);
+    const glm::dvec3 given = glm::dmat3(transform.points) * exportedDirection(vertex.tangent);
     const glm::dvec3 tangent = unitOrZero(given - normal * glm::dot(normal, given));
     if (glm::length(tangent) < 0.5 || glm::length(normal) < 0.5)
         return false;
     append(mesh.tangents, tangent);
-    const glm::dvec3 binormal = turned * exportedDirection(vertex.bitangent);
-    mesh.tangents.push_back(glm::dot(glm::cross(normal, tangent), binormal) < 0 ? -1 : 1);
+    mesh.tangents.push_back(1);
     return true;
+}
+
+// The sides of the tangents, out of the triangles: the binormals of some vertex formats say nothing.
+void turnTangents(export_mesh& mesh)
+{
+    const auto point = [&mesh](std::size_t i) {
+        return glm::dvec3(mesh.points[3 * i], mesh.points[3 * i + 1], mesh.points[3 * i + 2]);
+    };
+    const auto uv = [&mesh](std::size_t i) { return glm::dvec2(mesh.uvs[2 * i], mesh.uvs[2 * i + 1]); };
+    std::vector<glm::dvec3> upwards(mesh.points.size() / 3, glm::dvec3(0));
+    for (std::size_t i = 0; i + 2 < mesh.triangles.size(); i += 3)
+    {
+        std::array<std::size_t, 3> corners{};
+        for (std::size_t k = 0; k < 3; ++k)
+            corners[k] = static_cast<std::size_t>(mesh.triangles[i + k]);
+        const glm::dvec3 e1 = point(corners[1]) - point(corners[0]), e2 = point(corners[2]) - point(corners[0]);
+        const glm::dvec2 d1 = uv(corners[1]) - uv(corners[0]), d2 = uv(corners[2]) - uv(corners[0]);
+        const double area = d1.x * d2.y - d1.y * d2.x;
+        for (const std::size_t corner : corners)
+            upwards[corner] += (e2 * d1.x - e1 * d2.x) * (area < 0 ? -1.0 : 1.0);
+    }
+    for (std::size_t i = 0; i < upwards.size(); ++i)
+    {
+        const glm::dvec3 normal(mesh.normals[3 * i], mesh.normals[3 * i + 1], mesh.normals[3 * i + 2]);
+        const glm::dvec3 tangent(mesh.tangents[4 * i], mesh.tangents[4 * i + 1], mesh.tangents[4 * i + 2]);
+        if (glm::dot(glm::cross(normal, tangent), upwards[i]) < 0)
+            mesh.tangents[4 * i + 3] = -1;
+    }
 }
 
 void addVertices(const vertex_store& store, const point_transform& transform, export_mesh& mesh, left_out& lost)
@@ -251,6 +277,8 @@ void addMesh(const group_data& group, const std::string& name, const mesh_place&
                                  std::to_string(group.header.vertex_format) + " is not known");
     else
         addTriangles(group.store, transform.is_mirrored, mesh, lost);
+    if (!mesh.tangents.empty())
+        turnTangents(mesh);
     if (place.bone_count > 0)
         addClusters(group.store, place, mesh, lost);
     warn(scene, mesh.name, lost);

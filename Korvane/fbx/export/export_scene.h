@@ -54,8 +54,8 @@ struct export_mesh
     std::vector<double> points;  // x, y, z
     std::vector<double> normals; // one for each point, of unit length
     std::vector<double> uvs;     // one for each point; v counts upwards
-    // x, y, z of unit length and the side of the binormal, 1 or -1: binormal = side * cross(normal, tangent). One for
-    // each point; empty when one of them has none.
+    // x, y, z of unit length, the direction in which u grows, and the side on which v grows upwards: 1 or -1 times
+    // cross(normal, tangent). One for each point; empty when one of them has none.
     std::vector<double> tangents;
     std::vector<std::int32_t> triangles;
     std::vector<export_cluster> clusters; // ascending bones; empty: the mesh has no skin
