@@ -34,7 +34,7 @@ std::optional<layout> bone_table_dialog::onFill(failure&)
         !m_close.create(handle(), control_dialog_close, "Close"))
         return std::nullopt;
     m_path.setTip("A path on the disk, or pack: and an internal path");
-    m_path.onTyped = [this] { choose(m_path.text()); };
+    m_path.onTyped = [this] { choose(typedPath(m_path.text())); };
     m_browse.onClick = [this] { browse(); };
     m_archives.onClick = [this] {
         if (const auto path = pickArchiveAnimation(m_host))

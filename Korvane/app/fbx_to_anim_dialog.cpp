@@ -22,7 +22,7 @@ constexpr UINT log_pause = 50; // milliseconds, in which hundreds of lines may c
 } // namespace
 
 fbx_to_anim_dialog::fbx_to_anim_dialog(page_host& host)
-    : dialog_box({"Convert FBX animation to .ANIM", {760, 640}, true})
+    : dialog_box({"Convert FBX animation to .ANIM", {760, 600}, true})
     , m_host(host)
     , m_form(host.config())
     , m_looking(host.thread(), {{}, {}, [this](const std::string& what) { m_summary.setText(what); }})
@@ -183,8 +183,9 @@ layout fbx_to_anim_dialog::rows()
 
 void fbx_to_anim_dialog::choose(file which, const std::string& path)
 {
-    rowOf(which).path.setText(path);
-    if (m_form.choose(which, path))
+    const bool is_other = m_form.choose(which, path);
+    rowOf(which).path.setText(m_form.path(which));
+    if (is_other)
         look();
 }
 
@@ -314,14 +315,16 @@ void fbx_to_anim_dialog::took(const conversion& made, const std::string& output)
         status = "Sucess! " + counted(anim.frames.size(), "frame") + ", " +
                  grouped(anim.bones.size() - made.result.conversion.unmatched.size()) + " of " +
                  counted(anim.bones.size(), "bone") + " matched. " + made.result.conversion.warning;
+    if (made.is_done && made.result.version == 7 && anim.layout == anim_layout::tools)
+        status += " To play it here, check \"Version 7\" and convert it again.";
     m_host.logLine("fbx_to_anim_dialog::took(). " + displayText(output) + ": " + displayText(status));
     if (made.is_done)
         m_host.tookConverted();
     if (!isOpen())
         return;
-    if (!made.is_done && !made.is_stopped)
-        log(describe(made.why));
     showLog();
+    if (!made.is_done && !made.is_stopped && m_log.text().find(displayText(made.why.what)) == std::string::npos)
+        m_log.append(displayText(describe(made.why)) + "\r\n");
     m_progress.setPosition(0);
     m_status.setText(displayText(status));
     if (made.is_done)

@@ -75,6 +75,14 @@ std::string_view keyOf(fbx_to_anim_form::file which)
 
 } // namespace
 
+std::string typedPath(std::string_view text)
+{
+    text = trimmed(text);
+    if (text.size() >= 2 && text.front() == '"' && text.back() == '"')
+        text = text.substr(1, text.size() - 2);
+    return std::string(text);
+}
+
 fbx_to_anim_form::fbx_to_anim_form(shared_config& config) : m_config(config)
 {
     for (const std::string& word : config.get(config_keys::conversion_choices))
@@ -119,8 +127,9 @@ void fbx_to_anim_form::rememberFolder(std::string_view key, const std::string& p
         m_config.set(key, {folder});
 }
 
-bool fbx_to_anim_form::choose(file which, std::string path)
+bool fbx_to_anim_form::choose(file which, std::string_view typed)
 {
+    std::string path = typedPath(typed);
     std::string& former = m_paths[static_cast<std::size_t>(which)];
     if (former == path)
         return false;
@@ -287,9 +296,7 @@ std::string fbx_to_anim_form::boneSummary() const
     std::string text = grouped(matched) + " of " + counted(wanted, "bone") + " matched";
     if (!m_look.prefix.empty())
         text += "; the prefix \"" + m_look.prefix + "\" is taken off";
-    if (matched == 0)
-        text += ": is that the right template?";
-    return text + ".";
+    return text + (matched == 0 ? ". Is that the right template?" : ".");
 }
 
 // Its name, or its number where several have that name.

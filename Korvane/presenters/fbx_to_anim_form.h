@@ -18,6 +18,9 @@
 namespace korvane
 {
 
+// A path as it was typed or pasted, without the blanks and quotation marks around it.
+[[nodiscard]] std::string typedPath(std::string_view text);
+
 class fbx_to_anim_form
 {
 public:
@@ -47,7 +50,7 @@ public:
     std::string folderOf(file which) const; // where its picker begins; empty: anywhere
     save_suggestion suggestion() const;     // of the output's picker
     // True: it is another one, and a look is due.
-    bool choose(file which, std::string path);
+    bool choose(file which, std::string_view typed);
     const std::string& path(file which) const { return m_paths[static_cast<std::size_t>(which)]; }
 
     // The options that a look needs. What came of it; false: it is about other files by now.

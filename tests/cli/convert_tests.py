@@ -245,10 +245,10 @@ class convert(cli_tests.cli_case):
                 self.assertEqual([line for line in report["log"] if "Less than half" in line],
                                  [warning] if warning else [])
                 self.assertEqual(report["log"][-2:], [warning or "FBX conversion process completed", "Sucess!"])
-        near = self.write("near.fbx", renamed.replace(b'"Model::root"', b'"Model::Root"').replace(
+        near = self.write("near.fbx", renamed.replace(b'"Model::root"', b'"Model::a:Root"').replace(
             b'"Model::prop"', b'"Model::prop_01"'))
         lines = self.convert(fbx=near, check=1)[2].decode().splitlines()
-        self.assertIn("Nearest names, in the template and in the FBX file: 'root' and 'Root', 'arm' and 'Arm_L', "
+        self.assertIn("Nearest names, in the template and in the FBX file: 'root' and 'a:Root', 'arm' and 'Arm_L', "
                       "'prop' and 'prop_01'", lines)
 
     def test_the_games_layout_reads_back(self):

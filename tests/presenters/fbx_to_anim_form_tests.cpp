@@ -139,6 +139,7 @@ TEST_F(fbx_to_anim_form_tests, bonesAreListedAndWhatComesNextIsSaid)
     EXPECT_EQ(form.boneSummary(), "Choose an FBX file.");
     form.choose(file::fbx, "other.fbx");
     EXPECT_EQ(form.boneSummary(), "Reading...");
+    EXPECT_FALSE(form.choose(file::fbx, " \"other.fbx\"")) << "as the system copies paths";
     look();
     EXPECT_EQ(form.boneSummary(), "1 of 2 bones matched; the prefix \"rig:\" is taken off.");
     const bone_match_rows& rows = form.bones();

@@ -83,10 +83,10 @@ std::string bestPrefix(const std::vector<std::string>& names, const std::unorder
     return best;
 }
 
-std::string letters(std::string_view name)
+std::string letters(std::string_view name) // without a namespace
 {
     std::string text;
-    for (const char character : toLower(name))
+    for (const char character : toLower(name.substr(name.rfind(':') + 1)))
         if (isWordCharacter(character))
             text += character;
     return text;
