@@ -4,7 +4,6 @@
 #include "Korvane/fbx/export/uri_path.h"
 #include "Korvane/gltf/gltf_nodes.h"
 
-#include <algorithm>
 #include <limits>
 
 namespace korvane
@@ -40,11 +39,12 @@ struct gltf_export::parts
 gltf_export::gltf_export(const export_scene& scene, const gltf_pictures& pictures, bool with_materials) : m_scene(scene)
 {
     auto made = std::make_unique<parts>();
-    std::vector<int> mesh_numbers;
+    gltf_nodes::mesh_numbers numbers;
     std::vector<std::size_t> material_numbers;
     const gltf_json materials =
         with_materials ? gltf_nodes::materials(scene, pictures, material_numbers) : gltf_json::array();
-    const gltf_json meshes = gltf_nodes::meshes(scene, material_numbers, with_materials, made->buffer, mesh_numbers);
+    const gltf_json meshes = gltf_nodes::meshes(scene, material_numbers, with_materials, made->buffer, numbers);
+    const gltf_json skins = gltf_nodes::skins(scene, made->buffer, numbers);
     gltf_json& document = made->document;
     document["asset"] = {{"version", "2.0"},
                          {"generator", std::string(program_name) + " glTF exchange " + std::string(program_version)}};
@@ -53,12 +53,11 @@ gltf_export::gltf_export(const export_scene& scene, const gltf_pictures& picture
     if (const std::vector<std::size_t> roots = gltf_nodes::rootNodes(scene); !roots.empty())
         document["scenes"][0]["nodes"] = roots;
     if (!scene.bones.empty() || !scene.meshes.empty())
-        document["nodes"] = gltf_nodes::nodes(scene, mesh_numbers);
+        document["nodes"] = gltf_nodes::nodes(scene, numbers);
     if (!meshes.empty())
         document["meshes"] = meshes;
-    const auto isSkinned = [](const export_mesh& mesh) { return !mesh.clusters.empty() && !mesh.triangles.empty(); };
-    if (std::any_of(scene.meshes.begin(), scene.meshes.end(), isSkinned))
-        document["skins"] = gltf_json::array({gltf_nodes::skin(scene, made->buffer)});
+    if (!skins.empty())
+        document["skins"] = skins;
     if (!materials.empty())
         document["materials"] = materials;
     if (with_materials && !pictures.images.empty())

@@ -72,7 +72,7 @@ struct influence
     std::size_t count = 0;
 };
 
-std::vector<influence> influencesOf(const export_mesh& mesh)
+std::vector<influence> influencesOf(const export_mesh& mesh, std::size_t first_bone)
 {
     std::vector<influence> all(mesh.points.size() / 3);
     for (const export_cluster& cluster : mesh.clusters)
@@ -82,7 +82,7 @@ std::vector<influence> influencesOf(const export_mesh& mesh)
             const float weight = static_cast<float>(cluster.weights[i]);
             if (own.count == own.weights.size() || !(weight > 0))
                 continue;
-            own.joints[own.count] = static_cast<std::uint16_t>(cluster.bone);
+            own.joints[own.count] = static_cast<std::uint16_t>(cluster.bone - first_bone);
             own.weights[own.count++] = weight;
         }
     for (influence& own : all) // what rounding has changed of the sum, the largest takes
@@ -95,11 +95,17 @@ std::vector<influence> influencesOf(const export_mesh& mesh)
     return all;
 }
 
-void addSkinAttributes(const export_mesh& mesh, gltf_json& attributes, gltf_buffer& buffer)
+std::size_t skeletonOf(const export_scene& scene, const export_mesh& mesh)
+{
+    const auto behind = std::upper_bound(scene.skeletons.begin(), scene.skeletons.end(), mesh.clusters.front().bone);
+    return static_cast<std::size_t>(behind - scene.skeletons.begin()) - 1;
+}
+
+void addSkinAttributes(const export_mesh& mesh, std::size_t first_bone, gltf_json& attributes, gltf_buffer& buffer)
 {
     std::vector<std::uint16_t> joints;
     std::vector<float> weights;
-    for (const influence& own : influencesOf(mesh))
+    for (const influence& own : influencesOf(mesh, first_bone))
     {
         joints.insert(joints.end(), own.joints.begin(), own.joints.end());
         weights.insert(weights.end(), own.weights.begin(), own.weights.end());
@@ -108,7 +114,7 @@ void addSkinAttributes(const export_mesh& mesh, gltf_json& attributes, gltf_buff
     attributes["WEIGHTS_0"] = buffer.addFloats(weights, 4, gltf_target::vertices, false);
 }
 
-gltf_json primitiveOf(const export_mesh& mesh, gltf_buffer& buffer)
+gltf_json primitiveOf(const export_scene& scene, const export_mesh& mesh, gltf_buffer& buffer)
 {
     std::vector<float> points(mesh.points.size()), uvs = narrowed(mesh.uvs);
     std::transform(mesh.points.begin(), mesh.points.end(), points.begin(), &metres);
@@ -122,14 +128,14 @@ gltf_json primitiveOf(const export_mesh& mesh, gltf_buffer& buffer)
         attributes["TANGENT"] = buffer.addFloats(narrowed(mesh.tangents), 4, gltf_target::vertices, false);
     attributes["TEXCOORD_0"] = buffer.addFloats(uvs, 2, gltf_target::vertices, false);
     if (!mesh.clusters.empty())
-        addSkinAttributes(mesh, attributes, buffer);
+        addSkinAttributes(mesh, scene.skeletons[skeletonOf(scene, mesh)], attributes, buffer);
     const std::vector<std::uint32_t> indices(mesh.triangles.begin(), mesh.triangles.end());
     return {{"attributes", std::move(attributes)}, {"indices", buffer.addIndices(indices, points.size() / 3)}};
 }
 
 } // namespace
 
-gltf_json nodes(const export_scene& scene, const std::vector<int>& mesh_numbers)
+gltf_json nodes(const export_scene& scene, const mesh_numbers& numbers)
 {
     gltf_json all = gltf_json::array();
     const std::size_t bone_count = scene.bones.size();
@@ -155,10 +161,10 @@ gltf_json nodes(const export_scene& scene, const std::vector<int>& mesh_numbers)
         gltf_json node{{"name", mesh.name}};
         if (mesh.bone >= 0)
             place(node, mesh.translation, mesh.euler_degrees);
-        if (mesh_numbers[i] >= 0)
-            node["mesh"] = mesh_numbers[i];
-        if (mesh_numbers[i] >= 0 && !mesh.clusters.empty())
-            node["skin"] = 0;
+        if (numbers.meshes[i] >= 0)
+            node["mesh"] = numbers.meshes[i];
+        if (numbers.skins[i] >= 0)
+            node["skin"] = numbers.skins[i];
         all.push_back(std::move(node));
     }
     return all;
@@ -176,11 +182,16 @@ std::vector<std::size_t> rootNodes(const export_scene& scene)
     return roots;
 }
 
-gltf_json skin(const export_scene& scene, gltf_buffer& buffer)
+namespace
 {
+
+// Of a skeleton's bones, and of the mounts behind them.
+gltf_json skinOf(const export_scene& scene, std::size_t skeleton, gltf_buffer& buffer)
+{
+    const std::size_t end = skeleton + 1 < scene.skeletons.size() ? scene.skeletons[skeleton + 1] : scene.bones.size();
     std::vector<float> inverse_binds;
     std::vector<std::size_t> joints;
-    for (std::size_t i = 0; i < scene.bones.size(); ++i)
+    for (std::size_t i = scene.skeletons[skeleton]; i < end; ++i)
     {
         joints.push_back(i);
         const glm::dmat4 inverse = glm::inverse(scene.bones[i].global);
@@ -197,16 +208,38 @@ gltf_json skin(const export_scene& scene, gltf_buffer& buffer)
             {"joints", std::move(joints)}};
 }
 
+} // namespace
+
+gltf_json skins(const export_scene& scene, gltf_buffer& buffer, mesh_numbers& numbers)
+{
+    gltf_json all = gltf_json::array();
+    std::vector<int> of_skeletons(scene.skeletons.size(), -1);
+    for (const export_mesh& mesh : scene.meshes)
+    {
+        numbers.skins.push_back(-1);
+        if (mesh.clusters.empty() || mesh.triangles.empty())
+            continue;
+        int& number = of_skeletons[skeletonOf(scene, mesh)];
+        if (number < 0)
+        {
+            number = static_cast<int>(all.size());
+            all.push_back(skinOf(scene, skeletonOf(scene, mesh), buffer));
+        }
+        numbers.skins.back() = number;
+    }
+    return all;
+}
+
 gltf_json meshes(const export_scene& scene, const std::vector<std::size_t>& materials, bool with_materials,
-                 gltf_buffer& buffer, std::vector<int>& numbers)
+                 gltf_buffer& buffer, mesh_numbers& numbers)
 {
     gltf_json all = gltf_json::array();
     for (const export_mesh& mesh : scene.meshes)
     {
-        numbers.push_back(mesh.triangles.empty() ? -1 : static_cast<int>(all.size()));
+        numbers.meshes.push_back(mesh.triangles.empty() ? -1 : static_cast<int>(all.size()));
         if (mesh.triangles.empty()) // the format knows no empty ones
             continue;
-        gltf_json primitive = primitiveOf(mesh, buffer);
+        gltf_json primitive = primitiveOf(scene, mesh, buffer);
         if (with_materials)
             primitive["material"] = materials[mesh.material];
         all.push_back({{"name", mesh.name + "_mesh"}, {"primitives", gltf_json::array({std::move(primitive)})}});

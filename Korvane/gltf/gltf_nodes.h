@@ -10,14 +10,20 @@ namespace korvane::gltf_nodes
 
 // Bones are the nodes of the same numbers; behind them comes, when there are any, the node of which all are
 // descendants, and then one for each mesh.
-[[nodiscard]] gltf_json nodes(const export_scene& scene, const std::vector<int>& mesh_numbers);
+// A skin for each skeleton that has a mesh; none for another one. Skins of several skeletons would list bones of the
+// same name, which readers refuse.
+struct mesh_numbers
+{
+    std::vector<int> meshes; // of each of the scene's: its number in the file; below zero: it has none
+    std::vector<int> skins;  // the same
+};
+[[nodiscard]] gltf_json nodes(const export_scene& scene, const mesh_numbers& numbers);
 // Of the nodes, those that stand in the scene itself.
 [[nodiscard]] std::vector<std::size_t> rootNodes(const export_scene& scene);
-// Of all bones, for all meshes: readers make one skeleton of it.
-[[nodiscard]] gltf_json skin(const export_scene& scene, gltf_buffer& buffer);
-// The meshes with triangles; numbers says which one each of the scene's is, below zero: none.
+[[nodiscard]] gltf_json skins(const export_scene& scene, gltf_buffer& buffer, mesh_numbers& numbers);
+// The meshes with triangles.
 [[nodiscard]] gltf_json meshes(const export_scene& scene, const std::vector<std::size_t>& materials,
-                               bool with_materials, gltf_buffer& buffer, std::vector<int>& numbers);
+                               bool with_materials, gltf_buffer& buffer, mesh_numbers& numbers);
 // Equal ones are one; numbers says which one each of the scene's is.
 [[nodiscard]] gltf_json materials(const export_scene& scene, const gltf_pictures& pictures,
                                   std::vector<std::size_t>& numbers);

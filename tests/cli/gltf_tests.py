@@ -79,6 +79,9 @@ class figures(gltf_case):
     def test_a_rider_and_his_horse_move_each_by_its_own_animation(self):
         path, report = self.figure("rider", "rider.glb", *GALLOPS)
         self.assertEqual(report["files"][0]["animations"], list(GALLOPS))
+        if shutil.which("assimp"):  # refuses skins with two bones of one name
+            self.assertEqual(len(export_tests.read_scene(path, self.path("scene.json")).animations), 2)
+            subprocess.run(["assimp", "info", path], stdin=subprocess.DEVNULL, capture_output=True, check=True)
         gltf = document(path)
         self.assertEqual([a["name"] for a in gltf["animations"]], ["hu1_ride_gallop", "be1_gallop"])
         rider, horse = [{c["target"]["node"] for c in a["channels"]} for a in gltf["animations"]]

@@ -27,6 +27,7 @@ export_scene smallScene()
     bone.translation = {0, inch, 0};
     bone.global[3] = {0, inch, 0, 1};
     scene.bones = {bone};
+    scene.skeletons = {0};
     export_mesh mesh;
     mesh.name = "m";
     mesh.points = {0, 0, 0, inch, 0, 0, 0, 2 * inch, 0};

@@ -89,6 +89,7 @@ bool addBones(const anim_data& skeleton, export_scene& scene, failure& why, std:
         bone.global = (bone.parent < 0 ? ground : bones[static_cast<std::size_t>(bone.parent)].global) * local;
     }
     const auto first = static_cast<std::int32_t>(scene.bones.size());
+    scene.skeletons.push_back(scene.bones.size());
     for (export_bone& bone : bones)
     {
         bone.parent = bone.parent < 0 ? mount : bone.parent + first;

@@ -95,6 +95,7 @@ struct export_take
 struct export_scene
 {
     std::vector<export_bone> bones;
+    std::vector<std::size_t> skeletons; // the first bone of each; a mount comes before the skeleton that hangs on it
     std::vector<export_mesh> meshes;
     std::vector<export_material> materials; // one for each mesh
     std::vector<std::string> warnings;      // what was left out or put right, UTF-8
