@@ -33,6 +33,9 @@ enum control_id : int
     control_problem_list,
     control_problem_go,
     control_problem_check,
+    control_fbx_summary,
+    control_fbx_tree,
+    control_fbx_convert,
 
     control_dialog_text = 1040, // of the dialogs
     control_dialog_copy,

@@ -12,7 +12,8 @@ namespace korvane
 
 void file_opening::chooseFile()
 {
-    openChosen({{"RMV2+VMD Files (*.rigid_model_v2)", "*.rigid_model_v2;*.variantmeshdefinition"}});
+    openChosen({{"RMV2+VMD Files (*.rigid_model_v2)", "*.rigid_model_v2;*.variantmeshdefinition"},
+                {"FBX Files (*.fbx)", "*.fbx"}});
 }
 
 void file_opening::chooseDefinition()
@@ -62,16 +63,16 @@ void file_opening::openAll(const std::vector<std::string>& paths)
         m_host.prompt().show("Open", choice.describeLeftOut(), prompt_icon::information);
 }
 
-// Nothing is made of it yet: what was read is said, and the view stays.
+// Nothing is made of it yet: what was read is shown on a page of its own, and the view stays.
 bool file_opening::importFbx(const std::string& path)
 {
-    fbx_model model;
+    fbx_report report;
     failure why;
     bool is_read = false;
     const bool went_on = m_host.work("Opening " + std::string(fileName(path)), [&](const work_port&) {
         memory_file bytes;
-        is_read =
-            m_host.document().game()->read(game_path(path), bytes, why) && importFbxModel(bytes.bytes(), model, why);
+        is_read = m_host.document().game()->read(game_path(path), bytes, why) &&
+                  readFbxReport(path, bytes.bytes(), report, why);
     });
     if (!went_on)
         return false;
@@ -84,9 +85,8 @@ bool file_opening::importFbx(const std::string& path)
         return false;
     }
     addRecentFile(path);
-    m_host.setStatus(std::string(fileName(path)) + ": " + counted(model.meshes.size(), "mesh", "meshes") + ", " +
-                     counted(model.skeletons.size(), "skeleton") +
-                     " at the top of the scene. No model was made of it.");
+    m_host.setStatus(report.status());
+    m_imported(std::move(report));
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include "EASY_GUI/services/user_prompt.h"
 #include "Korvane/app/main_menu.h"
 #include "Korvane/app/page.h"
+#include "Korvane/presenters/fbx_report.h"
 
 #include <cstddef>
 #include <functional>
@@ -18,11 +19,14 @@ namespace korvane
 class file_opening
 {
 public:
-    // Both outlive this. opened is called when the document holds a file that was opened.
-    file_opening(page_host& host, main_menu& menu, std::function<void(const std::string& path)> opened)
+    // Both outlive this. opened is called when the document holds a file that was opened, imported when an FBX file,
+    // of which nothing is made, was read.
+    file_opening(page_host& host, main_menu& menu, std::function<void(const std::string& path)> opened,
+                 std::function<void(fbx_report report)> imported)
         : m_host(host)
         , m_menu(menu)
         , m_opened(std::move(opened))
+        , m_imported(std::move(imported))
     {
     }
 
@@ -42,6 +46,7 @@ private:
     page_host& m_host;
     main_menu& m_menu;
     std::function<void(const std::string& path)> m_opened;
+    std::function<void(fbx_report report)> m_imported;
 };
 
 } // namespace korvane

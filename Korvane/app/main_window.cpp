@@ -6,11 +6,9 @@
 #include "EASY_GUI/win32/modal_work.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/game_folders_dialog.h"
-#include "Korvane/app/picture_dialog.h"
 #include "Korvane/app/resources.h"
 #include "Korvane/app/window_places.h"
 #include "Korvane/document/kept_edits.h"
-#include "Korvane/presenters/help_texts.h"
 
 #include <algorithm>
 #include <array>
@@ -31,9 +29,11 @@ enum page_tab : std::size_t
 {
     model_tab,
     definition_tab,
-    problems_tab
+    problems_tab,
+    fbx_tab // there from the first FBX file on
 };
-constexpr std::array<std::string_view, 3> page_names = {"model", "definition", "problems"}; // in the configuration
+// In the configuration. The last page is not there at the next start.
+constexpr std::array<std::string_view, 4> page_names = {"model", "definition", "problems", "model"};
 
 // Where nothing, or nonsense, is kept the model's.
 std::size_t keptTab(const config_file& config)
@@ -66,12 +66,15 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
                  [this](HWND view) { return restoreView(view); }, viewEvents()})
     , m_playback_box(*this, m_display)
     , m_archives(*this)
-    , m_opening(*this, m_menu, [this](const std::string& path) { opened(path); })
+    , m_opening(
+          *this, m_menu, [this](const std::string& path) { opened(path); },
+          [this](fbx_report report) { showFbx(std::move(report)); })
     , m_model_page(*this, {m_ports.open_folder, m_ports.open_editor})
     , m_definition_page(*this)
     , m_problems_page(
           *this, [this](const std::string& caption) { m_tabs.setCaption(static_cast<int>(problems_tab), caption); })
-    , m_pages{&m_model_page, &m_definition_page, &m_problems_page}
+    , m_fbx_page(*this)
+    , m_pages{&m_model_page, &m_definition_page, &m_problems_page, &m_fbx_page}
 {
     m_document.model().setKeeper(m_ports.keeper);
     nameActions();
@@ -458,6 +461,17 @@ void main_window::showDefinitionPage()
     showPage(definition_tab);
 }
 
+void main_window::showFbx(fbx_report report)
+{
+    m_fbx_page.show(std::move(report));
+    if (m_tabs.count() == static_cast<int>(fbx_tab))
+    {
+        m_tabs.add("FBX");
+        layOut();
+    }
+    showPage(fbx_tab);
+}
+
 void main_window::showModelPage(int texture_row)
 {
     showPage(model_tab);
@@ -538,14 +552,6 @@ void main_window::showView(scene_display::focus wanted)
     showCounts();
 }
 
-void main_window::savePicture()
-{
-    const picture_maker maker = view()->pictureMaker();
-    if (!maker)
-        return setStatus("There is nothing to be seen in the 3D view yet.");
-    korvane::savePicture(*this, maker, m_document.shownName() + ".png");
-}
-
 void main_window::followFiles()
 {
     if (isBusy())
@@ -577,11 +583,6 @@ void main_window::takeUpConfig()
     m_opening.fillRecentFiles();
     if (folders() != former)
         setStatus("The data folders were changed: File, Re-read .pack files... takes them up.");
-}
-
-void main_window::showAbout()
-{
-    m_ports.prompt.show("Info And Credits", aboutText(), prompt_icon::information);
 }
 
 void main_window::logLine(const std::string& line)

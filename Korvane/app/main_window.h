@@ -11,6 +11,7 @@
 #include "EASY_GUI/win32/status_bar.h"
 #include "EASY_GUI/win32/tab_view.h"
 #include "Korvane/app/definition_page.h"
+#include "Korvane/app/fbx_page.h"
 #include "Korvane/app/file_opening.h"
 #include "Korvane/app/game_archives.h"
 #include "Korvane/app/main_menu.h"
@@ -118,6 +119,7 @@ private:
     // Files and archives
     bool isBusy() const { return m_works > 0; }
     void opened(const std::string& path);
+    void showFbx(fbx_report report);
     void setUpFolders();
     void logProblems();
     void followFiles();
@@ -156,6 +158,7 @@ private:
     model_page m_model_page;
     definition_page m_definition_page;
     problems_page m_problems_page;
+    fbx_page m_fbx_page;
     std::vector<page*> m_pages; // in the order of the tabs
     std::size_t m_shown_page = 0;
     std::unique_ptr<font> m_po_font;

@@ -3,8 +3,10 @@
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/copy_paste.h"
 #include "Korvane/app/main_window.h"
+#include "Korvane/app/picture_dialog.h"
 #include "Korvane/app/tool_commands.h"
 #include "Korvane/document/recent_files.h"
+#include "Korvane/presenters/help_texts.h"
 
 namespace korvane
 {
@@ -108,6 +110,19 @@ void main_window::took(command_outcome outcome)
         showEdited();
     else if (outcome == command_outcome::done || outcome == command_outcome::opened_other)
         showDocument();
+}
+
+void main_window::savePicture()
+{
+    const picture_maker maker = view()->pictureMaker();
+    if (!maker)
+        return setStatus("There is nothing to be seen in the 3D view yet.");
+    korvane::savePicture(*this, maker, m_document.shownName() + ".png");
+}
+
+void main_window::showAbout()
+{
+    m_ports.prompt.show("Info And Credits", aboutText(), prompt_icon::information);
 }
 
 } // namespace korvane

@@ -40,7 +40,7 @@ bool isFbxPath(const std::string& path)
 
 std::string file_choice::describeLeftOut() const
 {
-    std::string text = "One model and one definition can be open at a time. Not opened:";
+    std::string text = "One model, one definition and one FBX file can be open at a time. Not opened:";
     constexpr std::size_t most_named = 5;
     for (std::size_t i = 0; i < std::min(left_out.size(), most_named); ++i)
         text += "\r\n" + left_out[i];
@@ -52,9 +52,14 @@ std::string file_choice::describeLeftOut() const
 file_choice chooseFiles(const std::vector<std::string>& paths)
 {
     file_choice choice;
-    bool has_one[2] = {}; // a model, a definition
+    bool has_one[3] = {}; // a model, a definition, an FBX file
     for (const std::string& path : paths)
-        (std::exchange(has_one[isDefinitionPath(path) ? 1 : 0], true) ? choice.left_out : choice.opened)
+        (std::exchange(has_one[isDefinitionPath(path) ? 1
+                               : isFbxPath(path)      ? 2
+                                                      : 0],
+                       true)
+             ? choice.left_out
+             : choice.opened)
             .push_back(path);
     return choice;
 }

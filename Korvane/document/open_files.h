@@ -25,8 +25,8 @@ struct open_error
 };
 [[nodiscard]] open_error describeOpenFailure(const std::string& path, const failure& why, const game_data& game);
 
-// Of several files that are given at once, those that can be open at the same time: the first model and the first
-// definition, in the order in which they were given.
+// Of several files that are given at once, those that can be open at the same time: the first model, the first
+// definition and the first FBX file, in the order in which they were given.
 struct file_choice
 {
     std::vector<std::string> opened;

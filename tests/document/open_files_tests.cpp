@@ -257,11 +257,11 @@ TEST_F(open_files_test, aReReadThatFailsLeavesTheArchivesThatWorked)
     EXPECT_EQ(lodEntries(*m_files.model().data()).size(), 2u);
 }
 
-TEST(file_choice, theFirstModelAndTheFirstDefinitionAreOpened)
+TEST(file_choice, theFirstOfEachKindIsOpened)
 {
-    const file_choice choice =
-        chooseFiles({"b.VariantMeshDefinition", "1.rigid_model_v2", "2.rigid_model_v2", "c.variantmeshdefinition"});
-    EXPECT_EQ(choice.opened, (std::vector<std::string>{"b.VariantMeshDefinition", "1.rigid_model_v2"}));
+    const file_choice choice = chooseFiles(
+        {"b.VariantMeshDefinition", "a.FBX", "1.rigid_model_v2", "2.rigid_model_v2", "c.variantmeshdefinition"});
+    EXPECT_EQ(choice.opened, (std::vector<std::string>{"b.VariantMeshDefinition", "a.FBX", "1.rigid_model_v2"}));
     EXPECT_EQ(choice.left_out, (std::vector<std::string>{"2.rigid_model_v2", "c.variantmeshdefinition"}));
 }
 

@@ -55,6 +55,27 @@ TEST_F(pages_test, aDefinitionIsShownAtOnceAndOpensItsModels)
     EXPECT_EQ(m_config.get("page"), std::vector<std::string>{"problems"});
 }
 
+TEST_F(pages_test, anFbxFileIsReportedOnAPageOfItsOwn)
+{
+    const std::string scene = "; FBX 7.4.0 project file\nObjects: { Model: 1, \"Model::root\", \"LimbNode\" { } }\n"
+                              "Connections: { C: \"OO\",1,0\n}\n";
+    openWindow();
+    ASSERT_FALSE(openFile(write("broken.fbx", scene.substr(0, 60))));
+    ASSERT_FALSE(m_prompt.shown.empty());
+    EXPECT_EQ(m_prompt.shown.back().first, "Error!");
+    EXPECT_TRUE(m_prompt.shown.back().second.starts_with("Error loading FBX fil file: "));
+    EXPECT_EQ(shownTab(), 0);
+    ASSERT_TRUE(openFile(write("WALK.FBX", scene)));
+    EXPECT_EQ(shownTab(), 3);
+    EXPECT_EQ(caption(3), "FBX");
+    EXPECT_EQ(text(control_fbx_summary), "WALK.FBX: 0 meshes, 1 skeleton node, 0 takes. One unit is 1 cm, up is +Y.");
+    EXPECT_FALSE(m_window->document().model().hasModel());
+    ASSERT_TRUE(openFile(write("soldier.rigid_model_v2", soldier())));
+    EXPECT_EQ(shownTab(), 0);
+    SendMessageW(m_window->handle(), WM_CLOSE, 0, 0);
+    EXPECT_EQ(m_config.get("page"), std::vector<std::string>{"model"});
+}
+
 TEST_F(pages_test, aFindingLeadsToItsGroupAndEditsAreCheckedAgain)
 {
     test_model model = soldier();

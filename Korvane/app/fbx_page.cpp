@@ -1,0 +1,98 @@
+#include "Korvane/app/fbx_page.h"
+
+#include "EASY_GUI/win32/menu.h"
+#include "Korvane/app/command_ids.h"
+#include "Korvane/app/copy_paste.h"
+
+#include <utility>
+
+namespace korvane
+{
+
+namespace
+{
+
+enum fbx_row_command : int
+{
+    copy_fbx_row = 1,
+    copy_fbx_report
+};
+
+} // namespace
+
+fbx_page::fbx_page(page_host& host) : page(host)
+{
+    m_layout.setMargins(8, 2, 8, 8);
+    m_layout.add(m_summary);
+    m_layout.add(m_tree, share(1, 80));
+    m_layout.add(layout(layout::direction::across).add(share()).add(m_convert));
+}
+
+bool fbx_page::onCreated()
+{
+    if (!m_summary.create(handle(), control_fbx_summary) || !m_tree.create(handle(), control_fbx_tree, m_report) ||
+        !m_convert.create(handle(), control_fbx_convert, "&Convert to .ANIM..."))
+        return false;
+    m_tree.onContextMenu = [this](tree_model::node, POINT on_screen) { showMenu(on_screen); };
+    m_convert.onClick = [this] { host().runCommand(document_command::convert_animation); };
+    return true;
+}
+
+void fbx_page::show(fbx_report report)
+{
+    m_report = std::move(report);
+    m_summary.setText(m_report.summary());
+    m_tree.restart();
+    if (m_report.childCount(tree_model::root) > 0)
+        m_tree.select(m_report.child(tree_model::root, 0));
+    showDocument();
+    layOut();
+}
+
+void fbx_page::showDocument()
+{
+    m_convert.setEnabled(host().isEnabled(document_command::convert_animation));
+}
+
+void fbx_page::setFont(const font& used)
+{
+    for (control* const each :
+         {static_cast<control*>(&m_summary), static_cast<control*>(&m_tree), static_cast<control*>(&m_convert)})
+        each->setFont(used);
+    m_po_font = &used;
+    layOut();
+}
+
+void fbx_page::onSize(int, int, size_change change)
+{
+    if (change != size_change::minimised)
+        layOut();
+}
+
+void fbx_page::layOut()
+{
+    if (m_po_font != nullptr)
+        m_layout.place(clientRectangle(), *m_po_font, dpi());
+}
+
+std::string fbx_page::copiedText() const
+{
+    return m_report.text(m_tree.selected().value_or(tree_model::root));
+}
+
+void fbx_page::showMenu(POINT on_screen)
+{
+    const std::vector<menu_row> rows = {{copy_fbx_row, "&Copy\tCtrl+C", !copiedText().empty()},
+                                        {copy_fbx_report, "Copy &All", m_report.hasFile()}};
+    switch (chooseFromMenu(handle(), on_screen, rows))
+    {
+    case copy_fbx_row:
+        return copyText(host(), copiedText());
+    case copy_fbx_report:
+        return copyText(host(), m_report.copyText());
+    default:
+        return;
+    }
+}
+
+} // namespace korvane
