@@ -4,7 +4,10 @@
 #include <glm/geometric.hpp>
 #include <glm/gtc/packing.hpp>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <iterator>
 
 namespace korvane
 {
@@ -44,14 +47,14 @@ glm::vec3 blurred(const lobe& light, const glm::vec3& direction, float blur)
     return light.amplitude * (sharpness / light.sharpness * std::exp(sharpness * (cosine - 1.0f)));
 }
 
+constexpr glm::vec3 room_below(0.13f, 0.12f, 0.11f), room_middle(0.30f, 0.31f, 0.33f), room_above(0.60f, 0.63f, 0.68f);
+
 // Walls and floor: dark below, light above, flatter the wider the average.
 glm::vec3 room(const glm::vec3& direction, float blur)
 {
     const float contrast = blur / (blur + 1.5f);
     const float height = direction.y * contrast;
-    const glm::vec3 middle(0.30f, 0.31f, 0.33f);
-    return height > 0 ? glm::mix(middle, glm::vec3(0.60f, 0.63f, 0.68f), height)
-                      : glm::mix(middle, glm::vec3(0.13f, 0.12f, 0.11f), -height);
+    return height > 0 ? glm::mix(room_middle, room_above, height) : glm::mix(room_middle, room_below, -height);
 }
 
 glm::vec3 radiance(const glm::vec3& direction, float blur)
@@ -104,6 +107,49 @@ std::vector<cube_level> specularEnvironment()
 cube_level diffuseEnvironment()
 {
     return cubeLevel(diffuse_cube_size, cosine_sharpness);
+}
+
+// The irradiance is smooth enough for nine numbers a colour: it is projected on their functions, sum by sum over a
+// cube.
+void fillEnvironment(shading_buffer& buffer)
+{
+    constexpr std::uint32_t size = 32;
+    std::array<glm::vec3, 9> sums{};
+    std::array<float, 9> squares{};
+    for (std::uint32_t face = 0; face < 6; ++face)
+        for (std::uint32_t y = 0; y < size; ++y)
+            for (std::uint32_t x = 0; x < size; ++x)
+            {
+                const glm::vec3 d = cubeDirection(face, x, y, size);
+                const float nearest = std::max({std::abs(d.x), std::abs(d.y), std::abs(d.z)});
+                const float angle = nearest * nearest * nearest; // the solid angle of a texel, up to a factor
+                const glm::vec3 seen = radiance(d, cosine_sharpness);
+                // Orthogonal over the sphere, so that each is found alone.
+                const std::array<float, 9> functions = {
+                    1, d.x, d.y, d.z, d.x * d.y, d.y * d.z, d.z * d.x, d.x * d.x - d.y * d.y, 3 * d.z * d.z - 1};
+                for (std::size_t i = 0; i < functions.size(); ++i)
+                {
+                    sums[i] += seen * (functions[i] * angle);
+                    squares[i] += functions[i] * functions[i] * angle;
+                }
+            }
+    const auto padded = [](const glm::vec3& value) { return gpu_float4{value.x, value.y, value.z, 0}; };
+    for (std::size_t i = 0; i < sums.size(); ++i)
+        buffer.irradiance[i] = padded(sums[i] / squares[i]);
+    static_assert(std::size(soft_boxes) == 4);
+    for (int lobe_number = 0; lobe_number < 4; ++lobe_number)
+    {
+        const lobe& one = soft_boxes[lobe_number];
+        const auto place = static_cast<std::size_t>(lobe_number);
+        const glm::vec3 direction = glm::normalize(one.direction);
+        buffer.lobe_sharpness[place] = one.sharpness;
+        for (int i = 0; i < 3; ++i)
+        {
+            buffer.lobe_direction[static_cast<std::size_t>(i)][place] = direction[i];
+            buffer.lobe_amplitude[static_cast<std::size_t>(i)][place] = one.amplitude[i];
+        }
+    }
+    buffer.room = {padded(room_below - room_middle), padded(room_middle), padded(room_above - room_middle)};
 }
 
 } // namespace korvane

@@ -5,6 +5,8 @@
 // filter pictures: the maps are made at start-up in a few milliseconds and nothing is stored. Uncompressed and small on
 // purpose: software adapters decode compressed cubes per sample, which costs more than everything else in a frame.
 
+#include "D3D11_RENDER_LIB/gpu_layouts.h"
+
 #include <glm/vec3.hpp>
 
 #include <cstdint>
@@ -24,6 +26,9 @@ inline constexpr std::uint32_t diffuse_cube_size = 16;  // 1 level: irradiance /
 
 [[nodiscard]] std::vector<cube_level> specularEnvironment();
 [[nodiscard]] cube_level diffuseEnvironment();
+
+// The environment as a formula: all of the buffer that belongs to it.
+void fillEnvironment(shading_buffer& buffer);
 
 // Radiance from a direction (unit length), seen by a surface of that roughness (0..1); linear.
 [[nodiscard]] glm::vec3 environmentRadiance(const glm::vec3& direction, float roughness);

@@ -201,11 +201,19 @@ static_assert(sizeof(shadow_buffer) == 80);
 // ShadingBuffer in shaders/shading_ps.hlsl
 struct shading_buffer
 {
-    gpu_float4 ray{}; // from the eye through the upper left corner of the picture, world space
+    gpu_float4 ray{}; // from the eye through the upper left corner of the picture, world space, one unit of depth
     gpu_float4 ray_x{};
     gpu_float4 ray_y{};
+    std::array<gpu_float4, 9> irradiance{};
+    gpu_float4 lobe_sharpness{};
+    std::array<gpu_float4, 3> lobe_direction{}; // x of all four, y, z
+    std::array<gpu_float4, 3> lobe_amplitude{}; // red, green, blue
+    std::array<gpu_float4, 3> room{};           // what is added below, the middle, what is added above
+    std::array<float, 8> levels{};              // diffuse, normal, specular, mask, gloss
 };
-static_assert(sizeof(shading_buffer) == 48);
+static_assert(sizeof(shading_buffer) == 384);
+static_assert(offsetof(shading_buffer, lobe_sharpness) == 192);
+static_assert(offsetof(shading_buffer, levels) == 352);
 
 // overlay_vertex in shaders/overlay_vs.hlsl
 struct gpu_overlay_vertex

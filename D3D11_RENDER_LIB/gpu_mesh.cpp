@@ -57,6 +57,14 @@ void convert(const vertex_record& record, gpu_vertex& vertex)
     vertex.weights = record.weights;
 }
 
+// All three are about as long as they should be and stand across each other.
+bool hasFrame(const vertex_record& record)
+{
+    const glm::vec3 across = glm::cross(record.normal, record.tangent);
+    const float side = glm::dot(across, record.bitangent);
+    return glm::dot(record.normal, record.normal) > 0.25f && glm::dot(across, across) > 0.1f && side * side > 0.25f;
+}
+
 // In the left-handed space a triangle that is clockwise for its viewer has its cross product towards the viewer. The
 // larger part of the area decides, so that a few mirrored triangles change nothing.
 bool isWoundBackwards(std::span<const vertex_record> vertices, std::span<const std::uint16_t> indices)
@@ -103,6 +111,7 @@ mesh_summary buildGpuVertices(const vertex_store& store, int bone, const vertex_
         {
             const vertex_record& record = records[first + i];
             convert(isUsableAsItIs(record) ? record : usable(record), vertices[i]);
+            mesh.has_frames = mesh.has_frames && hasFrame(record);
             if (bone >= 0)
             {
                 vertices[i].bones.fill(static_cast<std::uint32_t>(bone));

@@ -22,6 +22,7 @@ using vertex_port = std::function<void(std::size_t first, std::span<const gpu_ve
 struct mesh_summary
 {
     mesh_reach reach;
+    bool has_frames = true;          // every vertex has a normal, a tangent and a binormal
     bool is_wound_backwards = false; // most triangles turn away from their normals (as format 5 is stored)
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace korvane
 {
@@ -172,6 +173,8 @@ void gpu_textures::end(const texture_view& view)
     if (view)
         view->GetDesc(&description);
     known.shown->view = view;
+    const auto side = static_cast<float>(std::max(m_po_current->image.width, m_po_current->image.height));
+    known.shown->levels = std::log2(std::max(side, 1.0f));
     known.shown->is_srgb = isSrgb(static_cast<dds_format>(description.Format));
     known.is_there = true;
     m_po_current->texture->letGo();

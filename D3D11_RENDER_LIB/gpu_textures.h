@@ -26,6 +26,7 @@ struct gpu_texture
 {
     texture_view view;    // empty: it is not there yet
     bool is_srgb = false; // the view decodes
+    float levels = 0;     // log2 of the larger side
     texture_view pending; // bound instead, and not looked at: software devices compile shaders anew for an empty place
 };
 

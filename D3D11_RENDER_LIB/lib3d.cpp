@@ -43,6 +43,22 @@ std::span<const std::byte> resourceBytes(int number)
     return {static_cast<const std::byte*>(bytes), SizeofResource(nullptr, found)};
 }
 
+// What shading_usual_ps is made for.
+bool hasUsualLights(const light_buffer& constants)
+{
+    const auto isDirectional = [](const gpu_light& light) { return light.lightDirection != gpu_float3{}; };
+    return isDirectional(constants.light[0]) && constants.light[0].point_range <= 0 &&
+           !isDirectional(constants.light[1]);
+}
+
+// What shading_decoded_ps is made for; a map that is not bound is not looked at.
+bool hasDecodedMaps(const light_buffer& constants)
+{
+    const int bound = constants.debug_flags[2];
+    return (constants.is_diffuse_linear == 0 || (bound & 1) == 0) &&
+           (constants.is_specular_linear == 0 || (bound & 4) == 0);
+}
+
 bool createCube(lib3d& library, const std::vector<cube_level>& levels, const char* name,
                 com_ptr<ID3D11ShaderResourceView>& view)
 {
@@ -199,6 +215,7 @@ bool lib3d::createPixelShader(int resource, const char* name, com_ptr<ID3D11Pixe
 bool lib3d::createShaders()
 {
     return createVertexShader(KORVANE_MODEL_VS, model_elements, "model_vs", m_model_vs, &m_model_layout) &&
+           createVertexShader(KORVANE_FRAME_VS, {}, "frame_vs", m_frame_vs, nullptr) &&
            createVertexShader(KORVANE_LINE_VS, line_elements, "line_vs", m_line_vs, &m_line_layout) &&
            createVertexShader(KORVANE_FINAL_VS, {}, "final_vs", m_final_vs, nullptr) &&
            createPixelShader(KORVANE_MODEL_PS, "model_ps", m_model_ps) &&
@@ -212,17 +229,20 @@ bool lib3d::createShaders()
            createPixelShader(KORVANE_FINAL_OUTLINE_PS, "final_outline_ps", m_final_outline_ps) &&
            createPixelShader(KORVANE_SURFACE_PS, "surface_ps", m_surface_ps) &&
            createPixelShader(KORVANE_SURFACE_ALPHA_PS, "surface_alpha_ps", m_surface_alpha_ps) &&
-           createPixelShader(KORVANE_SHADING_PS, "shading_ps", m_shading_ps);
+           createPixelShader(KORVANE_FRAME_PS, "frame_ps", m_frame_ps) &&
+           createPixelShader(KORVANE_SHADING_PS, "shading_ps", m_shading_ps) &&
+           createPixelShader(KORVANE_SHADING_USUAL_PS, "shading_usual_ps", m_shading_usual_ps) &&
+           createPixelShader(KORVANE_SHADING_DECODED_PS, "shading_decoded_ps", m_shading_decoded_ps);
 }
 
 bool lib3d::createConstantBuffers(const mvp_buffer& vs, const light_buffer& ps)
 {
     const final_pass_buffer final_settings;
-    const shading_buffer shading;
+    fillEnvironment(m_shading);
     return createConstantBuffer(sizeof vs, &vs, "ModelViewProjectionConstantBuffer", m_vs_buffer) &&
            createConstantBuffer(sizeof ps, &ps, "LightBuffer", m_ps_buffer) &&
            createConstantBuffer(sizeof final_settings, &final_settings, "FinalPassBuffer", m_final_buffer) &&
-           createConstantBuffer(sizeof shading, &shading, "ShadingBuffer", m_shading_buffer);
+           createConstantBuffer(sizeof m_shading, &m_shading, "ShadingBuffer", m_shading_buffer);
 }
 
 bool lib3d::createSamplers()
@@ -245,6 +265,9 @@ bool lib3d::createSamplers()
     {
         D3D11_SAMPLER_DESC description{};
         description.Filter = kinds[i].filter;
+        // Half the texels, and what a processor fetches costs more than a step between two levels shows.
+        if (m_is_software && kinds[i].filter == D3D11_FILTER_MIN_MAG_MIP_LINEAR)
+            description.Filter = D3D11_FILTER_MIN_MAG_LINEAR_MIP_POINT;
         description.AddressU = description.AddressV = description.AddressW = kinds[i].address;
         description.MaxAnisotropy = 1;
         description.MipLODBias = (i == 0 ? -0.5f : 0.0f) + m_texture_bias;
@@ -407,25 +430,29 @@ void lib3d::useModelShaders(model_pass pass, raster_mode faces)
     m_context->OMSetDepthStencilState((is_over ? m_depth_read : m_depth).get(), 0);
 }
 
-void lib3d::useSurfaceShader(bool has_alpha, UINT group)
+void lib3d::useSurfaceShader(surface_kind kind, UINT group)
 {
-    m_context->PSSetShader((has_alpha ? m_surface_alpha_ps : m_surface_ps).get(), nullptr, 0);
+    ID3D11PixelShader* const shaders[] = {m_frame_ps.get(), m_surface_ps.get(), m_surface_alpha_ps.get()};
+    if (kind == surface_kind::framed)
+        m_context->VSSetShader(m_frame_vs.get(), nullptr, 0);
+    m_context->PSSetShader(shaders[static_cast<int>(kind)], nullptr, 0);
     m_context->OMSetDepthStencilState(m_stencil_written.get(), group);
 }
 
-void lib3d::setShading(const shading_buffer& constants)
+void lib3d::drawShading(UINT group, const screen_area& area, const light_buffer& constants,
+                        std::span<const float> levels)
 {
-    m_context->UpdateSubresource(m_shading_buffer.get(), 0, nullptr, &constants, 0, 0);
-}
-
-void lib3d::drawShading(UINT group, const screen_area& area)
-{
+    std::copy(levels.begin(), levels.end(), m_shading.levels.begin());
+    m_context->UpdateSubresource(m_shading_buffer.get(), 0, nullptr, &m_shading, 0, 0);
     ID3D11Buffer* ps_buffers[] = {m_ps_buffer.get(), m_shading_buffer.get()};
     m_context->PSSetConstantBuffers(0, 1, &ps_buffers[0]);
     m_context->PSSetConstantBuffers(3, 1, &ps_buffers[1]);
     m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
     m_context->OMSetDepthStencilState(m_stencil_tested.get(), group);
-    m_context->PSSetShader(m_shading_ps.get(), nullptr, 0);
+    const auto& shader = !hasUsualLights(constants)  ? m_shading_ps
+                         : hasDecodedMaps(constants) ? m_shading_decoded_ps
+                                                     : m_shading_usual_ps;
+    m_context->PSSetShader(shader.get(), nullptr, 0);
     drawArea(area);
 }
 

@@ -46,6 +46,14 @@ enum class model_pass
     shading     // the pixels of one group, as lit
 };
 
+// Of a group, for model_pass::surfaces.
+enum class surface_kind
+{
+    framed, // all vertices have normals, tangents and binormals
+    bare,
+    with_alpha // alpha tested
+};
+
 enum class line_depth
 {
     tested,
@@ -122,10 +130,10 @@ public:
     void useModelShaders(model_pass pass, raster_mode faces);
     // For model_pass::surfaces after that, and the whole draw of model_pass::shading: of a group of that number, 1 to
     // 255, which reaches no further than the area.
-    void useSurfaceShader(bool has_alpha, UINT group);
-    void drawShading(UINT group, const screen_area& area);
-    void setShading(const shading_buffer& constants);
-    void useFloorShaders(); // the shadow on the floor, over what is in the target of light
+    void useSurfaceShader(surface_kind kind, UINT group);
+    void drawShading(UINT group, const screen_area& area, const light_buffer& constants, std::span<const float> levels);
+    shading_buffer& shading() { return m_shading; } // what the next drawShading() knows; the environment is in it
+    void useFloorShaders();                         // the shadow on the floor, over what is in the target of light
     void useLineShaders(line_depth depth);
     void drawLines(ID3D11Buffer& vertices, UINT vertex_count);
     // Out of the bone-line buffer; what is beyond its capacity is left out.
@@ -159,10 +167,12 @@ private:
     bool m_is_tolerant = false;
     float m_texture_bias = 0;
     HRESULT m_loss = S_OK;
+    shading_buffer m_shading;
 
-    com_ptr<ID3D11VertexShader> m_model_vs, m_line_vs, m_final_vs;
+    com_ptr<ID3D11VertexShader> m_model_vs, m_frame_vs, m_line_vs, m_final_vs;
     com_ptr<ID3D11PixelShader> m_model_ps, m_model_shadow_ps, m_channel_ps, m_wireframe_ps, m_shadow_ps, m_floor_ps,
-        m_line_ps, m_final_ps, m_final_outline_ps, m_surface_ps, m_surface_alpha_ps, m_shading_ps;
+        m_line_ps, m_final_ps, m_final_outline_ps, m_surface_ps, m_surface_alpha_ps, m_frame_ps, m_shading_ps,
+        m_shading_usual_ps, m_shading_decoded_ps;
     com_ptr<ID3D11InputLayout> m_model_layout, m_line_layout;
     com_ptr<ID3D11Buffer> m_vs_buffer, m_ps_buffer, m_final_buffer, m_shading_buffer, m_line_buffer;
     com_ptr<ID3D11ShaderResourceView> m_specular_cube, m_diffuse_cube;

@@ -109,39 +109,32 @@ bool scene_targets::create(lib3d& library, UINT width, UINT height, UINT samples
 bool scene_targets::createSurfaces(lib3d& library, UINT width, UINT height)
 {
     ID3D11Device& device = library.device();
-    constexpr DXGI_FORMAT formats[] = {DXGI_FORMAT_R32G32B32A32_FLOAT, DXGI_FORMAT_R16G16B16A16_UNORM};
-    for (std::size_t i = 0; i < m_surfaces.size(); ++i)
-    {
-        com_ptr<ID3D11Texture2D> texture;
-        if (!createTexture(library, width, height, formats[i], D3D11_BIND_RENDER_TARGET | D3D11_BIND_SHADER_RESOURCE,
-                           "surfaces", texture) ||
-            !library.isMade(device.CreateRenderTargetView(texture.get(), nullptr, m_surfaces[i].put()), m_surfaces[i],
-                            "surfaces", source_name) ||
-            !library.isMade(device.CreateShaderResourceView(texture.get(), nullptr, m_surface_views[i].put()),
-                            m_surface_views[i], "surfaces", source_name))
-            return false;
-    }
-    return true;
+    com_ptr<ID3D11Texture2D> texture;
+    return createTexture(library, width, height, DXGI_FORMAT_R32G32B32A32_UINT,
+                         D3D11_BIND_RENDER_TARGET | D3D11_BIND_SHADER_RESOURCE, "surfaces", texture) &&
+           library.isMade(device.CreateRenderTargetView(texture.get(), nullptr, m_surfaces.put()), m_surfaces,
+                          "surfaces", source_name) &&
+           library.isMade(device.CreateShaderResourceView(texture.get(), nullptr, m_surface_view.put()), m_surface_view,
+                          "surfaces", source_name);
 }
 
 void scene_targets::bindSurfaces(lib3d& library) const
 {
-    ID3D11RenderTargetView* const targets[] = {m_surfaces[0].get(), m_surfaces[1].get()};
-    library.context().OMSetRenderTargets(2, targets, m_depth.get());
+    ID3D11RenderTargetView* const target = m_surfaces.get();
+    library.context().OMSetRenderTargets(1, &target, m_depth.get());
 }
 
 void scene_targets::bindShading(lib3d& library) const
 {
     bind(library);
-    ID3D11ShaderResourceView* const views[] = {m_surface_views[0].get(), m_surface_views[1].get()};
-    library.context().PSSetShaderResources(surface_register, 2, views);
+    ID3D11ShaderResourceView* const view = m_surface_view.get();
+    library.context().PSSetShaderResources(surface_register, 1, &view);
 }
 
 void scene_targets::endShading(lib3d& library) const
 {
-    ID3D11ShaderResourceView* const none[2] = {};
-    library.context().PSSetShaderResources(surface_register, 2, none);
-    library.context().ClearDepthStencilView(m_depth.get(), D3D11_CLEAR_STENCIL, 1.0f, 0);
+    ID3D11ShaderResourceView* const none = nullptr;
+    library.context().PSSetShaderResources(surface_register, 1, &none);
 }
 
 void scene_targets::release()

@@ -76,10 +76,10 @@ public:
     // On software devices, with one sample: surfaces are drawn first, as what shading needs to know of each pixel, and
     // are shaded then, each pixel once. In forward drawing most of the time goes into pixels beside small triangles.
     // Not for parts of pictures and several samples: they are drawn forward.
-    bool hasSurfaces() const { return m_surfaces[0] && isWhole(); }
+    bool hasSurfaces() const { return m_surfaces && isWhole(); }
     void bindSurfaces(lib3d& library) const;
     void bindShading(lib3d& library) const; // the targets, and the surfaces to read
-    void endShading(lib3d& library) const;  // the stencil is cleared
+    void endShading(lib3d& library) const;
 
 private:
     [[nodiscard]] bool createSurfaces(lib3d& library, UINT width, UINT height);
@@ -93,8 +93,8 @@ private:
     std::array<com_ptr<ID3D11RenderTargetView>, target_count> m_targets;
     std::array<com_ptr<ID3D11ShaderResourceView>, target_count> m_views;
     com_ptr<ID3D11DepthStencilView> m_depth;
-    std::array<com_ptr<ID3D11RenderTargetView>, 2> m_surfaces; // empty: not on this device
-    std::array<com_ptr<ID3D11ShaderResourceView>, 2> m_surface_views;
+    com_ptr<ID3D11RenderTargetView> m_surfaces; // empty: not on this device
+    com_ptr<ID3D11ShaderResourceView> m_surface_view;
 };
 
 // A picture in memory that can be drawn into and read back.

@@ -54,6 +54,7 @@ bool sub_mesh::createBuffers(lib3d& library, const scene_group& group, int bone)
         library.fill(*m_vertex_buffer.get(), first * sizeof(gpu_vertex), std::as_bytes(vertices));
     });
     m_reach = std::move(mesh.reach);
+    m_surface = m_has_alpha ? surface_kind::with_alpha : mesh.has_frames ? surface_kind::framed : surface_kind::bare;
     m_raster = m_has_alpha               ? raster_mode::both_faces
                : mesh.is_wound_backwards ? raster_mode::front_faces_reversed
                                          : raster_mode::front_faces;
@@ -66,6 +67,14 @@ int sub_mesh::boundSlots() const
     for (std::size_t slot = 0; slot < texture_slot_count; ++slot)
         slots |= viewOf(m_textures[slot]) ? 1 << slot : 0;
     return slots;
+}
+
+std::array<float, texture_slot_count> sub_mesh::mapLevels() const
+{
+    std::array<float, texture_slot_count> levels{};
+    std::transform(m_textures.begin(), m_textures.end(), levels.begin(),
+                   [](const auto& texture) { return texture ? texture->levels : 0.0f; });
+    return levels;
 }
 
 void sub_mesh::draw(lib3d& library, frame_constants& constants) const
@@ -82,10 +91,10 @@ void sub_mesh::draw(lib3d& library, frame_constants& constants) const
     constants.reached.add(reached);
     ++constants.group;
     if (constants.pass == model_pass::shading)
-        return library.drawShading(constants.group, reached);
+        return library.drawShading(constants.group, reached, constants.ps, mapLevels());
     library.useModelShaders(constants.pass, m_raster);
     if (constants.pass == model_pass::surfaces)
-        library.useSurfaceShader(m_has_alpha, constants.group);
+        library.useSurfaceShader(m_surface, constants.group);
 
     ID3D11DeviceContext& context = library.context();
     ID3D11Buffer* vertices = m_vertex_buffer.get();

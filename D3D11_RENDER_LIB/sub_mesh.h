@@ -29,6 +29,7 @@ public:
 private:
     void bindTextures(lib3d& library) const;
     [[nodiscard]] bool createBuffers(lib3d& library, const scene_group& group, int bone);
+    std::array<float, texture_slot_count> mapLevels() const;
     int boundSlots() const; // a bit for each slot that holds a view
 
     com_ptr<ID3D11Buffer> m_vertex_buffer;
@@ -36,6 +37,7 @@ private:
     UINT m_index_count = 0;
     mesh_reach m_reach;
     std::array<std::shared_ptr<const gpu_texture>, texture_slot_count> m_textures; // null: the group has none
+    surface_kind m_surface = surface_kind::bare;
     raster_mode m_raster = raster_mode::front_faces;
     bool m_has_alpha = false;
     bool m_is_skinned = false;

@@ -17,17 +17,17 @@ struct model_targets
 
 // Surfaces that were drawn before (surface_ps) are shaded by a pixel shader that knows nothing of triangles.
 #ifdef OF_SURFACES
+#include "shading_buffer.hlsli"
 static float footprint; // log2 of the texture coordinates that a pixel covers
-
-float levelOf(Texture2D map)
-{
-    uint width, height;
-    map.GetDimensions(width, height);
-    return footprint + log2((float)max(width, height));
-}
-#define TEXEL(map, how, uv) map.SampleLevel(how, uv, levelOf(map))
+#define TEXEL(map, how, uv, level) map.SampleLevel(how, uv, footprint + level)
 #else
-#define TEXEL(map, how, uv) map.Sample(how, uv)
+#define TEXEL(map, how, uv, level) map.Sample(how, uv)
+#endif
+
+#ifdef OF_DECODED_MAPS // all views decode sRGB
+#define DECODED(texel, is_linear) (texel)
+#else
+#define DECODED(texel, is_linear) (is_linear == 1 ? linearFromGamma(texel) : texel)
 #endif
 
 bool isBound(int slot_bit)
@@ -89,7 +89,7 @@ float3 mappedNormal(model_pixel pixel, float3 normal)
 {
     if (!isBound(bound_normal))
         return normal;
-    const float4 texel = TEXEL(tex_normal, s_normal, pixel.uv);
+    const float4 texel = TEXEL(tex_normal, s_normal, pixel.uv, levels.y);
     float3 local;
     local.xy = float2(texel.r * texel.a, texel.g) * 2 - 1;
     local.z = sqrt(saturate(1 - dot(local.xy, local.xy)));
@@ -112,10 +112,10 @@ surface readSurface(model_pixel pixel, float3 normal, float4 diffuse)
     s.specular = 0.04;
     if (isBound(bound_specular))
     {
-        const float3 texel = TEXEL(tex_specular, SampleType, pixel.uv).rgb;
-        s.specular = is_specular_linear == 1 ? linearFromGamma(texel) : texel;
+        const float3 texel = TEXEL(tex_specular, SampleType, pixel.uv, levels.z).rgb;
+        s.specular = DECODED(texel, is_specular_linear);
     }
-    const float smoothness = isBound(bound_gloss) ? smoothnessFrom(TEXEL(tex_gloss_map, SampleType, pixel.uv)) : 0.4;
+    const float smoothness = isBound(bound_gloss) ? smoothnessFrom(TEXEL(tex_gloss_map, SampleType, pixel.uv, gloss_levels.x)) : 0.4;
     s.roughness = clamp((1 - smoothness) * light[0].roughnessFactor, 0.05, 1);
     s.normal = normal;
     s.view = normalize(pixel.view);
@@ -128,16 +128,40 @@ float3 lightOn(surface s, float3 to_light, float3 diffuse_radiance, float3 specu
     return s.base * n_l * diffuse_radiance + specularLobe(s, to_light, n_l) * specular_radiance;
 }
 
+float3 diffuseOf(Light one)
+{
+    return one.diffuseColor.rgb * one.diffuseFactor * one.radiannce;
+}
+
+float3 specularOf(Light one)
+{
+    return one.specularColor.rgb * one.specularFactor * one.radiannce;
+}
+
+float3 directionalLight(surface s, Light one)
+{
+    return lightOn(s, -normalize(one.lightDirection), diffuseOf(one), specularOf(one));
+}
+
+float3 pointLight(surface s, Light one, float3 world)
+{
+    const float3 way = one.point_position - world;
+    const float distance = max(length(way), 1e-3);
+    const float3 fade = one.point_attenuation * float3(1, distance, distance * distance);
+    const float3 radiance = one.point_color.rgb / max(fade.x + fade.y + fade.z, 0.05);
+    return lightOn(s, way / distance, radiance * diffuseOf(one), radiance * specularOf(one)) *
+           (one.point_range > distance ? 1 : 0);
+}
+
 float3 lightsOn(surface s, float3 world)
 {
     float3 sum = 0;
+#ifdef OF_USUAL_LIGHTS // one of each kind: the processor would compute all four
+    sum = directionalLight(s, light[0]) + pointLight(s, light[1], world);
+#else
     [unroll]
     for (int i = 0; i < 2; ++i)
     {
-        const float3 diffuse = light[i].diffuseColor.rgb * light[i].diffuseFactor * light[i].radiannce;
-        const float3 specular = light[i].specularColor.rgb * light[i].specularFactor * light[i].radiannce;
-        const float3 way = light[i].point_position - world;
-        const float distance = max(length(way), 1e-3);
         if (dot(light[i].lightDirection, light[i].lightDirection) > 0)
         {
             float3 seen = 1;
@@ -145,15 +169,12 @@ float3 lightsOn(surface s, float3 world)
             if (i == 0)
                 seen = lightReaching(world, s.normal);
 #endif
-            sum += lightOn(s, -normalize(light[i].lightDirection), diffuse, specular) * seen;
+            sum += directionalLight(s, light[i]) * seen;
         }
-        if (light[i].point_range > distance)
-        {
-            const float3 fade = light[i].point_attenuation * float3(1, distance, distance * distance);
-            const float3 radiance = light[i].point_color.rgb / max(fade.x + fade.y + fade.z, 0.05);
-            sum += lightOn(s, way / distance, radiance * diffuse, radiance * specular);
-        }
+        if (light[i].point_range > 0)
+            sum += pointLight(s, light[i], world);
     }
+#endif
     return debug_flags.y != 0 ? sum * one_over_pi : sum;
 }
 
@@ -162,23 +183,32 @@ float occlusion(float2 uv)
 {
     if ((debug_flags.w & draw_occluded) == 0 || !isBound(bound_mask))
         return 1;
-    const float kept = TEXEL(tex_mask, SampleType, uv).a;
+    const float kept = TEXEL(tex_mask, SampleType, uv, levels.w).a;
     return kept > 0 ? kept : 1;
 }
+
+#ifndef OF_SURFACES
+float3 irradianceFrom(float3 direction)
+{
+    return tex_cube_diffuse.SampleLevel(SampleType, direction, 0).rgb;
+}
+
+float3 radianceFrom(float3 direction, float roughness)
+{
+    uint width, height, levels;
+    tex_cube_specular.GetDimensions(0, width, height, levels);
+    return tex_cube_specular.SampleLevel(SampleType, direction, roughness * (levels - 1)).rgb;
+}
+#endif
 
 float3 environmentOn(surface s)
 {
     const float3x3 turn = (float3x3)mRotEnv;
     const float3 ambient = light[0].ambientLight.rgb * light[0].ambientFactor;
-    float3 sum = tex_cube_diffuse.SampleLevel(SampleType, mul(s.normal, turn), 0).rgb * s.base * ambient;
+    float3 sum = irradianceFrom(mul(s.normal, turn)) * s.base * ambient;
     if (show_reflections != 0)
-    {
-        uint width, height, levels;
-        tex_cube_specular.GetDimensions(0, width, height, levels);
-        const float3 mirrored = mul(reflect(-s.view, s.normal), turn);
-        const float3 seen = tex_cube_specular.SampleLevel(SampleType, mirrored, s.roughness * (levels - 1)).rgb;
-        sum += seen * environmentReflectance(s) * light[0].specularFactor * light[0].ambientFactor;
-    }
+        sum += radianceFrom(mul(reflect(-s.view, s.normal), turn), s.roughness) * environmentReflectance(s) *
+               light[0].specularFactor * light[0].ambientFactor;
     return sum;
 }
 
@@ -187,13 +217,12 @@ model_targets shaded(model_pixel pixel, float3 normal)
     float4 diffuse = float4(0.24, 0.235, 0.23, 1); // clay, for a model without its textures
     if (isBound(bound_diffuse))
     {
-        diffuse = TEXEL(tex_diffuse, SampleType, pixel.uv);
+        diffuse = TEXEL(tex_diffuse, SampleType, pixel.uv, levels.x);
 #ifndef OF_SURFACES
         if (has_alpha == 1 && diffuse.a < 0.5)
             discard;
 #endif
-        if (is_diffuse_linear == 1)
-            diffuse.rgb = linearFromGamma(diffuse.rgb);
+        diffuse.rgb = DECODED(diffuse.rgb, is_diffuse_linear);
     }
     const surface s = readSurface(pixel, mappedNormal(pixel, normal), diffuse);
     model_targets result;

@@ -18,7 +18,8 @@ float3 linearFromGamma(float3 encoded)
 
 float3 fresnel(float3 reflectance, float cosine)
 {
-    return reflectance + (1 - reflectance) * pow(1 - cosine, 5);
+    const float rest = 1 - cosine;
+    return reflectance + (1 - reflectance) * (rest * rest * (rest * rest) * rest);
 }
 
 // The microfacet lobe divided by the cosine of the view, times the cosine of the light: GGX with Smith's visibility.

@@ -4,32 +4,21 @@
 #include "model_ps.hlsl"
 #include "surface.hlsli"
 
-cbuffer ShadingBuffer : register(b3) // 48 bytes; shading_buffer in D3D11_RENDER_LIB/gpu_layouts.h
-{
-    float4 ray; // through the upper left corner of the picture, world space, any length
-    float4 ray_x; // what it gains for each pixel
-    float4 ray_y;
-};
-
-Texture2D<float4> Place : register(t13);
-Texture2D<float4> Frame : register(t14);
+Texture2D<uint4> Surfaces : register(t13);
 
 model_targets main(float4 position : SV_Position)
 {
-    const int3 at = int3(position.xy, 0);
-    const float4 place = Place.Load(at);
-    const float4 frame = Frame.Load(at);
-    const float3 way = normalize(ray.xyz + ray_x.xyz * position.x + ray_y.xyz * position.y);
-    footprint = place.z;
-    const float3 normal = unfolded(frame.xy);
+    const unpacked_surface kept = unpacked(Surfaces.Load(int3(position.xy, 0)));
+    const float3 way = ray.xyz + ray_x.xyz * position.x + ray_y.xyz * position.y;
+    footprint = kept.footprint;
     model_pixel pixel;
     pixel.clip = position;
-    pixel.uv = place.xy;
-    pixel.normal = normal;
-    pixel.tangent = unfolded(frame.zw);
-    pixel.binormal = cross(normal, pixel.tangent) * (place.w < 0 ? -1 : 1);
-    pixel.world = eyePosistion + way * abs(place.w);
+    pixel.uv = kept.uv;
+    pixel.normal = kept.normal;
+    pixel.tangent = kept.tangent;
+    pixel.binormal = cross(kept.normal, kept.tangent) * kept.side;
+    pixel.world = eyePosistion + way * kept.depth;
     pixel.view = -way;
     pixel.heat = 0;
-    return shaded(pixel, normal);
+    return shaded(pixel, kept.normal);
 }

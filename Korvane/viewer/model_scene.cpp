@@ -73,10 +73,9 @@ bool isOfSurface(view_channel channel) // drawn by the shader of light
 }
 
 // Through the pixels of the picture, in the world: ViewI holds the axes of the view as columns.
-shading_buffer raysThrough(const mvp_buffer& constants, const scene_targets& targets)
+void setRays(const mvp_buffer& constants, const scene_targets& targets, shading_buffer& rays)
 {
     const float half_width = 1 / constants.Projection[0][0], half_height = 1 / constants.Projection[1][1];
-    shading_buffer rays;
     for (std::size_t i = 0; i < 3; ++i)
     {
         const float right = constants.ViewI[i][0], up = constants.ViewI[i][1], ahead = constants.ViewI[i][2];
@@ -84,7 +83,6 @@ shading_buffer raysThrough(const mvp_buffer& constants, const scene_targets& tar
         rays.ray_x[i] = 2 * right * half_width / static_cast<float>(targets.width());
         rays.ray_y[i] = -2 * up * half_height / static_cast<float>(targets.height());
     }
-    return rays;
 }
 
 bool castsShadows(const lib3d& library, const view_state& view)
@@ -234,7 +232,7 @@ void model_scene::drawFigure(lib3d& library, const scene_targets& targets, const
 // The same picture as of model_pass::lit; see scene_targets.
 void model_scene::shadeSurfaces(lib3d& library, const scene_targets& targets, frame_constants& frame)
 {
-    library.setShading(raysThrough(frame.vs, targets));
+    setRays(frame.vs, targets, library.shading());
     targets.bindSurfaces(library);
     frame.pass = model_pass::surfaces;
     m_po_figure->draw(library, frame);
