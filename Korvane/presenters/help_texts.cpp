@@ -74,6 +74,10 @@ std::vector<help_paragraph> guideTexts()
         {"Convert normal maps", "The games keep normal maps in an orange form, picture editors use the blue one. File, "
                                 "Normal Maps... converts "
                                 "one into the other, several files at once.\n"},
+        {"Bring an animation in",
+         "Animations, Convert FBX animation to .ANIM takes the FBX file of your 3D program and, as template, the "
+         "skeleton's .anim file. It shows which bones match, writes the animation, and \"Play\" shows it in the 3D "
+         "view.\n"},
         {"Save, and patch",
          "File, Save writes the changes into the model's own file, Save As... into another one. A model out of an "
          "archive gets a file of its own; the game's archives are never written to. File, Patch from v6 to v7 (WH) "
