@@ -7,8 +7,10 @@
 #include "Korvane/fbx/export/export_scene.h"
 #include "Korvane/fbx/export/fbx_export.h"
 #include "Korvane/fbx/scene/fbx_evaluator.h"
+#include "Korvane/gltf/gltf_export.h"
 #include "Korvane/models/rmv2_file.h"
 
+#include <nlohmann/json.hpp>
 #include <pugixml.hpp>
 
 #include <algorithm>
@@ -89,6 +91,22 @@ void checkDae(const dae_export& exporter, const export_scene& scene, const expor
     }
 }
 
+// Numbers that are none are written as null.
+void checkNumbers(const nlohmann::json& value)
+{
+    require(!value.is_null());
+    if (value.is_structured())
+        for (const nlohmann::json& each : value)
+            checkNumbers(each);
+}
+
+void checkGltf(const export_scene& scene, const std::vector<gltf_take>& takes)
+{
+    std::vector<std::byte> bin;
+    checkNumbers(nlohmann::json::parse(gltf_export(scene, {}, true).gltf(takes, "a.bin", bin)));
+    require(bin.size() % 4 == 0 && gltf_export(scene, {}, true).glb(takes).size() % 4 == 0);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -128,5 +146,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     checkFbx(fbx, scene, nullptr);
     checkDae(dae, scene, nullptr);
+    std::vector<gltf_take> takes;
+    if (has_take)
+        takes.push_back({"take", std::move(take)});
+    checkGltf(scene, takes);
     return 0;
 }
