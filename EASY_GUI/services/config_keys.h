@@ -31,6 +31,9 @@ inline constexpr std::string_view texture_choices = "texture_choices"; // "dds",
 // Of saved pictures: "view" or the pixels as in "1920x1080"; "samples" and how many; "transparent"; "free", when own
 // sizes need not keep the view's proportions.
 inline constexpr std::string_view picture_choices = "picture_choices";
+// Of exports: the folder; "fbx", "dae" or "glb", "found", "dds" or "png", "all" levels of detail, "span", "apart".
+inline constexpr std::string_view export_folder = "export_folder";
+inline constexpr std::string_view export_settings = "export_choices";
 // Of the windows: left top right bottom dpi, and 1 when it is maximised (Korvane/document/window_place.h).
 inline constexpr std::string_view main_window_place = "window_place";
 inline constexpr std::string_view view_place = "view_place";
@@ -38,16 +41,11 @@ inline constexpr std::string_view playback_place = "playback_place"; // of the b
 inline constexpr std::string_view page = "page";                     // that was shown last
 inline constexpr std::string_view columns_prefix = "columns_";       // and the list's name: the widths of its columns
 
-inline constexpr std::array known = {data_folders,       mod_folders,
-                                     recent_files,       converted_files,
-                                     packs_cache,        first_time,
-                                     folder_box_text,    internal_folders,
-                                     bone_list_path,     older_converted_files,
-                                     last_fbx_folder,    last_anim_folder,
-                                     last_export_folder, conversion_choices,
-                                     main_window_place,  view_place,
-                                     playback_place,     page,
-                                     texture_folder,     texture_choices,
-                                     picture_choices};
+inline constexpr std::array known = {
+    data_folders,    mod_folders,       recent_files,       converted_files,    packs_cache,
+    first_time,      folder_box_text,   internal_folders,   bone_list_path,     older_converted_files,
+    last_fbx_folder, last_anim_folder,  last_export_folder, conversion_choices, export_folder,
+    export_settings, main_window_place, view_place,         playback_place,     page,
+    texture_folder,  texture_choices,   picture_choices};
 
 } // namespace korvane::config_keys

@@ -108,6 +108,18 @@ void list_view::select(int row)
     m_told = selected();
 }
 
+void list_view::select(std::span<const std::size_t> rows)
+{
+    LVITEMW state{};
+    state.stateMask = LVIS_SELECTED;
+    m_is_set = true;
+    send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
+    state.state = LVIS_SELECTED;
+    for (const std::size_t row : rows)
+        send(LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&state));
+    m_is_set = false;
+}
+
 void list_view::selectAll()
 {
     LVITEMW state{};

@@ -37,7 +37,8 @@ public:
     void refresh();       // what is selected stays, as far as these rows exist
     int selected() const; // the one with the focus, if it is selected; -1: none
     std::vector<std::size_t> selectedRows() const;
-    void select(int row); // and show it; -1: none; calls nothing
+    void select(int row);                           // and show it; -1: none; calls nothing
+    void select(std::span<const std::size_t> rows); // of many; calls nothing
     void selectAll();
 
     // At 96 dots per inch, so that they can be remembered. Columns that the span has no width for stay as they are.

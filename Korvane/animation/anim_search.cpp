@@ -203,6 +203,21 @@ animation_listing listAnimations(const path_tree& tree, std::string_view skeleto
     return listing;
 }
 
+std::optional<std::uint32_t> readFrameCount(const pack_file_node& entry)
+{
+    constexpr std::size_t enough = std::size_t{32} << 10; // for 256 bones with their names, maps and still values
+    memory_file start(enough);
+    std::size_t count = 0;
+    failure why;
+    if (!readEntryStart(entry, start.mutableBytes(), count, why))
+        return std::nullopt;
+    anim_file file;
+    file.openFromMemory(memory_file(start.bytes().first(count)), std::string());
+    if (!file.loadTemplate({}, why))
+        return std::nullopt;
+    return file.data().frame_count;
+}
+
 compatible_search::compatible_search(std::shared_ptr<const path_tree> tree, std::string skeleton_id)
     : m_po_tree(std::move(tree))
     , m_skeleton_id(std::move(skeleton_id))

@@ -14,6 +14,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -51,6 +52,10 @@ using found_port = std::function<void(const entry_list& more, std::size_t done, 
 // findAnimations() among all candidates, piece by piece and in their order, and what the log says of it.
 animation_listing listAnimations(const path_tree& tree, std::string_view skeleton_id, const found_port& found,
                                  const std::stop_token& stop = {}, const log_port& log = {});
+
+// Of an animation's header, for a list: from the first bytes, so that damage behind them is not seen. Nothing: it is
+// none of version 5 or 7, or cannot be read.
+[[nodiscard]] std::optional<std::uint32_t> readFrameCount(const pack_file_node& entry);
 
 // The same search in steps, for a dialog that shows its progress. Takes versions 5 and 7 only, and passes over whatever
 // cannot be read. One thread at a time, but for requestStop().

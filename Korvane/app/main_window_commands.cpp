@@ -2,6 +2,7 @@
 
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/copy_paste.h"
+#include "Korvane/app/export_dialog.h"
 #include "Korvane/app/main_window.h"
 #include "Korvane/app/picture_dialog.h"
 #include "Korvane/app/tool_commands.h"
@@ -27,6 +28,8 @@ void main_window::nameActions()
         {command::copy, [this] { copySelection(*this, shownPage()); }},
         {command::paste, [this] { pasteText(*this, shownPage()); }},
         {command::save_picture, [this] { savePicture(); }},
+        {command::export_static, [this] { exportStatic(*this); }},
+        {command::export_animated, [this] { exportAnimated(*this, m_display.scene(), m_ports.open_folder); }},
         {command::exit, [this] { SendMessageW(handle(), WM_CLOSE, 0, 0); }},
         {command::test, [this] { testModel(*this); }},
         {command::replace_path_prefix, [this] { replacePathPrefix(*this); }},

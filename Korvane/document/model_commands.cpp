@@ -31,10 +31,6 @@ bool model_commands::isEnabled(document_command command, const window_facts& fac
         return false;
     switch (command)
     {
-    // In their menus, so that these have their order; what they do is not part of this program yet.
-    case document_command::export_static:
-    case document_command::export_animated:
-        return false;
     case document_command::open:
     case document_command::open_recent:
     case document_command::normal_map_to_orange:
@@ -59,6 +55,8 @@ bool model_commands::isEnabled(document_command command, const window_facts& fac
     case document_command::redo:
         return model.canRedo();
     case document_command::reset:
+    case document_command::export_static:
+    case document_command::export_animated:
     case document_command::show_view:
     case document_command::play_animation:
         return m_document.shown() != open_files::kind::nothing;

@@ -130,7 +130,7 @@ bool export_run::loadTakes(const output_file& file, std::vector<gltf_take>& take
             m_work.report(number, file.animations.size(), displayText(animation));
         gltf_take take{displayText(m_names[number]), {}};
         failure reason;
-        if (loadExportTake(m_source, m_subject, animation, span, m_work, take.take, reason))
+        if (loadExportTake(m_source, m_options, m_subject, animation, span, m_work, take.take, reason))
         {
             takes.push_back(std::move(take));
             loaded.push_back(animation);

@@ -8,6 +8,7 @@
 
 #include "EASY_GUI/services/work_port.h"
 #include "Korvane/game/game_source.h"
+#include "Korvane/jobs/model_snapshot.h"
 #include "Korvane/scene/figure.h"
 #include "Korvane/textures/picture_file.h"
 
@@ -23,9 +24,10 @@ namespace korvane
 // Paths are on the disk or, of what is read, with "pack:" in the game.
 struct export_job_options
 {
-    std::string model;    // a model, or a definition: its figure has its skeletons, whatever is said of them below
-    figure_choice choice; // which alternatives of a definition's slots; the first ones without
-    std::string output;   // a file with an export ending; or a folder, whose files get their names from the animations
+    std::string model; // a model, or a definition: its figure has its skeletons, whatever is said of them below
+    std::optional<model_snapshot> edited; // with edits that the file does not have yet
+    figure_choice choice;                 // which alternatives of a definition's slots; the first ones without
+    std::string output; // a file with an export ending; or a folder, whose files get their names from the animations
 
     // The model's bones: of a skeleton that is given, or else when bones are asked for, or an animation, of the one
     // that the model names, looked up by its id. Neither: the model alone. Of a figure the given one takes the place of
@@ -34,6 +36,8 @@ struct export_job_options
     bool with_bones = false;
     // Each moves the skeleton that it names; where nothing has that one, the first skeleton, and the log says so.
     std::vector<std::string> animations;
+    // Those that no path finds, for another archive overrides them. They live as long as the source's archives.
+    std::map<std::string, const pack_file_node*> copies;
 
     std::optional<std::size_t> lod = 0; // 0 is the finest; nothing: all of them, as meshes of the same file
 

@@ -74,7 +74,8 @@ bool subject_loader::load(failure& why)
 bool subject_loader::loadModel(failure& why)
 {
     rmv2_file model;
-    if (!openModel(m_source, m_options.model, model, m_work.log, why))
+    if (m_options.edited ? !openSnapshot(*m_options.edited, model, why)
+                         : !openModel(m_source, m_options.model, model, m_work.log, why))
         return false;
     const RMV2_FILE_DATA& data = model.data();
     std::shared_ptr<const anim_data> skeleton;
@@ -251,12 +252,15 @@ bool loadExportSubject(game_source& source, const export_job_options& options, c
     return subject_loader(source, options, work, subject).load(why);
 }
 
-bool loadExportTake(game_source& source, const export_subject& subject, const std::string& animation, take_span span,
-                    const work_port& work, export_take& take, failure& why)
+bool loadExportTake(game_source& source, const export_job_options& options, const export_subject& subject,
+                    const std::string& animation, take_span span, const work_port& work, export_take& take,
+                    failure& why)
 {
     if (subject.rigs.empty())
         return fail(why, failure_kind::refused, "there is no skeleton for it to move", animation);
-    const auto data = loadAnim(source, animation, anim_depth::animation, why);
+    const auto copy = options.copies.find(animation);
+    const auto data = copy != options.copies.end() ? loadAnim(*copy->second, anim_depth::animation, why)
+                                                   : loadAnim(source, animation, anim_depth::animation, why);
     if (!data)
         return false;
     std::vector<const export_rig*> moved;

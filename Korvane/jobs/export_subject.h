@@ -32,7 +32,8 @@ struct export_subject
                                      export_subject& subject, failure& why);
 
 // The keys of an animation for the skeletons that it moves (export_job.h). False as makeTake() says.
-[[nodiscard]] bool loadExportTake(game_source& source, const export_subject& subject, const std::string& animation,
-                                  take_span span, const work_port& work, export_take& take, failure& why);
+[[nodiscard]] bool loadExportTake(game_source& source, const export_job_options& options, const export_subject& subject,
+                                  const std::string& animation, take_span span, const work_port& work,
+                                  export_take& take, failure& why);
 
 } // namespace korvane

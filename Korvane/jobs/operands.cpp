@@ -2,6 +2,7 @@
 
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/pack_entry.h"
 
 #include <system_error>
 #include <utility>
@@ -27,6 +28,19 @@ bool openModel(game_source& source, const game_path& path, rmv2_file& model, con
     return is_open;
 }
 
+namespace
+{
+
+std::shared_ptr<const anim_data> loadAnim(anim_file& file, const std::string& disk_path, anim_depth depth, failure& why)
+{
+    const bool is_loaded = depth == anim_depth::skeleton    ? file.loadSkeleton(disk_path, why)
+                           : depth == anim_depth::animation ? file.loadAnimation(disk_path, why)
+                                                            : file.loadTemplate(disk_path, why);
+    return is_loaded ? std::make_shared<const anim_data>(file.takeData()) : nullptr;
+}
+
+} // namespace
+
 std::shared_ptr<const anim_data> loadAnim(game_source& source, const game_path& path, anim_depth depth, failure& why)
 {
     anim_file file;
@@ -48,10 +62,17 @@ std::shared_ptr<const anim_data> loadAnim(game_source& source, const game_path& 
             return nullptr;
         }
     }
-    const bool is_loaded = depth == anim_depth::skeleton    ? file.loadSkeleton(disk_path, why)
-                           : depth == anim_depth::animation ? file.loadAnimation(disk_path, why)
-                                                            : file.loadTemplate(disk_path, why);
-    return is_loaded ? std::make_shared<const anim_data>(file.takeData()) : nullptr;
+    return loadAnim(file, disk_path, depth, why);
+}
+
+std::shared_ptr<const anim_data> loadAnim(const pack_file_node& entry, anim_depth depth, failure& why)
+{
+    memory_file bytes;
+    if (!readEntry(entry, bytes, why))
+        return nullptr;
+    anim_file file;
+    file.openFromMemory(std::move(bytes), placeOf(entry));
+    return loadAnim(file, {}, depth, why);
 }
 
 } // namespace korvane

@@ -21,4 +21,7 @@ namespace korvane
 [[nodiscard]] std::shared_ptr<const anim_data> loadAnim(game_source& source, const game_path& path, anim_depth depth,
                                                         failure& why);
 
+// The same of an archive's entry, whether another archive overrides it or not.
+[[nodiscard]] std::shared_ptr<const anim_data> loadAnim(const pack_file_node& entry, anim_depth depth, failure& why);
+
 } // namespace korvane

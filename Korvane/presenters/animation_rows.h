@@ -54,6 +54,10 @@ public:
     std::size_t animationCount() const { return m_choices.size() - m_has_bind_pose; }
     std::size_t shownAnimationCount() const { return m_shown.size() - m_has_bind_pose; }
 
+protected:
+    std::size_t numberOf(std::size_t row) const { return m_shown[row]; } // among all, as they were added
+    const animation_choice& choiceOf(std::size_t number) const { return m_choices[number]; }
+
 private:
     bool passes(const animation_choice& choice) const;
 

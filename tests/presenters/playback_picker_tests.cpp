@@ -15,13 +15,6 @@ namespace
 
 using text_list = std::vector<std::string>;
 
-std::string animOf(const std::string& skeleton)
-{
-    test::test_anim source;
-    source.skeleton_name = skeleton;
-    return source.bytes();
-}
-
 class playback_picker_tests : public testing::Test
 {
 protected:
@@ -83,10 +76,11 @@ protected:
 
 TEST_F(playback_picker_tests, listsWhatIsMadeForTheSkeletonAndSaysSoInTheLog)
 {
-    addArchive("z.pack", {{"animations\\skeletons\\man.anim", animOf("man")},
-                          {"animations\\man\\walk\\slow.anim", animOf("man")},
-                          {"animations\\man\\walk\\other.anim", animOf("Man")}});
-    addArchive("y.pack", {{"mod\\skeletons\\man.anim", animOf("man")}, {"animations\\man\\run.anim", animOf("man")}});
+    addArchive("z.pack", {{"animations\\skeletons\\man.anim", test::animOf("man")},
+                          {"animations\\man\\walk\\slow.anim", test::animOf("man")},
+                          {"animations\\man\\walk\\other.anim", test::animOf("Man")}});
+    addArchive("y.pack",
+               {{"mod\\skeletons\\man.anim", test::animOf("man")}, {"animations\\man\\run.anim", test::animOf("man")}});
     ASSERT_TRUE(show(sceneOf({"man"}), {"d:\\work\\my walk.anim"}));
     search();
     ASSERT_EQ(picker.skeletons().size(), 2u);
@@ -140,7 +134,7 @@ TEST_F(playback_picker_tests, saysWhyThereIsNothingAndWhatToDo)
     EXPECT_TRUE(says(picker.message(), "Open a model or a definition"));
     EXPECT_TRUE(says(messageOf(sceneOf({"?man"})), "no archives are loaded. Set the game's folders"));
     EXPECT_TRUE(picker.needsFolders());
-    addArchive("z.pack", {{"animations\\walk.anim", animOf("ox")}});
+    addArchive("z.pack", {{"animations\\walk.anim", test::animOf("ox")}});
     EXPECT_TRUE(says(messageOf(sceneOf({"?man"})), "no skeleton \"man\" in the archives"));
     EXPECT_EQ(picker.skeletons().at(0).label, "man (not found)");
     EXPECT_TRUE(says(messageOf(sceneOf({"man"})), "No animation names the skeleton \"man\""));
@@ -161,7 +155,8 @@ TEST_F(playback_picker_tests, saysWhyThereIsNothingAndWhatToDo)
 
 TEST_F(playback_picker_tests, riderAndHorseMoveAtOnceAndWhatWasPickedLastLeads)
 {
-    addArchive("z.pack", {{"a\\ride.anim", animOf("man")}, {"a\\trot.anim", animOf("ox")}, {"a\\bad.anim", "x"}});
+    addArchive("z.pack",
+               {{"a\\ride.anim", test::animOf("man")}, {"a\\trot.anim", test::animOf("ox")}, {"a\\bad.anim", "x"}});
     ASSERT_TRUE(show(sceneOf({"man", "ox", "man"}), {folder.file("gone.anim")}));
     search();
     ASSERT_EQ(picker.skeletons().size(), 2u) << "each once";

@@ -128,4 +128,12 @@ inline test_anim testSkeleton(std::uint32_t version)
     return source;
 }
 
+inline std::string animOf(const std::string& skeleton, std::uint32_t version = 5)
+{
+    test_anim source;
+    source.skeleton_name = skeleton;
+    source.version = version;
+    return source.bytes();
+}
+
 } // namespace korvane::test
