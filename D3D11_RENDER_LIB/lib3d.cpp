@@ -51,14 +51,6 @@ bool hasUsualLights(const light_buffer& constants)
            !isDirectional(constants.light[1]);
 }
 
-// What shading_decoded_ps is made for; a map that is not bound is not looked at.
-bool hasDecodedMaps(const light_buffer& constants)
-{
-    const int bound = constants.debug_flags[2];
-    return (constants.is_diffuse_linear == 0 || (bound & 1) == 0) &&
-           (constants.is_specular_linear == 0 || (bound & 4) == 0);
-}
-
 bool createCube(lib3d& library, const std::vector<cube_level>& levels, const char* name,
                 com_ptr<ID3D11ShaderResourceView>& view)
 {
@@ -231,8 +223,7 @@ bool lib3d::createShaders()
            createPixelShader(KORVANE_SURFACE_ALPHA_PS, "surface_alpha_ps", m_surface_alpha_ps) &&
            createPixelShader(KORVANE_FRAME_PS, "frame_ps", m_frame_ps) &&
            createPixelShader(KORVANE_SHADING_PS, "shading_ps", m_shading_ps) &&
-           createPixelShader(KORVANE_SHADING_USUAL_PS, "shading_usual_ps", m_shading_usual_ps) &&
-           createPixelShader(KORVANE_SHADING_DECODED_PS, "shading_decoded_ps", m_shading_decoded_ps);
+           createPixelShader(KORVANE_SHADING_USUAL_PS, "shading_usual_ps", m_shading_usual_ps);
 }
 
 bool lib3d::createConstantBuffers(const mvp_buffer& vs, const light_buffer& ps)
@@ -449,9 +440,8 @@ void lib3d::drawShading(UINT group, const screen_area& area, const light_buffer&
     m_context->PSSetConstantBuffers(3, 1, &ps_buffers[1]);
     m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
     m_context->OMSetDepthStencilState(m_stencil_tested.get(), group);
-    const auto& shader = !hasUsualLights(constants)  ? m_shading_ps
-                         : hasDecodedMaps(constants) ? m_shading_decoded_ps
-                                                     : m_shading_usual_ps;
+    // No further kinds: a software device compiles each for each kind of texture, and that is what a person waits for.
+    const auto& shader = hasUsualLights(constants) ? m_shading_usual_ps : m_shading_ps;
     m_context->PSSetShader(shader.get(), nullptr, 0);
     drawArea(area);
 }

@@ -172,7 +172,7 @@ private:
     com_ptr<ID3D11VertexShader> m_model_vs, m_frame_vs, m_line_vs, m_final_vs;
     com_ptr<ID3D11PixelShader> m_model_ps, m_model_shadow_ps, m_channel_ps, m_wireframe_ps, m_shadow_ps, m_floor_ps,
         m_line_ps, m_final_ps, m_final_outline_ps, m_surface_ps, m_surface_alpha_ps, m_frame_ps, m_shading_ps,
-        m_shading_usual_ps, m_shading_decoded_ps;
+        m_shading_usual_ps;
     com_ptr<ID3D11InputLayout> m_model_layout, m_line_layout;
     com_ptr<ID3D11Buffer> m_vs_buffer, m_ps_buffer, m_final_buffer, m_shading_buffer, m_line_buffer;
     com_ptr<ID3D11ShaderResourceView> m_specular_cube, m_diffuse_cube;

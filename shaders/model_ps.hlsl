@@ -24,12 +24,6 @@ static float footprint; // log2 of the texture coordinates that a pixel covers
 #define TEXEL(map, how, uv, level) map.Sample(how, uv)
 #endif
 
-#ifdef OF_DECODED_MAPS // all views decode sRGB
-#define DECODED(texel, is_linear) (texel)
-#else
-#define DECODED(texel, is_linear) (is_linear == 1 ? linearFromGamma(texel) : texel)
-#endif
-
 bool isBound(int slot_bit)
 {
     return (debug_flags.z & slot_bit) != 0;
@@ -113,7 +107,7 @@ surface readSurface(model_pixel pixel, float3 normal, float4 diffuse)
     if (isBound(bound_specular))
     {
         const float3 texel = TEXEL(tex_specular, SampleType, pixel.uv, levels.z).rgb;
-        s.specular = DECODED(texel, is_specular_linear);
+        s.specular = is_specular_linear == 1 ? linearFromGamma(texel) : texel;
     }
     const float smoothness = isBound(bound_gloss) ? smoothnessFrom(TEXEL(tex_gloss_map, SampleType, pixel.uv, gloss_levels.x)) : 0.4;
     s.roughness = clamp((1 - smoothness) * light[0].roughnessFactor, 0.05, 1);
@@ -222,7 +216,8 @@ model_targets shaded(model_pixel pixel, float3 normal)
         if (has_alpha == 1 && diffuse.a < 0.5)
             discard;
 #endif
-        diffuse.rgb = DECODED(diffuse.rgb, is_diffuse_linear);
+        if (is_diffuse_linear == 1)
+            diffuse.rgb = linearFromGamma(diffuse.rgb);
     }
     const surface s = readSurface(pixel, mappedNormal(pixel, normal), diffuse);
     model_targets result;
