@@ -27,9 +27,8 @@ enum element_command : int
 
 } // namespace
 
-definition_page::definition_page(page_host& host) : page(host)
+definition_page::definition_page(page_host& host) : rows_page(host, {&m_counts, &m_tree, &m_attribute_view, &m_open})
 {
-    m_layout.setMargins(8, 2, 8, 8);
     m_layout.add(m_counts);
     m_layout.add(m_tree, share(3, 80));
     m_layout.add(m_attribute_view, share(1, 60));
@@ -52,32 +51,6 @@ bool definition_page::onCreated()
     m_tree.onContextMenu = [this](tree_model::node, POINT on_screen) { showMenu(on_screen); };
     m_open.onClick = [this] { openElement(chosen()); };
     return true;
-}
-
-void definition_page::setFont(const font& used)
-{
-    for (control* const each : {static_cast<control*>(&m_counts), static_cast<control*>(&m_tree),
-                                static_cast<control*>(&m_attribute_view), static_cast<control*>(&m_open)})
-        each->setFont(used);
-    m_empty.setFont(used);
-    m_po_font = &used;
-    layOut();
-}
-
-void definition_page::onSize(int, int, size_change change)
-{
-    if (change != size_change::minimised)
-        layOut();
-}
-
-void definition_page::layOut()
-{
-    if (m_po_font == nullptr)
-        return;
-    if (hasDefinition())
-        m_layout.place(clientRectangle(), *m_po_font, dpi());
-    else
-        m_empty.showOver(true);
 }
 
 bool definition_page::keep(config_file& config) const
@@ -115,9 +88,7 @@ void definition_page::showDocument()
         m_empty.setContent(emptyContent());
         m_empty.showOver(true);
     }
-    for (control* const each : {static_cast<control*>(&m_counts), static_cast<control*>(&m_tree),
-                                static_cast<control*>(&m_attribute_view), static_cast<control*>(&m_open)})
-        each->setVisible(!is_empty);
+    setRowsVisible(!is_empty);
     const std::shared_ptr<const variant_mesh_def>& content = host().document().definition().content();
     if (m_po_shown != content || m_po_game != host().document().game() ||
         m_shown_choice != host().document().definition().choice())

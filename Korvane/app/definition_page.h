@@ -4,11 +4,9 @@
 // model is opened from here on the Model page, a reference as a definition of its own.
 
 #include "EASY_GUI/win32/label.h"
-#include "EASY_GUI/win32/layout.h"
 #include "EASY_GUI/win32/list_view.h"
 #include "EASY_GUI/win32/tree_view.h"
-#include "Korvane/app/empty_state.h"
-#include "Korvane/app/page.h"
+#include "Korvane/app/rows_page.h"
 #include "Korvane/document/definition_tree.h"
 
 #include <memory>
@@ -17,13 +15,12 @@
 namespace korvane
 {
 
-class definition_page : public page
+class definition_page : public rows_page
 {
 public:
     explicit definition_page(page_host& host);
     ~definition_page() override { destroy(); }
 
-    void setFont(const font& used) override;
     void showDocument() override;
     HWND firstControl() const override;
     std::string copiedText() const override; // the path of the chosen element, else its text
@@ -31,11 +28,10 @@ public:
 
 protected:
     bool onCreated() override;
-    void onSize(int width, int height, size_change change) override;
 
 private:
     bool hasDefinition() const { return host().document().definition().hasDefinition(); }
-    void layOut();
+    bool isEmpty() const override { return !hasDefinition(); }
     void showTree();
     void showElement(tree_model::node shown);
     game_path pathOf(tree_model::node of) const; // to be opened; empty: it names none
@@ -55,9 +51,6 @@ private:
     tree_view m_tree;
     list_view m_attribute_view;
     button m_open;
-    empty_state m_empty;
-    layout m_layout{layout::direction::down};
-    const font* m_po_font = nullptr;
 };
 
 } // namespace korvane

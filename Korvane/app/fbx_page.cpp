@@ -20,9 +20,8 @@ enum fbx_row_command : int
 
 } // namespace
 
-fbx_page::fbx_page(page_host& host) : page(host)
+fbx_page::fbx_page(page_host& host) : rows_page(host, {&m_summary, &m_tree, &m_convert})
 {
-    m_layout.setMargins(8, 2, 8, 8);
     m_layout.add(m_summary);
     m_layout.add(m_tree, share(1, 80));
     m_layout.add(layout(layout::direction::across).add(share()).add(m_convert));
@@ -52,27 +51,6 @@ void fbx_page::show(fbx_report report)
 void fbx_page::showDocument()
 {
     m_convert.setEnabled(host().isEnabled(document_command::convert_animation));
-}
-
-void fbx_page::setFont(const font& used)
-{
-    for (control* const each :
-         {static_cast<control*>(&m_summary), static_cast<control*>(&m_tree), static_cast<control*>(&m_convert)})
-        each->setFont(used);
-    m_po_font = &used;
-    layOut();
-}
-
-void fbx_page::onSize(int, int, size_change change)
-{
-    if (change != size_change::minimised)
-        layOut();
-}
-
-void fbx_page::layOut()
-{
-    if (m_po_font != nullptr)
-        m_layout.place(clientRectangle(), *m_po_font, dpi());
 }
 
 std::string fbx_page::copiedText() const

@@ -5,9 +5,8 @@
 
 #include "EASY_GUI/win32/button.h"
 #include "EASY_GUI/win32/label.h"
-#include "EASY_GUI/win32/layout.h"
 #include "EASY_GUI/win32/tree_view.h"
-#include "Korvane/app/page.h"
+#include "Korvane/app/rows_page.h"
 #include "Korvane/presenters/fbx_report.h"
 
 #include <string>
@@ -15,32 +14,27 @@
 namespace korvane
 {
 
-class fbx_page : public page
+class fbx_page : public rows_page
 {
 public:
     explicit fbx_page(page_host& host);
     ~fbx_page() override { destroy(); }
 
     void show(fbx_report report);
-    void setFont(const font& used) override;
     void showDocument() override;
     HWND firstControl() const override { return m_tree.handle(); }
     std::string copiedText() const override; // the chosen row
 
 protected:
     bool onCreated() override;
-    void onSize(int width, int height, size_change change) override;
 
 private:
-    void layOut();
     void showMenu(POINT on_screen);
 
     fbx_report m_report;
     label m_summary;
     tree_view m_tree;
     button m_convert;
-    layout m_layout{layout::direction::down};
-    const font* m_po_font = nullptr;
 };
 
 } // namespace korvane

@@ -30,7 +30,7 @@ enum problem_command : int
 } // namespace
 
 problems_page::problems_page(page_host& host, std::function<void(const std::string& caption)> caption_changed)
-    : page(host)
+    : rows_page(host, {&m_summary, &m_list, &m_go, &m_check_again})
     , m_caption_changed(std::move(caption_changed))
     , m_check(host.thread(), {[this](const work_progress& at) {
                                   m_summary.setText("Checking " + std::string(fileName(displayText(at.what))) +
@@ -43,7 +43,6 @@ problems_page::problems_page(page_host& host, std::function<void(const std::stri
                                   m_summary.setText("The check could not be finished: " + what);
                               }})
 {
-    m_layout.setMargins(8, 2, 8, 8);
     m_layout.add(m_summary);
     m_layout.add(m_list, share(1, 80));
     m_layout.add(layout(layout::direction::across).add(share()).add(m_go).add(m_check_again));
@@ -69,32 +68,6 @@ bool problems_page::onCreated()
     return true;
 }
 
-void problems_page::setFont(const font& used)
-{
-    for (control* const each : {static_cast<control*>(&m_summary), static_cast<control*>(&m_list),
-                                static_cast<control*>(&m_go), static_cast<control*>(&m_check_again)})
-        each->setFont(used);
-    m_empty.setFont(used);
-    m_po_font = &used;
-    layOut();
-}
-
-void problems_page::onSize(int, int, size_change change)
-{
-    if (change != size_change::minimised)
-        layOut();
-}
-
-void problems_page::layOut()
-{
-    if (m_po_font == nullptr)
-        return;
-    if (isEmpty())
-        m_empty.showOver(true);
-    else
-        m_layout.place(clientRectangle(), *m_po_font, dpi());
-}
-
 LRESULT problems_page::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
 {
     if (message == WM_TIMER && wparam == check_timer)
@@ -104,7 +77,7 @@ LRESULT problems_page::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
             check();
         return 0;
     }
-    return page::handleMessage(message, wparam, lparam);
+    return rows_page::handleMessage(message, wparam, lparam);
 }
 
 bool problems_page::keep(config_file& config) const
@@ -183,9 +156,7 @@ void problems_page::showState()
         m_empty.showOver(true);
     }
     const bool had_focus = IsChild(handle(), GetFocus()) != 0;
-    for (control* const each : {static_cast<control*>(&m_summary), static_cast<control*>(&m_list),
-                                static_cast<control*>(&m_go), static_cast<control*>(&m_check_again)})
-        each->setVisible(!isEmpty());
+    setRowsVisible(!isEmpty());
     if (!isEmpty())
     {
         layOut();

@@ -5,10 +5,8 @@
 
 #include "EASY_GUI/win32/background_task.h"
 #include "EASY_GUI/win32/label.h"
-#include "EASY_GUI/win32/layout.h"
 #include "EASY_GUI/win32/list_view.h"
-#include "Korvane/app/empty_state.h"
-#include "Korvane/app/page.h"
+#include "Korvane/app/rows_page.h"
 #include "Korvane/presenters/problem_list.h"
 
 #include <functional>
@@ -18,14 +16,13 @@
 namespace korvane
 {
 
-class problems_page : public page
+class problems_page : public rows_page
 {
 public:
     // caption_changed is told the caption of the page's tab.
     problems_page(page_host& host, std::function<void(const std::string& caption)> caption_changed);
     ~problems_page() override { destroy(); }
 
-    void setFont(const font& used) override;
     void showDocument() override;
     HWND firstControl() const override;
     std::string copiedText() const override; // the chosen findings, a line each
@@ -35,12 +32,10 @@ public:
 protected:
     bool onCreated() override;
     void onDestroyed() override { m_check.stop(); }
-    void onSize(int width, int height, size_change change) override;
     LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
 
 private:
-    bool isEmpty() const; // nothing to list
-    void layOut();
+    bool isEmpty() const override; // nothing to list
     void checkSoon();
     void check();
     void show(problem_check_result result);
@@ -62,9 +57,6 @@ private:
     list_view m_list;
     button m_go;
     button m_check_again;
-    empty_state m_empty;
-    layout m_layout{layout::direction::down};
-    const font* m_po_font = nullptr;
 };
 
 } // namespace korvane
