@@ -356,6 +356,7 @@ void export_dialog::showChoices()
         each->setEnabled(is_animated && !m_choices.skeletons().empty());
     m_together.setEnabled(m_choices.canBeTogether());
     m_span.setEnabled(m_choices.hasSpan());
+    m_textures.setEnabled(m_choices.hasTextures());
     m_name.setEnabled(m_choices.hasName());
     m_outcome.clear();
     showTexts();

@@ -79,7 +79,7 @@ struct export_job_result
 {
     std::vector<exported_file> files;            // each was written as a whole
     std::vector<failed_export> failed;           // of several animations those that could not be exported
-    std::map<std::string, std::string> textures; // internal path in lower case to the copy; empty: there is none
+    std::map<std::string, std::string> textures; // internal path in lower case to the copy; empty: not found
     std::vector<std::string> warnings;           // about the model
     std::size_t wanted = 0;                      // animations, or 1 without
     std::size_t done = 0;                        // of them; those that neither are done nor failed came behind a stop

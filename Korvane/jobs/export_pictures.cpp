@@ -15,7 +15,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <map>
 #include <new>
+#include <set>
 #include <tuple>
 #include <utility>
 
@@ -36,6 +38,7 @@ struct picture_job
     std::vector<std::byte> first;  // base colour or normals
     std::vector<std::byte> second; // metal and roughness; empty: none
     std::vector<failure> lost;     // of textures
+    std::set<std::string> unread;  // internal paths
     int first_image = -1, second_image = -1;
 
     bool isSame(const picture_job& other) const
@@ -97,6 +100,7 @@ bool picture_maker::read(const std::string& internal_path, picture& target, pict
     if (why.path.empty())
         why.path = internal_path;
     job.lost.push_back(std::move(why));
+    job.unread.insert(internal_path);
     return false;
 }
 
@@ -174,13 +178,11 @@ void picture_maker::make()
 class picture_list
 {
 public:
-    picture_list(const export_job_options& options, const picture_place& place, gltf_pictures& pictures,
-                 std::map<std::string, std::string>& textures)
+    picture_list(const export_job_options& options, const picture_place& place, gltf_pictures& pictures)
         : m_options(options)
         , m_place(place)
         , m_folder(place.folder, extraction_layout::numbered)
         , m_pictures(pictures)
-        , m_textures(textures)
     {
     }
 
@@ -204,6 +206,13 @@ public:
         return true;
     }
 
+    // On the disk; empty: there is no such image, or it is within the file.
+    std::string pathOf(int number) const
+    {
+        const auto found = m_paths.find(static_cast<std::size_t>(number));
+        return found == m_paths.end() ? std::string() : found->second;
+    }
+
 private:
     bool write(const std::string& name, const std::vector<std::byte>& png, std::string& relative, failure& why)
     {
@@ -213,8 +222,9 @@ private:
         std::string path;
         if (!m_folder.place(name, path, why) || !isFreeToWrite(inputs, path, why) || !writeWholeFile(path, png, why))
             return false;
-        m_textures[name] = path;
-        relative = texturePathsFrom(toPath(m_place.file_folder), m_textures)(name);
+        const std::map<std::string, std::string> placed = {{name, path}};
+        relative = texturePathsFrom(toPath(m_place.file_folder), placed)(name);
+        m_paths.emplace(m_pictures.images.size(), std::move(path));
         return true;
     }
 
@@ -222,7 +232,7 @@ private:
     const picture_place& m_place;
     extraction_folder m_folder;
     gltf_pictures& m_pictures;
-    std::map<std::string, std::string>& m_textures;
+    std::map<std::size_t, std::string> m_paths; // on the disk, by the image's number
 };
 
 } // namespace
@@ -250,8 +260,7 @@ bool makeExportPictures(game_source& source, const export_job_options& options, 
         jobs.emplace_back(number, normals.normal.empty() ? SIZE_MAX : maker.add(std::move(normals)));
     }
     maker.make();
-    std::map<std::string, std::string> written;
-    picture_list list(options, place, pictures, written);
+    picture_list list(options, place, pictures);
     for (picture_job& job : maker.jobs())
     {
         for (const failure& lost : job.lost)
@@ -261,12 +270,18 @@ bool makeExportPictures(game_source& source, const export_job_options& options, 
                       job.first_image, why) ||
             !list.add(job.diffuse, "_metal_roughness", job.second, job.second_image, why))
             return false;
+        // What became of each texture; those within the file lie nowhere else.
+        const std::string first = list.pathOf(job.first_image), second = list.pathOf(job.second_image);
         for (const std::string* path : {&job.diffuse, &job.specular, &job.gloss, &job.normal})
-            if (!path->empty())
+        {
+            const bool is_of_second = path == &job.specular || path == &job.gloss;
+            if (job.unread.contains(*path))
                 result.textures.emplace(*path, "");
+            else if (const std::string& copy = is_of_second && !second.empty() ? second : first;
+                     !path->empty() && !copy.empty())
+                result.textures.emplace(*path, copy);
+        }
     }
-    for (const auto& [name, path] : written)
-        result.textures[name] = path;
     for (const auto& [colour_job, normals] : jobs)
     {
         const picture_job& job = maker.jobs()[colour_job];

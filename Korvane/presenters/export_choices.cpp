@@ -133,7 +133,7 @@ void export_choices::setFormat(int position)
 
 bool export_choices::canBeTogether() const
 {
-    return m_mode == mode::animated && m_format >= 0 && extension() == ".glb";
+    return m_mode == mode::animated && isGltf();
 }
 
 std::optional<std::string> export_choices::problem(std::size_t animation_count) const
@@ -182,9 +182,9 @@ export_job_options export_choices::options(std::span<const pack_file_node* const
         for (const pack_file_node* const entry : animations)
             addAnimation(*entry, wanted);
     wanted.lod = m_lod == 0 ? std::nullopt : std::optional(m_lod - 1);
-    if (m_textures != texture_form::as_found)
+    if (hasTextures() && m_textures != texture_form::as_found)
         wanted.texture_folder = toUtf8(toPath(m_folder) / "textures");
-    if (m_textures == texture_form::png)
+    if (hasTextures() && m_textures == texture_form::png)
     {
         wanted.texture_form = picture_kind::png;
         wanted.makes_normals_blue = true;

@@ -53,6 +53,7 @@ public:
     int format() const { return m_format; } // a position in formats; -1: none
     void setFormat(int position);
     texture_form textures() const { return m_textures; }
+    bool hasTextures() const { return !isGltf(); } // a glTF file always holds pictures of them
     void setTextures(texture_form chosen) { m_textures = chosen; }
     const std::string& folder() const { return m_folder; }
     void setFolder(const std::string& path) { m_folder = path; }
@@ -93,6 +94,7 @@ public:
 
 private:
     std::string extension() const { return std::string(formats[static_cast<std::size_t>(m_format)]); }
+    bool isGltf() const { return m_format >= 0 && extension() == ".glb"; }
     std::string filePath() const; // of the one file that has a name
     void findSkeletons(const std::vector<std::string>& ids);
     void recall();

@@ -129,6 +129,8 @@ TEST_F(export_choices_tests, theJobHasWhatWasChosen)
         }
     }
     EXPECT_TRUE(job.animations.empty());
+    choices.setFormat(2);
+    EXPECT_TRUE(choices.options({}).texture_folder.empty()) << "the pictures lie within the file";
 }
 
 TEST_F(export_choices_tests, choicesAreRememberedAndEditsAreExported)
