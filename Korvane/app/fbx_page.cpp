@@ -3,6 +3,7 @@
 #include "EASY_GUI/win32/menu.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/copy_paste.h"
+#include "Korvane/app/tool_commands.h"
 
 #include <utility>
 
@@ -33,7 +34,7 @@ bool fbx_page::onCreated()
         !m_convert.create(handle(), control_fbx_convert, "&Convert to .ANIM..."))
         return false;
     m_tree.onContextMenu = [this](tree_model::node, POINT on_screen) { showMenu(on_screen); };
-    m_convert.onClick = [this] { host().runCommand(document_command::convert_animation); };
+    m_convert.onClick = [this] { convertAnimation(host(), m_report.path()); };
     return true;
 }
 

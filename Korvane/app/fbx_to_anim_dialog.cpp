@@ -21,10 +21,11 @@ constexpr UINT log_pause = 50; // milliseconds, in which hundreds of lines may c
 
 } // namespace
 
-fbx_to_anim_dialog::fbx_to_anim_dialog(page_host& host)
+fbx_to_anim_dialog::fbx_to_anim_dialog(page_host& host, std::string fbx)
     : dialog_box({"Convert FBX animation to .ANIM", {760, 600}, true})
     , m_host(host)
     , m_form(host.config())
+    , m_first_fbx(std::move(fbx))
     , m_looking(host.thread(), {{}, {}, [this](const std::string& what) { m_summary.setText(what); }})
     , m_work(host.thread(), {[this](const work_progress& now) {
                                  m_progress.setRange(static_cast<int>(std::max<std::size_t>(now.total, 1)));
@@ -50,6 +51,8 @@ std::optional<layout> fbx_to_anim_dialog::onFill(failure&)
     m_for_games.check(m_form.isForGames());
     fillConverted({});
     showLook();
+    if (!m_first_fbx.empty())
+        choose(file::fbx, m_first_fbx);
     return rows();
 }
 

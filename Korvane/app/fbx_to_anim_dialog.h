@@ -23,7 +23,8 @@ namespace korvane
 class fbx_to_anim_dialog : public dialog_box
 {
 public:
-    explicit fbx_to_anim_dialog(page_host& host);
+    // With the file chosen; empty: none.
+    explicit fbx_to_anim_dialog(page_host& host, std::string fbx = {});
     ~fbx_to_anim_dialog() override { destroy(); }
 
 protected:
@@ -80,6 +81,7 @@ private:
 
     page_host& m_host;
     fbx_to_anim_form m_form;
+    std::string m_first_fbx;
     std::array<file_row, 3> m_files;
     button m_archives;
     field_name m_take_name, m_converted_name;

@@ -88,9 +88,9 @@ void replacePathPrefix(page_host& host)
         host.took(host.commands().replacePathPrefix(asked.wanted(), asked.replacement()));
 }
 
-void convertAnimation(page_host& host)
+void convertAnimation(page_host& host, const std::string& fbx)
 {
-    fbx_to_anim_dialog shown(host);
+    fbx_to_anim_dialog shown(host, fbx);
     runDialog(host, shown);
 }
 
