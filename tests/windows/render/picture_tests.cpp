@@ -175,6 +175,7 @@ TEST_F(pictures, lookAsTheyDid)
         double seconds;
         std::function<void(view_state& view)> change;
         const char* missing = ""; // textures whose path holds this are not there
+        unsigned samples = 4;     // with one a software device shades each pixel once, behind all surfaces
     } rows[] = {
         {"static", "demo_guard", nullptr, 0, {}},
         {"mid_stride", "demo_guard", jog, 0.2, {}},
@@ -196,6 +197,7 @@ TEST_F(pictures, lookAsTheyDid)
         {"uv", "demo_guard", nullptr, 0, channel(view_channel::uv)},
         {"weights", "demo_guard", nullptr, 0, channel(view_channel::weights)},
         {"shadow", "demo_guard", jog, 0.2, shadow},
+        {"one_sample", "demo_guard", jog, 0.2, {}, "", 1},
         {"transparent", "demo_guard", jog, 0.2, [](view_state& view) { view.is_background_clear = true; }},
     };
     for (const auto& row : rows)
@@ -203,6 +205,7 @@ TEST_F(pictures, lookAsTheyDid)
         SCOPED_TRACE(row.name);
         render_options options = small();
         options.view.heat_bone = 3;
+        options.samples = row.samples;
         if (row.change)
             row.change(options.view);
         if (row.animation != nullptr)
