@@ -36,7 +36,7 @@ struct gltf_export::parts
     gltf_buffer buffer;
 };
 
-gltf_export::gltf_export(const export_scene& scene, const gltf_pictures& pictures, bool with_materials) : m_scene(scene)
+gltf_export::gltf_export(const export_scene& scene, const gltf_pictures& pictures, bool with_materials)
 {
     auto made = std::make_unique<parts>();
     gltf_nodes::mesh_numbers numbers;

@@ -62,7 +62,6 @@ public:
 private:
     struct parts;
     std::unique_ptr<const parts> m_parts; // in bind pose
-    const export_scene& m_scene;
 };
 
 } // namespace korvane
