@@ -8,9 +8,11 @@
 #include "Korvane/app/text_dialogs.h"
 #include "Korvane/app/tool_commands.h"
 #include "Korvane/game/game_source.h"
+#include "Korvane/jobs/output_paths.h"
 #include "Korvane/scene/scene_loader.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 namespace korvane
@@ -302,7 +304,7 @@ void export_dialog::endSearch(bool is_stopped)
     if (std::exchange(m_is_ended, true))
         return;
     m_stop_search.setEnabled(false);
-    if (isExporting())
+    if (isExporting() || !m_outcome.empty())
         return;
     m_progress.setPosition(0);
     m_status.setText(std::to_string(m_rows.animationCount()) + " compatible animatimations found. " +
@@ -397,21 +399,45 @@ void export_dialog::enableAll(bool is_enabled)
     showChoices();
 }
 
+// Files of the last export may have been worked on since.
+bool export_dialog::mayReplace(const export_job_options& options)
+{
+    std::size_t there = 0;
+    std::string first;
+    for (const std::string& path : exportPaths(options))
+    {
+        std::error_code error;
+        if (!std::filesystem::exists(toPath(path), error))
+            continue;
+        first = first.empty() ? path : first;
+        ++there;
+    }
+    if (there == 0)
+        return true;
+    const std::string what = there == 1 ? displayText(first) + " is there already."
+                                        : counted(there, "file") + " of the folder would be replaced, the first is " +
+                                              displayText(fileName(first)) + ".";
+    return m_host.prompt().confirm("Replace Files?", what + " Replace, with the textures beside it?",
+                                   prompt_answer::no);
+}
+
 void export_dialog::start()
 {
     if (isExporting() || m_choices.problem(m_rows.chosenCount()))
         return;
-    m_choices.remember();
     export_job_options options = m_choices.options(m_rows.chosen());
+    if (!mayReplace(options))
+        return;
+    m_choices.remember();
     enableAll(false);
     m_message.setText({});
     m_status.setText(exportStatus({0, std::max<std::size_t>(1, options.animations.size()), {}}));
-    m_export.start([this, options = std::move(options),
-                    game = m_host.document().game()](const work_port& work) -> background_task::answer {
+    m_export.start([this, options = std::move(options), game = m_host.document().game(),
+                    folder = m_choices.folder()](const work_port& work) -> background_task::answer {
         auto result = std::make_shared<export_job_result>();
         failure why;
         loaded_game source(game);
-        const bool is_begun = runExport(source, options, work, *result, why);
+        const bool is_begun = createFolder(folder, why) && runExport(source, options, work, *result, why);
         return [this, result, is_begun, why] { end(result, is_begun, why); };
     });
 }

@@ -58,6 +58,7 @@ private:
     void showChoices();
     void showTexts();
 
+    bool mayReplace(const export_job_options& options);
     void start();
     void end(std::shared_ptr<export_job_result> result, bool is_begun, const failure& why);
     using dialog_box::end;

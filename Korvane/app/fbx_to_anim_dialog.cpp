@@ -5,6 +5,7 @@
 #include "Korvane/app/archive_anim_dialog.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/tool_commands.h"
+#include "Korvane/presenters/playback_picker.h"
 
 #include <algorithm>
 #include <memory>
@@ -319,7 +320,7 @@ void fbx_to_anim_dialog::took(const conversion& made, const std::string& output)
                  grouped(anim.bones.size() - made.result.conversion.unmatched.size()) + " of " +
                  counted(anim.bones.size(), "bone") + " matched. " + made.result.conversion.warning;
     if (made.is_done && made.result.version == 7 && anim.layout == anim_layout::tools)
-        status += " To play it here, check \"Version 7\" and convert it again.";
+        status += "For Play check \"Version 7\".";
     m_host.logLine("fbx_to_anim_dialog::took(). " + displayText(output) + ": " + displayText(status));
     if (made.is_done)
         m_host.tookConverted();
@@ -349,8 +350,16 @@ void fbx_to_anim_dialog::onCancel()
 
 void fbx_to_anim_dialog::playResult()
 {
-    if (m_play.isEnabled())
-        m_host.playAnimation(chosenResult());
+    if (!m_play.isEnabled())
+        return;
+    const std::string path = chosenResult();
+    if (const read_animation read = readAnimation({nullptr, path}, {}); !read.data)
+        return m_host.prompt().show("Play",
+                                    "This file is laid out for the games' own tools and cannot be played here. Check "
+                                    "\"Version 7: layout of the games' own files\", and convert it again.\r\n\r\n" +
+                                        displayText(read.problem),
+                                    prompt_icon::information);
+    m_host.playAnimation(path);
 }
 
 LRESULT fbx_to_anim_dialog::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)

@@ -21,6 +21,59 @@ namespace korvane
 namespace
 {
 
+struct output_file
+{
+    std::string path;
+    std::vector<std::size_t> animations = {}; // their numbers; none: bind pose, or the model alone
+};
+
+bool writesFolder(const export_job_options& options)
+{
+    const bool is_one_gltf = isGltfFile(options.output) && !isFolder(options.output);
+    return isFolder(options.output) || (options.animations.size() > 1 && !is_one_gltf);
+}
+
+// Of the animations' files, without ending.
+std::vector<std::string> animationNames(const export_job_options& options)
+{
+    std::vector<std::string> names;
+    std::set<std::string> taken; // in lower case, as Windows compares names
+    for (const std::string& animation : options.animations)
+    {
+        const std::string name = exportName(animation, ".anim");
+        std::string unique = name;
+        for (int number = 2; !taken.insert(toLower(unique)).second; ++number)
+            unique = name + "_" + std::to_string(number);
+        names.push_back(unique);
+    }
+    return names;
+}
+
+std::vector<output_file> outputsOf(const export_job_options& options)
+{
+    const bool has_folder = writesFolder(options);
+    const auto inFolder = [&options](const std::string& name) {
+        return toUtf8(toPath(options.output) / toPath(name + "." + options.folder_format.value_or("fbx")));
+    };
+    const std::vector<std::string> names = animationNames(options);
+    std::vector<output_file> files;
+    if (names.empty())
+    {
+        const bool is_figure = isDefinitionPath(options.model);
+        const std::string name = exportName(options.model, is_figure ? ".variantmeshdefinition" : ".rigid_model_v2");
+        const bool is_bound =
+            !options.is_without_bones && (is_figure || options.with_bones || !options.skeleton.empty());
+        files.push_back(
+            {has_folder ? inFolder(is_bound ? name + std::string(bind_pose_suffix) : name) : options.output});
+    }
+    for (std::size_t i = 0; i < names.size(); ++i)
+        if (has_folder || i == 0)
+            files.push_back({has_folder ? inFolder(names[i]) : options.output, {i}});
+        else
+            files.front().animations.push_back(i);
+    return files;
+}
+
 class export_run
 {
 public:
@@ -35,19 +88,6 @@ public:
     bool run(failure& why);
 
 private:
-    struct output_file
-    {
-        std::string path;
-        std::vector<std::size_t> animations = {}; // their numbers; none: bind pose, or the model alone
-    };
-
-    bool isOneGltf() const { return isGltfFile(m_options.output) && !isFolder(m_options.output); }
-    bool writesFolder() const
-    {
-        return isFolder(m_options.output) || (m_options.animations.size() > 1 && !isOneGltf());
-    }
-    void nameAnimations();
-    std::vector<output_file> outputs() const;
     bool areFree(const std::vector<output_file>& files, failure& why) const;
     bool loadTakes(const output_file& file, std::vector<gltf_take>& takes, std::vector<std::string>& loaded,
                    failure& why);
@@ -59,45 +99,10 @@ private:
     const export_job_options& m_options;
     const work_port& m_work;
     export_job_result& m_result;
-    std::vector<std::string> m_names; // of the animations' files, without ending
+    std::vector<std::string> m_names = animationNames(m_options);
     export_subject m_subject;
     export_writer m_writer{m_source, m_options, m_subject.scene, m_work, m_result};
 };
-
-void export_run::nameAnimations()
-{
-    std::set<std::string> taken; // in lower case, as Windows compares names
-    for (const std::string& animation : m_options.animations)
-    {
-        const std::string name = exportName(animation, ".anim");
-        std::string unique = name;
-        for (int number = 2; !taken.insert(toLower(unique)).second; ++number)
-            unique = name + "_" + std::to_string(number);
-        m_names.push_back(unique);
-    }
-}
-
-std::vector<export_run::output_file> export_run::outputs() const
-{
-    const auto inFolder = [this](const std::string& name) {
-        return toUtf8(toPath(m_options.output) / toPath(name + "." + m_options.folder_format.value_or("fbx")));
-    };
-    std::vector<output_file> files;
-    if (m_names.empty())
-    {
-        const bool is_figure = isDefinitionPath(m_options.model);
-        const std::string name = exportName(m_options.model, is_figure ? ".variantmeshdefinition" : ".rigid_model_v2");
-        const bool is_bound = is_figure || m_options.with_bones || !m_options.skeleton.empty();
-        files.push_back(
-            {writesFolder() ? inFolder(is_bound ? name + std::string(bind_pose_suffix) : name) : m_options.output});
-    }
-    for (std::size_t i = 0; i < m_names.size(); ++i)
-        if (writesFolder() || i == 0)
-            files.push_back({writesFolder() ? inFolder(m_names[i]) : m_options.output, {i}});
-        else
-            files.front().animations.push_back(i);
-    return files;
-}
 
 // What is read is not written over. A folder in which nothing can be written is one failure, not one for each file.
 bool export_run::areFree(const std::vector<output_file>& files, failure& why) const
@@ -105,9 +110,10 @@ bool export_run::areFree(const std::vector<output_file>& files, failure& why) co
     std::vector<std::string> inputs = m_options.animations;
     inputs.insert(inputs.end(), {m_options.model, m_options.skeleton});
     inputs.insert(inputs.end(), m_options.spared.begin(), m_options.spared.end());
+    const input_files read(inputs);
     return std::all_of(files.begin(), files.end(),
-                       [&](const output_file& file) { return isFreeToWrite(inputs, file.path, why); }) &&
-           (!writesFolder() || canWriteBelow(m_options.output, why));
+                       [&](const output_file& file) { return read.isFreeToWrite(file.path, why); }) &&
+           (!writesFolder(m_options) || canWriteBelow(m_options.output, why));
 }
 
 void export_run::nameFailed(const std::string& animation, failure reason)
@@ -158,7 +164,7 @@ bool export_run::exportFile(const output_file& file, std::size_t number, std::si
         return false;
     if (m_work.isStopped())
         return true;
-    if ((writesFolder() && !createFolder(m_options.output, why)) ||
+    if ((writesFolder(m_options) && !createFolder(m_options.output, why)) ||
         !m_writer.write(file.path, takes, line, is_written, why))
         return false;
     if (is_written)
@@ -192,8 +198,7 @@ void export_run::reportFile(const std::string& path, std::span<const gltf_take> 
 
 bool export_run::run(failure& why)
 {
-    nameAnimations();
-    const std::vector<output_file> files = outputs();
+    const std::vector<output_file> files = outputsOf(m_options);
     m_result.wanted = std::max<std::size_t>(m_options.animations.size(), 1);
     if (!areFree(files, why) || !loadExportSubject(m_source, m_options, m_work, m_subject, why))
         return false;
@@ -216,6 +221,14 @@ bool export_run::run(failure& why)
 }
 
 } // namespace
+
+std::vector<std::string> exportPaths(const export_job_options& options)
+{
+    std::vector<std::string> paths;
+    for (const output_file& file : outputsOf(options))
+        paths.push_back(file.path);
+    return paths;
+}
 
 std::string exportName(const std::string& operand, std::string_view ending)
 {

@@ -34,6 +34,7 @@ struct export_job_options
     // the one of that name.
     std::string skeleton;
     bool with_bones = false;
+    bool is_without_bones = false; // of a figure: its models alone, as they stand in the bind pose
     // Each moves the skeleton that it names; where nothing has that one, the first skeleton, and the log says so.
     std::vector<std::string> animations;
     // Those that no path finds, for another archive overrides them. They live as long as the source's archives.
@@ -90,6 +91,9 @@ struct export_job_result
 // name may hold becomes '_'. "hu1_wave" of "pack:animations\hu1_wave.anim" and ".anim". What the files of a folder and
 // the animations of a glTF file are called; a second one of that name is "hu1_wave_2".
 [[nodiscard]] std::string exportName(const std::string& operand, std::string_view ending);
+
+// The files that would be written, but for textures.
+[[nodiscard]] std::vector<std::string> exportPaths(const export_job_options& options);
 
 // Whether a path ends as the files do that are written, in any case: .fbx, .dae, .glb, .gltf.
 [[nodiscard]] bool isExportFile(std::string_view path);

@@ -174,7 +174,7 @@ bool subject_loader::loadFigure(failure& why)
     const scene_pointer figure = figureScene(why);
     if (!figure)
         return m_work.isStopped() && !why;
-    for (std::size_t i = 0; i < figure->rigs.size(); ++i)
+    for (std::size_t i = 0; i < figure->rigs.size() && !m_options.is_without_bones; ++i)
         if (!addRig(*figure, i, why))
             return false;
     for (const scene_part& part : figure->parts)
@@ -217,7 +217,7 @@ bool subject_loader::addPart(const loaded_scene& figure, const scene_part& part,
 {
     mesh_place place;
     place.place = bindPlace(figure, part);
-    if (part.rig >= 0)
+    if (part.rig >= 0 && !m_options.is_without_bones)
     {
         const rig_bones& bones = m_rigs[static_cast<std::size_t>(part.rig)];
         place.first_bone = bones.first;

@@ -128,15 +128,37 @@ std::string keptText(std::size_t count)
                             (count == 1 ? "it" : "them") + ")";
 }
 
-bool isFreeToWrite(const std::vector<std::string>& inputs, const std::string& output, failure& why)
+input_files::input_files(const std::vector<std::string>& paths)
 {
-    for (const std::string& input : inputs)
+    for (const std::string& path : paths)
     {
         std::error_code error;
-        if (std::filesystem::equivalent(toPath(input), toPath(output), error) && !error)
-            return fail(why, failure_kind::refused, "this would replace the file that is read", output);
+        const std::filesystem::path file = toPath(path);
+        const std::uintmax_t size = path.empty() ? 0 : std::filesystem::file_size(file, error);
+        const auto time =
+            path.empty() || error ? std::filesystem::file_time_type() : std::filesystem::last_write_time(file, error);
+        if (!path.empty() && !error)
+            m_files.emplace(look(size, time), file);
     }
+}
+
+bool input_files::isFreeToWrite(const std::string& output, failure& why) const
+{
+    std::error_code error;
+    const std::filesystem::path target = toPath(output);
+    const std::uintmax_t size = m_files.empty() ? 0 : std::filesystem::file_size(target, error);
+    if (m_files.empty() || error) // nothing is there
+        return true;
+    const auto [first, last] = m_files.equal_range(look(size, std::filesystem::last_write_time(target, error)));
+    for (auto alike = first; alike != last; ++alike)
+        if (std::filesystem::equivalent(alike->second, target, error) && !error)
+            return fail(why, failure_kind::refused, "this would replace the file that is read", output);
     return true;
+}
+
+bool isFreeToWrite(const std::vector<std::string>& inputs, const std::string& output, failure& why)
+{
+    return input_files(inputs).isFreeToWrite(output, why);
 }
 
 failure keptFailure(const std::string& path)

@@ -6,9 +6,13 @@
 #include "EASY_GUI/services/failure.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <filesystem>
 #include <functional>
+#include <map>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace korvane
@@ -41,7 +45,20 @@ enum class output_outcome
 // "; 2 files that differ were left as they are (--overwrite writes over them)", for the end; empty for none.
 [[nodiscard]] std::string keptText(std::size_t count);
 
-// False, with the reason, when the output would replace a file that it is made of.
+// The files that something is made of, for those who write many: each is looked at once.
+class input_files
+{
+public:
+    explicit input_files(const std::vector<std::string>& paths); // those that are no files of the disk are left out
+    // False, with the reason, when the output would replace one of them.
+    [[nodiscard]] bool isFreeToWrite(const std::string& output, failure& why) const;
+
+private:
+    using look = std::pair<std::uintmax_t, std::filesystem::file_time_type>; // size and time: of one file the same
+    std::multimap<look, std::filesystem::path> m_files;
+};
+
+// The same for one output.
 [[nodiscard]] bool isFreeToWrite(const std::vector<std::string>& inputs, const std::string& output, failure& why);
 
 } // namespace korvane

@@ -18,7 +18,7 @@ namespace
 
 constexpr std::array<std::string_view, 3> texture_words{"found", "dds", "png"};
 constexpr std::string_view all_lods_word = "all", span_word = "span", apart_word = "apart";
-constexpr std::size_t most_complaints = 5;
+constexpr std::size_t most_complaints = 3; // as the dialog has room for
 
 template <std::size_t size>
 int positionOf(const std::array<std::string_view, size>& words, std::string_view word)
@@ -68,6 +68,9 @@ export_choices::export_choices(shared_config& config, const open_files& open, co
 {
     if (open.shown() == open_files::kind::model)
         m_lods = open.model().file()->data().lods.size();
+    else if (scene)
+        for (const scene_part& part : scene->parts)
+            m_lods = std::max(m_lods, part.model->lods.size());
     findSkeletons(skeletonIds(open, scene));
     if (m_skeletons.empty())
         m_mode = mode::bind_pose;
@@ -145,8 +148,8 @@ std::optional<std::string> export_choices::problem(std::size_t animation_count) 
                                  : "There is no skeleton \"" + displayText(m_missing.front()) +
                                        "\" in the archives. Add the game or the mod that it comes from with "
                                        "Tools > Setup Game Folders.";
-    if (m_folder.empty())
-        return "Choose a folder for the files.";
+    if (!toPath(m_folder).is_absolute())
+        return "Choose a folder for the files, with its drive.";
     if (std::string reason; hasName() && (m_name.empty() || !relativeDiskPath(m_name + extension(), reason)))
         return m_name.empty() ? "Type a name for the file." : "A file cannot have this name: " + reason + ".";
     if (hasName() && m_name.find_first_of("/\\") != std::string::npos)
@@ -223,6 +226,7 @@ export_job_options staticExport(const open_files& open, const std::string& outpu
     export_job_options wanted;
     nameShown(open, wanted);
     wanted.output = output;
+    wanted.is_without_bones = true;
     wanted.spared = {config_path};
     return wanted;
 }
@@ -236,10 +240,10 @@ std::string exportStatus(const work_progress& now)
 
 std::string exportSummary(const export_job_result& result)
 {
-    const std::string count = std::to_string(result.done);
     if (result.is_stopped)
-        return "Stopped. Files Exported: " + count + " of " + std::to_string(result.wanted);
-    return exportedLine(result.done);
+        return "Stopped. " + exportedLine(result.files.size());
+    return exportedLine(result.files.size()) +
+           (result.failed.empty() ? "" : "; " + std::to_string(result.failed.size()) + " failed");
 }
 
 std::string exportComplaints(const export_job_result& result)
@@ -253,8 +257,8 @@ std::string exportComplaints(const export_job_result& result)
                                        [](const auto& texture) { return texture.second.empty(); });
     if (missing > 0)
         text += counted(static_cast<std::size_t>(missing), "texture") + " could not be found (see log.txt)\r\n";
-    for (const std::string& warning : result.warnings)
-        text += displayText(warning) + "\r\n";
+    if (!result.warnings.empty())
+        text += counted(result.warnings.size(), "warning") + " about the model (see log.txt)\r\n";
     return text;
 }
 

@@ -51,10 +51,11 @@ TEST_F(model_commands_test, commandsAreEnabledAsTheyMakeSense)
     EXPECT_FALSE(m_commands.isEnabled(command::save_as));
     EXPECT_FALSE(m_commands.isEnabled(command::reset));
     open(7);
-    for (const command always : {command::save, command::save_as, command::patch, command::reset, command::test,
-                                 command::open_folder, command::choose_alpha_mode, command::choose_texture})
+    for (const command always :
+         {command::save, command::save_as, command::patch, command::reset, command::test, command::open_folder,
+          command::choose_alpha_mode, command::choose_texture, command::export_static})
         EXPECT_TRUE(m_commands.isEnabled(always)) << static_cast<int>(always);
-    for (const command later : {command::undo, command::redo, command::export_static, command::save_picture})
+    for (const command later : {command::undo, command::redo, command::save_picture})
         EXPECT_FALSE(m_commands.isEnabled(later)) << static_cast<int>(later);
     EXPECT_EQ(m_commands.chooseAlphaMode(1), command_outcome::done);
     EXPECT_TRUE(m_commands.isEnabled(command::undo));

@@ -1,5 +1,6 @@
 // What of the export no command line shows: names, and stopping. Files are judged in tests/cli.
 
+#include "EASY_GUI/services/file_system.h"
 #include "Korvane/jobs/export_job.h"
 #include "tests/support/anim_builder.h"
 #include "tests/support/temporary_folder.h"
@@ -68,7 +69,7 @@ TEST(export_job, aStopLeavesWholeFilesAndACount)
             EXPECT_EQ(result.is_stopped, stop_at < 6);
             std::error_code ignored;
             std::size_t files = 0;
-            for (const auto& entry : std::filesystem::directory_iterator(options.output, ignored))
+            for (const auto& entry : std::filesystem::directory_iterator(toPath(options.output), ignored))
                 files += entry.path().extension() == "." + std::string(format)
                              ? 1u
                              : 100u * (entry.path().extension() != ".bin");

@@ -1,5 +1,6 @@
 // The dialog of exports without its window: what is found and chosen, what is said of it, and the job that comes of it.
 
+#include "EASY_GUI/services/text.h"
 #include "Korvane/archives/pack_file.h"
 #include "Korvane/presenters/export_choices.h"
 #include "Korvane/presenters/export_rows.h"
@@ -51,7 +52,7 @@ protected:
         rows.restart();
         rows.add(finder.take());
     }
-    export_choices make() { return export_choices(config, open, nullptr, "exports"); }
+    export_choices make() { return export_choices(config, open, nullptr, folder.file("exports")); }
     std::string problemOf(const export_choices& choices, std::size_t count) const
     {
         return choices.problem(count).value_or("");
@@ -139,7 +140,7 @@ TEST_F(export_choices_tests, choicesAreRememberedAndEditsAreExported)
         export_choices choices = make();
         choices.setFormat(2);
         choices.setTextures(export_choices::texture_form::dds);
-        choices.setFolder("d:\\out");
+        choices.setFolder(folder.file("out"));
         choices.setTogether(false);
         choices.setFullSpan(true);
         choices.setLod(0);
@@ -148,7 +149,7 @@ TEST_F(export_choices_tests, choicesAreRememberedAndEditsAreExported)
     const export_choices later = make();
     EXPECT_EQ(later.format(), 2);
     EXPECT_EQ(later.textures(), export_choices::texture_form::dds);
-    EXPECT_EQ(later.folder(), "d:\\out");
+    EXPECT_TRUE(equalsIgnoringCase(later.folder(), folder.file("out"))) << later.folder();
     EXPECT_EQ(later.lod(), 0u);
     EXPECT_TRUE(later.isFullSpan() && !later.isTogether());
 
