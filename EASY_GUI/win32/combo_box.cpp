@@ -20,14 +20,6 @@ void combo_box::place(int x, int y, int width, int height)
     control::place(x, y, width, height * open_entries);
 }
 
-// Alt+F4 closes the window, as anywhere else; some systems' lists take it for F4, and open.
-LRESULT combo_box::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
-{
-    if (message == WM_SYSKEYDOWN && wparam == VK_F4)
-        return DefWindowProcW(handle(), message, wparam, lparam);
-    return control::handleMessage(message, wparam, lparam);
-}
-
 void combo_box::clear()
 {
     send(CB_RESETCONTENT);

@@ -31,7 +31,6 @@ public:
     int selected() const;                                     // -1: none
 
 protected:
-    LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
     bool onNotified(int code) override
     {
         return code == CBN_SELCHANGE ? tell(onSelect, selected()) : code == CBN_EDITCHANGE && tell(onType);

@@ -83,8 +83,11 @@ LRESULT CALLBACK control::watch(HWND handle, UINT message, WPARAM wparam, LPARAM
     return result;
 }
 
+// Alt+F4 closes the window, whichever control has the focus: some systems' lists and trees keep it to themselves.
 LRESULT control::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
 {
+    if (message == WM_SYSKEYDOWN && wparam == VK_F4)
+        return DefWindowProcW(m_handle, message, wparam, lparam);
     return CallWindowProcW(m_system_procedure, m_handle, message, wparam, lparam);
 }
 
