@@ -62,7 +62,6 @@ export_choices::export_choices(shared_config& config, const open_files& open, co
                                const std::string& default_folder)
     : m_config(config)
     , m_open(open)
-    , m_po_game(open.game())
     , m_folder(default_folder)
     , m_name(open.shownName())
 {
@@ -81,7 +80,7 @@ export_choices::export_choices(shared_config& config, const open_files& open, co
 void export_choices::findSkeletons(const std::vector<std::string>& ids)
 {
     const path_tree none;
-    const path_tree& tree = m_po_game->archives() ? *m_po_game->archives() : none;
+    const path_tree& tree = m_open.game()->archives() ? *m_open.game()->archives() : none;
     for (const std::string& id : ids)
     {
         const std::size_t count = m_skeletons.size();
@@ -200,7 +199,7 @@ export_job_options export_choices::options(std::span<const pack_file_node* const
 
 std::string export_choices::operandOf(const pack_file_node& entry) const
 {
-    const path_node* const counting = m_po_game->archives()->findStored(entry.internalPath());
+    const path_node* const counting = m_open.game()->archives()->findStored(entry.internalPath());
     return counting != nullptr && counting->file() == &entry ? game_path::ofInternal(entry.internalPath()).text()
                                                              : std::string();
 }

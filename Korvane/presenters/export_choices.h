@@ -13,7 +13,6 @@
 
 #include <array>
 #include <cstddef>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -102,7 +101,6 @@ private:
 
     shared_config& m_config;
     const open_files& m_open;
-    std::shared_ptr<const game_data> m_po_game;
     std::vector<skeleton> m_skeletons;
     std::vector<std::string> m_missing; // ids that the archives do not have
     int m_skeleton = -1;

@@ -1,12 +1,10 @@
 // The dialog of exports without its window: what is found and chosen, what is said of it, and the job that comes of it.
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/archives/pack_file.h"
 #include "Korvane/presenters/export_choices.h"
 #include "Korvane/presenters/export_rows.h"
 #include "tests/support/anim_builder.h"
-#include "tests/support/pack_builder.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/archive_tree.h"
 
 #include <gtest/gtest.h>
 
@@ -22,28 +20,20 @@ class export_choices_tests : public testing::Test
 protected:
     void SetUp() override
     {
-        addArchive("z.pack", {{"animations\\skeletons\\man.anim", test::animOf("man")},
-                              {"animations\\walk\\slow.anim", test::animOf("man")},
-                              {"animations\\walk\\old.anim", test::animOf("man", 6)},
-                              {"animations\\walk\\other.anim", test::animOf("horse")}});
-        addArchive("y.pack", {{"animations\\walk\\slow.anim", test::animOf("man")},
-                              {"animations\\run.anim", test::animOf("man").substr(0, 40)}});
+        test::enterArchive(*tree, folder, "z.pack",
+                           {{"animations\\skeletons\\man.anim", test::animOf("man")},
+                            {"animations\\walk\\slow.anim", test::animOf("man")},
+                            {"animations\\walk\\old.anim", test::animOf("man", 6)},
+                            {"animations\\walk\\other.anim", test::animOf("horse")}});
+        test::enterArchive(*tree, folder, "y.pack",
+                           {{"animations\\walk\\slow.anim", test::animOf("man")},
+                            {"animations\\run.anim", test::animOf("man").substr(0, 40)}});
         open.setGame(std::make_shared<const game_data>(tree));
         test::test_model model;
         model.skeleton_id = "man";
         test::writeBytes(folder.file("guard.rigid_model_v2"), model.bytes());
         failure why;
         ASSERT_TRUE(open.open(folder.file("guard.rigid_model_v2"), why)) << describe(why);
-    }
-    void addArchive(const std::string& name, std::vector<test::test_entry> entries)
-    {
-        test::test_pack pack;
-        pack.entries = std::move(entries);
-        test::writeBytes(folder.file(name), pack.bytes());
-        pack_file archive(*tree);
-        failure why;
-        ASSERT_TRUE(archive.open(folder.file(name), why)) << describe(why);
-        archive.enter();
     }
     void search()
     {

@@ -1,10 +1,8 @@
 // The box of animations without its window: both searches, the list with its filter, what is played and what is said.
 
-#include "Korvane/archives/pack_file.h"
 #include "Korvane/presenters/playback_picker.h"
 #include "tests/support/anim_builder.h"
-#include "tests/support/pack_builder.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/archive_tree.h"
 
 #include <gtest/gtest.h>
 
@@ -20,13 +18,7 @@ class playback_picker_tests : public testing::Test
 protected:
     void addArchive(const std::string& name, std::vector<test::test_entry> entries)
     {
-        test::test_pack pack;
-        pack.entries = std::move(entries);
-        test::writeBytes(folder.file(name), pack.bytes());
-        pack_file archive(*tree);
-        failure why;
-        ASSERT_TRUE(archive.open(folder.file(name), why)) << describe(why);
-        archive.enter();
+        test::enterArchive(*tree, folder, name, std::move(entries));
         game = std::make_shared<const game_data>(tree);
     }
     // Of these skeletons; all but those with a '?' before their id were found.
