@@ -31,7 +31,7 @@ constexpr std::size_t header_size = 32; // version to the bone count
 
 struct figures // the best of each, in seconds
 {
-    double raw = 1e9, search = 1e9, steps = 1e9;
+    double raw = 1e9, search = 1e9, first = 1e9, pieces = 1e9;
 } best;
 
 void keep(double& least, const clock_type::time_point& begin)
@@ -111,15 +111,18 @@ void searchAll()
     require(found.size() == archive_count * animations_per_archive / 10);
 }
 
-void searchInSteps()
+void searchInPieces()
 {
     const auto begin = clock_type::now();
-    compatible_search search(corpus->tree(), "humanoid01");
-    while (search.step())
-    {
-    }
-    keep(best.steps, begin);
-    require(search.matches().size() == archive_count * animations_per_archive / 10);
+    std::size_t found = 0;
+    const auto take = [&](const entry_list& more, std::size_t, std::size_t) {
+        if (found == 0 && !more.empty())
+            keep(best.first, begin);
+        found += more.size();
+    };
+    require(listCompatible(*corpus->tree(), "humanoid01", take).unreadable == 0);
+    keep(best.pieces, begin);
+    require(found == archive_count * animations_per_archive / 10);
 }
 
 // In turns, so that whatever else the machine does at times strikes all.
@@ -134,7 +137,7 @@ void readAndSearch(benchmark::State& state)
     {
         rawReads(places);
         searchAll();
-        searchInSteps();
+        searchInPieces();
     }
 }
 
@@ -148,7 +151,9 @@ int main(int count, char** values)
     const anim_corpus made;
     corpus = &made;
     benchmark::RunSpecifiedBenchmarks();
-    std::printf("search / raw reads = %.2f (%.1f ms), in steps on one core %.2f\n", best.search / best.raw,
-                best.search * 1e3, best.steps / best.raw);
+    std::printf(
+        "search / raw reads = %.2f (%.1f ms); in pieces, as for a dialog, %.2f of the search (%.1f ms), the first "
+        "of them after %.1f ms\n",
+        best.search / best.raw, best.search * 1e3, best.pieces / best.search, best.pieces * 1e3, best.first * 1e3);
     return 0;
 }

@@ -7,6 +7,8 @@
 #include "Korvane/archives/pack_entry.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -28,8 +30,15 @@ enum class verdict
     unreadable
 };
 
+enum class search_rule
+{
+    any_version, // the first archive that cannot be read ends the search
+    exportable   // of versions 5 and 7; whatever cannot be read is passed over
+};
+
 // Reads no more than a match needs: start is as long as that.
-verdict examine(const pack_file_node& entry, std::string_view skeleton_id, std::span<std::byte> start, failure& why)
+verdict examine(const pack_file_node& entry, std::string_view skeleton_id, search_rule rule, std::span<std::byte> start,
+                failure& why)
 {
     if (entry.compression() == 0 && entry.size() < start.size())
         return verdict::differs;
@@ -45,17 +54,22 @@ verdict examine(const pack_file_node& entry, std::string_view skeleton_id, std::
     const bool is_match = count == start.size() &&
                           littleEndian<std::uint16_t>(start.data() + name_length_at) == skeleton_id.size() &&
                           std::memcmp(start.data() + name_at, skeleton_id.data(), skeleton_id.size()) == 0;
-    return is_match ? verdict::matches : verdict::differs;
+    std::string name;
+    failure refused;
+    return is_match && (rule == search_rule::any_version || anim_file::readHeaderName(start, name, refused))
+               ? verdict::matches
+               : verdict::differs;
 }
 
 // Several threads take blocks of candidates; what they found is put in order at the end.
 class block_search
 {
 public:
-    block_search(std::span<const pack_file_node* const> candidates, std::string_view skeleton_id,
+    block_search(std::span<const pack_file_node* const> candidates, std::string_view skeleton_id, search_rule rule,
                  const std::stop_token& stop)
         : m_candidates(candidates)
         , m_skeleton_id(skeleton_id)
+        , m_rule(rule)
         , m_stop(stop)
         , m_blocks(candidates.size(), block_size)
     {
@@ -66,8 +80,11 @@ public:
         constexpr std::size_t worth_a_thread = 1024; // candidates
         std::vector<outcome> outcomes(threadsFor(1 + m_candidates.size() / worth_a_thread));
         runOnThreads(outcomes.size(), [&](std::size_t thread) { work(outcomes[thread]); });
+        for (const outcome& part : outcomes)
+            m_unreadable += part.unreadable;
         return collect(outcomes, found, why);
     }
+    std::size_t unreadableCount() const { return m_unreadable; } // that were passed over
 
 private:
     static constexpr std::size_t block_size = 128;
@@ -76,6 +93,7 @@ private:
     struct outcome
     {
         std::vector<std::size_t> matches;
+        std::size_t unreadable = 0;
         std::size_t failed_at = nowhere;
         failure why;
     };
@@ -91,11 +109,13 @@ private:
                 {
                     if (at >= m_end.load())
                         return;
-                    const verdict found = examine(*m_candidates[at], m_skeleton_id, start, result.why);
+                    const verdict found = examine(*m_candidates[at], m_skeleton_id, m_rule, start, result.why);
                     if (found == verdict::matches)
                         result.matches.push_back(at);
-                    else if (found == verdict::unreadable)
+                    else if (found == verdict::unreadable && m_rule == search_rule::any_version)
                         return stopAt(at, result);
+                    else if (found == verdict::unreadable)
+                        ++result.unreadable;
                 }
         }
         catch (const std::bad_alloc&) // an exception must not leave a thread
@@ -133,6 +153,8 @@ private:
 
     std::span<const pack_file_node* const> m_candidates;
     std::string_view m_skeleton_id;
+    search_rule m_rule;
+    std::size_t m_unreadable = 0;
     std::stop_token m_stop;
     shared_range m_blocks;
     std::atomic<std::size_t> m_end{nowhere}; // the first candidate that could not be read
@@ -148,6 +170,54 @@ entry_list entriesThat(const path_tree& tree, condition isWanted)
                 list.push_back(&entry);
     return list;
 }
+
+// One search after the other over pieces of the candidates, each of which takes a moment: what comes of them is seen
+// soon, on a slow disk, too, and large pieces are worth several threads. False when one of them failed.
+class piecewise_search
+{
+public:
+    piecewise_search(const path_tree& tree, std::string_view skeleton_id, search_rule rule)
+        : m_skeleton_id(skeleton_id)
+        , m_rule(rule)
+    {
+        if (skeleton_id.size() <= std::numeric_limits<std::uint16_t>::max()) // else no header can hold it
+            m_candidates = animationCandidates(tree);
+    }
+
+    bool run(const found_port& tellFound, const std::stop_token& stop, failure& why)
+    {
+        using clock = std::chrono::steady_clock;
+        constexpr std::chrono::milliseconds a_moment{20};
+        constexpr std::size_t smallest = 128, largest = 8192;
+        const std::span<const pack_file_node* const> all(m_candidates);
+        std::size_t size = 1024;
+        for (std::size_t done = 0; done < all.size() && !stop.stop_requested();)
+        {
+            const auto begin = clock::now();
+            const auto piece = all.subspan(done, std::min(size, all.size() - done));
+            entry_list more;
+            block_search search(piece, m_skeleton_id, m_rule, stop);
+            const bool is_read = search.run(more, why);
+            m_found += more.size();
+            m_unreadable += search.unreadableCount();
+            if (is_read && !stop.stop_requested())
+                done += piece.size();
+            tellFound(more, done, all.size());
+            if (!is_read)
+                return false;
+            size = clock::now() - begin < a_moment ? std::min(size * 2, largest) : std::max(size / 2, smallest);
+        }
+        return true;
+    }
+    std::size_t foundCount() const { return m_found; }
+    std::size_t unreadableCount() const { return m_unreadable; }
+
+private:
+    std::string_view m_skeleton_id;
+    search_rule m_rule;
+    entry_list m_candidates;
+    std::size_t m_found = 0, m_unreadable = 0;
+};
 
 } // namespace
 
@@ -169,29 +239,20 @@ bool findAnimations(std::span<const pack_file_node* const> candidates, std::stri
 {
     if (skeleton_id.size() > std::numeric_limits<std::uint16_t>::max()) // no header can hold it
         return true;
-    return block_search(candidates, skeleton_id, stop).run(found, why);
+    return block_search(candidates, skeleton_id, search_rule::any_version, stop).run(found, why);
 }
 
 animation_listing listAnimations(const path_tree& tree, std::string_view skeleton_id, const found_port& found,
                                  const std::stop_token& stop, const log_port& log)
 {
-    constexpr std::size_t piece_size = 4096; // worth several threads, and seen a moment later
     tell(log, "seaching for compatible animations");
-    const entry_list all = animationCandidates(tree);
-    const std::span<const pack_file_node* const> candidates(all);
+    piecewise_search search(tree, skeleton_id, search_rule::any_version);
     animation_listing listing;
     failure why;
-    for (std::size_t done = 0; done < candidates.size() && !why && !stop.stop_requested();)
-    {
-        const auto piece = candidates.subspan(done, std::min(piece_size, candidates.size() - done));
-        entry_list more;
-        if (findAnimations(piece, skeleton_id, more, why, stop))
-            done += piece.size();
-        listing.found += more.size();
-        found(more, done, candidates.size());
-    }
+    const bool is_read = search.run(found, stop, why);
+    listing.found = search.foundCount();
     listing.is_stopped = stop.stop_requested();
-    if (why)
+    if (!is_read)
     {
         tell(log, describe(why));
         listing.said = notice{"Error!", "Error reading .pack files. Are they being used by another program?"};
@@ -201,6 +262,15 @@ animation_listing listAnimations(const path_tree& tree, std::string_view skeleto
     if (!listing.is_stopped)
         tell(log, "Skeletopn + Animation find+load SUCCESSFUL!");
     return listing;
+}
+
+compatible_listing listCompatible(const path_tree& tree, std::string_view skeleton_id, const found_port& found,
+                                  const std::stop_token& stop)
+{
+    piecewise_search search(tree, skeleton_id, search_rule::exportable);
+    failure ignored; // memory: what was found so far is listed
+    const bool is_through = search.run(found, stop, ignored);
+    return {search.foundCount(), search.unreadableCount(), !is_through || stop.stop_requested()};
 }
 
 std::optional<std::uint32_t> readFrameCount(const pack_file_node& entry)
@@ -216,29 +286,6 @@ std::optional<std::uint32_t> readFrameCount(const pack_file_node& entry)
     if (!file.loadTemplate({}, why))
         return std::nullopt;
     return file.data().frame_count;
-}
-
-compatible_search::compatible_search(std::shared_ptr<const path_tree> tree, std::string skeleton_id)
-    : m_po_tree(std::move(tree))
-    , m_skeleton_id(std::move(skeleton_id))
-    , m_candidates(animationCandidates(*m_po_tree))
-    , m_start(name_at + m_skeleton_id.size())
-{
-}
-
-bool compatible_search::step()
-{
-    if (isStopped() || m_next == m_candidates.size())
-        return false;
-    const pack_file_node& entry = *m_candidates[m_next++];
-    failure why;
-    const verdict found = examine(entry, m_skeleton_id, m_start, why);
-    m_unreadable_count += found == verdict::unreadable ? 1u : 0u;
-    std::string name;
-    failure reason;
-    if (found == verdict::matches && anim_file::readHeaderName(m_start, name, reason))
-        m_matches.push_back({&entry, m_skeleton_id});
-    return true;
 }
 
 } // namespace korvane

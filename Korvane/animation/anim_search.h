@@ -12,11 +12,9 @@
 #include "Korvane/archives/path_tree.h"
 #include "Korvane/archives/skeleton_entries.h"
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <span>
 #include <stop_token>
@@ -49,7 +47,8 @@ struct animation_listing
 };
 // How far it is, and what was found since the last time; by the thread that lists.
 using found_port = std::function<void(const entry_list& more, std::size_t done, std::size_t total)>;
-// findAnimations() among all candidates, piece by piece and in their order, and what the log says of it.
+// findAnimations() among all candidates, in their order and in pieces that take a moment each, and what the log says of
+// it.
 animation_listing listAnimations(const path_tree& tree, std::string_view skeleton_id, const found_port& found,
                                  const std::stop_token& stop = {}, const log_port& log = {});
 
@@ -57,39 +56,14 @@ animation_listing listAnimations(const path_tree& tree, std::string_view skeleto
 // none of version 5 or 7, or cannot be read.
 [[nodiscard]] std::optional<std::uint32_t> readFrameCount(const pack_file_node& entry);
 
-// The same search in steps, for a dialog that shows its progress. Takes versions 5 and 7 only, and passes over whatever
-// cannot be read. One thread at a time, but for requestStop().
-class compatible_search
+// The same search for a dialog that exports: it takes versions 5 and 7 only, and passes over whatever cannot be read.
+struct compatible_listing
 {
-public:
-    struct match
-    {
-        const pack_file_node* entry;
-        std::string skeleton_name; // the id that was looked for
-    };
-
-    compatible_search(std::shared_ptr<const path_tree> tree, std::string skeleton_id);
-
-    // Examines one candidate. False when there are none left, or somebody wants it to stop.
-    bool step();
-    // From any thread; the steps end for good, and what was found stays.
-    void requestStop() { m_is_stopped.store(true); }
-
-    bool isStopped() const { return m_is_stopped.load(); }
-    std::size_t candidateCount() const { return m_candidates.size(); }
-    std::size_t doneCount() const { return m_next; } // and the index of the next candidate
-    std::size_t unreadableCount() const { return m_unreadable_count; }
-    const std::vector<match>& matches() const { return m_matches; }
-
-private:
-    std::shared_ptr<const path_tree> m_po_tree;
-    std::string m_skeleton_id;
-    entry_list m_candidates;
-    std::vector<match> m_matches;
-    std::vector<std::byte> m_start; // of the candidate: as much as a match needs
-    std::size_t m_next = 0;
-    std::size_t m_unreadable_count = 0;
-    std::atomic<bool> m_is_stopped{false};
+    std::size_t found = 0;
+    std::size_t unreadable = 0; // candidates
+    bool is_stopped = false;    // there may be more
 };
+compatible_listing listCompatible(const path_tree& tree, std::string_view skeleton_id, const found_port& found,
+                                  const std::stop_token& stop = {});
 
 } // namespace korvane

@@ -28,9 +28,6 @@ std::string defaultExportFolder(page_host& host)
     return toUtf8(toPath(config.empty() ? config_file::defaultPath() : config).parent_path() / "exports");
 }
 
-constexpr UINT_PTR look_timer = 1;
-constexpr UINT look_pause = 100; // milliseconds
-
 } // namespace
 
 export_dialog::export_dialog(page_host& host, export_choices& choices, folder_port open_folder)
@@ -46,8 +43,6 @@ export_dialog::export_dialog(page_host& host, export_choices& choices, folder_po
                                    m_progress.setPosition(static_cast<int>(now.done));
                                    m_status.setText("Seaching for compatible animations: " + grouped(now.done) + " / " +
                                                     grouped(now.total));
-                                   if (now.done == now.total)
-                                       endSearch(false);
                                },
                                [&host](const std::string& line) { host.logLine(line); },
                                [this](const std::string& what) {
@@ -177,7 +172,7 @@ void export_dialog::connectChoice()
     m_list.onSelect = [this](int) { chosen(); };
     m_list.onActivate = [this](int) { m_export_button.press(); };
     m_list.onContextMenu = [this](int, POINT on_screen) { showMenu(on_screen); };
-    m_stop_search.onClick = [this] { m_search.requestStop(); };
+    m_stop_search.onClick = [this] { m_found->stopSearch(); };
 }
 
 void export_dialog::connectOutput()
@@ -262,41 +257,31 @@ void export_dialog::onDestroyed()
     dialog_box::onDestroyed();
 }
 
-// Between the reports of the worker, which come only as fast as there is something new.
-LRESULT export_dialog::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
-{
-    if (message == WM_TIMER && wparam == look_timer)
-        return takeFound(), 0;
-    return dialog_box::handleMessage(message, wparam, lparam);
-}
-
 void export_dialog::search()
 {
     m_rows.restart();
     m_list.refresh();
     m_is_ended = false;
     m_stop_search.setEnabled(true);
-    SetTimer(handle(), look_timer, look_pause, nullptr); // goes with the window
     const auto& skeleton = m_choices.skeletons()[static_cast<std::size_t>(m_choices.chosenSkeleton())];
     m_found = std::make_shared<export_finder>(m_host.document().game()->archives(), skeleton.id);
     m_search.start([this, finder = m_found](const work_port& work) -> background_task::answer {
         finder->run(work);
-        return [this, is_stopped = work.isStopped()] {
-            takeFound();
-            KillTimer(handle(), look_timer);
-            endSearch(is_stopped);
-        };
+        return [this] { takeFound(); };
     });
     showTexts();
 }
 
 void export_dialog::takeFound()
 {
-    const export_finder::finds found = m_found ? m_found->take() : export_finder::finds();
-    if (found.empty())
-        return;
-    m_rows.add(found);
-    m_list.refresh();
+    const export_finder::finds found = m_found->take();
+    if (!found.empty())
+    {
+        m_rows.add(found);
+        m_list.refresh();
+    }
+    if (found.search != export_finder::state::searching)
+        endSearch(found.search == export_finder::state::stopped);
 }
 
 void export_dialog::endSearch(bool is_stopped)

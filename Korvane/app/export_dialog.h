@@ -37,7 +37,6 @@ protected:
     void onShown() override;
     void onCancel() override; // while files are written it stops that
     void onDestroyed() override;
-    LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
 
 private:
     bool createChoice();

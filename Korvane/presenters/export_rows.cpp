@@ -1,10 +1,10 @@
 #include "Korvane/presenters/export_rows.h"
 
+#include "EASY_GUI/services/parallel.h"
 #include "EASY_GUI/services/text.h"
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <utility>
 
 namespace korvane
@@ -22,8 +22,6 @@ enum export_column : std::size_t
     cell_frames
 };
 
-constexpr std::chrono::milliseconds between_reports{40};
-
 std::string sizeText(std::uint64_t bytes)
 {
     return bytes < 1024 ? std::to_string(bytes) + " B" : grouped((bytes + 1023) / 1024) + " KB";
@@ -33,52 +31,50 @@ std::string sizeText(std::uint64_t bytes)
 
 void export_finder::run(const work_port& work)
 {
-    std::size_t told = 0;
-    auto reported = std::chrono::steady_clock::now();
-    work.report(0, m_search.candidateCount());
-    const auto isDue = [&reported] {
-        const auto now = std::chrono::steady_clock::now();
-        return now - reported >= between_reports ? (reported = now, true) : false;
-    };
-    while (!work.isStopped() && m_search.step())
-        if ((m_search.doneCount() % 64 == 0 || m_search.matches().size() == 1) && isDue())
+    const std::stop_callback stop_with_work(work.stop, [this] { stopSearch(); });
+    entry_list all;
+    const auto take = [&](const entry_list& more, std::size_t done, std::size_t total) {
+        all.insert(all.end(), more.begin(), more.end());
         {
-            hand(told);
-            work.report(m_search.doneCount(), m_search.candidateCount());
+            const std::lock_guard lock(m_mutex);
+            m_finds.entries.insert(m_finds.entries.end(), more.begin(), more.end());
         }
-    hand(told);
-    work.report(m_search.doneCount(), m_search.candidateCount());
-    std::vector<std::uint32_t> frames;
-    const auto handFrames = [&] {
-        const std::lock_guard lock(m_mutex);
-        m_finds.frames.insert(m_finds.frames.end(), frames.begin(), frames.end());
-        frames.clear();
+        work.report(done, total);
     };
-    for (const compatible_search::match& match : m_search.matches())
+    const compatible_listing listing = listCompatible(*m_po_tree, m_skeleton_id, take, m_stop.get_token());
+    if (listing.unreadable > 0)
+        tell(work.log, counted(listing.unreadable, "animation") + " could not be read. Are the .pack files being used "
+                                                                  "by another program?");
     {
-        if (work.isStopped())
-            break;
-        frames.push_back(readFrameCount(*match.entry).value_or(no_frames));
-        if (isDue())
-        {
-            handFrames();
-            work.report(m_search.doneCount(), m_search.candidateCount());
-        }
+        const std::lock_guard lock(m_mutex);
+        m_finds.search = listing.is_stopped ? state::stopped : state::through;
     }
-    handFrames();
+    readFrames(all, work);
 }
 
-void export_finder::hand(std::size_t& told)
+void export_finder::readFrames(const entry_list& found, const work_port& work)
 {
-    const std::lock_guard lock(m_mutex);
-    for (; told < m_search.matches().size(); ++told)
-        m_finds.entries.push_back(m_search.matches()[told].entry);
+    constexpr std::size_t piece_size = 256, worth_a_thread = 32;
+    for (std::size_t begin = 0; begin < found.size() && !work.isStopped(); begin += piece_size)
+    {
+        std::vector<std::uint32_t> frames(std::min(piece_size, found.size() - begin));
+        parallelFor(
+            frames.size(), threadsFor(frames.size() / worth_a_thread),
+            [&](std::size_t i) { frames[i] = readFrameCount(*found[begin + i]).value_or(no_frames); }, 8);
+        {
+            const std::lock_guard lock(m_mutex);
+            m_finds.frames.insert(m_finds.frames.end(), frames.begin(), frames.end());
+        }
+        work.report(found.size(), found.size()); // there is something to take
+    }
 }
 
 export_finder::finds export_finder::take()
 {
     const std::lock_guard lock(m_mutex);
-    return std::exchange(m_finds, {});
+    finds taken = std::exchange(m_finds, {});
+    m_finds.search = taken.search;
+    return taken;
 }
 
 void export_rows::restart()

@@ -13,36 +13,51 @@
 #include <mutex>
 #include <optional>
 #include <span>
+#include <stop_token>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace korvane
 {
 
-// One search for the animations of a skeleton, candidate by candidate, and then how long each of them is.
+// One search for the animations of a skeleton, and then how long each of those is that were found.
 class export_finder
 {
 public:
     export_finder(std::shared_ptr<const path_tree> tree, std::string skeleton_id)
-        : m_search(std::move(tree), std::move(skeleton_id))
+        : m_po_tree(std::move(tree))
+        , m_skeleton_id(std::move(skeleton_id))
     {
     }
 
-    void run(const work_port& work); // the worker's; reports candidates whenever there is something to take
+    // The worker's; reports candidates whenever there is something to take. A stop of the work ends all of it.
+    void run(const work_port& work);
+    // Any thread: what was found until now is all.
+    void stopSearch() { m_stop.request_stop(); }
 
+    enum class state
+    {
+        searching,
+        stopped, // there may be more
+        through
+    };
     struct finds
     {
         entry_list entries;                // since the last time
         std::vector<std::uint32_t> frames; // of the next entries in their order; no_frames: they cannot be read
+        state search = state::searching;   // with these entries
         bool empty() const { return entries.empty() && frames.empty(); }
     };
     static constexpr std::uint32_t no_frames = 0xffffffffu;
     finds take(); // any thread
 
 private:
-    void hand(std::size_t& told);
+    void readFrames(const entry_list& found, const work_port& work);
 
-    compatible_search m_search;
+    std::shared_ptr<const path_tree> m_po_tree;
+    std::string m_skeleton_id;
+    std::stop_source m_stop;
     std::mutex m_mutex; // guards m_finds
     finds m_finds;
 };

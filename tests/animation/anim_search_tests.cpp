@@ -118,38 +118,32 @@ TEST_F(anim_search_tests, animationsNameTheirSkeletonByteForByte)
     EXPECT_TRUE(find(std::string(70000, 'x')).empty());
 }
 
-TEST_F(anim_search_tests, theSteppedSearchTakesOneCandidateAtATime)
+TEST_F(anim_search_tests, whatCanBeExportedIsOfTwoVersionsAndAStopKeepsWhatWasFound)
 {
     addUsualArchives();
-    compatible_search search(tree, "Man_01");
-    EXPECT_EQ(search.candidateCount(), 13u);
-    EXPECT_TRUE(search.step());
-    EXPECT_EQ(search.doneCount(), 1u);
-    EXPECT_EQ(search.matches().size(), 1u);
-    while (search.step())
-    {
-    }
-    EXPECT_EQ(search.doneCount(), 13u);
     entry_list found;
-    for (const compatible_search::match& match : search.matches())
-    {
-        EXPECT_EQ(match.skeleton_name, "Man_01");
-        found.push_back(match.entry);
-    }
+    const found_port take = [&found](const entry_list& more, std::size_t, std::size_t total) {
+        found.insert(found.end(), more.begin(), more.end());
+        EXPECT_EQ(total, 13u);
+    };
+    EXPECT_EQ(listCompatible(*tree, "Man_01", take).found, 4u);
     // "only_name" is of version 9.
     EXPECT_EQ(names(found), (text_list{"z:walk.anim", "z:man_01.anim", "a:walk.anim", "a:packed.anim"}));
-}
 
-TEST_F(anim_search_tests, aStopRequestEndsTheSteps)
-{
-    addUsualArchives();
-    compatible_search search(tree, "Man_01");
-    EXPECT_TRUE(search.step());
-    search.requestStop();
-    EXPECT_FALSE(search.step());
-    EXPECT_TRUE(search.isStopped());
-    EXPECT_EQ(search.doneCount(), 1u);
-    EXPECT_EQ(search.matches().size(), 1u);
+    std::vector<test::test_entry> many;
+    for (int i = 0; i < 40000; ++i)
+        many.push_back({std::to_string(i) + ".anim", animOf("Man_02")});
+    add("m", many);
+    std::stop_source stop;
+    std::size_t count = 0, done = 0;
+    const auto stopSoon = [&](const entry_list& more, std::size_t at, std::size_t) {
+        count += more.size();
+        done = at;
+        stop.request_stop();
+    };
+    const compatible_listing cut = listCompatible(*tree, "Man_02", stopSoon, stop.get_token());
+    EXPECT_TRUE(cut.is_stopped && cut.found == count && count > 0 && count < 40000) << count;
+    EXPECT_GE(done, count);
 }
 
 TEST_F(anim_search_tests, manyCandidatesKeepTheirOrderAndAnUnreadableArchiveEndsThem)
@@ -210,12 +204,9 @@ TEST_F(anim_search_tests, manyCandidatesKeepTheirOrderAndAnUnreadableArchiveEnds
                               "Skeletopn + Animation find+load SUCCESSFUL!"}));
     std::filesystem::resize_file(toPath(archivePath("y")), 100);
 
-    compatible_search search(tree, "Man_01"); // passes over what it cannot read
-    while (search.step())
-    {
-    }
-    EXPECT_EQ(search.matches().size(), 1000u);
-    EXPECT_EQ(search.unreadableCount(), 2000u);
+    const compatible_listing listing = listCompatible(*tree, "Man_01", take); // passes over what it cannot read
+    EXPECT_EQ(listing.found, 1000u);
+    EXPECT_EQ(listing.unreadable, 2000u);
 }
 
 } // namespace korvane
