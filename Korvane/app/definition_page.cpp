@@ -35,13 +35,13 @@ definition_page::definition_page(page_host& host) : rows_page(host, {&m_counts, 
     m_layout.add(layout(layout::direction::across).add(share()).add(m_open));
 }
 
-bool definition_page::onCreated()
+bool definition_page::createControls(failure& why)
 {
     const bool is_whole = m_counts.create(handle(), control_definition_counts) &&
                           m_tree.create(handle(), control_definition_tree, m_content, true) &&
                           m_attribute_view.create(handle(), control_definition_attributes, m_attributes) &&
                           m_open.create(handle(), control_definition_open, "Open on the &Model Page") &&
-                          m_empty.createIn(handle(), m_start_failure);
+                          m_empty.createIn(handle(), why);
     if (!is_whole)
         return false;
     m_attribute_view.setColumnWidths(
@@ -55,7 +55,7 @@ bool definition_page::onCreated()
 
 bool definition_page::keep(config_file& config) const
 {
-    return keepColumns(config, attribute_columns_name, m_attribute_view.columnWidths());
+    return hasControls() && keepColumns(config, attribute_columns_name, m_attribute_view.columnWidths());
 }
 
 HWND definition_page::firstControl() const
@@ -82,6 +82,8 @@ empty_content definition_page::emptyContent() const
 
 void definition_page::showDocument()
 {
+    if (!hasControls())
+        return;
     const bool is_empty = !hasDefinition();
     if (is_empty)
     {

@@ -27,7 +27,7 @@ public:
     bool keep(config_file& config) const override;
 
 protected:
-    bool onCreated() override;
+    bool createControls(failure& why) override;
 
 private:
     bool hasDefinition() const { return host().document().definition().hasDefinition(); }

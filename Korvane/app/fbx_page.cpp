@@ -28,7 +28,7 @@ fbx_page::fbx_page(page_host& host) : rows_page(host, {&m_summary, &m_tree, &m_c
     m_layout.add(layout(layout::direction::across).add(share()).add(m_convert));
 }
 
-bool fbx_page::onCreated()
+bool fbx_page::createControls(failure&)
 {
     if (!m_summary.create(handle(), control_fbx_summary) || !m_tree.create(handle(), control_fbx_tree, m_report) ||
         !m_convert.create(handle(), control_fbx_convert, "&Convert to .ANIM..."))
@@ -41,17 +41,22 @@ bool fbx_page::onCreated()
 void fbx_page::show(fbx_report report)
 {
     m_report = std::move(report);
-    m_summary.setText(m_report.summary());
-    m_tree.restart();
-    if (m_report.childCount(tree_model::root) > 0)
-        m_tree.select(m_report.child(tree_model::root, 0));
+    m_is_shown = false;
     showDocument();
-    layOut();
 }
 
 void fbx_page::showDocument()
 {
+    if (!hasControls())
+        return;
     m_convert.setEnabled(host().isEnabled(document_command::convert_animation));
+    if (std::exchange(m_is_shown, true))
+        return;
+    m_summary.setText(m_report.summary());
+    m_tree.restart();
+    if (m_report.childCount(tree_model::root) > 0)
+        m_tree.select(m_report.child(tree_model::root, 0));
+    layOut();
 }
 
 std::string fbx_page::copiedText() const

@@ -26,12 +26,13 @@ public:
     std::string copiedText() const override; // the chosen row
 
 protected:
-    bool onCreated() override;
+    bool createControls(failure& why) override;
 
 private:
     void showMenu(POINT on_screen);
 
     fbx_report m_report;
+    bool m_is_shown = false; // the report, in the controls
     label m_summary;
     tree_view m_tree;
     button m_convert;

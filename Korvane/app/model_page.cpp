@@ -31,23 +31,36 @@ model_page::model_page(page_host& host, const texture_ports& ports)
 
 bool model_page::onCreated()
 {
-    return m_panels.createIn(handle(), m_start_failure) && m_textures.createIn(handle(), m_start_failure) &&
-           m_empty.createIn(handle(), m_start_failure);
+    failure why;
+    return m_empty.createIn(handle(), why);
 }
 
-void model_page::setFont(const font& used)
+bool model_page::createControls(failure& why)
 {
+    return m_panels.createIn(handle(), why) && m_textures.createIn(handle(), why);
+}
+
+void model_page::applyFont(const font& used)
+{
+    m_empty.setFont(used);
+    if (!hasControls())
+        return;
     m_column.setFont(used);
     if (host().document().model().hasModel()) // else it is laid out when there is something to see
         m_column.layOut();
-    m_empty.setFont(used);
+}
+
+int model_page::preferredHeight()
+{
+    needControls();
+    return m_column.contentHeight();
 }
 
 void model_page::onSize(int, int, size_change change)
 {
-    if (change == size_change::minimised || !m_textures.isOpen())
+    if (change == size_change::minimised)
         return;
-    if (host().document().model().hasModel())
+    if (host().document().model().hasModel() && hasControls())
         m_column.layOut();
     else if (m_empty.isOpen())
         m_empty.showOver(true);
@@ -71,7 +84,7 @@ void model_page::onControlFocused(HWND control)
 
 HWND model_page::firstControl() const
 {
-    return host().document().model().hasModel() ? m_panels.lodList() : m_empty.firstControl();
+    return host().document().model().hasModel() && hasControls() ? m_panels.lodList() : m_empty.firstControl();
 }
 
 std::string model_page::copiedText() const
@@ -113,6 +126,10 @@ void model_page::showDocument()
     // What is to be seen comes first: the focus needs a place to go.
     if (is_empty)
         m_empty.showOver(true);
+    if (!is_empty && !hasControls())
+        return needControls(); // which shows the document then
+    if (!hasControls())
+        return;
     for (field_panel* const panel : m_panels.panels())
         ShowWindow(panel->handle(), is_empty ? SW_HIDE : SW_SHOWNA);
     ShowWindow(m_textures.handle(), is_empty ? SW_HIDE : SW_SHOWNA);
@@ -131,6 +148,8 @@ void model_page::showDocument()
 
 void model_page::showSelection()
 {
+    if (!hasControls())
+        return;
     m_panels.showSelection(host().document().model());
     m_textures.showSelection();
 }

@@ -20,7 +20,6 @@ public:
     model_page(page_host& host, const texture_ports& ports);
     ~model_page() override { destroy(); }
 
-    void setFont(const font& used) override;
     void showDocument() override;
     void showSelection() override;
     HWND firstControl() const override;
@@ -29,11 +28,13 @@ public:
     void takeTyped() override { m_textures.takeTyped(); }
     void follow() override { m_textures.follow(); }
     texture_field_group& textures() { return m_textures; }
-    int preferredHeight() const { return m_column.contentHeight(); }
+    int preferredHeight(); // of the panels
 
 protected:
     DWORD extraStyle() const override { return WS_VSCROLL; }
     bool onCreated() override;
+    bool createControls(failure& why) override; // the panels: there is only an empty state without a model
+    void applyFont(const font& used) override;
     void onSize(int width, int height, size_change change) override;
     void onVerticalScroll(int request) override;
     bool onMouseWheel(int delta, const mouse_event& event) override;

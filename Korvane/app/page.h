@@ -60,7 +60,7 @@ public:
 
     [[nodiscard]] bool createIn(HWND parent, failure& why);
     // Of all its controls; outlives the page or the next call. Lays the page out again.
-    virtual void setFont(const font& used) = 0;
+    void setFont(const font& used);
     void place(const RECT& where); // in the parent
     // The document was opened, closed or changed in a way that is not only another selection.
     virtual void showDocument() = 0;
@@ -78,10 +78,21 @@ public:
 protected:
     page_host& host() const { return m_host; }
     virtual DWORD extraStyle() const { return 0; } // WS_VSCROLL
-    failure m_start_failure;                       // why onCreated() gave up
+    // Most pages of a start are never seen, and each control takes time: they are created when they are needed first.
+    // Then they get the font and are filled. When the system refuses one the person is told why, and the page
+    // stays empty.
+    void needControls();
+    bool hasControls() const { return m_has_controls; }
+    virtual bool createControls(failure& why) = 0;
+    virtual void fillControls() { showDocument(); } // when they are new
+    virtual void applyFont(const font& used) = 0;   // to what is created, and layout
+    const font* usedFont() const { return m_po_font; }
 
 private:
     page_host& m_host;
+    bool m_was_asked = false; // for the controls
+    bool m_has_controls = false;
+    const font* m_po_font = nullptr;
 };
 
 } // namespace korvane

@@ -48,7 +48,7 @@ problems_page::problems_page(page_host& host, std::function<void(const std::stri
     m_layout.add(layout(layout::direction::across).add(share()).add(m_go).add(m_check_again));
 }
 
-bool problems_page::onCreated()
+bool problems_page::createControls(failure& why)
 {
     list_view_options options;
     options.has_many = options.has_pictures = true;
@@ -56,7 +56,7 @@ bool problems_page::onCreated()
                           m_list.create(handle(), control_problem_list, m_problems, options) &&
                           m_go.create(handle(), control_problem_go, "&Go to It") &&
                           m_check_again.create(handle(), control_problem_check, "&Check Again") &&
-                          m_empty.createIn(handle(), m_start_failure);
+                          m_empty.createIn(handle(), why);
     if (!is_whole)
         return false;
     m_list.setColumnWidths(keptColumns(host().config().table(), problem_columns_name, m_problems.columns().size()));
@@ -66,6 +66,12 @@ bool problems_page::onCreated()
     m_go.onClick = [this] { openProblem(m_list.selected()); };
     m_check_again.onClick = [this] { check(); };
     return true;
+}
+
+void problems_page::fillControls()
+{
+    showList();
+    showState();
 }
 
 LRESULT problems_page::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
@@ -82,7 +88,7 @@ LRESULT problems_page::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
 
 bool problems_page::keep(config_file& config) const
 {
-    return keepColumns(config, problem_columns_name, m_list.columnWidths());
+    return hasControls() && keepColumns(config, problem_columns_name, m_list.columnWidths());
 }
 
 HWND problems_page::firstControl() const
@@ -102,7 +108,7 @@ void problems_page::showDocument()
     {
         m_check.stop();
         m_problems.clear();
-        m_list.refresh();
+        showList();
     }
     else
         m_problems.markOutdated();
@@ -139,8 +145,14 @@ void problems_page::show(problem_check_result result)
     m_problems.show(std::move(result));
     if (m_is_due)
         m_problems.markOutdated();
-    m_list.refresh();
+    showList();
     showState();
+}
+
+void problems_page::showList()
+{
+    if (hasControls())
+        m_list.refresh();
 }
 
 bool problems_page::isEmpty() const
@@ -150,6 +162,9 @@ bool problems_page::isEmpty() const
 
 void problems_page::showState()
 {
+    m_caption_changed(m_problems.caption());
+    if (!hasControls())
+        return;
     if (isEmpty())
     {
         m_empty.setContent(emptyContent());
@@ -166,7 +181,6 @@ void problems_page::showState()
     }
     if (had_focus && (GetFocus() == nullptr || IsWindowVisible(GetFocus()) == FALSE))
         SetFocus(firstControl());
-    m_caption_changed(m_problems.caption());
 }
 
 empty_content problems_page::emptyContent()

@@ -30,7 +30,8 @@ public:
     bool isChecking() const { return m_is_due || m_check.isRunning(); }
 
 protected:
-    bool onCreated() override;
+    bool createControls(failure& why) override;
+    void fillControls() override;
     void onDestroyed() override { m_check.stop(); }
     LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
 
@@ -39,6 +40,7 @@ private:
     void checkSoon();
     void check();
     void show(problem_check_result result);
+    void showList();
     void showState();
     void openProblem(int row);
     void showMenu(POINT on_screen);

@@ -10,13 +10,21 @@ rows_page::rows_page(page_host& host, std::vector<control*> controls) : page(hos
     m_layout.setMargins(8, 2, 8, 8);
 }
 
-void rows_page::setFont(const font& used)
+LRESULT rows_page::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
 {
+    if (message == WM_SHOWWINDOW && wparam != FALSE)
+        needControls();
+    return page::handleMessage(message, wparam, lparam);
+}
+
+void rows_page::applyFont(const font& used)
+{
+    if (!hasControls())
+        return;
     for (control* const each : m_controls)
         each->setFont(used);
     if (m_empty.isOpen())
         m_empty.setFont(used);
-    m_po_font = &used;
     layOut();
 }
 
@@ -28,12 +36,12 @@ void rows_page::onSize(int, int, size_change change)
 
 void rows_page::layOut()
 {
-    if (m_po_font == nullptr)
+    if (usedFont() == nullptr || !hasControls())
         return;
     if (isEmpty())
         m_empty.showOver(true);
     else
-        m_layout.place(clientRectangle(), *m_po_font, dpi());
+        m_layout.place(clientRectangle(), *usedFont(), dpi());
 }
 
 void rows_page::setRowsVisible(bool is_visible)

@@ -1,6 +1,7 @@
 #pragma once
 
-// A page whose controls stand in one layout, and give way to an empty state where there is nothing to show.
+// A page whose controls stand in one layout, and give way to an empty state where there is nothing to show. They are
+// created when the page is first seen.
 
 #include "EASY_GUI/win32/layout.h"
 #include "Korvane/app/empty_state.h"
@@ -13,9 +14,6 @@ namespace korvane
 
 class rows_page : public page
 {
-public:
-    void setFont(const font& used) override;
-
 protected:
     // The controls are the derived class's; the layout is filled by it, too.
     rows_page(page_host& host, std::vector<control*> controls);
@@ -24,13 +22,14 @@ protected:
     void layOut();
     void setRowsVisible(bool is_visible);
     void onSize(int width, int height, size_change change) override;
+    void applyFont(const font& used) override;
+    LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
 
     layout m_layout{layout::direction::down};
     empty_state m_empty;
 
 private:
     std::vector<control*> m_controls;
-    const font* m_po_font = nullptr;
 };
 
 } // namespace korvane
