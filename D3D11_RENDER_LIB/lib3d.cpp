@@ -51,32 +51,6 @@ bool hasUsualLights(const light_buffer& constants)
            !isDirectional(constants.light[1]);
 }
 
-bool createCube(lib3d& library, const std::vector<cube_level>& levels, const char* name,
-                com_ptr<ID3D11ShaderResourceView>& view)
-{
-    D3D11_TEXTURE2D_DESC description{};
-    description.Width = description.Height = levels.front().size;
-    description.MipLevels = static_cast<UINT>(levels.size());
-    description.ArraySize = 6;
-    description.Format = DXGI_FORMAT_R16G16B16A16_FLOAT;
-    description.SampleDesc.Count = 1;
-    description.Usage = D3D11_USAGE_IMMUTABLE;
-    description.BindFlags = D3D11_BIND_SHADER_RESOURCE;
-    description.MiscFlags = D3D11_RESOURCE_MISC_TEXTURECUBE;
-    std::vector<D3D11_SUBRESOURCE_DATA> contents;
-    for (std::size_t face = 0; face < 6; ++face)
-        for (const cube_level& level : levels)
-        {
-            const UINT face_texels = level.size * level.size;
-            contents.push_back({level.texels.data() + face * face_texels * 4, level.size * 8, face_texels * 8});
-        }
-    com_ptr<ID3D11Texture2D> texture;
-    return library.isMade(library.device().CreateTexture2D(&description, contents.data(), texture.put()), texture, name,
-                          source_name) &&
-           library.isMade(library.device().CreateShaderResourceView(texture.get(), nullptr, view.put()), view, name,
-                          source_name);
-}
-
 } // namespace
 
 HRESULT lib3d::tryDevice(D3D_DRIVER_TYPE type)
@@ -271,12 +245,6 @@ bool lib3d::createSamplers()
     return true;
 }
 
-bool lib3d::createEnvironment()
-{
-    return createCube(*this, specularEnvironment(), "specular environment", m_specular_cube) &&
-           createCube(*this, {diffuseEnvironment()}, "diffuse environment", m_diffuse_cube);
-}
-
 bool lib3d::createRasterizer(raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_MODE cull, BOOL reversed,
                              INT depth_bias, float slope_bias)
 {
@@ -371,7 +339,7 @@ void lib3d::clearContext()
 void lib3d::beginScene()
 {
     ID3D11ShaderResourceView* views[6] = {
-        m_specular_cube.get(), nullptr, m_diffuse_cube.get(), nullptr, nullptr, nullptr};
+        m_specular_cube.get(), m_reflectance_table.get(), m_diffuse_cube.get(), nullptr, nullptr, nullptr};
     m_context->PSSetShaderResources(0, 6, views);
     ID3D11SamplerState* samplers[5];
     std::transform(std::begin(m_samplers), std::end(m_samplers), samplers, [](const auto& one) { return one.get(); });

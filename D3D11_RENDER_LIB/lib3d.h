@@ -20,6 +20,8 @@
 namespace korvane
 {
 
+struct environment_images;
+
 // How triangles become pixels.
 enum class raster_mode
 {
@@ -95,7 +97,10 @@ public:
 
     // Each needs the device and gives false when it was lost.
     [[nodiscard]] bool createSamplers();
-    [[nodiscard]] bool createEnvironment();
+    [[nodiscard]] bool createEnvironment(); // the small one
+    // In its place, for hardware devices; the small one stays when the device refuses these for want of memory.
+    [[nodiscard]] bool exchangeEnvironment(const environment_images& images);
+    bool hasWholeEnvironment() const { return m_has_whole_environment; }                    // or has been refused it
     [[nodiscard]] bool createConstantBuffers(const mvp_buffer& vs, const light_buffer& ps); // and what is in them first
     [[nodiscard]] bool createShaders();
     [[nodiscard]] bool createStates();
@@ -165,6 +170,7 @@ private:
     com_ptr<ID3D11DeviceContext> m_context;
     bool m_is_software = false;
     bool m_is_tolerant = false;
+    bool m_has_whole_environment = false;
     float m_texture_bias = 0;
     HRESULT m_loss = S_OK;
     shading_buffer m_shading;
@@ -175,7 +181,7 @@ private:
         m_shading_usual_ps;
     com_ptr<ID3D11InputLayout> m_model_layout, m_line_layout;
     com_ptr<ID3D11Buffer> m_vs_buffer, m_ps_buffer, m_final_buffer, m_shading_buffer, m_line_buffer;
-    com_ptr<ID3D11ShaderResourceView> m_specular_cube, m_diffuse_cube;
+    com_ptr<ID3D11ShaderResourceView> m_specular_cube, m_diffuse_cube, m_reflectance_table;
     com_ptr<ID3D11SamplerState> m_samplers[5];
     com_ptr<ID3D11RasterizerState> m_rasterizers[raster_mode_count];
     com_ptr<ID3D11BlendState> m_blend, m_floor_blend;

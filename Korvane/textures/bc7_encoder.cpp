@@ -18,32 +18,6 @@ namespace korvane
 namespace
 {
 
-class block_bit_writer
-{
-public:
-    void put(std::uint64_t value, unsigned bits)
-    {
-        if (m_count < 64)
-        {
-            m_low |= value << m_count;
-            if (m_count + bits > 64)
-                m_high |= value >> (64 - m_count);
-        }
-        else
-            m_high |= value << (m_count - 64);
-        m_count += bits;
-    }
-    void store(std::byte* block) const
-    {
-        std::memcpy(block, &m_low, 8);
-        std::memcpy(block + 8, &m_high, 8);
-    }
-
-private:
-    std::uint64_t m_low = 0, m_high = 0;
-    unsigned m_count = 0;
-};
-
 // The end points change places where an index that is stored short would have its highest bit.
 void mirror(fitted_line& fitted, unsigned index_bits)
 {

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace korvane
 {
@@ -51,6 +52,33 @@ public:
 private:
     std::uint64_t m_low;
     std::uint64_t m_high;
+};
+
+// The same the other way round: bits put one after the other, the lowest first.
+class block_bit_writer
+{
+public:
+    void put(std::uint64_t value, unsigned bits)
+    {
+        if (m_count < 64)
+        {
+            m_low |= value << m_count;
+            if (m_count + bits > 64)
+                m_high |= value >> (64 - m_count);
+        }
+        else
+            m_high |= value << (m_count - 64);
+        m_count += bits;
+    }
+    void store(std::byte* block) const
+    {
+        std::memcpy(block, &m_low, 8);
+        std::memcpy(block + 8, &m_high, 8);
+    }
+
+private:
+    std::uint64_t m_low = 0, m_high = 0;
+    unsigned m_count = 0;
 };
 
 inline constexpr std::array<std::array<std::uint8_t, 16>, 5> block_weights = {{

@@ -35,6 +35,7 @@ render_worker::render_worker(log_port log, std::function<void()> has_news)
     , m_has_news(std::move(has_news))
     , m_library(&m_faults)
     , m_scene([this](const std::string& line) { report(line); }, [this] { m_pacer.redraw(); })
+    , m_environment([this] { m_pacer.redraw(); })
 {
 }
 
@@ -209,7 +210,7 @@ bool render_worker::drawOnDevice(const frame_request& request)
     if ((request.width != m_targets.width() || request.height != m_targets.height()) &&
         !resize(request.width, request.height))
         return false;
-    if (!showNewScene() || !m_scene.loadTextures(m_library))
+    if (!showNewScene() || !m_scene.loadTextures(m_library) || !improveEnvironment())
         return false;
     if (m_scene.hasMoreTextures())
         m_pacer.redraw();
@@ -226,6 +227,15 @@ bool render_worker::drawOnDevice(const frame_request& request)
     else
         m_frames_drawn.fetch_add(1);
     return true;
+}
+
+// After the first frame, so that this does not wait.
+bool render_worker::improveEnvironment()
+{
+    if (m_library.isSoftware() || m_library.hasWholeEnvironment() || !m_shown || m_frames_drawn.load() == 0)
+        return true;
+    const std::unique_ptr<environment_images> made = m_environment.take();
+    return !made || m_library.exchangeEnvironment(*made);
 }
 
 void render_worker::move()

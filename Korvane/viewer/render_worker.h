@@ -9,6 +9,7 @@
 // one with the software device. After the last one the worker rests until tryAgain().
 
 #include "D3D11_RENDER_LIB/device_faults.h"
+#include "D3D11_RENDER_LIB/environment_images.h"
 #include "EASY_GUI/services/kernel_handle_win.h"
 #include "EASY_GUI/services/log_port.h"
 #include "Korvane/viewer/frame_pacer.h"
@@ -78,6 +79,7 @@ private:
     [[nodiscard]] bool drawOnDevice(const frame_request& request);
     [[nodiscard]] bool showNewScene();
     void move();
+    [[nodiscard]] bool improveEnvironment();
     [[nodiscard]] bool isOccluded();
     [[nodiscard]] bool resize(UINT width, UINT height);
     [[nodiscard]] bool remakeDevice(const frame_request& request);
@@ -99,8 +101,9 @@ private:
     com_ptr<ID3D11RenderTargetView> m_back_buffer;
     scene_targets m_targets;
     model_scene m_scene;
-    scene_pointer m_wanted; // kept for a new device
-    scene_pointer m_shown;  // what m_scene was made of
+    environment_making m_environment; // for hardware devices, after the first frame
+    scene_pointer m_wanted;           // kept for a new device
+    scene_pointer m_shown;            // what m_scene was made of
     std::shared_ptr<const scene_motion> m_wanted_motion;
     std::shared_ptr<const scene_motion> m_shown_motion; // what m_scene was told
     unsigned m_overlay_dpi = 0;                         // that m_scene has the font for

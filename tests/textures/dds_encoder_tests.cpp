@@ -1,3 +1,4 @@
+#include "Korvane/textures/block_encoder.h"
 #include "Korvane/textures/dds_decoder.h"
 #include "Korvane/textures/dds_encoder.h"
 #include "tools/demo_data/materials.h"
@@ -5,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <vector>
@@ -184,6 +186,42 @@ TEST(mip_maps, keepThePartThatPassesTheAlphaTest)
     EXPECT_EQ(level.pixels()[1] >> 24, 85u);
     EXPECT_EQ(level.pixels()[2] >> 24, 128u);
     EXPECT_EQ(level.pixels()[3] >> 24, 170u);
+}
+
+// Half floats hold 1,024 steps from one power of two to the next.
+TEST(block_encoder, lightStaysWithinAFewStepsOfItsHalves)
+{
+    const struct
+    {
+        const char* name;
+        std::array<float, 3> first, across, down; // by channel: the first pixel, and what is added for each further one
+        float most;                               // steps
+    } rows[] = {
+        {"even", {14000, 13001, 12345}, {}, {}, 1},
+        {"almost even", {14000, 13001, 12345}, {0.7f, 0.4f, 0.7f}, {}, 1.5f},
+        {"down a slope", {15000, 14000, 13000}, {}, {-30, -20, -10}, 10},
+        {"slope of the environment", {14000, 14100, 14050}, {6, 5, 4}, {3, 2, 2}, 8},
+        {"channels against each other", {15000, 9000, 12000}, {-40, 40, 0}, {}, 12},
+        {"two powers of two", {12288, 12288, 12288}, {512, 512, 512}, {128, 128, 128}, 120},
+        {"from dark to the largest", {0, 0, 0}, {6000, 6000, 6000}, {4581, 4581, 4581}, 1200},
+        {"beyond both ends", {-500, 40000, 100}, {}, {}, 1},
+    };
+    for (const auto& row : rows)
+    {
+        light_block pixels;
+        for (std::size_t channel = 0; channel < 3; ++channel)
+            for (std::size_t i = 0; i < 16; ++i)
+                pixels[channel][i] = row.first[channel] + row.across[channel] * static_cast<float>(i % 4) +
+                                     row.down[channel] * static_cast<float>(i / 4);
+        std::array<std::byte, 16> block;
+        encodeBc6hUnsigned(pixels, block.data());
+        block_halves decoded;
+        decodeBc6hHalves(block.data(), false, decoded);
+        for (std::size_t channel = 0; channel < 3; ++channel)
+            for (std::size_t i = 0; i < 16; ++i)
+                EXPECT_NEAR(decoded[i][channel], std::clamp(pixels[channel][i], 0.0f, largest_half), row.most)
+                    << row.name << ", channel " << channel << ", pixel " << i;
+    }
 }
 
 } // namespace

@@ -1,4 +1,5 @@
-#include "D3D11_RENDER_LIB/environment_map.h"
+#include "D3D11_RENDER_LIB/environment_images.h"
+#include "Korvane/textures/block_decoder.h"
 
 #include <glm/geometric.hpp>
 #include <glm/gtc/packing.hpp>
@@ -6,7 +7,9 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
+#include <thread>
 
 namespace korvane
 {
@@ -88,6 +91,86 @@ TEST(environment_map, facesLookWhereDirect3DPutsThem)
     EXPECT_GT(cubeDirection(4, 15, 8, 16).x, 0.5f) << "+z: right is +x";
     EXPECT_GT(cubeDirection(4, 8, 0, 16).y, 0.5f) << "+z: the first row is the top";
     EXPECT_LT(cubeDirection(0, 15, 8, 16).z, -0.5f) << "+x: right is -z";
+}
+
+// What graphics cards get, against the formula in another arithmetic, block by block.
+TEST(environment_images, blocksHoldTheLightThatTheFormulaGives)
+{
+    std::atomic<bool> must_stop{false};
+    const auto images = makeEnvironmentImages(must_stop);
+    ASSERT_TRUE(images);
+    EXPECT_EQ(images->specular.levels.size(), 11u);
+    EXPECT_EQ(images->diffuse.levels.size(), 11u);
+    EXPECT_EQ(images->reflectance.levels.size(), 9u);
+    const struct
+    {
+        std::size_t level;
+        double typical, most; // parts of the light
+    } rows[] = {{0, 0.002, 0.01}, {3, 0.004, 0.04}, {6, 0.02, 0.08}, {10, 0.001, 0.001}};
+    for (const auto& row : rows)
+    {
+        const std::uint32_t size = whole_cube_size >> row.level, blocks = std::max(size / 4, 1u);
+        const std::vector<std::byte>& level = images->specular.levels[row.level];
+        ASSERT_EQ(level.size(), std::size_t{6} * blocks * blocks * 16);
+        double sum = 0, most = 0, count = 0;
+        for (std::uint32_t block = 0; block < 6 * blocks * blocks; block += std::max(blocks / 16, 1u) * 7)
+        {
+            block_halves halves;
+            decodeBc6hHalves(level.data() + std::size_t{block} * 16, false, halves);
+            const std::uint32_t face = block / (blocks * blocks);
+            for (std::uint32_t i = 0; i < std::min(size * size, 16u); ++i)
+            {
+                const std::uint32_t x = block % blocks * 4 + i % 4, y = block / blocks % blocks * 4 + i / 4;
+                const glm::vec3 expected =
+                    environmentRadiance(cubeDirection(face, x, y, size), static_cast<float>(row.level) / 10);
+                for (int channel = 0; channel < 3; ++channel)
+                {
+                    const auto seen = double{glm::unpackHalf1x16(halves[i][static_cast<std::size_t>(channel)])};
+                    const double wrong = std::abs(seen / double{expected[channel]} - 1);
+                    sum += wrong * wrong;
+                    most = std::max(most, wrong);
+                    ++count;
+                }
+            }
+        }
+        EXPECT_LT(std::sqrt(sum / count), row.typical) << row.level;
+        EXPECT_LT(most, row.most) << row.level;
+    }
+    must_stop = true;
+    EXPECT_FALSE(makeEnvironmentImages(must_stop));
+}
+
+TEST(environment_images, aMirrorReflectsByFresnelAndARoughWallLessThanItGets)
+{
+    for (const float cosine : {0.1f, 0.4f, 0.7f, 1.0f})
+    {
+        const glm::vec2 mirror = environmentReflectance(cosine, 0.001f), wall = environmentReflectance(cosine, 1);
+        EXPECT_NEAR(mirror.y, std::pow(1 - cosine, 5.0f), 0.01f) << cosine;
+        EXPECT_NEAR(mirror.x + mirror.y, 1, 0.01f) << cosine;
+        EXPECT_LT(wall.x + wall.y, 0.75f) << cosine;
+        EXPECT_GT(wall.x, 0.2f) << cosine;
+    }
+}
+
+TEST(environment_images, theyComeFromAThreadOncePerAskingAndItsEndIsNotWaitedFor)
+{
+    std::atomic<int> news{0};
+    environment_making making([&news] { ++news; });
+    for (int round = 1; round < 3; ++round)
+    {
+        std::unique_ptr<environment_images> made;
+        for (int i = 0; i < 3000 && !made; ++i, std::this_thread::sleep_for(std::chrono::milliseconds(10)))
+            made = making.take();
+        ASSERT_TRUE(made && !made->specular.levels.empty());
+        EXPECT_EQ(news, round);
+    }
+    const auto begin = std::chrono::steady_clock::now();
+    {
+        environment_making stopped([&news] { ++news; });
+        EXPECT_FALSE(stopped.take());
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(500));
+    EXPECT_EQ(news, 2);
 }
 
 } // namespace

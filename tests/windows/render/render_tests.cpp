@@ -1,4 +1,5 @@
 #include "D3D11_RENDER_LIB/device_faults.h"
+#include "D3D11_RENDER_LIB/environment_images.h"
 #include "D3D11_RENDER_LIB/lib3d.h"
 #include "Korvane/scene/scene_loader.h"
 #include "Korvane/viewer/model_scene.h"
@@ -419,6 +420,64 @@ TEST(render, everyCreationMayBeTheOneThatIsLost)
             break;
     }
     EXPECT_GT(lost, 40);
+}
+
+// As a graphics card draws: balls from mirror to wall first with the small cubes, then with the large ones, which a
+// decoder that is not ours unpacks. The picture stays, for both hold the same smooth light.
+TEST(render, theWholeEnvironmentShowsTheLightOfTheSmallOne)
+{
+    texture_map textures;
+    textures.files = {{"d", colourDds(0x404040ff)}, {"n", colourDds(0x8080ffff)}, {"s", colourDds(0xf0f0f0ff)}};
+    std::vector<group_data> balls;
+    for (int i = 0; i < 5; ++i)
+    {
+        const auto smooth = static_cast<std::uint32_t>(255 - i * 60);
+        const std::string name = "g" + std::to_string(i);
+        textures.files[name] = colourDds(smooth << 24 | smooth << 16 | smooth << 8 | 255);
+        balls.push_back(textured(sphereGroup({static_cast<float>(i) * 1.1f, 0, 0}, 0.5f, 48),
+                                 {{0, "d"}, {1, "n"}, {11, "s"}, {12, name}}));
+    }
+    RMV2_FILE_DATA model = modelOf(std::move(balls[0]));
+    for (std::size_t i = 1; i < balls.size(); ++i)
+        model.lods[0].groups.push_back(std::move(balls[i]));
+    const scene_pointer scene = sceneOf(model, &textures);
+    lib3d library;
+    failure why;
+    ASSERT_TRUE(library.createDevice(device_kind::best, {}, why)) << describe(why);
+    library.assumeSoftware(false);
+    model_scene shown;
+    scene_targets targets;
+    picture_target picture;
+    ASSERT_TRUE(library.createAll() && shown.create(library, scene) && shown.finishTextures(library) &&
+                targets.create(library, width, height) && picture.create(library, width, height));
+    view_state view;
+    view.eye.yaw = straight_on;
+    view.eye.pitch = 0;
+    view.eye.frame(scene->bounds, static_cast<float>(width) / height);
+    std::vector<std::uint8_t> pictures[2];
+    for (std::vector<std::uint8_t>& made : pictures)
+    {
+        shown.draw(library, targets, picture.view(), view);
+        ASSERT_TRUE(picture.read(library, made));
+        if (&made == pictures)
+        {
+            const std::atomic<bool> must_stop{false};
+            const auto images = makeEnvironmentImages(must_stop);
+            ASSERT_TRUE(library.exchangeEnvironment(*images) && library.hasWholeEnvironment());
+        }
+    }
+    double sum = 0;
+    int most = 0, changed = 0; // of 255; values
+    for (std::size_t i = 0; i < pictures[0].size(); ++i)
+    {
+        const int difference = std::abs(pictures[0][i] - pictures[1][i]);
+        sum += difference;
+        most = std::max(most, difference);
+        changed += difference > 0;
+    }
+    EXPECT_GT(changed, 100) << "not the same textures";
+    EXPECT_LT(most, 8);
+    EXPECT_LT(sum / static_cast<double>(pictures[0].size()), 0.1);
 }
 
 } // namespace
