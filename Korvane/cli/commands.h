@@ -21,6 +21,7 @@ void addDdsCommand(CLI::App& app, cli_context& context);
 void addNormalMapCommand(CLI::App& app, cli_context& context);
 void addPatchCommand(CLI::App& app, cli_context& context);
 void addTexturesCommand(CLI::App& app, cli_context& context);
+void addUsageCommands(CLI::App& app, cli_context& context);
 void addVariantCommand(CLI::App& app, cli_context& context);
 #ifdef _WIN32
 void addRenderCommand(CLI::App& app, cli_context& context);

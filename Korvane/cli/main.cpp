@@ -135,6 +135,7 @@ const std::vector<command_group>& commandGroups()
         {{"patch"}, addPatchCommand},
         {{"archives", "list", "extract"}, addArchiveCommands},
         {{"variant"}, addVariantCommand},
+        {{"refs", "needs"}, addUsageCommands},
         {{"export"}, addExportCommand},
         {{"convert"}, addConvertCommand},
         {{"fbx"}, addFbxCommand},

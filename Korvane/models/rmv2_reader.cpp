@@ -19,6 +19,13 @@ constexpr std::uint64_t shader_name_width = 12;
 constexpr std::uint64_t group_name_width = 32;
 constexpr std::uint64_t texture_directory_width = 256;
 constexpr std::uint64_t group_header_tail = 880; // after the shader name
+// The most that parts of the headers take: with wide texts.
+constexpr std::uint64_t file_header_size = 12 + 2 * 128;
+constexpr std::uint64_t lod_header_size = 28;
+constexpr std::uint64_t group_header_size = 48 + rmv2_reader::max_shader_name + 2 + group_header_tail;
+constexpr std::uint64_t attachment_size = 64 + 48 + 4;
+constexpr std::uint64_t texture_size = 4 + 512;
+constexpr std::uint64_t material_size = 8;
 
 // True for text stored as 16-bit characters: a zero byte after every character up to the terminating zero unit.
 bool looksWide(std::span<const std::byte> field)
@@ -66,6 +73,7 @@ void readFloats(byte_reader& in, std::array<float, count>& values, std::string_v
 
 bool rmv2_reader::readHeader(bool& wide_text, failure& why)
 {
+    need(file_header_size, "file header");
     const auto magic = m_in.bytes(4, "magic");
     m_data.magic.assign(reinterpret_cast<const char*>(magic.data()), magic.size());
     m_data.version = m_in.u32("version");
@@ -114,6 +122,7 @@ bool rmv2_reader::readLayout(failure& why)
 bool rmv2_reader::readAll(bool is_kept, failure& why)
 {
     m_is_kept = is_kept;
+    need(std::uint64_t{m_data.lod_count} * lod_header_size, "LOD headers");
     for (std::uint32_t index = 0; index < m_data.lod_count && m_in.ok(); ++index)
         readLodHeader(index);
     if (m_in.ok() && !m_data.lods.empty())
@@ -169,7 +178,11 @@ void rmv2_reader::readGroup(group_data& group, const std::string& place)
 {
     m_in.enter(place);
     group.file_offset = m_in.position();
+    need(group_header_size, "group header");
     readGroupHeader(group);
+    need(std::uint64_t{group.header.attachment_count} * attachment_size +
+             std::uint64_t{group.header.texture_count} * texture_size + material_size,
+         "group header");
     readAttachments(group, place);
     readTextures(group, place);
     m_in.enter(place);
@@ -340,6 +353,12 @@ void rmv2_reader::seekNextGroup(const group_data& group)
     const bool is_plausible = group.header.group_size >= group_header_tail;
     if (is_plausible && claimed_end != m_in.position())
         m_in.seek(claimed_end, "group_size");
+}
+
+void rmv2_reader::need(std::uint64_t size, std::string_view field)
+{
+    if (m_fetch && m_in.ok() && !m_fetch(m_in.position(), std::min(size, m_in.left())))
+        m_in.fail(failure_kind::unreadable, "these bytes could not be read", field);
 }
 
 void rmv2_reader::charge(std::uint64_t bytes, std::string_view field)
