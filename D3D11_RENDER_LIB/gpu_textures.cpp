@@ -31,6 +31,19 @@ bool createCheckerboard(lib3d& library, texture_view& view)
     return library.isMade(S_OK, view, "checkerboard", source_name);
 }
 
+device_formats formatsOf(lib3d& library)
+{
+    constexpr UINT needed = D3D11_FORMAT_SUPPORT_TEXTURE2D | D3D11_FORMAT_SUPPORT_SHADER_SAMPLE;
+    device_formats formats{library.isSoftware(), {}};
+    for (std::size_t format = 1; format < formats.refused.size(); ++format)
+    {
+        UINT support = 0;
+        const HRESULT answer = library.device().CheckFormatSupport(static_cast<DXGI_FORMAT>(format), &support);
+        formats.refused.set(format, FAILED(answer) || (support & needed) != needed);
+    }
+    return formats;
+}
+
 // A small texture with mip maps, as most have.
 bool createPending(lib3d& library, texture_view& view)
 {
@@ -85,7 +98,7 @@ bool gpu_textures::load(lib3d& library)
         return false;
     for (const auto& texture : wanted)
         m_entries.at(texture).shown->pending = pending;
-    m_reading.request(std::move(wanted), library.isSoftware());
+    m_reading.request(std::move(wanted), formatsOf(library));
     return true;
 }
 

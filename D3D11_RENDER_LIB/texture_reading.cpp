@@ -12,11 +12,12 @@ namespace
 {
 
 // In software each look at a block unpacks it again: BC7 and BC6H cost ten times what plain texels do. Formats that no
-// device has, and sizes that devices refuse for blocks, are converted, too.
-bool mustUnpack(const dds_image& image, bool is_software)
+// device has or that this one refuses, and sizes that devices refuse for blocks, are converted, too.
+bool mustUnpack(const dds_image& image, const device_formats& device)
 {
     const bool is_block = isBlockCompressed(image.format);
-    return image.format == dds_format::unknown || (is_block && is_software) ||
+    return image.format == dds_format::unknown || (is_block && device.is_software) ||
+           device.refused.test(static_cast<std::size_t>(image.format)) ||
            (is_block && (image.width % 4 != 0 || image.height % 4 != 0));
 }
 
@@ -27,13 +28,13 @@ void keepFirstSurface(dds_image& image)
     image.subresources.resize(image.mip_count);
 }
 
-bool readWhole(const scene_texture& texture, bool is_software, read_texture& result)
+bool readWhole(const scene_texture& texture, const device_formats& device, read_texture& result)
 {
     result.file = texture.bytes(result.why);
     if (!result.file || !readDds(result.file->bytes(), result.image, result.why))
         return false;
     keepFirstSurface(result.image);
-    if (!mustUnpack(result.image, is_software))
+    if (!mustUnpack(result.image, device))
         return true;
     if (!unpackDds(result.image, result.unpacked, result.why))
         return false;
@@ -42,13 +43,14 @@ bool readWhole(const scene_texture& texture, bool is_software, read_texture& res
     return true;
 }
 
-std::unique_ptr<read_texture> readTexture(const std::shared_ptr<const scene_texture>& texture, bool is_software)
+std::unique_ptr<read_texture> readTexture(const std::shared_ptr<const scene_texture>& texture,
+                                          const device_formats& device)
 {
     auto result = std::make_unique<read_texture>();
     result->texture = texture;
     try
     {
-        if (readWhole(*texture, is_software, *result))
+        if (readWhole(*texture, device, *result))
             return result;
     }
     catch (const std::bad_alloc&)
@@ -80,13 +82,13 @@ texture_reading::~texture_reading()
         m_thread.join();
 }
 
-void texture_reading::request(std::vector<std::shared_ptr<const scene_texture>> wanted, bool is_software)
+void texture_reading::request(std::vector<std::shared_ptr<const scene_texture>> wanted, const device_formats& device)
 {
     const lock held(m_mutex);
     std::deque<std::unique_ptr<read_texture>> kept;
     const auto takeFrom = [&](const std::shared_ptr<const scene_texture>& texture) {
         const auto found = std::find(wanted.begin(), wanted.end(), texture);
-        const bool is_wanted = is_software == m_is_software && texture && found != wanted.end();
+        const bool is_wanted = device == m_device && texture && found != wanted.end();
         if (is_wanted)
             wanted.erase(found);
         return is_wanted;
@@ -100,7 +102,7 @@ void texture_reading::request(std::vector<std::shared_ptr<const scene_texture>> 
         }
     if (!takeFrom(m_current))
         m_current.reset();
-    m_is_software = is_software;
+    m_device = device;
     m_wanted.assign(wanted.begin(), wanted.end());
     if (!m_thread.joinable() && !m_wanted.empty())
         try
@@ -118,9 +120,9 @@ void texture_reading::readNext(lock& held)
     m_current = m_wanted.front();
     m_wanted.pop_front();
     const std::shared_ptr<const scene_texture> texture = m_current;
-    const bool is_software = m_is_software;
+    const device_formats device = m_device;
     held.unlock();
-    std::unique_ptr<read_texture> result = readTexture(texture, is_software);
+    std::unique_ptr<read_texture> result = readTexture(texture, device);
     held.lock();
     if (m_current == texture)
     {

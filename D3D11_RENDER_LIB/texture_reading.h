@@ -9,6 +9,7 @@
 #include "Korvane/scene/scene_texture.h"
 #include "Korvane/textures/dds_unpacker.h"
 
+#include <bitset>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -31,6 +32,15 @@ struct read_texture
     failure why; // set: it cannot be read
 };
 
+// What a device does with textures.
+struct device_formats
+{
+    bool is_software = false;   // blocks are unpacked for it
+    std::bitset<128> refused{}; // by the number of the DXGI format: not sampled, or not with a filter
+
+    bool operator==(const device_formats&) const = default;
+};
+
 class texture_reading
 {
 public:
@@ -44,8 +54,8 @@ public:
     texture_reading& operator=(const texture_reading&) = delete;
 
     // These, in their order, in place of what was wanted before: what of that is ready or under way and wanted again is
-    // kept. With is_software blocks are unpacked.
-    void request(std::vector<std::shared_ptr<const scene_texture>> wanted, bool is_software);
+    // kept.
+    void request(std::vector<std::shared_ptr<const scene_texture>> wanted, const device_formats& device);
     // The next one that is ready; null: none is.
     [[nodiscard]] std::unique_ptr<read_texture> take();
     // The same, but waits for it; null: none is wanted any more.
@@ -66,7 +76,7 @@ private:
     std::shared_ptr<const scene_texture> m_current;            // being read; null: none, or nobody wants it any more
     std::deque<std::unique_ptr<read_texture>> m_ready;
     std::size_t m_waiting_bytes = 0; // of those
-    bool m_is_software = false;
+    device_formats m_device;
     bool m_must_end = false;
     std::thread m_thread; // from the first request on; without one the thread that asks reads
 };

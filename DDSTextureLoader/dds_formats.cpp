@@ -55,13 +55,26 @@ constexpr dds_layout without_alpha = [] {
 constexpr dds_layout alpha_only{unorm, 1, {{{}, {}, {}, {0, 8}}}};
 constexpr dds_layout exponent_layout{shared_exponent, 4, {{{0, 9}, {9, 9}, {18, 9}, {}}}};
 
+// Two pixels in four bytes, by the byte of each channel.
+constexpr dds_layout pairOf(dds_number number, unsigned both, unsigned first, unsigned both_again, unsigned second)
+{
+    dds_layout layout{number, 4, {}};
+    unsigned index = 0;
+    for (const unsigned byte : {both, first, both_again, second})
+        layout.channels[index++] = {static_cast<std::uint8_t>(byte * 8), 8};
+    return layout;
+}
+
+constexpr dds_layout red_first = pairOf(pair_of_colours, 0, 1, 2, 3), green_first = pairOf(pair_of_colours, 1, 0, 3, 2);
+constexpr dds_layout bright_first = pairOf(pair_of_video, 1, 0, 3, 2), bright_last = pairOf(pair_of_video, 0, 1, 2, 3);
+
 constexpr dds_format dxgi(std::uint32_t number)
 {
     return static_cast<dds_format>(number);
 }
 
-// A typeless one is taken for its usual type; those of 16 bits have none. Of formats with the same layout the first one
-// stands for the masks.
+// A typeless one is taken for its usual type; those of 16 bits have none. Integers count as parts of the largest one.
+// Of formats with the same layout the first one stands for the masks.
 constexpr dds_format_traits known_formats[] = {
     {1, dxgi(2), "R32G32B32A32_TYPELESS", rgbaOf(floating, 32, 32, 32, 32)},
     {2, dxgi(2), "R32G32B32A32_FLOAT", rgbaOf(floating, 32, 32, 32, 32)},
@@ -125,6 +138,30 @@ constexpr dds_format_traits known_formats[] = {
     {98, dxgi(98), "BC7_UNORM", blocksOf(16)},
     {99, dxgi(99), "BC7_UNORM_SRGB", blocksOf(16), true},
     {115, dxgi(115), "B4G4R4A4_UNORM", bgraOf(4, 4, 4, 4)},
+    {68, dds_format::unknown, "R8G8_B8G8_UNORM", red_first},
+    {69, dds_format::unknown, "G8R8_G8B8_UNORM", green_first},
+    {107, dds_format::unknown, "YUY2", bright_first},
+    {3, dds_format::unknown, "R32G32B32A32_UINT", rgbaOf(unorm, 32, 32, 32, 32)},
+    {4, dds_format::unknown, "R32G32B32A32_SINT", rgbaOf(snorm, 32, 32, 32, 32)},
+    {7, dds_format::unknown, "R32G32B32_UINT", rgbaOf(unorm, 32, 32, 32)},
+    {8, dds_format::unknown, "R32G32B32_SINT", rgbaOf(snorm, 32, 32, 32)},
+    {12, dxgi(11), "R16G16B16A16_UINT", rgbaOf(unorm, 16, 16, 16, 16)},
+    {14, dxgi(13), "R16G16B16A16_SINT", rgbaOf(snorm, 16, 16, 16, 16)},
+    {17, dds_format::unknown, "R32G32_UINT", rgbaOf(unorm, 32, 32)},
+    {18, dds_format::unknown, "R32G32_SINT", rgbaOf(snorm, 32, 32)},
+    {25, dxgi(24), "R10G10B10A2_UINT", rgbaOf(unorm, 10, 10, 10, 2)},
+    {30, dxgi(28), "R8G8B8A8_UINT", rgbaOf(unorm, 8, 8, 8, 8)},
+    {32, dxgi(31), "R8G8B8A8_SINT", rgbaOf(snorm, 8, 8, 8, 8)},
+    {36, dxgi(35), "R16G16_UINT", rgbaOf(unorm, 16, 16)},
+    {38, dxgi(37), "R16G16_SINT", rgbaOf(snorm, 16, 16)},
+    {42, dds_format::unknown, "R32_UINT", rgbaOf(unorm, 32)},
+    {43, dds_format::unknown, "R32_SINT", rgbaOf(snorm, 32)},
+    {50, dxgi(49), "R8G8_UINT", rgbaOf(unorm, 8, 8)},
+    {52, dxgi(51), "R8G8_SINT", rgbaOf(snorm, 8, 8)},
+    {57, dxgi(56), "R16_UINT", rgbaOf(unorm, 16)},
+    {59, dxgi(58), "R16_SINT", rgbaOf(snorm, 16)},
+    {62, dxgi(61), "R8_UINT", rgbaOf(unorm, 8)},
+    {64, dxgi(63), "R8_SINT", rgbaOf(snorm, 8)},
 };
 
 constexpr struct
@@ -151,6 +188,9 @@ constexpr struct
     {114, 41},
     {115, 16},
     {116, 2},
+    {fourCc('R', 'G', 'B', 'G'), 68},
+    {fourCc('G', 'R', 'G', 'B'), 69},
+    {fourCc('Y', 'U', 'Y', '2'), 107},
 };
 
 // False for a mask with gaps and for one beyond the pixel.
@@ -220,7 +260,8 @@ dds_subresource levelSizes(const dds_layout& layout, std::uint32_t width, std::u
     part.width = std::max(width >> mip, 1u);
     part.height = std::max(height >> mip, 1u);
     // At most 16,384 pixels of 16 bytes in a row: 32 bits are enough for a row, not for a surface.
-    part.row_pitch = (is_block ? (part.width + 3) / 4 : part.width) * layout.bytes;
+    const std::uint32_t units = is_block ? (part.width + 3) / 4 : isPaired(layout) ? (part.width + 1) / 2 : part.width;
+    part.row_pitch = units * layout.bytes;
     part.rows = is_block ? (part.height + 3) / 4 : part.height;
     return part;
 }
@@ -237,6 +278,12 @@ bool readLegacyFormat(const dds_pixel_format& pixels, dds_format& format, dds_la
                 layout = traits->layout;
                 return true;
             }
+        if (pixels.four_cc == fourCc('U', 'Y', 'V', 'Y')) // has no DXGI number
+        {
+            format = dds_format::unknown;
+            layout = bright_last;
+            return true;
+        }
         reason = "the pixel format with the code " + codeText(pixels.four_cc) + " is not supported";
         return false;
     }

@@ -22,7 +22,7 @@ namespace korvane
 // asks for by name; dds_formats.cpp has all.
 enum class dds_format : std::uint32_t
 {
-    unknown = 0, // readable, but no device has it: 24 bits a pixel, masks in an odd order
+    unknown = 0, // readable, but no device has it: 24 bits a pixel, masks in an odd order, pairs, integers of 32 bits
     rgba16_float = 10,
     rgba8 = 28,
     rgba8_srgb = 29,
@@ -50,11 +50,15 @@ enum class dds_format : std::uint32_t
 // What the bits of a channel mean.
 enum class dds_number : std::uint8_t
 {
-    blocks,         // block-compressed: the format says how
-    unorm,          // 0 to the largest value of its bits: 0..1
-    snorm,          // two's complement: -1..1, the lowest value counts as the next one
-    floating,       // of 32, 16 (IEEE), 11 or 10 bits (5 of exponent, no sign)
-    shared_exponent // 9 bits, scaled by the 5 highest bits of the pixel
+    blocks,          // block-compressed: the format says how
+    unorm,           // 0 to the largest value of its bits: 0..1
+    snorm,           // two's complement: -1..1, the lowest value counts as the next one
+    floating,        // of 32, 16 (IEEE), 11 or 10 bits (5 of exponent, no sign)
+    shared_exponent, // 9 bits, scaled by the 5 highest bits of the pixel
+    // Two pixels in four bytes: the channels are what both have, the first one's own, again what both have, the second
+    // one's own. A row ends with a whole pair.
+    pair_of_colours, // red, green, blue, green: 0..1
+    pair_of_video    // colour difference to blue, brightness, difference to red, brightness: 16 is black, 235 white
 };
 
 // A channel never reaches over a multiple of 32 bits.
@@ -69,7 +73,7 @@ struct dds_channel
 struct dds_layout
 {
     dds_number number = dds_number::blocks;
-    std::uint32_t bytes = 0;               // a pixel, or a block of 4 x 4: at most 16
+    std::uint32_t bytes = 0;               // a pixel, a pair, or a block of 4 x 4: at most 16
     std::array<dds_channel, 4> channels{}; // red, green, blue, alpha; red alone is grey
 
     bool operator==(const dds_layout&) const = default;
@@ -77,6 +81,10 @@ struct dds_layout
 
 [[nodiscard]] bool isSrgb(dds_format format);
 [[nodiscard]] bool isBlockCompressed(dds_format format);
+[[nodiscard]] constexpr bool isPaired(const dds_layout& layout)
+{
+    return layout.number == dds_number::pair_of_colours || layout.number == dds_number::pair_of_video;
+}
 // "BC3_UNORM_SRGB"; null for unknown.
 [[nodiscard]] const char* formatName(dds_format format);
 

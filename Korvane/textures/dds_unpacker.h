@@ -4,7 +4,7 @@
 // elements and cube faces: for software devices, which decode a block for every texel they look at, and for formats
 // that a device does not have. What a shader reads stays the same, but for the rounding to a byte:
 //   - bytes of colours stay bytes, sRGB stays sRGB; channels that the format lacks read as 0, alpha as 1;
-//   - BC4 and BC5 with a sign become signed bytes;
+//   - BC4 and BC5 with a sign, and other signed channels, become signed bytes;
 //   - BC6H and other floats become 16-bit floats.
 
 #include "DDSTextureLoader/dds_image.h"

@@ -4,6 +4,7 @@
 #include "Korvane/models/half_float.h"
 #include "Korvane/textures/channel_bytes.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -23,6 +24,21 @@ float floatOf(std::uint32_t value, unsigned bits)
     if (bits == 32)
         return std::bit_cast<float>(value);
     return halfToFloat(static_cast<std::uint16_t>(bits == 16 ? value : value << (15 - bits))); // short ones: no sign
+}
+
+// The mantissa has no hidden bit; 15 is the exponent's bias.
+float sharedOf(std::uint32_t mantissa, std::uint32_t exponent)
+{
+    return std::ldexp(static_cast<float>(mantissa), static_cast<int>(exponent) - 24);
+}
+
+// Brightness and differences as televisions have them (BT.601), to bytes of colours.
+rgba_pixel colourOfVideo(int brightness, int to_blue, int to_red)
+{
+    const int light = 298 * (brightness - 16) + 128;
+    const auto byteOf = [](int value) { return static_cast<unsigned>(std::clamp(value >> 8, 0, 255)); };
+    return rgba(byteOf(light + 409 * (to_red - 128)), byteOf(light - 100 * (to_blue - 128) - 208 * (to_red - 128)),
+                byteOf(light + 516 * (to_blue - 128)), 255);
 }
 
 } // namespace
@@ -64,8 +80,8 @@ std::uint8_t pixel_decoder::convert(const channel_reader& channel, std::uint32_t
         const float number = floatOf(value, channel.bits);
         return channel.is_light ? byteOfLight(number) : byteOfUnit(number);
     }
-    case dds_number::shared_exponent: // the mantissa has no hidden bit; 15 is the exponent's bias
-        return byteOfLight(std::ldexp(value & channel.mask, static_cast<int>(value >> mantissa_bits) - 24));
+    case dds_number::shared_exponent:
+        return byteOfLight(sharedOf(value & channel.mask, value >> mantissa_bits));
     default:
         return byteOfUnorm(value, channel.mask);
     }
@@ -97,8 +113,40 @@ void pixel_decoder::decodePixels(const std::byte* source, std::span<rgba_pixel> 
     }
 }
 
+std::array<float, 4> pixel_decoder::lightOf(const std::byte* source) const
+{
+    std::array<std::uint32_t, 4> words{};
+    std::memcpy(words.data(), source, m_layout.bytes);
+    std::array<float, 4> light{0, 0, 0, 1};
+    for (std::size_t i = 0; i < light.size(); ++i)
+        if (const channel_reader& channel = m_channels[i]; channel.bits > 0)
+        {
+            const std::uint32_t value = words[channel.word] >> channel.shift & channel.mask;
+            light[i] = m_layout.number == dds_number::floating
+                           ? floatOf(value, channel.bits)
+                           : sharedOf(value, words[channel.word] >> (32 - exponent_bits));
+        }
+    return light;
+}
+
+void pixel_decoder::decodePairs(const std::byte* source, std::span<rgba_pixel> target) const
+{
+    for (std::size_t x = 0; x < target.size(); ++x)
+    {
+        const auto byteAt = [&](std::size_t channel) {
+            return std::to_integer<unsigned>(source[x / 2 * 4 + m_layout.channels[channel].first_bit / 8]);
+        };
+        const unsigned first = byteAt(0), own = byteAt(x % 2 == 0 ? 1 : 3), second = byteAt(2);
+        target[x] = m_layout.number == dds_number::pair_of_colours
+                        ? rgba(first, own, second, 255)
+                        : colourOfVideo(static_cast<int>(own), static_cast<int>(first), static_cast<int>(second));
+    }
+}
+
 void pixel_decoder::decode(const std::byte* source, std::span<rgba_pixel> target) const
 {
+    if (isPaired(m_layout))
+        return decodePairs(source, target);
     switch (m_layout.bytes)
     {
     case 1:

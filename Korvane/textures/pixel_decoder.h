@@ -21,8 +21,10 @@ public:
     // pixel_count: how many are to come, which decides whether tables are worth their making.
     pixel_decoder(const dds_layout& layout, std::uint64_t pixel_count);
 
-    // source holds layout.bytes for each pixel of target.
+    // source holds layout.bytes for each pixel of target, or for each begun pair.
     void decode(const std::byte* source, std::span<rgba_pixel> target) const;
+    // Of formats of floats, one pixel as it is: channels that are not there are 0, alpha 1.
+    [[nodiscard]] std::array<float, 4> lightOf(const std::byte* source) const;
 
 private:
     struct channel_reader
@@ -37,6 +39,7 @@ private:
 
     template <unsigned bytes>
     void decodePixels(const std::byte* source, std::span<rgba_pixel> target) const;
+    void decodePairs(const std::byte* source, std::span<rgba_pixel> target) const;
     unsigned channelByte(const channel_reader& channel, std::uint32_t word) const;
     std::uint8_t convert(const channel_reader& channel, std::uint32_t value) const;
 

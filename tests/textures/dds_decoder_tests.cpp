@@ -178,6 +178,15 @@ TEST(dds_decoder, uncompressedPixelsOfEveryKind)
         {"three floats",
          row(test_dds::dx10(6, 0), "\0\0\0\x3f\0\0\x80\x7f\0\0\0\0\0\0\x80\x3f"s),
          {rgba(188, 255, 0, 255), rgba(255, 0, 0, 255)}},
+        {"integers of 8 bits", row(test_dds::dx10(30, 0), "\1\2\3\4"), {0x04030201}},
+        {"integers of 16 bits", row(test_dds::dx10(57, 0), "\x81\x01"), {rgba(1, 1, 1, 255)}},
+        {"integers with a sign", row(test_dds::dx10(43, 0), "\0\0\0\x80\xff\xff\xff\x7f"s), {0xff000000, ~0u}},
+        // Two pixels share red and blue.
+        {"68", row(test_dds::dx10(68, 0), "\1\2\3\4"), {rgba(1, 2, 3, 255), rgba(1, 4, 3, 255)}},
+        {"69", row(test_dds::dx10(69, 0), "\1\2\3\4"), {rgba(2, 1, 4, 255), rgba(2, 3, 4, 255)}},
+        // Black, white; then the red of televisions: brightness 81, differences 90 and 240.
+        {"YUY2", row(test_dds::coded("YUY2", 0), "\x10\x80\xeb\x80"), {0xff000000, ~0u}},
+        {"UYVY", row(test_dds::coded("UYVY", 0), "\x5a\x51\xf0\x51"), {rgba(255, 0, 0, 255), rgba(255, 0, 0, 255)}},
         {"one half", row(test_dds::dx10(54, 0), "\x00\x38"s), {rgba(188, 188, 188, 255)}},
     };
     for (const auto& line : rows)

@@ -37,6 +37,18 @@ TEST(texture_reading, softwareDevicesGetWhatTheShaderWouldRead)
         dds_format format;
         std::string first_pixel;
     } rows[] = {
+        // What this device refuses: 0.5, 2, -1, 1 as halves, the smallest ones and what is too large; one and two
+        // channels.
+        {"floats", 2, std::string("\0\0\0\x3f\0\0\0\x40\0\0\x80\xbf\0\0\x80\x3f", 16), dds_format::rgba16_float,
+         std::string("\0\x38\0\x40\0\xbc\0\x3c", 8)},
+        {"floats at the ends", 6, std::string("\0\0\x80\x33\0\0\x80\x7f\0\0\xc0\x7f", 12), dds_format::rgba16_float,
+         std::string("\1\0\xff\x7b\0\0\0\x3c", 8)},
+        {"a shared exponent", 67, std::string("\x00\x01\x01\x80", 4), dds_format::rgba16_float,
+         std::string("\0\x3c\0\x38\0\0\0\x3c", 8)},
+        {"one channel", 56, std::string("\0\x80", 2), dds_format::rgba8, std::string("\x80\0\0\xff", 4)},
+        {"two signed channels", 51, std::string("\x7f\x81", 2), dds_format::rgba8_signed,
+         std::string("\x7f\x81\0\x7f", 4)},
+        {"pairs", 68, std::string("\1\2", 2), dds_format::rgba8, std::string("\1\2\1\xff", 4)},
         {"BC4", 80, one_channel, dds_format::rgba8, std::string("\xff\0\0\xff", 4)},
         {"BC5", 83, one_channel + one_channel, dds_format::rgba8, std::string("\xff\xff\0\xff", 4)},
         {"BC4 with a sign", 81, half, dds_format::rgba8_signed, std::string("\x7f\0\0\x7f", 4)},
@@ -46,15 +58,19 @@ TEST(texture_reading, softwareDevicesGetWhatTheShaderWouldRead)
     {
         SCOPED_TRACE(row.name);
         test_dds file = test_dds::dx10(row.dxgi, 0);
-        file.pixels = row.block;
+        const bool is_block = isBlockCompressed(static_cast<dds_format>(row.dxgi));
+        for (file.pixels.clear(); file.pixels.size() < (is_block ? 1 : 16) * row.block.size();)
+            file.pixels += row.block;
         texture_reading reading;
-        reading.request({textureOf("t", file.bytes())}, true);
+        device_formats device{true, {}};
+        device.refused.set(row.dxgi, !is_block);
+        reading.request({textureOf("t", file.bytes())}, device);
         const std::unique_ptr<read_texture> read = reading.wait();
         ASSERT_TRUE(read && !read->why);
         EXPECT_EQ(read->image.format, row.format);
         const auto& bytes = read->image.subresource(0, 0).bytes;
-        ASSERT_EQ(bytes.size(), 64u);
-        EXPECT_EQ(std::string(reinterpret_cast<const char*>(bytes.data()), 4), row.first_pixel);
+        ASSERT_EQ(bytes.size(), 16 * row.first_pixel.size());
+        EXPECT_EQ(std::string(reinterpret_cast<const char*>(bytes.data()), row.first_pixel.size()), row.first_pixel);
         EXPECT_FALSE(reading.wait());
     }
 }
@@ -66,7 +82,7 @@ TEST(texture_reading, aNewerSceneReplacesWhatIsWantedAndKeepsWhatItShares)
     const auto shared = textureOf("shared", bytes, &shared_reads);
     texture_reading reading;
     for (int scene = 0; scene < 200; ++scene)
-        reading.request({textureOf("own", bytes), shared, textureOf("last", "garbage")}, false);
+        reading.request({textureOf("own", bytes), shared, textureOf("last", "garbage")}, {});
     std::string order;
     while (const std::unique_ptr<read_texture> read = reading.wait())
         order += read->texture->path() + (read->why ? "! " : " ");
