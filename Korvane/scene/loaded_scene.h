@@ -10,6 +10,7 @@
 #include "Korvane/animation/anim_file.h"
 #include "Korvane/models/rmv2_data.h"
 #include "Korvane/scene/file_place.h"
+#include "Korvane/scene/group_boxes.h"
 #include "Korvane/scene/scene_geometry.h"
 #include "Korvane/scene/scene_texture.h"
 
@@ -98,6 +99,8 @@ struct scene_part
     std::string slot;                     // of a figure: the path of its innermost slot (figure.h); empty: none
     std::vector<group_textures> textures; // of each group of that level
     std::size_t triangles = 0;            // of that level that can be drawn
+    // Of each group of that level; null: a click looks at every vertex.
+    std::shared_ptr<const std::vector<group_boxes>> boxes;
 
     // Empty for a model without levels.
     const std::vector<scene_group>& groups() const

@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 namespace korvane
 {
@@ -63,13 +64,14 @@ struct triangle_count
     std::size_t dropped = 0; // name a vertex that does not exist
 };
 
-// Calls visit(index of the first corner) for each triangle that can be drawn, in their order.
+// Calls visit(index of the first corner) for each triangle that can be drawn, in their order: of those between two
+// places in the indices that are multiples of three, or of all.
 template <class visitor>
-triangle_count forEachTriangle(const vertex_store& store, visitor&& visit)
+triangle_count forEachTriangle(const vertex_store& store, std::size_t first, std::size_t end, visitor&& visit)
 {
     triangle_count count;
     const auto exists = [&store](std::size_t corner) { return store.indices[corner] < store.vertices.size(); };
-    for (std::size_t i = 0; i + 2 < store.indices.size(); i += 3)
+    for (std::size_t i = first; i + 2 < end; i += 3)
     {
         if (exists(i) && exists(i + 1) && exists(i + 2))
         {
@@ -80,6 +82,11 @@ triangle_count forEachTriangle(const vertex_store& store, visitor&& visit)
             ++count.dropped;
     }
     return count;
+}
+template <class visitor>
+triangle_count forEachTriangle(const vertex_store& store, visitor&& visit)
+{
+    return forEachTriangle(store, 0, store.indices.size(), std::forward<visitor>(visit));
 }
 
 // Takes the vertices that triangles use into the bounds (a group's stored box may say anything).

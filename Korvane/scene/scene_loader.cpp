@@ -1,5 +1,6 @@
 #include "Korvane/scene/scene_loader.h"
 
+#include "EASY_GUI/services/parallel.h"
 #include "Korvane/models/rmv2_file.h"
 #include "Korvane/scene/figure_rigs.h"
 #include "Korvane/scene/scene_rigs.h"
@@ -39,12 +40,34 @@ std::shared_ptr<const scene_model> modelOf(const scene_pointer& scene, const std
     return nullptr;
 }
 
+struct measured_group
+{
+    model_bounds bounds;
+    triangle_count count;
+    group_boxes boxes;
+};
+
+std::vector<measured_group> measureGroups(const std::vector<scene_group>& groups)
+{
+    constexpr std::size_t indices_worth_a_thread = std::size_t{1} << 18;
+    std::size_t indices = 0;
+    for (const scene_group& group : groups)
+        indices += group.store->indices.size();
+    std::vector<measured_group> measured(groups.size());
+    parallelFor(groups.size(), threadsFor(indices / indices_worth_a_thread), [&](std::size_t i) {
+        measured[i].count = measureGroup(*groups[i].store, measured[i].bounds);
+        measured[i].boxes = boxesOf(*groups[i].store, groups[i].has_weights);
+    });
+    return measured;
+}
+
 // For another level: the rest says where it hangs.
 scene_part withoutTextures(const scene_part& part)
 {
     scene_part fresh = part;
     fresh.textures.clear();
     fresh.triangles = 0;
+    fresh.boxes.reset();
     return fresh;
 }
 
@@ -293,16 +316,20 @@ void scene_loader::addPart(loaded_scene& scene, scene_part fresh, std::size_t lo
     const std::vector<scene_group>& groups = part.groups();
     const glm::mat4 place = bindPlace(scene, part);
     part.textures.resize(groups.size());
+    std::vector<measured_group> measured = measureGroups(groups);
     for (std::size_t i = 0; i < groups.size(); ++i)
     {
-        model_bounds own;
-        const triangle_count count = measureGroup(*groups[i].store, own);
-        scene.bounds.add(own, place);
+        const triangle_count& count = measured[i].count;
+        scene.bounds.add(measured[i].bounds, place);
         part.triangles += count.drawn;
         if (count.dropped > 0)
             report(scene, part.model->path + ": group " + std::to_string(i) + ": " + std::to_string(count.dropped) +
                               " triangles name vertices that do not exist and are not drawn");
     }
+    auto boxes = std::make_shared<std::vector<group_boxes>>();
+    for (measured_group& group : measured)
+        boxes->push_back(std::move(group.boxes));
+    part.boxes = std::move(boxes);
     if (part.rig >= 0 && part.bone < 0)
         if (const std::string missing = missingBones(groups, scene.rigs[static_cast<std::size_t>(part.rig)]);
             !missing.empty())

@@ -3,6 +3,7 @@
 #include <glm/geometric.hpp>
 #include <glm/mat3x3.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -137,25 +138,128 @@ view_ray rayThrough(const glm::mat4& clip_to_world, const glm::vec2& picture, co
     return {origin, glm::vec3(far_end) / far_end.w - origin};
 }
 
+namespace
+{
+
+// Where the ray is within a box, as distances: an empty span for one that it misses.
+struct ray_span
+{
+    float begin = std::numeric_limits<float>::infinity(), end = -std::numeric_limits<float>::infinity();
+    bool isEmpty() const { return !(begin <= end); }
+};
+
+ray_span spanIn(const model_bounds& box, const view_ray& ray)
+{
+    ray_span span{0, std::numeric_limits<float>::infinity()};
+    for (int axis = 0; axis < 3; ++axis)
+    {
+        // What is rounded away while triangles are hit must not be missed here.
+        const float reach = 1e-5f * (std::abs(box.min[axis]) + std::abs(box.max[axis]) + 1);
+        const float low = box.min[axis] - reach, high = box.max[axis] + reach;
+        if (ray.direction[axis] == 0)
+        {
+            if (ray.origin[axis] < low || ray.origin[axis] > high)
+                return {};
+            continue;
+        }
+        const float first = (low - ray.origin[axis]) / ray.direction[axis];
+        const float second = (high - ray.origin[axis]) / ray.direction[axis];
+        span.begin = std::max(span.begin, std::min(first, second));
+        span.end = std::min(span.end, std::max(first, second));
+    }
+    return span;
+}
+
+void addTurned(model_bounds& bounds, const model_bounds& box, const glm::mat4& place)
+{
+    const glm::vec3 centre = glm::vec3(place * glm::vec4(box.centre(), 1)), half = box.extent() * 0.5f;
+    const glm::mat3 turn(place);
+    const glm::vec3 reach = glm::abs(turn[0]) * half.x + glm::abs(turn[1]) * half.y + glm::abs(turn[2]) * half.z;
+    bounds.add(centre - reach);
+    bounds.add(centre + reach);
+}
+
+// The nearest triangle that a ray hits.
+class triangle_search
+{
+public:
+    triangle_search(const posed_scene& pose, const view_ray& ray) : m_pose(pose), m_ray{ray.origin, unit(ray.direction)}
+    {
+    }
+
+    void addGroup(std::size_t part, std::size_t group)
+    {
+        m_part = part;
+        m_group = group;
+        const scene_part& shown = m_pose.scene().parts[part];
+        const std::vector<std::uint16_t>& indices = source().store->indices;
+        if (!shown.boxes || group >= shown.boxes->size())
+            return addTriangles(0, indices.size());
+        const group_boxes& boxes = (*shown.boxes)[group];
+        if (!isWorthALook(boxes.all, boxes.is_unbounded))
+            return;
+        for (const triangle_run& run : boxes.runs)
+            if (isWorthALook(run.boxes, run.is_unbounded))
+                addTriangles(run.first_index, run.end_index);
+    }
+
+    const std::optional<picked_triangle>& nearest() const { return m_nearest; }
+
+private:
+    const scene_part& shown() const { return m_pose.scene().parts[m_part]; }
+    const scene_group& source() const { return shown().groups()[m_group]; }
+
+    bool isWorthALook(const std::vector<bone_box>& boxes, bool is_unbounded) const
+    {
+        const scene_part& part = shown();
+        const bool is_moved = isMoved(part, source());
+        if (is_unbounded && is_moved && part.bone < 0)
+            return true;
+        model_bounds bounds;
+        for (const bone_box& one : boxes)
+            if (!is_moved)
+            {
+                bounds.add(one.box.min);
+                bounds.add(one.box.max);
+            }
+            else if (part.bone >= 0)
+                addTurned(bounds, one.box,
+                          m_pose.palette(part.rig, static_cast<std::uint32_t>(part.bone)) * part.weapon);
+            else
+                addTurned(bounds, one.box, m_pose.palette(part.rig, one.bone));
+        const ray_span span = bounds.isEmpty() ? ray_span() : spanIn(bounds, m_ray);
+        return !span.isEmpty() && (!m_nearest || span.begin <= m_nearest->distance);
+    }
+
+    void addTriangles(std::size_t first_index, std::size_t end_index)
+    {
+        const vertex_store& store = *source().store;
+        const auto placeOf = [&](std::size_t corner) {
+            return posedVertex(m_pose, shown(), source(), store.vertices[store.indices[corner]]).position;
+        };
+        forEachTriangle(store, first_index, end_index, [&](std::size_t first) {
+            const float distance = distanceTo(m_ray, placeOf(first), placeOf(first + 1), placeOf(first + 2));
+            if (distance >= 0 && (!m_nearest || distance < m_nearest->distance))
+                m_nearest = picked_triangle{m_part, m_group, first / 3, distance};
+        });
+    }
+
+    const posed_scene& m_pose;
+    view_ray m_ray;
+    std::size_t m_part = 0, m_group = 0; // that are looked at
+    std::optional<picked_triangle> m_nearest;
+};
+
+} // namespace
+
 std::optional<picked_triangle> pickTriangle(const posed_scene& pose, const view_ray& ray, const group_filter& is_shown)
 {
-    std::optional<picked_triangle> nearest;
-    const view_ray towards{ray.origin, unit(ray.direction)};
-    std::vector<glm::vec3> places;
-    forEachGroup(
-        pose.scene(), [&](std::size_t number, std::size_t group, const scene_part& part, const scene_group& source) {
-            if (is_shown && !is_shown(number, group))
-                return;
-            posePlaces(pose, part, source, places);
-            const std::vector<std::uint16_t>& indices = source.store->indices;
-            forEachTriangle(*source.store, [&](std::size_t first) {
-                const float distance =
-                    distanceTo(towards, places[indices[first]], places[indices[first + 1]], places[indices[first + 2]]);
-                if (distance >= 0 && (!nearest || distance < nearest->distance))
-                    nearest = picked_triangle{number, group, first / 3, distance};
-            });
-        });
-    return nearest;
+    triangle_search search(pose, ray);
+    forEachGroup(pose.scene(), [&](std::size_t part, std::size_t group, const scene_part&, const scene_group&) {
+        if (!is_shown || is_shown(part, group))
+            search.addGroup(part, group);
+    });
+    return search.nearest();
 }
 
 } // namespace korvane

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace korvane::test
@@ -64,6 +65,50 @@ TEST(posed_scene, skinnedAndHangingPartsFollowTheirBone)
     EXPECT_FALSE(pickTriangle(pose, {{1, 1, -3}, {0, 0, 1}})) << "where it stood in the bind pose";
     pose.clearAnimation();
     expectNear(centreOf(pose, 0), {1, 1, 0}, "bind pose again");
+}
+
+// Boxes only spare looks: whatever moves the vertices, and wherever weights or indices are damaged, the hit is the
+// same.
+TEST(posed_scene, aClickFindsThroughBoxesWhatALookAtEveryVertexFinds)
+{
+    RMV2_FILE_DATA data = modelOf(sphereGroup({0, 0.5f, 0}, 1, 40));
+    vertex_store& store = data.lods[0].groups[0].store;
+    for (std::size_t i = 0; i < store.vertices.size(); ++i)
+    {
+        vertex_record& vertex = store.vertices.records()[i];
+        const float part = std::fmod(static_cast<float>(i) * 0.37f, 1.0f);
+        vertex.bones = {static_cast<std::uint32_t>(i / 300 % 2), 1, 0, 0};
+        vertex.weights = {part, 1 - part, 0, 0};
+        if (i % 977 == 0)
+            vertex.weights = {3, 0, 0, not_a_number};
+        if (i % 1009 == 0)
+            vertex.position.x = not_a_number;
+    }
+    store.indices[7] = 0xffff;
+    auto model = std::make_shared<scene_model>();
+    model->has_skeleton = true;
+    scene_group group;
+    group.store = &store;
+    group.has_weights = true;
+    model->lods = {{group}};
+    auto scene = std::make_shared<loaded_scene>(*armScene());
+    scene->parts[0].model = model;
+    const scene_pointer slow = std::make_shared<loaded_scene>(*scene);
+    scene->parts[0].boxes = std::make_shared<std::vector<group_boxes>>(1, boxesOf(store, true));
+    ASSERT_GT(scene->parts[0].boxes->front().runs.size(), 4u);
+    posed_scene fast_pose(scene), slow_pose(slow);
+    ASSERT_TRUE(fast_pose.setAnimation(quarterTurn()) && slow_pose.setAnimation(quarterTurn()));
+    int hits = 0;
+    for (int i = 0; i < 900; ++i)
+    {
+        const float x = static_cast<float>(i % 30) * 0.2f - 3, y = static_cast<float>(i / 30) * 0.2f - 3;
+        const view_ray ray{{x, y, -3}, {0.1f * y, i % 2 == 0 ? 0 : 0.2f, 1}};
+        const auto expected = pickTriangle(slow_pose, ray), found = pickTriangle(fast_pose, ray);
+        ASSERT_EQ(found.has_value(), expected.has_value()) << i;
+        hits += expected ? 1 : 0;
+        ASSERT_EQ(found ? found->distance : 0, expected ? expected->distance : 0) << i;
+    }
+    EXPECT_GT(hits, 60);
 }
 
 TEST(posed_scene, aRiderHangsOnTheMountWithAllOfItsBones)
