@@ -26,6 +26,7 @@ struct frame_constants
 {
     mvp_buffer vs;
     light_buffer ps;
+    pose_buffer pose; // of the part, for model_pass::surfaces
     model_pass pass = model_pass::lit;
     std::optional<shown_group> selected;
     const shown_groups* hidden = nullptr; // null: none

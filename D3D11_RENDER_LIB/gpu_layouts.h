@@ -30,6 +30,17 @@ inline constexpr std::size_t max_bones = 256;
     return result;
 }
 
+// First the one, then the other.
+[[nodiscard]] inline gpu_matrix gpuProduct(const gpu_matrix& later, const gpu_matrix& first)
+{
+    gpu_matrix result{};
+    for (std::size_t row = 0; row < 4; ++row)
+        for (std::size_t column = 0; column < 4; ++column)
+            for (std::size_t i = 0; i < 4; ++i)
+                result[row][column] += later[row][i] * first[i][column];
+    return result;
+}
+
 // model_vertex in shaders/model_vs.hlsl and the model input layout
 struct gpu_vertex
 {
@@ -101,6 +112,20 @@ static_assert(offsetof(mvp_buffer, rot_z) == 432);
 static_assert(offsetof(mvp_buffer, mWeapon) == 496);
 static_assert(offsetof(mvp_buffer, tranforms) == 560);
 static_assert(offsetof(mvp_buffer, inverse) == 16944);
+
+// PoseBuffer in shaders/frame_vs.hlsl
+struct pose_buffer
+{
+    using bone_rows = std::array<gpu_float4, 3>;
+
+    gpu_matrix to_clip = gpu_identity; // from the world
+    std::int32_t is_static = 0;
+    std::int32_t is_weapon = 0;
+    std::array<std::int32_t, 2> pad{};
+    std::array<bone_rows, max_bones + 1> palette{}; // from the model to the world; the last for no bone
+};
+static_assert(sizeof(pose_buffer) == 12416);
+static_assert(offsetof(pose_buffer, palette) == 80);
 
 // Light in shaders/ps_const_buffers.hlsli. A directional light (none when its direction is zero) and a point light (off
 // when its range is zero) that share their colours and factors.
@@ -174,7 +199,7 @@ enum class target_content : std::int32_t
     data    // shown value for value
 };
 
-// FinalPassBuffer in shaders/final_ps.hlsl
+// FinalPassBuffer in shaders/final_buffer.hlsli
 struct final_pass_buffer
 {
     std::int32_t width = 1;

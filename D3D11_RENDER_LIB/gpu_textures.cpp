@@ -64,12 +64,16 @@ bool createPending(lib3d& library, texture_view& view)
 
 } // namespace
 
-std::shared_ptr<const gpu_texture> gpu_textures::find(const std::shared_ptr<const scene_texture>& texture)
+std::shared_ptr<const gpu_texture> gpu_textures::find(const std::shared_ptr<const scene_texture>& texture,
+                                                      bool is_colour)
 {
     if (!texture)
         return nullptr;
     if (const auto known = m_entries.find(texture); known != m_entries.end())
+    {
+        known->second.is_colour = known->second.is_colour && is_colour;
         return known->second.shown;
+    }
     entry made;
     if (m_po_former != nullptr)
     {
@@ -84,20 +88,26 @@ std::shared_ptr<const gpu_texture> gpu_textures::find(const std::shared_ptr<cons
     }
     if (!made.shown)
         made.shown = std::make_shared<gpu_texture>();
+    made.is_colour = is_colour;
     m_order.push_back(texture);
     return m_entries.emplace(texture, std::move(made)).first->second.shown;
 }
 
 bool gpu_textures::load(lib3d& library)
 {
-    std::vector<std::shared_ptr<const scene_texture>> wanted;
-    std::copy_if(m_order.begin(), m_order.end(), std::back_inserter(wanted),
-                 [this](const auto& texture) { return !m_entries.at(texture).is_there; });
+    std::vector<wanted_texture> wanted;
+    for (const auto& texture : m_order)
+    {
+        entry& known = m_entries.at(texture);
+        known.is_there = known.is_there && (known.is_colour || !known.is_kept_as_colour);
+        if (!known.is_there)
+            wanted.emplace_back(texture, known.is_colour);
+    }
     texture_view pending;
     if (!wanted.empty() && !createPending(library, pending))
         return false;
-    for (const auto& texture : wanted)
-        m_entries.at(texture).shown->pending = pending;
+    for (const wanted_texture& one : wanted)
+        m_entries.at(one.texture).shown->pending = pending;
     m_reading.request(std::move(wanted), formatsOf(library));
     return true;
 }
@@ -146,7 +156,7 @@ bool gpu_textures::begin(lib3d& library)
 {
     m_upload = dds_upload();
     read_texture& read = *m_po_current;
-    if (!m_entries.contains(read.texture)) // of a former scene
+    if (!m_entries.contains(read.wanted.texture)) // of a former scene
         return true;
     std::size_t bytes = 0;
     for (const dds_subresource& part : read.image.subresources)
@@ -159,7 +169,7 @@ bool gpu_textures::begin(lib3d& library)
     if (!is_made)
         return giveUp(library);
     const texture_view& made = m_upload.view() ? m_upload.view() : view;
-    if (!library.isMade(S_OK, made, read.texture->path().c_str(), source_name))
+    if (!library.isMade(S_OK, made, read.wanted.texture->path().c_str(), source_name))
         return false;
     if (view)
         end(view);
@@ -171,7 +181,7 @@ bool gpu_textures::giveUp(lib3d& library)
     if (library.isLost())
         return false;
     failure& why = m_po_current->why;
-    why.path = m_po_current->texture->path();
+    why.path = m_po_current->wanted.texture->path();
     tell(m_log, describe(why) + "; a checkerboard is in its place");
     if (!m_checkerboard && !createCheckerboard(library, m_checkerboard))
         return false;
@@ -181,7 +191,7 @@ bool gpu_textures::giveUp(lib3d& library)
 
 void gpu_textures::end(const texture_view& view)
 {
-    entry& known = m_entries.at(m_po_current->texture);
+    entry& known = m_entries.at(m_po_current->wanted.texture);
     D3D11_SHADER_RESOURCE_VIEW_DESC description{};
     if (view)
         view->GetDesc(&description);
@@ -189,8 +199,10 @@ void gpu_textures::end(const texture_view& view)
     const auto side = static_cast<float>(std::max(m_po_current->image.width, m_po_current->image.height));
     known.shown->levels = std::log2(std::max(side, 1.0f));
     known.shown->is_srgb = isSrgb(static_cast<dds_format>(description.Format));
+    known.shown->is_opaque = m_po_current->is_opaque;
     known.is_there = true;
-    m_po_current->texture->letGo();
+    known.is_kept_as_colour = m_po_current->wanted.is_colour;
+    m_po_current->wanted.texture->letGo();
 }
 
 } // namespace korvane

@@ -24,9 +24,10 @@ using texture_view = com_ptr<ID3D11ShaderResourceView>;
 // As the groups hold it.
 struct gpu_texture
 {
-    texture_view view;    // empty: it is not there yet
-    bool is_srgb = false; // the view decodes
-    float levels = 0;     // log2 of the larger side
+    texture_view view;      // empty: it is not there yet
+    bool is_srgb = false;   // the view decodes
+    bool is_opaque = false; // the alpha is known to say one
+    float levels = 0;       // log2 of the larger side
     texture_view pending; // bound instead, and not looked at: software devices compile shaders anew for an empty place
 };
 
@@ -43,8 +44,10 @@ public:
     {
     }
 
-    // The place of a texture; null for null. Until it is there, it shows what a former scene had of the same path.
-    [[nodiscard]] std::shared_ptr<const gpu_texture> find(const std::shared_ptr<const scene_texture>& texture);
+    // The place of a texture; null for null. Colour: the shader decodes it, and looks at it as nothing else. Until it
+    // is there, it shows what a former scene had of the same path.
+    [[nodiscard]] std::shared_ptr<const gpu_texture> find(const std::shared_ptr<const scene_texture>& texture,
+                                                          bool is_colour);
     void forgetFormer() { m_po_former = nullptr; } // before the former textures go
 
     // After the last find(): asks for what is not there yet. False when the device was lost.
@@ -61,6 +64,8 @@ private:
     {
         std::shared_ptr<gpu_texture> shown;
         bool is_there = false;
+        bool is_colour = true;          // for all that look at it
+        bool is_kept_as_colour = false; // what is there
     };
 
     [[nodiscard]] bool takeOver(lib3d& library, bool waits);

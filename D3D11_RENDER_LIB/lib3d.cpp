@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -41,14 +42,6 @@ std::span<const std::byte> resourceBytes(int number)
     requireSuccess(found ? S_OK : HRESULT_FROM_WIN32(GetLastError()), "lib3d, shader resource");
     const void* bytes = LockResource(LoadResource(nullptr, found));
     return {static_cast<const std::byte*>(bytes), SizeofResource(nullptr, found)};
-}
-
-// What shading_usual_ps is made for.
-bool hasUsualLights(const light_buffer& constants)
-{
-    const auto isDirectional = [](const gpu_light& light) { return light.lightDirection != gpu_float3{}; };
-    return isDirectional(constants.light[0]) && constants.light[0].point_range <= 0 &&
-           !isDirectional(constants.light[1]);
 }
 
 } // namespace
@@ -193,6 +186,11 @@ bool lib3d::createShaders()
            createPixelShader(KORVANE_LINE_PS, "line_ps", m_line_ps) &&
            createPixelShader(KORVANE_FINAL_PS, "final_ps", m_final_ps) &&
            createPixelShader(KORVANE_FINAL_OUTLINE_PS, "final_outline_ps", m_final_outline_ps) &&
+           createPixelShader(KORVANE_LINE_ENCODED_PS, "line_encoded_ps", m_line_encoded_ps) &&
+           createPixelShader(KORVANE_WIREFRAME_ENCODED_PS, "wireframe_encoded_ps", m_wireframe_encoded_ps) &&
+           createPixelShader(KORVANE_FINAL_ENCODED_PS, "final_encoded_ps", m_final_encoded_ps) &&
+           createPixelShader(KORVANE_FINAL_ENCODED_OUTLINE_PS, "final_encoded_outline_ps",
+                             m_final_encoded_outline_ps) &&
            createPixelShader(KORVANE_SURFACE_PS, "surface_ps", m_surface_ps) &&
            createPixelShader(KORVANE_SURFACE_ALPHA_PS, "surface_alpha_ps", m_surface_alpha_ps) &&
            createPixelShader(KORVANE_FRAME_PS, "frame_ps", m_frame_ps) &&
@@ -203,8 +201,10 @@ bool lib3d::createShaders()
 bool lib3d::createConstantBuffers(const mvp_buffer& vs, const light_buffer& ps)
 {
     const final_pass_buffer final_settings;
+    const auto pose = std::make_unique<pose_buffer>();
     fillEnvironment(m_shading);
     return createConstantBuffer(sizeof vs, &vs, "ModelViewProjectionConstantBuffer", m_vs_buffer) &&
+           createConstantBuffer(sizeof *pose, pose.get(), "PoseBuffer", m_pose_buffer) &&
            createConstantBuffer(sizeof ps, &ps, "LightBuffer", m_ps_buffer) &&
            createConstantBuffer(sizeof final_settings, &final_settings, "FinalPassBuffer", m_final_buffer) &&
            createConstantBuffer(sizeof m_shading, &m_shading, "ShadingBuffer", m_shading_buffer);
@@ -325,7 +325,17 @@ bool lib3d::createAll()
 void lib3d::uploadConstants(const mvp_buffer& vs, const light_buffer& ps)
 {
     m_context->UpdateSubresource(m_vs_buffer.get(), 0, nullptr, &vs, 0, 0);
+    uploadLight(ps);
+}
+
+void lib3d::uploadLight(const light_buffer& ps)
+{
     m_context->UpdateSubresource(m_ps_buffer.get(), 0, nullptr, &ps, 0, 0);
+}
+
+void lib3d::uploadPose(const pose_buffer& pose)
+{
+    m_context->UpdateSubresource(m_pose_buffer.get(), 0, nullptr, &pose, 0, 0);
 }
 
 void lib3d::clearContext()
@@ -336,8 +346,9 @@ void lib3d::clearContext()
     m_context->Flush();
 }
 
-void lib3d::beginScene()
+void lib3d::beginScene(bool is_encoded)
 {
+    m_is_encoded = is_encoded;
     ID3D11ShaderResourceView* views[6] = {
         m_specular_cube.get(), m_reflectance_table.get(), m_diffuse_cube.get(), nullptr, nullptr, nullptr};
     m_context->PSSetShaderResources(0, 6, views);
@@ -366,7 +377,7 @@ void lib3d::useModelShaders(model_pass pass, raster_mode faces)
         break;
     case model_pass::wireframe:
     case model_pass::wire_over:
-        shader = m_wireframe_ps.get();
+        shader = (m_is_encoded ? m_wireframe_encoded_ps : m_wireframe_ps).get();
         raster = is_over ? raster_mode::wireframe_over : raster_mode::wireframe;
         break;
     case model_pass::shadow_map:
@@ -393,13 +404,16 @@ void lib3d::useSurfaceShader(surface_kind kind, UINT group)
 {
     ID3D11PixelShader* const shaders[] = {m_frame_ps.get(), m_surface_ps.get(), m_surface_alpha_ps.get()};
     if (kind == surface_kind::framed)
+    {
+        ID3D11Buffer* const buffer = m_pose_buffer.get();
+        m_context->VSSetConstantBuffers(2, 1, &buffer);
         m_context->VSSetShader(m_frame_vs.get(), nullptr, 0);
+    }
     m_context->PSSetShader(shaders[static_cast<int>(kind)], nullptr, 0);
     m_context->OMSetDepthStencilState(m_stencil_written.get(), group);
 }
 
-void lib3d::drawShading(UINT group, const screen_area& area, const light_buffer& constants,
-                        std::span<const float> levels)
+void lib3d::drawShading(UINT group, const screen_area& area, std::span<const float> levels)
 {
     std::copy(levels.begin(), levels.end(), m_shading.levels.begin());
     m_context->UpdateSubresource(m_shading_buffer.get(), 0, nullptr, &m_shading, 0, 0);
@@ -409,8 +423,7 @@ void lib3d::drawShading(UINT group, const screen_area& area, const light_buffer&
     m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
     m_context->OMSetDepthStencilState(m_stencil_tested.get(), group);
     // No further kinds: a software device compiles each for each kind of texture, and that is what a person waits for.
-    const auto& shader = hasUsualLights(constants) ? m_shading_usual_ps : m_shading_ps;
-    m_context->PSSetShader(shader.get(), nullptr, 0);
+    m_context->PSSetShader((m_is_encoded ? m_shading_usual_ps : m_shading_ps).get(), nullptr, 0);
     drawArea(area);
 }
 
@@ -441,7 +454,7 @@ void lib3d::useLineShaders(line_depth depth)
     m_context->IASetInputLayout(m_line_layout.get());
     m_context->IASetPrimitiveTopology(D3D11_PRIMITIVE_TOPOLOGY_LINELIST);
     m_context->VSSetShader(m_line_vs.get(), nullptr, 0);
-    m_context->PSSetShader(m_line_ps.get(), nullptr, 0);
+    m_context->PSSetShader((m_is_encoded ? m_line_encoded_ps : m_line_ps).get(), nullptr, 0);
     m_context->RSSetState(m_rasterizers[static_cast<int>(raster_mode::both_faces)].get());
     m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
     m_context->OMSetDepthStencilState((depth == line_depth::ignored ? m_depth_ignored : m_depth).get(), 0);
@@ -481,7 +494,9 @@ void lib3d::drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceV
     m_context->VSSetConstantBuffers(1, 1, &buffer);
     m_context->PSSetConstantBuffers(1, 1, &buffer);
     m_context->PSSetShaderResources(11, 2, views);
-    m_context->PSSetShader((has_outlines ? m_final_outline_ps : m_final_ps).get(), nullptr, 0);
+    const auto& plain = m_is_encoded ? m_final_encoded_ps : m_final_ps;
+    const auto& outlined = m_is_encoded ? m_final_encoded_outline_ps : m_final_outline_ps;
+    m_context->PSSetShader((has_outlines ? outlined : plain).get(), nullptr, 0);
     m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
     m_context->OMSetDepthStencilState(m_depth_ignored.get(), 0);
     drawArea(area);

@@ -129,14 +129,18 @@ public:
 
     // Both buffers whole, for the next draw.
     void uploadConstants(const mvp_buffer& vs, const light_buffer& ps);
-    // Binds what every draw of a frame shares: samplers, environment, blend and depth state.
-    void beginScene();
+    void uploadLight(const light_buffer& ps); // of the pixel stage alone
+    // For the groups of surface_kind::framed, instead of both.
+    void uploadPose(const pose_buffer& pose);
+    // Binds what every draw of a frame shares: samplers, environment, blend and depth state. Pictures that are drawn as
+    // the screen has them have one target (scene_targets.h).
+    void beginScene(bool is_encoded = false);
     // The faces count for the passes that fill surfaces.
     void useModelShaders(model_pass pass, raster_mode faces);
     // For model_pass::surfaces after that, and the whole draw of model_pass::shading: of a group of that number, 1 to
     // 255, which reaches no further than the area.
     void useSurfaceShader(surface_kind kind, UINT group);
-    void drawShading(UINT group, const screen_area& area, const light_buffer& constants, std::span<const float> levels);
+    void drawShading(UINT group, const screen_area& area, std::span<const float> levels);
     shading_buffer& shading() { return m_shading; } // what the next drawShading() knows; the environment is in it
     void useFloorShaders();                         // the shadow on the floor, over what is in the target of light
     void useLineShaders(line_depth depth);
@@ -145,8 +149,8 @@ public:
     void drawLines(std::span<const gpu_line_vertex> lines);
     // The size that the final pass and what is written over it are given.
     void setFinalPass(const final_pass_buffer& settings);
-    // Shows the view in the area of the bound target through the final pass, with outlines around what the marks, those
-    // of the normals' target, say.
+    // Of the scene that was begun: shows the view in the area of the bound target through the final pass, with outlines
+    // around what the marks, those of the normals' target, say.
     void drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceView* marks,
                        const final_pass_buffer& settings, const screen_area& area, bool has_outlines);
     [[nodiscard]] bool createVertexShader(int resource, std::span<const D3D11_INPUT_ELEMENT_DESC> elements,
@@ -171,16 +175,17 @@ private:
     bool m_is_software = false;
     bool m_is_tolerant = false;
     bool m_has_whole_environment = false;
+    bool m_is_encoded = false; // the scene that is drawn
     float m_texture_bias = 0;
     HRESULT m_loss = S_OK;
     shading_buffer m_shading;
 
     com_ptr<ID3D11VertexShader> m_model_vs, m_frame_vs, m_line_vs, m_final_vs;
     com_ptr<ID3D11PixelShader> m_model_ps, m_model_shadow_ps, m_channel_ps, m_wireframe_ps, m_shadow_ps, m_floor_ps,
-        m_line_ps, m_final_ps, m_final_outline_ps, m_surface_ps, m_surface_alpha_ps, m_frame_ps, m_shading_ps,
-        m_shading_usual_ps;
+        m_line_ps, m_line_encoded_ps, m_wireframe_encoded_ps, m_final_ps, m_final_outline_ps, m_final_encoded_ps,
+        m_final_encoded_outline_ps, m_surface_ps, m_surface_alpha_ps, m_frame_ps, m_shading_ps, m_shading_usual_ps;
     com_ptr<ID3D11InputLayout> m_model_layout, m_line_layout;
-    com_ptr<ID3D11Buffer> m_vs_buffer, m_ps_buffer, m_final_buffer, m_shading_buffer, m_line_buffer;
+    com_ptr<ID3D11Buffer> m_vs_buffer, m_pose_buffer, m_ps_buffer, m_final_buffer, m_shading_buffer, m_line_buffer;
     com_ptr<ID3D11ShaderResourceView> m_specular_cube, m_diffuse_cube, m_reflectance_table;
     com_ptr<ID3D11SamplerState> m_samplers[5];
     com_ptr<ID3D11RasterizerState> m_rasterizers[raster_mode_count];

@@ -1,6 +1,9 @@
 #include "D3D11_RENDER_LIB/rigid_model.h"
 
+#include "D3D11_RENDER_LIB/pose_palette.h"
+
 #include <algorithm>
+#include <optional>
 
 namespace korvane
 {
@@ -29,6 +32,7 @@ void rigid_model::draw(lib3d& library, frame_constants& frame) const
     frame.vs.is_weapon = m_is_attached_to_bone ? 1 : 0;
     frame.vs.mWeapon = m_weapon;
     frame.vs.color = {static_cast<float>(frame.heat_bone), 0, 0, 0};
+    std::optional<std::int32_t> posed; // as what the pose was uploaded
     const bool is_part_selected = frame.selected && frame.selected->part == frame.part;
     for (std::uint32_t i = 0; i < m_groups.size(); ++i)
     {
@@ -40,6 +44,12 @@ void rigid_model::draw(lib3d& library, frame_constants& frame) const
         const bool is_selected = is_part_selected && frame.selected->group == i;
         std::int32_t& flags = frame.ps.debug_flags[3];
         flags = is_selected ? flags | draw_selected : flags & ~draw_selected;
+        if (frame.pass == model_pass::surfaces && posed != frame.vs.static_model)
+        {
+            fillPose(frame.vs, frame.pose);
+            library.uploadPose(frame.pose);
+            posed = frame.vs.static_model;
+        }
         m_groups[i].draw(library, frame);
     }
 }

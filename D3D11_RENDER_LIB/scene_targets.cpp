@@ -103,31 +103,32 @@ bool scene_targets::create(lib3d& library, UINT width, UINT height, UINT samples
     m_width = width;
     m_height = height;
     m_part = {width, height};
-    return !library.isSoftware() || m_samples > 1 || createSurfaces(library, width, height);
+    return !library.isSoftware() || m_samples > 1 ||
+           (createLayer(library, DXGI_FORMAT_R32G32B32A32_UINT, "surfaces", m_surfaces) &&
+            createLayer(library, DXGI_FORMAT_R8G8B8A8_UNORM, "target, as on the screen", m_encoded));
 }
 
-bool scene_targets::createSurfaces(lib3d& library, UINT width, UINT height)
+bool scene_targets::createLayer(lib3d& library, DXGI_FORMAT format, const char* name, layer& made)
 {
     ID3D11Device& device = library.device();
-    com_ptr<ID3D11Texture2D> texture;
-    return createTexture(library, width, height, DXGI_FORMAT_R32G32B32A32_UINT,
-                         D3D11_BIND_RENDER_TARGET | D3D11_BIND_SHADER_RESOURCE, "surfaces", texture) &&
-           library.isMade(device.CreateRenderTargetView(texture.get(), nullptr, m_surfaces.put()), m_surfaces,
-                          "surfaces", source_name) &&
-           library.isMade(device.CreateShaderResourceView(texture.get(), nullptr, m_surface_view.put()), m_surface_view,
-                          "surfaces", source_name);
+    return createTexture(library, m_width, m_height, format, D3D11_BIND_RENDER_TARGET | D3D11_BIND_SHADER_RESOURCE,
+                         name, made.texture) &&
+           library.isMade(device.CreateRenderTargetView(made.texture.get(), nullptr, made.target.put()), made.target,
+                          name, source_name) &&
+           library.isMade(device.CreateShaderResourceView(made.texture.get(), nullptr, made.view.put()), made.view,
+                          name, source_name);
 }
 
 void scene_targets::bindSurfaces(lib3d& library) const
 {
-    ID3D11RenderTargetView* const target = m_surfaces.get();
+    ID3D11RenderTargetView* const target = m_surfaces.target.get();
     library.context().OMSetRenderTargets(1, &target, m_depth.get());
 }
 
-void scene_targets::bindShading(lib3d& library) const
+void scene_targets::bindShading(lib3d& library, const shown_frame& frame) const
 {
-    bind(library);
-    ID3D11ShaderResourceView* const view = m_surface_view.get();
+    bind(library, frame);
+    ID3D11ShaderResourceView* const view = m_surfaces.view.get();
     library.context().PSSetShaderResources(surface_register, 1, &view);
 }
 
@@ -142,26 +143,30 @@ void scene_targets::release()
     *this = scene_targets();
 }
 
-void scene_targets::begin(lib3d& library, ID3D11RenderTargetView* output, float background, shown_target shown,
-                          bool is_clear) const
+void scene_targets::begin(lib3d& library, ID3D11RenderTargetView* output, const shown_frame& frame) const
 {
     ID3D11DeviceContext& context = library.context();
-    const float c = is_clear ? 0.0f : background;
-    const float color[4] = {c, c, 1.3f * c, is_clear ? 0.0f : 1.0f};
-    for (const auto& target : m_targets)
-        context.ClearRenderTargetView(target.get(), color);
-    const float seen = shownValue(c, shown), seen_blue = shownValue(1.3f * c, shown);
-    const float seen_color[4] = {seen, seen, seen_blue, shown == shown_target::normals ? 1.0f : color[3]};
+    const float c = frame.is_clear ? 0.0f : frame.background;
+    const float color[4] = {c, c, 1.3f * c, frame.is_clear ? 0.0f : 1.0f};
+    const float seen = shownValue(c, frame.shown), seen_blue = shownValue(1.3f * c, frame.shown);
+    const float seen_color[4] = {seen, seen, seen_blue, frame.shown == shown_target::normals ? 1.0f : color[3]};
+    if (frame.is_encoded)
+        context.ClearRenderTargetView(m_encoded.target.get(), seen_color);
+    else
+        for (const auto& target : m_targets)
+            context.ClearRenderTargetView(target.get(), color);
     context.ClearRenderTargetView(output, seen_color);
     context.ClearDepthStencilView(m_depth.get(), D3D11_CLEAR_DEPTH | D3D11_CLEAR_STENCIL, 1.0f, 0);
-    bind(library);
+    bind(library, frame);
+    library.beginScene(frame.is_encoded);
 }
 
-void scene_targets::bind(lib3d& library) const
+void scene_targets::bind(lib3d& library, const shown_frame& frame) const
 {
-    ID3D11RenderTargetView* targets[target_count];
-    std::transform(m_targets.begin(), m_targets.end(), targets, [](const auto& target) { return target.get(); });
-    library.context().OMSetRenderTargets(target_count, targets, m_depth.get());
+    ID3D11RenderTargetView* targets[target_count] = {m_encoded.target.get()};
+    if (!frame.is_encoded)
+        std::transform(m_targets.begin(), m_targets.end(), targets, [](const auto& target) { return target.get(); });
+    library.context().OMSetRenderTargets(frame.is_encoded ? 1 : target_count, targets, m_depth.get());
     useViewport(library, m_part);
 }
 
@@ -174,25 +179,26 @@ void scene_targets::usePicturePixels(lib3d& library) const
     library.setFinalPass(settings);
 }
 
-void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown, const screen_area& area,
-                           bool has_outlines) const
+void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, const shown_frame& frame,
+                           const screen_area& area) const
 {
     constexpr auto marks = static_cast<std::size_t>(shown_target::normals);
-    const auto wanted = static_cast<std::size_t>(shown);
+    const auto wanted = static_cast<std::size_t>(frame.shown);
     library.context().OMSetRenderTargets(1, &output, nullptr);
     useViewport(library, {m_width, m_height});
     if (m_samples > 1)
         for (std::size_t i = 0; i < target_count; ++i)
-            if (i == wanted || (has_outlines && i == marks))
+            if (i == wanted || (frame.has_outlines && i == marks))
                 library.context().ResolveSubresource(m_resolved[i].get(), 0, m_drawn[i].get(), 0, kinds[i].format);
     final_pass_buffer settings;
     settings.width = static_cast<std::int32_t>(m_width);
     settings.height = static_cast<std::int32_t>(m_height);
-    settings.content = shown == shown_target::lit       ? target_content::light
-                       : shown == shown_target::normals ? target_content::data
-                                                        : target_content::colour;
+    settings.content = frame.shown == shown_target::lit       ? target_content::light
+                       : frame.shown == shown_target::normals ? target_content::data
+                                                              : target_content::colour;
     settings.flags = m_samples == 1 && !m_part.has_samples ? final_softens : 0;
-    library.drawFinalPass(m_views[wanted].get(), m_views[marks].get(), settings, area, has_outlines);
+    const auto& seen = frame.is_encoded ? m_encoded.view : m_views[wanted];
+    library.drawFinalPass(seen.get(), m_views[marks].get(), settings, area, frame.has_outlines);
 }
 
 bool picture_target::create(lib3d& library, UINT width, UINT height)

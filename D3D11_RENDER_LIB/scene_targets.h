@@ -20,6 +20,18 @@ enum class shown_target // by the number of the target
     normals
 };
 
+// What a frame is to show, and how.
+struct shown_frame
+{
+    shown_target shown = shown_target::lit;
+    float background = 0;      // (c, c, 1.3 c); linear
+    bool is_clear = false;     // nothing is behind the model
+    bool has_outlines = false; // of the groups that are marked
+    // The light is drawn as the screen has it, tone-mapped and encoded, into one target with a byte a channel, the
+    // marks as alpha. Only what knows of it can be drawn then: surfaces with the usual lights, and lines.
+    bool is_encoded = false;
+};
+
 // Which part of a picture the targets hold, when they do not hold all of it. A part lies wholly within the picture.
 struct picture_part
 {
@@ -57,17 +69,15 @@ public:
 
     UINT samples() const { return m_samples; }
 
-    // Binds the targets and the whole-size viewport and clears everything, the output too: the background is
-    // (c, c, 1.3 c, 1), or nothing for a clear one, in the output as finish() shows it; depth 1, stencil 0.
-    void begin(lib3d& library, ID3D11RenderTargetView* output, float background, shown_target shown,
-               bool is_clear = false) const;
-    void bind(lib3d& library) const; // again, after something else was drawn into
+    // Binds the targets and the whole-size viewport and clears everything, the output too: the background is as the
+    // frame says, in the output as finish() shows it; depth 1, stencil 0. Begins the library's scene.
+    void begin(lib3d& library, ID3D11RenderTargetView* output, const shown_frame& frame) const;
+    void bind(lib3d& library, const shown_frame& frame) const; // again, after something else was drawn into
     // For what is given in pixels of the whole picture, behind finish(): into the same output.
     void usePicturePixels(lib3d& library) const;
-    // Shows one of the targets in the output. With outlines those of the groups that are marked are drawn, too.
-    // Beyond the area there is the background alone.
-    void finish(lib3d& library, ID3D11RenderTargetView* output, shown_target shown, const screen_area& area,
-                bool has_outlines = false) const;
+    // Shows the frame in the output. Beyond the area there is the background alone.
+    void finish(lib3d& library, ID3D11RenderTargetView* output, const shown_frame& frame,
+                const screen_area& area) const;
     screen_area whole() const
     {
         return {0, 0, static_cast<std::int32_t>(m_width), static_cast<std::int32_t>(m_height)};
@@ -76,13 +86,21 @@ public:
     // On software devices, with one sample: surfaces are drawn first, as what shading needs to know of each pixel, and
     // are shaded then, each pixel once. In forward drawing most of the time goes into pixels beside small triangles.
     // Not for parts of pictures and several samples: they are drawn forward.
-    bool hasSurfaces() const { return m_surfaces && isWhole(); }
+    bool hasSurfaces() const { return m_surfaces.target && isWhole(); }
     void bindSurfaces(lib3d& library) const;
-    void bindShading(lib3d& library) const; // the targets, and the surfaces to read
+    void bindShading(lib3d& library, const shown_frame& frame) const; // the targets, and the surfaces to read
     void endShading(lib3d& library) const;
 
 private:
-    [[nodiscard]] bool createSurfaces(lib3d& library, UINT width, UINT height);
+    // A target that can be looked at afterwards.
+    struct layer
+    {
+        com_ptr<ID3D11Texture2D> texture;
+        com_ptr<ID3D11RenderTargetView> target;
+        com_ptr<ID3D11ShaderResourceView> view;
+    };
+
+    [[nodiscard]] bool createLayer(lib3d& library, DXGI_FORMAT format, const char* name, layer& made);
 
     UINT m_width = 0;
     UINT m_height = 0;
@@ -93,8 +111,8 @@ private:
     std::array<com_ptr<ID3D11RenderTargetView>, target_count> m_targets;
     std::array<com_ptr<ID3D11ShaderResourceView>, target_count> m_views;
     com_ptr<ID3D11DepthStencilView> m_depth;
-    com_ptr<ID3D11RenderTargetView> m_surfaces; // empty: not on this device
-    com_ptr<ID3D11ShaderResourceView> m_surface_view;
+    layer m_surfaces; // empty: not on this device
+    layer m_encoded;  // of frames that are encoded
 };
 
 // A picture in memory that can be drawn into and read back.

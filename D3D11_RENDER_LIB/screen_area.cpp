@@ -20,16 +20,6 @@ vector4 applied(const gpu_matrix& matrix, const vector4& point)
     return result;
 }
 
-gpu_matrix times(const gpu_matrix& later, const gpu_matrix& first)
-{
-    gpu_matrix result{};
-    for (std::size_t row = 0; row < 4; ++row)
-        for (std::size_t column = 0; column < 4; ++column)
-            for (std::size_t i = 0; i < 4; ++i)
-                result[row][column] += later[row][i] * first[i][column];
-    return result;
-}
-
 // The corners of a box on the screen.
 class projected_corners
 {
@@ -128,8 +118,9 @@ void mesh_reach::add(std::span<const gpu_vertex> vertices)
 
 screen_area mesh_reach::onScreen(const mvp_buffer& constants, std::int32_t width, std::int32_t height) const
 {
-    const gpu_matrix to_clip = times(
-        constants.Projection, times(constants.View, times(constants.mWorld, times(constants.rot_x, constants.rot_y))));
+    const gpu_matrix to_clip = gpuProduct(
+        constants.Projection,
+        gpuProduct(constants.View, gpuProduct(constants.mWorld, gpuProduct(constants.rot_x, constants.rot_y))));
     projected_corners corners(width, height);
     const bool is_static = constants.static_model == 1 && constants.is_weapon != 1;
     if (!is_static && !m_is_mixed)
@@ -140,10 +131,10 @@ screen_area mesh_reach::onScreen(const mvp_buffer& constants, std::int32_t width
         for (const auto& [bone, box] : m_bones)
         {
             gpu_matrix posed =
-                bone < max_bones ? times(constants.tranforms[bone], constants.inverse[bone]) : gpu_identity;
+                bone < max_bones ? gpuProduct(constants.tranforms[bone], constants.inverse[bone]) : gpu_identity;
             if (constants.is_weapon == 1)
-                posed = times(posed, constants.mWeapon);
-            corners.add(times(to_clip, posed), box);
+                posed = gpuProduct(posed, constants.mWeapon);
+            corners.add(gpuProduct(to_clip, posed), box);
         }
     return corners.area();
 }

@@ -32,8 +32,8 @@ bool sub_mesh::create(lib3d& library, const scene_group& group, int bone, const 
     m_is_skinned = bone >= 0 || group.has_weights;
     if (!createBuffers(library, group, bone))
         return false;
-    std::transform(textures.begin(), textures.end(), m_textures.begin(),
-                   [&views](const auto& texture) { return views.find(texture); });
+    for (std::size_t slot = 0; slot < texture_slot_count; ++slot)
+        m_textures[slot] = views.find(textures[slot], slot == diffuse_slot || slot == specular_slot);
     return true;
 }
 
@@ -85,13 +85,16 @@ void sub_mesh::draw(lib3d& library, frame_constants& constants) const
     constants.ps.is_diffuse_linear = decodesSrgb(m_textures[diffuse_slot]) ? 0 : 1;
     constants.ps.is_specular_linear = decodesSrgb(m_textures[specular_slot]) ? 0 : 1;
     constants.ps.debug_flags[2] = boundSlots();
-    library.uploadConstants(constants.vs, constants.ps);
-    bindTextures(library);
+    if (constants.pass == model_pass::shading)
+        library.uploadLight(constants.ps);
+    else if (constants.pass != model_pass::surfaces || m_surface != surface_kind::framed)
+        library.uploadConstants(constants.vs, constants.ps);
+    bindTextures(library, constants.pass);
     const screen_area reached = m_reach.onScreen(constants.vs, constants.width, constants.height);
     constants.reached.add(reached);
     ++constants.group;
     if (constants.pass == model_pass::shading)
-        return library.drawShading(constants.group, reached, constants.ps, mapLevels());
+        return library.drawShading(constants.group, reached, mapLevels());
     library.useModelShaders(constants.pass, m_raster);
     if (constants.pass == model_pass::surfaces)
         library.useSurfaceShader(m_surface, constants.group);
@@ -105,12 +108,17 @@ void sub_mesh::draw(lib3d& library, frame_constants& constants) const
     context.DrawIndexed(m_index_count, 0, 0);
 }
 
-void sub_mesh::bindTextures(lib3d& library) const
+void sub_mesh::bindTextures(lib3d& library, model_pass pass) const
 {
     std::array<ID3D11ShaderResourceView*, texture_slot_count> views{};
-    std::transform(m_textures.begin(), m_textures.end(), views.begin(), [](const auto& texture) {
-        return texture && !texture->view ? texture->pending.get() : viewOf(texture);
-    });
+    for (std::size_t slot = 0; slot < texture_slot_count; ++slot)
+    {
+        // Shading looks at the mask's alpha alone: four white texels say as much and stay in the processor's cache.
+        const auto& texture = m_textures[slot];
+        const bool is_white = slot == mask_slot && texture && texture->is_opaque && pass == model_pass::shading;
+        views[slot] =
+            texture && texture->pending && (is_white || !texture->view) ? texture->pending.get() : viewOf(texture);
+    }
     library.context().PSSetShaderResources(first_register, texture_slot_count, views.data());
 }
 

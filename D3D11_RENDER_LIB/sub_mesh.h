@@ -20,14 +20,14 @@ public:
     [[nodiscard]] bool create(lib3d& library, const scene_group& group, int bone, const group_textures& textures,
                               gpu_textures& views);
 
-    // Uploads both constant buffers, binds everything of the group and draws it. What the constants say of the group
-    // is written into them here.
+    // Uploads the constant buffers that the pass looks at, binds everything of the group and draws it. What the
+    // constants say of the group is written into them here.
     void draw(lib3d& library, frame_constants& constants) const;
 
     bool isSkinned() const { return m_is_skinned; }
 
 private:
-    void bindTextures(lib3d& library) const;
+    void bindTextures(lib3d& library, model_pass pass) const;
     [[nodiscard]] bool createBuffers(lib3d& library, const scene_group& group, int bone);
     std::array<float, texture_slot_count> mapLevels() const;
     int boundSlots() const; // a bit for each slot that holds a view

@@ -1,6 +1,8 @@
 #include "D3D11_RENDER_LIB/texture_reading.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <new>
 #include <system_error>
 #include <utility>
@@ -21,6 +23,14 @@ bool mustUnpack(const dds_image& image, const device_formats& device)
            (is_block && (image.width % 4 != 0 || image.height % 4 != 0));
 }
 
+std::size_t bytesOf(const dds_image& image)
+{
+    std::size_t bytes = 0;
+    for (const dds_subresource& part : image.subresources)
+        bytes += part.bytes.size();
+    return bytes;
+}
+
 void keepFirstSurface(dds_image& image)
 {
     image.array_size = 1;
@@ -28,9 +38,40 @@ void keepFirstSurface(dds_image& image)
     image.subresources.resize(image.mip_count);
 }
 
-bool readWhole(const scene_texture& texture, const device_formats& device, read_texture& result)
+using byte_map = std::array<std::byte, 256>;
+
+byte_map gammaOfSrgb()
 {
-    result.file = texture.bytes(result.why);
+    byte_map result{};
+    for (std::size_t i = 0; i < result.size(); ++i)
+    {
+        const double encoded = static_cast<double>(i) / 255;
+        const double light = encoded <= 0.04045 ? encoded / 12.92 : std::pow((encoded + 0.055) / 1.055, 2.4);
+        result[i] = static_cast<std::byte>(std::lround(std::pow(light, 1 / 2.2) * 255));
+    }
+    return result;
+}
+
+// Four bytes a texel, alpha last.
+void keepAsGamma(std::span<std::byte> texels)
+{
+    static const byte_map gamma = gammaOfSrgb();
+    for (std::size_t i = 0; i + 3 < texels.size(); i += 4)
+        for (std::size_t channel = 0; channel < 3; ++channel)
+            texels[i + channel] = gamma[static_cast<std::size_t>(texels[i + channel])];
+}
+
+bool hasFullAlpha(std::span<const std::byte> texels)
+{
+    for (std::size_t i = 3; i < texels.size(); i += 4)
+        if (texels[i] != std::byte{255})
+            return false;
+    return true;
+}
+
+bool readWhole(const wanted_texture& wanted, const device_formats& device, read_texture& result)
+{
+    result.file = wanted.texture->bytes(result.why);
     if (!result.file || !readDds(result.file->bytes(), result.image, result.why))
         return false;
     keepFirstSurface(result.image);
@@ -39,34 +80,32 @@ bool readWhole(const scene_texture& texture, const device_formats& device, read_
     if (!unpackDds(result.image, result.unpacked, result.why))
         return false;
     result.image = result.unpacked.image;
+    const std::span<std::byte> all(result.unpacked.bytes.get(), bytesOf(result.image));
+    if (device.is_software && wanted.is_colour && result.image.format == dds_format::rgba8_srgb)
+    {
+        keepAsGamma(all);
+        result.image.format = dds_format::rgba8;
+    }
+    result.is_opaque = result.image.format == dds_format::rgba8 && hasFullAlpha(all);
     result.file.reset();
     return true;
 }
 
-std::unique_ptr<read_texture> readTexture(const std::shared_ptr<const scene_texture>& texture,
-                                          const device_formats& device)
+std::unique_ptr<read_texture> readTexture(const wanted_texture& wanted, const device_formats& device)
 {
     auto result = std::make_unique<read_texture>();
-    result->texture = texture;
+    result->wanted = wanted;
     try
     {
-        if (readWhole(*texture, device, *result))
+        if (readWhole(wanted, device, *result))
             return result;
     }
     catch (const std::bad_alloc&)
     {
         fail(result->why, failure_kind::unsupported, "there is not enough memory for the texture");
     }
-    result->why.path = texture->path();
+    result->why.path = wanted.texture->path();
     return result;
-}
-
-std::size_t bytesOf(const read_texture& texture)
-{
-    std::size_t bytes = 0;
-    for (const dds_subresource& part : texture.image.subresources)
-        bytes += part.bytes.size();
-    return bytes;
 }
 
 } // namespace
@@ -82,26 +121,26 @@ texture_reading::~texture_reading()
         m_thread.join();
 }
 
-void texture_reading::request(std::vector<std::shared_ptr<const scene_texture>> wanted, const device_formats& device)
+void texture_reading::request(std::vector<wanted_texture> wanted, const device_formats& device)
 {
     const lock held(m_mutex);
     std::deque<std::unique_ptr<read_texture>> kept;
-    const auto takeFrom = [&](const std::shared_ptr<const scene_texture>& texture) {
+    const auto takeFrom = [&](const wanted_texture& texture) {
         const auto found = std::find(wanted.begin(), wanted.end(), texture);
-        const bool is_wanted = device == m_device && texture && found != wanted.end();
+        const bool is_wanted = device == m_device && texture.texture && found != wanted.end();
         if (is_wanted)
             wanted.erase(found);
         return is_wanted;
     };
     m_waiting_bytes = 0;
     for (std::unique_ptr<read_texture>& ready : std::exchange(m_ready, {}))
-        if (takeFrom(ready->texture))
+        if (takeFrom(ready->wanted))
         {
-            m_waiting_bytes += bytesOf(*ready);
+            m_waiting_bytes += bytesOf(ready->image);
             m_ready.push_back(std::move(ready));
         }
     if (!takeFrom(m_current))
-        m_current.reset();
+        m_current = {};
     m_device = device;
     m_wanted.assign(wanted.begin(), wanted.end());
     if (!m_thread.joinable() && !m_wanted.empty())
@@ -119,16 +158,16 @@ void texture_reading::readNext(lock& held)
 {
     m_current = m_wanted.front();
     m_wanted.pop_front();
-    const std::shared_ptr<const scene_texture> texture = m_current;
+    const wanted_texture texture = m_current;
     const device_formats device = m_device;
     held.unlock();
     std::unique_ptr<read_texture> result = readTexture(texture, device);
     held.lock();
     if (m_current == texture)
     {
-        m_waiting_bytes += bytesOf(*result);
+        m_waiting_bytes += bytesOf(result->image);
         m_ready.push_back(std::move(result));
-        m_current.reset();
+        m_current = {};
     }
     m_changed.notify_all();
 }
@@ -155,7 +194,7 @@ std::unique_ptr<read_texture> texture_reading::takeReady()
         return nullptr;
     std::unique_ptr<read_texture> taken = std::move(m_ready.front());
     m_ready.pop_front();
-    m_waiting_bytes -= bytesOf(*taken);
+    m_waiting_bytes -= bytesOf(taken->image);
     m_changed.notify_all();
     return taken;
 }
@@ -173,7 +212,7 @@ std::unique_ptr<read_texture> texture_reading::wait()
     lock held(m_mutex);
     if (!m_thread.joinable() && m_ready.empty() && !m_wanted.empty())
         readNext(held);
-    m_changed.wait(held, [this] { return !m_ready.empty() || (m_wanted.empty() && !m_current); });
+    m_changed.wait(held, [this] { return !m_ready.empty() || (m_wanted.empty() && !m_current.texture); });
     return takeReady();
 }
 

@@ -1,4 +1,6 @@
 // Pixel shader of lines: the interpolated colour.
+#include "screen_colour.hlsli"
+
 struct line_pixel
 {
     float4 clip : SV_Position;
@@ -12,6 +14,12 @@ struct line_targets
     float4 normal : SV_Target2;
 };
 
+#ifdef AS_ON_SCREEN
+float4 main(line_pixel pixel) : SV_Target
+{
+    return float4(encodedQuickly(toneMapped(pixel.color.rgb)), 1);
+}
+#else
 line_targets main(line_pixel pixel)
 {
     line_targets result;
@@ -20,3 +28,4 @@ line_targets main(line_pixel pixel)
     result.base = pixel.color;
     return result;
 }
+#endif

@@ -5,7 +5,7 @@
 // The bone stands in color.x; below zero: none.
 float heatOf(model_vertex vertex)
 {
-    const float4 weights = skinningWeights(vertex);
+    const float4 weights = skinningWeights(vertex, is_weapon == 1);
     float sum = 0;
     [unroll]
     for (int i = 0; i < 4; ++i)

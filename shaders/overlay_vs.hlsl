@@ -1,10 +1,5 @@
 // Vertex shader of what is written over the picture: places in pixels, from the upper left corner.
-cbuffer FinalPassBuffer : register(b1) // final_pass_buffer in D3D11_RENDER_LIB/gpu_layouts.h
-{
-    int2 size;
-    int content;
-    int flags;
-};
+#include "final_buffer.hlsli"
 
 struct overlay_vertex // 32 bytes; gpu_overlay_vertex in D3D11_RENDER_LIB/gpu_layouts.h
 {

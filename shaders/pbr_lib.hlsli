@@ -13,7 +13,11 @@ static const float one_over_pi = 0.318309886;
 
 float3 linearFromGamma(float3 encoded)
 {
+#ifdef OF_SURFACES // on the screen off by less than a step of 255: powers are dear where the processor draws
+    return encoded * encoded * (0.57968 + encoded * (0.738623 - 0.324202 * encoded));
+#else
     return pow(max(encoded, 0), 2.2);
+#endif
 }
 
 float3 fresnel(float3 reflectance, float cosine)

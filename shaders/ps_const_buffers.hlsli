@@ -35,7 +35,7 @@ static const int draw_selected = 1;    // of debug_flags.w: the group is outline
 static const int draw_wire_over = 2;   // edges over the surface
 static const int draw_occluded = 4;    // the mask's alpha darkens what light comes from around
 
-// The alpha of the normals' target: the final pass draws the outline where it changes.
+// The alpha of the normals' target, and of a picture as the screen has it: the final pass draws the outline where it changes.
 static const float selected_mark = 0.25;
 
 float groupMark()

@@ -2,11 +2,12 @@
 #define OF_SURFACES
 #define WITHOUT_MAIN
 #include "model_ps.hlsl"
+#include "screen_colour.hlsli"
 #include "surface.hlsli"
 
 Texture2D<uint4> Surfaces : register(t13);
 
-model_targets main(float4 position : SV_Position)
+model_targets shadedAt(float4 position)
 {
     const unpacked_surface kept = unpacked(Surfaces.Load(int3(position.xy, 0)));
     const float3 way = ray.xyz + ray_x.xyz * position.x + ray_y.xyz * position.y;
@@ -22,3 +23,16 @@ model_targets main(float4 position : SV_Position)
     pixel.heat = 0;
     return shaded(pixel, kept.normal);
 }
+
+#ifdef OF_USUAL_LIGHTS
+float4 main(float4 position : SV_Position) : SV_Target
+{
+    const model_targets result = shadedAt(position);
+    return float4(encodedQuickly(toneMapped(result.lit.rgb)), result.normal.a);
+}
+#else
+model_targets main(float4 position : SV_Position)
+{
+    return shadedAt(position);
+}
+#endif

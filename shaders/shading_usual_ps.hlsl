@@ -1,4 +1,4 @@
-// The shading pass for the lights that are usual: a directional one and a point light. The processor leaves nothing out
-// that an if leaves out.
+// The shading pass for the lights that are usual, a directional one and a point light, and for pictures that are drawn as
+// the screen has them. The processor leaves nothing out that an if leaves out, and each target that it fills costs.
 #define OF_USUAL_LIGHTS
 #include "shading_ps.hlsl"

@@ -22,20 +22,14 @@ struct posed
 
 static const uint palette_size = 256;
 
-// Bones repeat to fill the four slots: a bone counts where it comes first.
-bool counts(model_vertex vertex, int slot)
-{
-    return slot == 0 || is_weapon == 1 || vertex.bones[slot] != vertex.bones[0];
-}
-
-// What of the weights counts; skinningWeights() in Korvane/viewer/posed_mesh.h. What is left of weights that summed to
-// one does so again.
-float4 skinningWeights(model_vertex vertex)
+// What of the weights counts; skinningWeights() in Korvane/viewer/posed_mesh.h. Bones repeat to fill the four slots: a
+// bone counts where it comes first, but for weapons. What is left of weights that summed to one does so again.
+float4 skinningWeights(model_vertex vertex, bool is_of_weapon)
 {
     float4 kept = vertex.weights;
     [unroll]
     for (int i = 1; i < 4; ++i)
-        kept[i] = counts(vertex, i) ? kept[i] : 0;
+        kept[i] = is_of_weapon || vertex.bones[i] != vertex.bones[0] ? kept[i] : 0;
     const float all = dot(vertex.weights, float4(1, 1, 1, 1));
     const float sum = dot(kept, float4(1, 1, 1, 1));
     if (!(abs(all - 1) <= 0.01))
@@ -69,7 +63,7 @@ posed skinned(model_vertex vertex)
     result.normal = 0;
     result.tangent = 0;
     result.binormal = 0;
-    const float4 weights = skinningWeights(vertex);
+    const float4 weights = skinningWeights(vertex, is_weapon == 1);
     [unroll]
     for (int i = 0; i < 4; ++i)
     {

@@ -85,6 +85,14 @@ void setRays(const mvp_buffer& constants, const scene_targets& targets, shading_
     }
 }
 
+// What shading_usual_ps is made for.
+bool hasUsualLights(const light_buffer& constants)
+{
+    const auto isDirectional = [](const gpu_light& light) { return light.lightDirection != gpu_float3{}; };
+    return isDirectional(constants.light[0]) && constants.light[0].point_range <= 0 &&
+           !isDirectional(constants.light[1]);
+}
+
 bool castsShadows(const lib3d& library, const view_state& view)
 {
     return view.shownChannel() == view_channel::lit && !view.is_wireframe &&
@@ -185,7 +193,7 @@ void model_scene::takePoses()
 }
 
 void model_scene::drawFigure(lib3d& library, const scene_targets& targets, const view_state& view,
-                             frame_constants& frame)
+                             const shown_frame& shown, frame_constants& frame)
 {
     const view_channel channel = view.shownChannel();
     frame.pass = view.is_wireframe      ? model_pass::wireframe
@@ -207,12 +215,12 @@ void model_scene::drawFigure(lib3d& library, const scene_targets& targets, const
         {
             const gpu_float3& way = frame.ps.light[0].lightDirection;
             m_po_shadow->draw(library, *m_po_figure, frame, {way[0], way[1], way[2]});
-            targets.bind(library);
+            targets.bind(library, shown);
             frame.pass = model_pass::lit_with_shadow;
         }
     }
-    if (frame.pass == model_pass::lit && targets.hasSurfaces() && m_group_count <= most_shaded_groups)
-        shadeSurfaces(library, targets, frame);
+    if (frame.pass == model_pass::lit && hasSurfaces(targets))
+        shadeSurfaces(library, targets, shown, frame);
     else
         m_po_figure->draw(library, frame);
     if (frame.pass == model_pass::lit_with_shadow)
@@ -230,13 +238,14 @@ void model_scene::drawFigure(lib3d& library, const scene_targets& targets, const
 }
 
 // The same picture as of model_pass::lit; see scene_targets.
-void model_scene::shadeSurfaces(lib3d& library, const scene_targets& targets, frame_constants& frame)
+void model_scene::shadeSurfaces(lib3d& library, const scene_targets& targets, const shown_frame& shown,
+                                frame_constants& frame)
 {
     setRays(frame.vs, targets, library.shading());
     targets.bindSurfaces(library);
     frame.pass = model_pass::surfaces;
     m_po_figure->draw(library, frame);
-    targets.bindShading(library);
+    targets.bindShading(library, shown);
     frame.pass = model_pass::shading;
     frame.group = 0;
     m_po_figure->draw(library, frame);
@@ -299,17 +308,31 @@ screen_area model_scene::drawnArea(const lib3d& library, const scene_targets& ta
     return m_po_frame->reached.grown(outline_and_edges, whole.right, whole.bottom);
 }
 
+bool model_scene::hasSurfaces(const scene_targets& targets) const
+{
+    return targets.hasSurfaces() && m_group_count <= most_shaded_groups;
+}
+
+// Of the constants of the frame: nothing but what has shaders for it.
+bool model_scene::isEncoded(const lib3d& library, const scene_targets& targets, const view_state& view) const
+{
+    return m_po_pose && hasSurfaces(targets) && view.shownChannel() == view_channel::lit && !view.is_wireframe &&
+           !castsShadows(library, view) && !view.is_background_clear && !view.shows_light &&
+           hasUsualLights(m_po_frame->ps);
+}
+
 void model_scene::draw(lib3d& library, const scene_targets& targets, ID3D11RenderTargetView* output,
                        const view_state& view)
 {
     const view_channel channel = view.shownChannel();
-    targets.begin(library, output, view.background(), targetOf(channel), view.is_background_clear);
-    library.beginScene();
-    const bool has_outlines = view.selected.has_value() && m_po_pose;
+    if (m_po_pose)
+        fillConstants(view, targets.part(), *m_po_frame);
+    const shown_frame shown{targetOf(channel), view.background(), view.is_background_clear,
+                            view.selected.has_value() && m_po_pose, isEncoded(library, targets, view)};
+    targets.begin(library, output, shown);
     if (m_po_pose)
     {
         frame_constants& frame = *m_po_frame;
-        fillConstants(view, targets.part(), frame);
         frame.ps.debug_flags[3] = (view.uses_occlusion ? draw_occluded : 0) | static_cast<std::int32_t>(channel)
                                                                                   << draw_channel_shift;
         frame.heat_bone = view.heat_bone;
@@ -321,10 +344,10 @@ void model_scene::draw(lib3d& library, const scene_targets& targets, ID3D11Rende
         frame.height = static_cast<std::int32_t>(targets.height());
         frame.group = 0;
         frame.reached = {};
-        drawFigure(library, targets, view, frame);
+        drawFigure(library, targets, view, shown, frame);
         drawLines(library, view, frame);
     }
-    targets.finish(library, output, targetOf(channel), drawnArea(library, targets, view), has_outlines);
+    targets.finish(library, output, shown, drawnArea(library, targets, view));
     drawOverlay(library, targets, view);
 }
 

@@ -52,9 +52,12 @@ public:
 private:
     [[nodiscard]] bool createFloor(lib3d& library, const model_bounds& bounds);
     void takePoses();
-    void drawFigure(lib3d& library, const scene_targets& targets, const view_state& view, frame_constants& frame);
+    void drawFigure(lib3d& library, const scene_targets& targets, const view_state& view, const shown_frame& shown,
+                    frame_constants& frame);
+    bool hasSurfaces(const scene_targets& targets) const;
+    bool isEncoded(const lib3d& library, const scene_targets& targets, const view_state& view) const;
     void drawLines(lib3d& library, const view_state& view, frame_constants& frame);
-    void shadeSurfaces(lib3d& library, const scene_targets& targets, frame_constants& frame);
+    void shadeSurfaces(lib3d& library, const scene_targets& targets, const shown_frame& shown, frame_constants& frame);
     screen_area drawnArea(const lib3d& library, const scene_targets& targets, const view_state& view) const;
     void drawLightMarker(lib3d& library, const view_state& view, frame_constants& frame);
     void drawOverlay(lib3d& library, const scene_targets& targets, const view_state& view);

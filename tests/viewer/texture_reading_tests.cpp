@@ -36,6 +36,7 @@ TEST(texture_reading, softwareDevicesGetWhatTheShaderWouldRead)
         std::string block;
         dds_format format;
         std::string first_pixel;
+        bool is_colour = false;
     } rows[] = {
         // What this device refuses: 0.5, 2, -1, 1 as halves, the smallest ones and what is too large; one and two
         // channels.
@@ -53,6 +54,9 @@ TEST(texture_reading, softwareDevicesGetWhatTheShaderWouldRead)
         {"BC5", 83, one_channel + one_channel, dds_format::rgba8, std::string("\xff\xff\0\xff", 4)},
         {"BC4 with a sign", 81, half, dds_format::rgba8_signed, std::string("\x7f\0\0\x7f", 4)},
         {"BC1 sRGB", 72, std::string("\0\xf8\0\0\0\0\0\0", 8), dds_format::rgba8_srgb, std::string("\xff\0\0\xff", 4)},
+        // Green 32 of 63, 130 as a byte: 0.2232 of light, which is 0.5057 to the power of 2.2.
+        {"BC1 sRGB, colour", 72, std::string("\0\x04\0\0\0\0\0\0", 8), dds_format::rgba8,
+         std::string("\0\x81\0\xff", 4), true},
     };
     for (const auto& row : rows)
     {
@@ -64,7 +68,7 @@ TEST(texture_reading, softwareDevicesGetWhatTheShaderWouldRead)
         texture_reading reading;
         device_formats device{true, {}};
         device.refused.set(row.dxgi, !is_block);
-        reading.request({textureOf("t", file.bytes())}, device);
+        reading.request({{textureOf("t", file.bytes()), row.is_colour}}, device);
         const std::unique_ptr<read_texture> read = reading.wait();
         ASSERT_TRUE(read && !read->why);
         EXPECT_EQ(read->image.format, row.format);
@@ -85,7 +89,7 @@ TEST(texture_reading, aNewerSceneReplacesWhatIsWantedAndKeepsWhatItShares)
         reading.request({textureOf("own", bytes), shared, textureOf("last", "garbage")}, {});
     std::string order;
     while (const std::unique_ptr<read_texture> read = reading.wait())
-        order += read->texture->path() + (read->why ? "! " : " ");
+        order += read->wanted.texture->path() + (read->why ? "! " : " ");
     EXPECT_TRUE(order.find("own ") != order.npos && order.find("shared ") != order.npos &&
                 order.find("last! ") != order.npos && order.size() == 17)
         << order;
