@@ -197,8 +197,8 @@ void filterPaths(benchmark::State& state)
         keep(best.order, order_begin);
         for (const char* text : {"unit_12345", "shield_normal_0999", "ARMOUR", "no such text"})
         {
-            search.find("");
-            search.find(text);
+            search.find({});
+            search.find({text});
             const auto begin = clock_type::now();
             while (search.hits().size() < rows_on_screen && search.advance(1000))
             {

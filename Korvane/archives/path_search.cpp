@@ -1,7 +1,9 @@
 #include "Korvane/archives/path_search.h"
 
+#include "EASY_GUI/services/parallel.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/path_chunk.h"
+#include "Korvane/archives/path_pattern.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -46,34 +48,80 @@ path_search::path_search(std::shared_ptr<const path_tree> tree) : m_po_tree(std:
         m_files = m_po_tree->files();
 }
 
-void path_search::find(std::string_view text)
+void path_search::find(const path_query& query)
 {
-    std::string wanted = toLower(text);
-    std::replace(wanted.begin(), wanted.end(), '/', '\\');
-    const bool is_narrower = wanted.find(m_text) != std::string::npos;
-    m_text = std::move(wanted);
+    const std::vector<word> former = std::exchange(m_words, {});
+    std::string text = toLower(query.text);
+    std::replace(text.begin(), text.end(), '/', '\\');
+    for (std::size_t at = 0; (at = text.find_first_not_of(' ', at)) != std::string::npos;)
+    {
+        const std::size_t end = std::min(text.find(' ', at), text.size());
+        word wanted{text.substr(at, end - at), false};
+        wanted.is_pattern = wanted.text.find_first_of("*?") != std::string::npos;
+        if (wanted.is_pattern)
+            wanted.text = "*" + wanted.text + "*";
+        m_words.push_back(std::move(wanted));
+        at = end;
+    }
+    // Every former word is in one of the new ones, and nothing else was loosened.
+    const bool is_narrower = (m_query.extension.empty() || m_query.extension == query.extension) &&
+                             (m_query.po_archive == nullptr || m_query.po_archive == query.po_archive) &&
+                             std::all_of(former.begin(), former.end(), [this](const word& old) {
+                                 return std::any_of(m_words.begin(), m_words.end(), [&old](const word& fresh) {
+                                     return old == fresh || (!old.is_pattern && !fresh.is_pattern &&
+                                                             fresh.text.find(old.text) != std::string::npos);
+                                 });
+                             });
+    m_query = query;
     if (is_narrower)
     {
-        std::erase_if(m_hits, [this](const pack_file_node* file) { return !contains(file->internalPath(), m_text); });
+        std::erase_if(m_hits, [this](const pack_file_node* file) { return !isHit(*file); });
         return;
     }
     m_hits.clear();
     m_next = 0;
 }
 
+bool path_search::isHit(const pack_file_node& file) const
+{
+    if (m_query.po_archive != nullptr && &file.archive() != m_query.po_archive)
+        return false;
+    const std::string_view path = file.internalPath();
+    if (!m_query.extension.empty() && file.extension() != m_query.extension)
+        return false;
+    return std::all_of(m_words.begin(), m_words.end(), [path](const word& wanted) {
+        return wanted.is_pattern ? matchesPattern(path, wanted.text) : contains(path, wanted.text);
+    });
+}
+
 bool path_search::advance(std::size_t file_count)
 {
+    constexpr std::size_t worth_a_thread = 20000;
     const std::size_t end = m_next + std::min(file_count, m_files.size() - m_next);
-    for (; m_next < end; ++m_next)
+    const std::size_t threads = threadsFor((end - m_next) / worth_a_thread);
+    std::vector<std::vector<const pack_file_node*>> found(threads);
+    const std::size_t share = (end - m_next + threads - 1) / threads;
+    parallelFor(threads, threads, [&](std::size_t i) {
+        const std::size_t first = std::min(m_next + i * share, end);
+        look(first, std::min(first + share, end), found[i]);
+    });
+    for (const auto& each : found)
+        m_hits.insert(m_hits.end(), each.begin(), each.end());
+    m_next = end;
+    return !isDone();
+}
+
+void path_search::look(std::size_t begin, std::size_t end, std::vector<const pack_file_node*>& hits) const
+{
+    for (std::size_t i = begin; i < end; ++i)
     {
         // The text of files that stand further on is on its way meanwhile: their order is not that of memory.
         constexpr std::size_t ahead = 8;
-        if (m_next + ahead < m_files.size())
-            __builtin_prefetch(m_files[m_next + ahead]->internalPath().data());
-        if (contains(m_files[m_next]->internalPath(), m_text))
-            m_hits.push_back(m_files[m_next]);
+        if (i + ahead < end)
+            __builtin_prefetch(m_files[i + ahead]->internalPath().data());
+        if (isHit(*m_files[i]))
+            hits.push_back(m_files[i]);
     }
-    return !isDone();
 }
 
 } // namespace korvane

@@ -1,8 +1,8 @@
 #pragma once
 
-// The search behind a browser of the archives: all files of a tree whose path contains a text, in the order of the
-// paths. It works piece by piece, so that a window shows the first rows at once and stays alive, and it narrows what it
-// has when somebody types on. One thread at a time; the tree lives as long as the search.
+// The search behind a browser of the archives: all files of a tree whose path has every word of a text, in the order of
+// the paths. It works piece by piece, so that a window shows the first rows at once and stays alive, and it narrows
+// what it has when somebody types on. One thread at a time, which takes the other processors along.
 
 #include "Korvane/archives/path_tree.h"
 
@@ -16,14 +16,29 @@
 namespace korvane
 {
 
+// What is looked for. Everything that is given has to fit.
+struct path_query
+{
+    // Parts of paths in any case, with '\' or '/', blanks between them. A word with '*' or '?' is a pattern that some
+    // part of the path has to fit ("unit_??_*.dds").
+    std::string text;
+    std::string extension = {};                 // without the dot, lower case; empty: any
+    const archive_record* po_archive = nullptr; // only files that count in it; null: any
+
+    bool isEmpty() const
+    {
+        return text.find_first_not_of(' ') == std::string::npos && extension.empty() && !po_archive;
+    }
+};
+
 class path_search
 {
 public:
     // Puts the tree's files in order: a fraction of a second for a million.
     explicit path_search(std::shared_ptr<const path_tree> tree);
 
-    // What is looked for: any part of a path, in any case, with '\' or '/'; an empty text finds all files.
-    void find(std::string_view text);
+    // An empty query finds all files.
+    void find(const path_query& query);
     // Looks at so many further files. False when there are none left.
     bool advance(std::size_t file_count);
     bool isDone() const { return m_next == m_files.size(); }
@@ -34,10 +49,21 @@ public:
     std::size_t lookedAt() const { return m_next; }
 
 private:
+    struct word
+    {
+        std::string text; // as paths are spelled; of a pattern with '*' at both ends
+        bool is_pattern = false;
+        friend bool operator==(const word&, const word&) = default;
+    };
+
+    bool isHit(const pack_file_node& file) const;
+    void look(std::size_t begin, std::size_t end, std::vector<const pack_file_node*>& hits) const;
+
     std::shared_ptr<const path_tree> m_po_tree;
     std::vector<const pack_file_node*> m_files;
     std::vector<const pack_file_node*> m_hits;
-    std::string m_text; // as paths are spelled
+    std::vector<word> m_words;
+    path_query m_query;
     std::size_t m_next = 0;
 };
 

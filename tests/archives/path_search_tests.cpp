@@ -6,6 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
+#include <sstream>
 
 namespace korvane
 {
@@ -35,6 +38,24 @@ std::vector<std::string> hitsOf(const path_search& search)
     return paths;
 }
 
+// Some part of the path is spelled so, by trying all of them.
+bool has(std::string_view path, std::string_view word)
+{
+    const std::function<bool(std::string_view, std::string_view)> begins = [&](std::string_view text,
+                                                                               std::string_view rest) {
+        if (rest.empty())
+            return true;
+        if (rest.front() == '*')
+            return begins(text, rest.substr(1)) || (!text.empty() && begins(text.substr(1), rest));
+        return !text.empty() && (rest.front() == '?' || rest.front() == text.front()) &&
+               begins(text.substr(1), rest.substr(1));
+    };
+    for (std::size_t at = 0; at <= path.size(); ++at)
+        if (begins(path.substr(at), word))
+            return true;
+    return false;
+}
+
 } // namespace
 
 TEST(path_search, findsWhatAPlainSearchFindsInTheOrderOfThePaths)
@@ -49,14 +70,33 @@ TEST(path_search, findsWhatAPlainSearchFindsInTheOrderOfThePaths)
     });
     path_search search(tree);
     EXPECT_EQ(search.fileCount(), paths.size());
-    for (const std::string text : {"", "a", "\\", "needle", "NEEDLE29", "e2", "x", "xneedle", "UNITS/man_0", "s\\m",
-                                   "\xff", "9", "no such", "a\\b", ".dds", "xxxxxxxxxxxxxxxxxxxxxxneedle"})
+    for (const std::string text : {"",
+                                   "a",
+                                   "\\",
+                                   "needle",
+                                   "NEEDLE29",
+                                   "e2",
+                                   "x",
+                                   "xneedle",
+                                   "UNITS/man_0",
+                                   "s\\m",
+                                   "\xff",
+                                   "9",
+                                   "no such",
+                                   "a\\b",
+                                   ".dds",
+                                   "xxxxxxxxxxxxxxxxxxxxxxneedle",
+                                   "dds man",
+                                   " 9  needle 2 ",
+                                   "x*9",
+                                   "n??s\\m dds",
+                                   "u*1.d"})
     {
-        search.find("\x02"); // nothing has it: what follows is no narrowing
+        search.find({"\x02"}); // nothing has it: what follows is no narrowing
         while (search.advance(7))
         {
         }
-        search.find(text);
+        search.find({text});
         while (search.advance(7))
         {
         }
@@ -64,9 +104,11 @@ TEST(path_search, findsWhatAPlainSearchFindsInTheOrderOfThePaths)
         std::transform(wanted.begin(), wanted.end(), wanted.begin(), [](char each) {
             return each == '/' ? '\\' : each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each;
         });
+        std::istringstream words(wanted);
+        const std::vector<std::string> each{std::istream_iterator<std::string>(words), {}};
         std::vector<std::string> expected;
         for (const std::string& path : paths)
-            if (path.find(wanted) != std::string::npos)
+            if (std::all_of(each.begin(), each.end(), [&path](const std::string& word) { return has(path, word); }))
                 expected.push_back(path);
         EXPECT_EQ(hitsOf(search), expected) << text;
     }
@@ -79,21 +121,29 @@ TEST(path_search, narrowsAndGoesOnWhereItStood)
         paths.push_back("man_" + std::to_string(i));
     path_search search(treeOf(paths));
     EXPECT_FALSE(search.isDone());
-    search.find("1");
+    search.find({"1"});
     EXPECT_TRUE(search.advance(50));
     EXPECT_EQ(search.hits().size(), 50u);
-    search.find("15"); // typed on: 115 is kept, and the rest is looked at only from here on
+    search.find({"15"}); // typed on: 115 is kept, and the rest is looked at only from here on
     EXPECT_EQ(search.lookedAt(), 50u);
     EXPECT_EQ(hitsOf(search), std::vector<std::string>{"man_115"});
     EXPECT_FALSE(search.advance(1000));
     EXPECT_EQ(search.hits().size(), 11u);
-    search.find("19"); // something else: from the beginning
+    search.find({"19"}); // something else: from the beginning
     EXPECT_EQ(search.lookedAt(), 0u);
     EXPECT_FALSE(search.advance(1000));
     EXPECT_EQ(search.hits().size(), 11u);
 
+    path_search kinds(treeOf({"a.dds", "dds", "b.dds", "b.anim", "dds.x"}));
+    kinds.find({"b", "dds"});
+    EXPECT_FALSE(kinds.advance(1000));
+    EXPECT_EQ(hitsOf(kinds), std::vector<std::string>{"b.dds"});
+    kinds.find({"", "dds"}); // looser
+    EXPECT_FALSE(kinds.advance(1000));
+    EXPECT_EQ(hitsOf(kinds), (std::vector<std::string>{"a.dds", "b.dds"}));
+
     path_search nothing(nullptr);
-    nothing.find("x");
+    nothing.find({"x"});
     EXPECT_FALSE(nothing.advance(10));
 }
 
