@@ -6,6 +6,7 @@
 #include "EASY_GUI/services/row_mark.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 namespace korvane
@@ -21,6 +22,8 @@ public:
 
     virtual std::size_t childCount(node parent) const = 0;
     virtual node child(node parent, std::size_t position) const = 0;
+    // What a node stands below, where the model can tell without looking for it: else it is looked for from the top.
+    virtual std::optional<node> parent(node /*of*/) const { return std::nullopt; }
     virtual std::string text(node of) const = 0;
     virtual row_mark mark(node /*of*/) const { return row_mark::plain; }
     virtual std::string tip(node /*of*/) const { return {}; } // more about it; empty: nothing to add

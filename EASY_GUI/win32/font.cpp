@@ -3,6 +3,8 @@
 #include "EASY_GUI/win32/dpi.h"
 #include "EASY_GUI/win32/wide_text.h"
 
+#include <cwchar>
+
 namespace korvane
 {
 
@@ -39,6 +41,11 @@ font::font(unsigned dpi, weight wanted)
     LOGFONTW description = messageFont(dpi);
     if (wanted == weight::bold)
         description.lfWeight = FW_BOLD;
+    if (wanted == weight::fixed_width)
+    {
+        description.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
+        wcscpy(description.lfFaceName, L"Consolas"); // where there is none, another of this family
+    }
     m_handle = unique_font(CreateFontIndirectW(&description));
     const screen_context context(m_handle.get());
     TEXTMETRICW metrics{};

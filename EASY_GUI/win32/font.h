@@ -1,6 +1,6 @@
 #pragma once
 
-// The system's message font for one density, with a bold variant, and what a layout needs to know about it.
+// The system's message font for one density, with a bold variant and one of fixed width, and what a layout needs to know about it.
 
 #include "EASY_GUI/win32/handle_policies.h"
 
@@ -15,7 +15,8 @@ public:
     enum class weight
     {
         regular,
-        bold
+        bold,
+        fixed_width // regular, and all characters are as wide: for columns
     };
 
     font() = default; // no font: controls keep the system's fixed one

@@ -145,7 +145,16 @@ std::optional<tree_view::node> tree_view::selected() const
     return item != nullptr ? std::optional(nodeOf(item)) : std::nullopt;
 }
 
-// Nodes do not know what is above them: the way is looked for from the top.
+std::vector<tree_view::node> tree_view::wayTo(node wanted) const
+{
+    std::vector<node> way;
+    if (!m_po_model->parent(wanted))
+        return findWay(wanted, tree_model::root, way) ? way : std::vector<node>();
+    for (std::optional<node> at = wanted; at && *at != tree_model::root; at = m_po_model->parent(*at))
+        way.insert(way.begin(), *at);
+    return way;
+}
+
 bool tree_view::findWay(node wanted, node from, std::vector<node>& way) const
 {
     for (std::size_t i = 0; i < m_po_model->childCount(from) && way.size() < deepest_at_once; ++i)
@@ -161,9 +170,8 @@ bool tree_view::findWay(node wanted, node from, std::vector<node>& way) const
 void tree_view::select(node wanted)
 {
     m_is_set = true;
-    std::vector<node> way;
-    if (itemOf(wanted) == nullptr && findWay(wanted, tree_model::root, way))
-        for (const node above : way)
+    if (itemOf(wanted) == nullptr)
+        for (const node above : wayTo(wanted))
             if (const HTREEITEM item = itemOf(above); item != nullptr && above != wanted)
                 makeChildren(item);
     if (const HTREEITEM item = itemOf(wanted))

@@ -47,6 +47,7 @@ private:
     void fill();
     void addChildren(node parent, HTREEITEM under, std::size_t depth);
     void makeChildren(HTREEITEM item);
+    std::vector<node> wayTo(node wanted) const; // from the top; empty: it is not there
     bool findWay(node wanted, node from, std::vector<node>& way) const;
     void createPictures();
     node nodeOf(HTREEITEM item) const;

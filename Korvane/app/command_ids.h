@@ -182,6 +182,22 @@ enum control_id : int
     control_archive_anim_filter = 1820,
     control_archive_anim_list,
     control_archive_anim_ok,
+
+    control_archive_back = 1840,
+    control_archive_forward,
+    control_archive_up,
+    control_archive_path,
+    control_archive_find,
+    control_archive_type,
+    control_archive_archive,
+    control_archive_tree,
+    control_archive_list,
+    control_archive_text,
+    control_archive_caption,
+    control_archive_details,
+    control_archive_status,
+    control_archive_open,
+    control_archive_take_out,
 };
 
 } // namespace korvane

@@ -30,10 +30,11 @@ enum page_tab : std::size_t
     model_tab,
     definition_tab,
     problems_tab,
+    archives_tab,
     fbx_tab // there from the first FBX file on
 };
 // In the configuration. The last page is not there at the next start.
-constexpr std::array<std::string_view, 4> page_names = {"model", "definition", "problems", "model"};
+constexpr std::array<std::string_view, 5> page_names = {"model", "definition", "problems", "archives", "model"};
 
 // Where nothing, or nonsense, is kept the model's.
 std::size_t keptTab(const config_file& config)
@@ -73,8 +74,9 @@ main_window::main_window(main_window_ports ports, std::string command_line, std:
     , m_definition_page(*this)
     , m_problems_page(
           *this, [this](const std::string& caption) { m_tabs.setCaption(static_cast<int>(problems_tab), caption); })
+    , m_archive_page(*this)
     , m_fbx_page(*this)
-    , m_pages{&m_model_page, &m_definition_page, &m_problems_page, &m_fbx_page}
+    , m_pages{&m_model_page, &m_definition_page, &m_problems_page, &m_archive_page, &m_fbx_page}
 {
     m_document.model().setKeeper(m_ports.keeper);
     nameActions();
@@ -177,7 +179,7 @@ bool main_window::createContent()
     }
     if (!m_status.create(handle(), control_status, status_widths))
         return refuse("the status line");
-    for (const char* const caption : {"Model", "Definition", "Problems"})
+    for (const char* const caption : {"Model", "Definition", "Problems", "Archives"})
         m_tabs.add(caption);
     m_tabs.onSelect = [this](int chosen) { showPage(static_cast<std::size_t>(chosen)); };
     m_show_view.onClick = [this] { runCommand(document_command::show_view); };

@@ -10,6 +10,7 @@
 #include "EASY_GUI/win32/button.h"
 #include "EASY_GUI/win32/status_bar.h"
 #include "EASY_GUI/win32/tab_view.h"
+#include "Korvane/app/archive_page.h"
 #include "Korvane/app/definition_page.h"
 #include "Korvane/app/fbx_page.h"
 #include "Korvane/app/file_opening.h"
@@ -59,6 +60,7 @@ public:
     const model_view* view() const { return m_display.view(); } // null until a file was opened
     const status_bar& statusLine() const { return m_status; }
     bool isChecking() const { return m_problems_page.isChecking(); }
+    const archive_page& archivePage() const { return m_archive_page; }
     bool isLoading() const { return m_display.isLoading(); } // what the view will show
     const playback_box& playbackBox() const { return m_playback_box; }
     bool takesShortcutsOf(HWND top) const override;
@@ -158,6 +160,7 @@ private:
     model_page m_model_page;
     definition_page m_definition_page;
     problems_page m_problems_page;
+    archive_page m_archive_page;
     fbx_page m_fbx_page;
     std::vector<page*> m_pages; // in the order of the tabs
     std::size_t m_shown_page = 0;

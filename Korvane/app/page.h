@@ -46,7 +46,7 @@ public:
     virtual void rereadArchives(bool trusts_cache) = 0;
     virtual void showFigure() = 0;                           // of the definition: other alternatives were chosen
     virtual void tookConverted() = 0;                        // a conversion has written an animation
-    virtual void playAnimation(const std::string& path) = 0; // of the disk, in the view
+    virtual void playAnimation(const std::string& path) = 0; // of the disk or with "pack:", in the view
     virtual void setStatus(const std::string& text) = 0;     // what happened last
     virtual void logLine(const std::string& line) = 0;
     // Runs long work on a worker; the window answers, but is disabled but for a Stop button. False when it was stopped.

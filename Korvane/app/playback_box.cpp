@@ -441,9 +441,15 @@ void playback_box::play(int row, bool is_asked_for)
 void playback_box::playFile(const std::string& path)
 {
     KillTimer(handle(), play_timer);
-    if (const std::optional<std::size_t> row = m_picker.rows().rowOf(path))
+    const game_path given(path);
+    animation_choice choice{nullptr, path};
+    if (const auto& archives = m_host.document().game()->archives(); given.isInternal() && archives != nullptr)
+        choice = {archives->findFile(given.internalPath()), {}};
+    if (given.isInternal() && choice.entry == nullptr)
+        return; // gone from the archives since it was chosen
+    if (const std::optional<std::size_t> row = m_picker.rows().rowOf(choice.place()))
         m_list.select(static_cast<int>(*row));
-    play({nullptr, path}, true);
+    play(choice, true);
 }
 
 void playback_box::play(const animation_choice& choice, bool is_asked_for)

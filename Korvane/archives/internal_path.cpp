@@ -42,6 +42,12 @@ std::string normalInternalPath(std::string_view spelled)
     return path;
 }
 
+std::string_view folderAround(std::string_view path)
+{
+    const std::size_t end = path.rfind('\\');
+    return path.substr(0, end == std::string_view::npos ? 0 : end);
+}
+
 bool hasEmptyComponents(std::string_view path)
 {
     if (path.empty() || path.front() == '\\' || path.back() == '\\')

@@ -14,6 +14,9 @@ namespace korvane
 // "\\" counts as "\"), without blanks and separators at the ends.
 [[nodiscard]] std::string normalInternalPath(std::string_view spelled);
 
+// The folder in which an internal path stands, without a separator at its end; empty at the top.
+[[nodiscard]] std::string_view folderAround(std::string_view path);
+
 // True for a path with an empty component: two separators in a row, or one at either end.
 [[nodiscard]] bool hasEmptyComponents(std::string_view path);
 // Drops them in place; returns the new length.

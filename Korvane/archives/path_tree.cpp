@@ -252,13 +252,30 @@ std::vector<const path_node*> path_tree::children(const path_node& folder) const
     return list;
 }
 
+std::vector<const path_node*> path_tree::folders(const path_node& folder) const
+{
+    std::vector<const path_node*> list;
+    for (std::uint32_t child = folder.m_first_child; child != 0; child = m_nodes[child].m_next_sibling)
+        if (isFolder(m_nodes[child]))
+            list.push_back(&m_nodes[child]);
+    std::sort(list.begin(), list.end(),
+              [](const path_node* left, const path_node* right) { return left->name() < right->name(); });
+    return list;
+}
+
 std::vector<const pack_file_node*> path_tree::files() const
 {
+    return filesBelow(m_nodes.front());
+}
+
+std::vector<const pack_file_node*> path_tree::filesBelow(const path_node& folder) const
+{
     std::vector<const pack_file_node*> list;
-    list.reserve(m_nodes.size());
+    if (&folder == &m_nodes.front())
+        list.reserve(m_nodes.size());
     // Folder by folder: whole paths would be compared over and over in their long common beginnings.
     std::vector<ordered_child> waiting; // the next one last
-    addChildren(m_nodes.front(), waiting);
+    addChildren(folder, waiting);
     while (!waiting.empty())
     {
         const ordered_child next = waiting.back();

@@ -121,6 +121,14 @@ public:
 
     const path_node& root() const { return m_nodes.front(); }
     std::vector<const path_node*> children(const path_node& folder) const; // ordered by name
+    // Those that have something in them, in the same order.
+    std::vector<const path_node*> folders(const path_node& folder) const;
+    // The winning files below a folder, at any depth, ordered by path.
+    std::vector<const pack_file_node*> filesBelow(const path_node& folder) const;
+    bool isFolder(const path_node& node) const { return node.m_first_child != 0; }
+    // Numbers that stand for nodes: 0 is the root.
+    std::size_t numberOf(const path_node& node) const { return static_cast<std::size_t>(&node - m_nodes.data()); }
+    const path_node& node(std::size_t number) const { return m_nodes[number]; }
     // The winning file of every path, ordered by path (bytes).
     std::vector<const pack_file_node*> files() const;
 

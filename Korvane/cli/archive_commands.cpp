@@ -3,12 +3,13 @@
 #include "Korvane/cli/commands.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/hidden_copies.h"
 #include "Korvane/archives/path_pattern.h"
 #include "Korvane/cli/output_files.h"
 #include "Korvane/jobs/extract_job.h"
 
 #include <memory>
-#include <unordered_map>
+#include <utility>
 
 namespace korvane
 {
@@ -42,28 +43,11 @@ void runArchives(cli_context& context)
         context.printJson(list);
 }
 
-using hidden_archives = std::unordered_map<const pack_file_node*, std::vector<const archive_record*>>;
-
-// For each winning file the archives whose copy it overrides, in the order of reading.
-hidden_archives hiddenCopies(const path_tree& tree)
-{
-    hidden_archives hidden;
-    for (const std::span<const pack_file_node>& files : tree.entries())
-        for (const pack_file_node& file : files)
-        {
-            const path_node* const node = tree.findStored(file.internalPath());
-            if (node && node->file() && node->file() != &file)
-                hidden[node->file()].push_back(&file.archive());
-        }
-    return hidden;
-}
-
-json fileJson(const pack_file_node& file, const hidden_archives& hidden)
+json fileJson(const pack_file_node& file, const hidden_copies& hidden)
 {
     json hides = json::array();
-    if (const auto found = hidden.find(&file); found != hidden.end())
-        for (const archive_record* archive : found->second)
-            hides.push_back(displayText(archive->path));
+    for (const pack_file_node* const copy : hidden.of(file))
+        hides.push_back(displayText(copy->packPath()));
     return {{"path", displayText(file.internalPath())},
             {"archive", displayText(file.packPath())},
             {"size", file.size()},
@@ -73,14 +57,14 @@ json fileJson(const pack_file_node& file, const hidden_archives& hidden)
 }
 
 // Size, path, archive, and those whose copy is hidden.
-std::string longLine(const pack_file_node& file, const hidden_archives& hidden)
+std::string longLine(const pack_file_node& file, const hidden_copies& hidden)
 {
     std::string size = grouped(file.size());
     size.insert(0, size.size() < 13 ? 13 - size.size() : 0, ' ');
     std::string line = size + "  " + terminalText(file.internalPath()) + "  " + terminalText(file.packPath());
-    if (const auto found = hidden.find(&file); found != hidden.end())
-        for (std::size_t i = 0; i < found->second.size(); ++i)
-            line += (i == 0 ? "  hides " : ", ") + terminalText(found->second[i]->path);
+    const char* before = "  hides ";
+    for (const pack_file_node* const copy : hidden.of(file))
+        line += std::exchange(before, ", ") + terminalText(copy->packPath());
     return line;
 }
 
@@ -97,7 +81,7 @@ void runList(cli_context& context, const list_options& options)
     if (!game)
         return context.fail(why);
     const path_tree& tree = *game->archives();
-    const hidden_archives hidden = context.is_json || options.is_long ? hiddenCopies(tree) : hidden_archives();
+    const hidden_copies hidden(context.is_json || options.is_long ? game->archives() : nullptr);
     const internal_pattern wanted(options.pattern);
     std::string text = context.is_json ? "[" : "";
     std::size_t count = 0;

@@ -4,6 +4,7 @@
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/extraction_folder.h"
 #include "Korvane/archives/internal_path.h"
+#include "Korvane/archives/mod_folder.h"
 #include "Korvane/archives/path_pattern.h"
 
 #include <utility>
@@ -19,14 +20,15 @@ std::string archiveOf(const game_file& file)
     return file.entry() ? file.entry()->packPath() : std::string();
 }
 
-bool extractBelow(const game_data& game, const extract_job_options& options, extraction_folder& folder,
-                  extracted_file& file, failure& why)
+bool extractBelow(const std::shared_ptr<const path_tree>& tree, const pack_file_node& entry,
+                  const extract_job_options& options, extraction_folder& folder, extracted_file& file, failure& why)
 {
-    const game_file found = game.find(file.internal_path);
-    if (!found) // of a mod folder, and gone since
+    if (!entry.archive().is_folder)
+        file.archive = entry.packPath();
+    else if (diskPathOf(entry).empty())
         return fail(why, failure_kind::not_found, "the file is gone", file.internal_path);
-    file.archive = archiveOf(found);
-    return folder.place(file.internal_path, file.path, why) &&
+    const game_file found{std::shared_ptr<const pack_file_node>(tree, &entry)};
+    return folder.place(entry.internalPath(), file.path, why) &&
            writeOutput(
                file.path, [&found] { return found.pieces(); }, options.overwrites, file.outcome, why);
 }
@@ -57,12 +59,20 @@ bool extractMatching(game_source& source, const extract_job_options& options, co
     std::vector<const pack_file_node*> files = game->archives()->files();
     const internal_pattern pattern(options.pattern);
     std::erase_if(files, [&pattern](const pack_file_node* file) { return !pattern.matches(file->internalPath()); });
+    extractEntries(game->archives(), files, options, work, result);
+    return true;
+}
+
+void extractEntries(const std::shared_ptr<const path_tree>& tree, std::span<const pack_file_node* const> files,
+                    const extract_job_options& options, const work_port& work, extract_job_result& result)
+{
+    result = {};
     result.matches = files.size();
-    extraction_folder folder(options.folder);
+    extraction_folder folder(options.folder, options.is_flat ? extraction_layout::flat : extraction_layout::by_path);
     for (std::size_t i = 0; i < files.size() && !work.isStopped(); ++i)
     {
         extracted_file file{std::string(files[i]->internalPath())};
-        if (!extractBelow(*game, options, folder, file, file.why))
+        if (!extractBelow(tree, *files[i], options, folder, file, file.why))
         {
             work.nameFailure(file.why);
             ++result.failed;
@@ -74,7 +84,6 @@ bool extractMatching(game_source& source, const extract_job_options& options, co
         result.files.push_back(std::move(file));
         work.report(i + 1, files.size(), filesExtracted(result.written));
     }
-    return true;
 }
 
 std::string filesExtracted(std::size_t count)

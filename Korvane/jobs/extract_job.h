@@ -7,6 +7,8 @@
 #include "Korvane/jobs/output_paths.h"
 
 #include <cstddef>
+#include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,7 @@ struct extract_job_options
     std::string pattern; // over internal paths, with * and ?
     std::string folder;
     bool overwrites = false; // files that differ are written over
+    bool is_flat = false;    // without the folders of the internal paths
 };
 
 struct extracted_file
@@ -45,6 +48,10 @@ struct extract_job_result
 // False, with the reason, when the archives cannot be loaded. A stop is heeded between files.
 [[nodiscard]] bool extractMatching(game_source& source, const extract_job_options& options, const work_port& work,
                                    extract_job_result& result, failure& why);
+
+// These copies, whether they count or not.
+void extractEntries(const std::shared_ptr<const path_tree>& tree, std::span<const pack_file_node* const> files,
+                    const extract_job_options& options, const work_port& work, extract_job_result& result);
 
 // "2 files extracted": for progress, and at the end.
 [[nodiscard]] std::string filesExtracted(std::size_t count);

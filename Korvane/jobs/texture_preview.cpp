@@ -98,20 +98,29 @@ rgba_pixel grey(unsigned value)
 
 texture_preview makeTexturePreview(const texture_preview_request& request, const work_port& work)
 {
-    texture_preview preview{request.path, {}, {}};
+    const game_file found = request.game->findAround(request.path, request.model_path);
+    if (!found)
+        return {request.path,
+                {},
+                request.path.empty() ? "No texture is named here." : "The texture is nowhere to be found."};
+    texture_preview preview = makeTexturePreview(found, request.most_pixels, work);
+    preview.path = request.path;
+    return preview;
+}
+
+texture_preview makeTexturePreview(const game_file& texture, std::uint32_t most_pixels, const work_port& work)
+{
+    texture_preview preview{texture.path(), {}, {}};
     try
     {
         memory_file file;
         failure why;
-        const game_file found = request.game->findAround(request.path, request.model_path);
-        if (!found)
-            preview.text = request.path.empty() ? "No texture is named here." : "The texture is nowhere to be found.";
-        else if ((preview.is_stopped = work.isStopped()))
+        if ((preview.is_stopped = work.isStopped()))
             return preview;
-        else if (!found.read(file, why, most_file_bytes) || (preview.is_stopped = work.isStopped()) ||
-                 !decodePreview(file, request.most_pixels, preview, why))
+        if (!texture.read(file, why, most_file_bytes) || (preview.is_stopped = work.isStopped()) ||
+            !decodePreview(file, most_pixels, preview, why))
         {
-            why.path.clear(); // the row says it
+            why.path.clear(); // whoever shows it says it
             preview.text += (preview.text.empty() ? "" : ": ") + ("cannot be shown: " + displayText(describe(why)));
         }
     }

@@ -31,6 +31,9 @@ struct texture_preview
 };
 // Of a DDS file the mip map that is wanted is decoded, no more. Of an array or a cube the first surface.
 [[nodiscard]] texture_preview makeTexturePreview(const texture_preview_request& request, const work_port& work);
+// Of a file that was found already.
+[[nodiscard]] texture_preview makeTexturePreview(const game_file& texture, std::uint32_t most_pixels,
+                                                 const work_port& work);
 
 enum class preview_channels
 {

@@ -44,11 +44,12 @@ TEST_F(pages_test, aDefinitionIsShownAtOnceAndOpensItsModels)
     EXPECT_EQ(shownTab(), 0);
     EXPECT_EQ(text(control_file_path), "pack:men\\body.rigid_model_v2");
 
-    for (const int expected : {1, 2, 0})
+    for (const int expected : {1, 2, 3, 0})
     {
         pressWithControl(VK_TAB);
         EXPECT_EQ(shownTab(), expected);
     }
+    SendMessageW(m_window->handle(), WM_COMMAND, MAKELONG(former_page_command, 1), 0);
     SendMessageW(m_window->handle(), WM_COMMAND, MAKELONG(former_page_command, 1), 0);
     EXPECT_EQ(shownTab(), 2);
     SendMessageW(m_window->handle(), WM_CLOSE, 0, 0);
@@ -66,14 +67,49 @@ TEST_F(pages_test, anFbxFileIsReportedOnAPageOfItsOwn)
     EXPECT_TRUE(m_prompt.shown.back().second.starts_with("Error loading FBX fil file: "));
     EXPECT_EQ(shownTab(), 0);
     ASSERT_TRUE(openFile(write("WALK.FBX", scene)));
-    EXPECT_EQ(shownTab(), 3);
-    EXPECT_EQ(caption(3), "FBX");
+    EXPECT_EQ(shownTab(), 4);
+    EXPECT_EQ(caption(4), "FBX");
     EXPECT_EQ(text(control_fbx_summary), "WALK.FBX: 0 meshes, 1 skeleton node, 0 takes. One unit is 1 cm, up is +Y.");
     EXPECT_FALSE(m_window->document().model().hasModel());
     ASSERT_TRUE(openFile(write("soldier.rigid_model_v2", soldier())));
     EXPECT_EQ(shownTab(), 0);
     SendMessageW(m_window->handle(), WM_CLOSE, 0, 0);
     EXPECT_EQ(m_config.get("page"), std::vector<std::string>{"model"});
+}
+
+TEST_F(pages_test, archivesAreSearchedOpenedAndTakenOutOf)
+{
+    test_model model = soldier();
+    model.lods[0][0].textures = {{0, "Tex/Steel.dds"}};
+    writeArchive({{"men\\body.rigid_model_v2", model.bytes()}, {"tex\\steel.dds", "bytes"}, {"tex\\wood.dds", ""}});
+    openWindow();
+    for (int i = 0; i < 3; ++i)
+        pressWithControl(VK_TAB);
+    ASSERT_EQ(shownTab(), 3);
+    const auto isIdle = [this] { return !m_window->archivePage().isSearching(); };
+    const archive_rows& rows = m_window->archivePage().browser().rows();
+    ASSERT_TRUE(pumpUntil(isIdle));
+    EXPECT_EQ(text(control_archive_status), "2 folders, 0 files");
+    SetWindowTextW(find(control_archive_find), L"DDS st");
+    ASSERT_TRUE(pumpUntil(isIdle));
+    ASSERT_EQ(rows.rowCount(), 1u);
+    EXPECT_EQ(text(control_archive_status), "Files with \"DDS st\": 1 file");
+    SetFocus(find(control_archive_list));
+    press(VK_HOME);
+    EXPECT_EQ(text(control_archive_details), "From a.pack (PFH4).");
+    m_prompt.answer = m_folder + "out";
+    SendMessageW(find(control_archive_take_out), BM_CLICK, 0, 0);
+    memory_file bytes;
+    failure why;
+    ASSERT_TRUE(bytes.read(m_folder + "out\\tex\\steel.dds", why)) << describe(why);
+    EXPECT_EQ(bytes.text(), "bytes");
+    SetWindowTextW(find(control_archive_find), L"body");
+    ASSERT_TRUE(pumpUntil(isIdle));
+    SetFocus(find(control_archive_list));
+    press(VK_HOME);
+    press(VK_RETURN);
+    EXPECT_EQ(shownTab(), 0);
+    EXPECT_EQ(text(control_file_path), "pack:men\\body.rigid_model_v2");
 }
 
 TEST_F(pages_test, aFindingLeadsToItsGroupAndEditsAreCheckedAgain)

@@ -1,0 +1,102 @@
+#pragma once
+
+// The page "Archives": all archives of the data folders as one file system, to look around in, to search, to open and
+// to take files out of. What it shows is the browser's business (presenters/archive_browser.h); a worker searches.
+
+#include "EASY_GUI/win32/background_task.h"
+#include "EASY_GUI/win32/button.h"
+#include "EASY_GUI/win32/combo_box.h"
+#include "EASY_GUI/win32/edit_box.h"
+#include "EASY_GUI/win32/label.h"
+#include "EASY_GUI/win32/list_view.h"
+#include "EASY_GUI/win32/tree_view.h"
+#include "Korvane/app/file_preview_panel.h"
+#include "Korvane/app/rows_page.h"
+#include "Korvane/archives/path_search.h"
+#include "Korvane/game/usage_index.h"
+#include "Korvane/presenters/archive_browser.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace korvane
+{
+
+class archive_page : public rows_page
+{
+public:
+    explicit archive_page(page_host& host);
+    ~archive_page() override { destroy(); }
+
+    void showDocument() override;
+    HWND firstControl() const override;
+    std::string copiedText() const override; // the internal paths of the chosen rows
+    bool keep(config_file& config) const override;
+    bool isSearching() const { return m_work.isRunning(); }
+    const archive_browser& browser() const { return m_browser; }
+
+protected:
+    bool createControls(failure& why) override;
+    void applyFont(const font& used) override;
+    void onDestroyed() override { m_work.stop(); }
+
+private:
+    // What belongs to one reading of the archives; made by the worker when it is needed first.
+    struct known_archives
+    {
+        std::shared_ptr<const game_data> game;
+        std::unique_ptr<path_search> search;
+        std::shared_ptr<const hidden_copies> hidden;
+        usage_index usage;
+        bool has_usage = false;
+    };
+
+    bool isEmpty() const override { return !m_browser.hasFiles(); }
+    void connect();
+    layout rows();
+    empty_content emptyContent() const;
+    void showState();
+    void showPlace();  // the folder that the browser is in, everywhere
+    void showList();   // its rows
+    void showChosen(); // the file with the focus, beside the list
+    void fillChoices();
+
+    void search();
+    void take(std::size_t number, std::vector<const pack_file_node*> files);
+    void work(background_task::task task); // of the worker that knows the archives
+    void prepare();
+    void showUsers(const std::string& path);
+    void showNeeds(const std::string& path);
+    void listFiles(const std::string& heading, std::vector<const pack_file_node*> files,
+                   std::vector<std::string> missing);
+
+    void open(int row);
+    void openFile(const pack_file_node& file);
+    void takeOut(const std::vector<const pack_file_node*>& files);
+    std::vector<const pack_file_node*> chosenFiles() const;
+    void showMenu(int row, POINT on_screen);
+    void runFromMenu(int chosen, int row);
+    bool onListKey(unsigned virtual_key);
+
+    archive_browser m_browser;
+    std::shared_ptr<known_archives> m_po_known;
+    path_query m_query;
+    std::size_t m_search = 0; // number of the newest
+
+    button m_back, m_forward, m_up;
+    field_name m_path_name;
+    edit_box m_path;
+    field_name m_find_name;
+    edit_box m_find;
+    combo_box m_type, m_archive;
+    tree_view m_tree;
+    list_view m_list;
+    file_preview_panel m_preview;
+    label m_details;
+    label m_status;
+    button m_open, m_take_out;
+    background_task m_work; // the last member: its work ends first
+};
+
+} // namespace korvane

@@ -1,0 +1,91 @@
+#include "Korvane/app/file_preview_panel.h"
+
+#include "Korvane/app/command_ids.h"
+
+#include <memory>
+#include <utility>
+
+namespace korvane
+{
+
+file_preview_panel::file_preview_panel(const ui_thread& thread)
+    : m_loading(thread, {{}, {}, [this](const std::string& what) { showNothing("No preview: " + what); }})
+{
+}
+
+bool file_preview_panel::createIn(HWND parent, failure& why)
+{
+    return createChild(parent, WS_CLIPCHILDREN, WS_EX_CONTROLPARENT, why);
+}
+
+bool file_preview_panel::onCreated()
+{
+    failure why;
+    if (!m_image.createIn(handle(), why) ||
+        !m_text.createLines(handle(), control_archive_text, edit_box::access::read_only) ||
+        !m_caption.create(handle(), control_archive_caption))
+        return false;
+    m_text.setVisible(false);
+    return true;
+}
+
+void file_preview_panel::setFont(const font& used)
+{
+    m_po_font = &used;
+    m_fixed_font.emplace(dpi(), font::weight::fixed_width);
+    m_text.setFont(*m_fixed_font);
+    m_caption.setFont(used);
+    SendMessageW(m_image.handle(), WM_SETFONT, reinterpret_cast<WPARAM>(used.handle()), TRUE);
+    layOut();
+}
+
+void file_preview_panel::onSize(int, int, size_change)
+{
+    layOut();
+}
+
+void file_preview_panel::layOut()
+{
+    if (m_po_font == nullptr)
+        return;
+    layout rows(layout::direction::down, 4);
+    if (m_is_text)
+        rows.add(m_text, share(1, 40));
+    else
+        rows.add(m_image, share(1, 40));
+    rows.add(m_caption, lines(3));
+    rows.place(clientRectangle(), *m_po_font, dpi());
+}
+
+void file_preview_panel::show(const game_file& file)
+{
+    m_loading.start([this, file](const work_port& port) {
+        auto made = std::make_shared<file_preview>(previewFile(file, port));
+        return background_task::answer([this, made] { take(*made); });
+    });
+}
+
+void file_preview_panel::showNothing(const std::string& text)
+{
+    m_loading.stop();
+    file_preview nothing;
+    nothing.caption = text;
+    take(nothing);
+}
+
+void file_preview_panel::take(const file_preview& made)
+{
+    m_is_text = !made.text.empty();
+    m_text.setText(made.text);
+    m_caption.setText(made.caption);
+    if (made.pixels.pixelCount() > 0)
+        m_image.setPicture(static_cast<int>(made.pixels.width()), static_cast<int>(made.pixels.height()),
+                           std::as_bytes(made.pixels.pixels()));
+    else
+        m_image.setEmpty("");
+    m_text.setVisible(m_is_text);
+    ShowWindow(m_image.handle(), m_is_text ? SW_HIDE : SW_SHOWNA);
+    layOut();
+}
+
+} // namespace korvane

@@ -1,0 +1,165 @@
+#include "Korvane/presenters/archive_browser.h"
+
+#include "EASY_GUI/services/text.h"
+#include "Korvane/archives/internal_path.h"
+
+#include <utility>
+
+namespace korvane
+{
+
+void archive_browser::setGame(std::shared_ptr<const game_data> game)
+{
+    m_po_game = std::move(game);
+    m_po_hidden = nullptr;
+    m_rows.setHidden(nullptr);
+    m_folders.show(m_po_game ? m_po_game->archives() : nullptr);
+    m_folder = m_folders.pathOf(m_folders.find(m_folder));
+    m_history[m_at] = m_folder;
+    showFolder();
+}
+
+void archive_browser::setHidden(std::shared_ptr<const hidden_copies> hidden)
+{
+    m_po_hidden = std::move(hidden);
+    m_rows.setHidden(m_po_hidden);
+}
+
+bool archive_browser::open(std::string_view folder)
+{
+    std::string wanted = normalInternalPath(folder);
+    if (!hasFiles() || m_folders.pathOf(m_folders.find(wanted)) != wanted)
+        return false;
+    if (wanted != m_folder)
+    {
+        m_history.resize(m_at + 1);
+        m_history.push_back(wanted);
+        ++m_at;
+    }
+    enter(std::move(wanted));
+    return true;
+}
+
+void archive_browser::enter(std::string folder)
+{
+    m_folder = std::move(folder);
+    showFolder();
+}
+
+void archive_browser::goBack()
+{
+    if (canGoBack())
+        enter(std::string(m_folders.pathOf(m_folders.find(m_history[--m_at]))));
+}
+
+void archive_browser::goForward()
+{
+    if (canGoForward())
+        enter(std::string(m_folders.pathOf(m_folders.find(m_history[++m_at]))));
+}
+
+void archive_browser::goUp()
+{
+    if (!canGoUp())
+        return;
+    open(std::string(folderAround(m_folder)));
+}
+
+void archive_browser::beginList(std::string heading)
+{
+    m_heading = std::move(heading);
+    m_rows.clear();
+    m_is_sorted = false;
+}
+
+void archive_browser::showFolder()
+{
+    m_heading.clear();
+    m_rows.clear();
+    const path_node* const shown = m_folders.folderAt(m_folders.find(m_folder));
+    if (shown == nullptr)
+        return;
+    const path_tree& tree = *m_po_game->archives();
+    std::vector<const path_node*> folders;
+    std::vector<const pack_file_node*> files;
+    for (const path_node* const child : tree.children(*shown))
+    {
+        if (tree.isFolder(*child))
+            folders.push_back(child);
+        if (child->file() != nullptr)
+            files.push_back(child->file());
+    }
+    m_rows.setFolders(std::move(folders));
+    m_rows.add(files);
+    sortAgain();
+}
+
+void archive_browser::sortBy(archive_rows::column wanted)
+{
+    m_is_descending = m_is_sorted && m_sorted_by == wanted && !m_is_descending;
+    m_sorted_by = wanted;
+    m_is_sorted = true;
+    sortAgain();
+}
+
+void archive_browser::sortAgain()
+{
+    if (m_is_sorted)
+        m_rows.sort(m_sorted_by, m_is_descending);
+}
+
+std::string archive_browser::status(bool is_searching) const
+{
+    std::string text;
+    if (!isFolderShown())
+        text = m_heading + ": " + counted(m_rows.fileCount(), "file");
+    else if (m_rows.folderCount() > 0)
+        text = counted(m_rows.folderCount(), "folder") + ", " + counted(m_rows.fileCount(), "file");
+    else
+        text = counted(m_rows.fileCount(), "file");
+    if (m_rows.missingCount() > 0)
+        text += ", " + grouped(m_rows.missingCount()) + " missing";
+    return text + (is_searching ? ", searching..." : "");
+}
+
+std::vector<const pack_file_node*> archive_browser::copiesOf(std::size_t row) const
+{
+    const pack_file_node* const file = m_rows.fileAt(row);
+    if (file == nullptr || !m_po_hidden)
+        return {};
+    const std::span<const pack_file_node* const> copies = m_po_hidden->of(*file);
+    return {copies.rbegin(), copies.rend()}; // the one that would count next stands first
+}
+
+std::string archive_browser::details(std::size_t row) const
+{
+    const pack_file_node* const file = m_rows.fileAt(row);
+    if (file == nullptr)
+        return m_rows.folderAt(row) != nullptr || row >= m_rows.rowCount()
+                   ? std::string()
+                   : "No archive and no mod folder holds this file.";
+    const archive_record& from = file->archive();
+    std::string text = from.is_folder
+                           ? "From the mod folder " + displayText(from.path) + ", which stands before all archives"
+                           : "From " + displayText(from.name) + " (" + from.format + ")";
+    if (file->compression() != 0)
+        text += ", compressed";
+    const std::vector<const pack_file_node*> copies = copiesOf(row);
+    if (copies.empty())
+        return text + ".";
+    text += ". Hides " + counted(copies.size(), "copy", "copies") + ", because it was read later: ";
+    constexpr std::size_t most = 4;
+    for (std::size_t i = 0; i < copies.size() && i < most; ++i)
+        text += (i == 0 ? "" : ", ") + displayText(copies[i]->archive().name);
+    return text + (copies.size() > most ? ", ..." : ".");
+}
+
+std::optional<std::size_t> archive_browser::rowOf(std::string_view path) const
+{
+    for (std::size_t row = 0; row < m_rows.rowCount(); ++row)
+        if (m_rows.pathAt(row) == path)
+            return row;
+    return std::nullopt;
+}
+
+} // namespace korvane
