@@ -1,6 +1,7 @@
 #pragma once
 
-// The system's message font for one density, with a bold variant and one of fixed width, and what a layout needs to know about it.
+// The system's message font for one density, with a bold variant and one of fixed width, and what a layout needs to
+// know about it.
 
 #include "EASY_GUI/win32/handle_policies.h"
 
