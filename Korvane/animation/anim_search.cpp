@@ -187,8 +187,8 @@ public:
     bool run(const found_port& tellFound, const std::stop_token& stop, failure& why)
     {
         using clock = std::chrono::steady_clock;
-        constexpr std::chrono::milliseconds a_moment{20};
-        constexpr std::size_t smallest = 128, largest = 8192;
+        constexpr std::chrono::milliseconds a_moment{60};
+        constexpr std::size_t smallest = 128, largest = 16384;
         const std::span<const pack_file_node* const> all(m_candidates);
         std::size_t size = 1024;
         for (std::size_t done = 0; done < all.size() && !stop.stop_requested();)

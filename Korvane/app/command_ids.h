@@ -171,6 +171,8 @@ enum control_id : int
     control_convert_play,
     control_convert_dump,
     control_convert_run,
+    control_convert_version,
+    control_convert_prefix,
 
     control_bone_table_path = 1810,
     control_bone_table_browse,

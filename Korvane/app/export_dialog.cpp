@@ -172,6 +172,9 @@ void export_dialog::connectChoice()
     m_list.onSelect = [this](int) { chosen(); };
     m_list.onActivate = [this](int) { m_export_button.press(); };
     m_list.onContextMenu = [this](int, POINT on_screen) { showMenu(on_screen); };
+    m_filter.onKey = [this](unsigned key) {
+        return key == VK_RETURN ? (m_export_button.press(), true) : key == VK_DOWN && walkIn();
+    };
     m_stop_search.onClick = [this] { m_found->stopSearch(); };
 }
 
@@ -305,6 +308,20 @@ void export_dialog::filter()
     showTexts();
 }
 
+// From the filter into the list; what is chosen there stays.
+bool export_dialog::walkIn()
+{
+    if (m_rows.rowCount() == 0)
+        return true;
+    m_list.focus();
+    if (m_list.selectedRows().empty())
+    {
+        m_list.select(0);
+        chosen();
+    }
+    return true;
+}
+
 void export_dialog::chosen()
 {
     m_rows.choose(m_list.selectedRows());
@@ -402,8 +419,7 @@ bool export_dialog::mayReplace(const export_job_options& options)
     const std::string what = there == 1 ? displayText(first) + " is there already."
                                         : counted(there, "file") + " of the folder would be replaced, the first is " +
                                               displayText(fileName(first)) + ".";
-    return m_host.prompt().confirm("Replace Files?", what + " Replace, with the textures beside it?",
-                                   prompt_answer::no);
+    return m_host.prompt().confirm("Replace Files?", what + " Replace?", prompt_answer::no);
 }
 
 void export_dialog::start()
@@ -417,13 +433,17 @@ void export_dialog::start()
     enableAll(false);
     m_message.setText({});
     m_status.setText(exportStatus({0, std::max<std::size_t>(1, options.animations.size()), {}}));
-    m_export.start([this, options = std::move(options), game = m_host.document().game(),
+    m_export.start([this, options = std::make_shared<const export_job_options>(std::move(options)),
+                    game = m_host.document().game(),
                     folder = m_choices.folder()](const work_port& work) -> background_task::answer {
         auto result = std::make_shared<export_job_result>();
         failure why;
         loaded_game source(game);
-        const bool is_begun = createFolder(folder, why) && runExport(source, options, work, *result, why);
-        return [this, result, is_begun, why] { end(result, is_begun, why); };
+        const bool is_begun = createFolder(folder, why) && runExport(source, *options, work, *result, why);
+        return [this, options, result, is_begun, why] {
+            end(result, is_begun, why);
+            askForTextures(options, result);
+        };
     });
 }
 
@@ -442,6 +462,22 @@ void export_dialog::end(std::shared_ptr<export_job_result> result, bool is_begun
     showTexts();
     m_export_button.focus();
     m_host.setStatus(m_status.text());
+}
+
+// Copies that differ may have been painted on: they were kept, and are replaced on demand.
+void export_dialog::askForTextures(const std::shared_ptr<const export_job_options>& options,
+                                   const std::shared_ptr<export_job_result>& result)
+{
+    if (result->kept_textures.empty() ||
+        !m_host.prompt().confirm("Replace Textures?", keptTexturesText(*options, *result), prompt_answer::no))
+        return;
+    enableAll(false);
+    m_export.start([this, options, result, game = m_host.document().game()](const work_port& work) {
+        failure why;
+        loaded_game source(game);
+        const bool is_done = replaceKeptTextures(source, *options, work, *result, why);
+        return background_task::answer([this, result, is_done, why] { end(result, is_done, why); });
+    });
 }
 
 void export_dialog::onCancel()
@@ -471,20 +507,25 @@ void exportAnimated(page_host& host, const scene_pointer& former, const export_d
 
 void exportStatic(page_host& host)
 {
-    const auto path = host.prompt().pickSavePath("Export Static Model", staticExportFilters(), "fbx",
-                                                 {{}, host.document().shownName() + ".fbx"});
-    if (!path || path->empty())
+    const auto picked = host.prompt().pickSavePath("Export Static Model", staticExportFilters(), "fbx",
+                                                   {{}, host.document().shownName() + ".fbx"});
+    if (!picked || picked->empty())
         return;
-    const export_job_options options = staticExport(host.document(), *path, host.config().path());
+    const std::string path = staticExportPath(*picked);
+    if (std::error_code error;
+        path != *picked && std::filesystem::exists(toPath(path), error) &&
+        !host.prompt().confirm("Replace File?", displayText(path) + " is there already. Replace?", prompt_answer::no))
+        return;
+    const export_job_options options = staticExport(host.document(), path, host.config().path());
     export_job_result result;
     failure why;
     bool is_done = false;
-    const bool is_through = host.work("Exporting " + displayText(fileName(*path)), [&](const work_port& port) {
+    const bool is_through = host.work("Exporting " + displayText(fileName(path)), [&](const work_port& port) {
         loaded_game source(host.document().game());
         is_done = runExport(source, options, port, result, why);
     });
     if (is_done && !result.files.empty())
-        return host.setStatus("Exported " + displayText(*path));
+        return host.setStatus("Exported " + displayText(path));
     if (!is_through && !why)
         return host.setStatus("Nothing was exported: it was stopped.");
     host.logLine("exportStatic(). " + describe(why));

@@ -11,6 +11,7 @@
 #include "EASY_GUI/win32/label.h"
 #include "EASY_GUI/win32/list_view.h"
 #include "EASY_GUI/win32/progress_bar.h"
+#include "Korvane/app/filter_field.h"
 #include "Korvane/app/page.h"
 #include "Korvane/presenters/export_choices.h"
 #include "Korvane/presenters/export_rows.h"
@@ -50,6 +51,7 @@ private:
     void takeFound();
     void endSearch(bool is_stopped);
     void filter();
+    bool walkIn();
     void chosen();
     void showChosenRows();
     std::string focusedAnimation() const; // empty: none that a path finds
@@ -60,6 +62,8 @@ private:
     bool mayReplace(const export_job_options& options);
     void start();
     void end(std::shared_ptr<export_job_result> result, bool is_begun, const failure& why);
+    void askForTextures(const std::shared_ptr<const export_job_options>& options,
+                        const std::shared_ptr<export_job_result>& result);
     using dialog_box::end;
     bool isExporting() const { return m_export.isRunning(); }
     void enableAll(bool is_enabled);
@@ -73,7 +77,8 @@ private:
     field_name m_mode_name, m_format_name, m_skeleton_name, m_filter_name, m_lod_name, m_texture_name, m_folder_name,
         m_name_name;
     combo_box m_mode, m_format, m_skeleton, m_lod, m_textures;
-    edit_box m_filter, m_folder, m_name;
+    filter_field m_filter;
+    edit_box m_folder, m_name;
     button m_all, m_none, m_stop_search, m_browse;
     check_box m_span, m_together;
     list_view m_list;

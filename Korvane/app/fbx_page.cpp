@@ -52,7 +52,7 @@ void fbx_page::showDocument()
     m_convert.setEnabled(host().isEnabled(document_command::convert_animation));
     if (std::exchange(m_is_shown, true))
         return;
-    m_summary.setText(m_report.summary());
+    m_summary.setText(m_report.hasFile() ? m_report.summary() : "Open an FBX file to see here what is in it.");
     m_tree.restart();
     if (m_report.childCount(tree_model::root) > 0)
         m_tree.select(m_report.child(tree_model::root, 0));

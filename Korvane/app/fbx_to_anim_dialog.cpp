@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <shellapi.h>
 #include <utility>
 
 namespace korvane
@@ -47,9 +48,15 @@ std::optional<layout> fbx_to_anim_dialog::onFill(failure&)
     if (!createFiles() || !createFields() || !createResults())
         return std::nullopt;
     nameHandlers();
+    DragAcceptFiles(handle(), TRUE);
     setDefault(m_convert);
     setFirstFocus(rowOf(file::fbx).browse);
     m_for_games.check(m_form.isForGames());
+    for (const std::string_view name : fbx_to_anim_form::version_names)
+        m_version.add(name);
+    m_version.select(static_cast<int>(m_form.version()));
+    m_prefix.setTip("Of the FBX file's bones, taken off (\"rig:\"). Empty: one that all bones have in common is found; "
+                    "none: nothing is taken off");
     fillConverted({});
     showLook();
     if (!m_first_fbx.empty())
@@ -106,7 +113,9 @@ bool fbx_to_anim_dialog::createFields()
     }
     rowOf(field::rate).typed.setTip("Frames a second of the new file");
     rowOf(field::end_time).typed.setTip("Its length in seconds");
-    return m_for_games.create(handle(), control_convert_games,
+    return m_version_name.create(handle(), "&Version:") && m_version.create(handle(), control_convert_version) &&
+           m_prefix_name.create(handle(), "Prefi&x:") && m_prefix.create(handle(), control_convert_prefix, editable) &&
+           m_for_games.create(handle(), control_convert_games,
                               "Version 7: la&yout of the games' own files, which plays here, too") &&
            m_bones.create(handle(), control_convert_bones, m_form.bones(), {false, true}) &&
            m_summary.create(handle(), control_convert_summary);
@@ -144,6 +153,14 @@ void fbx_to_anim_dialog::nameHandlers()
             m_form.type(which, rowOf(which).typed.text());
             showFields();
         };
+    m_version.onSelect = [this](int position) {
+        m_form.chooseVersion(static_cast<std::size_t>(std::max(0, position)));
+    };
+    m_prefix.onTyped = [this] {
+        m_prefix.setText(m_prefix.text());
+        if (m_form.setPrefix(m_prefix.text()))
+            look();
+    };
     m_for_games.onClick = [this](bool is_for_games) { m_form.setForGames(is_for_games); };
     m_converted.onSelect = [this](int) { showState(); };
     m_convert.onClick = [this] { convert(); };
@@ -172,7 +189,13 @@ layout fbx_to_anim_dialog::rows()
     for (field_row& row : m_fields)
         all.add(
             layout(way::across).add(row.name, aligned(1)).add(row.typed, fixed(90)).add(row.problem, share(1, 420)));
-    all.add(layout(way::across).add(layout(way::across), aligned(1)).add(m_for_games));
+    all.add(layout(way::across)
+                .add(m_version_name, aligned(1))
+                .add(m_version, fixed(110))
+                .add(m_for_games)
+                .add(share())
+                .add(m_prefix_name)
+                .add(m_prefix, fixed(90)));
     all.add(m_bones, share(3, 110)).add(m_summary);
     all.add(m_log, share(2, 80));
     all.add(layout(way::across).add(m_progress, fixed(160)).add(m_status, share(1, 200)).add(m_stop, aligned(2)));
@@ -191,6 +214,15 @@ void fbx_to_anim_dialog::choose(file which, const std::string& path)
     rowOf(which).path.setText(m_form.path(which));
     if (is_other)
         look();
+}
+
+void fbx_to_anim_dialog::onFilesDropped(const std::vector<std::string>& paths)
+{
+    if (paths.empty() || m_work.isRunning())
+        return;
+    const bool is_template = endsWithIgnoringCase(paths.front(), ".anim");
+    const bool is_table = endsWithIgnoringCase(paths.front(), ".bone_table");
+    choose(is_template ? file::template_anim : is_table ? file::bone_table : file::fbx, paths.front());
 }
 
 void fbx_to_anim_dialog::browse(file which)
@@ -274,6 +306,12 @@ void fbx_to_anim_dialog::convert()
 {
     for (file_row& row : m_files)
         row.path.take();
+    m_prefix.take();
+    if (const auto problem = m_form.fileProblem())
+    {
+        m_host.prompt().show(problem->first.title, problem->first.text, prompt_icon::error);
+        return rowOf(problem->second).path.focus();
+    }
     if (const auto problem = m_form.firstProblem())
     {
         m_host.prompt().show(problem->first.title, problem->first.text, prompt_icon::error);
@@ -354,10 +392,7 @@ void fbx_to_anim_dialog::playResult()
         return;
     const std::string path = chosenResult();
     if (const read_animation read = readAnimation({nullptr, path}, {}); !read.data)
-        return m_host.prompt().show("Play",
-                                    "This file is laid out for the games' own tools and cannot be played here. Check "
-                                    "\"Version 7: layout of the games' own files\", and convert it again.\r\n\r\n" +
-                                        displayText(read.problem),
+        return m_host.prompt().show("Play", "This file is not played: " + displayText(read.problem) + ".",
                                     prompt_icon::information);
     m_host.playAnimation(path);
 }

@@ -30,6 +30,7 @@ public:
 protected:
     std::optional<layout> onFill(failure& why) override;
     void onCancel() override; // while it works: stops
+    void onFilesDropped(const std::vector<std::string>& paths) override;
     LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
 
 private:
@@ -87,6 +88,9 @@ private:
     field_name m_take_name, m_converted_name;
     combo_box m_take, m_converted;
     std::array<field_row, fbx_to_anim_form::field_count> m_fields;
+    field_name m_version_name, m_prefix_name;
+    combo_box m_version;
+    path_box m_prefix; // taken when it is left, as a path is
     check_box m_for_games;
     list_view m_bones;
     label m_summary;

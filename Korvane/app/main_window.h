@@ -122,6 +122,7 @@ private:
     bool isBusy() const { return m_works > 0; }
     void opened(const std::string& path);
     void showFbx(fbx_report report);
+    void reset();
     void setUpFolders();
     void logProblems();
     void followFiles();

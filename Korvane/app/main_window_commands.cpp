@@ -21,7 +21,7 @@ void main_window::nameActions()
         {command::save, [this] { took(m_commands.save()); }},
         {command::save_as, [this] { took(m_commands.saveAs()); }},
         {command::patch, [this] { took(m_commands.patch()); }},
-        {command::reset, [this] { took(m_commands.reset()); }},
+        {command::reset, [this] { reset(); }},
         {command::undo, [this] { took(m_commands.undo()); }},
         {command::redo, [this] { took(m_commands.redo()); }},
         {command::reread_archives, [this] { rereadArchives(false); }},
@@ -113,6 +113,14 @@ void main_window::took(command_outcome outcome)
         showEdited();
     else if (outcome == command_outcome::done || outcome == command_outcome::opened_other)
         showDocument();
+}
+
+void main_window::reset()
+{
+    const command_outcome outcome = m_commands.reset();
+    took(outcome);
+    if (outcome == command_outcome::done)
+        m_fbx_page.show({});
 }
 
 void main_window::savePicture()

@@ -30,18 +30,6 @@ bool isDisabled(HWND control)
 
 } // namespace
 
-LRESULT playback_box::filter_field::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
-{
-    if (message == WM_GETDLGCODE && isAboutEnter(lparam))
-        return edit_box::handleMessage(message, wparam, lparam) | DLGC_WANTMESSAGE;
-    if (message == WM_CHAR && wparam == VK_RETURN)
-        return 0; // it would beep
-    if (message == WM_KEYDOWN)
-        if (const auto act = onKey; act && act(static_cast<unsigned>(wparam)))
-            return 0;
-    return edit_box::handleMessage(message, wparam, lparam);
-}
-
 playback_box::playback_box(page_host& host, scene_display& display)
     : dialog_box({"Play Animation", {500, 520}, true})
     , m_host(host)

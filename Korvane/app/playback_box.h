@@ -12,6 +12,7 @@
 #include "EASY_GUI/win32/list_view.h"
 #include "EASY_GUI/win32/progress_bar.h"
 #include "EASY_GUI/win32/track_bar.h"
+#include "Korvane/app/filter_field.h"
 #include "Korvane/app/page.h"
 #include "Korvane/app/scene_display.h"
 #include "Korvane/presenters/playback_picker.h"
@@ -46,16 +47,6 @@ protected:
     LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
 
 private:
-    // Typing in it filters; arrows and Enter act in the list, so that the hands stay where they are.
-    class filter_field : public edit_box
-    {
-    public:
-        std::function<bool(unsigned virtual_key)> onKey; // true: handled
-
-    protected:
-        LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
-    };
-
     bool createFound();
     bool createPlayer();
     void nameHandlers();

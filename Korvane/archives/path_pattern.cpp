@@ -26,17 +26,17 @@ bool isDeviceName(std::string_view component)
 std::string badComponent(std::string_view component)
 {
     if (component == "." || component == "..")
-        return "a component is \"" + std::string(component) + "\"";
+        return "a folder or file is called \"" + std::string(component) + "\"";
     if (component.back() == '.' || component.back() == ' ')
-        return "a component ends in a dot or a blank";
+        return "the name of a folder or file ends in a dot or a blank";
     const bool has_odd = std::any_of(component.begin(), component.end(), [](char character) {
         return static_cast<unsigned char>(character) < 0x20 ||
                std::string_view("<>:\"|?*").find(character) != std::string_view::npos;
     });
     if (has_odd)
-        return "a component holds a character that no file name may hold";
+        return "it has a character that no file name may have";
     if (isDeviceName(component))
-        return "a component is the name of a device";
+        return "Windows keeps the name \"" + std::string(component) + "\" for a device";
     return {};
 }
 

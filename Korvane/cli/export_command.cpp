@@ -160,6 +160,7 @@ void runCommand(cli_context& context, console_export_options& options)
     if (!options.form.empty())
         options.job.texture_form = pictureKind("." + options.form);
     options.job.makes_normals_blue = !options.normals.empty();
+    options.job.keeps_normals_down = options.normals == "blue-down";
     operand_list list(modelOperands(), options.job.output);
     if (!listOperands(context, options.operands, list))
         return;
@@ -209,9 +210,11 @@ void addExportCommand(CLI::App& app, cli_context& context)
     command->add_option("--as", options->form, "The textures as pictures instead of DDS files: png or tga")
         ->type_name("KIND")
         ->check(CLI::IsMember({"png", "tga"}));
-    command->add_option("--normal", options->normals, "blue: turn the games' normal maps into ordinary ones")
+    command
+        ->add_option("--normal", options->normals,
+                     "blue: turn the games' normal maps into ordinary ones; blue-down: with their own Y, downwards")
         ->type_name("FORM")
-        ->check(CLI::IsMember({"blue"}));
+        ->check(CLI::IsMember({"blue", "blue-down"}));
     command
         ->add_option("--format", options->job.folder_format,
                      "Of the files in a folder: fbx, dae, glb or gltf; fbx without it")

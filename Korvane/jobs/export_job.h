@@ -10,7 +10,9 @@
 #include "Korvane/game/game_source.h"
 #include "Korvane/jobs/model_snapshot.h"
 #include "Korvane/scene/figure.h"
+#include "Korvane/scene/loaded_scene.h"
 #include "Korvane/textures/picture_file.h"
+#include "Korvane/textures/texture_paths.h"
 
 #include <cstddef>
 #include <map>
@@ -25,7 +27,8 @@ namespace korvane
 struct export_job_options
 {
     std::string model; // a model, or a definition: its figure has its skeletons, whatever is said of them below
-    std::optional<model_snapshot> edited; // with edits that the file does not have yet
+    std::optional<model_snapshot> edited; // with edits that the file does not have yet; of a figure one of its models
+    scene_pointer known;                  // of a figure: its models and skeletons are not read again
     figure_choice choice;                 // which alternatives of a definition's slots; the first ones without
     std::string output; // a file with an export ending; or a folder, whose files get their names from the animations
 
@@ -49,6 +52,8 @@ struct export_job_options
     std::string texture_folder;
     std::optional<picture_kind> texture_form; // nothing: DDS
     bool makes_normals_blue = false;          // of pictures: the normal maps as other programs want them
+    bool keeps_normals_down = false;          // of those: with the games' Y, so that they can be turned back
+    bool keeps_textures = false;              // copies that differ stay, they may have been worked on
     bool is_without_materials = false;        // neither materials nor textures
 
     std::optional<std::string>
@@ -81,6 +86,7 @@ struct export_job_result
     std::vector<exported_file> files;            // each was written as a whole
     std::vector<failed_export> failed;           // of several animations those that could not be exported
     std::map<std::string, std::string> textures; // internal path in lower case to the copy; empty: not found
+    std::vector<wanted_texture> kept_textures;   // whose copies differ and stayed
     std::vector<std::string> warnings;           // about the model
     std::size_t wanted = 0;                      // animations, or 1 without
     std::size_t done = 0;                        // of them; those that neither are done nor failed came behind a stop
@@ -103,5 +109,9 @@ struct export_job_result
 // between files and textures; what had begun is whole.
 [[nodiscard]] bool runExport(game_source& source, const export_job_options& options, const work_port& work,
                              export_job_result& result, failure& why);
+
+// After an export that kept textures: writes them over. False when one of them failed; the result keeps those.
+[[nodiscard]] bool replaceKeptTextures(game_source& source, const export_job_options& options, const work_port& work,
+                                       export_job_result& result, failure& why);
 
 } // namespace korvane

@@ -130,15 +130,13 @@ void picture_maker::makeColours(picture_job& job) const
         encode(made.metal_roughness, job.second, job);
 }
 
-// The games' maps have Y downwards, as v counts there.
 void picture_maker::makeNormals(picture_job& job) const
 {
     picture map;
     if (!read(job.normal, map, job))
         return;
     toBlue(map.pixels());
-    for (rgba_pixel& pixel : map.pixels())
-        pixel ^= 0xff00;
+    turnGreen(map.pixels());
     encode(map, job.first, job);
 }
 

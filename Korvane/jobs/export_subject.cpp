@@ -1,11 +1,14 @@
 #include "Korvane/jobs/export_subject.h"
 
+#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/internal_path.h"
 #include "Korvane/document/open_definition.h"
 #include "Korvane/jobs/operands.h"
 #include "Korvane/scene/scene_loader.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 #include <utility>
 
@@ -42,10 +45,12 @@ private:
     bool loadSkeleton(const std::string& id, std::shared_ptr<const anim_data>& skeleton, failure& why);
     bool findSkeleton(const std::string& id, std::shared_ptr<const anim_data>& skeleton, failure& why);
     bool loadFigure(failure& why);
+    bool takeEdits(const game_data& game, const std::vector<figure_model>& models, scene_loader& loader, failure& why);
     scene_pointer figureScene(failure& why);
     bool addRig(const loaded_scene& figure, std::size_t number, failure& why);
     bool addPart(const loaded_scene& figure, const scene_part& part, failure& why);
     bool addLevels(const RMV2_FILE_DATA& model, std::size_t lod, const mesh_place& place, failure& why);
+    void warnOfLevels(const loaded_scene& figure);
 
     game_source& m_source;
     const export_job_options& m_options;
@@ -134,6 +139,30 @@ bool subject_loader::findSkeleton(const std::string& id, std::shared_ptr<const a
     return true;
 }
 
+// Whichever of the figure's models they belong to: by its path in the game, or as its file in a mod folder.
+bool subject_loader::takeEdits(const game_data& game, const std::vector<figure_model>& models, scene_loader& loader,
+                               failure& why)
+{
+    if (!m_options.edited)
+        return true;
+    const game_path edited(m_options.edited->path);
+    for (const figure_model& model : models)
+    {
+        std::error_code ignored;
+        const std::string disk_path = edited.isInternal() ? std::string() : game.find(model.path).diskPath();
+        if (edited.isInternal() ? normalInternalPath(edited.internalPath()) != model.path
+                                : disk_path.empty() || !std::filesystem::equivalent(toPath(disk_path),
+                                                                                    toPath(edited.diskPath()), ignored))
+            continue;
+        const auto file = std::make_shared<rmv2_file>();
+        if (!openSnapshot(*m_options.edited, *file, why))
+            return false;
+        loader.setModel(model.path, std::shared_ptr<const RMV2_FILE_DATA>(file, &file->data()));
+        return true;
+    }
+    return true;
+}
+
 // Only what hangs where is asked of the scene: textures are looked for later, and only those that are exported.
 scene_pointer subject_loader::figureScene(failure& why)
 {
@@ -155,7 +184,9 @@ scene_pointer subject_loader::figureScene(failure& why)
         loader.setSkeleton(std::move(skeleton), m_options.skeleton);
     }
     const std::vector<figure_model> models = definition.figure();
-    scene_pointer scene = loader.loadFigure(models, m_options.model, m_options.lod.value_or(0));
+    if (!takeEdits(*game, models, loader, why))
+        return nullptr;
+    scene_pointer scene = loader.loadFigure(models, m_options.model, m_options.lod.value_or(0), m_options.known);
     if (!scene) // stopped
         return nullptr;
     warnings.insert(warnings.end(), scene->problems.begin(), scene->problems.end());
@@ -180,7 +211,26 @@ bool subject_loader::loadFigure(failure& why)
     for (const scene_part& part : figure->parts)
         if (!addPart(*figure, part, why))
             return false;
+    warnOfLevels(*figure);
     return true;
+}
+
+// A figure is whole at every level: models without it take their coarsest.
+void subject_loader::warnOfLevels(const loaded_scene& figure)
+{
+    const scene_part* first = nullptr;
+    std::size_t count = 0;
+    for (const scene_part& part : figure.parts)
+        if (m_options.lod && part.lod < *m_options.lod && !part.model->lods.empty())
+        {
+            first = first == nullptr ? &part : first;
+            ++count;
+        }
+    if (count > 0)
+        m_subject.scene.warnings.push_back(std::to_string(count) + " of the " + counted(figure.parts.size(), "model") +
+                                           (count == 1 ? " has" : " have") + " no LOD " +
+                                           std::to_string(*m_options.lod) + ": the coarsest is taken, of " +
+                                           first->model->path + " LOD " + std::to_string(first->lod));
 }
 
 bool subject_loader::addRig(const loaded_scene& figure, std::size_t number, failure& why)

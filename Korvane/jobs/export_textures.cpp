@@ -50,7 +50,53 @@ std::string slashed(std::string path)
     return path.substr(std::min(path.find_first_not_of('/'), path.size()));
 }
 
+texture_extraction_options extractionOf(const export_job_options& options)
+{
+    texture_extraction_options how;
+    how.folder = options.texture_folder;
+    how.form = options.texture_form;
+    how.makes_normals_blue = options.makes_normals_blue;
+    how.turns_green = !options.keeps_normals_down;
+    how.overwrites = !options.keeps_textures;
+    how.spared = options.spared;
+    how.spared.insert(how.spared.end(), {options.model, options.skeleton});
+    how.spared.insert(how.spared.end(), options.animations.begin(), options.animations.end());
+    return how;
+}
+
+void noteKept(const std::vector<wanted_texture>& wanted, texture_extraction_result& made, export_job_result& result)
+{
+    result.kept_textures.clear();
+    for (extracted_texture& file : made.kept)
+    {
+        const std::string path = normalInternalPath(file.internal_path);
+        for (const wanted_texture& texture : wanted)
+            if (texture.path == path)
+                result.kept_textures.push_back(texture);
+        result.textures[path] = std::move(file.path);
+    }
+}
+
 } // namespace
+
+bool replaceKeptTextures(game_source& source, const export_job_options& options, const work_port& work,
+                         export_job_result& result, failure& why)
+{
+    const std::shared_ptr<const game_data> game = source.archivesOrDisk(why);
+    if (!game)
+        return false;
+    texture_extraction_options how = extractionOf(options);
+    how.overwrites = true;
+    texture_extraction_result made = extractTextures(*game, result.kept_textures, how, work);
+    std::erase_if(result.kept_textures, [&made](const wanted_texture& texture) {
+        return std::any_of(made.files.begin(), made.files.end(), [&texture](const extracted_texture& file) {
+            return normalInternalPath(file.internal_path) == texture.path;
+        });
+    });
+    if (!made.failures.empty())
+        why = std::move(made.failures.front());
+    return !why;
+}
 
 bool extractExportTextures(game_source& source, const export_job_options& options, const export_scene& scene,
                            const work_port& work, export_job_result& result, failure& why)
@@ -61,19 +107,14 @@ bool extractExportTextures(game_source& source, const export_job_options& option
     if (!game)
         return false;
     const std::vector<wanted_texture> wanted = exportedTextures(scene, options.model);
-    texture_extraction_options how;
-    how.folder = options.texture_folder;
-    how.form = options.texture_form;
-    how.makes_normals_blue = options.makes_normals_blue;
-    how.overwrites = true;
-    how.spared = options.spared;
-    how.spared.insert(how.spared.end(), {options.model, options.skeleton});
-    how.spared.insert(how.spared.end(), options.animations.begin(), options.animations.end());
-    texture_extraction_result made = extractTextures(*game, wanted, how, work);
+    texture_extraction_result made = extractTextures(*game, wanted, extractionOf(options), work);
     for (const wanted_texture& texture : wanted)
         result.textures.emplace(texture.path, "");
     for (extracted_texture& file : made.files)
         result.textures[normalInternalPath(file.internal_path)] = std::move(file.path);
+    noteKept(wanted, made, result);
+    if (!result.kept_textures.empty())
+        tell(work.log, counted(result.kept_textures.size(), "texture") + " beside the files differ and were kept");
     for (const std::vector<std::string>* lost : {&made.missing, &made.empty})
         for (const std::string& path : *lost)
             tell(work.log, displayText(path) + ": the texture was found nowhere");

@@ -25,6 +25,7 @@ struct extraction_job
     extracted_texture texture;
     std::optional<picture_kind> form;
     bool makes_blue = false;
+    bool turns_green = false;
     bool overwrites = false;
     bool is_done = false;
     failure why;
@@ -42,6 +43,8 @@ bool encode(const extraction_job& job, std::span<const std::byte> bytes, picture
     }
     if (job.makes_blue)
         toBlue(target.pixels());
+    if (job.makes_blue && job.turns_green)
+        turnGreen(target.pixels());
     if (encodePicture(target, *job.form, file, why))
         return true;
     if (why.path.empty())
@@ -134,6 +137,7 @@ void extraction_run::plan(const wanted_texture& wanted)
     job.texture.is_normal_map = wanted.is_normal_map;
     job.overwrites = m_options.overwrites;
     job.makes_blue = m_options.makes_normals_blue && wanted.is_normal_map;
+    job.turns_green = m_options.turns_green;
     job.form = job.makes_blue && !m_options.form ? picture_kind::targa : m_options.form;
     std::string name = wanted.path;
     if (job.form)

@@ -26,6 +26,7 @@ struct texture_extraction_options
     std::optional<picture_kind> form = std::nullopt; // nothing: the DDS files as they are
     bool overwrites = false;                         // files that differ are written over
     bool makes_normals_blue = false;                 // the normal maps, as pictures: Targa where form says nothing
+    bool turns_green = false;                        // of the blue ones, as most other programs expect it
     std::vector<std::string> spared = {};            // files that are never written over
 };
 

@@ -45,15 +45,15 @@ std::vector<std::string> skeletonIds(const open_files& open, const scene_pointer
 // What the job exports: the file, and the edits that it does not have yet.
 void nameShown(const open_files& open, export_job_options& wanted)
 {
-    if (open.shown() != open_files::kind::model)
-    {
-        wanted.model = open.definition().path();
-        wanted.choice = open.definition().choice();
-        return;
-    }
-    wanted.model = open.model().file()->path();
     if (open.model().isEdited())
         wanted.edited = snapshotOf(*open.model().file());
+    if (open.shown() == open_files::kind::model)
+    {
+        wanted.model = open.model().file()->path();
+        return;
+    }
+    wanted.model = open.definition().path();
+    wanted.choice = open.definition().choice();
 }
 
 } // namespace
@@ -62,6 +62,7 @@ export_choices::export_choices(shared_config& config, const open_files& open, co
                                const std::string& default_folder)
     : m_config(config)
     , m_open(open)
+    , m_scene(open.shown() == open_files::kind::definition ? scene : nullptr)
     , m_folder(default_folder)
     , m_name(open.shownName())
 {
@@ -170,14 +171,16 @@ std::string export_choices::plan(std::size_t animation_count) const
 std::string export_choices::filePath() const
 {
     const std::string suffix = m_mode == mode::bind_pose ? std::string(bind_pose_suffix) : std::string();
-    return toUtf8(toPath(m_folder) / toPath(m_name + suffix + extension()));
+    return toUtf8((toPath(m_folder) / toPath(m_name + suffix + extension())).make_preferred());
 }
 
 export_job_options export_choices::options(std::span<const pack_file_node* const> animations) const
 {
     export_job_options wanted;
     nameShown(m_open, wanted);
-    wanted.output = hasName() ? filePath() : toUtf8(toPath(m_folder) / "");
+    wanted.known = m_scene;
+    wanted.keeps_textures = true;
+    wanted.output = hasName() ? filePath() : toUtf8((toPath(m_folder) / "").make_preferred());
     if (m_skeleton >= 0 && static_cast<std::size_t>(m_skeleton) < m_skeletons.size())
         wanted.skeleton = m_skeletons[static_cast<std::size_t>(m_skeleton)].operand;
     if (m_mode == mode::animated)
@@ -185,7 +188,7 @@ export_job_options export_choices::options(std::span<const pack_file_node* const
             addAnimation(*entry, wanted);
     wanted.lod = m_lod == 0 ? std::nullopt : std::optional(m_lod - 1);
     if (hasTextures() && m_textures != texture_form::as_found)
-        wanted.texture_folder = toUtf8(toPath(m_folder) / "textures");
+        wanted.texture_folder = toUtf8((toPath(m_folder) / "textures").make_preferred());
     if (hasTextures() && m_textures == texture_form::png)
     {
         wanted.texture_form = picture_kind::png;
@@ -218,6 +221,12 @@ std::vector<file_filter> staticExportFilters()
             {"Collada (*.dae)", "*.dae"},
             {"glTF, one file (*.glb)", "*.glb"},
             {"glTF, with files (*.gltf)", "*.gltf"}};
+}
+
+std::string staticExportPath(const std::string& picked)
+{
+    const std::string typed = picked.substr(0, picked.rfind('.'));
+    return isExportFile(picked) && isExportFile(typed) ? typed : picked;
 }
 
 export_job_options staticExport(const open_files& open, const std::string& output, const std::string& config_path)
@@ -256,9 +265,21 @@ std::string exportComplaints(const export_job_result& result)
                                        [](const auto& texture) { return texture.second.empty(); });
     if (missing > 0)
         text += counted(static_cast<std::size_t>(missing), "texture") + " could not be found (see log.txt)\r\n";
+    if (!result.kept_textures.empty())
+        text += counted(result.kept_textures.size(), "texture") + " beside the files differ and were kept\r\n";
     if (!result.warnings.empty())
         text += counted(result.warnings.size(), "warning") + " about the model (see log.txt)\r\n";
     return text;
+}
+
+std::string keptTexturesText(const export_job_options& options, const export_job_result& result)
+{
+    const std::size_t count = result.kept_textures.size();
+    const bool is_one = count == 1;
+    return counted(count, "texture") + " in " + displayText(options.texture_folder) + (is_one ? " is" : " are") +
+           " not as the game has " + (is_one ? "it" : "them") + ", the first is " +
+           displayText(fileName(result.kept_textures.front().path)) + ". " + (is_one ? "It" : "They") +
+           " may have been painted on, and " + (is_one ? "was" : "were") + " kept.\r\n\r\nReplace with the game's?";
 }
 
 } // namespace korvane

@@ -101,6 +101,7 @@ private:
 
     shared_config& m_config;
     const open_files& m_open;
+    scene_pointer m_scene; // of a definition
     std::vector<skeleton> m_skeletons;
     std::vector<std::string> m_missing; // ids that the archives do not have
     int m_skeleton = -1;
@@ -117,6 +118,8 @@ private:
 
 // "Export STATIC model...": what is shown, without bones.
 [[nodiscard]] std::vector<file_filter> staticExportFilters();
+// Of a path that was picked: a known ending that was typed wins over the one that the picker put behind it.
+[[nodiscard]] std::string staticExportPath(const std::string& picked);
 [[nodiscard]] export_job_options staticExport(const open_files& open, const std::string& output,
                                               const std::string& config_path);
 
@@ -124,5 +127,7 @@ private:
 [[nodiscard]] std::string exportStatus(const work_progress& now);            // while it runs
 [[nodiscard]] std::string exportSummary(const export_job_result& result);    // "Done. Files Exported: 3"
 [[nodiscard]] std::string exportComplaints(const export_job_result& result); // empty: there are none
+// The question what becomes of textures that were kept.
+[[nodiscard]] std::string keptTexturesText(const export_job_options& options, const export_job_result& result);
 
 } // namespace korvane

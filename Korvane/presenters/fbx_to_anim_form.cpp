@@ -9,7 +9,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <limits>
+#include <filesystem>
 #include <utility>
 
 namespace korvane
@@ -23,8 +23,7 @@ constexpr const char* box_title = "Error!";
 constexpr const char* no_rate = "The field Framerate is not a valid floating poinLPARAM lParam. Has to xxx.xxxx";
 constexpr const char* no_end_time = "The >>End Time< field does not contain a valid float";
 constexpr const char* no_frames = "The Frame Count field does not contain a valid integer";
-constexpr std::string_view games_word = "games";
-constexpr double longest_seconds = 1e12;
+constexpr std::string_view games_word = "games", no_prefix = "none";
 
 std::string_view trimmed(std::string_view text)
 {
@@ -147,6 +146,8 @@ convert_job_options fbx_to_anim_form::lookOptions() const
     options.fbx = path(file::fbx);
     options.template_anim = path(file::template_anim);
     options.bone_table = path(file::bone_table);
+    if (!m_prefix.empty())
+        options.prefix = m_prefix == no_prefix ? std::string() : m_prefix;
     return options;
 }
 
@@ -244,7 +245,9 @@ std::string fbx_to_anim_form::problem(field which) const
         const std::optional<std::int64_t> frames = typedWhole(text(which));
         if (!frames)
             return no_frames;
-        return *frames >= 1 && *frames <= std::numeric_limits<std::uint32_t>::max() ? "" : "At least 1 frame is needed";
+        return *frames < 1                       ? "At least 1 frame is needed"
+               : *frames <= max_converted_frames ? ""
+                                                 : "At most " + grouped(max_converted_frames) + " frames can be made";
     }
     const std::optional<double> number = typedDecimal(text(which));
     if (which == field::rate)
@@ -257,7 +260,12 @@ std::string fbx_to_anim_form::problem(field which) const
     }
     if (!number)
         return no_end_time;
-    return *number >= 0 && *number <= longest_seconds ? "" : "The end time cannot be below 0";
+    if (*number < 0)
+        return "The end time cannot be below 0";
+    const double rate = typedDecimal(text(field::rate)).value_or(m_look.frame_rate);
+    const double longest =
+        (max_converted_frames - 1) / std::clamp(rate, slowest_converted_rate, fastest_converted_rate);
+    return *number <= longest ? "" : "At most " + decimalText(longest) + " seconds can be made at this rate";
 }
 
 // In the order in which the fields are looked at, which is not that of the dialog.
@@ -267,6 +275,32 @@ std::optional<std::pair<notice, fbx_to_anim_form::field>> fbx_to_anim_form::firs
         if (const std::string what = problem(each); !what.empty())
             return std::pair(notice{box_title, what}, each);
     return std::nullopt;
+}
+
+std::optional<std::pair<notice, fbx_to_anim_form::file>> fbx_to_anim_form::fileProblem() const
+{
+    const auto told = [](std::string text, file which) { return std::pair(notice{box_title, std::move(text)}, which); };
+    for (const file which : {file::fbx, file::template_anim, file::bone_table})
+    {
+        std::error_code error;
+        const game_path named(path(which));
+        if (!path(which).empty() && !named.isInternal() && !std::filesystem::exists(toPath(path(which)), error))
+            return told("There is no file " + displayText(path(which)), which);
+    }
+    if (m_look.fbx == path(file::fbx) && m_look.fbx_failure)
+        return told(displayText(describe(m_look.fbx_failure)), file::fbx);
+    if (m_look.template_anim != path(file::template_anim))
+        return std::nullopt;
+    if (m_look.template_failure)
+        return told(displayText(describe(m_look.template_failure)), file::template_anim);
+    if (m_look.table_failure)
+        return told(displayText(describe(m_look.table_failure)), file::bone_table);
+    return std::nullopt;
+}
+
+bool fbx_to_anim_form::setPrefix(std::string_view typed)
+{
+    return std::exchange(m_prefix, std::string(trimmed(typed))) != trimmed(typed);
 }
 
 void fbx_to_anim_form::setForGames(bool is_for_games)
@@ -320,6 +354,8 @@ convert_job_options fbx_to_anim_form::options(const std::string& output)
     options.output = m_newest = output;
     options.config_path = m_config.path();
     options.layout = m_layout;
+    if (m_version > 0)
+        options.version = m_version == 1 ? 5 : 7;
     if (m_take > 0)
         options.take = takeText();
     if (m_is_rate_typed)

@@ -10,6 +10,7 @@
 #include "Korvane/jobs/convert_look.h"
 #include "Korvane/presenters/bone_match_rows.h"
 
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -70,10 +71,19 @@ public:
     void type(field which, std::string text);
     std::string problem(field which) const; // beside it; empty: there is none
 
+    static constexpr std::array<std::string_view, 3> version_names{"The template's", "5", "7"};
+    std::size_t version() const { return m_version; } // a position in them
+    void chooseVersion(std::size_t position) { m_version = position; }
+    // Of the FBX file's bones: nothing, it is found; "none", it stays; else a text that is taken off. True: it is
+    // another one, and a look is due.
+    bool setPrefix(std::string_view typed);
+
     bool isForGames() const { return m_layout == anim_layout::games; }
     void setForGames(bool is_for_games);
 
     bool canRun() const { return !path(file::fbx).empty() && !path(file::template_anim).empty(); }
+    // Why a file that is named cannot be used, for a box, and which; nothing: it can.
+    std::optional<std::pair<notice, file>> fileProblem() const;
     // The first that is wrong with the fields, for a box, and whose; nothing: the output may be asked for.
     std::optional<std::pair<notice, field>> firstProblem() const;
     // Without a problem. Remembers the folder.
@@ -99,6 +109,8 @@ private:
     bool m_is_rate_typed = false;        // else the file's own is taken, to the last digit
     std::optional<field> m_length_typed; // end time or frame count: the one that counts; none: up to the last key
     anim_layout m_layout = anim_layout::tools;
+    std::size_t m_version = 0;
+    std::string m_prefix; // as typed
     bone_match_rows m_bones;
     std::string m_newest;
 };

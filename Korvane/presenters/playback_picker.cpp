@@ -1,5 +1,7 @@
 #include "Korvane/presenters/playback_picker.h"
 
+#include "EASY_GUI/services/byte_reader.h"
+#include "EASY_GUI/services/memory_file.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/pack_entry.h"
 
@@ -39,6 +41,15 @@ std::vector<std::string> idsOf(const loaded_scene& scene)
     if (ids.empty())
         ids.emplace_back();
     return ids;
+}
+
+// What a conversion wrote, and cannot be read: in the other layout.
+bool isOfVersion7(const std::string& disk_path)
+{
+    memory_file bytes;
+    failure ignored;
+    return !disk_path.empty() && bytes.read(disk_path, ignored) && bytes.bytes().size() > 4 &&
+           littleEndian<std::uint32_t>(bytes.bytes().data()) == 7;
 }
 
 } // namespace
@@ -82,6 +93,10 @@ read_animation readAnimation(animation_choice choice, std::string skeleton_id)
         read.data = std::make_shared<const anim_data>(file.takeData());
     else
         read.problem = why ? describe(why) : "it is no animation of version 5 or 7";
+    if (!read.data && isOfVersion7(read.choice.disk_path))
+        read.problem = "it is laid out for the games' own tools, and cannot be played here. Convert it again with "
+                       "\"Version 7: layout of the games' own files\" checked (" +
+                       read.problem + ")";
     read.said = file.lastNotice();
     return read;
 }

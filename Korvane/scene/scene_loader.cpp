@@ -191,7 +191,8 @@ scene_pointer scene_loader::loadFigure(const std::vector<figure_model>& models, 
     for (std::size_t i = 0; i < count && !m_work.isStopped(); ++i)
     {
         m_work.report(i, count, models[i].path);
-        std::shared_ptr<const scene_model> model = modelOf(former, models[i].path);
+        const bool is_given = m_given_model && m_given_model->path == models[i].path;
+        std::shared_ptr<const scene_model> model = is_given ? m_given_model : modelOf(former, models[i].path);
         if (model || (model = readModel(scene, models[i].path)))
             members.push_back({std::move(model), &models[i]});
     }

@@ -38,6 +38,12 @@ public:
         m_skeleton_path = std::move(path);
     }
 
+    // A model in place of the one of a figure that has this internal path, for edits that are not saved yet.
+    void setModel(const std::string& internal_path, std::shared_ptr<const RMV2_FILE_DATA> data)
+    {
+        m_given_model = sceneModel(std::move(data), internal_path);
+    }
+
     // Each gives null only when the work port has asked to stop. A level of detail beyond a model's last one means the
     // last one. The path (UTF-8, of the model or the definition) says where textures are looked for on the disk.
     //
@@ -88,6 +94,7 @@ private:
     texture_reader m_reader;
     std::shared_ptr<const anim_data> m_skeleton; // given
     std::string m_skeleton_path;
+    std::shared_ptr<const scene_model> m_given_model; // by its path
     std::vector<known_texture> m_known;
 };
 

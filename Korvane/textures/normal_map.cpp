@@ -60,6 +60,12 @@ normal_counts countNormals(std::span<const rgba_pixel> pixels)
 
 } // namespace
 
+void turnGreen(std::span<rgba_pixel> pixels)
+{
+    for (rgba_pixel& pixel : pixels)
+        pixel ^= 0xff00;
+}
+
 std::optional<normal_form> normalFormOf(std::span<const rgba_pixel> pixels)
 {
     const normal_counts counts = countNormals(pixels);

@@ -24,6 +24,8 @@ void toOrange(std::span<rgba_pixel> pixels);
 // Z is computed; where X and Y alone are longer than 1 it is 0, the blue byte 127. X is alpha times red, so a map with
 // X in red and full alpha (BC5) comes out right as well. Alpha becomes 255.
 void toBlue(std::span<rgba_pixel> pixels);
+// Y, which the games count downwards as their v, and most other programs upwards.
+void turnGreen(std::span<rgba_pixel> pixels);
 
 inline void convertNormals(std::span<rgba_pixel> pixels, normal_form target)
 {

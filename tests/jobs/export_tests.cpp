@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/file_system.h"
 #include "Korvane/jobs/export_job.h"
 #include "tests/support/anim_builder.h"
+#include "tests/support/dds_builder.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -75,6 +76,37 @@ TEST(export_job, aStopLeavesWholeFilesAndACount)
                              : 100u * (entry.path().extension() != ".bin");
             EXPECT_EQ(files, done) << format << stop_at;
         }
+}
+
+TEST(export_job, paintedTexturesStayUntilTheyAreReplacedAndGreenPointsUp)
+{
+    test::temporary_folder folder;
+    test::test_model model;
+    model.lods[0][0].textures = {{1, "t/n.dds"}};
+    test::writeBytes(folder.file("m.rigid_model_v2"), model.bytes());
+    std::filesystem::create_directory(toPath(folder.file("t")));
+    test::writeBytes(folder.file("t/n.dds"), test::test_dds().bytes());
+    loaded_game source(std::make_shared<const game_data>());
+    export_job_options options;
+    options.model = folder.file("m.rigid_model_v2");
+    options.output = folder.file("m.fbx");
+    options.texture_folder = folder.file("tex");
+    options.texture_form = picture_kind::png;
+    options.makes_normals_blue = options.keeps_normals_down = options.keeps_textures = true;
+    export_job_result result;
+    failure why;
+    ASSERT_TRUE(runExport(source, options, {}, result, why)) << describe(why);
+    const std::string path = result.textures.at("t\\n.dds");
+    const std::string down = test::readBytes(path);
+    EXPECT_TRUE(result.kept_textures.empty());
+    options.keeps_normals_down = false;
+    ASSERT_TRUE(runExport(source, options, {}, result, why)) << describe(why);
+    EXPECT_EQ(result.kept_textures.size(), 1u);
+    EXPECT_EQ(result.textures.at("t\\n.dds"), path) << "the file names it all the same";
+    EXPECT_EQ(test::readBytes(path), down);
+    ASSERT_TRUE(replaceKeptTextures(source, options, {}, result, why)) << describe(why);
+    EXPECT_TRUE(result.kept_textures.empty());
+    EXPECT_NE(test::readBytes(path), down);
 }
 
 } // namespace
