@@ -186,6 +186,7 @@ bool lib3d::createShaders()
            createPixelShader(KORVANE_LINE_PS, "line_ps", m_line_ps) &&
            createPixelShader(KORVANE_FINAL_PS, "final_ps", m_final_ps) &&
            createPixelShader(KORVANE_FINAL_OUTLINE_PS, "final_outline_ps", m_final_outline_ps) &&
+           createPixelShader(KORVANE_ENLARGED_PS, "enlarged_ps", m_enlarged_ps) &&
            createPixelShader(KORVANE_LINE_ENCODED_PS, "line_encoded_ps", m_line_encoded_ps) &&
            createPixelShader(KORVANE_WIREFRAME_ENCODED_PS, "wireframe_encoded_ps", m_wireframe_encoded_ps) &&
            createPixelShader(KORVANE_FINAL_ENCODED_PS, "final_encoded_ps", m_final_encoded_ps) &&
@@ -488,15 +489,26 @@ void lib3d::setFinalPass(const final_pass_buffer& settings)
 void lib3d::drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceView* marks,
                           const final_pass_buffer& settings, const screen_area& area, bool has_outlines)
 {
+    const auto& plain = m_is_encoded ? m_final_encoded_ps : m_final_ps;
+    const auto& outlined = m_is_encoded ? m_final_encoded_outline_ps : m_final_outline_ps;
+    drawFinished(shown, marks, settings, area, *(has_outlines ? outlined : plain).get());
+}
+
+void lib3d::drawEnlarged(ID3D11ShaderResourceView* shown, const final_pass_buffer& settings, const screen_area& area)
+{
+    drawFinished(shown, nullptr, settings, area, *m_enlarged_ps.get());
+}
+
+void lib3d::drawFinished(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceView* marks,
+                         const final_pass_buffer& settings, const screen_area& area, ID3D11PixelShader& shader)
+{
     setFinalPass(settings);
     ID3D11Buffer* buffer = m_final_buffer.get();
     ID3D11ShaderResourceView* views[] = {shown, marks};
     m_context->VSSetConstantBuffers(1, 1, &buffer);
     m_context->PSSetConstantBuffers(1, 1, &buffer);
     m_context->PSSetShaderResources(11, 2, views);
-    const auto& plain = m_is_encoded ? m_final_encoded_ps : m_final_ps;
-    const auto& outlined = m_is_encoded ? m_final_encoded_outline_ps : m_final_outline_ps;
-    m_context->PSSetShader((has_outlines ? outlined : plain).get(), nullptr, 0);
+    m_context->PSSetShader(&shader, nullptr, 0);
     m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
     m_context->OMSetDepthStencilState(m_depth_ignored.get(), 0);
     drawArea(area);

@@ -103,6 +103,8 @@ bool scene_targets::create(lib3d& library, UINT width, UINT height, UINT samples
     m_width = width;
     m_height = height;
     m_part = {width, height};
+    m_output_width = width;
+    m_output_height = height;
     return !library.isSoftware() || m_samples > 1 ||
            (createLayer(library, DXGI_FORMAT_R32G32B32A32_UINT, "surfaces", m_surfaces) &&
             createLayer(library, DXGI_FORMAT_R8G8B8A8_UNORM, "target, as on the screen", m_encoded));
@@ -117,6 +119,30 @@ bool scene_targets::createLayer(lib3d& library, DXGI_FORMAT format, const char* 
                           name, source_name) &&
            library.isMade(device.CreateShaderResourceView(made.texture.get(), nullptr, made.view.put()), made.view,
                           name, source_name);
+}
+
+bool scene_targets::enlargeTo(lib3d& library, UINT width, UINT height)
+{
+    m_output_width = width;
+    m_output_height = height;
+    return !isEnlarged() || m_finished.view ||
+           createLayer(library, DXGI_FORMAT_R8G8B8A8_UNORM, "target, to be enlarged", m_finished);
+}
+
+// The area is of these targets.
+void scene_targets::enlarge(lib3d& library, ID3D11RenderTargetView* output, const screen_area& area) const
+{
+    library.context().OMSetRenderTargets(1, &output, nullptr);
+    useViewport(library, {m_output_width, m_output_height});
+    final_pass_buffer settings;
+    settings.width = static_cast<std::int32_t>(m_output_width);
+    settings.height = static_cast<std::int32_t>(m_output_height);
+    const auto wider = [&](std::int32_t place) { return place * settings.width / static_cast<std::int32_t>(m_width); };
+    const auto higher = [&](std::int32_t place) {
+        return place * settings.height / static_cast<std::int32_t>(m_height);
+    };
+    library.drawEnlarged(m_finished.view.get(), settings,
+                         {wider(area.left), higher(area.top), wider(area.right), higher(area.bottom)});
 }
 
 void scene_targets::bindSurfaces(lib3d& library) const
@@ -172,10 +198,11 @@ void scene_targets::bind(lib3d& library, const shown_frame& frame) const
 
 void scene_targets::usePicturePixels(lib3d& library) const
 {
-    useViewport(library, m_part);
+    const picture_part seen = shownPart();
+    useViewport(library, seen);
     final_pass_buffer settings;
-    settings.width = static_cast<std::int32_t>(m_part.width);
-    settings.height = static_cast<std::int32_t>(m_part.height);
+    settings.width = static_cast<std::int32_t>(seen.width);
+    settings.height = static_cast<std::int32_t>(seen.height);
     library.setFinalPass(settings);
 }
 
@@ -184,7 +211,8 @@ void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, const
 {
     constexpr auto marks = static_cast<std::size_t>(shown_target::normals);
     const auto wanted = static_cast<std::size_t>(frame.shown);
-    library.context().OMSetRenderTargets(1, &output, nullptr);
+    ID3D11RenderTargetView* const target = isEnlarged() ? m_finished.target.get() : output;
+    library.context().OMSetRenderTargets(1, &target, nullptr);
     useViewport(library, {m_width, m_height});
     if (m_samples > 1)
         for (std::size_t i = 0; i < target_count; ++i)
@@ -198,7 +226,11 @@ void scene_targets::finish(lib3d& library, ID3D11RenderTargetView* output, const
                                                               : target_content::colour;
     settings.flags = m_samples == 1 && !m_part.has_samples ? final_softens : 0;
     const auto& seen = frame.is_encoded ? m_encoded.view : m_views[wanted];
-    library.drawFinalPass(seen.get(), m_views[marks].get(), settings, area, frame.has_outlines);
+    // What is enlarged of it mixes neighbours.
+    const screen_area drawn = isEnlarged() ? area.grown(1, settings.width, settings.height) : area;
+    library.drawFinalPass(seen.get(), m_views[marks].get(), settings, drawn, frame.has_outlines);
+    if (isEnlarged())
+        enlarge(library, output, area);
 }
 
 bool picture_target::create(lib3d& library, UINT width, UINT height)

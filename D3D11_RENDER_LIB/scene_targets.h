@@ -62,6 +62,12 @@ public:
     // From the next begin() on. After create() the targets are the whole picture.
     void show(const picture_part& part) { m_part = part; }
 
+    // What is drawn in these targets is shown enlarged, in outputs of that size. False when the device was lost.
+    [[nodiscard]] bool enlargeTo(lib3d& library, UINT width, UINT height);
+    picture_part shownPart() const { return isEnlarged() ? picture_part{m_output_width, m_output_height} : m_part; }
+    // Of the picture as it is shown.
+    float aspect() const { return static_cast<float>(shownPart().width) / static_cast<float>(shownPart().height); }
+
     UINT width() const { return m_width; }
     UINT height() const { return m_height; }
     const picture_part& part() const { return m_part; }
@@ -100,10 +106,14 @@ private:
         com_ptr<ID3D11ShaderResourceView> view;
     };
 
+    void enlarge(lib3d& library, ID3D11RenderTargetView* output, const screen_area& area) const;
+    bool isEnlarged() const { return m_output_width != m_width || m_output_height != m_height; }
     [[nodiscard]] bool createLayer(lib3d& library, DXGI_FORMAT format, const char* name, layer& made);
 
     UINT m_width = 0;
     UINT m_height = 0;
+    UINT m_output_width = 0; // the same, unless it is enlarged
+    UINT m_output_height = 0;
     UINT m_samples = 1;
     picture_part m_part;
     std::array<com_ptr<ID3D11Texture2D>, target_count> m_drawn;    // with all samples
@@ -113,6 +123,7 @@ private:
     com_ptr<ID3D11DepthStencilView> m_depth;
     layer m_surfaces; // empty: not on this device
     layer m_encoded;  // of frames that are encoded
+    layer m_finished; // as the screen has it, to be enlarged; made when that is wanted first
 };
 
 // A picture in memory that can be drawn into and read back.

@@ -35,6 +35,8 @@ struct camera
     glm::vec3 model_extent{0}; // the same, before scaling
     float model_scale = 1;
 
+    bool operator==(const camera&) const = default;
+
     // Takes over the bounds of a model; keeps the angles.
     void frame(const model_bounds& bounds, float aspect);
     void turn(float yaw_change, float pitch_change); // the pitch stays short of the poles

@@ -9,6 +9,12 @@ namespace
 {
 
 constexpr unsigned usual_refresh_rate = 60;
+constexpr std::uint32_t fewest_quick = 10; // frames a second: fewer are whole
+
+bool isTurned(const view_state& view, const view_state& former)
+{
+    return view.eye != former.eye || view.light_yaw != former.light_yaw || view.light_pitch != former.light_pitch;
+}
 
 frame_pacer::clock::duration seconds(double value)
 {
@@ -28,7 +34,15 @@ void frame_pacer::request(change&& make)
 
 void frame_pacer::post(const view_state& view)
 {
-    request([&](frame_request& wanted) { wanted.view = view; });
+    request([&](frame_request& wanted) {
+        if (isTurned(view, wanted.view))
+        {
+            const clock::time_point now = clock::now();
+            m_follows = now - m_last_turn < settled;
+            m_last_turn = now;
+        }
+        wanted.view = view;
+    });
 }
 
 void frame_pacer::postSize(std::uint32_t width, std::uint32_t height)
@@ -83,6 +97,8 @@ std::optional<frame_pacer::clock::time_point> frame_pacer::due() const
         return m_earliest;
     if (m_request.is_moving)
         return std::max(m_earliest, m_last_frame + seconds(1.0 / std::max(m_request.view.frame_limit, 1u)));
+    if (m_owes_whole)
+        return std::max(m_earliest, m_last_turn + settled);
     return std::nullopt;
 }
 
@@ -99,6 +115,9 @@ frame_request frame_pacer::next()
     m_is_dirty = false;
     m_last_frame = clock::now();
     m_earliest = m_last_frame + m_shortest_interval;
+    const bool is_turning = m_follows && m_last_frame - m_last_turn < settled;
+    m_request.is_quick = is_turning || (m_request.is_moving && m_request.view.frame_limit >= fewest_quick);
+    m_owes_whole = m_request.is_quick;
     return m_request;
 }
 

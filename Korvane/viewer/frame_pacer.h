@@ -25,12 +25,16 @@ struct frame_request
     bool is_visible = false; // neither hidden nor minimised
     bool is_moving = false;  // the picture changes by itself
     bool must_stop = false;  // nothing is to be drawn any more
+    // Of next(): one of many that follow each other, of an animation, a turned camera or turned light. When they end,
+    // one more frame is due that is not.
+    bool is_quick = false;
 };
 
 class frame_pacer
 {
 public:
     using clock = std::chrono::steady_clock;
+    static constexpr std::chrono::milliseconds settled{150}; // so long after the last change the picture stands
 
     frame_pacer() { postRefreshRate(0); }
 
@@ -57,6 +61,9 @@ private:
     std::mutex m_mutex; // guards what follows
     std::condition_variable m_changed;
     frame_request m_request;
+    bool m_follows = false;              // the last turn came soon after the one before
+    bool m_owes_whole = false;           // the last frame was a quick one
+    clock::time_point m_last_turn{};     // of camera or light
     bool m_is_dirty = false;             // something has changed since the last frame
     clock::duration m_shortest_interval; // from one frame's begin to the next
     clock::time_point m_last_frame{};    // its begin

@@ -99,11 +99,12 @@ bool castsShadows(const lib3d& library, const view_state& view)
            (view.shadows == shadow_choice::on || (view.shadows == shadow_choice::automatic && !library.isSoftware()));
 }
 
-void fillConstants(const view_state& view, const picture_part& part, frame_constants& frame)
+void fillConstants(const view_state& view, const scene_targets& targets, frame_constants& frame)
 {
+    const picture_part& part = targets.part();
     const auto width = static_cast<float>(part.width);
     const auto height = static_cast<float>(part.height);
-    view.fill(width / height, frame.vs, frame.ps);
+    view.fill(targets.aspect(), frame.vs, frame.ps);
     // What the distance, by which all is divided, adds to both directions.
     frame.vs.Projection[0][2] += 2 * part.shift_x / width;
     frame.vs.Projection[1][2] -= 2 * part.shift_y / height;
@@ -289,8 +290,8 @@ void model_scene::drawOverlay(lib3d& library, const scene_targets& targets, cons
 {
     if (!m_po_overlay)
         return;
-    const picture_part& part = targets.part();
-    writeOverlay({view, m_po_pose.get(), static_cast<float>(part.width), static_cast<float>(part.height)},
+    const picture_part seen = targets.shownPart();
+    writeOverlay({view, m_po_pose.get(), static_cast<float>(seen.width), static_cast<float>(seen.height)},
                  *m_po_overlay_text);
     targets.usePicturePixels(library);
     m_po_overlay->draw(library, *m_po_overlay_text);
@@ -326,7 +327,7 @@ void model_scene::draw(lib3d& library, const scene_targets& targets, ID3D11Rende
 {
     const view_channel channel = view.shownChannel();
     if (m_po_pose)
-        fillConstants(view, targets.part(), *m_po_frame);
+        fillConstants(view, targets, *m_po_frame);
     const shown_frame shown{targetOf(channel), view.background(), view.is_background_clear,
                             view.selected.has_value() && m_po_pose, isEncoded(library, targets, view)};
     targets.begin(library, output, shown);

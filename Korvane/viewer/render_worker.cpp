@@ -2,6 +2,7 @@
 
 #include "D3D11_RENDER_LIB/d3d_check.h"
 
+#include <cmath>
 #include <exception>
 #include <new>
 
@@ -215,7 +216,11 @@ bool render_worker::drawOnDevice(const frame_request& request)
     if (m_scene.hasMoreTextures())
         m_pacer.redraw();
     move();
-    m_scene.draw(m_library, m_targets, m_back_buffer.get(), request.view);
+    const scene_targets* const targets = targetsFor(request);
+    if (targets == nullptr)
+        return false;
+    const auto begin = std::chrono::steady_clock::now();
+    m_scene.draw(m_library, *targets, m_back_buffer.get(), request.view);
 
     const DXGI_PRESENT_PARAMETERS parameters{};
     const HRESULT answer = m_swap_chain->Present1(1, 0, &parameters);
@@ -226,7 +231,27 @@ bool render_worker::drawOnDevice(const frame_request& request)
         m_pacer.retryAfter(occluded_pause);
     else
         m_frames_drawn.fetch_add(1);
+    if (request.is_quick && !m_was_occluded && !m_scene.hasMoreTextures())
+        m_moving_size.took(std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
     return true;
+}
+
+// The whole ones, or smaller ones for a frame that is to be quick.
+const scene_targets* render_worker::targetsFor(const frame_request& request)
+{
+    const double scale = m_moving_size.scale();
+    if (!m_library.isSoftware() || !request.is_quick || request.view.is_whole_while_moving || scale >= 1)
+        return &m_targets;
+    const auto scaled = [scale](UINT size) { return static_cast<UINT>(std::max(std::lround(size * scale), 1L)); };
+    const UINT width = scaled(m_targets.width()), height = scaled(m_targets.height());
+    if (m_small_targets.width() != width || m_small_targets.height() != height)
+    {
+        if (!m_small_targets.create(m_library, width, height))
+            return nullptr;
+    }
+    if (!m_small_targets.enlargeTo(m_library, m_targets.width(), m_targets.height()))
+        return nullptr;
+    return &m_small_targets;
 }
 
 // After the first frame, so that this does not wait.
@@ -311,6 +336,7 @@ void render_worker::loseDevice()
     m_shown_motion.reset();
     m_overlay_dpi = 0;
     m_targets.release();
+    m_small_targets.release();
     m_back_buffer.reset();
     m_swap_chain.reset();
     m_library.clearContext(); // what waits to be freed, too: a window has room for one swap chain

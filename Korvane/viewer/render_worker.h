@@ -14,6 +14,7 @@
 #include "EASY_GUI/services/log_port.h"
 #include "Korvane/viewer/frame_pacer.h"
 #include "Korvane/viewer/model_scene.h"
+#include "Korvane/viewer/moving_size.h"
 #include "Korvane/viewer/render_gate.h"
 
 #include <windows.h>
@@ -79,6 +80,7 @@ private:
     [[nodiscard]] bool drawOnDevice(const frame_request& request);
     [[nodiscard]] bool showNewScene();
     void move();
+    const scene_targets* targetsFor(const frame_request& request); // null: the device was lost
     [[nodiscard]] bool improveEnvironment();
     [[nodiscard]] bool isOccluded();
     [[nodiscard]] bool resize(UINT width, UINT height);
@@ -100,6 +102,8 @@ private:
     com_ptr<IDXGISwapChain1> m_swap_chain;
     com_ptr<ID3D11RenderTargetView> m_back_buffer;
     scene_targets m_targets;
+    scene_targets m_small_targets; // of quick frames on software devices
+    moving_size m_moving_size;
     model_scene m_scene;
     environment_making m_environment; // for hardware devices, after the first frame
     scene_pointer m_wanted;           // kept for a new device

@@ -46,7 +46,8 @@ constexpr flag_row flags[] = {
     {"&Darker Background\tB", &view_state::is_background_dark, true},
     {"&Reflections\tT", &view_state::show_reflections, false},
     {"Occ&lusion of the Mask", &view_state::uses_occlusion, false},
-    {"Turn by &Itself\tG", &view_state::is_turntable, true},
+    {"Turn by &Itself\tG", &view_state::is_turntable, false},
+    {"&Full Detail While Moving", &view_state::is_whole_while_moving, true},
 };
 
 constexpr std::pair<shadow_choice, const char*> shadow_rows[] = {

@@ -85,6 +85,7 @@ struct view_state
     bool shows_light = false;                 // a marker where the side light is, while keys move it
     bool is_turntable = false;                // G: the model turns by itself
     bool is_background_clear = false;         // for pictures: nothing is behind the model
+    bool is_whole_while_moving = false;       // where the processor draws; else it may be drawn smaller then
     bool uses_occlusion = true;               // of the mask's alpha
     shadow_choice shadows = shadow_choice::automatic;
     float light_yaw = 0;            // radians, of the key light and the environment about the vertical

@@ -1,6 +1,7 @@
 // The hand-over between window thread and render thread; meant for the thread sanitizer too.
 
 #include "Korvane/viewer/frame_pacer.h"
+#include "Korvane/viewer/moving_size.h"
 #include "Korvane/viewer/render_gate.h"
 
 #include <gtest/gtest.h>
@@ -177,6 +178,47 @@ TEST(frame_hand_over, whatMovesIsDrawnOnItsOwnUpToTheLimitOfTheDrawMode)
     frames = renderer.frames;
     std::this_thread::sleep_for(100ms);
     EXPECT_EQ(renderer.frames, frames);
+}
+
+TEST(frame_hand_over, framesAreQuickWhileThePictureMovesAndOneThatIsNotComesAfterThem)
+{
+    frame_pacer pacer;
+    makeVisible(pacer);
+    view_state view;
+    const auto isQuick = [&](bool is_turned) {
+        if (is_turned)
+            view.eye.turn(0.1f, 0);
+        pacer.post(view);
+        return pacer.next().is_quick;
+    };
+    EXPECT_FALSE(isQuick(true)) << "one step stays sharp";
+    EXPECT_TRUE(isQuick(true));
+    const auto stood = std::chrono::steady_clock::now();
+    EXPECT_FALSE(pacer.next().is_quick) << "nothing was posted";
+    EXPECT_GE(std::chrono::steady_clock::now() - stood, frame_pacer::settled / 2);
+    view.show_reflections = false;
+    EXPECT_FALSE(isQuick(false));
+    EXPECT_FALSE(isQuick(false)) << "what changes is not the place";
+    pacer.postMoving(true);
+    EXPECT_TRUE(pacer.next().is_quick);
+    pacer.postMoving(false);
+    EXPECT_FALSE(pacer.next().is_quick);
+}
+
+TEST(moving_size, shrinksWhileFramesAreSlowAndGrowsWhenTheyWouldStayQuick)
+{
+    const struct
+    {
+        double seconds; // of a whole frame
+        double scale;   // in the end
+    } rows[] = {{0.010, 1}, {0.017, 1}, {0.030, 0.7}, {0.045, 0.5}, {0.5, 0.5}, {0.020, 0.7}, {0.010, 1}};
+    moving_size size;
+    for (const auto& row : rows)
+    {
+        for (int frame = 0; frame < 400; ++frame)
+            size.took(row.seconds * size.scale() * size.scale());
+        EXPECT_EQ(size.scale(), row.scale) << row.seconds;
+    }
 }
 
 TEST(frame_hand_over, stoppingIsAnsweredAtOnceAlsoWhilePausing)

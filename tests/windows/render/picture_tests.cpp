@@ -8,6 +8,7 @@
 #include "Korvane/models/rmv2_file.h"
 #include "Korvane/scene/scene_loader.h"
 #include "Korvane/textures/picture_file.h"
+#include "Korvane/viewer/model_scene.h"
 #include "Korvane/viewer/offscreen.h"
 #include "Korvane/viewer/posed_mesh.h"
 #include "tests/support/silhouette.h"
@@ -163,6 +164,10 @@ TEST_F(pictures, lookAsTheyDid)
     const char* const slash = "humanoid01/attack/hu1_attack_slash_01.anim";
     const char* const jog = "humanoid01/run/hu1_jog.anim";
     const auto channel = [](view_channel shown) { return [shown](view_state& view) { view.channel = shown; }; };
+    const auto lines = [](view_state& view) {
+        view.shows_floor = view.shows_skeleton = view.shows_wire_over = true;
+        view.selected = shown_group{0, 0};
+    };
     const auto shadow = [](view_state& view) {
         view.shadows = shadow_choice::on;
         view.shows_floor = true;
@@ -198,6 +203,7 @@ TEST_F(pictures, lookAsTheyDid)
         {"weights", "demo_guard", nullptr, 0, channel(view_channel::weights)},
         {"shadow", "demo_guard", jog, 0.2, shadow},
         {"one_sample", "demo_guard", jog, 0.2, {}, "", 1},
+        {"one_sample_lines", "demo_guard", jog, 0.2, lines, "", 1},
         {"transparent", "demo_guard", jog, 0.2, [](view_state& view) { view.is_background_clear = true; }},
     };
     for (const auto& row : rows)
@@ -285,6 +291,49 @@ TEST_F(pictures, ofAPoseCoverWhatTheProcessorComputes)
             }
     EXPECT_GT(covered, 5000u);
     EXPECT_EQ(different, 0u) << "of " << covered;
+}
+
+// What is drawn smaller while it moves does not jump when it stands.
+TEST_F(pictures, thatAreEnlargedLieWhereWholeOnesDo)
+{
+    constexpr int width = 241, height = 321;
+    const scene_pointer guard = load("demo_guard");
+    failure why;
+    lib3d library;
+    model_scene drawn;
+    scene_targets whole, small;
+    picture_target target;
+    ASSERT_TRUE(library.createDevice(device_kind::best, {}, why) && library.createAll() &&
+                drawn.create(library, guard) && drawn.finishTextures(library) && whole.create(library, width, height) &&
+                small.create(library, width / 2, height / 2) && small.enlargeTo(library, width, height) &&
+                target.create(library, width, height));
+    view_state view;
+    view.eye.frame(guard->bounds, static_cast<float>(width) / height);
+    view.shadows = shadow_choice::off;
+    for (const bool is_marked : {false, true}) // with lines all of the picture is looked at
+    {
+        view.shows_floor = is_marked;
+        if (is_marked)
+            view.selected = shown_group{0, 0};
+        std::array<std::vector<std::uint8_t>, 2> seen;
+        for (std::size_t i = 0; i < 2; ++i)
+        {
+            drawn.draw(library, i == 0 ? whole : small, target.view(), view);
+            ASSERT_TRUE(target.read(library, seen[i]));
+        }
+        const auto difference = [&seen](int right, int down) { // of the first channel
+            double sum = 0;
+            for (int y = 2; y < height - 2; ++y)
+                for (int x = 2; x < width - 2; ++x)
+                    sum += std::abs(seen[0][static_cast<std::size_t>(y * width + x) * 4] -
+                                    seen[1][static_cast<std::size_t>((y + down) * width + x + right) * 4]);
+            return sum / (width * height);
+        };
+        const double here = difference(0, 0);
+        EXPECT_LT(here, is_marked ? 9 : 6) << "lines are wider";
+        for (const auto& [right, down] : {std::pair(-1, 0), {1, 0}, {0, -1}, {0, 1}})
+            EXPECT_LT(here, difference(right, down)) << is_marked << " " << right << " " << down;
+    }
 }
 
 // Each sample sees another place of its pixel: an edge covers any part of one.
