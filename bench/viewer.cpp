@@ -3,6 +3,7 @@
 // All ratios are of frames that alternate in one run, so that a busy machine disturbs both.
 
 #include "D3D11_RENDER_LIB/gpu_mesh.h"
+#include "D3D11_RENDER_LIB/pose_palette.h"
 #include "Korvane/animation/anim_file.h"
 #include "Korvane/models/rmv2_file.h"
 #include "Korvane/scene/scene_loader.h"
@@ -267,10 +268,14 @@ void measureOwnTime(const scene_pointer& scene, const char* animation)
         pose.advance(playback);
         view.fill(static_cast<float>(width) / height, frame->vs, frame->ps);
         frame->reached = {};
+        int posed = -2; // no rig has that number
         for (const auto& [rig, reach] : groups)
         {
             std::copy(pose.inverse(rig).begin(), pose.inverse(rig).end(), frame->vs.inverse.begin());
             std::copy(pose.transforms(rig).begin(), pose.transforms(rig).end(), frame->vs.tranforms.begin());
+            if (rig != posed) // once for a part
+                fillPose(frame->vs, frame->pose);
+            posed = rig;
             for (int pass = 0; pass < 2; ++pass)
                 frame->reached.add(reach.onScreen(frame->vs, width, height));
         }
