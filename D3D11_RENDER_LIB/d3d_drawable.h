@@ -18,6 +18,7 @@ struct part_pose
 {
     std::span<const gpu_matrix> inverse; // of the bind pose
     std::span<const gpu_matrix> transforms;
+    int heat_bone = -1; // whose weights are shown; below zero: none of this part
 };
 
 // What all draws of a frame share. What belongs to one drawable (is_weapon, has_alpha, ...) is set by it for its own
@@ -30,7 +31,6 @@ struct frame_constants
     model_pass pass = model_pass::lit;
     std::optional<shown_group> selected;
     const shown_groups* hidden = nullptr; // null: none
-    std::uint32_t heat_bone = 0;          // whose weights are shown
     std::span<const part_pose> poses;     // of the scene's parts
     std::uint32_t part = 0;               // of the scene, that is being drawn
     std::int32_t width = 1;               // of the picture

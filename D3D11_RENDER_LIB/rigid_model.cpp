@@ -28,10 +28,10 @@ void rigid_model::draw(lib3d& library, frame_constants& frame) const
         const part_pose& pose = frame.poses[frame.part];
         std::copy(pose.inverse.begin(), pose.inverse.end(), frame.vs.inverse.begin());
         std::copy(pose.transforms.begin(), pose.transforms.end(), frame.vs.tranforms.begin());
+        frame.vs.color = {static_cast<float>(pose.heat_bone), 0, 0, 0};
     }
     frame.vs.is_weapon = m_is_attached_to_bone ? 1 : 0;
     frame.vs.mWeapon = m_weapon;
-    frame.vs.color = {static_cast<float>(frame.heat_bone), 0, 0, 0};
     std::optional<std::int32_t> posed; // as what the pose was uploaded
     const bool is_part_selected = frame.selected && frame.selected->part == frame.part;
     for (std::uint32_t i = 0; i < m_groups.size(); ++i)

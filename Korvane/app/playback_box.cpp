@@ -368,8 +368,10 @@ void playback_box::chooseSkeleton(int position)
             return background_task::answer([this, wanted, is_read, rig, why, game] {
                 if (is_read && m_display.scene())
                 {
-                    m_picker.exchanged(*wanted, rig);
-                    return m_display.exchange(exchangeSkeleton(*m_display.scene(), rig));
+                    std::vector<std::string> lost;
+                    scene_pointer changed = exchangeSkeleton(*m_display.scene(), rig, lost);
+                    m_picker.exchanged(*wanted, rig, lost);
+                    return m_display.exchange(std::move(changed));
                 }
                 m_host.logLine("playback_box::chooseSkeleton(). " + describe(why));
                 m_picker.keepSkeleton(why);
@@ -407,6 +409,7 @@ void playback_box::showTexts()
     show(m_status, m_picker.status());
     show(m_message, m_picker.message());
     m_stop.setEnabled(m_picker.isSearching());
+    enablePlayer(m_picker.length().has_value()); // a skeleton may have gone with its archive
     m_folders.setVisible(m_picker.needsFolders());
 }
 

@@ -217,9 +217,14 @@ const pack_file_node* playback_picker::wantedSkeleton() const
     return m_skeletons[static_cast<std::size_t>(m_skeleton)].entry;
 }
 
-void playback_picker::exchanged(const pack_file_node& entry, const scene_rig& by)
+void playback_picker::exchanged(const pack_file_node& entry, const scene_rig& by, const std::vector<std::string>& lost)
 {
     m_exchanged.push_back({&entry, by.skeleton});
+    std::string names;
+    for (const std::string& name : lost)
+        names += (names.empty() ? "" : ", ") + quotedName(name);
+    if (!lost.empty())
+        m_unread = sentence("This skeleton has no bone " + names + ": what hung there hangs on its first bone");
 }
 
 void playback_picker::keepSkeleton(const failure& why)
@@ -288,7 +293,8 @@ std::vector<std::shared_ptr<const anim_data>> playback_picker::animations() cons
 
 std::optional<playback_length> playback_picker::length() const
 {
-    if (m_played.empty())
+    const scene_rig* const rig = m_played.empty() ? nullptr : rigOf(m_played.back().skeleton_id);
+    if (m_played.empty() || (m_now.scene && (rig == nullptr || !rig->skeleton))) // gone with its archive
         return std::nullopt;
     const anim_data& data = *m_played.back().data;
     return playback_length{data.frame_rate, data.end_time, data.frame_count};

@@ -87,8 +87,10 @@ public:
     [[nodiscard]] bool chooseSkeleton(int position); // true: another search is to be run
     // After that: the entry that the scene is to be moved by from now on (skeleton_exchange.h); null: it is already.
     const pack_file_node* wantedSkeleton() const;
-    void exchanged(const pack_file_node& entry, const scene_rig& by); // the next scene to be shown has it
-    void keepSkeleton(const failure& why);                            // it cannot be had: the one before stays
+    // The next scene to be shown has it. What hung on the lost bones (skeleton_exchange.h) is told until the next
+    // choice.
+    void exchanged(const pack_file_node& entry, const scene_rig& by, const std::vector<std::string>& lost);
+    void keepSkeleton(const failure& why); // it cannot be had: the one before stays
     std::string shownId() const;
 
     // In place of one that runs.

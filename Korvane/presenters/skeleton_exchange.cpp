@@ -12,12 +12,16 @@ namespace korvane
 namespace
 {
 
-// The bone of the same name, or the first one; below zero stays so.
-int sameBone(int bone, const scene_rig& former, const scene_rig& fresh)
+// The bone of the same name, or the first one, and its name is among the lost ones; below zero stays so.
+int sameBone(int bone, const scene_rig& former, const scene_rig& fresh, std::vector<std::string>& lost)
 {
     if (bone < 0 || !former.skeleton || static_cast<std::size_t>(bone) >= former.skeleton->bones.size())
         return bone;
-    return std::max(findBone(*fresh.skeleton, former.skeleton->bones[static_cast<std::size_t>(bone)].name), 0);
+    const std::string& name = former.skeleton->bones[static_cast<std::size_t>(bone)].name;
+    const int found = findBone(*fresh.skeleton, name);
+    if (found < 0 && std::find(lost.begin(), lost.end(), name) == lost.end())
+        lost.push_back(name);
+    return std::max(found, 0);
 }
 
 } // namespace
@@ -37,7 +41,7 @@ bool readSkeleton(const pack_file_node& entry, const std::string& id, scene_rig&
     return true;
 }
 
-scene_pointer exchangeSkeleton(const loaded_scene& scene, const scene_rig& by)
+scene_pointer exchangeSkeleton(const loaded_scene& scene, const scene_rig& by, std::vector<std::string>& lost)
 {
     auto changed = std::make_shared<loaded_scene>(scene);
     for (scene_rig& rig : changed->rigs)
@@ -53,10 +57,10 @@ scene_pointer exchangeSkeleton(const loaded_scene& scene, const scene_rig& by)
         const int number = static_cast<int>(i);
         for (scene_part& part : changed->parts)
             if (part.rig == number && scene.rigs[i].id == by.id)
-                part.bone = sameBone(part.bone, scene.rigs[i], by);
+                part.bone = sameBone(part.bone, scene.rigs[i], by, lost);
         for (scene_rig& rig : changed->rigs)
             if (rig.mount == number && scene.rigs[i].id == by.id)
-                rig.mount_bone = sameBone(rig.mount_bone, scene.rigs[i], by);
+                rig.mount_bone = sameBone(rig.mount_bone, scene.rigs[i], by, lost);
     }
     return changed;
 }

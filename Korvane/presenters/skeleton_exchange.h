@@ -7,6 +7,7 @@
 #include "Korvane/scene/loaded_scene.h"
 
 #include <string>
+#include <vector>
 
 namespace korvane
 {
@@ -14,7 +15,9 @@ namespace korvane
 // Reads a skeleton from an entry of the archives. False, with the reason, when it cannot be read. Any thread that keeps
 // the archives.
 [[nodiscard]] bool readSkeleton(const pack_file_node& entry, const std::string& id, scene_rig& rig, failure& why);
-// The scene with that skeleton in all its rigs of the same id; what hangs on a bone hangs on that of the same name.
-[[nodiscard]] scene_pointer exchangeSkeleton(const loaded_scene& scene, const scene_rig& by);
+// The scene with that skeleton in all its rigs of the same id; what hangs on a bone hangs on that of the same name. Of
+// bones that it lacks the names are added to the lost ones: what hung there hangs on the first bone.
+[[nodiscard]] scene_pointer exchangeSkeleton(const loaded_scene& scene, const scene_rig& by,
+                                             std::vector<std::string>& lost);
 
 } // namespace korvane

@@ -188,6 +188,7 @@ void d3d_window::setScene(scene_pointer scene, std::string notice)
     {
         m_view.selected.reset();
         m_view.hidden.reset();
+        m_view.heat_rig = -1;
     }
     m_scene = std::move(scene);
     m_scene_notice = std::move(notice);

@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr float turns_per_second = 0.08f;
-constexpr float bone_reach = 24; // pixels around a click in which a bone is found
+constexpr float bone_reach = 24; // pixels of 96 to the inch, around a click, in which a bone is found
 
 std::vector<menu_row> shownRows(std::vector<view_menu_row> rows)
 {
@@ -167,10 +167,10 @@ void d3d_window::openMenu(POINT at)
         subject.under_mouse = groupAt(*pose, at);
         const glm::vec2 size = clientSize();
         const int joint = pose->jointAt(m_view.eye.toClip(size.x / size.y), size,
-                                        {static_cast<float>(at.x), static_cast<float>(at.y)}, bone_reach);
+                                        {static_cast<float>(at.x), static_cast<float>(at.y)},
+                                        bone_reach * static_cast<float>(dpi()) / 96);
         if (joint >= 0)
-            subject.bone_there =
-                static_cast<std::uint32_t>(std::max(pose->joint(static_cast<std::size_t>(joint)).bone, 0));
+            subject.joint_there = static_cast<std::size_t>(joint);
     }
     POINT on_screen = at;
     ClientToScreen(handle(), &on_screen);

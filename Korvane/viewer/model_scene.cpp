@@ -159,6 +159,7 @@ bool model_scene::createOverlay(lib3d& library, unsigned dpi)
         return false;
     m_po_overlay_text.reset();
     m_po_overlay = std::move(layer);
+    m_overlay_scale = static_cast<float>(dpi) / 96;
     m_po_overlay_text = std::make_unique<overlay_text>(m_po_overlay->font());
     return true;
 }
@@ -186,11 +187,12 @@ bool model_scene::finishTextures(lib3d& library)
     return !m_po_textures || m_po_textures->finish(library);
 }
 
-void model_scene::takePoses()
+void model_scene::takePoses(const view_state& view)
 {
     const std::vector<scene_part>& parts = m_po_pose->scene().parts;
     for (std::size_t i = 0; i < parts.size(); ++i)
-        m_poses[i] = {m_po_pose->inverse(parts[i].rig), m_po_pose->transforms(parts[i].rig)};
+        m_poses[i] = {m_po_pose->inverse(parts[i].rig), m_po_pose->transforms(parts[i].rig),
+                      view.heat_rig < 0 || view.heat_rig == parts[i].rig ? static_cast<int>(view.heat_bone) : -1};
 }
 
 void model_scene::drawFigure(lib3d& library, const scene_targets& targets, const view_state& view,
@@ -291,8 +293,9 @@ void model_scene::drawOverlay(lib3d& library, const scene_targets& targets, cons
     if (!m_po_overlay)
         return;
     const picture_part seen = targets.shownPart();
-    writeOverlay({view, m_po_pose.get(), static_cast<float>(seen.width), static_cast<float>(seen.height)},
-                 *m_po_overlay_text);
+    writeOverlay(
+        {view, m_po_pose.get(), static_cast<float>(seen.width), static_cast<float>(seen.height), m_overlay_scale},
+        *m_po_overlay_text);
     targets.usePicturePixels(library);
     m_po_overlay->draw(library, *m_po_overlay_text);
 }
@@ -336,10 +339,9 @@ void model_scene::draw(lib3d& library, const scene_targets& targets, ID3D11Rende
         frame_constants& frame = *m_po_frame;
         frame.ps.debug_flags[3] = (view.uses_occlusion ? draw_occluded : 0) | static_cast<std::int32_t>(channel)
                                                                                   << draw_channel_shift;
-        frame.heat_bone = view.heat_bone;
         frame.selected = view.selected;
         frame.hidden = view.hidden.get();
-        takePoses();
+        takePoses(view);
         frame.poses = m_poses;
         frame.width = static_cast<std::int32_t>(targets.width());
         frame.height = static_cast<std::int32_t>(targets.height());

@@ -51,7 +51,7 @@ public:
 
 private:
     [[nodiscard]] bool createFloor(lib3d& library, const model_bounds& bounds);
-    void takePoses();
+    void takePoses(const view_state& view);
     void drawFigure(lib3d& library, const scene_targets& targets, const view_state& view, const shown_frame& shown,
                     frame_constants& frame);
     bool hasSurfaces(const scene_targets& targets) const;
@@ -72,6 +72,7 @@ private:
     std::unique_ptr<shadow_map> m_po_shadow;    // made when it is wanted first
     std::unique_ptr<overlay_layer> m_po_overlay;
     std::unique_ptr<overlay_text> m_po_overlay_text;
+    float m_overlay_scale = 1; // pixels for each of 96 to the inch
     std::unique_ptr<posed_scene> m_po_pose;
     std::vector<part_pose> m_poses;              // of the parts, as the frame shows them
     std::vector<gpu_line_vertex> m_lines;        // as many as the bone-line buffer holds

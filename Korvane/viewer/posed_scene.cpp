@@ -47,6 +47,21 @@ public:
                 if ((from & axis) == 0)
                     add(corner(from), corner(from | axis), colour);
     }
+    // An arrow of nine lines: a shaft that is seen as more than a line from near by, and its head.
+    void addBar(const glm::vec3& from, const glm::vec3& way, float length, const gpu_float4& colour)
+    {
+        const glm::vec3 beside = glm::normalize(std::abs(way.x) < 0.7f ? glm::cross(way, glm::vec3(1, 0, 0))
+                                                                       : glm::cross(way, glm::vec3(0, 1, 0)));
+        const glm::vec3 tip = from + way * length;
+        add(from, tip, colour);
+        for (const glm::vec3& side : {beside, glm::cross(way, beside)})
+            for (const float sign : {-1.0f, 1.0f})
+            {
+                const glm::vec3 out = side * (sign * length);
+                add(from + out * 0.02f, tip - way * (0.2f * length) + out * 0.02f, colour);
+                add(tip, tip - way * (0.2f * length) + out * 0.06f, colour);
+            }
+    }
     std::size_t count() const { return m_count; }
 
 private:
@@ -302,8 +317,7 @@ std::size_t posed_scene::fillPoints(std::span<gpu_line_vertex> target) const
             const glm::vec3 direction(place[axis]);
             const float length = glm::length(direction);
             if (length > 0)
-                lines.add(glm::vec3(place[3]), glm::vec3(place[3]) + direction * (axis_length / length),
-                          axis_colours[axis]);
+                lines.addBar(glm::vec3(place[3]), direction / length, axis_length, axis_colours[axis]);
         }
     }
     return lines.count();

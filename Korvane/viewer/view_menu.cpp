@@ -80,17 +80,15 @@ view_menu_row bonesOf(const view_menu_subject& subject)
     const auto row = [&](std::size_t joint) {
         const posed_place at = subject.pose->joint(joint);
         return view_menu_row{menuText(at.name), first_bone + static_cast<int>(joint), true,
-                             is_shown && at.bone == static_cast<int>(subject.view.heat_bone)};
+                             is_shown && at.bone == static_cast<int>(subject.view.heat_bone) &&
+                                 (subject.view.heat_rig < 0 || at.rig == subject.view.heat_rig)};
     };
-    if (subject.bone_there)
-        for (std::size_t joint = 0; joint < count; ++joint)
-            if (subject.pose->joint(joint).bone == static_cast<int>(*subject.bone_there))
-            {
-                weights.rows.push_back(row(joint));
-                weights.rows.back().text += "\tat the mouse";
-                weights.rows.push_back({});
-                break;
-            }
+    if (subject.joint_there && *subject.joint_there < count)
+    {
+        weights.rows.push_back(row(*subject.joint_there));
+        weights.rows.back().text += "\tat the mouse";
+        weights.rows.push_back({});
+    }
     for (std::size_t begin = 0; begin < count; begin += in_group)
     {
         const std::size_t end = std::min(begin + in_group, count);
@@ -149,6 +147,7 @@ view_command applyViewMenu(int number, const view_menu_subject& subject, view_st
         if (subject.pose == nullptr || joint >= subject.pose->jointCount())
             return view_command::none;
         view.heat_bone = static_cast<std::uint32_t>(std::max(subject.pose->joint(joint).bone, 0));
+        view.heat_rig = subject.pose->joint(joint).rig;
         view.showChannel(view_channel::weights);
         return view_command::none;
     }

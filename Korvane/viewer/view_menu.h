@@ -38,9 +38,9 @@ struct view_menu_row
 struct view_menu_subject
 {
     const view_state& view;
-    const posed_scene* pose = nullptr;       // null: nothing is shown
-    std::optional<shown_group> under_mouse;  // the group that was clicked on
-    std::optional<std::uint32_t> bone_there; // the bone nearest to the click
+    const posed_scene* pose = nullptr;      // null: nothing is shown
+    std::optional<shown_group> under_mouse; // the group that was clicked on
+    std::optional<std::size_t> joint_there; // the joint nearest to the click, as the pose counts them
     bool is_enlarged = false;
 };
 

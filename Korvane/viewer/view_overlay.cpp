@@ -20,7 +20,7 @@ constexpr gpu_float4 key_color{1.0f, 0.80f, 0.42f, 1};
 constexpr gpu_float4 bone_color{0.80f, 0.88f, 1.0f, 1};
 constexpr gpu_float4 found_color{1.0f, 0.85f, 0.35f, 1};
 constexpr gpu_float4 point_color{0.60f, 1.0f, 0.66f, 1};
-constexpr float bone_reach = 12; // pixels around the mouse in which a bone is found
+constexpr float bone_reach = 24; // pixels of 96 to the inch, around the mouse, in which a bone is found
 constexpr int most_labels = 400;
 
 // A number with its digits in groups, in a buffer of its own.
@@ -74,9 +74,26 @@ void writeNames(const overlay_subject& subject, overlay_text& target)
     if (!subject.view.shows_skeleton || !subject.view.mouse)
         return;
     const int found = pose.jointAt(subject.view.eye.toClip(subject.width / subject.height),
-                                   {subject.width, subject.height}, *subject.view.mouse, bone_reach);
+                                   {subject.width, subject.height}, *subject.view.mouse, bone_reach * subject.scale);
     if (found >= 0)
         name(pose.joint(static_cast<std::size_t>(found)), found_color);
+}
+
+// Below, on the left: whose weights the colours are.
+void writeHeatBone(const overlay_subject& subject, overlay_text& target)
+{
+    const posed_scene& pose = *subject.pose;
+    constexpr std::string_view caption = "Weights of ";
+    const float line = target.lineHeight();
+    const float left = line / 2, top = subject.height - line * 1.5f;
+    for (std::size_t i = 0; i < pose.jointCount(); ++i)
+        if (const posed_place at = pose.joint(i); at.bone == static_cast<int>(subject.view.heat_bone) &&
+                                                  (subject.view.heat_rig < 0 || at.rig == subject.view.heat_rig))
+        {
+            target.label(left, top, caption, text_color);
+            target.label(left + target.widthOf(caption), top, at.name, found_color);
+            return;
+        }
 }
 
 // Lines of a number and what it counts.
@@ -175,6 +192,8 @@ void writeOverlay(const overlay_subject& subject, overlay_text& target)
     if (subject.pose != nullptr)
     {
         writeNames(subject, target);
+        if (subject.view.shownChannel() == view_channel::weights)
+            writeHeatBone(subject, target);
         if (subject.view.shows_counts)
             writeCounts(subject, target);
     }

@@ -16,6 +16,7 @@ struct overlay_subject
     const posed_scene* pose = nullptr; // null: nothing is shown
     float width = 1;                   // of the picture, pixels
     float height = 1;
+    float scale = 1; // pixels for each of 96 to the inch
 };
 
 void writeOverlay(const overlay_subject& subject, overlay_text& target);

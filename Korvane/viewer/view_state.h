@@ -76,6 +76,7 @@ struct view_state
 
     view_channel channel = view_channel::lit; // of the menu
     std::uint32_t heat_bone = 0;              // whose weights are shown
+    int heat_rig = -1;                        // of the scene, that has it; below zero: any
     bool shows_wire_over = false;             // M: the edges over the surface
     bool shows_bounds = false;                // X
     bool shows_bone_names = false;            // N

@@ -1,4 +1,5 @@
 #include "Korvane/viewer/posed_mesh.h"
+#include "Korvane/viewer/view_menu.h"
 #include "tests/posing/allocation_count.h"
 #include "tests/support/arm_scene.h"
 
@@ -210,6 +211,35 @@ TEST(posed_scene, linesAreCutWhereTheBufferEndsAndFramesTakeNoMemory)
     }
     EXPECT_EQ(allocationCount(), before);
     EXPECT_EQ(pose.skeletonVertexCount(), 4u * (256 * 24 + 255 * 2));
+}
+
+int numberOfRow(const std::vector<view_menu_row>& rows, const std::string& end)
+{
+    for (const view_menu_row& row : rows)
+        if (const int found = row.text.ends_with(end) ? row.number : numberOfRow(row.rows, end); found > 0)
+            return found;
+    return 0;
+}
+
+// Rider and horse may have bones of one name: weights are shown of the one that was clicked on.
+TEST(view_menu, aBoneIsThatOfTheRigThatItWasChosenOf)
+{
+    const std::shared_ptr<loaded_scene> scene = armScene();
+    scene->rigs.push_back(scene->rigs[0]);
+    scene->rigs[1].mount = 0;
+    const posed_scene pose(scene);
+    view_state view;
+    for (std::size_t joint = 0; joint < pose.jointCount(); ++joint)
+    {
+        const view_menu_subject subject{view, &pose, {}, joint};
+        view_state changed = view;
+        EXPECT_EQ(applyViewMenu(numberOfRow(viewMenu(subject), "\tat the mouse"), subject, changed),
+                  view_command::none);
+        EXPECT_EQ(changed.shownChannel(), view_channel::weights);
+        EXPECT_EQ(changed.heat_rig, pose.joint(joint).rig);
+        EXPECT_EQ(static_cast<int>(changed.heat_bone), pose.joint(joint).bone);
+    }
+    EXPECT_EQ(pose.joint(pose.jointCount() - 1).rig, 1);
 }
 
 TEST(posed_mesh, weightsOfRepeatedBonesCountOnceAndSumToWhatTheySummedTo)

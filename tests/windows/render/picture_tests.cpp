@@ -181,6 +181,7 @@ TEST_F(pictures, lookAsTheyDid)
         std::function<void(view_state& view)> change;
         const char* missing = ""; // textures whose path holds this are not there
         unsigned samples = 4;     // with one a software device shades each pixel once, behind all surfaces
+        float yaw = 0;            // added to that of the others
     } rows[] = {
         {"static", "demo_guard", nullptr, 0, {}},
         {"mid_stride", "demo_guard", jog, 0.2, {}},
@@ -188,7 +189,7 @@ TEST_F(pictures, lookAsTheyDid)
         {"rider", "demo_rider", "beast01/run/be1_gallop.anim", 0.2, {}},
         {"alpha_test", grass, nullptr, 0, {}},
         {"formats", formats, nullptr, 0, {}},
-        {"missing_maps", "demo_guard", nullptr, 0, {}, "cape_normal"},
+        {"missing_maps", "demo_guard", nullptr, 0, {}, "cape_normal", 4, 3},
         {"skeleton", "demo_guard", jog, 0.2, [](view_state& view) { view.shows_skeleton = true; }},
         {"names", "demo_guard", jog, 0.2, [](view_state& view) { view.shows_attachments = true; }},
         {"wire_over", "demo_guard", jog, 0.2, [](view_state& view) { view.shows_wire_over = true; }},
@@ -212,6 +213,7 @@ TEST_F(pictures, lookAsTheyDid)
         render_options options = small();
         options.view.heat_bone = 3;
         options.samples = row.samples;
+        options.yaw += row.yaw;
         if (row.change)
             row.change(options.view);
         if (row.animation != nullptr)
@@ -221,7 +223,6 @@ TEST_F(pictures, lookAsTheyDid)
     }
 }
 
-// What lies at the edges of the parts is what lies there in the whole picture: no seam, whatever is drawn.
 // What lies at the edges of the parts is what lies there in the whole picture: no seam, whatever is drawn. Not all
 // bits: the corners of triangles are moved before they are rounded, which turns a last step of a colour here and there.
 TEST_F(pictures, drawnInPartsAreThoseDrawnAtOnce)
