@@ -215,12 +215,25 @@ void dae_writer::addControllers(pugi::xml_node root)
     pugi::xml_node library;
     for (std::size_t i = 0; i < m_scene.meshes.size(); ++i)
     {
-        if (m_scene.meshes[i].clusters.empty())
+        if (m_scene.meshes[i].clusters.empty() && m_scene.meshes[i].bone < 0)
             continue;
         if (!library)
             library = root.append_child("library_controllers");
         addController(library, m_scene.meshes[i], m_meshes[i]);
     }
+}
+
+// What hangs on a bone is all moved by it: readers as Blender drop meshes below a joint.
+std::vector<export_cluster> clustersOf(const export_mesh& mesh)
+{
+    if (mesh.bone < 0)
+        return mesh.clusters;
+    export_cluster all;
+    all.bone = static_cast<std::uint32_t>(mesh.bone);
+    all.points.resize(mesh.points.size() / 3);
+    std::iota(all.points.begin(), all.points.end(), 0);
+    all.weights.assign(all.points.size(), 1.0);
+    return {all};
 }
 
 void dae_writer::addController(pugi::xml_node library, const export_mesh& mesh, const mesh_ids& ids)
@@ -229,9 +242,10 @@ void dae_writer::addController(pugi::xml_node library, const export_mesh& mesh, 
     std::string joints;
     std::vector<double> inverse_binds, weights;
     std::vector<std::vector<std::pair<std::size_t, std::size_t>>> by_point(mesh.points.size() / 3); // joint, weight
-    for (std::size_t i = 0; i < mesh.clusters.size(); ++i)
+    const std::vector<export_cluster> clusters = clustersOf(mesh);
+    for (std::size_t i = 0; i < clusters.size(); ++i)
     {
-        const export_cluster& cluster = mesh.clusters[i];
+        const export_cluster& cluster = clusters[i];
         (joints += i > 0 ? " " : "") += m_bones[cluster.bone];
         appendMatrix(inverse_binds, glm::inverse(m_scene.bones[cluster.bone].global));
         for (std::size_t j = 0; j < cluster.points.size(); ++j)
@@ -242,8 +256,12 @@ void dae_writer::addController(pugi::xml_node library, const export_mesh& mesh, 
     }
     pugi::xml_node skin = addElement(library, "controller", id, mesh.name + "_skin  ").append_child("skin");
     skin.append_attribute("source") = ("#" + ids.geometry).c_str();
-    skin.append_child("bind_shape_matrix").text() = "1 0 0 0 0 1 0 0 0 0 1 0 0 0 0 1";
-    addNameSource(skin, id + "-joints", joints, mesh.clusters.size(), "JOINT", "name");
+    std::vector<double> shape;
+    appendMatrix(shape, mesh.bone < 0 ? glm::dmat4(1)
+                                      : m_scene.bones[static_cast<std::size_t>(mesh.bone)].global *
+                                            localMatrix(mesh.translation, mesh.euler_degrees));
+    skin.append_child("bind_shape_matrix").text() = numberList(shape).c_str();
+    addNameSource(skin, id + "-joints", joints, clusters.size(), "JOINT", "name");
     addSource(skin, id + "-binds", inverse_binds, "TRANSFORM", "float4x4");
     addSource(skin, id + "-weights", weights, "WEIGHT");
     pugi::xml_node joint_list = skin.append_child("joints");
@@ -282,18 +300,13 @@ void dae_writer::addBone(pugi::xml_node parent, std::size_t index)
     addMatrix(node, bone.translation, bone.euler_degrees).append_attribute("sid") = bone_matrix;
     for (const std::size_t child : m_children[index])
         addBone(node, child);
-    for (std::size_t i = 0; i < m_scene.meshes.size(); ++i)
-        if (m_scene.meshes[i].bone == static_cast<std::int32_t>(index))
-            addMeshNode(node, m_scene.meshes[i], m_meshes[i]);
 }
 
 void dae_writer::addMeshNode(pugi::xml_node parent, const export_mesh& mesh, const mesh_ids& ids)
 {
     pugi::xml_node node = addElement(parent, "node", ids.node, mesh.name);
     node.append_attribute("type") = "NODE";
-    if (mesh.bone >= 0)
-        addMatrix(node, mesh.translation, mesh.euler_degrees);
-    const bool is_skinned = !mesh.clusters.empty();
+    const bool is_skinned = !mesh.clusters.empty() || mesh.bone >= 0;
     pugi::xml_node instance = node.append_child(is_skinned ? "instance_controller" : "instance_geometry");
     instance.append_attribute("url") = ("#" + (is_skinned ? ids.controller : ids.geometry)).c_str();
     for (std::size_t i = 0; is_skinned && i < m_scene.bones.size(); ++i)
@@ -319,8 +332,7 @@ void dae_writer::addVisualScene(pugi::xml_node root)
         if (m_scene.bones[i].parent < 0)
             addBone(scene, i);
     for (std::size_t i = 0; i < m_scene.meshes.size(); ++i)
-        if (m_scene.meshes[i].bone < 0)
-            addMeshNode(scene, m_scene.meshes[i], m_meshes[i]);
+        addMeshNode(scene, m_scene.meshes[i], m_meshes[i]);
 }
 
 } // namespace
