@@ -114,9 +114,9 @@ bool fbx_to_anim_dialog::createFields()
     rowOf(field::rate).typed.setTip("Frames a second of the new file");
     rowOf(field::end_time).typed.setTip("Its length in seconds");
     return m_version_name.create(handle(), "&Version:") && m_version.create(handle(), control_convert_version) &&
-           m_prefix_name.create(handle(), "Prefi&x:") && m_prefix.create(handle(), control_convert_prefix, editable) &&
            m_for_games.create(handle(), control_convert_games,
                               "Version 7: la&yout of the games' own files, which plays here, too") &&
+           m_prefix_name.create(handle(), "Prefi&x:") && m_prefix.create(handle(), control_convert_prefix, editable) &&
            m_bones.create(handle(), control_convert_bones, m_form.bones(), {false, true}) &&
            m_summary.create(handle(), control_convert_summary);
 }
