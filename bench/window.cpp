@@ -1,14 +1,15 @@
 // The window program as a person meets it, measured from outside: its start with a million files in the archives (with
 // a cache below 0.5 s of its own CPU; it answers within 0.2 s all the time), opening a model of 50,000 vertices out of
 // an archive (below 1.3 times the console's `info` on the same), a thousand opens (not one GDI or user handle more),
-// and the dialog of exports (window_export.cpp).
+// the dialog of exports (window_export.cpp), and the page Archives (window_archives.cpp).
 //
-//   bench_window KORVANE_EXE KORVANE_CLI_EXE [start|open|handles|export]
+//   bench_window KORVANE_EXE KORVANE_CLI_EXE [start|open|handles|export|archives]
 //
 // Needs a display (tools/with_wine). The windows come and go while it measures.
 
 #include "Korvane/app/command_ids.h"
 #include "bench/large_model.h"
+#include "bench/window_archives.h"
 #include "bench/window_export.h"
 #include "tests/support/pack_builder.h"
 #include "tests/windows/ui_handles.h"
@@ -131,5 +132,7 @@ int main(int count, char** values)
         measureHandles(installed);
     if (only.empty() || only == "export")
         measureExport(installed, values[2]);
+    if (only.empty() || only == "archives")
+        measureArchives(installed);
     return 0;
 }

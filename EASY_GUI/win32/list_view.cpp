@@ -77,8 +77,27 @@ void list_view::refresh()
     InvalidateRect(handle(), nullptr, FALSE);
 }
 
+// Asked first, for it is known: to look for a selected row takes the system tens of milliseconds in a million, and to
+// release them all a second.
+bool list_view::hasSelection() const
+{
+    return send(LVM_GETSELECTEDCOUNT) > 0;
+}
+
+void list_view::release(UINT states)
+{
+    if (!hasSelection())
+        return;
+    LVITEMW state{};
+    state.stateMask = states;
+    const int only = send(LVM_GETSELECTEDCOUNT) == 1 ? selected() : -1;
+    send(LVM_SETITEMSTATE, static_cast<WPARAM>(only), reinterpret_cast<LPARAM>(&state)); // -1: of all
+}
+
 int list_view::selected() const
 {
+    if (!hasSelection())
+        return -1;
     return static_cast<int>(
         send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED | (m_options.has_many ? LVNI_FOCUSED : 0)));
 }
@@ -86,6 +105,8 @@ int list_view::selected() const
 std::vector<std::size_t> list_view::selectedRows() const
 {
     std::vector<std::size_t> rows;
+    if (!hasSelection())
+        return rows;
     for (LRESULT row = -1; (row = send(LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED)) >= 0;)
         rows.push_back(static_cast<std::size_t>(row));
     return rows;
@@ -93,12 +114,12 @@ std::vector<std::size_t> list_view::selectedRows() const
 
 void list_view::select(int row)
 {
-    LVITEMW state{};
-    state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
     m_is_set = true;
-    send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
+    release(LVIS_SELECTED | LVIS_FOCUSED);
     if (isRow(row))
     {
+        LVITEMW state{};
+        state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
         state.state = state.stateMask;
         send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&state));
         send(LVM_SETSELECTIONMARK, 0, row); // where a choice with Shift begins
@@ -113,7 +134,7 @@ void list_view::select(std::span<const std::size_t> rows)
     LVITEMW state{};
     state.stateMask = LVIS_SELECTED;
     m_is_set = true;
-    send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
+    release(LVIS_SELECTED);
     state.state = LVIS_SELECTED;
     for (const std::size_t row : rows)
         send(LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&state));

@@ -53,6 +53,8 @@ protected:
     std::string tipAt(POINT at) const override;
 
 private:
+    bool hasSelection() const;
+    void release(UINT states); // of all rows
     void giveText(LVITEMW& item);
     LRESULT draw(NMLVCUSTOMDRAW& stage) const;
     int findFrom(const NMLVFINDITEMW& wanted) const;

@@ -113,6 +113,7 @@ void archive_page::connect()
             showPlace();
     };
     m_find.onChange = [this] { search(); };
+    m_find.onKey = [this](unsigned key) { return (key == VK_DOWN || key == VK_RETURN) && goToRows(); };
     m_type.onSelect = [this](int) { search(); };
     m_archive.onSelect = [this](int) { search(); };
     m_tree.onSelect = [this](tree_model::node chosen) {
@@ -287,9 +288,9 @@ void archive_page::search()
             const auto fresh = search.hits().subspan(handed_over);
             handed_over = search.hits().size();
             if (!fresh.empty())
-                box.post([this, known, number, files = std::vector(fresh.begin(), fresh.end())] {
+                box.post([this, known, number, files = std::make_shared<const file_list>(fresh.begin(), fresh.end())] {
                     if (known == m_po_known)
-                        take(number, files);
+                        take(number, *files);
                 });
         }
         if (!work.isStopped() && known->hidden == nullptr)
@@ -307,7 +308,7 @@ void archive_page::search()
     m_status.setText(m_browser.status(true));
 }
 
-void archive_page::take(std::size_t number, std::vector<const pack_file_node*> files)
+void archive_page::take(std::size_t number, const file_list& files)
 {
     if (number != m_search)
         return; // of a search that was replaced
@@ -316,8 +317,7 @@ void archive_page::take(std::size_t number, std::vector<const pack_file_node*> f
     m_status.setText(m_browser.status(true));
 }
 
-void archive_page::listFiles(const std::string& heading, std::vector<const pack_file_node*> files,
-                             std::vector<std::string> missing)
+void archive_page::listFiles(const std::string& heading, file_list files, std::vector<std::string> missing)
 {
     m_browser.beginList(heading);
     m_browser.rows().add(files);
@@ -342,7 +342,7 @@ void archive_page::showUsers(const std::string& path)
                 tell(work.log, "archive_page: the usage index is not kept: " + describe(why));
             known->usage = std::move(made);
         }
-        auto users = std::make_shared<std::vector<const pack_file_node*>>();
+        auto users = std::make_shared<file_list>();
         for (const file_user& each : known->usage.usersOf(*known->game, path))
             if (users->empty() || users->back() != each.user)
                 users->push_back(each.user);
@@ -366,7 +366,7 @@ void archive_page::showNeeds(const std::string& path)
                 return;
             if (!is_read)
                 return host().prompt().show("Archives", describe(why), prompt_icon::error);
-            std::vector<const pack_file_node*> files;
+            file_list files;
             std::vector<std::string> missing;
             for (const needed_file& each : result->files)
                 if (const pack_file_node* const file = known->game->archives()->findFile(each.path); file != nullptr)
@@ -409,9 +409,9 @@ void archive_page::openFile(const pack_file_node& file)
         host().setStatus("Its contents are shown beside the list; Take Out... writes it to the disk.");
 }
 
-std::vector<const pack_file_node*> archive_page::chosenFiles() const
+archive_page::file_list archive_page::chosenFiles() const
 {
-    std::vector<const pack_file_node*> files;
+    file_list files;
     for (const std::size_t row : m_list.selectedRows())
     {
         if (const pack_file_node* const file = m_browser.rows().fileAt(row))
@@ -423,7 +423,7 @@ std::vector<const pack_file_node*> archive_page::chosenFiles() const
     return files;
 }
 
-void archive_page::takeOut(const std::vector<const pack_file_node*>& files)
+void archive_page::takeOut(const file_list& files)
 {
     if (files.empty())
         return;
@@ -462,6 +462,17 @@ std::string archive_page::copiedText() const
     return text;
 }
 
+bool archive_page::goToRows()
+{
+    if (m_browser.rows().rowCount() == 0)
+        return false;
+    m_list.focus();
+    if (m_list.selected() < 0)
+        m_list.select(0);
+    showChosen();
+    return true;
+}
+
 bool archive_page::onListKey(unsigned virtual_key)
 {
     const bool has_alt = GetKeyState(VK_MENU) < 0;
@@ -482,8 +493,7 @@ void archive_page::showMenu(int row, POINT on_screen)
     const pack_file_node* const file = row < 0 ? nullptr : m_browser.rows().fileAt(number);
     const bool is_folder = row >= 0 && m_browser.rows().folderAt(number) != nullptr;
     menu_row copies{0, "&Hidden Copies", false, false, {}};
-    const std::vector<const pack_file_node*> hidden =
-        file != nullptr ? m_browser.copiesOf(number) : std::vector<const pack_file_node*>();
+    const file_list hidden = file != nullptr ? m_browser.copiesOf(number) : file_list();
     constexpr std::size_t most = 20;
     for (std::size_t i = 0; i < hidden.size() && i < most; ++i)
         copies.rows.push_back({take_out_copy + static_cast<int>(i),
@@ -529,7 +539,7 @@ void archive_page::runFromMenu(int chosen, int row)
     case copy_paths:
         return copyText(host(), copiedText());
     default:
-        const std::vector<const pack_file_node*> hidden = m_browser.copiesOf(number);
+        const file_list hidden = m_browser.copiesOf(number);
         if (const auto copy = static_cast<std::size_t>(chosen - take_out_copy); copy < hidden.size())
             takeOut({hidden[copy]});
     }

@@ -11,6 +11,7 @@
 #include "EASY_GUI/win32/list_view.h"
 #include "EASY_GUI/win32/tree_view.h"
 #include "Korvane/app/file_preview_panel.h"
+#include "Korvane/app/filter_field.h"
 #include "Korvane/app/rows_page.h"
 #include "Korvane/archives/path_search.h"
 #include "Korvane/game/usage_index.h"
@@ -42,6 +43,8 @@ protected:
     void onDestroyed() override { m_work.stop(); }
 
 private:
+    using file_list = std::vector<const pack_file_node*>;
+
     // What belongs to one reading of the archives; made by the worker when it is needed first.
     struct known_archives
     {
@@ -63,21 +66,21 @@ private:
     void fillChoices();
 
     void search();
-    void take(std::size_t number, std::vector<const pack_file_node*> files);
+    void take(std::size_t number, const file_list& files);
     void work(background_task::task task); // of the worker that knows the archives
     void prepare();
     void showUsers(const std::string& path);
     void showNeeds(const std::string& path);
-    void listFiles(const std::string& heading, std::vector<const pack_file_node*> files,
-                   std::vector<std::string> missing);
+    void listFiles(const std::string& heading, file_list files, std::vector<std::string> missing);
 
     void open(int row);
     void openFile(const pack_file_node& file);
-    void takeOut(const std::vector<const pack_file_node*>& files);
-    std::vector<const pack_file_node*> chosenFiles() const;
+    void takeOut(const file_list& files);
+    file_list chosenFiles() const;
     void showMenu(int row, POINT on_screen);
     void runFromMenu(int chosen, int row);
     bool onListKey(unsigned virtual_key);
+    bool goToRows(); // the focus, and the first one is chosen; false: there are none
 
     archive_browser m_browser;
     std::shared_ptr<known_archives> m_po_known;
@@ -88,7 +91,7 @@ private:
     field_name m_path_name;
     edit_box m_path;
     field_name m_find_name;
-    edit_box m_find;
+    filter_field m_find;
     combo_box m_type, m_archive;
     tree_view m_tree;
     list_view m_list;
