@@ -95,7 +95,7 @@ std::shared_ptr<const gpu_texture> gpu_textures::find(const std::shared_ptr<cons
 
 bool gpu_textures::load(lib3d& library)
 {
-    std::vector<wanted_texture> wanted;
+    std::vector<texture_request> wanted;
     for (const auto& texture : m_order)
     {
         entry& known = m_entries.at(texture);
@@ -106,7 +106,7 @@ bool gpu_textures::load(lib3d& library)
     texture_view pending;
     if (!wanted.empty() && !createPending(library, pending))
         return false;
-    for (const wanted_texture& one : wanted)
+    for (const texture_request& one : wanted)
         m_entries.at(one.texture).shown->pending = pending;
     m_reading.request(std::move(wanted), formatsOf(library));
     return true;

@@ -69,7 +69,7 @@ bool hasFullAlpha(std::span<const std::byte> texels)
     return true;
 }
 
-bool readWhole(const wanted_texture& wanted, const device_formats& device, read_texture& result)
+bool readWhole(const texture_request& wanted, const device_formats& device, read_texture& result)
 {
     result.file = wanted.texture->bytes(result.why);
     if (!result.file || !readDds(result.file->bytes(), result.image, result.why))
@@ -91,7 +91,7 @@ bool readWhole(const wanted_texture& wanted, const device_formats& device, read_
     return true;
 }
 
-std::unique_ptr<read_texture> readTexture(const wanted_texture& wanted, const device_formats& device)
+std::unique_ptr<read_texture> readTexture(const texture_request& wanted, const device_formats& device)
 {
     auto result = std::make_unique<read_texture>();
     result->wanted = wanted;
@@ -121,11 +121,11 @@ texture_reading::~texture_reading()
         m_thread.join();
 }
 
-void texture_reading::request(std::vector<wanted_texture> wanted, const device_formats& device)
+void texture_reading::request(std::vector<texture_request> wanted, const device_formats& device)
 {
     const lock held(m_mutex);
     std::deque<std::unique_ptr<read_texture>> kept;
-    const auto takeFrom = [&](const wanted_texture& texture) {
+    const auto takeFrom = [&](const texture_request& texture) {
         const auto found = std::find(wanted.begin(), wanted.end(), texture);
         const bool is_wanted = device == m_device && texture.texture && found != wanted.end();
         if (is_wanted)
@@ -158,7 +158,7 @@ void texture_reading::readNext(lock& held)
 {
     m_current = m_wanted.front();
     m_wanted.pop_front();
-    const wanted_texture texture = m_current;
+    const texture_request texture = m_current;
     const device_formats device = m_device;
     held.unlock();
     std::unique_ptr<read_texture> result = readTexture(texture, device);

@@ -22,25 +22,25 @@
 namespace korvane
 {
 
-struct wanted_texture
+struct texture_request
 {
     std::shared_ptr<const scene_texture> texture;
     // Nothing but colours that the shader decodes: what is unpacked of sRGB is kept as gamma 2.2 then, as of textures
     // that are not sRGB. Decoding each texel that is looked at costs where the processor draws.
     bool is_colour = false;
 
-    wanted_texture(std::shared_ptr<const scene_texture> of = {}, bool is_of_colour = false)
+    texture_request(std::shared_ptr<const scene_texture> of = {}, bool is_of_colour = false)
         : texture(std::move(of))
         , is_colour(is_of_colour)
     {
     }
-    bool operator==(const wanted_texture&) const = default;
+    bool operator==(const texture_request&) const = default;
 };
 
 // What a device makes a texture of. One two-dimensional picture with its mip maps: of a cube or an array the first.
 struct read_texture
 {
-    wanted_texture wanted;
+    texture_request wanted;
     std::shared_ptr<const memory_file> file; // owns the bytes, or unpacked does
     unpacked_dds unpacked;
     dds_image image;
@@ -71,7 +71,7 @@ public:
 
     // These, in their order, in place of what was wanted before: what of that is ready or under way and wanted again is
     // kept.
-    void request(std::vector<wanted_texture> wanted, const device_formats& device);
+    void request(std::vector<texture_request> wanted, const device_formats& device);
     // The next one that is ready; null: none is.
     [[nodiscard]] std::unique_ptr<read_texture> take();
     // The same, but waits for it; null: none is wanted any more.
@@ -88,8 +88,8 @@ private:
     std::function<void()> m_has_news;
     std::mutex m_mutex; // guards what follows
     std::condition_variable m_changed;
-    std::deque<wanted_texture> m_wanted; // not begun
-    wanted_texture m_current;            // being read; null: none, or nobody wants it any more
+    std::deque<texture_request> m_wanted; // not begun
+    texture_request m_current;            // being read; null: none, or nobody wants it any more
     std::deque<std::unique_ptr<read_texture>> m_ready;
     std::size_t m_waiting_bytes = 0; // of those
     device_formats m_device;

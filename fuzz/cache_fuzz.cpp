@@ -39,7 +39,7 @@ void useTree(const std::shared_ptr<path_tree>& tree, const tree_image_counts& co
             static_cast<void>(tree->find(file.internalPath()));
     static_cast<void>(tree->find("a\\b"));
     path_search search(tree);
-    search.find("a");
+    search.find({"a"});
     while (search.advance(100))
     {
     }
