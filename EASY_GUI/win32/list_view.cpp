@@ -79,24 +79,24 @@ void list_view::refresh()
 
 // Asked first, for it is known: to look for a selected row takes the system tens of milliseconds in a million, and to
 // release them all a second.
-bool list_view::hasSelection() const
+std::size_t list_view::selectedCount() const
 {
-    return send(LVM_GETSELECTEDCOUNT) > 0;
+    return static_cast<std::size_t>(send(LVM_GETSELECTEDCOUNT));
 }
 
 void list_view::release(UINT states)
 {
-    if (!hasSelection())
+    if (selectedCount() == 0)
         return;
     LVITEMW state{};
     state.stateMask = states;
-    const int only = send(LVM_GETSELECTEDCOUNT) == 1 ? selected() : -1;
+    const int only = selectedCount() == 1 ? selected() : -1;
     send(LVM_SETITEMSTATE, static_cast<WPARAM>(only), reinterpret_cast<LPARAM>(&state)); // -1: of all
 }
 
 int list_view::selected() const
 {
-    if (!hasSelection())
+    if (selectedCount() == 0)
         return -1;
     return static_cast<int>(
         send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED | (m_options.has_many ? LVNI_FOCUSED : 0)));
@@ -105,7 +105,7 @@ int list_view::selected() const
 std::vector<std::size_t> list_view::selectedRows() const
 {
     std::vector<std::size_t> rows;
-    if (!hasSelection())
+    if (selectedCount() == 0)
         return rows;
     for (LRESULT row = -1; (row = send(LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED)) >= 0;)
         rows.push_back(static_cast<std::size_t>(row));
@@ -145,7 +145,10 @@ void list_view::selectAll()
 {
     LVITEMW state{};
     state.stateMask = state.state = LVIS_SELECTED;
+    m_is_set = true;
     send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
+    m_is_set = false;
+    tellSelection(false);
 }
 
 std::vector<int> list_view::columnWidths() const
@@ -261,8 +264,9 @@ bool list_view::onNotify(NMHDR& message, LRESULT& result)
 // that change at once the last is told, once.
 void list_view::tellSelection(bool may_be_none)
 {
-    const int now = selected();
-    if (!may_be_none && (now < 0 || m_options.has_many))
+    // Of many rows at once each is told of: one look at the end will do.
+    const int now = !may_be_none && m_options.has_many ? -1 : selected();
+    if (!may_be_none && now < 0)
     {
         if (!std::exchange(m_is_look_due, true))
             PostMessageW(handle(), look_at_selection, 0, 0);

@@ -37,6 +37,7 @@ public:
     void refresh();       // what is selected stays, as far as these rows exist
     int selected() const; // the one with the focus, if it is selected; -1: none
     std::vector<std::size_t> selectedRows() const;
+    std::size_t selectedCount() const;              // known without looking for them
     void select(int row);                           // and show it; -1: none; calls nothing
     void select(std::span<const std::size_t> rows); // of many; calls nothing
     void selectAll();
@@ -53,7 +54,6 @@ protected:
     std::string tipAt(POINT at) const override;
 
 private:
-    bool hasSelection() const;
     void release(UINT states); // of all rows
     void giveText(LVITEMW& item);
     LRESULT draw(NMLVCUSTOMDRAW& stage) const;

@@ -99,24 +99,24 @@ bool archive_page::createControls(failure& why)
 
 void archive_page::connect()
 {
-    const auto going = [this](void (archive_browser::*go)()) {
-        return [this, go] {
-            (m_browser.*go)();
-            showPlace();
-        };
-    };
-    m_back.onClick = going(&archive_browser::goBack);
-    m_forward.onClick = going(&archive_browser::goForward);
-    m_up.onClick = going(&archive_browser::goUp);
+    m_back.onClick = [this] { go(&archive_browser::goBack); };
+    m_forward.onClick = [this] { go(&archive_browser::goForward); };
+    m_up.onClick = [this] { go(&archive_browser::goUp); };
+    m_path.onKey = [this](unsigned key) { return key == VK_F3 && (m_find.focus(), true); };
     m_path.onChange = [this] {
-        if (m_browser.open(m_path.text()))
-            showPlace();
+        if (!m_browser.open(m_path.text()))
+            return;
+        clearSearch();
+        showPlace();
     };
     m_find.onChange = [this] { search(); };
-    m_find.onKey = [this](unsigned key) { return (key == VK_DOWN || key == VK_RETURN) && goToRows(); };
+    m_find.onKey = [this](unsigned key) {
+        return key == VK_ESCAPE ? leaveList() : (key == VK_DOWN || key == VK_RETURN) && goToRows();
+    };
     m_type.onSelect = [this](int) { search(); };
     m_archive.onSelect = [this](int) { search(); };
-    m_tree.onSelect = [this](tree_model::node chosen) {
+    m_tree.onSelect = m_tree.onActivate = [this](tree_model::node chosen) {
+        clearSearch();
         m_browser.open(m_browser.folders().pathOf(chosen));
         showPlace();
     };
@@ -218,9 +218,9 @@ void archive_page::showPlace()
 
 void archive_page::showList()
 {
-    m_back.setEnabled(m_browser.canGoBack());
+    m_back.setEnabled(m_browser.canGoBack() || !m_browser.isFolderShown());
     m_forward.setEnabled(m_browser.canGoForward());
-    m_up.setEnabled(m_browser.canGoUp());
+    m_up.setEnabled(m_browser.canGoUp() || !m_browser.isFolderShown());
     m_list.refresh();
     m_status.setText(m_browser.status(false));
     showChosen();
@@ -228,11 +228,18 @@ void archive_page::showList()
 
 void archive_page::showChosen()
 {
+    const std::size_t count = m_list.selectedCount();
+    m_take_out.setEnabled(count > 0);
+    if (count > 1)
+    {
+        m_details.setText(counted(count, "row") + " chosen: Take Out... writes them to the disk.");
+        m_open.setEnabled(false);
+        return m_preview.showNothing("");
+    }
     const int row = m_list.selected();
     const pack_file_node* const file = row < 0 ? nullptr : m_browser.rows().fileAt(static_cast<std::size_t>(row));
     m_details.setText(row < 0 ? std::string() : m_browser.details(static_cast<std::size_t>(row)));
     m_open.setEnabled(row >= 0 && (file != nullptr || m_browser.rows().folderAt(static_cast<std::size_t>(row))));
-    m_take_out.setEnabled(!chosenFiles().empty());
     if (file != nullptr)
         m_preview.show(game_file(std::shared_ptr<const pack_file_node>(m_browser.game()->archives(), file)));
     else
@@ -273,6 +280,7 @@ void archive_page::search()
             prepare();
         return showPlace();
     }
+    m_is_search = true;
     m_browser.beginList(m_query.text.empty() ? "Files of this kind"
                                              : "Files with \"" + displayText(m_query.text) + "\"");
     m_work.start([this, known = m_po_known, number, query = m_query,
@@ -319,6 +327,7 @@ void archive_page::take(std::size_t number, const file_list& files)
 
 void archive_page::listFiles(const std::string& heading, file_list files, std::vector<std::string> missing)
 {
+    m_is_search = false;
     m_browser.beginList(heading);
     m_browser.rows().add(files);
     m_browser.rows().setMissing(std::move(missing));
@@ -389,6 +398,7 @@ void archive_page::open(int row)
     const auto number = static_cast<std::size_t>(row);
     if (const path_node* const folder = m_browser.rows().folderAt(number))
     {
+        clearSearch();
         m_browser.open(folder->path());
         showPlace();
         m_list.select(m_browser.rows().rowCount() > 0 ? 0 : -1);
@@ -462,6 +472,40 @@ std::string archive_page::copiedText() const
     return text;
 }
 
+void archive_page::go(void (archive_browser::*where)())
+{
+    if (leaveList()) // what was found, or what uses a file, is one step deep
+        return;
+    (m_browser.*where)();
+    showPlace();
+}
+
+bool archive_page::leaveList()
+{
+    if (m_browser.isFolderShown())
+        return false;
+    const bool is_search = m_is_search;
+    if (!is_search && !m_find.text().empty())
+        search(); // from which somebody came
+    else
+    {
+        clearSearch();
+        m_browser.showFolder();
+        showPlace();
+    }
+    return true;
+}
+
+void archive_page::clearSearch()
+{
+    ++m_search;
+    m_is_search = false;
+    m_find.setText("");
+    m_type.select(0);
+    m_archive.select(0);
+    m_query = {};
+}
+
 bool archive_page::goToRows()
 {
     if (m_browser.rows().rowCount() == 0)
@@ -477,11 +521,13 @@ bool archive_page::onListKey(unsigned virtual_key)
 {
     const bool has_alt = GetKeyState(VK_MENU) < 0;
     if (virtual_key == VK_BACK || (has_alt && virtual_key == VK_UP))
-        return m_browser.goUp(), showPlace(), true;
+        return go(&archive_browser::goUp), true;
     if (has_alt && virtual_key == VK_LEFT)
-        return m_browser.goBack(), showPlace(), true;
+        return go(&archive_browser::goBack), true;
     if (has_alt && virtual_key == VK_RIGHT)
-        return m_browser.goForward(), showPlace(), true;
+        return go(&archive_browser::goForward), true;
+    if (virtual_key == VK_ESCAPE)
+        return leaveList();
     if (virtual_key == VK_F3)
         return m_find.focus(), true;
     return false;
@@ -531,6 +577,7 @@ void archive_page::runFromMenu(int chosen, int row)
     case what_it_needs:
         return showNeeds(path);
     case show_its_folder:
+        clearSearch();
         m_browser.open(folderAround(path));
         showPlace();
         if (const std::optional<std::size_t> shown = m_browser.rowOf(path))

@@ -80,16 +80,20 @@ private:
     void showMenu(int row, POINT on_screen);
     void runFromMenu(int chosen, int row);
     bool onListKey(unsigned virtual_key);
-    bool goToRows(); // the focus, and the first one is chosen; false: there are none
+    void go(void (archive_browser::*where)());
+    bool leaveList();   // of what was found, or of what uses a file: to the folder, or to the search before
+    void clearSearch(); // its fields
+    bool goToRows();    // the focus, and the first one is chosen; false: there are none
 
     archive_browser m_browser;
     std::shared_ptr<known_archives> m_po_known;
     path_query m_query;
     std::size_t m_search = 0; // number of the newest
+    bool m_is_search = false; // the list shows what was found
 
     button m_back, m_forward, m_up;
     field_name m_path_name;
-    edit_box m_path;
+    filter_field m_path;
     field_name m_find_name;
     filter_field m_find;
     combo_box m_type, m_archive;

@@ -43,7 +43,7 @@ std::optional<layout> bone_table_dialog::onFill(failure&)
     m_write.onClick = [this] { write(); };
     m_close.onClick = [this] { onCancel(); };
     setDefault(m_write);
-    setFirstFocus(m_browse);
+    setFirstFocus(m_path);
     show();
     using way = layout::direction;
     layout rows(way::down);

@@ -359,6 +359,7 @@ void export_dialog::showChoices()
                                 static_cast<control*>(&m_all), static_cast<control*>(&m_none)})
         each->setEnabled(is_animated && !m_choices.skeletons().empty());
     m_together.setEnabled(m_choices.canBeTogether());
+    m_together.check(m_choices.canBeTogether() && m_choices.isTogether());
     m_span.setEnabled(m_choices.hasSpan());
     m_textures.setEnabled(m_choices.hasTextures());
     m_name.setEnabled(m_choices.hasName());

@@ -50,7 +50,7 @@ std::optional<layout> fbx_to_anim_dialog::onFill(failure&)
     nameHandlers();
     DragAcceptFiles(handle(), TRUE);
     setDefault(m_convert);
-    setFirstFocus(rowOf(file::fbx).browse);
+    setFirstFocus(rowOf(file::fbx).path);
     m_for_games.check(m_form.isForGames());
     for (const std::string_view name : fbx_to_anim_form::version_names)
         m_version.add(name);

@@ -139,9 +139,9 @@ std::string archive_browser::details(std::size_t row) const
                    ? std::string()
                    : "No archive and no mod folder holds this file.";
     const archive_record& from = file->archive();
-    std::string text = from.is_folder
-                           ? "From the mod folder " + displayText(from.path) + ", which stands before all archives"
-                           : "From " + displayText(from.name) + " (" + from.format + ")";
+    std::string text = displayText(std::string(file->internalPath())) + ": ";
+    text += from.is_folder ? "from the mod folder " + displayText(from.path) + ", which stands before all archives"
+                           : "from " + displayText(from.name) + " (" + from.format + ")";
     if (file->compression() != 0)
         text += ", compressed";
     const std::vector<const pack_file_node*> copies = copiesOf(row);

@@ -365,5 +365,24 @@ class convert(cli_tests.cli_case):
         self.assertFalse(os.path.exists(self.out))
 
 
+    def test_a_rider_and_his_horse_are_told_apart(self):
+        demo = self.path("demo")
+        korvane("demo-data", demo, "--quiet", check=0)
+        for rig, name in (("humanoid01", "humanoid01/ride/hu1_ride_gallop"), ("beast01", "beast01/run/be1_gallop")):
+            clip = "pack:animations/battle/%s.anim" % name
+            skeleton = "pack:animations/skeletons/%s.anim" % rig
+            korvane("--data", demo, "export", "pack:variantmeshes/variantmeshdefinitions/demo_rider.variantmeshdefinition",
+                    "-o", self.path("r.fbx"), "--anim", clip, "--no-materials", check=0)
+            korvane("--data", demo, "convert", self.path("r.fbx"), "--template", skeleton, "-o", self.path("r.anim"),
+                    "--layout", "games", check=0)
+            poses = [json.loads(korvane("--data", demo, "anim", "sample", path, "--skeleton", skeleton, "--frame", "5",
+                                        "--json", check=0)[1])[0]["bones"] for path in (self.path("r.anim"), clip)]
+            for got, wanted_bone in list(zip(*poses))[1:]:  # the rider's root says where he sits
+                cosine = sum(a * b for a, b in zip(got["rotation"], wanted_bone["rotation"]))
+                self.assertGreater(abs(cosine), 0.999, got["name"])
+                for a, b in zip(got["translation"], wanted_bone["translation"]):
+                    self.assertLess(abs(a - b), 5e-3, got["name"])
+
+
 if __name__ == "__main__":
     cli_tests.main()

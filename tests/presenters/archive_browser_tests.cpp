@@ -100,7 +100,8 @@ TEST_F(archive_browser_test, columnsAreSortedAndHiddenCopiesAreKnown)
     const std::optional<std::size_t> one = m_browser.rowOf("b\\one.dds");
     ASSERT_TRUE(one);
     EXPECT_EQ(m_browser.rows().text(*one, archive_rows::overrides), "1");
-    EXPECT_EQ(m_browser.details(*one), "From upper.pack (PFH4). Hides 1 copy, because it was read later: lower.pack.");
+    EXPECT_EQ(m_browser.details(*one),
+              "b\\one.dds: from upper.pack (PFH4). Hides 1 copy, because it was read later: lower.pack.");
     ASSERT_EQ(m_browser.copiesOf(*one).size(), 1u);
     EXPECT_EQ(m_browser.copiesOf(*one)[0]->size(), 3u);
     m_browser.beginList("What x needs");

@@ -105,6 +105,70 @@ bool changes(const fbx_scene& scene, const fbx_curve_node& curve_node)
     return false;
 }
 
+// How many bones whose names stand once in the file, and in the template, are above and below a bone: a rider's head is
+// among his bones, his horse's is not.
+class bone_company
+{
+public:
+    bone_company(const fbx_scene& scene, const std::vector<std::size_t>& nodes,
+                 const std::unordered_map<std::string_view, std::vector<std::size_t>>& by_name)
+        : m_scene(scene)
+        , m_below(scene.nodes.size(), 0)
+        , m_above(scene.nodes.size(), 0)
+    {
+        std::vector<bool> is_sure(scene.nodes.size(), false);
+        for (const auto& [name, same] : by_name)
+            is_sure[same.front()] = same.size() == 1;
+        // Parents stand before their children, but there may be others between them that are no bones.
+        for (std::size_t i = nodes.size(); i-- > 0;)
+            if (is_sure[nodes[i]])
+                for (std::size_t at = nodes[i], steps = 0; at != fbx_none && steps < nodes.size(); ++steps)
+                {
+                    ++m_below[at];
+                    at = scene.nodes[at].parent;
+                }
+        for (const std::size_t node : nodes)
+            for (std::size_t at = scene.nodes[node].parent; at != fbx_none; at = scene.nodes[at].parent)
+                m_above[node] += is_sure[at];
+    }
+
+    std::size_t choose(const std::vector<std::size_t>& same) const
+    {
+        std::size_t best = same.front();
+        for (const std::size_t node : same)
+            best = isBetter(node, best) ? node : best;
+        return best;
+    }
+    bool tellsApart(const std::vector<std::size_t>& same) const
+    {
+        const std::size_t best = choose(same);
+        return std::all_of(same.begin(), same.end(),
+                           [&](std::size_t node) { return node == best || isBetter(best, node); });
+    }
+
+private:
+    // What stands above a whole rider has all his bones below it: there the lower one counts, if it has any of them.
+    bool isBetter(std::size_t node, std::size_t other) const
+    {
+        if (isBelow(node, other))
+            return m_below[node] > 0;
+        if (isBelow(other, node))
+            return m_below[other] == 0;
+        return companyOf(node) > companyOf(other);
+    }
+    std::size_t companyOf(std::size_t node) const { return m_below[node] + m_above[node]; }
+    bool isBelow(std::size_t node, std::size_t above) const
+    {
+        for (std::size_t at = m_scene.nodes[node].parent; at != fbx_none; at = m_scene.nodes[at].parent)
+            if (at == above)
+                return true;
+        return false;
+    }
+
+    const fbx_scene& m_scene;
+    std::vector<std::size_t> m_below, m_above;
+};
+
 } // namespace
 
 std::size_t bone_matching::matchedCount() const
@@ -138,21 +202,27 @@ bone_matching matchBones(const std::vector<std::string>& template_names, const f
     const std::unordered_set<std::string_view> wanted(wanted_names.begin(), wanted_names.end());
     bone_matching result;
     result.prefix = prefix ? displayText(*prefix) : bestPrefix(names, wanted);
-    std::unordered_map<std::string_view, std::size_t> by_name;
-    std::set<std::string> repeated;
+    std::unordered_map<std::string_view, std::vector<std::size_t>> by_name;
     for (std::size_t i = 0; i < nodes.size(); ++i)
     {
         const std::string_view name = behind(names[i], result.prefix);
-        if (!wanted.contains(name))
+        if (wanted.contains(name))
+            by_name[name].push_back(nodes[i]);
+        else
             result.surplus.push_back(names[i]);
-        else if (!by_name.emplace(name, nodes[i]).second)
-            repeated.insert(std::string(name));
     }
-    result.doubtful.assign(repeated.begin(), repeated.end());
+    const bone_company company(scene, nodes, by_name);
     for (const std::string& name : wanted_names)
     {
         const auto found = by_name.find(name);
-        result.nodes.push_back(found == by_name.end() ? fbx_none : found->second);
+        result.nodes.push_back(found == by_name.end() ? fbx_none : company.choose(found->second));
+        if (found != by_name.end() && found->second.size() > 1)
+            (company.tellsApart(found->second) ? result.told_apart : result.doubtful).push_back(name);
+    }
+    for (std::vector<std::string>* const list : {&result.told_apart, &result.doubtful})
+    {
+        std::sort(list->begin(), list->end());
+        list->erase(std::unique(list->begin(), list->end()), list->end());
     }
     return result;
 }

@@ -269,6 +269,9 @@ void conversion::logDoubts() const
         log("There are no bones in the FBX file");
     if (!m_matching.surplus.empty())
         log("Bones of the FBX file that the template does not have: " + nameList(m_matching.surplus));
+    if (!m_matching.told_apart.empty())
+        log("Several bones of the FBX file have the same name, those among the template's other bones are taken: " +
+            nameList(m_matching.told_apart));
     if (!m_matching.doubtful.empty())
         log("Several bones of the FBX file have the same name, the first one is taken: " +
             nameList(m_matching.doubtful));

@@ -234,6 +234,11 @@ protected:
         };
         choose(document_command::reset);
         m_prompt.while_asking = answerAnyhow();
+        for (int i = 0; i < 5; ++i) // all pages have their controls then
+        {
+            SendMessageW(m_window->handle(), WM_COMMAND, MAKELONG(next_page_command, 1), 0);
+            pump();
+        }
         EXPECT_FALSE(m_window->document().model().hasModel());
         return uiHandlesOf(GetCurrentProcess());
     }

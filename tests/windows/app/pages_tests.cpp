@@ -96,7 +96,7 @@ TEST_F(pages_test, archivesAreSearchedOpenedAndTakenOutOf)
     EXPECT_EQ(text(control_archive_status), "Files with \"DDS st\": 1 file");
     SetFocus(find(control_archive_list));
     press(VK_HOME);
-    EXPECT_EQ(text(control_archive_details), "From a.pack (PFH4).");
+    EXPECT_EQ(text(control_archive_details), "tex\\steel.dds: from a.pack (PFH4).");
     m_prompt.answer = m_folder + "out";
     SendMessageW(find(control_archive_take_out), BM_CLICK, 0, 0);
     memory_file bytes;
