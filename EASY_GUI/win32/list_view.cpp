@@ -91,7 +91,18 @@ void list_view::release(UINT states)
     LVITEMW state{};
     state.stateMask = states;
     const int only = selectedCount() == 1 ? selected() : -1;
-    send(LVM_SETITEMSTATE, static_cast<WPARAM>(only), reinterpret_cast<LPARAM>(&state)); // -1: of all
+    if (only < 0)
+        return setAll(state);
+    send(LVM_SETITEMSTATE, static_cast<WPARAM>(only), reinterpret_cast<LPARAM>(&state));
+}
+
+// Some systems look for the place of each row on the screen, unless nothing is to be drawn: seconds for 200,000.
+void list_view::setAll(LVITEMW& state)
+{
+    send(WM_SETREDRAW, FALSE);
+    send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
+    send(WM_SETREDRAW, TRUE);
+    InvalidateRect(handle(), nullptr, FALSE);
 }
 
 int list_view::selected() const
@@ -146,7 +157,7 @@ void list_view::selectAll()
     LVITEMW state{};
     state.stateMask = state.state = LVIS_SELECTED;
     m_is_set = true;
-    send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
+    setAll(state);
     m_is_set = false;
     tellSelection(false);
 }

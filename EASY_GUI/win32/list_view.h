@@ -54,7 +54,8 @@ protected:
     std::string tipAt(POINT at) const override;
 
 private:
-    void release(UINT states); // of all rows
+    void release(UINT states);   // of all rows
+    void setAll(LVITEMW& state); // of all rows at once
     void giveText(LVITEMW& item);
     LRESULT draw(NMLVCUSTOMDRAW& stage) const;
     int findFrom(const NMLVFINDITEMW& wanted) const;
