@@ -35,8 +35,7 @@ enum archive_command : int
     who_uses_it,
     what_it_needs,
     show_its_folder,
-    open_copy = 100,     // + number of the hidden copy
-    take_out_copy = 200, // + number
+    take_out_copy = 200, // + number of the hidden copy
 };
 
 } // namespace
@@ -110,9 +109,7 @@ void archive_page::connect()
         showPlace();
     };
     m_find.onChange = [this] { search(); };
-    m_find.onKey = [this](unsigned key) {
-        return key == VK_ESCAPE ? leaveList() : (key == VK_DOWN || key == VK_RETURN) && goToRows();
-    };
+    m_find.onKey = [this](unsigned key) { return (key == VK_DOWN || key == VK_RETURN) && goToRows(); };
     m_type.onSelect = [this](int) { search(); };
     m_archive.onSelect = [this](int) { search(); };
     m_tree.onSelect = m_tree.onActivate = [this](tree_model::node chosen) {
@@ -177,7 +174,7 @@ void archive_page::showDocument()
     showState();
     showPlace();
     if (!isEmpty())
-        prepare();
+        m_is_search ? search() : prepare(); // what was found is looked for again
 }
 
 void archive_page::showState()
@@ -526,8 +523,6 @@ bool archive_page::onListKey(unsigned virtual_key)
         return go(&archive_browser::goBack), true;
     if (has_alt && virtual_key == VK_RIGHT)
         return go(&archive_browser::goForward), true;
-    if (virtual_key == VK_ESCAPE)
-        return leaveList();
     if (virtual_key == VK_F3)
         return m_find.focus(), true;
     return false;

@@ -57,7 +57,6 @@ private:
 
     bool isEmpty() const override { return !m_browser.hasFiles(); }
     void connect();
-    layout rows();
     empty_content emptyContent() const;
     void showState();
     void showPlace();  // the folder that the browser is in, everywhere
