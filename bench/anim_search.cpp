@@ -3,9 +3,8 @@
 
 #include "Korvane/animation/anim_search.h"
 #include "EASY_GUI/services/positioned_file.h"
-#include "Korvane/archives/pack_file.h"
+#include "bench/entered_packs.h"
 #include "tests/support/anim_builder.h"
-#include "tests/support/pack_builder.h"
 
 #include <benchmark/benchmark.h>
 
@@ -45,12 +44,11 @@ void require(bool is_right)
         std::abort();
 }
 
-class anim_corpus
+class anim_corpus : public bench::entered_packs
 {
 public:
-    anim_corpus() : m_folder(std::filesystem::temp_directory_path() / "korvane_bench_anims")
+    anim_corpus() : entered_packs("korvane_bench_anims")
     {
-        std::filesystem::create_directories(m_folder);
         test::test_anim source;
         source.frame_count = 60; // some kilobytes each, as short animations have
         source.frames.assign(source.frame_count, source.frames[0]);
@@ -64,21 +62,9 @@ public:
                     {"animations\\battle\\unit_" + std::to_string(i) + "\\walk_" + std::to_string(k) + ".anim",
                      source.bytes()});
             }
-            const std::string path = (m_folder / ("data_" + std::to_string(i) + ".pack")).string();
-            std::ofstream(path, std::ios::binary) << pack.bytes();
-            pack_file archive(*m_tree);
-            failure why;
-            require(archive.open(path, why));
-            archive.enter();
+            add("data_" + std::to_string(i) + ".pack", pack);
         }
     }
-    ~anim_corpus() { std::filesystem::remove_all(m_folder); }
-
-    const std::shared_ptr<path_tree>& tree() const { return m_tree; }
-
-private:
-    std::filesystem::path m_folder;
-    std::shared_ptr<path_tree> m_tree = std::make_shared<path_tree>();
 };
 
 const anim_corpus* corpus = nullptr;

@@ -2,11 +2,10 @@
 // and opening the kept index (below 50 ms). The last lines are the figures.
 
 #include "Korvane/game/usage_index.h"
-#include "Korvane/archives/pack_file.h"
 #include "Korvane/models/model_names.h"
+#include "bench/entered_packs.h"
 #include "bench/pack_corpus.h"
 #include "tests/support/model_builder.h"
-#include "tests/support/pack_builder.h"
 
 #include <benchmark/benchmark.h>
 
@@ -59,12 +58,11 @@ std::string modelBytes(std::size_t number)
     return model.bytes();
 }
 
-class model_corpus
+class model_corpus : public bench::entered_packs
 {
 public:
-    model_corpus() : m_folder(std::filesystem::temp_directory_path() / "korvane_bench_usage")
+    model_corpus() : entered_packs("korvane_bench_usage")
     {
-        std::filesystem::create_directories(m_folder);
         for (std::size_t i = 0; i < archive_count; ++i)
         {
             test::test_pack pack;
@@ -72,24 +70,13 @@ public:
                 pack.entries.push_back({"variantmeshes\\wh_variantmodels\\unit_" + std::to_string(i) + "\\model_" +
                                             std::to_string(k) + ".rigid_model_v2",
                                         modelBytes(i * models_per_archive + k)});
-            const std::string path = (m_folder / ("data_" + std::to_string(i) + ".pack")).string();
-            std::ofstream(path, std::ios::binary) << pack.bytes();
-            pack_file archive(*m_tree);
-            failure why;
-            require(archive.open(path, why));
-            archive.enter();
+            add("data_" + std::to_string(i) + ".pack", pack);
         }
-        game = game_data(m_tree);
+        game = game_data(tree());
     }
-    ~model_corpus() { std::filesystem::remove_all(m_folder); }
 
-    std::string storePath() const { return (m_folder / "usage.cache").string(); }
-    const path_tree& tree() const { return *m_tree; }
+    std::string storePath() const { return (folder() / "usage.cache").string(); }
     game_data game;
-
-private:
-    std::filesystem::path m_folder;
-    std::shared_ptr<path_tree> m_tree = std::make_shared<path_tree>();
 };
 
 const model_corpus* corpus = nullptr;
@@ -107,7 +94,7 @@ std::vector<part> partsRead()
     model_name_reader reader;
     model_names names;
     failure why;
-    for (const std::span<const pack_file_node>& files : corpus->tree().entries())
+    for (const std::span<const pack_file_node>& files : corpus->tree()->entries())
         for (const pack_file_node& file : files)
             require(reader.read(
                 file.size(),

@@ -167,7 +167,6 @@ void archive_page::showDocument()
     m_work.stop();
     m_po_known = std::make_shared<known_archives>();
     m_po_known->game = game;
-    m_query = {};
     m_browser.setGame(game);
     m_tree.restart();
     fillChoices();
@@ -265,11 +264,12 @@ void archive_page::search()
 {
     const int archive = m_archive.selected();
     const auto& archives = m_browser.game()->archives()->archives();
-    m_query.text = m_find.text();
-    m_query.extension = types[static_cast<std::size_t>(std::max(0, m_type.selected()))];
-    m_query.po_archive = archive > 0 ? archives[static_cast<std::size_t>(archive - 1)].get() : nullptr;
+    path_query query;
+    query.text = m_find.text();
+    query.extension = types[static_cast<std::size_t>(std::max(0, m_type.selected()))];
+    query.po_archive = archive > 0 ? archives[static_cast<std::size_t>(archive - 1)].get() : nullptr;
     const std::size_t number = ++m_search;
-    if (m_query.isEmpty())
+    if (query.isEmpty())
     {
         m_work.stop();
         m_browser.showFolder();
@@ -278,9 +278,8 @@ void archive_page::search()
         return showPlace();
     }
     m_is_search = true;
-    m_browser.beginList(m_query.text.empty() ? "Files of this kind"
-                                             : "Files with \"" + displayText(m_query.text) + "\"");
-    m_work.start([this, known = m_po_known, number, query = m_query,
+    m_browser.beginList(query.text.empty() ? "Files of this kind" : "Files with \"" + displayText(query.text) + "\"");
+    m_work.start([this, known = m_po_known, number, query,
                   box = host().thread().box()](const work_port& work) -> background_task::answer {
         if (known->search == nullptr)
             known->search = std::make_unique<path_search>(known->game->archives());
@@ -408,7 +407,7 @@ void archive_page::open(int row)
 void archive_page::openFile(const pack_file_node& file)
 {
     const std::string path(file.internalPath());
-    if (endsWithIgnoringCase(path, ".rigid_model_v2") || isDefinitionPath(path) || endsWithIgnoringCase(path, ".fbx"))
+    if (namesOtherFiles(path) || isFbxPath(path))
         host().openFile(game_path::ofInternal(path).text());
     else if (endsWithIgnoringCase(path, ".anim"))
         host().playAnimation(game_path::ofInternal(path).text());
@@ -500,7 +499,6 @@ void archive_page::clearSearch()
     m_find.setText("");
     m_type.select(0);
     m_archive.select(0);
-    m_query = {};
 }
 
 bool archive_page::goToRows()

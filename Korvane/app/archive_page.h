@@ -86,7 +86,6 @@ private:
 
     archive_browser m_browser;
     std::shared_ptr<known_archives> m_po_known;
-    path_query m_query;
     std::size_t m_search = 0; // number of the newest
     bool m_is_search = false; // the list shows what was found
 
