@@ -9,7 +9,6 @@
 #include "Korvane/document/open_definition.h"
 #include "Korvane/document/window_place.h"
 #include "Korvane/jobs/extract_job.h"
-#include "Korvane/jobs/needs_job.h"
 
 #include <algorithm>
 #include <array>
@@ -22,9 +21,6 @@ namespace
 {
 
 constexpr std::string_view archive_columns_name = "archives";
-constexpr std::size_t first_step = 20000; // files that are looked at before the first rows are shown
-constexpr std::size_t step = 200000;
-
 constexpr std::array<std::string_view, 6> types = {"", "rigid_model_v2", "variantmeshdefinition", "dds", "anim", "xml"};
 
 enum archive_command : int
@@ -44,15 +40,17 @@ archive_page::archive_page(page_host& host)
     : rows_page(host, {&m_back, &m_forward, &m_up, &m_path_name, &m_path, &m_find_name, &m_find, &m_type, &m_archive,
                        &m_tree, &m_list, &m_details, &m_status, &m_open, &m_take_out})
     , m_preview(host.thread())
-    , m_work(host.thread(),
-             {[this](const work_progress& now) {
-                  m_status.setText("Looking into " + now.what + ": " + grouped(now.done) + " of " + grouped(now.total));
-              },
-              [&host](const std::string& line) { host.logLine(line); },
-              [this](const std::string& what) {
-                  this->host().logLine("archive_page: the work ended early: " + what);
-                  m_status.setText("This could not be finished: " + what);
-              }})
+    , m_lookups(host, m_browser,
+                {[this] {
+                     m_list.refresh();
+                     m_status.setText(m_browser.status(true));
+                 },
+                 [this] {
+                     if (!m_lookups.isSearch())
+                         m_list.select(-1);
+                     showList();
+                 },
+                 [this] { m_list.refresh(); }, [this](const std::string& text) { m_status.setText(text); }})
 {
     layout places(layout::direction::across);
     places.add(m_back, fixed(32)).add(m_forward, fixed(32)).add(m_up, fixed(44)).add(m_path_name).add(m_path, share());
@@ -162,18 +160,16 @@ void archive_page::showDocument()
     if (!hasControls())
         return;
     const std::shared_ptr<const game_data>& game = host().document().game();
-    if (m_po_known != nullptr && m_po_known->game == game)
+    if (m_lookups.knows(game))
         return;
-    m_work.stop();
-    m_po_known = std::make_shared<known_archives>();
-    m_po_known->game = game;
+    m_lookups.setGame(game);
     m_browser.setGame(game);
     m_tree.restart();
     fillChoices();
     showState();
     showPlace();
     if (!isEmpty())
-        m_is_search ? search() : prepare(); // what was found is looked for again
+        m_lookups.isSearch() ? search() : m_lookups.prepare(); // what was found is looked for again
 }
 
 void archive_page::showState()
@@ -245,21 +241,6 @@ void archive_page::showChosen()
 // --- searching
 // --------------------------------------------------------------------------------------------------------
 
-// The tasks run one after the other, so that only one of them knows the archives at a time.
-void archive_page::prepare()
-{
-    m_work.start([this, known = m_po_known](const work_port&) -> background_task::answer {
-        known->search = std::make_unique<path_search>(known->game->archives());
-        known->hidden = std::make_shared<hidden_copies>(known->game->archives());
-        return [this, known] {
-            if (known != m_po_known)
-                return;
-            m_browser.setHidden(known->hidden);
-            m_list.refresh();
-        };
-    });
-}
-
 void archive_page::search()
 {
     const int archive = m_archive.selected();
@@ -268,120 +249,17 @@ void archive_page::search()
     query.text = m_find.text();
     query.extension = types[static_cast<std::size_t>(std::max(0, m_type.selected()))];
     query.po_archive = archive > 0 ? archives[static_cast<std::size_t>(archive - 1)].get() : nullptr;
-    const std::size_t number = ++m_search;
     if (query.isEmpty())
     {
-        m_work.stop();
+        m_lookups.forget();
+        m_lookups.prepare();
         m_browser.showFolder();
-        if (m_po_known->hidden == nullptr)
-            prepare();
         return showPlace();
     }
-    m_is_search = true;
-    m_browser.beginList(query.text.empty() ? "Files of this kind" : "Files with \"" + displayText(query.text) + "\"");
-    m_work.start([this, known = m_po_known, number, query,
-                  box = host().thread().box()](const work_port& work) -> background_task::answer {
-        if (known->search == nullptr)
-            known->search = std::make_unique<path_search>(known->game->archives());
-        path_search& search = *known->search;
-        search.find(query);
-        std::size_t handed_over = 0;
-        for (bool goes_on = true; goes_on && !work.isStopped();)
-        {
-            goes_on = search.advance(handed_over == 0 ? first_step : step);
-            const auto fresh = search.hits().subspan(handed_over);
-            handed_over = search.hits().size();
-            if (!fresh.empty())
-                box.post([this, known, number, files = std::make_shared<const file_list>(fresh.begin(), fresh.end())] {
-                    if (known == m_po_known)
-                        take(number, *files);
-                });
-        }
-        if (!work.isStopped() && known->hidden == nullptr)
-            known->hidden = std::make_shared<hidden_copies>(known->game->archives());
-        return [this, known, number] {
-            if (known != m_po_known || number != m_search)
-                return;
-            m_browser.setHidden(known->hidden);
-            m_browser.sortAgain();
-            showList();
-        };
-    });
+    m_lookups.search(query);
     m_list.select(-1);
     m_list.refresh();
     m_status.setText(m_browser.status(true));
-}
-
-void archive_page::take(std::size_t number, const file_list& files)
-{
-    if (number != m_search)
-        return; // of a search that was replaced
-    m_browser.rows().add(files);
-    m_list.refresh();
-    m_status.setText(m_browser.status(true));
-}
-
-void archive_page::listFiles(const std::string& heading, file_list files, std::vector<std::string> missing)
-{
-    m_is_search = false;
-    m_browser.beginList(heading);
-    m_browser.rows().add(files);
-    m_browser.rows().setMissing(std::move(missing));
-    m_list.select(-1);
-    showList();
-}
-
-void archive_page::showUsers(const std::string& path)
-{
-    ++m_search; // what is still found belongs to no list any more
-    const usage_store store = usage_store::of(host().config().table(), host().config().path());
-    m_work.start([this, known = m_po_known, path, store](const work_port& work) -> background_task::answer {
-        if (!known->has_usage)
-        {
-            failure why;
-            const usage_index former = store.load(why);
-            usage_index made = indexUsage(*known->game, former, work, known->has_usage);
-            if (!known->has_usage)
-                return {};
-            if (made.isOtherThan(former) && !store.write(made, why))
-                tell(work.log, "archive_page: the usage index is not kept: " + describe(why));
-            known->usage = std::move(made);
-        }
-        auto users = std::make_shared<file_list>();
-        for (const file_user& each : known->usage.usersOf(*known->game, path))
-            if (users->empty() || users->back() != each.user)
-                users->push_back(each.user);
-        return [this, known, path, users] {
-            if (known == m_po_known)
-                listFiles("Models and definitions that name " + displayText(std::string(fileName(path))), *users, {});
-        };
-    });
-    m_status.setText("Looking into models and definitions...");
-}
-
-void archive_page::showNeeds(const std::string& path)
-{
-    ++m_search;
-    m_work.start([this, known = m_po_known, path](const work_port& work) -> background_task::answer {
-        auto result = std::make_shared<needs_result>();
-        failure why;
-        const bool is_read = findNeeds(*known->game, {game_path::ofInternal(path)}, work, *result, why);
-        return [this, known, path, result, is_read, why] {
-            if (known != m_po_known)
-                return;
-            if (!is_read)
-                return host().prompt().show("Archives", describe(why), prompt_icon::error);
-            file_list files;
-            std::vector<std::string> missing;
-            for (const needed_file& each : result->files)
-                if (const pack_file_node* const file = known->game->archives()->findFile(each.path); file != nullptr)
-                    files.push_back(file);
-                else
-                    missing.push_back(each.path);
-            listFiles("What " + displayText(std::string(fileName(path))) + " needs", std::move(files),
-                      std::move(missing));
-        };
-    });
 }
 
 // --- what is done with files
@@ -480,8 +358,7 @@ bool archive_page::leaveList()
 {
     if (m_browser.isFolderShown())
         return false;
-    const bool is_search = m_is_search;
-    if (!is_search && !m_find.text().empty())
+    if (!m_lookups.isSearch() && !m_find.text().empty())
         search(); // from which somebody came
     else
     {
@@ -494,8 +371,7 @@ bool archive_page::leaveList()
 
 void archive_page::clearSearch()
 {
-    ++m_search;
-    m_is_search = false;
+    m_lookups.forget();
     m_find.setText("");
     m_type.select(0);
     m_archive.select(0);
@@ -566,9 +442,9 @@ void archive_page::runFromMenu(int chosen, int row)
     case take_out_rows:
         return takeOut(chosenFiles());
     case who_uses_it:
-        return showUsers(path);
+        return m_lookups.listUsers(path);
     case what_it_needs:
-        return showNeeds(path);
+        return m_lookups.listNeeds(path);
     case show_its_folder:
         clearSearch();
         m_browser.open(folderAround(path));

@@ -3,18 +3,16 @@
 // The page "Archives": all archives of the data folders as one file system, to look around in, to search, to open and
 // to take files out of. What it shows is the browser's business (presenters/archive_browser.h); a worker searches.
 
-#include "EASY_GUI/win32/background_task.h"
 #include "EASY_GUI/win32/button.h"
 #include "EASY_GUI/win32/combo_box.h"
 #include "EASY_GUI/win32/edit_box.h"
 #include "EASY_GUI/win32/label.h"
 #include "EASY_GUI/win32/list_view.h"
 #include "EASY_GUI/win32/tree_view.h"
+#include "Korvane/app/archive_lookups.h"
 #include "Korvane/app/file_preview_panel.h"
 #include "Korvane/app/filter_field.h"
 #include "Korvane/app/rows_page.h"
-#include "Korvane/archives/path_search.h"
-#include "Korvane/game/usage_index.h"
 #include "Korvane/presenters/archive_browser.h"
 
 #include <memory>
@@ -34,26 +32,16 @@ public:
     HWND firstControl() const override;
     std::string copiedText() const override; // the internal paths of the chosen rows
     bool keep(config_file& config) const override;
-    bool isSearching() const { return m_work.isRunning(); }
+    bool isSearching() const { return m_lookups.isRunning(); }
     const archive_browser& browser() const { return m_browser; }
 
 protected:
     bool createControls(failure& why) override;
     void applyFont(const font& used) override;
-    void onDestroyed() override { m_work.stop(); }
+    void onDestroyed() override { m_lookups.stop(); }
 
 private:
     using file_list = std::vector<const pack_file_node*>;
-
-    // What belongs to one reading of the archives; made by the worker when it is needed first.
-    struct known_archives
-    {
-        std::shared_ptr<const game_data> game;
-        std::unique_ptr<path_search> search;
-        std::shared_ptr<const hidden_copies> hidden;
-        usage_index usage;
-        bool has_usage = false;
-    };
 
     bool isEmpty() const override { return !m_browser.hasFiles(); }
     void connect();
@@ -65,13 +53,6 @@ private:
     void fillChoices();
 
     void search();
-    void take(std::size_t number, const file_list& files);
-    void work(background_task::task task); // of the worker that knows the archives
-    void prepare();
-    void showUsers(const std::string& path);
-    void showNeeds(const std::string& path);
-    void listFiles(const std::string& heading, file_list files, std::vector<std::string> missing);
-
     void open(int row);
     void openFile(const pack_file_node& file);
     void takeOut(const file_list& files);
@@ -85,9 +66,6 @@ private:
     bool goToRows();    // the focus, and the first one is chosen; false: there are none
 
     archive_browser m_browser;
-    std::shared_ptr<known_archives> m_po_known;
-    std::size_t m_search = 0; // number of the newest
-    bool m_is_search = false; // the list shows what was found
 
     button m_back, m_forward, m_up;
     field_name m_path_name;
@@ -101,7 +79,7 @@ private:
     label m_details;
     label m_status;
     button m_open, m_take_out;
-    background_task m_work; // the last member: its work ends first
+    archive_lookups m_lookups; // the last member: its work ends first
 };
 
 } // namespace korvane
