@@ -1,7 +1,7 @@
 #pragma once
 
-// A million files in a hundred archives, in a temporary folder: paths of about 90 bytes, 20,000 folders in runs, as
-// packers write them.
+// Archives in a temporary folder, a million files in a hundred unless somebody wants another number: paths of about 90
+// bytes, 50 files to a folder in runs, as packers write them.
 
 #include <chrono>
 #include <cstdint>
@@ -17,16 +17,13 @@ namespace korvane::bench
 class pack_corpus
 {
 public:
-    static constexpr std::size_t archive_count = 100;
-    static constexpr std::size_t files_per_archive = 10000;
-    static constexpr std::size_t folder_count = 20000;
-
-    explicit pack_corpus(std::uint32_t bytes_per_file = 0)
+    explicit pack_corpus(std::uint32_t bytes_per_file = 0, std::size_t archive_count = 100,
+                         std::size_t files_per_archive = 10000)
         : m_folder(std::filesystem::temp_directory_path() / "korvane_bench_packs")
     {
         std::filesystem::create_directories(m_folder);
         for (std::size_t i = 0; i < archive_count; ++i)
-            writeArchive(i, bytes_per_file);
+            writeArchive(i, files_per_archive, bytes_per_file);
     }
     ~pack_corpus() { std::filesystem::remove_all(m_folder); }
 
@@ -38,7 +35,7 @@ public:
 private:
     static std::string pathOf(std::size_t number)
     {
-        const std::size_t folder = number / (archive_count * files_per_archive / folder_count);
+        const std::size_t folder = number / 50;
         char text[160];
         std::snprintf(text, sizeof text,
                       "VariantMeshes\\_variantmodels\\man\\culture_%03zu\\unit_%05zu\\textures\\%s_%07zu_lod.%s",
@@ -48,7 +45,7 @@ private:
     }
     static std::string u32(std::uint32_t value) { return std::string(reinterpret_cast<const char*>(&value), 4); }
 
-    void writeArchive(std::size_t number, std::uint32_t bytes_per_file)
+    void writeArchive(std::size_t number, std::size_t files_per_archive, std::uint32_t bytes_per_file)
     {
         std::string index;
         for (std::size_t i = 0; i < files_per_archive; ++i)
@@ -56,7 +53,8 @@ private:
             m_paths.push_back(pathOf(number * files_per_archive + i));
             index += u32(bytes_per_file) + '\0' + m_paths.back() + '\0';
         }
-        const std::string header = "PFH5" + u32(0) + u32(0) + u32(0) + u32(files_per_archive) +
+        const std::string header = "PFH5" + u32(0) + u32(0) + u32(0) +
+                                   u32(static_cast<std::uint32_t>(files_per_archive)) +
                                    u32(static_cast<std::uint32_t>(index.size())) + u32(0);
         m_archives.push_back((m_folder / ("data_" + std::to_string(number) + ".pack")).string());
         std::ofstream(m_archives.back(), std::ios::binary)

@@ -5,9 +5,9 @@
 // 50 ms, the first rows within a frame).
 
 #include "EASY_GUI/services/positioned_file.h"
+#include "Korvane/archives/archive_indexing.h"
 #include "Korvane/archives/pack_cache.h"
 #include "Korvane/archives/pack_entry.h"
-#include "Korvane/archives/pack_file.h"
 #include "Korvane/archives/path_search.h"
 #include "bench/pack_corpus.h"
 
@@ -76,20 +76,8 @@ void scanTerminators(benchmark::State& state)
 indexed_archives indexAll()
 {
     indexed_archives indexed;
-    indexed.tree = std::make_shared<path_tree>();
-    std::vector<pack_file> archives;
-    std::size_t count = 0;
-    for (const std::string& path : corpus->archives())
-    {
-        failure why;
-        require(archives.emplace_back(*indexed.tree).open(path, why));
-        const positioned_file& file = archives.back().file();
-        indexed.archives.push_back({path, "", {}, file.size(), file.modificationTime()});
-        count += archives.back().entryCount();
-    }
-    indexed.tree->reserve(count);
-    for (pack_file& archive : archives)
-        archive.enter();
+    require(korvane::indexArchives(corpus->archives(), {}, indexed) &&
+            indexed.tree->entryCount() == corpus->paths().size());
     return indexed;
 }
 

@@ -52,6 +52,11 @@ bool pack_file::readHeader(std::span<const std::byte> bytes, pack_header& header
 
 bool pack_file::open(const std::string& path, failure& why)
 {
+    return openHeader(path, why) && readIndex(m_po_tree->memory(), why);
+}
+
+bool pack_file::openHeader(const std::string& path, failure& why)
+{
     m_archive = std::make_unique<archive_record>();
     m_archive->path = path;
     m_archive->name = fileName(path);
@@ -68,10 +73,16 @@ bool pack_file::open(const std::string& path, failure& why)
         return false;
     }
     m_archive->format = m_header.magic;
-    const arena::mark before = m_po_tree->memory().position();
-    if (readIndex(why))
+    return true;
+}
+
+bool pack_file::readIndex(arena& memory, failure& why)
+{
+    m_po_memory = &memory;
+    const arena::mark before = memory.position();
+    if (readParts(why))
         return true;
-    m_po_tree->memory().goBackTo(before);
+    memory.goBackTo(before);
     return false;
 }
 
@@ -81,7 +92,7 @@ bool pack_file::failAt(failure& why, failure_kind kind, std::string what, std::s
     return false;
 }
 
-bool pack_file::readIndex(failure& why)
+bool pack_file::readParts(failure& why)
 {
     const std::uint64_t left =
         m_archive->file.size() - std::min<std::uint64_t>(m_archive->file.size(), m_header.header_size);
@@ -121,7 +132,7 @@ bool pack_file::readBlock(std::size_t size, failure& why)
     const std::uint64_t left = m_archive->file.size() - m_header.header_size;
     if (size > left)
         return failAt(why, failure_kind::truncated, "the file index runs past the end of the archive", 0, "file index");
-    m_index = m_po_tree->memory().allocate<char>(size + path_tree::readable_behind_paths).first(size);
+    m_index = m_po_memory->allocate<char>(size + path_tree::readable_behind_paths).first(size);
     return m_archive->file.readAt(m_header.header_size, std::as_writable_bytes(m_index)) ||
            failAt(why, failure_kind::unreadable, "the index cannot be read", 0, "file index");
 }
@@ -160,7 +171,7 @@ bool pack_file::readRecords(std::size_t position, failure& why)
         4 + (m_header.hasCompressionBytes() ? 1u : 0u) + (m_header.hasTimeStamps() ? 4u : 0u);
     // Stored offsets do not exist: the files lie one behind the other, in index order, behind the index.
     std::uint64_t offset = std::uint64_t{m_header.header_size} + position + m_header.index_size;
-    m_entries = m_po_tree->memory().allocate<pack_file_node>(m_header.file_count);
+    m_entries = m_po_memory->allocate<pack_file_node>(m_header.file_count);
     for (std::uint32_t i = 0; i < m_header.file_count; ++i)
     {
         const auto place = [i] { return "file index, record " + std::to_string(i); };
@@ -196,13 +207,14 @@ bool pack_file::readRecords(std::size_t position, failure& why)
             m_left_out.emplace_back(path, length);
         offset += size;
     }
+    m_hashes = path_tree::hashesOf(m_entries.first(m_entry_count));
     return true;
 }
 
 void pack_file::enter()
 {
     m_archive->file_count = static_cast<std::uint32_t>(m_entry_count);
-    m_po_tree->enter(std::move(m_archive), m_entries.first(m_entry_count));
+    m_po_tree->enter(std::move(m_archive), m_entries.first(m_entry_count), m_hashes);
 }
 
 path_tree::node_pointer getNodeFromInternalPath(std::string_view path, const log_port& log)

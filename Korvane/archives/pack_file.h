@@ -51,6 +51,9 @@ public:
     // Opens the archive at a path on disk and reads and checks header and index. Afterwards enter() puts it into the
     // tree. A failure leaves nothing in the tree's memory.
     [[nodiscard]] bool open(const std::string& path, failure& why);
+    // The same in two steps. The index goes into that memory, which is the tree's, too (path_tree::addMemory()).
+    [[nodiscard]] bool openHeader(const std::string& path, failure& why);
+    [[nodiscard]] bool readIndex(arena& memory, failure& why);
 
     const pack_header& header() const { return m_header; }
     const std::vector<std::string>& archiveNames() const { return m_archive_names; }
@@ -69,19 +72,21 @@ public:
 
 private:
     std::uint64_t largestIndex() const;
-    bool readIndex(failure& why);
+    bool readParts(failure& why);
     bool readBlock(std::size_t size, failure& why);
     bool readNames(std::size_t& position, failure& why);
     bool readRecords(std::size_t position, failure& why);
     bool failAt(failure& why, failure_kind kind, std::string what, std::size_t position, std::string field) const;
 
     path_tree* m_po_tree;
+    arena* m_po_memory = nullptr; // while the index is read
     std::unique_ptr<archive_record> m_archive;
     pack_header m_header;
     std::span<char> m_index; // names and records, in the tree's memory; paths in it become lower case
     std::vector<std::string> m_archive_names;
     std::span<pack_file_node> m_entries; // the first m_entry_count of them
     std::size_t m_entry_count = 0;
+    std::vector<std::uint64_t> m_hashes; // of their paths
     std::vector<std::string> m_left_out;
 };
 

@@ -2,12 +2,10 @@
 
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/text.h"
+#include "Korvane/archives/archive_indexing.h"
 #include "Korvane/archives/mod_folder.h"
-#include "Korvane/archives/pack_file.h"
 
 #include <algorithm>
-#include <new>
-#include <stdexcept>
 #include <utility>
 
 namespace korvane
@@ -45,7 +43,7 @@ bool pack_reader::loadAllArchives(const std::vector<std::string>& folders)
     indexed_archives indexed;
     if (!loadFromCache(indexed))
     {
-        if (!indexArchives(indexed))
+        if (!indexArchives(m_archives, m_work, indexed))
             return false;
         writeCache(indexed);
     }
@@ -115,56 +113,6 @@ bool pack_reader::loadFromCache(indexed_archives& indexed) const
     if (why.kind != failure_kind::not_found)
         tell(m_work.log, "[PACK CACHE] " + m_po_cache->path() + " : not used, " + why.what);
     return false;
-}
-
-bool pack_reader::indexArchives(indexed_archives& indexed) const
-{
-    // Read and checked first, all of them: then the tree can be made in its final size.
-    indexed.tree = std::make_shared<path_tree>();
-    std::vector<pack_file> archives;
-    std::size_t file_count = 0;
-    for (const std::string& path : m_archives)
-    {
-        if (m_work.isStopped())
-            return false;
-        m_work.report(indexed.archives.size(), m_archives.size(), path);
-        archive_listing& listing = indexed.archives.emplace_back();
-        listing.path = path;
-        pack_file archive(*indexed.tree);
-        failure why;
-        bool is_read = false;
-        try
-        {
-            is_read = archive.open(path, why);
-        }
-        catch (const std::bad_alloc&)
-        {
-            why = {failure_kind::unreadable, "there is not enough memory for its index", path, 0, ""};
-        }
-        catch (const std::runtime_error& unknown_format)
-        {
-            why = {failure_kind::unsupported, unknown_format.what(), path, 0, "magic"};
-        }
-        listing.size = archive.file().size();
-        listing.modification_time = archive.file().modificationTime();
-        if (!is_read)
-        {
-            listing.damage = describe(why);
-            listing.is_certain = why.kind != failure_kind::unreadable && why.kind != failure_kind::not_found;
-            continue;
-        }
-        listing.left_out = archive.leftOut();
-        file_count += archive.entryCount();
-        archives.push_back(std::move(archive));
-    }
-    indexed.tree->reserve(file_count);
-    for (pack_file& archive : archives)
-    {
-        if (m_work.isStopped())
-            return false;
-        archive.enter();
-    }
-    return !m_work.isStopped(); // before the cache is written
 }
 
 void pack_reader::writeCache(const indexed_archives& indexed)

@@ -67,7 +67,6 @@ public:
 private:
     void sortArchives();
     bool loadFromCache(indexed_archives& indexed) const;
-    bool indexArchives(indexed_archives& indexed) const;
     void writeCache(const indexed_archives& indexed);
     void report();
 

@@ -15,7 +15,7 @@ namespace korvane
 namespace
 {
 
-constexpr std::size_t longest_run = 64;
+constexpr std::size_t looked_ahead = 32; // files
 
 std::uint64_t wordAt(const char* bytes)
 {
@@ -335,34 +335,39 @@ void path_tree::reserve(std::size_t file_count)
         grow(std::bit_ceil(nodes * 4 / 3 + 1));
 }
 
-void path_tree::enter(std::unique_ptr<archive_record> archive, std::span<const pack_file_node> entered)
+std::vector<std::uint64_t> path_tree::hashesOf(std::span<const pack_file_node> files)
+{
+    std::vector<std::uint64_t> hashes;
+    hashes.reserve(files.size());
+    for (const pack_file_node& file : files)
+        hashes.push_back(hashOf(file.internalPath()));
+    return hashes;
+}
+
+void path_tree::enter(std::unique_ptr<archive_record> archive, std::span<const pack_file_node> entered,
+                      std::span<const std::uint64_t> known)
 {
     m_archives.push_back(std::move(archive));
     m_entries.push_back(entered);
     m_po_odd.reset();
-    std::vector<std::uint64_t> hashes;
-    for (std::size_t begin = 0; begin < entered.size();)
+    const std::vector<std::uint64_t> made =
+        known.size() == entered.size() ? std::vector<std::uint64_t>() : hashesOf(entered);
+    const std::span<const std::uint64_t> hashes = made.empty() ? known : std::span(made);
+    std::string_view folder_path;
+    std::uint32_t folder = 0;
+    for (std::size_t i = 0; i < entered.size(); ++i)
     {
-        // Neighbours in an index mostly lie in one folder: such a run is hashed first, so that the table's lines are on
-        // their way when they are needed.
-        const std::string_view first = entered[begin].internalPath();
-        const std::size_t name_at = nameStart(first);
-        const std::string_view folder_path = first.substr(0, name_at);
-        const std::uint32_t folder = folderOf(folder_path);
-        hashes.clear();
-        std::size_t end = begin;
-        for (; end < entered.size() && hashes.size() < longest_run; ++end)
+        // The table's line of a file that stands further on is on its way when it is needed.
+        if (i + looked_ahead < entered.size())
+            __builtin_prefetch(&m_slots[bucketOf(hashes[i + looked_ahead])], 1);
+        // Neighbours in an index mostly lie in one folder.
+        const std::string_view path = entered[i].internalPath();
+        if (!path.starts_with(folder_path) || path.find('\\', folder_path.size()) != std::string_view::npos)
         {
-            const std::string_view path = entered[end].internalPath();
-            const std::string_view name = path.substr(std::min(name_at, path.size()));
-            if (path.substr(0, name_at) != folder_path || name.find('\\') != std::string_view::npos)
-                break;
-            hashes.push_back(hashOf(path));
-            __builtin_prefetch(&m_slots[bucketOf(hashes.back())]);
+            folder_path = path.substr(0, nameStart(path));
+            folder = folderOf(folder_path);
         }
-        for (std::size_t i = begin; i < end; ++i)
-            m_nodes[findOrAdd(entered[i].internalPath(), name_at, hashes[i - begin], folder)].m_file = &entered[i];
-        begin = end;
+        m_nodes[findOrAdd(path, folder_path.size(), hashes[i], folder)].m_file = &entered[i];
     }
 }
 

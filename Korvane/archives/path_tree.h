@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <span>
@@ -143,10 +144,15 @@ public:
 
     // --- building -------------------------------------------------------------------------------------------------
     // Where paths and files of archives to come are put; they live as long as the tree.
-    arena& memory() { return m_memory; }
+    arena& memory() { return m_memories.front(); }
+    // Another one, for one more thread that reads archives; it stays the tree's.
+    arena& addMemory() { return m_memories.emplace_back(); }
     // Enters an archive's files in their order. They lie in memory() and refer to the archive; their paths are lower
     // case, without empty components, not empty, and lie there, too, with some bytes behind them that may be read.
-    void enter(std::unique_ptr<archive_record> archive, std::span<const pack_file_node> files);
+    // The hashes are those of hashesOf(), which any thread may have made; none: they are made here.
+    void enter(std::unique_ptr<archive_record> archive, std::span<const pack_file_node> files,
+               std::span<const std::uint64_t> hashes = {});
+    [[nodiscard]] static std::vector<std::uint64_t> hashesOf(std::span<const pack_file_node> files);
     // Makes room for so many more files, so that no rehashing interrupts the entering.
     void reserve(std::size_t file_count);
 
@@ -188,7 +194,7 @@ private:
     large_vector<slot> m_slots;      // a power of two, in buckets
     std::vector<std::unique_ptr<archive_record>> m_archives;
     std::vector<std::span<const pack_file_node>> m_entries;
-    arena m_memory;
+    std::list<arena> m_memories{1};
     // Made when a look-up first finds nothing else: the oddly stored files by their normal paths.
     mutable std::mutex m_odd_lock;
     mutable std::unique_ptr<std::unordered_map<std::string, const pack_file_node*>> m_po_odd;

@@ -154,7 +154,7 @@ bool tree_image_reader::readTable(std::size_t count, std::size_t record_size, fa
 
 bool tree_image_reader::readFiles(std::vector<std::unique_ptr<archive_record>>& archives, failure& why)
 {
-    m_files = m_tree.m_memory.allocate<pack_file_node>(m_counts.entries);
+    m_files = m_tree.memory().allocate<pack_file_node>(m_counts.entries);
     std::vector<std::size_t> ends; // of each archive's files
     for (std::unique_ptr<archive_record>& archive : archives)
     {
