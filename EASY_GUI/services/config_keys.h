@@ -34,6 +34,9 @@ inline constexpr std::string_view picture_choices = "picture_choices";
 // Of exports: the folder; "fbx", "dae" or "glb", "found", "dds" or "png", "all" levels of detail, "span", "apart".
 inline constexpr std::string_view export_folder = "export_folder";
 inline constexpr std::string_view export_settings = "export_choices";
+// Of files taken out of the archives: the folder; "dds", "png" or "tga", "flat", "replace".
+inline constexpr std::string_view take_out_folder = "take_out_folder";
+inline constexpr std::string_view take_out_settings = "take_out_choices";
 // Of the windows: left top right bottom dpi, and 1 when it is maximised (Korvane/document/window_place.h).
 inline constexpr std::string_view main_window_place = "window_place";
 inline constexpr std::string_view view_place = "view_place";
@@ -46,6 +49,6 @@ inline constexpr std::array known = {
     first_time,      folder_box_text,   internal_folders,   bone_list_path,     older_converted_files,
     last_fbx_folder, last_anim_folder,  last_export_folder, conversion_choices, export_folder,
     export_settings, main_window_place, view_place,         playback_place,     page,
-    texture_folder,  texture_choices,   picture_choices};
+    texture_folder,  texture_choices,   picture_choices,    take_out_folder,    take_out_settings};
 
 } // namespace korvane::config_keys

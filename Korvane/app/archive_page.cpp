@@ -8,7 +8,6 @@
 #include "Korvane/archives/internal_path.h"
 #include "Korvane/document/open_definition.h"
 #include "Korvane/document/window_place.h"
-#include "Korvane/jobs/extract_job.h"
 
 #include <algorithm>
 #include <array>
@@ -39,6 +38,7 @@ enum archive_command : int
 archive_page::archive_page(page_host& host)
     : rows_page(host, {&m_back, &m_forward, &m_up, &m_path_name, &m_path, &m_find_name, &m_find, &m_type, &m_archive,
                        &m_tree, &m_list, &m_details, &m_status, &m_open, &m_take_out})
+    , m_exchange(host)
     , m_preview(host.thread())
     , m_lookups(host, m_browser,
                 {[this] {
@@ -309,33 +309,7 @@ archive_page::file_list archive_page::chosenFiles() const
 
 void archive_page::takeOut(const file_list& files)
 {
-    if (files.empty())
-        return;
-    const std::optional<std::string> folder = host().prompt().pickFolder("Take Out " + counted(files.size(), "File"));
-    if (!folder)
-        return;
-    extract_job_options options;
-    options.folder = *folder;
-    extract_job_result result;
-    const auto tree = m_browser.game()->archives();
-    const bool is_whole = host().work("Taking out " + counted(files.size(), "file"), [&](const work_port& work) {
-        extractEntries(tree, files, options, work, result);
-    });
-    std::string text = filesExtracted(result.written) + " to " + *folder;
-    if (result.kept > 0)
-        text += "; " + counted(result.kept, "file") + " that differ were left as they are";
-    if (result.failed > 0)
-        text += "; " + grouped(result.failed) + " failed";
-    host().setStatus(text + (is_whole ? "." : "; stopped."));
-    if (result.failed == 0 && result.kept == 0)
-        return;
-    std::string lines = text + ".\r\n";
-    constexpr std::size_t most = 20;
-    std::size_t named = 0;
-    for (const extracted_file& file : result.files)
-        if ((file.why || file.outcome == output_outcome::kept) && named++ < most)
-            lines += "\r\n" + displayText(file.why ? describe(file.why) : file.path + ": left as it is");
-    host().prompt().show("Take Out", lines + (named > most ? "\r\n..." : ""), prompt_icon::information);
+    m_exchange.takeOut(m_browser.game()->archives(), files);
 }
 
 std::string archive_page::copiedText() const

@@ -9,6 +9,7 @@
 #include "EASY_GUI/win32/label.h"
 #include "EASY_GUI/win32/list_view.h"
 #include "EASY_GUI/win32/tree_view.h"
+#include "Korvane/app/archive_exchange.h"
 #include "Korvane/app/archive_lookups.h"
 #include "Korvane/app/file_preview_panel.h"
 #include "Korvane/app/filter_field.h"
@@ -66,6 +67,7 @@ private:
     bool goToRows();    // the focus, and the first one is chosen; false: there are none
 
     archive_browser m_browser;
+    archive_exchange m_exchange;
 
     button m_back, m_forward, m_up;
     field_name m_path_name;

@@ -200,6 +200,15 @@ enum control_id : int
     control_archive_status,
     control_archive_open,
     control_archive_take_out,
+
+    control_take_out_files = 1880,
+    control_take_out_folder,
+    control_take_out_browse,
+    control_take_out_layout,
+    control_take_out_textures,
+    control_take_out_there,
+    control_take_out_note,
+    control_take_out_ok,
 };
 
 } // namespace korvane

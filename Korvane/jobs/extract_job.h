@@ -1,13 +1,15 @@
 #pragma once
 
-// Writes files out of the game to the disk, as they are: one, or all whose path matches, below a folder.
+// Writes files out of the game to the disk, as they are or textures as pictures: one, or many below a folder.
 
 #include "EASY_GUI/services/work_port.h"
 #include "Korvane/game/game_source.h"
 #include "Korvane/jobs/output_paths.h"
+#include "Korvane/textures/picture_file.h"
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -20,7 +22,11 @@ struct extract_job_options
     std::string pattern; // over internal paths, with * and ?
     std::string folder;
     bool overwrites = false; // files that differ are written over
-    bool is_flat = false;    // without the folders of the internal paths
+    bool is_flat = false;    // without the folders of the internal paths; a second file of a name becomes "name_2.dds"
+    // Of DDS textures, their largest level; faces of a cube and elements of an array lie one below the other. One that
+    // cannot be decoded is written as it is. Nothing: all as they are. A picture whose name another file has taken is
+    // numbered, too.
+    std::optional<picture_kind> form = std::nullopt;
 };
 
 struct extracted_file
@@ -29,7 +35,10 @@ struct extracted_file
     std::string archive = {}; // its path on disk; empty for a file of a mod folder
     std::string path = {};    // on disk; empty where it has no place there
     output_outcome outcome = output_outcome::written;
-    failure why = {}; // set when it failed
+    failure why = {};            // set when it failed
+    failure no_picture = {};     // set when it should be one, and was written as it is
+    std::size_t surfaces = 0;    // of the picture that it became; 0: it is none
+    std::string named_like = {}; // the name that another file of this run has taken before it
 };
 
 struct extract_job_result

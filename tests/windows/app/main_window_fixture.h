@@ -261,6 +261,25 @@ protected:
             m_loop->dispatch(message);
         }
     }
+    // Does something that shows a dialog, in which act is called once, and which returns when the dialog is left.
+    void inDialog(const std::function<void()>& begin, const std::function<void(HWND)>& act)
+    {
+        ui_thread later;
+        failure why;
+        ASSERT_TRUE(later.open(why)) << describe(why);
+        bool has_acted = false;
+        const std::function<void()> look = [&] {
+            const HWND shown = dialog_box::innermost();
+            has_acted = shown != nullptr;
+            if (has_acted)
+                act(shown);
+            else
+                later.box().post(look);
+        };
+        later.box().post(look);
+        begin();
+        EXPECT_TRUE(has_acted && dialog_box::innermost() == nullptr);
+    }
     bool pumpUntil(const std::function<bool()>& is_true)
     {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);

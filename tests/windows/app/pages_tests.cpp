@@ -97,8 +97,12 @@ TEST_F(pages_test, archivesAreSearchedOpenedAndTakenOutOf)
     SetFocus(find(control_archive_list));
     press(VK_HOME);
     EXPECT_EQ(text(control_archive_details), "tex\\steel.dds: from a.pack (PFH4).");
-    m_prompt.answer = m_folder + "out";
-    SendMessageW(find(control_archive_take_out), BM_CLICK, 0, 0);
+    inDialog([this] { SendMessageW(find(control_archive_take_out), BM_CLICK, 0, 0); },
+             [this](HWND shown) {
+                 SetWindowTextW(GetDlgItem(shown, control_take_out_folder), toWide(m_folder + "out").c_str());
+                 PostMessageW(GetDlgItem(shown, control_take_out_ok), BM_CLICK, 0, 0);
+             });
+    EXPECT_EQ(happened(), "1 file extracted to " + m_folder + "out.");
     memory_file bytes;
     failure why;
     ASSERT_TRUE(bytes.read(m_folder + "out\\tex\\steel.dds", why)) << describe(why);
@@ -140,22 +144,8 @@ TEST_F(pages_test, aFindingLeadsToItsGroupAndEditsAreCheckedAgain)
 TEST_F(pages_test, dialogsOfCommandsSayAndDoWhatIsAsked)
 {
     openWindow(write("soldier.rigid_model_v2", soldier()));
-    ui_thread later;
-    failure why;
-    ASSERT_TRUE(later.open(why)) << describe(why);
     const auto commandWith = [&](document_command command, const std::function<void(HWND)>& act) {
-        bool has_acted = false;
-        const std::function<void()> look = [&] {
-            const HWND shown = dialog_box::innermost();
-            has_acted = shown != nullptr;
-            if (has_acted)
-                act(shown);
-            else
-                later.box().post(look);
-        };
-        later.box().post(look);
-        choose(command); // which returns when the dialog is left
-        EXPECT_TRUE(has_acted && dialog_box::innermost() == nullptr);
+        inDialog([&] { choose(command); }, act);
     };
     const auto cancel = [](HWND shown) { PostMessageW(shown, WM_CLOSE, 0, 0); };
     commandWith(document_command::guide, cancel);
