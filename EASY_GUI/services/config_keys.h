@@ -14,6 +14,7 @@ inline constexpr std::string_view mod_folders = "mod_paths";            // over 
 inline constexpr std::string_view recent_files = "config_recent_files"; // newest first
 inline constexpr std::string_view converted_files = "fbx_converted_files";
 inline constexpr std::string_view packs_cache = "packs_cache"; // the file's name or path
+inline constexpr std::string_view cache_use = "cache_use";     // "always", "never"; else where it pays
 inline constexpr std::string_view first_time = "first_time";   // empty until the notice of the first start was shown
 inline constexpr std::string_view folder_box_text = "folder_box_text_saved"; // last typed into the dialog of folders
 
@@ -49,6 +50,7 @@ inline constexpr std::array known = {
     first_time,      folder_box_text,   internal_folders,   bone_list_path,     older_converted_files,
     last_fbx_folder, last_anim_folder,  last_export_folder, conversion_choices, export_folder,
     export_settings, main_window_place, view_place,         playback_place,     page,
-    texture_folder,  texture_choices,   picture_choices,    take_out_folder,    take_out_settings};
+    texture_folder,  texture_choices,   picture_choices,    take_out_folder,    take_out_settings,
+    cache_use};
 
 } // namespace korvane::config_keys

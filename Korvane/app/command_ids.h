@@ -181,6 +181,16 @@ enum control_id : int
     control_bone_table_status,
     control_bone_table_write,
 
+    control_cache_list = 1830,
+    control_cache_details,
+    control_cache_rebuild,
+    control_cache_delete,
+    control_cache_use,
+    control_cache_use_text,
+    control_cache_status,
+    control_cache_progress,
+    control_cache_stop,
+
     control_archive_anim_filter = 1820,
     control_archive_anim_list,
     control_archive_anim_ok,

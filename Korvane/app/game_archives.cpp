@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/shared_config.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/game/game_loader.h"
+#include "Korvane/jobs/cache_job.h"
 #include "Korvane/jobs/operands.h"
 
 #include <algorithm>
@@ -19,7 +20,10 @@ constexpr std::string_view default_skeleton = "animations\\skeletons\\humanoid01
 bool game_archives::load(bool trusts_cache)
 {
     game_load loaded;
-    const game_loader loader(m_host.config().table(), m_host.config().path());
+    game_loader loader(m_host.config().table(), m_host.config().path());
+    loader.deferCache();
+    if (m_po_writing)
+        m_po_writing->stop();
     const bool went_on = m_host.work("Reading the archives of the game", [&](const work_port& port) {
         loaded = trusts_cache ? loader.load(port) : loader.reload(port);
     });
@@ -35,7 +39,30 @@ bool game_archives::load(bool trusts_cache)
         publishGame(*loaded.game);
         m_host.document().setGame(loaded.game);
     }
+    if (loaded.wants_cache)
+        writeCache();
     return true;
+}
+
+// Nobody waits for it: it is of use at the next start.
+void game_archives::writeCache()
+{
+    const log_port log = [this](const std::string& line) { m_host.logLine(line); };
+    if (!m_po_writing)
+        m_po_writing = std::make_unique<background_task>(
+            m_host.thread(), background_task::listeners{{}, log, [log](const std::string& what) {
+                                                            log("[PACK CACHE] not written: " + what);
+                                                        }});
+    m_po_writing->start([this, log, places = cache_places::of(m_host.config().table(), m_host.config().path())](
+                            const work_port& work) -> background_task::answer {
+        failure why;
+        const bool is_written = rebuildPackCache(places, work, why);
+        return [this, log, is_written, line = "[PACK CACHE] " + places.packs.path() + " : not written, " + why.what] {
+            if (!is_written)
+                return log(line);
+            static_cast<void>(m_host.config().change([](config_file& config) { return pack_cache::recordIn(config); }));
+        };
+    });
 }
 
 void game_archives::sayNotices(const std::vector<notice>& notices)

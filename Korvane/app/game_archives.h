@@ -3,6 +3,7 @@
 // The archives of the game folders, read by a worker while the window answers, and what comes out of them at the start.
 // Window thread.
 
+#include "EASY_GUI/win32/background_task.h"
 #include "Korvane/animation/anim_file.h"
 #include "Korvane/app/page.h"
 
@@ -25,11 +26,13 @@ public:
     void loadDefaultSkeleton();
 
 private:
+    void writeCache();
     void sayNotices(const std::vector<notice>& notices);
     void sayLeftOut(const std::vector<std::string>& lines);
 
     page_host& m_host;
     std::shared_ptr<const anim_data> m_po_default_skeleton; // null: the game has none
+    std::unique_ptr<background_task> m_po_writing;          // of the cache; null: never yet. Its work ends first
 };
 
 } // namespace korvane

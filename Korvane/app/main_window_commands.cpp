@@ -41,6 +41,7 @@ void main_window::nameActions()
         {command::guide, [this] { showGuide(*this); }},
         {command::about, [this] { showAbout(); }},
         {command::game_folders, [this] { setUpFolders(); }},
+        {command::index_cache, [this] { showIndexCache(*this); }},
         {command::play_animation, [this] { m_playback_box.open(); }},
         {command::show_view, [this] { showView(scene_display::focus::moves); }},
     };

@@ -4,6 +4,7 @@
 #include "EASY_GUI/services/text.h"
 #include "EASY_GUI/win32/modal_work.h"
 #include "Korvane/app/bone_table_dialog.h"
+#include "Korvane/app/cache_dialog.h"
 #include "Korvane/app/fbx_to_anim_dialog.h"
 #include "Korvane/app/prefix_dialog.h"
 #include "Korvane/app/text_dialogs.h"
@@ -97,6 +98,12 @@ void convertAnimation(page_host& host, const std::string& fbx)
 void generateBoneTable(page_host& host)
 {
     bone_table_dialog shown(host);
+    runDialog(host, shown);
+}
+
+void showIndexCache(page_host& host)
+{
+    cache_dialog shown(host);
     runDialog(host, shown);
 }
 

@@ -16,6 +16,7 @@ void testModel(page_host& host); // with a model open
 void replacePathPrefix(page_host& host);
 void convertAnimation(page_host& host, const std::string& fbx = {}); // with the file chosen
 void generateBoneTable(page_host& host);
+void showIndexCache(page_host& host);
 void dumpAnimation(page_host& host, const std::string& anim); // on the disk or, with "pack:", in the archives
 void convertNormalMaps(page_host& host, normal_form target);
 

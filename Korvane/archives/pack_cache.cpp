@@ -1,6 +1,7 @@
 #include "Korvane/archives/pack_cache.h"
 
 #include "EASY_GUI/services/byte_reader.h"
+#include "EASY_GUI/services/byte_source.h"
 #include "EASY_GUI/services/byte_writer.h"
 #include "EASY_GUI/services/config_keys.h"
 #include "EASY_GUI/services/file_system.h"
@@ -27,6 +28,7 @@ constexpr std::uint32_t tables_mark = 0x3143504bu; // "KPC1"
 constexpr std::size_t trailer_size = 80;
 constexpr std::size_t smallest_archive = 4 + 4 + 4 + 8 + 8 + 4 + 4; // bytes in the list
 constexpr std::size_t text_block = std::size_t{128} << 10;
+constexpr std::size_t written_at_once = std::size_t{4} << 20;
 constexpr std::uint64_t worth_a_thread = std::uint64_t{4} << 20; // bytes of text
 
 // Where the parts of a cache lie; stands at its end.
@@ -152,6 +154,18 @@ std::vector<std::byte> listOf(const indexed_archives& indexed)
             writeText(out, path);
     }
     return out.take();
+}
+
+// In pieces, so that a stop is seen between them.
+byte_source inPieces(std::span<const std::byte> bytes, const std::stop_token& stop)
+{
+    return [bytes, stop](std::span<const std::byte>& piece, failure& why) mutable {
+        if (stop.stop_requested())
+            return fail(why, failure_kind::refused, "it was stopped");
+        piece = bytes.first(std::min(bytes.size(), written_at_once));
+        bytes = bytes.subspan(piece.size());
+        return true;
+    };
 }
 
 std::vector<std::byte> trailerBytes(const trailer& end)
@@ -319,6 +333,19 @@ bool loadText(const positioned_file& file, const trailer& end, std::span<std::by
 
 } // namespace
 
+cache_use cacheUseOf(const config_file& config)
+{
+    for (const cache_use use : {cache_use::always, cache_use::never})
+        if (config.contains(config_keys::cache_use, nameOf(use)))
+            return use;
+    return cache_use::where_it_pays;
+}
+
+std::string_view nameOf(cache_use use)
+{
+    return use == cache_use::always ? "always" : use == cache_use::never ? "never" : "";
+}
+
 pack_cache pack_cache::of(const config_file& config, const std::string& config_path)
 {
     const std::filesystem::path folder =
@@ -342,11 +369,26 @@ bool pack_cache::mayReplace() const
     return file.readAt(0, start) && std::memcmp(start.data() + 4, identification.data(), identification.size()) == 0;
 }
 
-void pack_cache::discard() const
+bool pack_cache::remove(failure& why) const
 {
-    std::error_code ignored;
-    if (mayReplace())
-        std::filesystem::remove(toPath(m_path), ignored);
+    if (!mayReplace())
+        return fail(why, failure_kind::refused, "there is a file of that name which is no cache", m_path);
+    std::error_code error;
+    std::filesystem::remove(toPath(m_path), error);
+    return !error || fail(why, failure_kind::refused, "it cannot be deleted: " + displayText(error.message()), m_path);
+}
+
+bool pack_cache::readExtent(cache_extent& extent, failure& why) const
+{
+    positioned_file file;
+    trailer end;
+    std::array<std::byte, 4> count;
+    if (!file.open(m_path, why) || !readTrailer(file, end, why))
+        return false;
+    if (end.list_size < count.size() || !file.readAt(end.list_at, count))
+        return fail(why, failure_kind::malformed, "it is damaged");
+    extent = {littleEndian<std::uint32_t>(count.data()), end.counts.entries};
+    return true;
 }
 
 bool pack_cache::recordIn(config_file& config)
@@ -396,10 +438,13 @@ bool pack_cache::load(const std::vector<std::string>& archive_paths, indexed_arc
     return true;
 }
 
-bool pack_cache::write(const indexed_archives& indexed, failure& why) const
+bool pack_cache::write(const indexed_archives& indexed, failure& why, const std::stop_token& stop) const
 {
     if (!mayReplace())
         return fail(why, failure_kind::refused, "there is a file of that name which is no cache", m_path);
+    for (const archive_listing& archive : indexed.archives)
+        if (!archive.is_certain)
+            return fail(why, failure_kind::refused, "an archive cannot be read now: " + archive.path, m_path);
     const path_tree& tree = *indexed.tree;
     const tree_image image(tree);
     if (!image.isPossible())
@@ -423,11 +468,11 @@ bool pack_cache::write(const indexed_archives& indexed, failure& why) const
     std::copy(list.begin(), list.end(), partOf(trailer::list).begin());
     image.writeTables(partOf(trailer::files).data());
     image.writeText(partOf(trailer::text).data());
-    for (int part = 0; part < trailer::part_count; ++part)
+    for (int part = 0; part < trailer::part_count && !stop.stop_requested(); ++part)
         end.checksums[static_cast<std::size_t>(part)] = checksumOf(partOf(part));
     const std::vector<std::byte> last = trailerBytes(end);
     std::copy(last.begin(), last.end(), bytes.mutableBytes().last(trailer_size).begin());
-    return writeWholeFile(m_path, bytes.bytes(), why, write_safety::replaceable);
+    return writeWholeFile(m_path, inPieces(bytes.bytes(), stop), why, write_safety::replaceable);
 }
 
 } // namespace korvane

@@ -11,6 +11,34 @@
 namespace korvane
 {
 
+namespace
+{
+
+void sortByName(std::vector<std::string>& archives)
+{
+    std::stable_sort(archives.begin(), archives.end(), [](const std::string& left, const std::string& right) {
+        return fileName(left) > fileName(right);
+    });
+}
+
+bool mayHoldArchives(const std::string& folder)
+{
+    return folder.ends_with('\\') || folder.ends_with('/');
+}
+
+} // namespace
+
+std::vector<std::string> archivesInOrder(const std::vector<std::string>& folders, const std::stop_token& stop)
+{
+    std::vector<std::string> archives;
+    failure ignored; // what was found counts
+    for (const std::string& folder : folders)
+        if (mayHoldArchives(folder))
+            static_cast<void>(listArchives(folder, archives, ignored, stop));
+    sortByName(archives);
+    return archives;
+}
+
 std::vector<std::string> describeLeftOut(const archive_listing& archive)
 {
     constexpr std::size_t shown = 3;
@@ -33,7 +61,6 @@ bool pack_reader::loadAllArchives(const std::vector<std::string>& folders)
     m_po_tree = nullptr;
     m_listings.clear();
     m_notices.clear();
-    m_has_written_cache = false;
     if (folders.empty())
         return false;
     for (const std::string& folder : folders)
@@ -41,12 +68,9 @@ bool pack_reader::loadAllArchives(const std::vector<std::string>& folders)
             return false;
     sortArchives();
     indexed_archives indexed;
-    if (!loadFromCache(indexed))
-    {
-        if (!indexArchives(m_archives, m_work, indexed))
-            return false;
-        writeCache(indexed);
-    }
+    m_is_from_cache = loadFromCache(indexed);
+    if (!m_is_from_cache && !indexArchives(m_archives, m_work, indexed))
+        return false;
     m_po_tree = std::move(indexed.tree);
     m_listings = std::move(indexed.archives);
     report();
@@ -83,7 +107,7 @@ bool pack_reader::findValidPakFiles(const std::string& folder)
 {
     const std::size_t known = m_archives.size();
     failure ignored; // what was found counts
-    if (folder.ends_with('\\') || folder.ends_with('/'))
+    if (mayHoldArchives(folder))
         static_cast<void>(listArchives(folder, m_archives, ignored));
     if (m_archives.size() > known)
         return true;
@@ -95,9 +119,7 @@ bool pack_reader::findValidPakFiles(const std::string& folder)
 void pack_reader::sortArchives()
 {
     tell(m_work.log, ".pack files being sorted...");
-    std::stable_sort(m_archives.begin(), m_archives.end(), [](const std::string& left, const std::string& right) {
-        return fileName(left) > fileName(right);
-    });
+    sortByName(m_archives);
     tell(m_work.log, ".pack files is sorted in the following order: ");
     for (std::size_t i = 0; i < m_archives.size(); ++i)
         tell(m_work.log, "[PACK FILE] " + std::to_string(i) + " : " + m_archives[i]);
@@ -115,16 +137,20 @@ bool pack_reader::loadFromCache(indexed_archives& indexed) const
     return false;
 }
 
-void pack_reader::writeCache(const indexed_archives& indexed)
+bool pack_reader::wantsCache(cache_use use) const
 {
-    const bool is_certain = std::all_of(indexed.archives.begin(), indexed.archives.end(),
-                                        [](const archive_listing& archive) { return archive.is_certain; });
-    if (!m_po_cache || !is_certain)
-        return;
+    return m_po_cache && m_po_tree && !m_is_from_cache &&
+           (use == cache_use::always ||
+            (use == cache_use::where_it_pays && pack_cache::pays({m_archives.size(), m_po_tree->entryCount()})));
+}
+
+bool pack_reader::writeCache() const
+{
     failure why;
-    m_has_written_cache = m_po_cache->write(indexed, why);
-    if (!m_has_written_cache)
-        tell(m_work.log, "[PACK CACHE] " + m_po_cache->path() + " : not written, " + why.what);
+    if (m_po_cache->write({m_po_tree, m_listings}, why, m_work.stop))
+        return true;
+    tell(m_work.log, "[PACK CACHE] " + m_po_cache->path() + " : not written, " + why.what);
+    return false;
 }
 
 // The same whether the archives were indexed or came out of the cache.

@@ -31,6 +31,10 @@ namespace korvane
 [[nodiscard]] bool listArchives(const std::string& folder, std::vector<std::string>& archives, failure& why,
                                 const std::stop_token& stop = {});
 
+// The archives of several folders in the order in which they are indexed; folders without any are passed over.
+[[nodiscard]] std::vector<std::string> archivesInOrder(const std::vector<std::string>& folders,
+                                                       const std::stop_token& stop = {});
+
 // What the notice of damaged archives begins with, before a line for each.
 inline constexpr std::string_view archive_damage_heading = "An error has occured ";
 
@@ -58,8 +62,11 @@ public:
     // What the person is to be told of the last load.
     const std::vector<notice>& notices() const { return m_notices; }
 
-    // Whether the cache was written, so that it wants to be recorded (pack_cache::recordIn).
-    bool hasWrittenCache() const { return m_has_written_cache; }
+    // Whether the cache could not serve, and is to be written for the archives as they are.
+    bool wantsCache(cache_use use) const;
+    // Before a mod folder is laid over the archives. Whether it was written, so that it wants to be recorded
+    // (pack_cache::recordIn); else the log says why not.
+    bool writeCache() const;
 
     // Adds the archives of one folder to the list; false, with a notice, when there is none.
     [[nodiscard]] bool findValidPakFiles(const std::string& folder);
@@ -67,7 +74,6 @@ public:
 private:
     void sortArchives();
     bool loadFromCache(indexed_archives& indexed) const;
-    void writeCache(const indexed_archives& indexed);
     void report();
 
     work_port m_work;
@@ -76,7 +82,7 @@ private:
     std::shared_ptr<path_tree> m_po_tree; // becomes constant when it is given away
     std::vector<archive_listing> m_listings;
     std::vector<notice> m_notices;
-    bool m_has_written_cache = false;
+    bool m_is_from_cache = false;
 };
 
 } // namespace korvane

@@ -57,6 +57,8 @@ constexpr command_row table[] = {
 
     {command::game_folders, "&Tools", "&Setup Game Folders...",
      "Says where the games' data folders and your mod folders are."},
+    {command::index_cache, "&Tools", "&Index Cache...",
+     "Says what is kept of the archives so that a start is quick, and makes it anew or deletes it."},
 
     {command::convert_animation, animations_menu, "Convert &FBX animation to .ANIM\t Ctrl+Shift+C",
      "Makes a game animation out of an FBX file."},

@@ -29,6 +29,7 @@ enum class document_command
     replace_path_prefix,
     copy_texture_paths,
     game_folders,
+    index_cache,
     convert_animation,
     generate_bone_table,
     play_animation,

@@ -40,6 +40,7 @@ bool model_commands::isEnabled(document_command command, const window_facts& fac
     case document_command::copy:
     case document_command::paste:
     case document_command::game_folders:
+    case document_command::index_cache:
     case document_command::convert_animation:
     case document_command::generate_bone_table:
     case document_command::open_definition:

@@ -53,9 +53,13 @@ game_load game_loader::load(const work_port& work) const
 {
     tell(work.log, "Initializing virtual file system (.pack reading)...");
     const pack_cache cache = pack_cache::of(m_config, m_config_path);
-    pack_reader reader(work, m_has_cache && !m_folders ? &cache : nullptr);
+    const cache_use use = cacheUseOf(m_config);
+    const bool has_cache = m_has_cache && !m_folders && use != cache_use::never;
+    pack_reader reader(work, has_cache ? &cache : nullptr);
     game_load result;
     const bool has_archives = folders().empty() ? !modFolders().empty() : reader.loadAllArchives(folders());
+    result.wants_cache = has_archives && m_defers_cache && reader.wantsCache(use);
+    const bool has_written = has_archives && !m_defers_cache && reader.wantsCache(use) && reader.writeCache();
     const bool is_whole = has_archives && addModFolders(reader, result.notices);
     if (is_whole && reader.tree())
         result.game = std::make_shared<game_data>(reader.tree());
@@ -67,7 +71,7 @@ game_load game_loader::load(const work_port& work) const
         for (std::string& line : describeLeftOut(archive))
             result.left_out.push_back(std::move(line));
     // Whether that succeeds or not: the cache is found by its usual name as well.
-    if (reader.hasWrittenCache())
+    if (has_written)
         recordCache(work.log);
     return result;
 }
@@ -86,7 +90,8 @@ game_load game_loader::reload(const work_port& work) const
     if (!hasFolders())
         return {
             nullptr, {{"Error!", "Setup up your games' \\data\\ folder in tools->setup game data folder first"}}, {}};
-    pack_cache::of(m_config, m_config_path).discard();
+    failure ignored;
+    pack_cache::of(m_config, m_config_path).remove(ignored);
     return load(work);
 }
 

@@ -28,6 +28,7 @@ struct game_load
     std::shared_ptr<const game_data> game; // null: nothing was loaded
     std::vector<notice> notices;           // what the person is to be told, whether it was or not
     std::vector<std::string> left_out;     // files that no archive really holds, a line each
+    bool wants_cache = false;              // deferred: it is to be written (jobs/cache_job.h)
 };
 
 class game_loader
@@ -43,6 +44,8 @@ public:
     // Instead of those of the configuration ("mod_paths"), for once: one that cannot be read is then a failure.
     void useModFolders(std::vector<std::string> folders) { m_mod_folders = std::move(folders); }
     void leaveOutCache() { m_has_cache = false; }
+    // It is not written while somebody waits for the game; the result says whether it is to be.
+    void deferCache() { m_defers_cache = true; }
 
     // Data folders or mod folders.
     bool hasFolders() const { return !folders().empty() || !modFolders().empty(); }
@@ -65,6 +68,7 @@ private:
     std::optional<std::vector<std::string>> m_folders;
     std::optional<std::vector<std::string>> m_mod_folders;
     bool m_has_cache = true;
+    bool m_defers_cache = false;
 };
 
 // Makes a game's archives those of this process (pack_file::sm_poPathTree), which only getNodeFromInternalPath() of

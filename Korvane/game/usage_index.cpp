@@ -153,6 +153,17 @@ std::size_t usage_index::fileCount() const
     return count;
 }
 
+std::size_t usage_index::unknownArchives(const game_data& game) const
+{
+    if (!game.archives())
+        return 0;
+    const auto& archives = game.archives()->archives();
+    return static_cast<std::size_t>(std::count_if(archives.begin(), archives.end(), [this](const auto& archive) {
+        return !archive->is_folder && std::none_of(m_sections.begin(), m_sections.end(),
+                                                   [&](const auto& each) { return isOf(*each, *archive); });
+    }));
+}
+
 std::vector<std::string> usage_index::damaged() const
 {
     std::vector<std::string> lines;

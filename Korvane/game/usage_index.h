@@ -40,6 +40,9 @@ public:
     // False when all of it was taken from the other one and nothing is gone: it need not be written again.
     [[nodiscard]] bool isOtherThan(const usage_index& other) const;
     std::size_t fileCount() const; // models and definitions that were read, hidden copies included
+    std::size_t archiveCount() const { return m_sections.size(); }
+    // How many archives of the game it has not read as they are.
+    [[nodiscard]] std::size_t unknownArchives(const game_data& game) const;
     // Those that could not be read, "PATH in ARCHIVE: why".
     [[nodiscard]] std::vector<std::string> damaged() const;
 
@@ -71,8 +74,12 @@ public:
     [[nodiscard]] usage_index load(failure& why) const;
     // Replaces the file, unless what stands there is something else.
     [[nodiscard]] bool write(const usage_index& index, failure& why) const;
+    // Deletes the file, if it is a usage index; true as well when there is none.
+    bool remove(failure& why) const;
 
 private:
+    bool mayReplace(failure& why) const;
+
     std::string m_path;
 };
 

@@ -3,11 +3,14 @@
 #include "EASY_GUI/services/file_stamp.h"
 #include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/memory_file.h"
+#include "EASY_GUI/services/positioned_file.h"
+#include "EASY_GUI/services/text.h"
 #include "Korvane/archives/checksum.h"
 #include "Korvane/archives/pack_cache.h"
 #include "Korvane/game/usage_section.h"
 
 #include <algorithm>
+#include <array>
 
 namespace korvane
 {
@@ -155,12 +158,30 @@ usage_index usage_store::load(failure& why) const
     return index;
 }
 
+bool usage_store::mayReplace(failure& why) const
+{
+    if (!stampOf(m_path).is_there)
+        return true;
+    positioned_file former;
+    failure ignored;
+    std::array<std::byte, identification.size()> start;
+    return (former.open(m_path, ignored) && former.readAt(0, start) && isStore(start)) ||
+           fail(why, failure_kind::refused, "what stands there is no usage index", m_path);
+}
+
+bool usage_store::remove(failure& why) const
+{
+    if (!mayReplace(why))
+        return false;
+    std::error_code error;
+    std::filesystem::remove(toPath(m_path), error);
+    return !error || fail(why, failure_kind::refused, "it cannot be deleted: " + displayText(error.message()), m_path);
+}
+
 bool usage_store::write(const usage_index& index, failure& why) const
 {
-    memory_file former;
-    failure ignored;
-    if (stampOf(m_path).is_there && (!former.read(m_path, ignored) || !isStore(former.bytes())))
-        return fail(why, failure_kind::refused, "what stands there is no usage index", m_path);
+    if (!mayReplace(why))
+        return false;
     byte_writer out;
     out.text(identification);
     std::vector<const section*> kept;

@@ -104,7 +104,7 @@ struct loading
         };
         pack_reader reader({{}, {}, note}, cache);
         EXPECT_TRUE(reader.loadAllArchives({folder.path("")}));
-        has_written = reader.hasWrittenCache();
+        has_written = reader.wantsCache(cache_use::always) && reader.writeCache();
         content = contentOf(*(tree = reader.tree()));
         for (const auto& [title, text] : reader.notices())
             shown += title + "|" + text;
@@ -238,7 +238,8 @@ TEST(pack_cache, itStandsBesideTheConfigurationWhichRecordsIt)
     config.add("packs_cache", {"precious.txt"}, false); // no cache's name
     EXPECT_EQ(pack_cache::of(config, config_path).path(), folder.path("packs.cache"));
     test::writeBytes(folder.path("precious.cache"), "no cache, whatever its name says");
-    pack_cache(folder.path("precious.cache")).discard();
+    failure why;
+    EXPECT_FALSE(pack_cache(folder.path("precious.cache")).remove(why));
     EXPECT_FALSE(loading(folder, nullptr).has_written);
     const pack_cache precious(folder.path("precious.cache"));
     EXPECT_FALSE(loading(folder, &precious).has_written);

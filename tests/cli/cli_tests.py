@@ -488,6 +488,9 @@ class archives(cli_case):
         options = ["--config", config, "--quiet"]
         plain = korvane("list", "--json", "--no-cache", *options, check=0)[1]
         self.assertFalse(os.path.exists(self.path("packs.cache")))
+        self.assertEqual(korvane("list", "--json", *options, check=0)[1], plain)
+        self.assertFalse(os.path.exists(self.path("packs.cache")), "few archives: it does not pay")
+        korvane("config", "add", "cache_use", "always", *options, check=0)
         first = korvane("list", "--json", *options, check=0)[1]
         second = korvane("list", "--json", *options, check=0)[1]
         self.assertEqual([first, second], [plain, plain])

@@ -33,7 +33,7 @@ TEST(command_table, menusHaveTheirTextsInTheirOrder)
         {"Edit",
          {"Test...(MAIN_EDIT_TEST)", "Copy \t\t Ctrl+C", "Paste \t\t Ctrl+V", "Undo \t\t Ctrl+Z", "Redo \t\t Ctrl+Y",
           "Replace Path Prefix...", "Copy textures paths"}},
-        {"Tools", {"Setup Game Folders..."}},
+        {"Tools", {"Setup Game Folders...", "Index Cache..."}},
         {"Animations",
          {"Convert FBX animation to .ANIM\t Ctrl+Shift+C", "Generate .bone_table From .ANIM\t Ctrl+Shift+G",
           "Play Animation... \t\t Ctrl+P"}},

@@ -216,6 +216,9 @@ TEST_F(open_files_test, reReadingBringsTheArchivesNewContent)
 
 TEST_F(open_files_test, theCacheIsRecordedAndAReReadDoesNotTrustIt)
 {
+    m_config.add("data_paths", {m_folder.file("")}, false);
+    m_config.add("cache_use", {"always"}, false);
+    ASSERT_TRUE(m_config.save(m_config_path));
     ASSERT_TRUE(reread({{"a", "1"}}));
     EXPECT_EQ(m_config.get("packs_cache"), std::vector<std::string>{"packs.cache"});
     config_file saved;
