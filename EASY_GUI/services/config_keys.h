@@ -19,7 +19,10 @@ inline constexpr std::string_view first_time = "first_time";   // empty until th
 inline constexpr std::string_view folder_box_text = "folder_box_text_saved"; // last typed into the dialog of folders
 
 inline constexpr std::string_view internal_folders = "internal_folders"; // last shown in the browser of the archives
-inline constexpr std::string_view bone_list_path = "bone_list_path";     // the folder of bone tables
+inline constexpr std::string_view archive_sorting =
+    "archive_sorting"; // of its list: "size", "size down"; none: by path
+inline constexpr std::string_view favourite_folders = "favourite_folders";        // of the archives
+inline constexpr std::string_view bone_list_path = "bone_list_path";              // the folder of bone tables
 inline constexpr std::string_view older_converted_files = "converted_anim_files"; // older name of converted_files: read
 // Folders that were last used for a conversion.
 inline constexpr std::string_view last_fbx_folder = "fbx_to_anim_dialog__last_fbx_dir";
@@ -51,6 +54,6 @@ inline constexpr std::array known = {
     last_fbx_folder, last_anim_folder,  last_export_folder, conversion_choices, export_folder,
     export_settings, main_window_place, view_place,         playback_place,     page,
     texture_folder,  texture_choices,   picture_choices,    take_out_folder,    take_out_settings,
-    cache_use};
+    cache_use,       archive_sorting,   favourite_folders};
 
 } // namespace korvane::config_keys

@@ -156,6 +156,14 @@ std::string displayText(std::string_view bytes)
     return text;
 }
 
+std::string menuText(std::string_view bytes)
+{
+    std::string text;
+    for (const char character : displayText(bytes))
+        text.append(character == '&' ? 2 : 1, character);
+    return text;
+}
+
 std::string terminalText(std::string_view bytes)
 {
     constexpr char digits[] = "0123456789abcdef";

@@ -28,6 +28,8 @@ void lowerInPlace(char* text, std::size_t size);
 [[nodiscard]] bool isUtf8(std::string_view text);
 // What to show of a text from a file: the text when it is UTF-8, else its bytes read as Latin-1.
 [[nodiscard]] std::string displayText(std::string_view bytes);
+// The same for a menu: an '&' is doubled, so that it is shown.
+[[nodiscard]] std::string menuText(std::string_view bytes);
 // The same for a terminal: control characters, which could move the cursor or colour the screen, become \x1b and so on.
 [[nodiscard]] std::string terminalText(std::string_view bytes);
 // How many bytes of a text to keep so that at most limit are kept and no character is cut in two.

@@ -26,13 +26,18 @@ public:
         return createControl(L"EDIT", parent, id, {}, ES_LEFT | ES_AUTOHSCROLL | WS_TABSTOP | readOnly(wanted),
                              WS_EX_CLIENTEDGE);
     }
-    // Lines are not broken; their ends are "\r\n".
-    [[nodiscard]] bool createLines(HWND parent, int id, access wanted)
+    enum class line_breaks
+    {
+        as_given,
+        where_needed // too
+    };
+    // Line ends are "\r\n".
+    [[nodiscard]] bool createLines(HWND parent, int id, access wanted, line_breaks breaks = line_breaks::as_given)
     {
         m_has_lines = true;
-        constexpr DWORD style =
-            ES_LEFT | ES_MULTILINE | ES_AUTOHSCROLL | ES_AUTOVSCROLL | WS_HSCROLL | WS_VSCROLL | WS_TABSTOP;
-        if (!createControl(L"EDIT", parent, id, {}, style | readOnly(wanted), WS_EX_CLIENTEDGE))
+        const DWORD style = ES_LEFT | ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL | WS_TABSTOP | readOnly(wanted) |
+                            (breaks == line_breaks::as_given ? ES_AUTOHSCROLL | WS_HSCROLL : 0u);
+        if (!createControl(L"EDIT", parent, id, {}, style, WS_EX_CLIENTEDGE))
             return false;
         send(EM_SETLIMITTEXT, 0); // as much as there is room for
         return true;
@@ -43,6 +48,11 @@ public:
         m_is_set = true;
         control::setText(text);
         m_is_set = false;
+    }
+    void focusAll() // so that typing replaces what is there
+    {
+        focus();
+        send(EM_SETSEL, 0, -1);
     }
     void append(std::string_view text) // and show the end
     {

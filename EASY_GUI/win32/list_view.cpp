@@ -178,6 +178,21 @@ void list_view::setColumnWidths(std::span<const int> widths)
     fitLastColumn();
 }
 
+void list_view::showSorting(int column, bool is_descending)
+{
+    const auto header = reinterpret_cast<HWND>(send(LVM_GETHEADER));
+    for (std::size_t i = 0; i < m_po_model->columns().size(); ++i)
+    {
+        HDITEMW title{};
+        title.mask = HDI_FORMAT;
+        SendMessageW(header, HDM_GETITEMW, i, reinterpret_cast<LPARAM>(&title));
+        title.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
+        if (static_cast<int>(i) == column)
+            title.fmt |= is_descending ? HDF_SORTDOWN : HDF_SORTUP;
+        SendMessageW(header, HDM_SETITEMW, i, reinterpret_cast<LPARAM>(&title));
+    }
+}
+
 // The column that has no width of its own takes what the others leave.
 void list_view::fitLastColumn()
 {

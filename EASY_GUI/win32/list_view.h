@@ -46,6 +46,9 @@ public:
     std::vector<int> columnWidths() const;
     void setColumnWidths(std::span<const int> widths);
 
+    // An arrow in the title of the column by which the model's rows are sorted; -1: in none.
+    void showSorting(int column, bool is_descending);
+
     bool fillsHeight() const override { return true; }
 
 protected:

@@ -67,7 +67,14 @@ void archive_lookups::search(const path_query& query)
 {
     const std::size_t number = ++m_number;
     m_is_search = true;
-    m_browser.beginList(query.text.empty() ? "Files of this kind" : "Files with \"" + displayText(query.text) + "\"");
+    std::string heading = "Files";
+    if (!query.text.empty())
+        heading += " with \"" + displayText(query.text) + "\"";
+    if (!query.extension.empty())
+        heading += " of this type";
+    if (query.po_archive != nullptr)
+        heading += " of " + displayText(query.po_archive->name);
+    m_browser.beginList(heading);
     m_work.start([this, known = m_po_known, number, query,
                   box = m_host.thread().box()](const work_port& work) -> background_task::answer {
         if (known->search == nullptr)

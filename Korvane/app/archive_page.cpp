@@ -3,11 +3,14 @@
 #include "EASY_GUI/services/shared_config.h"
 #include "EASY_GUI/services/text.h"
 #include "EASY_GUI/win32/menu.h"
+#include "Korvane/app/archive_overview_dialog.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/copy_paste.h"
+#include "Korvane/app/text_dialogs.h"
 #include "Korvane/archives/internal_path.h"
 #include "Korvane/document/open_definition.h"
 #include "Korvane/document/window_place.h"
+#include "Korvane/presenters/archive_places.h"
 
 #include <algorithm>
 #include <array>
@@ -30,16 +33,24 @@ enum archive_command : int
     who_uses_it,
     what_it_needs,
     show_its_folder,
-    take_out_copy = 200, // + number of the hidden copy
+    view_row,
+    its_archive,
+    add_favourite,
+    remove_favourite,
+    open_copy = 200, // + number of the hidden copy
+    view_copy = 300,
+    take_out_copy = 400,
+    favourite_first = 1000,
 };
 
 } // namespace
 
 archive_page::archive_page(page_host& host)
-    : rows_page(host, {&m_back, &m_forward, &m_up, &m_path_name, &m_path, &m_find_name, &m_find, &m_type, &m_archive,
-                       &m_tree, &m_list, &m_details, &m_status, &m_open, &m_take_out})
+    : rows_page(host, {&m_back, &m_forward, &m_up, &m_path_name, &m_path, &m_favourites, &m_find_name, &m_find, &m_type,
+                       &m_archive, &m_overview, &m_tree, &m_list, &m_details, &m_status, &m_open, &m_take_out})
     , m_exchange(host)
     , m_preview(host.thread())
+    , m_viewer(host)
     , m_lookups(host, m_browser,
                 {[this] {
                      m_list.refresh();
@@ -53,11 +64,16 @@ archive_page::archive_page(page_host& host)
                  [this] { m_list.refresh(); }, [this](const std::string& text) { m_status.setText(text); }})
 {
     layout places(layout::direction::across);
-    places.add(m_back, fixed(32)).add(m_forward, fixed(32)).add(m_up, fixed(44)).add(m_path_name).add(m_path, share());
+    places.add(m_back, fixed(32))
+        .add(m_forward, fixed(32))
+        .add(m_up, fixed(44))
+        .add(m_path_name)
+        .add(m_path, share())
+        .add(m_favourites);
     layout finding(layout::direction::across);
-    finding.add(m_find_name).add(m_find, share()).add(m_type, fixed(130)).add(m_archive, fixed(150));
+    finding.add(m_find_name).add(m_find, share()).add(m_type, fixed(130)).add(m_archive, fixed(150)).add(m_overview);
     layout panes(layout::direction::across);
-    panes.add(m_tree, share(3, 80)).add(m_list, share(7, 120)).add(m_preview, share(4, 80));
+    panes.add(m_tree, share(3, 80)).add(m_list, share(8, 120)).add(m_preview, share(4, 80));
     m_layout.add(std::move(places)).add(std::move(finding)).add(std::move(panes), share(1, 80)).add(m_details);
     m_layout.add(layout(layout::direction::across).add(m_status, share()).add(m_open).add(m_take_out));
 }
@@ -71,8 +87,10 @@ bool archive_page::createControls(failure& why)
         m_back.create(handle(), control_archive_back, "<") &&
         m_forward.create(handle(), control_archive_forward, ">") && m_up.create(handle(), control_archive_up, "Up") &&
         m_path_name.create(handle(), "F&older:") && m_path.create(handle(), control_archive_path, editable) &&
+        m_favourites.create(handle(), control_archive_favourites, "Fa&vourites...") &&
         m_find_name.create(handle(), "F&ind:") && m_find.create(handle(), control_archive_find, editable) &&
         m_type.create(handle(), control_archive_type) && m_archive.create(handle(), control_archive_archive) &&
+        m_overview.create(handle(), control_archive_overview, "Arc&hives...") &&
         m_tree.create(handle(), control_archive_tree, m_browser.folders()) &&
         m_list.create(handle(), control_archive_list, m_browser.rows(), options) && m_preview.createIn(handle(), why) &&
         m_details.create(handle(), control_archive_details) && m_status.create(handle(), control_archive_status) &&
@@ -82,6 +100,7 @@ bool archive_page::createControls(failure& why)
         return fail(why, failure_kind::refused, "a control of the page Archives could not be created");
     m_list.setColumnWidths(
         keptColumns(host().config().table(), archive_columns_name, m_browser.rows().columns().size()));
+    restorePlace(m_browser, host().config().table());
     for (const std::string_view type : types)
         m_type.add(type.empty() ? std::string("All types") : typeName(type));
     m_type.select(0);
@@ -89,6 +108,8 @@ bool archive_page::createControls(failure& why)
     m_forward.setTip("Forward (Alt+Right)");
     m_up.setTip("The folder above (Backspace)");
     m_find.setTip("Parts of paths, all of which have to be there; * and ? stand for other characters");
+    m_favourites.setTip("Folders to come back to");
+    m_overview.setTip("All archives in the order in which they count, what each overrides, and why");
     m_take_out.setTip("Writes the chosen files into a folder of the disk");
     connect();
     return true;
@@ -99,7 +120,11 @@ void archive_page::connect()
     m_back.onClick = [this] { go(&archive_browser::goBack); };
     m_forward.onClick = [this] { go(&archive_browser::goForward); };
     m_up.onClick = [this] { go(&archive_browser::goUp); };
-    m_path.onKey = [this](unsigned key) { return key == VK_F3 && (m_find.focus(), true); };
+    m_path.onKey = [this](unsigned key) {
+        return key == VK_F3 ? (m_find.focusAll(), true) : key == VK_RETURN && goToRows();
+    };
+    m_favourites.onClick = [this] { showFavourites(); };
+    m_overview.onClick = [this] { showArchives(); };
     m_path.onChange = [this] {
         if (!m_browser.open(m_path.text()))
             return;
@@ -111,9 +136,7 @@ void archive_page::connect()
     m_type.onSelect = [this](int) { search(); };
     m_archive.onSelect = [this](int) { search(); };
     m_tree.onSelect = m_tree.onActivate = [this](tree_model::node chosen) {
-        clearSearch();
-        m_browser.open(m_browser.folders().pathOf(chosen));
-        showPlace();
+        openFolder(std::string(m_browser.folders().pathOf(chosen)));
     };
     m_list.onSelect = [this](int) { showChosen(); };
     m_list.onActivate = [this](int row) { open(row); };
@@ -136,7 +159,10 @@ void archive_page::applyFont(const font& used)
 
 bool archive_page::keep(config_file& config) const
 {
-    return hasControls() && keepColumns(config, archive_columns_name, m_list.columnWidths());
+    if (!hasControls())
+        return false;
+    const bool is_other = m_browser.hasFiles() && keepPlace(config, m_browser);
+    return keepColumns(config, archive_columns_name, m_list.columnWidths()) || is_other;
 }
 
 HWND archive_page::firstControl() const
@@ -213,6 +239,8 @@ void archive_page::showList()
     m_back.setEnabled(m_browser.canGoBack() || !m_browser.isFolderShown());
     m_forward.setEnabled(m_browser.canGoForward());
     m_up.setEnabled(m_browser.canGoUp() || !m_browser.isFolderShown());
+    const archive_sorting& sorting = m_browser.sorting();
+    m_list.showSorting(sorting.by ? static_cast<int>(*sorting.by) : -1, sorting.is_descending);
     m_list.refresh();
     m_status.setText(m_browser.status(false));
     showChosen();
@@ -272,9 +300,7 @@ void archive_page::open(int row)
     const auto number = static_cast<std::size_t>(row);
     if (const path_node* const folder = m_browser.rows().folderAt(number))
     {
-        clearSearch();
-        m_browser.open(folder->path());
-        showPlace();
+        openFolder(std::string(folder->path()));
         m_list.select(m_browser.rows().rowCount() > 0 ? 0 : -1);
         return showChosen();
     }
@@ -285,12 +311,81 @@ void archive_page::open(int row)
 void archive_page::openFile(const pack_file_node& file)
 {
     const std::string path(file.internalPath());
+    const bool counts = m_browser.game()->archives()->findStored(path)->file() == &file;
+    const std::string given =
+        (counts ? game_path::ofInternal(path) : game_path::ofCopy(file.archive().name, path)).text();
     if (namesOtherFiles(path) || isFbxPath(path))
-        host().openFile(game_path::ofInternal(path).text());
+        host().openFile(given);
     else if (endsWithIgnoringCase(path, ".anim"))
-        host().playAnimation(game_path::ofInternal(path).text());
+        host().playAnimation(given);
     else
-        host().setStatus("Its contents are shown beside the list; Take Out... writes it to the disk.");
+        view(file);
+}
+
+void archive_page::view(const pack_file_node& file)
+{
+    m_viewer.view(game_file(std::shared_ptr<const pack_file_node>(m_browser.game()->archives(), &file)));
+}
+
+void archive_page::openFolder(const std::string& folder)
+{
+    clearSearch();
+    m_browser.open(folder);
+    showPlace();
+}
+
+void archive_page::showFavourites()
+{
+    const std::vector<std::string> folders = favouriteFolders(host().config().table());
+    const bool is_one = std::find(folders.begin(), folders.end(), m_browser.folder()) != folders.end();
+    std::vector<menu_row> rows;
+    for (std::size_t i = 0; i < folders.size(); ++i)
+        rows.push_back({favourite_first + static_cast<int>(i), menuText(folders[i])});
+    if (!rows.empty())
+        rows.push_back({});
+    if (is_one)
+        rows.push_back({remove_favourite, "&Remove This Folder"});
+    else
+        rows.push_back({add_favourite, "&Add This Folder", !m_browser.folder().empty()});
+    RECT below{};
+    GetWindowRect(m_favourites.handle(), &below);
+    const int chosen = chooseFromMenu(handle(), {below.left, below.bottom}, rows);
+    if (chosen == add_favourite || chosen == remove_favourite)
+        host().config().change(
+            [&](config_file& config) { return setFavourite(config, m_browser.folder(), chosen == add_favourite); });
+    else if (chosen >= favourite_first)
+    {
+        const std::string& folder = folders[static_cast<std::size_t>(chosen - favourite_first)];
+        openFolder(folder);
+        if (m_browser.folder() != folder)
+            host().setStatus("The archives have no folder " + displayText(folder) + " now.");
+        goToRows();
+    }
+}
+
+void archive_page::showArchives()
+{
+    const auto& archives = m_browser.game()->archives()->archives();
+    std::optional<archive_overview> overview;
+    if (archives.empty() || !host().work("Looking at all archives", [&](const work_port& work) {
+            overview.emplace(m_browser.game()->archives(), work);
+        }))
+        return;
+    const int row = m_list.selected();
+    const pack_file_node* const file = row < 0 ? nullptr : m_browser.rows().fileAt(static_cast<std::size_t>(row));
+    std::size_t first = archives.size() - 1;
+    for (std::size_t i = 0; i < archives.size(); ++i)
+        if (m_archive.selected() > 0 ? m_archive.selected() - 1 == static_cast<int>(i)
+                                     : file != nullptr && archives[i].get() == &file->archive())
+            first = i;
+    archive_overview_dialog shown(*overview, first);
+    if (runDialog(host(), shown) != archive_overview_dialog::show_files)
+        return;
+    m_find.setText("");
+    m_type.select(0);
+    m_archive.select(static_cast<int>(shown.chosen()) + 1);
+    search();
+    m_list.focus();
 }
 
 archive_page::file_list archive_page::chosenFiles() const
@@ -371,8 +466,12 @@ bool archive_page::onListKey(unsigned virtual_key)
         return go(&archive_browser::goBack), true;
     if (has_alt && virtual_key == VK_RIGHT)
         return go(&archive_browser::goForward), true;
+    const int row = m_list.selected();
+    if (const pack_file_node* const file = row < 0 ? nullptr : m_browser.rows().fileAt(static_cast<std::size_t>(row));
+        virtual_key == VK_F4 && !has_alt && file != nullptr)
+        return view(*file), true;
     if (virtual_key == VK_F3)
-        return m_find.focus(), true;
+        return m_find.focusAll(), true;
     return false;
 }
 
@@ -385,21 +484,31 @@ void archive_page::showMenu(int row, POINT on_screen)
     const file_list hidden = file != nullptr ? m_browser.copiesOf(number) : file_list();
     constexpr std::size_t most = 20;
     for (std::size_t i = 0; i < hidden.size() && i < most; ++i)
-        copies.rows.push_back({take_out_copy + static_cast<int>(i),
-                               "Take out that of " + displayText(hidden[i]->archive().name) + "...", true});
+    {
+        const int copy = static_cast<int>(i);
+        copies.rows.push_back({0,
+                               menuText(hidden[i]->archive().name),
+                               true,
+                               false,
+                               {{open_copy + copy, "&Open"},
+                                {view_copy + copy, "&View Text or Bytes"},
+                                {take_out_copy + copy, "&Take Out..."}}});
+    }
     copies.is_enabled = !copies.rows.empty();
     std::vector<menu_row> rows = {
         {open_row, "&Open\tEnter", file != nullptr || is_folder},
+        {view_row, "&View Text or Bytes\tF4", file != nullptr},
         {take_out_rows, "&Take Out...", file != nullptr || is_folder},
         {},
         {who_uses_it, "Where Is This &Used?", row >= 0 && !is_folder},
         {what_it_needs, "What Does It &Need?", file != nullptr && namesOtherFiles(file->internalPath())},
+        {its_archive, "About Its &Archive...", file != nullptr},
         {show_its_folder, "Show Its &Folder", file != nullptr && !m_browser.isFolderShown()},
         {},
         {copy_paths, "&Copy Path\tCtrl+C", row >= 0},
     };
     if (!copies.rows.empty())
-        rows.insert(rows.begin() + 2, std::move(copies));
+        rows.insert(rows.begin() + 3, std::move(copies));
     runFromMenu(chooseFromMenu(handle(), on_screen, rows), row);
 }
 
@@ -420,19 +529,31 @@ void archive_page::runFromMenu(int chosen, int row)
     case what_it_needs:
         return m_lookups.listNeeds(path);
     case show_its_folder:
-        clearSearch();
-        m_browser.open(folderAround(path));
-        showPlace();
-        if (const std::optional<std::size_t> shown = m_browser.rowOf(path))
-            m_list.select(static_cast<int>(*shown));
-        return showChosen();
+        return showItsFolder(path);
+    case view_row:
+        return view(*m_browser.rows().fileAt(number));
+    case its_archive:
+        return showArchives();
     case copy_paths:
         return copyText(host(), copiedText());
     default:
         const file_list hidden = m_browser.copiesOf(number);
-        if (const auto copy = static_cast<std::size_t>(chosen - take_out_copy); copy < hidden.size())
+        const auto copy = static_cast<std::size_t>(chosen % 100);
+        if (copy >= hidden.size())
+            return;
+        if (chosen >= take_out_copy)
             takeOut({hidden[copy]});
+        else
+            chosen >= view_copy ? view(*hidden[copy]) : openFile(*hidden[copy]);
     }
+}
+
+void archive_page::showItsFolder(const std::string& path)
+{
+    openFolder(std::string(folderAround(path)));
+    if (const std::optional<std::size_t> shown = m_browser.rowOf(path))
+        m_list.select(static_cast<int>(*shown));
+    showChosen();
 }
 
 } // namespace korvane

@@ -12,6 +12,7 @@
 #include "Korvane/app/archive_exchange.h"
 #include "Korvane/app/archive_lookups.h"
 #include "Korvane/app/file_preview_panel.h"
+#include "Korvane/app/file_viewer.h"
 #include "Korvane/app/filter_field.h"
 #include "Korvane/app/rows_page.h"
 #include "Korvane/presenters/archive_browser.h"
@@ -32,9 +33,11 @@ public:
     void showDocument() override;
     HWND firstControl() const override;
     std::string copiedText() const override; // the internal paths of the chosen rows
+    bool onEscape() override { return hasControls() && !isEmpty() && leaveList(); }
     bool keep(config_file& config) const override;
     bool isSearching() const { return m_lookups.isRunning(); }
     const archive_browser& browser() const { return m_browser; }
+    const file_viewer& viewer() const { return m_viewer; }
 
 protected:
     bool createControls(failure& why) override;
@@ -56,9 +59,14 @@ private:
     void search();
     void open(int row);
     void openFile(const pack_file_node& file);
+    void view(const pack_file_node& file); // as text or bytes
     void takeOut(const file_list& files);
     file_list chosenFiles() const;
+    void openFolder(const std::string& folder);
+    void showFavourites();
+    void showArchives();
     void showMenu(int row, POINT on_screen);
+    void showItsFolder(const std::string& path);
     void runFromMenu(int chosen, int row);
     bool onListKey(unsigned virtual_key);
     void go(void (archive_browser::*where)());
@@ -69,18 +77,20 @@ private:
     archive_browser m_browser;
     archive_exchange m_exchange;
 
-    button m_back, m_forward, m_up;
+    button m_back, m_forward, m_up, m_favourites;
     field_name m_path_name;
     filter_field m_path;
     field_name m_find_name;
     filter_field m_find;
     combo_box m_type, m_archive;
+    button m_overview;
     tree_view m_tree;
     list_view m_list;
     file_preview_panel m_preview;
     label m_details;
     label m_status;
     button m_open, m_take_out;
+    file_viewer m_viewer;
     archive_lookups m_lookups; // the last member: its work ends first
 };
 

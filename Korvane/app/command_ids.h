@@ -210,6 +210,20 @@ enum control_id : int
     control_archive_status,
     control_archive_open,
     control_archive_take_out,
+    control_archive_favourites,
+    control_archive_overview,
+
+    control_viewer_form = 1870,
+    control_viewer_find,
+    control_viewer_next,
+    control_viewer_position,
+    control_viewer_text,
+    control_viewer_bytes,
+    control_viewer_status,
+
+    control_overview_list = 1890,
+    control_overview_facts,
+    control_overview_show,
 
     control_take_out_files = 1880,
     control_take_out_folder,

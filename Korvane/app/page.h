@@ -72,6 +72,7 @@ public:
     virtual std::string copiedText() const { return {}; }
     // Paste, with the focus on a control of the page. False: it has no use for a text, and the control itself gets it.
     virtual bool paste(const std::string& /*text*/) { return false; }
+    virtual bool onEscape() { return false; } // true: there was something to leave
     // What the person arranged here, for the next start. True when the configuration changed.
     virtual bool keep(config_file& /*config*/) const { return false; }
 

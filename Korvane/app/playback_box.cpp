@@ -436,6 +436,8 @@ void playback_box::playFile(const std::string& path)
     animation_choice choice{nullptr, path};
     if (const auto& archives = m_host.document().game()->archives(); given.isInternal() && archives != nullptr)
         choice = {archives->findFile(given.internalPath()), {}};
+    if (choice.entry == nullptr && !given.archive().empty()) // one archive's own copy
+        choice = {m_host.document().game()->find(given.internalPath()).entry(), {}};
     if (given.isInternal() && choice.entry == nullptr)
         return; // gone from the archives since it was chosen
     if (const std::optional<std::size_t> row = m_picker.rows().rowOf(choice.place()))

@@ -50,10 +50,7 @@ bool isRecentFileThere(const std::string& path, const game_data& game)
 
 std::string recentFileLabel(std::size_t position, const std::string& path)
 {
-    std::string label;
-    for (const char character : path)
-        label.append(character == '&' ? 2 : 1, character);
-    return label + "\tCtrl + " + std::to_string((position + 1) % 10);
+    return menuText(path) + "\tCtrl + " + std::to_string((position + 1) % 10);
 }
 
 } // namespace korvane

@@ -16,9 +16,9 @@ save_place::save_place(const std::string& model_path, const std::string& disk_pa
 {
     std::string reason;
     const game_path path(model_path);
-    const auto relative = relativeDiskPath(normalInternalPath(path.internalPath()), reason);
+    const auto relative = relativeDiskPath(normalInternalPath(path.pathInArchive()), reason);
     const bool is_new = path.isInternal() && disk_path.empty(); // there is none in the way
-    m_suggestion.name = fileName(path.internalPath());
+    m_suggestion.name = fileName(path.pathInArchive());
     if (!is_new)
         m_suggestion.name.insert(std::min(m_suggestion.name.rfind('.'), m_suggestion.name.size()), addition);
     std::error_code error;

@@ -1,8 +1,13 @@
 #include "Korvane/game/game_data.h"
 
+#include "EASY_GUI/services/file_system.h"
+#include "EASY_GUI/services/text.h"
 #include "Korvane/archives/internal_path.h"
 #include "Korvane/archives/loose_file.h"
 #include "Korvane/archives/skeleton_entries.h"
+
+#include <algorithm>
+#include <filesystem>
 
 namespace korvane
 {
@@ -60,10 +65,27 @@ game_file game_data::findEntry(std::string_view internal_path) const
     return ofEntry(entry);
 }
 
+game_file game_data::findCopy(std::string_view internal_path) const
+{
+    const game_path given = game_path::ofInternal(internal_path);
+    if (given.archive().empty() || !m_po_archives)
+        return {};
+    const std::string path = normalInternalPath(given.pathInArchive());
+    const auto& archives = m_po_archives->archives();
+    for (std::size_t i = archives.size(); i-- > 0;) // of archives of one name the one that was entered last
+        if (equalsIgnoringCase(archives[i]->name, given.archive()))
+            for (const pack_file_node& each : m_po_archives->entries()[i])
+                if (each.internalPath() == path)
+                    return ofEntry(&each);
+    return {};
+}
+
 game_file game_data::find(std::string_view internal_path) const
 {
     game_file found = findOver(internal_path);
-    return found ? found : findEntry(internal_path);
+    if (!found)
+        found = findEntry(internal_path);
+    return found ? found : findCopy(internal_path);
 }
 
 game_file game_data::findInGame(std::string_view internal_path) const

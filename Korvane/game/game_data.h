@@ -38,7 +38,8 @@ public:
     // loaded.
     const std::shared_ptr<const path_tree>& archives() const { return m_po_archives; }
 
-    // The game's file of that internal path: in a mod folder as it is now, else in the archives.
+    // The game's file of that internal path: in a mod folder as it is now, else in the archives; behind the name of an
+    // archive and '|' that archive's copy (game_path.h).
     [[nodiscard]] game_file find(std::string_view internal_path) const;
     // As the game itself has it, whatever lies in the mod folders; what the game has not, as find().
     [[nodiscard]] game_file findInGame(std::string_view internal_path) const;
@@ -65,6 +66,7 @@ public:
 private:
     game_file findOver(std::string_view internal_path) const;
     game_file findEntry(std::string_view internal_path) const;
+    game_file findCopy(std::string_view internal_path) const;
     game_file ofEntry(const pack_file_node* entry) const;
 
     std::shared_ptr<const path_tree> m_po_archives;

@@ -188,26 +188,45 @@ bool readText(std::span<const std::byte> bytes, std::string& text, std::string& 
     return true;
 }
 
-std::string hexLines(std::span<const std::byte> bytes, std::uint64_t position)
+std::string hexText(std::span<const std::byte> bytes)
+{
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string text;
+    text.reserve(bytes.size() * 3);
+    for (const std::byte each : bytes)
+    {
+        if (!text.empty())
+            text += ' ';
+        text += digits[std::to_integer<std::size_t>(each >> 4)];
+        text += digits[std::to_integer<std::size_t>(each & std::byte{15})];
+    }
+    return text;
+}
+
+std::string characterText(std::span<const std::byte> bytes)
+{
+    std::string text;
+    text.reserve(bytes.size());
+    for (const std::byte each : bytes)
+    {
+        const auto value = std::to_integer<unsigned char>(each);
+        text += value >= 0x20 && value < 0x7f ? static_cast<char>(value) : '.';
+    }
+    return text;
+}
+
+std::string hexLines(std::span<const std::byte> bytes)
 {
     std::string text;
     text.reserve(bytes.size() * 5);
     for (std::size_t at = 0; at < bytes.size(); at += hex_columns)
     {
-        const std::size_t count = std::min(hex_columns, bytes.size() - at);
-        std::array<char, 96> line{};
-        int length = std::snprintf(line.data(), line.size(), "%08llx ", static_cast<unsigned long long>(position + at));
-        for (std::size_t i = 0; i < hex_columns; ++i)
-            length += i < count
-                          ? std::snprintf(line.data() + length, 4, " %02x", std::to_integer<unsigned>(bytes[at + i]))
-                          : std::snprintf(line.data() + length, 4, "   ");
-        text.append(line.data(), static_cast<std::size_t>(length)) += "  ";
-        for (std::size_t i = 0; i < count; ++i)
-        {
-            const auto value = std::to_integer<unsigned char>(bytes[at + i]);
-            text += value >= 0x20 && value < 0x7f ? static_cast<char>(value) : '.';
-        }
-        text += "\r\n";
+        const std::span line = bytes.subspan(at, std::min(hex_columns, bytes.size() - at));
+        std::array<char, 24> position{};
+        std::snprintf(position.data(), position.size(), "%08zx  ", at);
+        std::string digits = hexText(line);
+        digits.resize(hex_columns * 3, ' ');
+        text += position.data() + digits + ' ' + characterText(line) + "\r\n";
     }
     return text;
 }

@@ -26,8 +26,11 @@ struct file_preview
 // Of large files no more is read than is shown.
 [[nodiscard]] file_preview previewFile(const game_file& file, const work_port& work, std::uint32_t most_pixels = 512);
 
+// "1f 8b 08": two digits for each byte; and what they are as characters, with a dot for what is none.
+[[nodiscard]] std::string hexText(std::span<const std::byte> bytes);
+[[nodiscard]] std::string characterText(std::span<const std::byte> bytes);
 // The bytes as lines of sixteen with their positions and characters.
-[[nodiscard]] std::string hexLines(std::span<const std::byte> bytes, std::uint64_t position = 0);
+[[nodiscard]] std::string hexLines(std::span<const std::byte> bytes);
 
 // A text as UTF-8 with lines that end in "\r\n", and what it was: "UTF-8", "UTF-16", "Latin-1". False: these bytes are
 // no text.

@@ -19,6 +19,14 @@ void archive_browser::setGame(std::shared_ptr<const game_data> game)
     showFolder();
 }
 
+void archive_browser::restore(std::string folder, archive_sorting sorting)
+{
+    m_folder = std::move(folder);
+    m_history = {m_folder};
+    m_at = 0;
+    m_sorting = sorting;
+}
+
 void archive_browser::setHidden(std::shared_ptr<const hidden_copies> hidden)
 {
     m_po_hidden = std::move(hidden);
@@ -69,7 +77,7 @@ void archive_browser::beginList(std::string heading)
 {
     m_heading = std::move(heading);
     m_rows.clear();
-    m_is_sorted = false;
+    m_sorting = {};
 }
 
 void archive_browser::showFolder()
@@ -96,16 +104,14 @@ void archive_browser::showFolder()
 
 void archive_browser::sortBy(archive_rows::column wanted)
 {
-    m_is_descending = m_is_sorted && m_sorted_by == wanted && !m_is_descending;
-    m_sorted_by = wanted;
-    m_is_sorted = true;
+    m_sorting = {wanted, m_sorting.by == wanted && !m_sorting.is_descending};
     sortAgain();
 }
 
 void archive_browser::sortAgain()
 {
-    if (m_is_sorted)
-        m_rows.sort(m_sorted_by, m_is_descending);
+    if (m_sorting.by)
+        m_rows.sort(*m_sorting.by, m_sorting.is_descending);
 }
 
 std::string archive_browser::status(bool is_searching) const

@@ -17,9 +17,19 @@
 namespace korvane
 {
 
+struct archive_sorting
+{
+    std::optional<archive_rows::column> by; // nothing: by path, as the archives are
+    bool is_descending = false;
+
+    friend bool operator==(const archive_sorting&, const archive_sorting&) = default;
+};
+
 class archive_browser
 {
 public:
+    // What was shown last, before there are archives.
+    void restore(std::string folder, archive_sorting sorting);
     // The archives were read: place and history stay, as far as these folders are there.
     void setGame(std::shared_ptr<const game_data> game);
     const std::shared_ptr<const game_data>& game() const { return m_po_game; }
@@ -48,6 +58,7 @@ public:
     bool isFolderShown() const { return m_heading.empty(); }
     // A click on a column's title: once upwards, again downwards.
     void sortBy(archive_rows::column wanted);
+    const archive_sorting& sorting() const { return m_sorting; }
     void sortAgain(); // when more has come
 
     // --- texts ----------------------------------------------------------------------------------------------------
@@ -70,9 +81,7 @@ private:
     std::string m_heading; // empty: the folder is shown
     std::vector<std::string> m_history{std::string()};
     std::size_t m_at = 0;
-    archive_rows::column m_sorted_by = archive_rows::name;
-    bool m_is_descending = false;
-    bool m_is_sorted = false; // otherwise than by path
+    archive_sorting m_sorting;
 };
 
 } // namespace korvane

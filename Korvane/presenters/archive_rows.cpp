@@ -91,8 +91,8 @@ void archive_rows::sort(column wanted, bool is_descending)
 
 std::span<const list_column> archive_rows::columns() const
 {
-    static constexpr list_column all[] = {{"Name", 170},    {"Type", 80},        {"Size", 62, true},
-                                          {"Archive", 100}, {"Hides", 42, true}, {"Folder", 0}};
+    static constexpr list_column all[] = {{"Name", 150},   {"Type", 70},        {"Size", 60, true},
+                                          {"Archive", 84}, {"Hides", 42, true}, {"Folder", 0}};
     return all;
 }
 

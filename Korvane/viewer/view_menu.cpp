@@ -62,14 +62,6 @@ view_menu_row command(view_command which, std::string text, bool is_enabled = tr
     return {std::move(text), first_command + static_cast<int>(which), is_enabled};
 }
 
-std::string menuText(std::string_view name)
-{
-    std::string text;
-    for (const char letter : displayText(name))
-        text += letter == '&' ? std::string("&&") : std::string(1, letter);
-    return text;
-}
-
 view_menu_row bonesOf(const view_menu_subject& subject)
 {
     constexpr std::size_t in_group = 32;

@@ -1,5 +1,9 @@
+#include "Korvane/game/file_bytes.h"
 #include "Korvane/jobs/file_preview.h"
 #include "Korvane/presenters/archive_browser.h"
+#include "Korvane/presenters/archive_overview.h"
+#include "Korvane/presenters/archive_places.h"
+#include "Korvane/presenters/hex_rows.h"
 #include "tests/support/archive_tree.h"
 
 #include <gtest/gtest.h>
@@ -134,9 +138,87 @@ TEST(file_preview, textsAreToldFromBytes)
         EXPECT_EQ(text + encoding, is_text ? std::string(row.text) + row.encoding : "");
     }
     const std::string bytes("0123456789abcdef\x01~", 18);
-    EXPECT_EQ(hexLines(std::as_bytes(std::span(bytes)), 0x20),
-              "00000020  30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66  0123456789abcdef\r\n"
-              "00000030  01 7e                                            .~\r\n");
+    EXPECT_EQ(hexLines(std::as_bytes(std::span(bytes))),
+              "00000000  30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66  0123456789abcdef\r\n"
+              "00000010  01 7e                                            .~\r\n");
+}
+
+TEST_F(archive_browser_test, eachCopyCanBeHadAndTheOverviewSaysWhichCounts)
+{
+    const std::shared_ptr<const game_data> game = usual();
+    const struct
+    {
+        const char* path;
+        std::uint64_t size;
+    } rows[] = {{"b\\one.dds", 1},
+                {"LOWER.pack|B/one.dds", 3},
+                {"upper.pack|b\\one.dds", 1},
+                {"lower.pack|b", 0},
+                {"no.pack|top.txt", 0}};
+    for (const auto& row : rows)
+    {
+        file_bytes bytes;
+        failure why;
+        const game_file found = game->find(row.path);
+        EXPECT_EQ(static_cast<bool>(found), row.size > 0) << row.path;
+        EXPECT_EQ(found && bytes.open(found, why) ? bytes.size() : 0, row.size) << row.path << describe(why);
+    }
+    const archive_overview overview(game->archives(), {});
+    EXPECT_EQ(overview.archiveAt(0).name, "upper.pack");
+    EXPECT_EQ(overview.text(0, 5) + "/" + overview.text(0, 6), "1/");
+    EXPECT_EQ(overview.text(1, 5) + "/" + overview.text(1, 6), "/1");
+    EXPECT_NE(overview.facts(1).find("1   upper.pack"), std::string::npos);
+}
+
+TEST_F(archive_browser_test, placeSortingAndFavouritesAreKept)
+{
+    config_file config;
+    m_browser.setGame(usual());
+    ASSERT_TRUE(m_browser.open("b"));
+    m_browser.sortBy(archive_rows::size);
+    m_browser.sortBy(archive_rows::size);
+    const std::string before = listed();
+    EXPECT_TRUE(keepPlace(config, m_browser));
+    EXPECT_FALSE(keepPlace(config, m_browser));
+    m_browser = archive_browser();
+    restorePlace(m_browser, config);
+    m_browser.setGame(usual());
+    EXPECT_EQ(listed(), before);
+    EXPECT_EQ(m_browser.folder(), "b");
+    EXPECT_TRUE(setFavourite(config, "b", true));
+    EXPECT_FALSE(setFavourite(config, "b", true));
+    EXPECT_EQ(favouriteFolders(config), std::vector<std::string>{"b"});
+    EXPECT_TRUE(setFavourite(config, "b", false));
+    EXPECT_TRUE(favouriteFolders(config).empty());
+}
+
+TEST_F(archive_browser_test, bytesAreReadPageByPageWhenTheyAreSeen)
+{
+    hex_rows rows;
+    int told = 0;
+    rows.onWanted = [&told] { ++told; };
+    rows.restart(hex_rows::page_size + 3);
+    EXPECT_EQ(rows.rowCount(), hex_rows::page_size / 16 + 1);
+    const std::size_t last = rows.rowCount() - 1;
+    EXPECT_EQ(rows.text(last, 0), "00004000");
+    EXPECT_EQ(rows.text(last, 1) + rows.text(last, 2) + rows.text(0, 1), "");
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(rows.takeWanted(), (std::vector<std::uint64_t>{0, 1}));
+    rows.take(1, {std::byte{'a'}, std::byte{0}, std::byte{0xff}});
+    EXPECT_EQ(rows.text(last, 1) + "|" + rows.text(last, 2), "61 00 ff|a..");
+    rows.take(0, {}); // cannot be read
+    EXPECT_EQ(rows.mark(0), row_mark::error);
+    rows.restart(std::uint64_t{4} << 30);
+    EXPECT_LT(rows.rowCount(), 100'000'000u);
+    EXPECT_EQ(rows.positionOf(rows.rowOf(0x12345678)), 0x12345640u);
+
+    const std::pair<const char*, std::optional<std::uint64_t>> positions[] = {
+        {"8,000", 8000},    {"0x1F40", 8000},     {"1f40", 8000},
+        {"", std::nullopt}, {"-1", std::nullopt}, {"xyz", std::nullopt}};
+    for (const auto& [typed, position] : positions)
+        EXPECT_EQ(positionIn(typed), position) << typed;
+    EXPECT_EQ(bytesIn("0x1f 8B"), (std::vector{std::byte{0x1f}, std::byte{0x8b}}));
+    EXPECT_EQ(bytesIn("0x1").size(), 3u);
 }
 
 } // namespace
