@@ -212,6 +212,16 @@ static_assert(sizeof(final_pass_buffer) == 16);
 // final_... in shaders/final_ps.hlsl
 inline constexpr std::int32_t final_softens = 2;
 
+// PackingBuffer in shaders/pack_ps.hlsl
+struct packing_buffer
+{
+    std::int32_t width = 1;
+    std::int32_t height = 1;
+    std::int32_t bound = 0;
+    std::int32_t channel = 0;
+};
+static_assert(sizeof(packing_buffer) == 16);
+
 // ShadowBuffer in shaders/shadow.hlsli
 struct shadow_buffer
 {

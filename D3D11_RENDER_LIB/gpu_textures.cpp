@@ -199,7 +199,6 @@ void gpu_textures::end(const texture_view& view)
     const auto side = static_cast<float>(std::max(m_po_current->image.width, m_po_current->image.height));
     known.shown->levels = std::log2(std::max(side, 1.0f));
     known.shown->is_srgb = isSrgb(static_cast<dds_format>(description.Format));
-    known.shown->is_opaque = m_po_current->is_opaque;
     known.is_there = true;
     known.is_kept_as_colour = m_po_current->wanted.is_colour;
     m_po_current->wanted.texture->letGo();

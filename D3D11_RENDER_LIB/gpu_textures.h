@@ -6,6 +6,7 @@
 // that draws.
 
 #include "D3D11_RENDER_LIB/lib3d.h"
+#include "D3D11_RENDER_LIB/packed_maps.h"
 #include "D3D11_RENDER_LIB/texture_reading.h"
 #include "DDSTextureLoader/dds_texture.h"
 #include "EASY_GUI/services/log_port.h"
@@ -18,18 +19,6 @@
 
 namespace korvane
 {
-
-using texture_view = com_ptr<ID3D11ShaderResourceView>;
-
-// As the groups hold it.
-struct gpu_texture
-{
-    texture_view view;      // empty: it is not there yet
-    bool is_srgb = false;   // the view decodes
-    bool is_opaque = false; // the alpha is known to say one
-    float levels = 0;       // log2 of the larger side
-    texture_view pending; // bound instead, and not looked at: software devices compile shaders anew for an empty place
-};
 
 class gpu_textures
 {
@@ -59,6 +48,8 @@ public:
     // Waits until all are there. False when the device was lost.
     [[nodiscard]] bool finish(lib3d& library);
 
+    map_packer& packer() { return m_packer; } // of maps that find() has given
+
 private:
     struct entry
     {
@@ -80,6 +71,7 @@ private:
     std::vector<std::shared_ptr<const scene_texture>> m_order; // as they were asked for
     std::unique_ptr<read_texture> m_po_current;                // on its way to the device
     dds_upload m_upload;
+    map_packer m_packer;
     texture_view m_checkerboard; // made when it is needed first
 };
 

@@ -428,6 +428,14 @@ void lib3d::drawShading(UINT group, const screen_area& area, std::span<const flo
     drawArea(area);
 }
 
+void lib3d::drawOver(ID3D11PixelShader& shader, const screen_area& area)
+{
+    m_context->PSSetShader(&shader, nullptr, 0);
+    m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
+    m_context->OMSetDepthStencilState(m_depth_ignored.get(), 0);
+    drawArea(area);
+}
+
 // One triangle over the bound target, of which the area is drawn.
 void lib3d::drawArea(const screen_area& area)
 {
@@ -508,10 +516,7 @@ void lib3d::drawFinished(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceVi
     m_context->VSSetConstantBuffers(1, 1, &buffer);
     m_context->PSSetConstantBuffers(1, 1, &buffer);
     m_context->PSSetShaderResources(11, 2, views);
-    m_context->PSSetShader(&shader, nullptr, 0);
-    m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
-    m_context->OMSetDepthStencilState(m_depth_ignored.get(), 0);
-    drawArea(area);
+    drawOver(shader, area);
     // What is written over the picture reaches all of it.
     m_context->RSSetState(m_rasterizers[static_cast<int>(raster_mode::both_faces)].get());
     ID3D11ShaderResourceView* none[2] = {}; // the targets are drawn into again in the next frame

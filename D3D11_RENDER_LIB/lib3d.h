@@ -141,6 +141,8 @@ public:
     // 255, which reaches no further than the area.
     void useSurfaceShader(surface_kind kind, UINT group);
     void drawShading(UINT group, const screen_area& area, std::span<const float> levels);
+    // The scene that was begun is shaded with the maps of map_packer.
+    bool looksAtPackedMaps() const { return m_is_encoded; }
     shading_buffer& shading() { return m_shading; } // what the next drawShading() knows; the environment is in it
     void useFloorShaders();                         // the shadow on the floor, over what is in the target of light
     void useLineShaders(line_depth depth);
@@ -153,6 +155,8 @@ public:
     // around what the marks, those of the normals' target, say.
     void drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceView* marks,
                        const final_pass_buffer& settings, const screen_area& area, bool has_outlines);
+    // Over the area of the bound target, with what is bound: no depth, no blending.
+    void drawOver(ID3D11PixelShader& shader, const screen_area& area);
     // Shows the view in the area of the bound target, whose size the settings give, with a filter.
     void drawEnlarged(ID3D11ShaderResourceView* shown, const final_pass_buffer& settings, const screen_area& area);
     [[nodiscard]] bool createVertexShader(int resource, std::span<const D3D11_INPUT_ELEMENT_DESC> elements,

@@ -34,6 +34,8 @@ bool sub_mesh::create(lib3d& library, const scene_group& group, int bone, const 
         return false;
     for (std::size_t slot = 0; slot < texture_slot_count; ++slot)
         m_textures[slot] = views.find(textures[slot], slot == diffuse_slot || slot == specular_slot);
+    if (library.isSoftware())
+        m_packed = views.packer().find({m_textures[normal_slot], m_textures[mask_slot], m_textures[gloss_slot]});
     return true;
 }
 
@@ -69,11 +71,13 @@ int sub_mesh::boundSlots() const
     return slots;
 }
 
-std::array<float, texture_slot_count> sub_mesh::mapLevels() const
+std::array<float, texture_slot_count> sub_mesh::mapLevels(bool is_packed) const
 {
     std::array<float, texture_slot_count> levels{};
     std::transform(m_textures.begin(), m_textures.end(), levels.begin(),
                    [](const auto& texture) { return texture ? texture->levels : 0.0f; });
+    if (is_packed)
+        levels[normal_slot] = m_packed->levels;
     return levels;
 }
 
@@ -89,12 +93,13 @@ void sub_mesh::draw(lib3d& library, frame_constants& constants) const
         library.uploadLight(constants.ps);
     else if (constants.pass != model_pass::surfaces || m_surface != surface_kind::framed)
         library.uploadConstants(constants.vs, constants.ps);
-    bindTextures(library, constants.pass);
+    const bool is_packed = constants.pass == model_pass::shading && library.looksAtPackedMaps();
+    bindTextures(library, is_packed);
     const screen_area reached = m_reach.onScreen(constants.vs, constants.width, constants.height);
     constants.reached.add(reached);
     ++constants.group;
     if (constants.pass == model_pass::shading)
-        return library.drawShading(constants.group, reached, mapLevels());
+        return library.drawShading(constants.group, reached, mapLevels(is_packed));
     library.useModelShaders(constants.pass, m_raster);
     if (constants.pass == model_pass::surfaces)
         library.useSurfaceShader(m_surface, constants.group);
@@ -108,16 +113,16 @@ void sub_mesh::draw(lib3d& library, frame_constants& constants) const
     context.DrawIndexed(m_index_count, 0, 0);
 }
 
-void sub_mesh::bindTextures(lib3d& library, model_pass pass) const
+void sub_mesh::bindTextures(lib3d& library, bool is_packed) const
 {
     std::array<ID3D11ShaderResourceView*, texture_slot_count> views{};
-    for (std::size_t slot = 0; slot < texture_slot_count; ++slot)
+    std::transform(m_textures.begin(), m_textures.end(), views.begin(), [](const auto& texture) {
+        return texture && texture->pending && !texture->view ? texture->pending.get() : viewOf(texture);
+    });
+    if (is_packed)
     {
-        // Shading looks at the mask's alpha alone: four white texels say as much and stay in the processor's cache.
-        const auto& texture = m_textures[slot];
-        const bool is_white = slot == mask_slot && texture && texture->is_opaque && pass == model_pass::shading;
-        views[slot] =
-            texture && texture->pending && (is_white || !texture->view) ? texture->pending.get() : viewOf(texture);
+        views[normal_slot] = m_packed->view.get();
+        views[mask_slot] = views[gloss_slot] = nullptr;
     }
     library.context().PSSetShaderResources(first_register, texture_slot_count, views.data());
 }

@@ -27,9 +27,9 @@ public:
     bool isSkinned() const { return m_is_skinned; }
 
 private:
-    void bindTextures(lib3d& library, model_pass pass) const;
+    void bindTextures(lib3d& library, bool is_packed) const;
     [[nodiscard]] bool createBuffers(lib3d& library, const scene_group& group, int bone);
-    std::array<float, texture_slot_count> mapLevels() const;
+    std::array<float, texture_slot_count> mapLevels(bool is_packed) const;
     int boundSlots() const; // a bit for each slot that holds a view
 
     com_ptr<ID3D11Buffer> m_vertex_buffer;
@@ -37,6 +37,7 @@ private:
     UINT m_index_count = 0;
     mesh_reach m_reach;
     std::array<std::shared_ptr<const gpu_texture>, texture_slot_count> m_textures; // null: the group has none
+    std::shared_ptr<const packed_maps> m_packed;                                   // null on graphics cards
     surface_kind m_surface = surface_kind::bare;
     raster_mode m_raster = raster_mode::front_faces;
     bool m_has_alpha = false;

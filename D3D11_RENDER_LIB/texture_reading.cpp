@@ -61,14 +61,6 @@ void keepAsGamma(std::span<std::byte> texels)
             texels[i + channel] = gamma[static_cast<std::size_t>(texels[i + channel])];
 }
 
-bool hasFullAlpha(std::span<const std::byte> texels)
-{
-    for (std::size_t i = 3; i < texels.size(); i += 4)
-        if (texels[i] != std::byte{255})
-            return false;
-    return true;
-}
-
 bool readWhole(const texture_request& wanted, const device_formats& device, read_texture& result)
 {
     result.file = wanted.texture->bytes(result.why);
@@ -80,13 +72,11 @@ bool readWhole(const texture_request& wanted, const device_formats& device, read
     if (!unpackDds(result.image, result.unpacked, result.why))
         return false;
     result.image = result.unpacked.image;
-    const std::span<std::byte> all(result.unpacked.bytes.get(), bytesOf(result.image));
     if (device.is_software && wanted.is_colour && result.image.format == dds_format::rgba8_srgb)
     {
-        keepAsGamma(all);
+        keepAsGamma({result.unpacked.bytes.get(), bytesOf(result.image)});
         result.image.format = dds_format::rgba8;
     }
-    result.is_opaque = result.image.format == dds_format::rgba8 && hasFullAlpha(all);
     result.file.reset();
     return true;
 }

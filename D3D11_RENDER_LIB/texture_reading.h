@@ -44,8 +44,7 @@ struct read_texture
     std::shared_ptr<const memory_file> file; // owns the bytes, or unpacked does
     unpacked_dds unpacked;
     dds_image image;
-    bool is_opaque = false; // it was unpacked, and its alpha says one
-    failure why;            // set: it cannot be read
+    failure why; // set: it cannot be read
 };
 
 // What a device does with textures.

@@ -1,5 +1,6 @@
 // Pixel shader of models: textures to a surface, lit by two lights and the environment. Three targets: the plain
 // colour of the surface, the lit colour (linear, high dynamic range), and the normal.
+#include "data_maps.hlsli"
 #include "model_vertex.hlsli"
 #include "pbr_lib.hlsli"
 #include "ps_const_buffers.hlsli"
@@ -78,20 +79,12 @@ void tangentFrame(model_pixel pixel, float3 normal, out float3 tangent, out floa
 }
 #endif
 
-// Both kinds of normal maps: x in alpha with red at one, or x in red with alpha at one; y in green; z follows.
-float3 mappedNormal(model_pixel pixel, float3 normal)
+struct data_texels
 {
-    if (!isBound(bound_normal))
-        return normal;
-    const float4 texel = TEXEL(tex_normal, s_normal, pixel.uv, levels.y);
-    float3 local;
-    local.xy = float2(texel.r * texel.a, texel.g) * 2 - 1;
-    local.z = sqrt(saturate(1 - dot(local.xy, local.xy)));
-
-    float3 tangent, binormal;
-    tangentFrame(pixel, normal, tangent, binormal);
-    return normalize(tangent * local.x + binormal * local.y + normal * local.z);
-}
+    float2 normal; // x and y, 0..1; z follows
+    float smoothness;
+    float occlusion;
+};
 
 float smoothnessFrom(float4 texel)
 {
@@ -99,7 +92,43 @@ float smoothnessFrom(float4 texel)
     return texel[channel];
 }
 
-surface readSurface(model_pixel pixel, float3 normal, float4 diffuse)
+bool isOccluded()
+{
+    return (debug_flags.w & draw_occluded) != 0;
+}
+
+data_texels dataAt(float2 uv)
+{
+    data_texels result;
+#ifdef OF_PACKED_MAPS // pack_ps: each map that is looked at costs where the processor draws
+    const float4 texel = TEXEL(tex_normal, s_normal, uv, levels.y);
+    result.normal = texel.xy;
+    result.smoothness = texel.z;
+    result.occlusion = isOccluded() ? texel.w : 1;
+#else
+    result.normal = normalOf(TEXEL(tex_normal, s_normal, uv, levels.y));
+    result.smoothness =
+        isBound(bound_gloss) ? smoothnessFrom(TEXEL(tex_gloss_map, SampleType, uv, gloss_levels.x)) : usual_smoothness;
+    result.occlusion =
+        isOccluded() && isBound(bound_mask) ? occlusionOf(TEXEL(tex_mask, SampleType, uv, levels.w)) : 1;
+#endif
+    return result;
+}
+
+float3 mappedNormal(model_pixel pixel, float3 normal, float2 texel)
+{
+    if (!isBound(bound_normal))
+        return normal;
+    float3 local;
+    local.xy = texel * 2 - 1;
+    local.z = sqrt(saturate(1 - dot(local.xy, local.xy)));
+
+    float3 tangent, binormal;
+    tangentFrame(pixel, normal, tangent, binormal);
+    return normalize(tangent * local.x + binormal * local.y + normal * local.z);
+}
+
+surface readSurface(model_pixel pixel, float3 normal, float4 diffuse, float smoothness)
 {
     surface s;
     s.base = diffuse.rgb;
@@ -109,7 +138,6 @@ surface readSurface(model_pixel pixel, float3 normal, float4 diffuse)
         const float3 texel = TEXEL(tex_specular, SampleType, pixel.uv, levels.z).rgb;
         s.specular = is_specular_linear == 1 ? linearFromGamma(texel) : texel;
     }
-    const float smoothness = isBound(bound_gloss) ? smoothnessFrom(TEXEL(tex_gloss_map, SampleType, pixel.uv, gloss_levels.x)) : 0.4;
     s.roughness = clamp((1 - smoothness) * light[0].roughnessFactor, 0.05, 1);
     s.normal = normal;
     s.view = normalize(pixel.view);
@@ -172,15 +200,6 @@ float3 lightsOn(surface s, float3 world)
     return debug_flags.y != 0 ? sum * one_over_pi : sum;
 }
 
-// The games keep it in the mask map's alpha; maps without alpha say one, some say nothing but zero.
-float occlusion(float2 uv)
-{
-    if ((debug_flags.w & draw_occluded) == 0 || !isBound(bound_mask))
-        return 1;
-    const float kept = TEXEL(tex_mask, SampleType, uv, levels.w).a;
-    return kept > 0 ? kept : 1;
-}
-
 #ifndef OF_SURFACES
 float3 irradianceFrom(float3 direction)
 {
@@ -219,9 +238,10 @@ model_targets shaded(model_pixel pixel, float3 normal)
         if (is_diffuse_linear == 1)
             diffuse.rgb = linearFromGamma(diffuse.rgb);
     }
-    const surface s = readSurface(pixel, mappedNormal(pixel, normal), diffuse);
+    const data_texels data = dataAt(pixel.uv);
+    const surface s = readSurface(pixel, mappedNormal(pixel, normal, data.normal), diffuse, data.smoothness);
     model_targets result;
-    result.lit = float4(lightsOn(s, pixel.world) + environmentOn(s) * occlusion(pixel.uv), 1);
+    result.lit = float4(lightsOn(s, pixel.world) + environmentOn(s) * data.occlusion, 1);
     result.normal = float4(s.normal * 0.5 + 0.5, groupMark());
     result.base = float4(s.base, 1);
     return result;

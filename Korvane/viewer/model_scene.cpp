@@ -85,6 +85,11 @@ void setRays(const mvp_buffer& constants, const scene_targets& targets, shading_
     }
 }
 
+int smoothnessChannel(const frame_constants& frame) // of the gloss map, 0..3
+{
+    return std::clamp(frame.ps.debug_flags[0], 1, 4) - 1;
+}
+
 // What shading_usual_ps is made for.
 bool hasUsualLights(const light_buffer& constants)
 {
@@ -333,6 +338,9 @@ void model_scene::draw(lib3d& library, const scene_targets& targets, ID3D11Rende
         fillConstants(view, targets, *m_po_frame);
     const shown_frame shown{targetOf(channel), view.background(), view.is_background_clear,
                             view.selected.has_value() && m_po_pose, isEncoded(library, targets, view)};
+    // Lost: found when the frame is presented.
+    if (shown.is_encoded && !m_po_textures->packer().update(library, smoothnessChannel(*m_po_frame)))
+        return;
     targets.begin(library, output, shown);
     if (m_po_pose)
     {
