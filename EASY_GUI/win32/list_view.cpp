@@ -278,6 +278,8 @@ bool list_view::onNotify(NMHDR& message, LRESULT& result)
         if (const int row = selected(); isRow(row)) // for Enter some systems send no row along
             tell(onActivate, row);
         return true;
+    case LVN_BEGINDRAG:
+        return tell(onDrag);
     case LVN_COLUMNCLICK:
         tell(onColumn, reinterpret_cast<const NMLISTVIEW&>(message).iSubItem);
         return true;

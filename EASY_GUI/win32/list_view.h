@@ -30,6 +30,7 @@ public:
     std::function<void(int row)> onActivate;                     // Enter or a double click
     std::function<void(int row, POINT on_screen)> onContextMenu; // the row is selected by then
     std::function<void(int column)> onColumn;                    // a click on its title
+    std::function<void()> onDrag;                                // the selected rows are dragged: the button is down
     std::function<bool(unsigned virtual_key)> onKey;             // true: handled; must be so when the list is gone
 
     [[nodiscard]] bool create(HWND parent, int id, const list_model& model, list_view_options options = {});

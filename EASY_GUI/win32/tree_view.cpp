@@ -249,6 +249,8 @@ bool tree_view::onNotify(NMHDR& message, LRESULT& result)
         if (const auto& chosen = reinterpret_cast<const NMTREEVIEWW&>(message); !m_is_set && chosen.itemNew.hItem)
             tell(onSelect, static_cast<node>(chosen.itemNew.lParam));
         return true;
+    case TVN_BEGINDRAGW:
+        return tell(onDrag, static_cast<node>(reinterpret_cast<const NMTREEVIEWW&>(message).itemNew.lParam));
     case NM_RCLICK: // not every system tells the tree itself what it is to do
     {
         POINT at{};

@@ -23,6 +23,7 @@ public:
     // By the person.
     std::function<void(node)> onSelect;
     std::function<void(node)> onActivate;                     // Enter or a double click
+    std::function<void(node)> onDrag;                         // it is dragged: the button is down
     std::function<void(node, POINT on_screen)> onContextMenu; // the node is selected by then
 
     [[nodiscard]] bool create(HWND parent, int id, const tree_model& model, bool has_pictures = false);

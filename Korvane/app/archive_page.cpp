@@ -5,7 +5,6 @@
 #include "EASY_GUI/win32/menu.h"
 #include "Korvane/app/archive_overview_dialog.h"
 #include "Korvane/app/command_ids.h"
-#include "Korvane/app/copy_paste.h"
 #include "Korvane/app/text_dialogs.h"
 #include "Korvane/archives/internal_path.h"
 #include "Korvane/document/open_definition.h"
@@ -48,7 +47,7 @@ enum archive_command : int
 archive_page::archive_page(page_host& host)
     : rows_page(host, {&m_back, &m_forward, &m_up, &m_path_name, &m_path, &m_favourites, &m_find_name, &m_find, &m_type,
                        &m_archive, &m_overview, &m_tree, &m_list, &m_details, &m_status, &m_open, &m_take_out})
-    , m_exchange(host)
+    , m_exchange(host, m_browser)
     , m_preview(host.thread())
     , m_viewer(host)
     , m_lookups(host, m_browser,
@@ -144,6 +143,11 @@ void archive_page::connect()
     m_list.onColumn = [this](int column) {
         m_browser.sortBy(static_cast<archive_rows::column>(column));
         showList();
+    };
+    m_list.onDrag = [this] { m_exchange.drag(m_list.selectedRows()); };
+    m_tree.onDrag = [this](tree_model::node dragged) {
+        if (const path_node* const folder = m_browser.folders().folderAt(dragged))
+            m_exchange.drag(*folder);
     };
     m_list.onKey = [this](unsigned virtual_key) { return onListKey(virtual_key); };
     m_open.onClick = [this] { open(m_list.selected()); };
@@ -404,15 +408,13 @@ archive_page::file_list archive_page::chosenFiles() const
 
 void archive_page::takeOut(const file_list& files)
 {
-    m_exchange.takeOut(m_browser.game()->archives(), files);
+    m_exchange.takeOut(files);
 }
 
-std::string archive_page::copiedText() const
+bool archive_page::copyMore()
 {
-    std::string text;
-    for (const std::size_t row : m_list.selectedRows())
-        text += (text.empty() ? "" : "\r\n") + displayText(m_browser.rows().pathAt(row));
-    return text;
+    m_exchange.copy(m_list.selectedRows());
+    return true;
 }
 
 void archive_page::go(void (archive_browser::*where)())
@@ -505,7 +507,7 @@ void archive_page::showMenu(int row, POINT on_screen)
         {its_archive, "About Its &Archive...", file != nullptr},
         {show_its_folder, "Show Its &Folder", file != nullptr && !m_browser.isFolderShown()},
         {},
-        {copy_paths, "&Copy Path\tCtrl+C", row >= 0},
+        {copy_paths, "&Copy\tCtrl+C", row >= 0},
     };
     if (!copies.rows.empty())
         rows.insert(rows.begin() + 3, std::move(copies));
@@ -535,7 +537,7 @@ void archive_page::runFromMenu(int chosen, int row)
     case its_archive:
         return showArchives();
     case copy_paths:
-        return copyText(host(), copiedText());
+        return m_exchange.copy(m_list.selectedRows());
     default:
         const file_list hidden = m_browser.copiesOf(number);
         const auto copy = static_cast<std::size_t>(chosen % 100);

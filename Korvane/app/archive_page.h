@@ -32,7 +32,7 @@ public:
 
     void showDocument() override;
     HWND firstControl() const override;
-    std::string copiedText() const override; // the internal paths of the chosen rows
+    bool copyMore() override; // the chosen rows: files, and their internal paths
     bool onEscape() override { return hasControls() && !isEmpty() && leaveList(); }
     bool keep(config_file& config) const override;
     bool isSearching() const { return m_lookups.isRunning(); }

@@ -51,11 +51,15 @@ void copyText(page_host& host, const std::string& text)
     host.setStatus("The clipboard could not be used: " + describe(why));
 }
 
-void copySelection(page_host& host, const page& shown)
+void copySelection(page_host& host, page& shown)
 {
     const HWND focused = GetFocus();
     if (!isField(focused) || !hasSelectedText(focused))
-        return copyText(host, shown.copiedText());
+    {
+        if (!shown.copyMore())
+            copyText(host, shown.copiedText());
+        return;
+    }
     SendMessageW(focused, WM_COPY, 0, 0);
     host.setStatus("Copied the selected text.");
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// The commands Copy and Paste of the main window. The clipboard holds text alone.
+// The commands Copy and Paste of the main window. Pasted is text alone.
 
 #include "Korvane/app/page.h"
 
@@ -13,7 +13,7 @@ namespace korvane
 void copyText(page_host& host, const std::string& text);
 
 // The selected text of the field that has the focus, else what is selected on the page.
-void copySelection(page_host& host, const page& shown);
+void copySelection(page_host& host, page& shown);
 // To the page when it has a use for the text, else into the field that has the focus; without one, what the text names
 // is opened.
 void pasteText(page_host& host, page& shown);

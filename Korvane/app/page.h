@@ -70,6 +70,8 @@ public:
     virtual HWND firstControl() const = 0; // gets the focus when the page is chosen by a command; null: none
     // What Copy takes while no text of a field is selected; empty: nothing is selected here.
     virtual std::string copiedText() const { return {}; }
+    // True: the page has copied more than a text, and has said so.
+    virtual bool copyMore() { return false; }
     // Paste, with the focus on a control of the page. False: it has no use for a text, and the control itself gets it.
     virtual bool paste(const std::string& /*text*/) { return false; }
     virtual bool onEscape() { return false; } // true: there was something to leave

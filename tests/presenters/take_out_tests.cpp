@@ -1,6 +1,7 @@
 #include "Korvane/presenters/take_out.h"
 
 #include "EASY_GUI/services/file_system.h"
+#include "Korvane/presenters/file_offer.h"
 #include "tests/support/archive_tree.h"
 #include "tests/support/dds_builder.h"
 
@@ -94,6 +95,25 @@ TEST(take_out, whatWasChosenIsDoneAndWhatWasLeftOutIsSaid)
         EXPECT_EQ(namesBelow(out), row.there) << "the same names the second time";
     }
     EXPECT_FALSE(std::filesystem::exists(toPath(folder.file("evil.txt"))));
+}
+
+TEST(file_offer, namesAreThoseBelowWhatWasChosenAndNeverTheSame)
+{
+    temporary_folder folder;
+    const auto tree = std::make_shared<path_tree>();
+    enterArchive(*tree, folder, "one.pack",
+                 {{"a\\x.dds", "1"}, {"b\\x.dds", "2"}, {"b\\c\\y.dds", "3"}, {"b\\nul", "4"}});
+    file_offer offer(tree);
+    for (const char* const file : {"a\\x.dds", "b\\x.dds"})
+        offer.add(*tree->findFile(file));
+    offer.add(*tree->find("b"));
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < offer.count(); ++i)
+        names.push_back(offer.path(i));
+    EXPECT_EQ(names, (std::vector<std::string>{"x.dds", "x_2.dds", "b\\c\\y.dds", "b\\x.dds"}));
+    EXPECT_EQ(offer.leftOut(), 1u);
+    offer.add(*tree->find("b\\c")); // from that folder on
+    EXPECT_EQ(offer.path(4), "c\\y.dds");
 }
 
 } // namespace
