@@ -119,9 +119,7 @@ void archive_page::connect()
     m_back.onClick = [this] { go(&archive_browser::goBack); };
     m_forward.onClick = [this] { go(&archive_browser::goForward); };
     m_up.onClick = [this] { go(&archive_browser::goUp); };
-    m_path.onKey = [this](unsigned key) {
-        return key == VK_F3 ? (m_find.focusAll(), true) : key == VK_RETURN && goToRows();
-    };
+    m_path.onKey = [this](unsigned key) { return key == VK_RETURN && goToRows(); };
     m_favourites.onClick = [this] { showFavourites(); };
     m_overview.onClick = [this] { showArchives(); };
     m_path.onChange = [this] {
@@ -253,7 +251,9 @@ void archive_page::showList()
 void archive_page::showChosen()
 {
     const std::size_t count = m_list.selectedCount();
-    m_take_out.setEnabled(count > 0);
+    const bool is_all = count == 0 && !m_browser.isFolderShown();
+    m_take_out.setText(is_all ? "Ta&ke Out All..." : "Ta&ke Out...");
+    m_take_out.setEnabled(count > 0 || (is_all && m_browser.rows().fileCount() > 0));
     if (count > 1)
     {
         m_details.setText(counted(count, "row") + " chosen: Take Out... writes them to the disk.");
@@ -395,7 +395,11 @@ void archive_page::showArchives()
 archive_page::file_list archive_page::chosenFiles() const
 {
     file_list files;
-    for (const std::size_t row : m_list.selectedRows())
+    std::vector<std::size_t> rows = m_list.selectedRows();
+    if (rows.empty() && !m_browser.isFolderShown()) // all that was found
+        for (std::size_t row = 0; row < m_browser.rows().rowCount(); ++row)
+            rows.push_back(row);
+    for (const std::size_t row : rows)
     {
         if (const pack_file_node* const file = m_browser.rows().fileAt(row))
             files.push_back(file);
@@ -459,21 +463,31 @@ bool archive_page::goToRows()
     return true;
 }
 
+bool archive_page::onPageKey(int command)
+{
+    if (!hasControls() || isEmpty())
+        return false;
+    switch (command)
+    {
+    case find_command:
+        return m_find.focusAll(), true;
+    case back_command:
+        return m_back.press(), true;
+    case forward_command:
+        return m_forward.press(), true;
+    default:
+        return leaveList();
+    }
+}
+
 bool archive_page::onListKey(unsigned virtual_key)
 {
-    const bool has_alt = GetKeyState(VK_MENU) < 0;
-    if (virtual_key == VK_BACK || (has_alt && virtual_key == VK_UP))
+    if (virtual_key == VK_BACK)
         return go(&archive_browser::goUp), true;
-    if (has_alt && virtual_key == VK_LEFT)
-        return go(&archive_browser::goBack), true;
-    if (has_alt && virtual_key == VK_RIGHT)
-        return go(&archive_browser::goForward), true;
     const int row = m_list.selected();
     if (const pack_file_node* const file = row < 0 ? nullptr : m_browser.rows().fileAt(static_cast<std::size_t>(row));
-        virtual_key == VK_F4 && !has_alt && file != nullptr)
+        virtual_key == VK_F4 && file != nullptr)
         return view(*file), true;
-    if (virtual_key == VK_F3)
-        return m_find.focusAll(), true;
     return false;
 }
 

@@ -33,7 +33,7 @@ public:
     void showDocument() override;
     HWND firstControl() const override;
     bool copyMore() override; // the chosen rows: files, and their internal paths
-    bool onEscape() override { return hasControls() && !isEmpty() && leaveList(); }
+    bool onPageKey(int command) override;
     bool keep(config_file& config) const override;
     bool isSearching() const { return m_lookups.isRunning(); }
     const archive_browser& browser() const { return m_browser; }

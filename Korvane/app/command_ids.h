@@ -16,6 +16,10 @@ constexpr int numberOf(document_command command)
 constexpr int recent_file_first = 200; // ten of them
 constexpr int next_page_command = 220;
 constexpr int former_page_command = 221;
+// Keys that each page has its own use for, if any: F3, and Alt with an arrow.
+constexpr int find_command = 222;
+constexpr int back_command = 223;
+constexpr int forward_command = 224;
 
 enum control_id : int
 {

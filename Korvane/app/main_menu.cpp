@@ -62,6 +62,9 @@ void main_menu::createFor(HWND window)
             shortcuts.push_back(acceleratorOf(*keys, recent_file_first + static_cast<int>(i)));
     shortcuts.push_back({FCONTROL, VK_TAB, static_cast<WORD>(next_page_command)});
     shortcuts.push_back({FCONTROL | FSHIFT, VK_TAB, static_cast<WORD>(former_page_command)});
+    shortcuts.push_back({0, VK_F3, static_cast<WORD>(find_command)});
+    shortcuts.push_back({FALT, VK_LEFT, static_cast<WORD>(back_command)});
+    shortcuts.push_back({FALT, VK_RIGHT, static_cast<WORD>(forward_command)});
     m_accelerators = makeAccelerators(shortcuts);
     m_bar = bar.handle();
     SetMenu(window, m_bar);

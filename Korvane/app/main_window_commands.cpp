@@ -79,8 +79,8 @@ bool main_window::onCommand(int id, int, HWND control)
 {
     if (control != nullptr) // controls handle their own
         return false;
-    if (id == IDCANCEL)
-        return shownPage().onEscape();
+    if (id == IDCANCEL || (id >= find_command && id <= forward_command))
+        return shownPage().onPageKey(id);
     if (id == next_page_command || id == former_page_command)
         return m_tabs.selectNext(id == former_page_command), true;
     if (id >= recent_file_first && id < recent_file_first + static_cast<int>(max_recent_files))

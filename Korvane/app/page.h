@@ -74,7 +74,8 @@ public:
     virtual bool copyMore() { return false; }
     // Paste, with the focus on a control of the page. False: it has no use for a text, and the control itself gets it.
     virtual bool paste(const std::string& /*text*/) { return false; }
-    virtual bool onEscape() { return false; } // true: there was something to leave
+    // Escape that no control has used (IDCANCEL), or a command of command_ids.h that is the page's own.
+    virtual bool onPageKey(int /*command*/) { return false; }
     // What the person arranged here, for the next start. True when the configuration changed.
     virtual bool keep(config_file& /*config*/) const { return false; }
 
