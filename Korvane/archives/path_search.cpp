@@ -3,7 +3,6 @@
 #include "EASY_GUI/services/parallel.h"
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/path_chunk.h"
-#include "Korvane/archives/path_pattern.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -18,15 +17,16 @@ namespace
 
 constexpr std::size_t step = sizeof(path_chunk);
 
-// Sixteen places at a time: only where the text's first and last character stand in their places it is compared.
-bool contains(std::string_view path, std::string_view text)
+// Where the text stands first, from a place on. Sixteen places at a time: only where the text's first and last
+// character stand in their places it is compared.
+std::size_t findFrom(std::string_view path, std::size_t from, std::string_view text)
 {
-    if (text.empty() || text.size() > path.size())
-        return text.empty();
+    if (text.empty() || from > path.size() || text.size() > path.size() - from)
+        return text.empty() && from <= path.size() ? from : std::string_view::npos;
     const std::size_t places = path.size() - text.size() + 1;
     const auto first = static_cast<unsigned char>(text.front());
     const auto last = static_cast<unsigned char>(text.back());
-    for (std::size_t at = 0; at < places; at += step)
+    for (std::size_t at = from; at < places; at += step)
     {
         const auto alike = reinterpret_cast<path_chunk_words>((chunkAt(path.data() + at) == first) &
                                                               (chunkAt(path.data() + at + text.size() - 1) == last));
@@ -35,9 +35,17 @@ bool contains(std::string_view path, std::string_view text)
         const std::size_t end = std::min(places, at + step);
         for (std::size_t place = at; place < end; ++place)
             if (std::memcmp(path.data() + place, text.data(), text.size()) == 0)
-                return true;
+                return place;
     }
-    return false;
+    return std::string_view::npos;
+}
+
+bool isAlike(std::string_view path, std::string_view text) // of one size
+{
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (text[i] != '?' && text[i] != path[i])
+            return false;
+    return true;
 }
 
 } // namespace
@@ -56,21 +64,15 @@ void path_search::find(const path_query& query)
     for (std::size_t at = 0; (at = text.find_first_not_of(' ', at)) != std::string::npos;)
     {
         const std::size_t end = std::min(text.find(' ', at), text.size());
-        word wanted{text.substr(at, end - at), false};
-        wanted.is_pattern = wanted.text.find_first_of("*?") != std::string::npos;
-        if (wanted.is_pattern)
-            wanted.text = "*" + wanted.text + "*";
-        m_words.push_back(std::move(wanted));
+        m_words.push_back(wordOf(std::string_view(text).substr(at, end - at)));
         at = end;
     }
     // Every former word is in one of the new ones, and nothing else was loosened.
     const bool is_narrower = (m_query.extension.empty() || m_query.extension == query.extension) &&
                              (m_query.po_archive == nullptr || m_query.po_archive == query.po_archive) &&
                              std::all_of(former.begin(), former.end(), [this](const word& old) {
-                                 return std::any_of(m_words.begin(), m_words.end(), [&old](const word& fresh) {
-                                     return old == fresh || (!old.is_pattern && !fresh.is_pattern &&
-                                                             fresh.text.find(old.text) != std::string::npos);
-                                 });
+                                 return std::any_of(m_words.begin(), m_words.end(),
+                                                    [&old](const word& fresh) { return isWithin(old, fresh); });
                              });
     m_query = query;
     if (is_narrower)
@@ -89,9 +91,63 @@ bool path_search::isHit(const pack_file_node& file) const
     const std::string_view path = file.internalPath();
     if (!m_query.extension.empty() && file.extension() != m_query.extension)
         return false;
-    return std::all_of(m_words.begin(), m_words.end(), [path](const word& wanted) {
-        return wanted.is_pattern ? matchesPattern(path, wanted.text) : contains(path, wanted.text);
-    });
+    return std::all_of(m_words.begin(), m_words.end(), [path](const word& wanted) { return fits(path, wanted); });
+}
+
+path_search::word path_search::wordOf(std::string_view text)
+{
+    word pieces;
+    for (std::size_t at = 0; at <= text.size();)
+    {
+        const std::size_t end = std::min(text.find('*', at), text.size());
+        piece made;
+        made.text = text.substr(at, end - at);
+        for (std::size_t run = 0; run < made.text.size();)
+        {
+            const std::size_t run_end = std::min(made.text.find('?', run), made.text.size());
+            if (run_end - run > made.run_size)
+            {
+                made.run_at = run;
+                made.run_size = run_end - run;
+            }
+            run = run_end + 1;
+        }
+        if (!made.text.empty())
+            pieces.push_back(std::move(made));
+        at = end + 1;
+    }
+    return pieces;
+}
+
+// Each piece as far left as possible: what fits behind it then fits behind any other place, too.
+bool path_search::fits(std::string_view path, const word& wanted)
+{
+    std::size_t at = 0;
+    for (const piece& each : wanted)
+    {
+        const std::string_view run = std::string_view(each.text).substr(each.run_at, each.run_size);
+        for (;; ++at)
+        {
+            const std::size_t found = findFrom(path, at + each.run_at, run);
+            if (found == std::string_view::npos || each.text.size() > path.size() - (found - each.run_at))
+                return false;
+            at = found - each.run_at;
+            if (each.run_size == each.text.size() || isAlike(path.substr(at, each.text.size()), each.text))
+                break;
+        }
+        at += each.text.size();
+    }
+    return true;
+}
+
+// Whatever fits the fresh word fits the old one.
+bool path_search::isWithin(const word& old, const word& fresh)
+{
+    const auto isText = [](const word& of) { return of.size() == 1 && of[0].run_size == of[0].text.size(); };
+    return old == fresh || old.empty() ||
+           (isText(old) && std::any_of(fresh.begin(), fresh.end(), [&old](const piece& each) {
+                return each.text.find(old[0].text) != std::string::npos;
+            }));
 }
 
 bool path_search::advance(std::size_t file_count)

@@ -49,12 +49,18 @@ public:
     std::size_t lookedAt() const { return m_next; }
 
 private:
-    struct word
+    // What stands between two '*' of a word. Its longest run without '?' is looked for, and then the rest is compared.
+    struct piece
     {
-        std::string text; // as paths are spelled; of a pattern with '*' at both ends
-        bool is_pattern = false;
-        friend bool operator==(const word&, const word&) = default;
+        std::string text; // as paths are spelled
+        std::size_t run_at = 0, run_size = 0;
+        friend bool operator==(const piece&, const piece&) = default;
     };
+    using word = std::vector<piece>; // one behind the other in the path
+
+    static word wordOf(std::string_view text);
+    static bool fits(std::string_view path, const word& wanted);
+    static bool isWithin(const word& old, const word& fresh);
 
     bool isHit(const pack_file_node& file) const;
     void look(std::size_t begin, std::size_t end, std::vector<const pack_file_node*>& hits) const;

@@ -90,7 +90,13 @@ TEST(path_search, findsWhatAPlainSearchFindsInTheOrderOfThePaths)
                                    " 9  needle 2 ",
                                    "x*9",
                                    "n??s\\m dds",
-                                   "u*1.d"})
+                                   "u*1.d",
+                                   "*",
+                                   "???????????????",
+                                   "x?e*?d",
+                                   "needle?9",
+                                   "x*x*?eed*1?",
+                                   "?xxneed*"})
     {
         search.find({"\x02"}); // nothing has it: what follows is no narrowing
         while (search.advance(7))
