@@ -77,7 +77,9 @@ LRESULT CALLBACK control::watch(HWND handle, UINT message, WPARAM wparam, LPARAM
             tips->hear(handle, message, wparam, lparam);
     const LRESULT result = target->handleMessage(message, wparam, lparam);
     if (message == WM_SETFOCUS)
-        window::tellFocused(handle);
+        for (HWND around = GetAncestor(handle, GA_PARENT); around != nullptr; around = GetAncestor(around, GA_PARENT))
+            if (window* const one = window::fromHandle(around); one != nullptr)
+                one->onControlFocused(handle);
     return result;
 }
 

@@ -27,7 +27,7 @@ archive_page::archive_page(page_host& host)
     , m_exchange(host, m_browser)
     , m_preview(host.thread())
     , m_viewer(host)
-    , m_texture(host)
+    , m_notice(host, [this](const std::string& text) { showNews(text); })
     , m_lookups(host, m_browser,
                 {[this] {
                      m_list.refresh();
@@ -37,8 +37,14 @@ archive_page::archive_page(page_host& host)
                      if (!m_lookups.isSearch())
                          m_list.select(-1);
                      showList();
+                     chooseKept();
                  },
                  [this] { m_list.refresh(); }, [this](const std::string& text) { m_status.setText(text); }})
+{
+    arrange();
+}
+
+void archive_page::arrange()
 {
     layout places(layout::direction::across);
     places.add(m_back, fixed(32))
@@ -51,6 +57,10 @@ archive_page::archive_page(page_host& host)
     finding.add(m_find_name).add(m_find, share()).add(m_type, fixed(130)).add(m_archive, fixed(150)).add(m_overview);
     layout panes(layout::direction::across);
     panes.add(m_tree, share(3, 80)).add(m_list, share(8, 120)).add(m_preview, share(4, 80));
+    m_layout = layout(layout::direction::down);
+    m_layout.setMargins(8, 2, 8, 8);
+    if (m_has_news)
+        m_layout.add(layout(layout::direction::across).add(m_news, share()).add(m_reread));
     m_layout.add(std::move(places)).add(std::move(finding)).add(std::move(panes), share(1, 80)).add(m_details);
     m_layout.add(layout(layout::direction::across).add(m_status, share()).add(m_open).add(m_take_out));
 }
@@ -70,8 +80,9 @@ bool archive_page::createControls(failure& why)
         m_overview.create(handle(), control_archive_overview, "Arc&hives...") &&
         m_tree.create(handle(), control_archive_tree, m_browser.folders()) &&
         m_list.create(handle(), control_archive_list, m_browser.rows(), options) && m_preview.createIn(handle(), why) &&
-        m_details.create(handle(), control_archive_details) && m_status.create(handle(), control_archive_status) &&
-        m_open.create(handle(), control_archive_open, "O&pen") &&
+        m_details.create(handle(), control_archive_details) && m_news.create(handle(), control_archive_news) &&
+        m_reread.create(handle(), control_archive_reread, "&Re-read") &&
+        m_status.create(handle(), control_archive_status) && m_open.create(handle(), control_archive_open, "O&pen") &&
         m_take_out.create(handle(), control_archive_take_out, "Ta&ke Out...") && m_empty.createIn(handle(), why);
     if (!is_whole)
         return fail(why, failure_kind::refused, "a control of the page Archives could not be created");
@@ -126,6 +137,7 @@ void archive_page::connect()
             m_exchange.drag(*folder);
     };
     m_list.onKey = [this](unsigned virtual_key) { return onListKey(virtual_key); };
+    m_reread.onClick = [this] { host().runCommand(document_command::reread_archives); };
     m_open.onClick = [this] { open(m_list.selected()); };
     m_take_out.onClick = [this] { takeOut(chosenFiles()); };
 }
@@ -133,7 +145,11 @@ void archive_page::connect()
 void archive_page::applyFont(const font& used)
 {
     if (hasControls())
+    {
         m_preview.setFont(used);
+        m_news.setFont(used);
+        m_reread.setFont(used);
+    }
     rows_page::applyFont(used);
 }
 
@@ -168,14 +184,44 @@ void archive_page::showDocument()
     const std::shared_ptr<const game_data>& game = host().document().game();
     if (m_lookups.knows(game))
         return;
+    if (constexpr std::size_t most = 10000; m_list.selectedCount() <= most)
+        m_kept = m_browser.pathsOf(m_list.selectedRows());
     m_lookups.setGame(game);
     m_browser.setGame(game);
+    m_notice.setGame(game);
     m_tree.restart();
     fillChoices();
     showState();
     showPlace();
-    if (!isEmpty())
-        m_lookups.isSearch() ? search() : m_lookups.prepare(); // what was found is looked for again
+    if (isEmpty())
+        return;
+    if (m_lookups.isSearch())
+        return search(); // what was found is looked for again
+    chooseKept();
+    m_lookups.prepare();
+}
+
+void archive_page::chooseKept()
+{
+    const std::vector<std::size_t> rows = m_browser.rowsOf(std::exchange(m_kept, {}));
+    if (rows.empty())
+        return;
+    rows.size() == 1 ? m_list.select(static_cast<int>(rows.front())) : m_list.select(rows);
+    showChosen();
+}
+
+void archive_page::showNews(const std::string& text)
+{
+    const bool has_focus = GetFocus() == m_reread.handle();
+    m_has_news = !text.empty();
+    m_news.setText(text);
+    m_news.setVisible(m_has_news);
+    m_reread.setVisible(m_has_news);
+    if (has_focus && !m_has_news)
+        m_list.focus();
+    arrange();
+    layOut();
+    RedrawWindow(handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN); // what was moved over
 }
 
 void archive_page::showState()
@@ -195,16 +241,21 @@ void archive_page::showState()
 
 void archive_page::fillChoices()
 {
+    const std::string former = m_archive.text();
     m_archive.clear();
     m_archive.add("All archives");
-    if (m_browser.hasFiles())
-        for (const std::unique_ptr<archive_record>& each : m_browser.game()->archives()->archives())
-            m_archive.add(displayText(each->name));
     m_archive.select(0);
+    for (int i = 0; m_browser.hasFiles() && i < static_cast<int>(m_browser.game()->archives()->archives().size()); ++i)
+    {
+        const std::string name =
+            displayText(m_browser.game()->archives()->archives()[static_cast<std::size_t>(i)]->name);
+        m_archive.add(name);
+        if (name == former)
+            m_archive.select(i + 1);
+    }
 }
 
-// --- what is shown
-// ----------------------------------------------------------------------------------------------------
+// --- what is shown ---
 
 void archive_page::showPlace()
 {
@@ -248,8 +299,7 @@ void archive_page::showChosen()
         m_preview.showNothing("");
 }
 
-// --- searching
-// --------------------------------------------------------------------------------------------------------
+// --- searching ---
 
 void archive_page::search()
 {

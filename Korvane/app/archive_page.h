@@ -11,11 +11,11 @@
 #include "EASY_GUI/win32/tree_view.h"
 #include "Korvane/app/archive_exchange.h"
 #include "Korvane/app/archive_lookups.h"
+#include "Korvane/app/archive_notice.h"
 #include "Korvane/app/file_preview_panel.h"
 #include "Korvane/app/file_viewer.h"
 #include "Korvane/app/filter_field.h"
 #include "Korvane/app/rows_page.h"
-#include "Korvane/app/texture_window.h"
 #include "Korvane/presenters/archive_browser.h"
 
 #include <memory>
@@ -32,6 +32,7 @@ public:
     ~archive_page() override { destroy(); }
 
     void showDocument() override;
+    void follow() override { m_notice.follow(); }
     HWND firstControl() const override;
     bool copyMore() override; // the chosen rows: files, and their internal paths
     bool onPageKey(int command) override;
@@ -39,18 +40,24 @@ public:
     bool isSearching() const { return m_lookups.isRunning(); }
     const archive_browser& browser() const { return m_browser; }
     const file_viewer& viewer() const { return m_viewer; }
-    const texture_window& textureWindow() const { return m_texture; }
 
 protected:
     bool createControls(failure& why) override;
     void applyFont(const font& used) override;
-    void onDestroyed() override { m_lookups.stop(); }
+    void onDestroyed() override
+    {
+        m_lookups.stop();
+        m_notice.stop();
+    }
 
 private:
     using file_list = std::vector<const pack_file_node*>;
 
     bool isEmpty() const override { return !m_browser.hasFiles(); }
     void connect();
+    void arrange(); // all rows, that of the news where there are any
+    void showNews(const std::string& text);
+    void chooseKept();
     empty_content emptyContent() const;
     void showState();
     void showPlace();  // the folder that the browser is in, everywhere
@@ -90,10 +97,14 @@ private:
     list_view m_list;
     file_preview_panel m_preview;
     label m_details;
+    label m_news; // of archives that have changed on the disk; seen when there is something to say
+    button m_reread;
+    bool m_has_news = false;
     label m_status;
     button m_open, m_take_out;
     file_viewer m_viewer;
-    texture_window m_texture;
+    std::vector<std::string> m_kept; // rows that were chosen before the archives were read again
+    archive_notice m_notice;
     archive_lookups m_lookups; // the last member: its work ends first
 };
 

@@ -211,6 +211,8 @@ enum control_id : int
     control_archive_text,
     control_archive_caption,
     control_archive_details,
+    control_archive_news,
+    control_archive_reread,
     control_archive_status,
     control_archive_open,
     control_archive_take_out,
@@ -224,14 +226,6 @@ enum control_id : int
     control_viewer_text,
     control_viewer_bytes,
     control_viewer_status,
-
-    control_texture_channels = 1900,
-    control_texture_level,
-    control_texture_surface,
-    control_texture_fit,
-    control_texture_actual,
-    control_texture_text,
-    control_texture_pixel,
 
     control_overview_list = 1890,
     control_overview_facts,

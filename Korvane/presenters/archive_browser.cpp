@@ -3,6 +3,7 @@
 #include "EASY_GUI/services/text.h"
 #include "Korvane/archives/internal_path.h"
 
+#include <unordered_set>
 #include <utility>
 
 namespace korvane
@@ -158,6 +159,24 @@ std::string archive_browser::details(std::size_t row) const
     for (std::size_t i = 0; i < copies.size() && i < most; ++i)
         text += (i == 0 ? "" : ", ") + displayText(copies[i]->archive().name);
     return text + (copies.size() > most ? ", ..." : ".");
+}
+
+std::vector<std::string> archive_browser::pathsOf(const std::vector<std::size_t>& rows) const
+{
+    std::vector<std::string> paths;
+    for (const std::size_t row : rows)
+        paths.emplace_back(m_rows.pathAt(row));
+    return paths;
+}
+
+std::vector<std::size_t> archive_browser::rowsOf(const std::vector<std::string>& paths) const
+{
+    const std::unordered_set<std::string_view> wanted(paths.begin(), paths.end());
+    std::vector<std::size_t> rows;
+    for (std::size_t row = 0; row < m_rows.rowCount() && rows.size() < wanted.size(); ++row)
+        if (wanted.contains(m_rows.pathAt(row)))
+            rows.push_back(row);
+    return rows;
 }
 
 std::optional<std::size_t> archive_browser::rowOf(std::string_view path) const

@@ -69,6 +69,9 @@ public:
     // The copies that a row's file hides, for a menu.
     std::vector<const pack_file_node*> copiesOf(std::size_t row) const;
     std::optional<std::size_t> rowOf(std::string_view path) const;
+    // So that what is chosen can be chosen again in other rows; paths that are not listed are passed over.
+    std::vector<std::string> pathsOf(const std::vector<std::size_t>& rows) const;
+    std::vector<std::size_t> rowsOf(const std::vector<std::string>& paths) const;
 
 private:
     void enter(std::string folder);

@@ -1,6 +1,7 @@
 #include "Korvane/game/file_bytes.h"
 #include "Korvane/jobs/file_preview.h"
 #include "Korvane/presenters/archive_browser.h"
+#include "Korvane/presenters/archive_changes.h"
 #include "Korvane/presenters/archive_overview.h"
 #include "Korvane/presenters/archive_places.h"
 #include "Korvane/presenters/hex_rows.h"
@@ -78,6 +79,27 @@ TEST_F(archive_browser_test, placesAreGoneToAndBackAndStayWhenArchivesAreReadAga
     EXPECT_EQ(folders.parent(archive_folders::everything), tree_model::root);
     EXPECT_EQ(folders.child(archive_folders::everything, 0), found);
     EXPECT_EQ(folders.childCount(archive_folders::everything), 1u);
+}
+
+TEST_F(archive_browser_test, changesOnTheDiskAreSaidAndWhatWasChosenIsFoundAgain)
+{
+    m_browser.setGame(usual());
+    ASSERT_TRUE(m_browser.open("b"));
+    const std::vector<std::string> chosen = m_browser.pathsOf({1, 2}); // one.dds and two.anim
+    const std::shared_ptr<const path_tree> tree = m_browser.game()->archives();
+    const std::vector<std::string> folders = {m_folder.file("")};
+    test::writeBytes(m_folder.file("bad.pack"), "no archive");
+    const archive_stamps as_read = stampsAsRead(*tree, stampArchives(folders));
+    EXPECT_EQ(describeChanges(as_read, stampArchives(folders)), "");
+    test::writeBytes(m_folder.file("bad.pack"), "no archive yet");
+    EXPECT_EQ(describeChanges(as_read, stampArchives(folders)), "1 archive has changed on the disk: bad.pack");
+    std::filesystem::rename(toPath(m_folder.file("bad.pack")), toPath(m_folder.file("new.pack")));
+    test::writeBytes(m_folder.file("other.pack"), "");
+    EXPECT_EQ(describeChanges(as_read, stampArchives(folders)),
+              "1 archive is gone, 2 are new on the disk: bad.pack, new.pack, other.pack");
+
+    m_browser.setGame(gameOf({{"b\\a", ""}, {"b\\two.anim", "2"}}, {{"b\\zz", ""}}));
+    EXPECT_EQ(m_browser.rowsOf(chosen), std::vector<std::size_t>{1});
 }
 
 TEST_F(archive_browser_test, columnsAreSortedAndHiddenCopiesAreKnown)
