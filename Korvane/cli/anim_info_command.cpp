@@ -3,8 +3,9 @@
 #include "Korvane/cli/anim_commands.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/cli/anim_text.h"
+#include "Korvane/cli/anim_json.h"
 #include "Korvane/jobs/operands.h"
+#include "Korvane/posing/anim_text.h"
 #include "Korvane/posing/skeleton_pose.h"
 
 #include <algorithm>
@@ -105,89 +106,6 @@ void printJsonWithFrames(cli_context& context, const anim_data& data, const info
     context.print(text + "]}\n");
 }
 
-// What the file says of one kind of a bone's values.
-struct track_list
-{
-    const std::vector<std::uint32_t>& map;
-    const std::vector<std::uint32_t>& bones; // that have a track, in the order of the tracks
-    std::size_t static_count;
-};
-
-// The bone's track in a frame, the static value that the file names for it, or neither.
-std::string trackText(const track_list& tracks, std::size_t bone)
-{
-    const auto found = std::find(tracks.bones.begin(), tracks.bones.end(), bone);
-    if (found != tracks.bones.end())
-        return std::to_string(found - tracks.bones.begin());
-    const std::uint32_t entry = tracks.map[bone];
-    if (entry == 0xffffffffu)
-        return "-";
-    if (hasTrack(entry))
-        return "cut off"; // the frames have fewer values
-    constexpr std::uint32_t first_static = 10000;
-    return entry >= first_static && entry - first_static < tracks.static_count
-               ? "static " + std::to_string(entry - first_static)
-               : "no " + std::to_string(entry);
-}
-
-std::string treeText(const anim_data& data, bool is_skeleton)
-{
-    std::vector<joint> joints = bindPose(data);
-    skeleton_tree tree;
-    static_cast<void>(tree.build(joints)); // damaged ones say so themselves
-    const std::vector<tree_row> rows = treeRows(tree);
-    const std::size_t width = labelWidth(rows, "bone");
-    std::string text = "\n  #  " + padded("bone", width) +
-                       (is_skeleton ? "         x         y         z, metres    roll   pitch     yaw, degrees\n"
-                                    : "  translation    rotation track\n");
-    for (const tree_row& row : rows)
-    {
-        const auto index = static_cast<std::size_t>(row.node->index());
-        const std::string shown = std::to_string(index);
-        text += std::string(3 - std::min<std::size_t>(shown.size(), 3), ' ') + shown + "  " + padded(row.label, width);
-        if (is_skeleton)
-            text += columns(row.node->translation(), 9, 4) + "        " +
-                    columns(eulerDegrees(row.node->rotation()), 7, 2) + "\n";
-        else
-            text +=
-                "  " +
-                padded(trackText({data.translation_map, data.animated_translations, data.static_translations.size()},
-                                 index),
-                       13) +
-                "  " + trackText({data.rotation_map, data.animated_rotations, data.static_rotations.size()}, index) +
-                "\n";
-    }
-    return text;
-}
-
-std::string trackCountText(std::size_t count, std::size_t with_bones, const std::string& kind)
-{
-    return counted(count, kind + " track") +
-           (count > with_bones ? " (" + std::to_string(count - with_bones) + " of no bone)" : "");
-}
-
-std::string headText(const anim_data& data, const info_options& options)
-{
-    const bool is_skeleton = depthOf(options) == anim_depth::skeleton;
-    std::string text = terminalText(options.anim) + "\n  ";
-    if (data.skeleton_name.empty())
-        text += is_skeleton ? "skeleton without a name" : "names no skeleton";
-    else
-        text += (is_skeleton ? "skeleton " : "made for the skeleton ") + terminalText(data.skeleton_name);
-    text += ", version " + std::to_string(data.version) + ", header word " + std::to_string(data.header_word) + "\n";
-    if (data.sub_name_flag != 0)
-        text += "  second name " + (data.sub_name.empty() ? "without a letter" : terminalText(data.sub_name)) + "\n";
-    text += "  " + counted(data.frame_count, "frame") + ", " + number(static_cast<double>(data.frame_rate)) +
-            " a second, " + number(static_cast<double>(data.end_time)) + " s\n";
-    text += "  " + counted(data.bones.size(), "bone") + "; " +
-            trackCountText(data.translation_count, data.animated_translations.size(), "translation") + ", " +
-            trackCountText(data.rotation_count, data.animated_rotations.size(), "rotation") + "\n";
-    if (!data.static_translations.empty() || !data.static_rotations.empty())
-        text += "  static: " + counted(data.static_translations.size(), "translation") + ", " +
-                counted(data.static_rotations.size(), "rotation") + " (poses leave such bones in the bind pose)\n";
-    return text;
-}
-
 std::string frameText(const anim_data& data, std::size_t frame)
 {
     std::string text = "\nframe " + std::to_string(frame);
@@ -215,7 +133,7 @@ void runInfo(cli_context& context, const info_options& options)
     if (context.is_json)
         return options.with_frames ? printJsonWithFrames(context, *data, options)
                                    : context.printJson(headJson(*data, options));
-    context.print(headText(*data, options) + treeText(*data, depthOf(options) == anim_depth::skeleton));
+    context.print(describeAnimation(*data, options.anim, depthOf(options) == anim_depth::skeleton));
     for (std::size_t i = 0; options.with_frames && i < data->frame_count; ++i)
         context.print(frameText(*data, i));
 }

@@ -3,8 +3,9 @@
 #include "Korvane/cli/anim_commands.h"
 
 #include "EASY_GUI/services/text.h"
-#include "Korvane/cli/anim_text.h"
+#include "Korvane/cli/anim_json.h"
 #include "Korvane/jobs/operands.h"
+#include "Korvane/posing/anim_text.h"
 #include "Korvane/posing/skeleton_pose.h"
 
 #include <algorithm>

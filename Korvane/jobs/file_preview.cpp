@@ -2,8 +2,10 @@
 
 #include "EASY_GUI/services/text.h"
 #include "Korvane/animation/anim_file.h"
+#include "Korvane/archives/internal_path.h"
 #include "Korvane/jobs/texture_preview.h"
 #include "Korvane/models/description.h"
+#include "Korvane/posing/anim_text.h"
 #include "Korvane/textures/picture_file.h"
 
 #include <algorithm>
@@ -94,18 +96,15 @@ void previewAnimation(memory_file bytes, const std::string& name, file_preview& 
 {
     anim_file file;
     file.openFromMemory(std::move(bytes), name);
-    if (!file.loadTemplate({}, why))
+    // A skeleton is read whole: its first frame says where the bones stand.
+    const bool is_skeleton = folderAround(toLower(name)).ends_with("skeletons");
+    if (!(is_skeleton ? file.loadSkeleton({}, why) : file.loadTemplate({}, why)))
         return;
-    const anim_data& data = file.data();
-    made.caption = "Animation of " + displayText(data.skeleton_name) + ", " + counted(data.frame_count, "frame");
-    std::string text = "Version\t" + std::to_string(data.version) + "\nSkeleton\t" + displayText(data.skeleton_name) +
-                       "\nFrames\t" + grouped(data.frame_count) + " at " + floatText(data.frame_rate) +
-                       " a second\nEnd time\t" + floatText(data.end_time) + " s\nBones\t" + grouped(data.bones.size()) +
-                       ", moved " + grouped(data.animated_translations.size()) + ", turned " +
-                       grouped(data.animated_rotations.size()) + "\n\n";
-    for (const anim_bone& bone : data.bones)
-        text += std::to_string(bone.index) + "\t" + displayText(bone.name) + "\n";
-    made.text = withLineEnds(text);
+    made.text = withLineEnds(describeAnimation(file.data(), std::string(fileName(name)), is_skeleton));
+    made.is_fixed_width = true;
+    made.caption =
+        (is_skeleton ? "Skeleton, " : "Animation of " + displayText(file.data().skeleton_name) + ", ") +
+        (is_skeleton ? counted(file.data().bones.size(), "bone") : counted(file.data().frame_count, "frame"));
 }
 
 file_preview previewContent(const game_file& file, const work_port& work, std::uint32_t most_pixels)

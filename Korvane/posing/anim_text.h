@@ -1,9 +1,9 @@
 #pragma once
 
-// How the anim commands show numbers and bones: as JSON, and as tables whose columns stay in line and apart whatever a
-// file's numbers and names are. Widths count characters.
+// Skeletons and animations in words: tables whose columns stay in line and apart whatever a file's numbers and names
+// are. Widths count characters.
 
-#include "Korvane/cli/cli_context.h"
+#include "Korvane/animation/anim_file.h"
 #include "Korvane/posing/skeleton_node.h"
 
 #include <cstddef>
@@ -12,9 +12,6 @@
 
 namespace korvane
 {
-
-[[nodiscard]] json arrayJson(const glm::vec3& value);
-[[nodiscard]] json arrayJson(const glm::quat& value); // x, y, z, w
 
 // At most six digits, as short as they allow.
 [[nodiscard]] std::string number(double value);
@@ -38,5 +35,9 @@ struct tree_row
 [[nodiscard]] std::vector<tree_row> treeRows(const skeleton_tree& tree);
 // The width of the longest label; at least that of a heading.
 [[nodiscard]] std::size_t labelWidth(const std::vector<tree_row>& rows, const std::string& heading);
+
+// What a skeleton or an animation holds: length, counts and bones, with the place of each bone or, of an animation,
+// where its values are kept. The name is shown above.
+[[nodiscard]] std::string describeAnimation(const anim_data& data, const std::string& name, bool is_skeleton);
 
 } // namespace korvane
