@@ -17,6 +17,7 @@ namespace
 {
 
 constexpr std::string_view archive_columns_name = "archives";
+constexpr std::string_view archive_panes_name = "archive_panes";
 constexpr std::array<std::string_view, 6> types = {"", "rigid_model_v2", "variantmeshdefinition", "dds", "anim", "xml"};
 
 } // namespace
@@ -55,14 +56,37 @@ void archive_page::arrange()
         .add(m_favourites);
     layout finding(layout::direction::across);
     finding.add(m_find_name).add(m_find, share()).add(m_type, fixed(130)).add(m_archive, fixed(150)).add(m_overview);
-    layout panes(layout::direction::across);
-    panes.add(m_tree, share(3, 80)).add(m_list, share(8, 120)).add(m_preview, share(4, 80));
+    layout panes(layout::direction::across, 0);
+    panes.add(m_tree, share(m_pane_widths[0], 80))
+        .add(m_splitters[0], fixed(splitter::width))
+        .add(m_list, share(m_pane_widths[1], 120))
+        .add(m_splitters[1], fixed(splitter::width))
+        .add(m_preview, share(m_pane_widths[2], 80));
     m_layout = layout(layout::direction::down);
     m_layout.setMargins(8, 2, 8, 8);
     if (m_has_news)
         m_layout.add(layout(layout::direction::across).add(m_news, share()).add(m_reread));
     m_layout.add(std::move(places)).add(std::move(finding)).add(std::move(panes), share(1, 80)).add(m_details);
     m_layout.add(layout(layout::direction::across).add(m_status, share()).add(m_open).add(m_take_out));
+}
+
+// What one pane gains its neighbour loses.
+void archive_page::movePanes(std::size_t left, int pixels)
+{
+    const HWND panes[] = {m_tree.handle(), m_list.handle(), m_preview.handle()};
+    for (std::size_t i = 0; i < m_pane_widths.size(); ++i)
+    {
+        RECT area{};
+        GetWindowRect(panes[i], &area);
+        m_pane_widths[i] = static_cast<int>(area.right - area.left);
+    }
+    const int smallest = scaled(80);
+    if (m_pane_widths[left] + pixels < smallest || m_pane_widths[left + 1] - pixels < smallest)
+        return;
+    m_pane_widths[left] += pixels;
+    m_pane_widths[left + 1] -= pixels;
+    arrange();
+    layOut();
 }
 
 bool archive_page::createControls(failure& why)
@@ -80,6 +104,7 @@ bool archive_page::createControls(failure& why)
         m_overview.create(handle(), control_archive_overview, "Arc&hives...") &&
         m_tree.create(handle(), control_archive_tree, m_browser.folders()) &&
         m_list.create(handle(), control_archive_list, m_browser.rows(), options) && m_preview.createIn(handle(), why) &&
+        m_splitters[0].createIn(handle(), why) && m_splitters[1].createIn(handle(), why) &&
         m_details.create(handle(), control_archive_details) && m_news.create(handle(), control_archive_news) &&
         m_reread.create(handle(), control_archive_reread, "&Re-read") &&
         m_status.create(handle(), control_archive_status) && m_open.create(handle(), control_archive_open, "O&pen") &&
@@ -89,6 +114,9 @@ bool archive_page::createControls(failure& why)
     m_list.setColumnWidths(
         keptColumns(host().config().table(), archive_columns_name, m_browser.rows().columns().size()));
     restorePlace(m_browser, host().config().table());
+    if (std::vector<int> kept = keptColumns(host().config().table(), archive_panes_name, 3); !kept.empty())
+        m_pane_widths = std::move(kept);
+    arrange();
     for (const std::string_view type : types)
         m_type.add(type.empty() ? std::string("All types") : typeName(type));
     m_type.select(0);
@@ -117,6 +145,8 @@ void archive_page::connect()
         clearSearch();
         showPlace();
     };
+    for (std::size_t i = 0; i < m_splitters.size(); ++i)
+        m_splitters[i].onMove = [this, i](int pixels) { movePanes(i, pixels); };
     m_find.onChange = [this] { search(); };
     m_find.onKey = [this](unsigned key) { return (key == VK_DOWN || key == VK_RETURN) && goToRows(); };
     m_type.onSelect = [this](int) { search(); };
@@ -158,7 +188,8 @@ bool archive_page::keep(config_file& config) const
     if (!hasControls())
         return false;
     const bool is_other = m_browser.hasFiles() && keepPlace(config, m_browser);
-    return keepColumns(config, archive_columns_name, m_list.columnWidths()) || is_other;
+    const bool has_panes = keepColumns(config, archive_panes_name, m_pane_widths);
+    return keepColumns(config, archive_columns_name, m_list.columnWidths()) || is_other || has_panes;
 }
 
 HWND archive_page::firstControl() const
@@ -232,7 +263,8 @@ void archive_page::showState()
         m_empty.showOver(true);
     }
     setRowsVisible(!isEmpty());
-    ShowWindow(m_preview.handle(), isEmpty() ? SW_HIDE : SW_SHOWNA);
+    for (const HWND each : {m_preview.handle(), m_splitters[0].handle(), m_splitters[1].handle()})
+        ShowWindow(each, isEmpty() ? SW_HIDE : SW_SHOWNA);
     if (isEmpty())
         return;
     layOut();

@@ -8,6 +8,7 @@
 #include "EASY_GUI/win32/edit_box.h"
 #include "EASY_GUI/win32/label.h"
 #include "EASY_GUI/win32/list_view.h"
+#include "EASY_GUI/win32/splitter.h"
 #include "EASY_GUI/win32/tree_view.h"
 #include "Korvane/app/archive_exchange.h"
 #include "Korvane/app/archive_lookups.h"
@@ -18,6 +19,7 @@
 #include "Korvane/app/rows_page.h"
 #include "Korvane/presenters/archive_browser.h"
 
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -56,6 +58,7 @@ private:
     bool isEmpty() const override { return !m_browser.hasFiles(); }
     void connect();
     void arrange(); // all rows, that of the news where there are any
+    void movePanes(std::size_t left, int pixels);
     void showNews(const std::string& text);
     void chooseKept();
     empty_content emptyContent() const;
@@ -96,6 +99,8 @@ private:
     tree_view m_tree;
     list_view m_list;
     file_preview_panel m_preview;
+    std::array<splitter, 2> m_splitters;        // before and behind the list
+    std::vector<int> m_pane_widths = {3, 8, 4}; // of tree, list and preview: what they are to each other
     label m_details;
     label m_news; // of archives that have changed on the disk; seen when there is something to say
     button m_reread;
