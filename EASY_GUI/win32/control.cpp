@@ -77,9 +77,7 @@ LRESULT CALLBACK control::watch(HWND handle, UINT message, WPARAM wparam, LPARAM
             tips->hear(handle, message, wparam, lparam);
     const LRESULT result = target->handleMessage(message, wparam, lparam);
     if (message == WM_SETFOCUS)
-        for (HWND around = GetAncestor(handle, GA_PARENT); around != nullptr; around = GetAncestor(around, GA_PARENT))
-            if (window* const one = window::fromHandle(around); one != nullptr)
-                one->onControlFocused(handle);
+        window::tellFocused(handle);
     return result;
 }
 

@@ -4,22 +4,46 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <utility>
 
 namespace korvane
 {
 
-bool image_view::createIn(HWND parent, failure& why)
+namespace
 {
-    return createChild(parent, WS_VISIBLE, 0, why, true);
+
+constexpr int most_looked_at = 4; // pixels of the picture in each direction, for one of the window
+
+} // namespace
+
+bool image_view::createIn(HWND parent, failure& why, use wanted)
+{
+    m_use = wanted;
+    window_settings settings;
+    settings.parent = parent;
+    settings.style = WS_CHILD | WS_VISIBLE | (wanted == use::zoom ? WS_TABSTOP : 0u);
+    settings.x = settings.y = settings.width = settings.height = 0;
+    settings.is_opaque = true;
+    settings.wants_repeat_clicks = true;
+    return create(settings, why);
 }
 
-void image_view::setPicture(int width, int height, std::span<const std::byte> rgba)
+void image_view::setPicture(int width, int height, std::span<const std::byte> rgba, std::shared_ptr<const void> owner)
 {
     if (width <= 0 || height <= 0 ||
         rgba.size() != static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4)
         return;
-    m_picture.assign(rgba.begin(), rgba.end());
+    if (!owner)
+    {
+        const auto copy = std::make_shared<const std::vector<std::byte>>(rgba.begin(), rgba.end());
+        rgba = *copy;
+        owner = copy;
+    }
+    m_picture = rgba;
+    m_po_owner = std::move(owner);
     m_size = {width, height};
+    m_place.setPicture(width, height);
     m_composed.clear();
     invalidate();
 }
@@ -27,66 +51,83 @@ void image_view::setPicture(int width, int height, std::span<const std::byte> rg
 void image_view::setEmpty(std::string_view text)
 {
     m_picture = {};
+    m_po_owner = nullptr;
     m_composed = {};
     m_text = text;
+    m_place.fit();
     invalidate();
 }
 
-void image_view::onSize(int, int, size_change)
+void image_view::onSize(int width, int height, size_change)
 {
+    m_place.setView(width, height);
     m_composed.clear();
     invalidate();
 }
 
 // The mean of what lies under a pixel, so that a large picture is not seen through holes; colours count as much as they
 // are opaque.
-std::uint32_t image_view::pixelOf(int x, int y, SIZE shown) const
+std::uint32_t image_view::pixelOf(const span_of_pixels& columns, const span_of_pixels& rows, std::uint32_t behind) const
 {
-    const auto from = [](int position, LONG whole, LONG shown_size) {
-        return static_cast<int>(static_cast<long long>(position) * whole / shown_size);
-    };
-    const int left = from(x, m_size.cx, shown.cx);
-    const int top = from(y, m_size.cy, shown.cy);
-    const int right = std::max(from(x + 1, m_size.cx, shown.cx), left + 1);
-    const int bottom = std::max(from(y + 1, m_size.cy, shown.cy), top + 1);
     std::array<std::uint64_t, 3> sums{};
-    std::uint64_t alphas = 0;
-    for (int row = top; row < bottom; ++row)
+    std::uint64_t alphas = 0, count = 0;
+    for (int row = rows.begin; row < rows.end; row += rows.step)
     {
-        const std::byte* pixel =
-            m_picture.data() +
-            (static_cast<std::size_t>(row) * static_cast<std::size_t>(m_size.cx) + static_cast<std::size_t>(left)) * 4;
-        for (int column = left; column < right; ++column, pixel += 4)
+        const std::byte* const line =
+            m_picture.data() + static_cast<std::size_t>(row) * static_cast<std::size_t>(m_size.cx) * 4;
+        for (int column = columns.begin; column < columns.end; column += columns.step)
         {
+            const std::byte* const pixel = line + static_cast<std::size_t>(column) * 4;
             const auto alpha = std::to_integer<std::uint64_t>(pixel[3]);
             alphas += alpha;
+            ++count;
             for (std::size_t i = 0; i < 3; ++i)
                 sums[i] += alpha * std::to_integer<std::uint64_t>(pixel[i]);
         }
     }
-    const int square = std::max(scaled(8), 1);
-    constexpr std::uint64_t light = 255, dark = 204;
-    const std::uint64_t behind = ((x / square + y / square) & 1) != 0 ? dark : light;
-    const std::uint64_t whole =
-        255u * static_cast<std::uint64_t>(right - left) * static_cast<std::uint64_t>(bottom - top);
+    const std::uint64_t whole = 255 * count;
     std::uint32_t result = 0;
     for (const std::uint64_t sum : sums)
         result = result << 8 | static_cast<std::uint32_t>((sum + (whole - alphas) * behind) / whole);
     return result;
 }
 
+std::vector<image_view::span_of_pixels> image_view::spans(int count, double begin, int size) const
+{
+    std::vector<span_of_pixels> result(static_cast<std::size_t>(count));
+    const double scale = m_place.scale();
+    const auto first = static_cast<int>(std::lround(begin));
+    const auto shown = std::max(static_cast<int>(std::lround(size * scale)), 1);
+    const auto from = [&](int at) {
+        return std::clamp(static_cast<int>(static_cast<long long>(at) * size / shown), 0, size);
+    };
+    for (int at = std::max(first, 0); at < std::min(first + shown, count); ++at)
+    {
+        span_of_pixels& one = result[static_cast<std::size_t>(at)];
+        one.begin = std::min(from(at - first), size - 1);
+        one.end = std::min(std::max(from(at - first + 1), one.begin + 1), size);
+        one.step = std::max((one.end - one.begin) / most_looked_at, 1);
+    }
+    return result;
+}
+
 void image_view::compose(int width, int height)
 {
-    const double scale = std::min(static_cast<double>(width) / static_cast<double>(m_size.cx),
-                                  static_cast<double>(height) / static_cast<double>(m_size.cy));
-    m_composed_size = {
-        std::clamp(static_cast<LONG>(scale * static_cast<double>(m_size.cx)), 1L, static_cast<LONG>(width)),
-        std::clamp(static_cast<LONG>(scale * static_cast<double>(m_size.cy)), 1L, static_cast<LONG>(height))};
+    const std::vector<span_of_pixels> columns = spans(width, m_place.left(), m_size.cx);
+    const std::vector<span_of_pixels> rows = spans(height, m_place.top(), m_size.cy);
+    const COLORREF face = GetSysColor(COLOR_BTNFACE);
+    const std::uint32_t around = static_cast<std::uint32_t>(GetRValue(face)) << 16 |
+                                 static_cast<std::uint32_t>(GetGValue(face)) << 8 | GetBValue(face);
+    const std::size_t square = static_cast<std::size_t>(std::max(scaled(8), 1));
+    constexpr std::uint32_t light = 255, dark = 204;
     m_composed.clear();
-    m_composed.reserve(static_cast<std::size_t>(m_composed_size.cx) * static_cast<std::size_t>(m_composed_size.cy));
-    for (int y = 0; y < m_composed_size.cy; ++y)
-        for (int x = 0; x < m_composed_size.cx; ++x)
-            m_composed.push_back(pixelOf(x, y, m_composed_size));
+    m_composed.reserve(columns.size() * rows.size());
+    for (std::size_t y = 0; y < rows.size(); ++y)
+        for (std::size_t x = 0; x < columns.size(); ++x)
+            m_composed.push_back(
+                rows[y].begin == rows[y].end || columns[x].begin == columns[x].end
+                    ? around
+                    : pixelOf(columns[x], rows[y], ((x / square + y / square) & 1) != 0 ? dark : light));
 }
 
 void image_view::paintOn(HDC context, const RECT& client)
@@ -111,13 +152,14 @@ void image_view::paintOn(HDC context, const RECT& client)
         compose(client.right, client.bottom);
     BITMAPINFO description{};
     description.bmiHeader.biSize = sizeof description.bmiHeader;
-    description.bmiHeader.biWidth = m_composed_size.cx;
-    description.bmiHeader.biHeight = -m_composed_size.cy; // from above
+    description.bmiHeader.biWidth = client.right;
+    description.bmiHeader.biHeight = -client.bottom; // from above
     description.bmiHeader.biPlanes = 1;
     description.bmiHeader.biBitCount = 32;
-    SetDIBitsToDevice(context, (client.right - m_composed_size.cx) / 2, (client.bottom - m_composed_size.cy) / 2,
-                      static_cast<DWORD>(m_composed_size.cx), static_cast<DWORD>(m_composed_size.cy), 0, 0, 0,
-                      static_cast<UINT>(m_composed_size.cy), m_composed.data(), &description, DIB_RGB_COLORS);
+    SetDIBitsToDevice(context, 0, 0, static_cast<DWORD>(client.right), static_cast<DWORD>(client.bottom), 0, 0, 0,
+                      static_cast<UINT>(client.bottom), m_composed.data(), &description, DIB_RGB_COLORS);
+    if (GetFocus() == handle())
+        DrawFocusRect(context, &client);
 }
 
 bool image_view::onPaint()
@@ -140,13 +182,155 @@ bool image_view::onPaint()
     return true;
 }
 
+void image_view::zoomed()
+{
+    m_composed.clear();
+    invalidate();
+    if (const auto told = onZoomed)
+        told();
+}
+
+void image_view::fit()
+{
+    m_place.fit();
+    zoomed();
+}
+
+void image_view::showActualSize()
+{
+    m_place.showActualSize();
+    zoomed();
+}
+
+void image_view::zoom(int steps)
+{
+    m_place.zoom(steps);
+    zoomed();
+}
+
+bool image_view::onKeyDown(unsigned virtual_key, bool)
+{
+    if (!isZoomable())
+        return false;
+    const RECT client = clientRectangle();
+    const double across = client.right / 8.0, down = client.bottom / 8.0;
+    switch (virtual_key)
+    {
+    case VK_ADD:
+    case VK_OEM_PLUS:
+        zoom(1);
+        return true;
+    case VK_SUBTRACT:
+    case VK_OEM_MINUS:
+        zoom(-1);
+        return true;
+    case '0':
+    case VK_NUMPAD0:
+        fit();
+        return true;
+    case '1':
+    case VK_NUMPAD1:
+        showActualSize();
+        return true;
+    case VK_LEFT:
+        m_place.move(across, 0);
+        break;
+    case VK_RIGHT:
+        m_place.move(-across, 0);
+        break;
+    case VK_UP:
+        m_place.move(0, down);
+        break;
+    case VK_DOWN:
+        m_place.move(0, -down);
+        break;
+    default:
+        return false;
+    }
+    zoomed();
+    return true;
+}
+
+bool image_view::onMouseWheel(int delta, const mouse_event& event)
+{
+    if (!isZoomable())
+        return false;
+    m_wheel += delta;
+    const int steps = m_wheel / WHEEL_DELTA;
+    m_wheel %= WHEEL_DELTA;
+    m_place.zoom(steps, {static_cast<double>(event.at.x), static_cast<double>(event.at.y)});
+    zoomed();
+    return true;
+}
+
+bool image_view::onMouseButton(const mouse_event& event)
+{
+    if (event.button != mouse_button::left)
+        return false;
+    if (event.is_double)
+    {
+        const auto told = onDoubleClick;
+        if (told)
+            told();
+        return told != nullptr;
+    }
+    if (!isZoomable())
+        return false;
+    if (event.is_down)
+    {
+        SetFocus(handle());
+        m_dragged_from = event.at;
+        SetCapture(handle());
+    }
+    else if (m_dragged_from)
+        ReleaseCapture();
+    return true;
+}
+
+bool image_view::onMouseMove(const mouse_event& event)
+{
+    if (m_dragged_from && isZoomable())
+    {
+        m_place.move(event.at.x - m_dragged_from->x, event.at.y - m_dragged_from->y);
+        m_dragged_from = event.at;
+        zoomed();
+    }
+    if (const auto told = onPointed)
+    {
+        TRACKMOUSEEVENT leaving{sizeof leaving, TME_LEAVE, handle(), 0};
+        TrackMouseEvent(&leaving);
+        const picture_point at = m_place.pictureAt({event.at.x + 0.5, event.at.y + 0.5});
+        const POINT pixel{static_cast<LONG>(std::floor(at.x)), static_cast<LONG>(std::floor(at.y))};
+        const bool is_inside =
+            hasPicture() && pixel.x >= 0 && pixel.y >= 0 && pixel.x < m_size.cx && pixel.y < m_size.cy;
+        told(is_inside ? std::optional(pixel) : std::nullopt);
+    }
+    return true;
+}
+
 LRESULT image_view::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
 {
-    if (message == WM_SETFONT)
+    switch (message)
     {
+    case WM_SETFONT:
         m_font = reinterpret_cast<HFONT>(wparam);
         invalidate();
         return 0;
+    case WM_GETDLGCODE: // Tab, Enter and Escape stay the dialog's
+        return m_use == use::zoom ? DLGC_WANTARROWS | DLGC_WANTCHARS : 0;
+    case WM_SETFOCUS:
+        tellFocused(handle());
+        invalidate();
+        break;
+    case WM_KILLFOCUS:
+        invalidate();
+        break;
+    case WM_MOUSELEAVE:
+        if (const auto told = onPointed)
+            told(std::nullopt);
+        return 0;
+    default:
+        break;
     }
     return window::handleMessage(message, wparam, lparam);
 }

@@ -112,6 +112,13 @@ window* window::fromHandle(HWND handle)
     return found == windows.end() ? nullptr : found->second;
 }
 
+void window::tellFocused(HWND control)
+{
+    for (HWND around = GetAncestor(control, GA_PARENT); around != nullptr; around = GetAncestor(around, GA_PARENT))
+        if (window* const one = fromHandle(around); one != nullptr)
+            one->onControlFocused(control);
+}
+
 void window::answerOthers()
 {
     MSG message{};

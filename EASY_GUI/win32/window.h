@@ -125,6 +125,7 @@ protected:
     // with WS_EX_CONTROLPARENT gives the focus there whenever it gets it itself, which is when it was activated again,
     // and else to its first control.
     virtual void onControlFocused(HWND control) { m_focused = control; }
+    static void tellFocused(HWND control); // all windows around it
     // Now, or when the window is activated the next time.
     void focusWhenActive(HWND control);
     // Everything else, and the whole table of handlers: override to see messages that have no handler, and call this.

@@ -28,6 +28,7 @@ archive_page::archive_page(page_host& host)
     , m_exchange(host, m_browser)
     , m_preview(host.thread())
     , m_viewer(host)
+    , m_texture(host)
     , m_notice(host, [this](const std::string& text) { showNews(text); })
     , m_lookups(host, m_browser,
                 {[this] {

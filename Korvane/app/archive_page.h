@@ -17,6 +17,7 @@
 #include "Korvane/app/file_viewer.h"
 #include "Korvane/app/filter_field.h"
 #include "Korvane/app/rows_page.h"
+#include "Korvane/app/texture_window.h"
 #include "Korvane/presenters/archive_browser.h"
 
 #include <array>
@@ -42,6 +43,7 @@ public:
     bool isSearching() const { return m_lookups.isRunning(); }
     const archive_browser& browser() const { return m_browser; }
     const file_viewer& viewer() const { return m_viewer; }
+    const texture_window& textureWindow() const { return m_texture; }
 
 protected:
     bool createControls(failure& why) override;
@@ -108,6 +110,7 @@ private:
     label m_status;
     button m_open, m_take_out;
     file_viewer m_viewer;
+    texture_window m_texture;
     std::vector<std::string> m_kept; // rows that were chosen before the archives were read again
     archive_notice m_notice;
     archive_lookups m_lookups; // the last member: its work ends first

@@ -65,6 +65,8 @@ void archive_page::openFile(const pack_file_node& file)
         host().openFile(given);
     else if (endsWithIgnoringCase(path, ".anim"))
         host().playAnimation(given);
+    else if (isTexturePath(path))
+        m_texture.view(game_file(std::shared_ptr<const pack_file_node>(m_browser.game()->archives(), &file)));
     else
         view(file);
 }

@@ -227,6 +227,14 @@ enum control_id : int
     control_viewer_bytes,
     control_viewer_status,
 
+    control_texture_channels = 1900,
+    control_texture_level,
+    control_texture_surface,
+    control_texture_fit,
+    control_texture_actual,
+    control_texture_text,
+    control_texture_pixel,
+
     control_overview_list = 1890,
     control_overview_facts,
     control_overview_show,

@@ -8,17 +8,6 @@
 namespace korvane
 {
 
-namespace
-{
-
-constexpr std::pair<std::string_view, preview_channels> channel_choices[] = {
-    {"All channels", preview_channels::all}, {"Red", preview_channels::red},
-    {"Green", preview_channels::green},      {"Blue", preview_channels::blue},
-    {"Alpha", preview_channels::alpha},      {"Colour without alpha", preview_channels::colour},
-};
-
-} // namespace
-
 texture_preview_panel::texture_preview_panel(const ui_thread& thread)
     : m_loading(thread, {{}, {}, [this](const std::string& what) { showNothing("No preview: " + what); }})
 {

@@ -39,18 +39,6 @@ dds_image levelFor(const dds_image& image, std::uint32_t most_pixels)
     return level;
 }
 
-std::string ddsText(const dds_image& image)
-{
-    const char* const format = formatName(image.format);
-    std::string text = sizeText(image.width, image.height) + ", " + (format ? format : "an unusual pixel format") +
-                       ", " + counted(image.mip_count, "mip map");
-    if (image.is_cube)
-        text += ", cube map";
-    else if (image.array_size > 1)
-        text += ", array of " + std::to_string(image.array_size);
-    return text;
-}
-
 void shrink(picture& target, std::uint32_t most_pixels)
 {
     if (std::max(target.width(), target.height()) <= most_pixels)
@@ -74,7 +62,7 @@ bool decodePreview(const memory_file& file, std::uint32_t most_pixels, texture_p
     {
         if (!readDds(file.bytes(), image, why))
             return false;
-        preview.text = ddsText(image);
+        preview.text = textureText(image);
         if (!decodeDds(levelFor(image, most_pixels), pixels, why))
             return false;
     }
@@ -95,6 +83,18 @@ rgba_pixel grey(unsigned value)
 }
 
 } // namespace
+
+std::string textureText(const dds_image& image)
+{
+    const char* const format = formatName(image.format);
+    std::string text = sizeText(image.width, image.height) + ", " + (format ? format : "an unusual pixel format") +
+                       ", " + counted(image.mip_count, "mip map");
+    if (image.is_cube)
+        text += ", cube map";
+    else if (image.array_size > 1)
+        text += ", array of " + std::to_string(image.array_size);
+    return text;
+}
 
 texture_preview makeTexturePreview(const texture_preview_request& request, const work_port& work)
 {

@@ -3,6 +3,7 @@
 // A small picture of a texture, out of the game or from the disk, and what the file is in words. A worker makes it; its
 // channels are then switched without reading the file again.
 
+#include "DDSTextureLoader/dds_image.h"
 #include "EASY_GUI/services/work_port.h"
 #include "Korvane/game/game_data.h"
 #include "Korvane/textures/picture.h"
@@ -10,6 +11,8 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace korvane
 {
@@ -26,9 +29,11 @@ struct texture_preview
 {
     std::string path;
     picture pixels;   // straight alpha; empty: there is none to show
-    std::string text; // "2048 x 2048, BC3_UNORM, 12 mip maps", or why there is no picture
+    std::string text; // textureText(), or why there is no picture
     bool is_stopped = false;
 };
+// "2048 x 2048, BC3_UNORM, 12 mip maps".
+[[nodiscard]] std::string textureText(const dds_image& image);
 // Of a DDS file the mip map that is wanted is decoded, no more. Of an array or a cube the first surface.
 [[nodiscard]] texture_preview makeTexturePreview(const texture_preview_request& request, const work_port& work);
 // Of a file that was found already.
@@ -44,6 +49,12 @@ enum class preview_channels
     alpha,
     colour // as if all were opaque
 };
+inline constexpr std::pair<std::string_view, preview_channels> channel_choices[] = {
+    {"All channels", preview_channels::all}, {"Red", preview_channels::red},
+    {"Green", preview_channels::green},      {"Blue", preview_channels::blue},
+    {"Alpha", preview_channels::alpha},      {"Colour without alpha", preview_channels::colour},
+};
+
 // Of all channels the picture itself, of the others an opaque one.
 [[nodiscard]] picture showChannels(const picture& source, preview_channels channels);
 
