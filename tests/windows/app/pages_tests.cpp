@@ -81,7 +81,11 @@ TEST_F(pages_test, archivesAreSearchedOpenedAndTakenOutOf)
 {
     test_model model = soldier();
     model.lods[0][0].textures = {{0, "Tex/Steel.dds"}};
-    writeArchive({{"men\\body.rigid_model_v2", model.bytes()}, {"tex\\steel.dds", "bytes"}, {"tex\\wood.dds", ""}});
+    writeArchive({{"men\\body.rigid_model_v2", model.bytes()},
+                  {"tex\\steel.dds", "bytes"},
+                  {"tex\\wood.dds", ""},
+                  {"tex\\notes.txt", "one\ntwo"},
+                  {"tex\\odd.bin", std::string(100, '\1')}});
     openWindow();
     for (int i = 0; i < 3; ++i)
         pressWithControl(VK_TAB);
@@ -114,6 +118,28 @@ TEST_F(pages_test, archivesAreSearchedOpenedAndTakenOutOf)
     press(VK_RETURN);
     EXPECT_EQ(shownTab(), 0);
     EXPECT_EQ(text(control_file_path), "pack:men\\body.rigid_model_v2");
+
+    // What has no window of its own is seen as text or bytes. Escape leaves the viewer, then what was found.
+    for (int i = 0; i < 3; ++i)
+        pressWithControl(VK_TAB);
+    const file_viewer& viewer = m_window->archivePage().viewer();
+    const std::pair<const wchar_t*, const char*> viewed[] = {{L"notes", "Text, UTF-8, 7 bytes"},
+                                                             {L"odd.bin", "100 bytes"}};
+    for (const auto& [name, status] : viewed)
+    {
+        SetWindowTextW(find(control_archive_find), name);
+        ASSERT_TRUE(pumpUntil(isIdle));
+        SetFocus(find(control_archive_list));
+        press(VK_HOME);
+        press(VK_F4);
+        ASSERT_TRUE(pumpUntil([&] { return viewer.isOpen() && !viewer.isLoading(); }));
+        EXPECT_EQ(viewer.status(), status);
+    }
+    SetForegroundWindow(m_window->handle());
+    SetFocus(find(control_archive_list));
+    press(VK_ESCAPE);
+    EXPECT_EQ(text(control_archive_find), "");
+    EXPECT_EQ(text(control_archive_status), "2 folders, 0 files");
 }
 
 TEST_F(pages_test, aFindingLeadsToItsGroupAndEditsAreCheckedAgain)
