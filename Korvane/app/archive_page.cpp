@@ -26,7 +26,7 @@ archive_page::archive_page(page_host& host)
     : rows_page(host, {&m_back, &m_forward, &m_up, &m_path_name, &m_path, &m_favourites, &m_find_name, &m_find, &m_type,
                        &m_archive, &m_overview, &m_tree, &m_list, &m_details, &m_status, &m_open, &m_take_out})
     , m_exchange(host, m_browser)
-    , m_preview(host.thread())
+    , m_preview(host.thread(), host.pictures())
     , m_viewer(host)
     , m_texture(host)
     , m_notice(host, [this](const std::string& text) { showNews(text); })
@@ -327,7 +327,8 @@ void archive_page::showChosen()
     m_details.setText(row < 0 ? std::string() : m_browser.details(static_cast<std::size_t>(row)));
     m_open.setEnabled(row >= 0 && (file != nullptr || m_browser.rows().folderAt(static_cast<std::size_t>(row))));
     if (file != nullptr)
-        m_preview.show(game_file(std::shared_ptr<const pack_file_node>(m_browser.game()->archives(), file)));
+        m_preview.show(game_file(std::shared_ptr<const pack_file_node>(m_browser.game()->archives(), file)),
+                       m_browser.game());
     else
         m_preview.showNothing("");
 }

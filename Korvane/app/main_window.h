@@ -45,6 +45,7 @@ struct main_window_ports
     std::function<void(const std::string& path)> open_folder; // shows a file in the system's file manager
     edit_keeper& keeper;                                      // of unsaved edits, and what the last program kept
     std::function<bool(const std::string& path)> open_editor; // opens a picture to be painted; false: nothing can
+    std::shared_ptr<scene_pictures> pictures = {};            // of models, for previews; may be null
 };
 
 class main_window : public window, public page_host
@@ -70,6 +71,7 @@ public:
     user_prompt& prompt() override { return m_ports.prompt; }
     shared_config& config() override { return m_config; }
     const ui_thread& thread() const override { return m_thread; }
+    const std::shared_ptr<scene_pictures>& pictures() const override { return m_ports.pictures; }
     HWND frame() const override { return handle(); }
     // False, after a message box, when it cannot be opened, and when unsaved changes are not to be lost: what was open
     // stays.

@@ -11,12 +11,14 @@
 #include "Korvane/document/open_files.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace korvane
 {
 
+class scene_pictures;
 class shared_config;
 
 // The main window, as its pages and dialogs see it. Window thread.
@@ -31,6 +33,8 @@ public:
     virtual shared_config& config() = 0;
     virtual const ui_thread& thread() const = 0; // for background tasks
     virtual HWND frame() const = 0;              // owner of dialogs
+    // For one preview's worker; null: nothing can be drawn.
+    virtual const std::shared_ptr<scene_pictures>& pictures() const = 0;
 
     virtual bool openFile(const std::string& path) = 0;                // as if the person had chosen it
     virtual void openFiles(const std::vector<std::string>& paths) = 0; // as if they were dropped on the window

@@ -13,11 +13,13 @@
 #include "Korvane/app/main_window.h"
 #include "Korvane/document/kept_edits.h"
 #include "Korvane/game/game_path.h"
+#include "Korvane/viewer/preview_pictures.h"
 
 #include <commctrl.h>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <memory>
 #include <objbase.h>
 #include <shellapi.h>
 
@@ -169,9 +171,9 @@ int runProgram(const std::string& command_line, log_file& log, edit_keeper& keep
         prompt.setOwner(owner);
         end.setOwner(owner);
     };
-    main_window window(
-        {config, "", log, "log.txt", prompt, set_owner, &makeD3dModelView, &openFolderOf, keeper, &openEditor},
-        command_line, filesOfCommandLine());
+    main_window window({config, "", log, "log.txt", prompt, set_owner, &makeD3dModelView, &openFolderOf, keeper,
+                        &openEditor, std::make_shared<preview_pictures>()},
+                       command_line, filesOfCommandLine());
     failure why;
     if (!end.open(why) || !window.open(why))
     {
