@@ -169,7 +169,7 @@ void archive_page::connect()
     };
     m_list.onKey = [this](unsigned virtual_key) { return onListKey(virtual_key); };
     m_reread.onClick = [this] { host().runCommand(document_command::reread_archives); };
-    m_open.onClick = [this] { open(m_list.selected()); };
+    m_open.onClick = m_preview.onOpen = [this] { open(m_list.selected()); };
     m_take_out.onClick = [this] { takeOut(chosenFiles()); };
 }
 

@@ -29,6 +29,10 @@ bool file_preview_panel::onCreated()
         !m_caption.create(handle(), control_archive_caption))
         return false;
     m_text.setVisible(false);
+    m_image.onDoubleClick = [this] {
+        if (const auto opened = onOpen; opened && m_image.hasPicture())
+            opened();
+    };
     return true;
 }
 

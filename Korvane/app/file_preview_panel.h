@@ -13,6 +13,7 @@
 #include "Korvane/jobs/file_preview.h"
 #include "Korvane/jobs/scene_preview.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,6 +24,8 @@ namespace korvane
 class file_preview_panel : public window
 {
 public:
+    std::function<void()> onOpen; // a double click on the picture
+
     // Who draws models; null: nobody does.
     file_preview_panel(const ui_thread& thread, std::shared_ptr<scene_pictures> pictures);
     ~file_preview_panel() override { destroy(); }

@@ -115,6 +115,40 @@ TEST_F(control_test, picturesKeepTheirProportionsAndShowWhereTheyAreTransparent)
     ReleaseDC(view.handle(), context);
 }
 
+TEST_F(control_test, picturesAreZoomedAndMovedByMouseAndKeys)
+{
+    image_view view;
+    failure why;
+    ASSERT_TRUE(view.createIn(handle(), why, image_view::use::zoom)) << describe(why);
+    SetWindowPos(view.handle(), nullptr, 0, 0, 100, 100, SWP_NOZORDER);
+    std::vector<std::byte> picture(std::size_t{200} * 200 * 4, std::byte{255});
+    view.setPicture(200, 200, picture);
+    EXPECT_DOUBLE_EQ(view.scale(), 0.5);
+    int told = 0;
+    std::optional<POINT> pixel;
+    view.onZoomed = [&] { ++told; };
+    view.onPointed = [&](const std::optional<POINT>& at) { pixel = at; };
+    const auto press = [&](WPARAM key) { SendMessageW(view.handle(), WM_KEYDOWN, key, 0); };
+    press('1');
+    EXPECT_DOUBLE_EQ(view.scale(), 1);
+    SendMessageW(view.handle(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(50, 50));
+    SendMessageW(view.handle(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(70, 80));
+    SendMessageW(view.handle(), WM_LBUTTONUP, 0, MAKELPARAM(70, 80));
+    ASSERT_TRUE(pixel);
+    EXPECT_EQ(pixel->x, 100) << "what was taken hold of follows the mouse";
+    EXPECT_EQ(pixel->y, 100);
+    SendMessageW(view.handle(), WM_MOUSEMOVE, 0, MAKELPARAM(0, 0));
+    EXPECT_EQ(pixel->x, 30);
+    press(VK_OEM_PLUS);
+    EXPECT_DOUBLE_EQ(view.scale(), 1.25);
+    press('0');
+    EXPECT_DOUBLE_EQ(view.scale(), 0.5);
+    EXPECT_EQ(told, 4);
+    view.setEmpty("nothing");
+    press('1');
+    EXPECT_EQ(told, 4) << "there is nothing to zoom";
+}
+
 TEST_F(control_test, textGoesOverTheClipboardUnlessItIsHeld)
 {
     failure why;
