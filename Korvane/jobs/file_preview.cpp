@@ -123,6 +123,11 @@ file_preview previewContent(const game_file& file, const work_port& work, std::u
         return made;
     }
     start.resize(count);
+    if (count == 0)
+    {
+        made.caption = "This file is empty.";
+        return made;
+    }
     const std::string_view head(reinterpret_cast<const char*>(start.data()), count);
     const std::string path = file.path();
     if (head.starts_with("DDS ") || pictureKind(path))
