@@ -20,7 +20,8 @@ class archive_overview_dialog : public dialog_box
 public:
     static constexpr int show_files = 1; // of the archive that is chosen
 
-    // The overview outlives the dialog. first: the number of the archive that is chosen at first, in the order of the tree.
+    // The overview outlives the dialog. first: the number of the archive that is chosen at first, in the order of the
+    // tree.
     archive_overview_dialog(const archive_overview& shown, std::size_t first);
     ~archive_overview_dialog() override { destroy(); }
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <shellapi.h>
 #include <utility>
 
 namespace korvane
@@ -26,6 +27,12 @@ archive_page::archive_page(page_host& host)
     : rows_page(host, {&m_back, &m_forward, &m_up, &m_path_name, &m_path, &m_favourites, &m_find_name, &m_find, &m_type,
                        &m_archive, &m_overview, &m_tree, &m_list, &m_details, &m_status, &m_open, &m_take_out})
     , m_exchange(host, m_browser)
+    , m_mod_folder(host, m_browser,
+                   [this](const std::string& path) {
+                       if (const std::optional<std::size_t> row = m_browser.rowOf(path))
+                           m_list.select(static_cast<int>(*row));
+                       showChosen();
+                   })
     , m_preview(host.thread(), host.pictures())
     , m_viewer(host)
     , m_texture(host)
@@ -129,6 +136,7 @@ bool archive_page::createControls(failure& why)
     m_overview.setTip("All archives in the order in which they count, what each overrides, and why");
     m_take_out.setTip("Writes the chosen files into a folder of the disk");
     connect();
+    DragAcceptFiles(handle(), TRUE);
     return true;
 }
 
@@ -170,7 +178,7 @@ void archive_page::connect()
     m_list.onKey = [this](unsigned virtual_key) { return onListKey(virtual_key); };
     m_reread.onClick = [this] { host().runCommand(document_command::reread_archives); };
     m_open.onClick = m_preview.onOpen = [this] { open(m_list.selected()); };
-    m_take_out.onClick = [this] { takeOut(chosenFiles()); };
+    m_take_out.onClick = [this] { takeOut(filesOf(m_browser, m_list.selectedRows())); };
 }
 
 void archive_page::applyFont(const font& used)
@@ -280,8 +288,7 @@ void archive_page::fillChoices()
     m_archive.select(0);
     for (int i = 0; m_browser.hasFiles() && i < static_cast<int>(m_browser.game()->archives()->archives().size()); ++i)
     {
-        const std::string name =
-            displayText(m_browser.game()->archives()->archives()[static_cast<std::size_t>(i)]->name);
+        const std::string name = archiveName(*m_browser.game()->archives()->archives()[static_cast<std::size_t>(i)]);
         m_archive.add(name);
         if (name == former)
             m_archive.select(i + 1);

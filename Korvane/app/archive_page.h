@@ -16,6 +16,7 @@
 #include "Korvane/app/file_preview_panel.h"
 #include "Korvane/app/file_viewer.h"
 #include "Korvane/app/filter_field.h"
+#include "Korvane/app/mod_folder_commands.h"
 #include "Korvane/app/rows_page.h"
 #include "Korvane/app/texture_window.h"
 #include "Korvane/presenters/archive_browser.h"
@@ -53,6 +54,7 @@ protected:
         m_lookups.stop();
         m_notice.stop();
     }
+    void onFilesDropped(const std::vector<std::string>& paths) override;
 
 private:
     using file_list = std::vector<const pack_file_node*>;
@@ -75,7 +77,6 @@ private:
     void openFile(const pack_file_node& file);
     void view(const pack_file_node& file); // as text or bytes
     void takeOut(const file_list& files);
-    file_list chosenFiles() const;
     void openFolder(const std::string& folder);
     void showFavourites();
     void showArchives();
@@ -90,6 +91,7 @@ private:
 
     archive_browser m_browser;
     archive_exchange m_exchange;
+    mod_folder_commands m_mod_folder;
 
     button m_back, m_forward, m_up, m_favourites;
     field_name m_path_name;

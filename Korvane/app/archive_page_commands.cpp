@@ -137,24 +137,6 @@ void archive_page::showArchives()
     m_list.focus();
 }
 
-archive_page::file_list archive_page::chosenFiles() const
-{
-    file_list files;
-    std::vector<std::size_t> rows = m_list.selectedRows();
-    if (rows.empty() && !m_browser.isFolderShown()) // all that was found
-        for (std::size_t row = 0; row < m_browser.rows().rowCount(); ++row)
-            rows.push_back(row);
-    for (const std::size_t row : rows)
-    {
-        if (const pack_file_node* const file = m_browser.rows().fileAt(row))
-            files.push_back(file);
-        else if (const path_node* const folder = m_browser.rows().folderAt(row))
-            for (const pack_file_node* const below : m_browser.game()->archives()->filesBelow(*folder))
-                files.push_back(below);
-    }
-    return files;
-}
-
 void archive_page::takeOut(const file_list& files)
 {
     m_exchange.takeOut(files);
@@ -233,7 +215,12 @@ bool archive_page::onListKey(unsigned virtual_key)
     if (const pack_file_node* const file = row < 0 ? nullptr : m_browser.rows().fileAt(static_cast<std::size_t>(row));
         virtual_key == VK_F4 && file != nullptr)
         return view(*file), true;
-    return false;
+    return m_mod_folder.onKey(virtual_key, m_list.selectedRows());
+}
+
+void archive_page::onFilesDropped(const std::vector<std::string>& paths)
+{
+    isEmpty() ? host().openFiles(paths) : m_mod_folder.put(paths);
 }
 
 void archive_page::showMenu(int row, POINT on_screen)
@@ -248,7 +235,7 @@ void archive_page::showMenu(int row, POINT on_screen)
     {
         const int copy = static_cast<int>(i);
         copies.rows.push_back({0,
-                               menuText(hidden[i]->archive().name),
+                               menuText(archiveName(hidden[i]->archive())),
                                true,
                                false,
                                {{open_copy + copy, "&Open"},
@@ -267,6 +254,7 @@ void archive_page::showMenu(int row, POINT on_screen)
         {show_its_folder, "Show Its &Folder", file != nullptr && !m_browser.isFolderShown()},
         {},
         {copy_paths, "&Copy\tCtrl+C", row >= 0},
+        m_mod_folder.menu(m_list.selectedRows()),
     };
     if (!copies.rows.empty())
         rows.insert(rows.begin() + 3, std::move(copies));
@@ -275,6 +263,8 @@ void archive_page::showMenu(int row, POINT on_screen)
 
 void archive_page::runFromMenu(int chosen, int row)
 {
+    if (m_mod_folder.run(chosen, m_list.selectedRows()))
+        return;
     const auto number = static_cast<std::size_t>(std::max(row, 0));
     const std::string path(row < 0 ? std::string_view() : m_browser.rows().pathAt(number));
     switch (chosen)
@@ -284,7 +274,7 @@ void archive_page::runFromMenu(int chosen, int row)
     case open_row:
         return open(row);
     case take_out_rows:
-        return takeOut(chosenFiles());
+        return takeOut(filesOf(m_browser, m_list.selectedRows()));
     case who_uses_it:
         return m_lookups.listUsers(path);
     case what_it_needs:

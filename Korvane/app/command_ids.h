@@ -247,6 +247,10 @@ enum control_id : int
     control_take_out_there,
     control_take_out_note,
     control_take_out_ok,
+
+    control_name_field = 1890,
+    control_name_note,
+    control_name_ok,
 };
 
 } // namespace korvane

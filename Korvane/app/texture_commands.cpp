@@ -3,7 +3,7 @@
 #include "EASY_GUI/services/shared_config.h"
 #include "EASY_GUI/services/text.h"
 #include "EASY_GUI/win32/clipboard.h"
-#include "Korvane/presenters/game_folders.h"
+#include "Korvane/app/mod_folder_commands.h"
 #include "Korvane/textures/picture_file.h"
 #include "Korvane/textures/texture_paths.h"
 
@@ -80,16 +80,6 @@ void texture_commands::say(const std::string& text)
     m_told.status(text);
 }
 
-// Empty when none is set, and the person, who was asked to, does not set one.
-std::string texture_commands::modFolder(const std::string& title)
-{
-    if (std::string folder = game_folders(m_host.config()).modFolder(); !folder.empty())
-        return folder;
-    m_host.prompt().show(title, std::string(no_mod_folder_text), prompt_icon::information);
-    m_host.runCommand(document_command::game_folders);
-    return game_folders(m_host.config()).modFolder();
-}
-
 void texture_commands::setPath(std::size_t row, const std::string& path)
 {
     const std::size_t cut = path.size() - fileName(path).size();
@@ -125,7 +115,7 @@ void texture_commands::replaceWith(std::size_t row, const std::string& picture, 
                                         " is of a kind that cannot become a texture. Save it as PNG, Targa (.tga) or "
                                         "DDS in your paint program, and take that file.",
                                     prompt_icon::information);
-    const std::string folder = modFolder(title);
+    const std::string folder = wantedModFolder(m_host, title);
     if (folder.empty() || !isUsed(row))
         return;
     replace_picture_request request{m_host.document().game(), picture, path(row), modelPath(), folder};
@@ -155,7 +145,7 @@ void texture_commands::edit(std::size_t row)
     const std::string title = "Edit Picture";
     if (!isUsed(row))
         return;
-    const std::string folder = modFolder(title);
+    const std::string folder = wantedModFolder(m_host, title);
     if (folder.empty() || !isUsed(row))
         return;
     const picture_unpack_request request{m_host.document().game(), path(row), modelPath(), folder, isNormalMap(row)};

@@ -60,7 +60,6 @@ public:
 private:
     bool isNormalMap(std::size_t row) const;
     std::string modelPath() const;
-    std::string modFolder(const std::string& title);
     void setPath(std::size_t row, const std::string& path);
     void takeConverted(picture_edits::edit_number number, bool is_done, const replaced_picture& result,
                        const failure& why);

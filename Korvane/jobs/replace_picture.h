@@ -36,9 +36,9 @@ struct replaced_picture
 [[nodiscard]] bool replacePicture(const replace_picture_request& request, const work_port& work,
                                   replaced_picture& result, failure& why);
 
-inline constexpr std::string_view no_mod_folder_text =
-    "No mod folder is set yet: pictures that you paint go there, and the game's archives stay as they are. Set one in "
-    "Tools > Setup Game Folders.";
+inline constexpr std::string_view no_mod_folder_text = "No mod folder is set yet: what you paint or put in goes there, "
+                                                       "and the game's archives stay as they are. Set one in "
+                                                       "Tools > Setup Game Folders.";
 
 // The internal path of a new texture beside another one, named after the picture.
 [[nodiscard]] std::string newTexturePath(std::string_view internal_path, const std::string& picture);

@@ -157,7 +157,7 @@ std::string archive_browser::details(std::size_t row) const
     text += ". Hides " + counted(copies.size(), "copy", "copies") + ", because it was read later: ";
     constexpr std::size_t most = 4;
     for (std::size_t i = 0; i < copies.size() && i < most; ++i)
-        text += (i == 0 ? "" : ", ") + displayText(copies[i]->archive().name);
+        text += (i == 0 ? "" : ", ") + archiveName(copies[i]->archive());
     return text + (copies.size() > most ? ", ..." : ".");
 }
 

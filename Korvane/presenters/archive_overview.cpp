@@ -1,6 +1,7 @@
 #include "Korvane/presenters/archive_overview.h"
 
 #include "EASY_GUI/services/text.h"
+#include "Korvane/presenters/archive_rows.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -60,7 +61,7 @@ std::string archive_overview::text(std::size_t row, std::size_t column) const
     case 0:
         return grouped(row + 1);
     case 1:
-        return displayText(archive.name);
+        return archiveName(archive);
     case 2:
         return archive.is_folder ? "Folder" : archive.format;
     case 3:

@@ -9,6 +9,11 @@
 namespace korvane
 {
 
+std::string archiveName(const archive_record& archive)
+{
+    return archive.is_folder ? "Mod folder (" + displayText(archive.name) + ")" : displayText(archive.name);
+}
+
 std::string typeName(std::string_view extension)
 {
     constexpr std::pair<std::string_view, std::string_view> known[] = {
@@ -130,7 +135,7 @@ std::string archive_rows::text(std::size_t row, std::size_t column) const
     case size:
         return file != nullptr ? grouped(file->size()) : std::string();
     case archive:
-        return file != nullptr ? displayText(file->archive().name) : std::string();
+        return file != nullptr ? archiveName(file->archive()) : std::string();
     case overrides:
         return file != nullptr && hiddenBy(*file) > 0 ? std::to_string(hiddenBy(*file)) : std::string();
     case folder:

@@ -62,6 +62,8 @@ private:
     std::shared_ptr<const hidden_copies> m_po_hidden;
 };
 
+// "data.pack"; of a mod folder "Mod folder (NAME)".
+[[nodiscard]] std::string archiveName(const archive_record& archive);
 // "DDS texture", "Model", or the ending in capitals.
 [[nodiscard]] std::string typeName(std::string_view extension);
 

@@ -202,5 +202,76 @@ TEST_F(exchange_test, filesAreDraggedIntoAnotherWindow)
     EXPECT_EQ(happened(), "Handed over: 1 file.");
 }
 
+TEST_F(exchange_test, theModFolderIsWrittenToAndShownAtOnce)
+{
+    writeArchive({{"men\\body.txt", "of the game"}, {"men\\other.txt", "o"}});
+    const std::string mod = m_folder + "mod\\";
+    std::filesystem::create_directories(toPath(mod));
+    changeConfig([&](config_file& config) { return config.add("mod_paths", {mod}, false); });
+    std::filesystem::create_directories(toPath(m_folder + "in\\sub"));
+    write("in\\sub\\new.txt", "new");
+    write("body.txt", "mine");
+    openArchives();
+    const archive_rows& rows = m_window->archivePage().browser().rows();
+    const auto names = [&rows] {
+        std::string all;
+        for (std::size_t i = 0; i < rows.rowCount(); ++i)
+            all += rows.text(i, archive_rows::name) +
+                   (rows.text(i, archive_rows::archive).starts_with("Mod") ? "* " : " ");
+        return all;
+    };
+    const auto drop = [this](const std::vector<std::string>& paths) {
+        std::wstring list;
+        for (const std::string& path : paths)
+            list += toWide(path) + L'\0';
+        list += L'\0';
+        const HGLOBAL block = GlobalAlloc(GHND, sizeof(DROPFILES) + list.size() * sizeof(wchar_t));
+        auto* const files = static_cast<DROPFILES*>(GlobalLock(block));
+        files->pFiles = sizeof(DROPFILES);
+        files->fWide = TRUE;
+        std::memcpy(reinterpret_cast<std::byte*>(files) + sizeof(DROPFILES), list.data(),
+                    list.size() * sizeof(wchar_t));
+        GlobalUnlock(block);
+        SendMessageW(GetParent(find(control_archive_list)), WM_DROPFILES, reinterpret_cast<WPARAM>(block), 0);
+        ASSERT_TRUE(pumpUntil([this] { return !m_window->archivePage().isSearching(); }));
+    };
+    SetWindowTextW(find(control_archive_path), L"men");
+    ASSERT_EQ(names(), "body.txt other.txt ");
+
+    m_prompt.confirmations = {false, true};
+    drop({m_folder + "body.txt", m_folder + "in"});
+    EXPECT_EQ(names(), "body.txt other.txt ") << "the answer was no";
+    drop({m_folder + "body.txt", m_folder + "in"});
+    EXPECT_EQ(happened(), "2 files put into the mod folder.");
+    EXPECT_EQ(names(), "in body.txt* other.txt ");
+    SetFocus(find(control_archive_list));
+    EXPECT_EQ(SendMessageW(find(control_archive_list), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED), 1);
+
+    const auto rename = [this](const wchar_t* name, int button) {
+        inDialog([this] { SendMessageW(find(control_archive_list), WM_KEYDOWN, VK_F2, 1); },
+                 [=](HWND shown) {
+                     SetWindowTextW(GetDlgItem(shown, control_name_field), name);
+                     PostMessageW(GetDlgItem(shown, button), BM_CLICK, 0, 0);
+                 });
+    };
+    rename(L"Torso.txt", control_name_ok);
+    EXPECT_EQ(happened(), "Renamed: men\\torso.txt");
+    EXPECT_EQ(names(), "in body.txt other.txt torso.txt* ");
+    rename(L"else.txt", control_dialog_close);
+    EXPECT_EQ(names(), "in body.txt other.txt torso.txt* ");
+
+    SetFocus(find(control_archive_list));
+    press(VK_UP); // that of the archive
+    press(VK_F2);
+    EXPECT_EQ(happened(), "other.txt is in a.pack, and archives are never changed: put it into the mod folder first.");
+    press(VK_DELETE);
+    EXPECT_TRUE(happened().starts_with("other.txt is in a.pack"));
+    memory_file bytes;
+    failure why;
+    ASSERT_TRUE(bytes.read(mod + "men\\Torso.txt", why)) << describe(why);
+    EXPECT_EQ(bytes.text(), "mine");
+    EXPECT_TRUE(std::filesystem::exists(toPath(mod + "men\\in\\sub\\new.txt")));
+}
+
 } // namespace
 } // namespace korvane::test
