@@ -69,6 +69,18 @@ void image_view::onSize(int width, int height, size_change)
 // are opaque.
 std::uint32_t image_view::pixelOf(const span_of_pixels& columns, const span_of_pixels& rows, std::uint32_t behind) const
 {
+    if (columns.end - columns.begin == 1 && rows.end - rows.begin == 1) // enlarged: every pixel of a large window
+    {
+        const std::byte* const pixel =
+            m_picture.data() + (static_cast<std::size_t>(rows.begin) * static_cast<std::size_t>(m_size.cx) +
+                                static_cast<std::size_t>(columns.begin)) *
+                                   4;
+        const auto alpha = std::to_integer<std::uint32_t>(pixel[3]);
+        std::uint32_t result = 0;
+        for (std::size_t i = 0; i < 3; ++i)
+            result = result << 8 | (alpha * std::to_integer<std::uint32_t>(pixel[i]) + (255 - alpha) * behind) / 255;
+        return result;
+    }
     std::array<std::uint64_t, 3> sums{};
     std::uint64_t alphas = 0, count = 0;
     for (int row = rows.begin; row < rows.end; row += rows.step)

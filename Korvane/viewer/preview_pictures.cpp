@@ -12,6 +12,8 @@ namespace korvane
 
 struct preview_pictures::device_half
 {
+    explicit device_half(device_faults* faults) : library(faults) {}
+
     lib3d library;
     model_scene drawn;
     scene_targets targets;
@@ -20,7 +22,7 @@ struct preview_pictures::device_half
     std::uint32_t width = 0, height = 0; // of the targets
 };
 
-preview_pictures::preview_pictures() = default;
+preview_pictures::preview_pictures(device_faults* faults) : m_po_faults(faults) {}
 preview_pictures::~preview_pictures() = default;
 
 // False when the device was lost or the work was to stop.
@@ -57,7 +59,7 @@ bool preview_pictures::draw(const scene_pointer& scene, std::uint32_t width, std
     {
         if (!m_po_device)
         {
-            auto fresh = std::make_unique<device_half>();
+            auto fresh = std::make_unique<device_half>(m_po_faults);
             fresh->library.tolerateFailures(true); // a preview is nothing to end for
             if (!fresh->library.createDevice(device_kind::best, work.log, why))
                 return false;

@@ -10,10 +10,13 @@
 namespace korvane
 {
 
+class device_faults;
+
 class preview_pictures : public scene_pictures
 {
 public:
-    preview_pictures();
+    // The faults are for tests (device_faults.h), and outlive the object.
+    explicit preview_pictures(device_faults* faults = nullptr);
     ~preview_pictures() override;
 
     [[nodiscard]] bool draw(const scene_pointer& scene, std::uint32_t width, std::uint32_t height,
@@ -25,6 +28,7 @@ private:
     [[nodiscard]] bool drawOnce(const scene_pointer& scene, std::uint32_t width, std::uint32_t height,
                                 const work_port& work, picture& made);
 
+    device_faults* m_po_faults;
     std::unique_ptr<device_half> m_po_device; // null before the first picture, and when it was lost
 };
 

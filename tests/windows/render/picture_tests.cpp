@@ -2,6 +2,7 @@
 // computes. A picture that was meant to change: look at the one that the failed test leaves in the build folder beside
 // its difference, then run once with KORVANE_NEW_BASELINES=1 and commit the new baseline.
 
+#include "D3D11_RENDER_LIB/device_faults.h"
 #include "Korvane/archives/pack_reader.h"
 #include "Korvane/document/open_definition.h"
 #include "Korvane/jobs/operands.h"
@@ -11,12 +12,14 @@
 #include "Korvane/viewer/model_scene.h"
 #include "Korvane/viewer/offscreen.h"
 #include "Korvane/viewer/posed_mesh.h"
+#include "Korvane/viewer/preview_pictures.h"
 #include "tests/support/silhouette.h"
 #include "tests/support/temporary_folder.h"
 #include "tools/demo_data/demo_data.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <set>
@@ -368,6 +371,24 @@ TEST_F(pictures, ofSeveralSamplesHaveSmoothEdges)
     for (const rgba_pixel pixel : draw(guard, options).pixels())
         seen.insert(channelOf(pixel, 3));
     EXPECT_GE(seen.size(), 17u);
+}
+
+TEST_F(pictures, ofPreviewsComeFromOneDeviceThatMayBeLost)
+{
+    render_options options = small();
+    options.samples = 1;
+    device_faults faults;
+    preview_pictures previews(&faults);
+    for (const char* const name : {"demo_guard", "demo_champion", "demo_guard"})
+    {
+        const scene_pointer scene = load(name);
+        picture seen;
+        failure why;
+        ASSERT_TRUE(previews.draw(scene, options.width, options.height, {}, seen, why)) << describe(why);
+        const picture expected = draw(scene, options);
+        EXPECT_TRUE(std::ranges::equal(seen.pixels(), expected.pixels())) << name;
+        faults.lose(device_step::creation, 1); // the next picture begins with a loss
+    }
 }
 
 TEST_F(pictures, thatAreStoppedFailWithoutAReason)
