@@ -1,8 +1,10 @@
 #include "Korvane/game/game_file.h"
 
+#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/positioned_file.h"
 #include "Korvane/archives/entry_stream.h"
 #include "Korvane/archives/loose_file.h"
+#include "Korvane/archives/mod_folder.h"
 #include "Korvane/archives/pack_entry.h"
 
 #include <algorithm>
@@ -51,10 +53,15 @@ private:
 
 byte_source game_file::pieces() const
 {
-    if (!m_po_entry)
-        return [stream = std::make_shared<disk_stream>(m_disk_path)](std::span<const std::byte>& piece, failure& why) {
-            return stream->next(piece, why);
-        };
+    const bool is_loose = !m_po_entry || m_po_entry->archive().is_folder;
+    if (is_loose)
+    {
+        std::string path = m_po_entry ? diskPathOf(*m_po_entry) : m_disk_path;
+        if (path.empty()) // gone: where it was
+            path = toUtf8(toPath(m_po_entry->packPath()) / toPath(m_po_entry->internalPath()));
+        return [stream = std::make_shared<disk_stream>(std::move(path))](
+                   std::span<const std::byte>& piece, failure& why) { return stream->next(piece, why); };
+    }
     return [entry = m_po_entry, stream = std::make_shared<entry_stream>(*m_po_entry)](
                std::span<const std::byte>& piece, failure& why) { return stream->next(piece, why); };
 }

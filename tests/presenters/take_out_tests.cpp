@@ -1,6 +1,7 @@
 #include "Korvane/presenters/take_out.h"
 
 #include "EASY_GUI/services/file_system.h"
+#include "Korvane/archives/mod_folder.h"
 #include "Korvane/presenters/file_offer.h"
 #include "tests/support/archive_tree.h"
 #include "tests/support/dds_builder.h"
@@ -38,6 +39,10 @@ TEST(take_out, whatWasChosenIsDoneAndWhatWasLeftOutIsSaid)
                   {"..\\evil.txt", "x"},
                   {"c:\\con.txt", "x"},
                   {"notes.txt", "own"}});
+    std::filesystem::create_directories(toPath(folder.file("mod")));
+    writeBytes(folder.file("mod/Mine.txt"), "of the mod folder");
+    failure why;
+    ASSERT_TRUE(enterModFolder(*tree, folder.file("mod"), {}, why)) << describe(why);
     const struct
     {
         bool is_flat;
@@ -47,17 +52,17 @@ TEST(take_out, whatWasChosenIsDoneAndWhatWasLeftOutIsSaid)
     } rows[] = {
         {false,
          form::as_they_are,
-         {"tex/a.dds", "tex/bad.dds", "tex/cube.dds", "tex/a.png", "other/a.dds", "notes.txt"},
-         {"5 files extracted", "1 file that differ", "2 failed", "Not taken out (2)",
+         {"tex/a.dds", "tex/bad.dds", "tex/cube.dds", "tex/a.png", "other/a.dds", "notes.txt", "mine.txt"},
+         {"6 files extracted", "1 file that differ", "2 failed", "Not taken out (2)",
           "..\\evil.txt: ", "c:\\con.txt: ", "differs is there (1)", "notes.txt"}},
         {false,
          form::png,
-         {"tex/a.png", "tex/a_2.png", "tex/bad.dds", "tex/cube.png", "other/a.png", "notes.txt"},
+         {"tex/a.png", "tex/a_2.png", "tex/bad.dds", "tex/cube.png", "other/a.png", "notes.txt", "mine.txt"},
          {"Not taken out (2)", "could not be made pictures (1)", "tex\\bad.dds: ", "With another name", "a_2.png is ",
           "Cubes and arrays", "cube.png: 6 faces"}},
         {true,
          form::targa,
-         {"a.tga", "a_2.tga", "bad.dds", "cube.tga", "a.png", "notes.txt"},
+         {"a.tga", "a_2.tga", "bad.dds", "cube.tga", "a.png", "notes.txt", "mine.txt"},
          {"With another name, for the name was taken by another file (1)", "a_2.tga is tex\\a.dds"}},
     };
     for (const auto& row : rows)
