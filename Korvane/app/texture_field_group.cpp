@@ -32,6 +32,7 @@ enum row_menu : int
     menu_edit,
     menu_copy,
     menu_paste,
+    menu_view,
     menu_show_place
 };
 
@@ -46,6 +47,7 @@ bool isPicture(const std::string& path)
 texture_field_group::texture_field_group(page_host& host, texture_ports ports)
     : m_host(host)
     , m_preview(host.thread())
+    , m_window(host)
     , m_commands(host, std::move(ports),
                  {[this] {
                       showRows();
@@ -83,6 +85,7 @@ bool texture_field_group::onCreated()
             m_host.runCommand(document_command::choose_texture);
         };
     }
+    m_preview.onOpen = [this] { view(); };
     failure why;
     return m_preview.createIn(handle(), why) && createBelow();
 }
@@ -279,6 +282,17 @@ void texture_field_group::showPreview(bool reads_again)
     m_preview.show(wanted, reads_again);
 }
 
+void texture_field_group::view()
+{
+    const open_model& model = m_host.document().model();
+    if (!model.hasModel())
+        return;
+    const game_file found = m_host.document().game()->findAround(m_commands.path(row()), model.file()->path());
+    if (!found)
+        return m_host.setStatus("The texture is nowhere to be found.");
+    m_window.view(found);
+}
+
 void texture_field_group::setPath(std::size_t row)
 {
     m_host.took(m_host.commands().setTexturePath(row, m_rows[row].directory(), m_rows[row].file()));
@@ -418,6 +432,7 @@ void texture_field_group::openMenu(HWND control, POINT on_screen)
         {menu_copy, "&Copy Path", !m_commands.path(row()).empty()},
         {menu_paste, "&Paste Path", enabled(document_command::set_texture_path)},
         {},
+        {menu_view, "&View Texture...", !m_commands.path(row()).empty()},
         {menu_show_place, "&Show Where It Is Found", !m_commands.path(row()).empty()},
     };
     runFromMenu(chooseFromMenu(handle(), on_screen, rows));
@@ -440,6 +455,8 @@ void texture_field_group::runFromMenu(int chosen)
     case menu_paste:
         m_rows[row()].focus();
         return m_host.runCommand(document_command::paste);
+    case menu_view:
+        return view();
     case menu_show_place:
         return m_commands.showPlace(row());
     default:

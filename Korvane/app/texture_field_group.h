@@ -14,6 +14,7 @@
 #include "Korvane/app/texture_commands.h"
 #include "Korvane/app/texture_field.h"
 #include "Korvane/app/texture_preview_panel.h"
+#include "Korvane/app/texture_window.h"
 
 #include <array>
 #include <optional>
@@ -71,6 +72,7 @@ private:
     bool pasteClipboard();
     std::size_t row() const { return static_cast<std::size_t>(m_selected); }
     void showPreview(bool reads_again);
+    void view(); // the row's texture in a window of its own
     void showExtraction();
     void openMenu(HWND control, POINT on_screen);
     void runFromMenu(int chosen);
@@ -82,6 +84,7 @@ private:
     std::array<texture_field, texture_row_count> m_rows;
     int m_selected = 0;
     texture_preview_panel m_preview;
+    texture_window m_window;
     button m_replace, m_edit, m_extract, m_choose_folder, m_open_folder;
     check_box m_is_flat, m_is_picture;
     combo_box m_picture_kind;

@@ -24,6 +24,10 @@ bool texture_preview_panel::onCreated()
     if (!m_channels.create(handle(), control_preview_channels) || !m_image.createIn(handle(), why) ||
         !m_text.create(handle(), control_preview_text))
         return false;
+    m_image.onDoubleClick = [this] {
+        if (const auto opened = onOpen; opened && m_image.hasPicture())
+            opened();
+    };
     for (const auto& [text, channels] : channel_choices)
         m_channels.add(text);
     m_channels.select(0);

@@ -11,6 +11,7 @@
 #include "EASY_GUI/win32/window.h"
 #include "Korvane/jobs/texture_preview.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,6 +22,8 @@ namespace korvane
 class texture_preview_panel : public window
 {
 public:
+    std::function<void()> onOpen; // a double click on the picture
+
     explicit texture_preview_panel(const ui_thread& thread);
     ~texture_preview_panel() override { destroy(); }
 
