@@ -28,7 +28,6 @@ class put_planner
 public:
     put_planner(const std::string& mod_folder, std::string_view folder, const work_port& work, put_plan& plan)
         : m_names(existingPathAnyCase(mod_folder))
-        , m_mod_folder(mod_folder)
         , m_folder(folder)
         , m_work(work)
         , m_plan(plan)
@@ -62,7 +61,6 @@ private:
     void addFile(const std::filesystem::path& file, const std::string& relative);
 
     extraction_folder m_names;
-    const std::string& m_mod_folder;
     std::string_view m_folder;
     const work_port& m_work;
     put_plan& m_plan;
