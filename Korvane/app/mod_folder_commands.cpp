@@ -132,9 +132,12 @@ void mod_folder_commands::put(const std::vector<std::string>& paths)
 
 void mod_folder_commands::putRows(const rows_of_list& rows)
 {
+    const auto former = m_browser.game();
     const std::string mod_folder = wantedModFolder(m_host, put_title);
     if (mod_folder.empty() || !isWritable(m_host, mod_folder))
         return;
+    if (m_browser.game() != former) // the rows are others now
+        return m_host.setStatus("The mod folder is set. Choose the files again that go there.");
     std::vector<const pack_file_node*> files = filesOf(m_browser, rows);
     const auto tree = m_browser.game()->archives();
     const std::string path = rows.empty() ? std::string() : std::string(m_browser.rows().pathAt(rows.front()));
