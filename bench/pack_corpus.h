@@ -18,8 +18,9 @@ class pack_corpus
 {
 public:
     explicit pack_corpus(std::uint32_t bytes_per_file = 0, std::size_t archive_count = 100,
-                         std::size_t files_per_archive = 10000)
+                         std::size_t files_per_archive = 10000, bool is_one_folder = false)
         : m_folder(std::filesystem::temp_directory_path() / "korvane_bench_packs")
+        , m_is_one_folder(is_one_folder)
     {
         std::filesystem::create_directories(m_folder);
         for (std::size_t i = 0; i < archive_count; ++i)
@@ -33,8 +34,10 @@ public:
     const std::vector<std::string>& paths() const { return m_paths; }       // of all files
 
 private:
-    static std::string pathOf(std::size_t number)
+    std::string pathOf(std::size_t number) const
     {
+        if (m_is_one_folder)
+            return "all\\" + std::to_string(number * 7919 % 10000019) + ".dds";
         const std::size_t folder = number / 50;
         char text[160];
         std::snprintf(text, sizeof text,
@@ -63,6 +66,7 @@ private:
     }
 
     std::filesystem::path m_folder;
+    bool m_is_one_folder;
     std::vector<std::string> m_archives;
     std::vector<std::string> m_indexes;
     std::vector<std::string> m_paths;

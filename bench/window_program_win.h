@@ -57,28 +57,8 @@ public:
     // Wine knows the times of the process that asks only, but shows the files of the system below.
     double cpuSeconds() const
     {
-        std::error_code error;
-        double of_newest = 0;
-        long long newest = -1;
-        for (const auto& entry : std::filesystem::directory_iterator("Z:\\proc", error))
-        {
-            std::ifstream file(entry.path() / "stat");
-            std::string line;
-            std::getline(file, line);
-            const std::size_t name_end = line.find("(Korvane.exe) ");
-            if (name_end == std::string::npos)
-                continue;
-            std::istringstream fields(line.substr(name_end + 14));
-            std::vector<std::string> values(std::istream_iterator<std::string>(fields), {});
-            const long long began = values.size() > 19 ? std::stoll(values[19]) : -1;
-            if (began > newest)
-            {
-                newest = began;
-                of_newest = (std::stod(values[11]) + std::stod(values[12])) / 100; // hundredths, user and system
-            }
-        }
-        if (newest >= 0)
-            return of_newest;
+        if (const std::vector<std::string> values = systemValues(); !values.empty())
+            return (std::stod(values[11]) + std::stod(values[12])) / 100; // hundredths, user and system
         FILETIME made, ended, kernel, user;
         GetProcessTimes(handle(), &made, &ended, &kernel, &user);
         const auto seconds = [](FILETIME time) {
@@ -86,8 +66,37 @@ public:
         };
         return seconds(kernel) + seconds(user);
     }
+    // Resident; 0 where only the system's files could say it and are not there.
+    std::uint64_t memoryBytes() const
+    {
+        const std::vector<std::string> values = systemValues();
+        return values.size() > 21 ? std::stoull(values[21]) * 4096 : 0;
+    }
 
 private:
+    // Of the program that began last: what /proc/NUMBER/stat says behind its name.
+    static std::vector<std::string> systemValues()
+    {
+        std::error_code error;
+        std::vector<std::string> newest;
+        for (const auto& entry : std::filesystem::directory_iterator("Z:\\proc", error))
+        {
+            std::ifstream file(entry.path() / "stat");
+            std::string line;
+            std::getline(file, line);
+            const std::size_t name_end = line.find("(Korvane.exe) ");
+            std::string command; // there may be others that nobody measures
+            std::getline(std::ifstream(entry.path() / "cmdline"), command);
+            if (name_end == std::string::npos || command.find("korvane_bench_window") == std::string::npos)
+                continue;
+            std::istringstream fields(line.substr(name_end + 14));
+            std::vector<std::string> values(std::istream_iterator<std::string>(fields), {});
+            if (values.size() > 21 && (newest.empty() || std::stoll(values[19]) > std::stoll(newest[19])))
+                newest = std::move(values);
+        }
+        return newest;
+    }
+
     unique_object m_process;
 };
 
@@ -180,13 +189,15 @@ public:
     }
     const std::string& folder() const { return m_folder; }
     std::string path() const { return m_folder + "Korvane.exe"; }
-    void configure(const std::string& data_folder, const std::vector<std::string>& recent) const
+    void configure(const std::string& data_folder, const std::vector<std::string>& recent, bool has_cache = true) const
     {
         std::error_code error;
         std::filesystem::remove(toPath(m_folder + "packs.cache"), error);
         config_file config;
         config.add("first_time", {"no"}, false);
         config.add("data_paths", {data_folder}, false);
+        if (!has_cache)
+            config.add("cache_use", {"never"}, false);
         if (!recent.empty())
             config.add("config_recent_files", recent, false);
         require(config.save(m_folder + "config.cfg"), "config.cfg could not be written");

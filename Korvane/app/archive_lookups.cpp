@@ -14,7 +14,7 @@ namespace
 {
 
 constexpr std::size_t first_step = 20000; // files that are looked at before the first rows are shown
-constexpr std::size_t step = 200000;
+constexpr std::size_t step = 500000;      // each shows the list again, which takes time, too
 
 } // namespace
 
@@ -22,6 +22,7 @@ archive_lookups::archive_lookups(page_host& host, archive_browser& browser, list
     : m_host(host)
     , m_browser(browser)
     , m_told(std::move(told))
+    , m_ordering(host.thread(), {})
     , m_work(host.thread(),
              {[this](const work_progress& now) {
                   m_told.said("Looking into " + now.what + ": " + grouped(now.done) + " of " + grouped(now.total));
@@ -85,10 +86,10 @@ void archive_lookups::search(const path_query& query)
         for (bool goes_on = true; goes_on && !work.isStopped();)
         {
             goes_on = search.advance(handed_over == 0 ? first_step : step);
-            const auto fresh = search.hits().subspan(handed_over);
-            handed_over = search.hits().size();
+            file_list fresh = search.hits(handed_over);
+            handed_over = search.hitCount();
             if (!fresh.empty())
-                box.post([this, known, number, files = std::make_shared<const file_list>(fresh.begin(), fresh.end())] {
+                box.post([this, known, number, files = std::make_shared<const file_list>(std::move(fresh))] {
                     if (known == m_po_known)
                         take(number, *files);
                 });
@@ -101,6 +102,20 @@ void archive_lookups::search(const path_query& query)
             m_browser.setHidden(known->hidden);
             m_browser.sortAgain();
             m_told.listed();
+        };
+    });
+}
+
+void archive_lookups::order()
+{
+    const archive_browser::due_rows due = m_browser.takeDue();
+    if (!due.make)
+        return;
+    m_ordering.start([this, due](const work_port&) -> background_task::answer {
+        auto rows = std::make_shared<archive_rows>(due.make());
+        return [this, due, rows] {
+            if (m_browser.take(std::move(*rows), due))
+                m_told.listed();
         };
     });
 }

@@ -37,11 +37,16 @@ public:
     bool knows(const std::shared_ptr<const game_data>& game) const { return m_po_known && m_po_known->game == game; }
     void prepare(); // what is wanted of every file; what else was looked for is not any more
     void search(const path_query& query);
+    void order(); // the browser's rows that are due, if there are any
     void listUsers(const std::string& path);
     void listNeeds(const std::string& path);
     // What is still found belongs to no list any more.
     void forget();
-    void stop() { m_work.stop(); }
+    void stop()
+    {
+        m_ordering.stop();
+        m_work.stop();
+    }
     bool isRunning() const { return m_work.isRunning(); }
     bool isSearch() const { return m_is_search; } // what is listed was searched for
 
@@ -67,7 +72,8 @@ private:
     std::shared_ptr<known_archives> m_po_known;
     std::size_t m_number = 0; // of the newest question
     bool m_is_search = false;
-    background_task m_work; // the last member: its work ends first
+    background_task m_ordering; // beside the questions, of which it knows nothing
+    background_task m_work;     // the last member: its work ends first
 };
 
 } // namespace korvane

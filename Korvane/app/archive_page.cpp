@@ -167,8 +167,10 @@ void archive_page::connect()
     m_list.onActivate = [this](int row) { open(row); };
     m_list.onContextMenu = [this](int row, POINT on_screen) { showMenu(row, on_screen); };
     m_list.onColumn = [this](int column) {
+        keepChosen();
         m_browser.sortBy(static_cast<archive_rows::column>(column));
         showList();
+        chooseKept();
     };
     m_list.onDrag = [this] { m_exchange.drag(m_list.selectedRows()); };
     m_tree.onDrag = [this](tree_model::node dragged) {
@@ -224,8 +226,7 @@ void archive_page::showDocument()
     const std::shared_ptr<const game_data>& game = host().document().game();
     if (m_lookups.knows(game))
         return;
-    if (constexpr std::size_t most = 10000; m_list.selectedCount() <= most)
-        m_kept = m_browser.pathsOf(m_list.selectedRows());
+    keepChosen();
     m_lookups.setGame(game);
     m_browser.setGame(game);
     m_notice.setGame(game);
@@ -241,8 +242,16 @@ void archive_page::showDocument()
     m_lookups.prepare();
 }
 
+void archive_page::keepChosen()
+{
+    constexpr std::size_t most = 10000;
+    m_kept = m_list.selectedCount() <= most ? m_browser.pathsOf(m_list.selectedRows()) : std::vector<std::string>();
+}
+
 void archive_page::chooseKept()
 {
+    if (m_browser.isWaiting())
+        return; // for the rows
     const std::vector<std::size_t> rows = m_browser.rowsOf(std::exchange(m_kept, {}));
     if (rows.empty())
         return;
@@ -312,6 +321,7 @@ void archive_page::showList()
     m_up.setEnabled(m_browser.canGoUp() || !m_browser.isFolderShown());
     const archive_sorting& sorting = m_browser.sorting();
     m_list.showSorting(sorting.by ? static_cast<int>(*sorting.by) : -1, sorting.is_descending);
+    m_lookups.order();
     m_list.refresh();
     m_status.setText(m_browser.status(false));
     showChosen();

@@ -64,6 +64,7 @@ private:
     void arrange(); // all rows, that of the news where there are any
     void movePanes(std::size_t left, int pixels);
     void showNews(const std::string& text);
+    void keepChosen(); // until there are other rows
     void chooseKept();
     empty_content emptyContent() const;
     void showState();

@@ -302,9 +302,8 @@ void archive_page::runFromMenu(int chosen, int row)
 void archive_page::showItsFolder(const std::string& path)
 {
     openFolder(std::string(folderAround(path)));
-    if (const std::optional<std::size_t> shown = m_browser.rowOf(path))
-        m_list.select(static_cast<int>(*shown));
-    showChosen();
+    m_kept = {path};
+    chooseKept();
 }
 
 } // namespace korvane

@@ -25,7 +25,9 @@ public:
 
 private:
     std::shared_ptr<const path_tree> m_po_tree;
-    std::unordered_map<const pack_file_node*, std::vector<const pack_file_node*>> m_copies;
+    // Beside each other, ordered by the file that counts.
+    std::vector<const pack_file_node*> m_winners;
+    std::vector<const pack_file_node*> m_copies;
     std::unordered_map<const archive_record*, std::size_t> m_lost;
 };
 

@@ -53,7 +53,7 @@ bool isAlike(std::string_view path, std::string_view text) // of one size
 path_search::path_search(std::shared_ptr<const path_tree> tree) : m_po_tree(std::move(tree))
 {
     if (m_po_tree)
-        m_files = m_po_tree->files();
+        m_files = m_po_tree->fileNumbers();
 }
 
 void path_search::find(const path_query& query)
@@ -77,19 +77,25 @@ void path_search::find(const path_query& query)
     m_query = query;
     if (is_narrower)
     {
-        std::erase_if(m_hits, [this](const pack_file_node* file) { return !isHit(*file); });
-        return;
+        // Those that were not looked at again since stand behind those that were.
+        m_hits.insert(m_hits.end(), m_former.begin() + static_cast<std::ptrdiff_t>(m_former_next), m_former.end());
+        m_former = std::exchange(m_hits, {});
     }
-    m_hits.clear();
-    m_next = 0;
+    else
+    {
+        m_former.clear();
+        m_hits.clear();
+        m_next = 0;
+    }
+    m_former_next = 0;
 }
 
-bool path_search::isHit(const pack_file_node& file) const
+bool path_search::isHit(const path_node& node) const
 {
-    if (m_query.po_archive != nullptr && &file.archive() != m_query.po_archive)
+    if (m_query.po_archive != nullptr && &node.file()->archive() != m_query.po_archive)
         return false;
-    const std::string_view path = file.internalPath();
-    if (!m_query.extension.empty() && file.extension() != m_query.extension)
+    const std::string_view path = node.path();
+    if (!m_query.extension.empty() && node.file()->extension() != m_query.extension)
         return false;
     return std::all_of(m_words.begin(), m_words.end(), [path](const word& wanted) { return fits(path, wanted); });
 }
@@ -152,32 +158,51 @@ bool path_search::isWithin(const word& old, const word& fresh)
 
 bool path_search::advance(std::size_t file_count)
 {
-    constexpr std::size_t worth_a_thread = 20000;
-    const std::size_t end = m_next + std::min(file_count, m_files.size() - m_next);
-    const std::size_t threads = threadsFor((end - m_next) / worth_a_thread);
-    std::vector<std::vector<const pack_file_node*>> found(threads);
-    const std::size_t share = (end - m_next + threads - 1) / threads;
+    constexpr std::size_t worth_a_thread = 10000;
+    const bool is_former = m_former_next < m_former.size();
+    std::size_t& next = is_former ? m_former_next : m_next;
+    const std::span<const std::uint32_t> rest =
+        std::span<const std::uint32_t>(is_former ? m_former : m_files).subspan(next);
+    const std::span<const std::uint32_t> files = rest.first(std::min(file_count, rest.size()));
+    const std::size_t threads = threadsFor(files.size() / worth_a_thread);
+    std::vector<number_list> found(threads);
+    const std::size_t share = (files.size() + threads - 1) / threads;
     parallelFor(threads, threads, [&](std::size_t i) {
-        const std::size_t first = std::min(m_next + i * share, end);
-        look(first, std::min(first + share, end), found[i]);
+        const std::span<const std::uint32_t> behind = files.subspan(std::min(i * share, files.size()));
+        look(behind.first(std::min(share, behind.size())), found[i]);
     });
-    for (const auto& each : found)
+    for (const number_list& each : found)
         m_hits.insert(m_hits.end(), each.begin(), each.end());
-    m_next = end;
+    next += files.size();
+    if (is_former && m_former_next == m_former.size())
+        m_former = {};
+    m_former_next = m_former.empty() ? 0 : m_former_next;
     return !isDone();
 }
 
-void path_search::look(std::size_t begin, std::size_t end, std::vector<const pack_file_node*>& hits) const
+void path_search::look(std::span<const std::uint32_t> files, number_list& hits) const
 {
-    for (std::size_t i = begin; i < end; ++i)
+    for (std::size_t i = 0; i < files.size(); ++i)
     {
-        // The text of files that stand further on is on its way meanwhile: their order is not that of memory.
+        // The nodes and texts of files that stand further on are on their way meanwhile: their order is not that of
+        // memory.
         constexpr std::size_t ahead = 8;
-        if (i + ahead < end)
-            __builtin_prefetch(m_files[i + ahead]->internalPath().data());
-        if (isHit(*m_files[i]))
-            hits.push_back(m_files[i]);
+        if (i + 2 * ahead < files.size())
+            __builtin_prefetch(&m_po_tree->node(files[i + 2 * ahead]));
+        if (i + ahead < files.size())
+            __builtin_prefetch(m_po_tree->node(files[i + ahead]).path().data());
+        if (isHit(m_po_tree->node(files[i])))
+            hits.push_back(files[i]);
     }
+}
+
+std::vector<const pack_file_node*> path_search::hits(std::size_t first) const
+{
+    std::vector<const pack_file_node*> files;
+    files.reserve(m_hits.size() - first);
+    for (const std::uint32_t number : std::span(m_hits).subspan(first))
+        files.push_back(m_po_tree->node(number).file());
+    return files;
 }
 
 } // namespace korvane

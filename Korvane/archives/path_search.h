@@ -7,6 +7,7 @@
 #include "Korvane/archives/path_tree.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
@@ -41,10 +42,11 @@ public:
     void find(const path_query& query);
     // Looks at so many further files. False when there are none left.
     bool advance(std::size_t file_count);
-    bool isDone() const { return m_next == m_files.size(); }
+    bool isDone() const { return m_former_next == m_former.size() && m_next == m_files.size(); }
 
-    // Found so far, in the order of their paths.
-    std::span<const pack_file_node* const> hits() const { return m_hits; }
+    // Found so far, in the order of their paths, from a place on.
+    std::size_t hitCount() const { return m_hits.size(); }
+    std::vector<const pack_file_node*> hits(std::size_t first = 0) const;
     std::size_t fileCount() const { return m_files.size(); }
     std::size_t lookedAt() const { return m_next; }
 
@@ -62,12 +64,16 @@ private:
     static bool fits(std::string_view path, const word& wanted);
     static bool isWithin(const word& old, const word& fresh);
 
-    bool isHit(const pack_file_node& file) const;
-    void look(std::size_t begin, std::size_t end, std::vector<const pack_file_node*>& hits) const;
+    bool isHit(const path_node& node) const;
+    using number_list = std::vector<std::uint32_t>; // of nodes of the tree
+
+    void look(std::span<const std::uint32_t> files, number_list& hits) const;
 
     std::shared_ptr<const path_tree> m_po_tree;
-    std::vector<const pack_file_node*> m_files;
-    std::vector<const pack_file_node*> m_hits;
+    number_list m_files;
+    number_list m_hits;
+    number_list m_former; // hits of a wider query, which are looked at before the other files
+    std::size_t m_former_next = 0;
     std::vector<word> m_words;
     path_query m_query;
     std::size_t m_next = 0;

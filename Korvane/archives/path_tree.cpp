@@ -252,6 +252,14 @@ std::vector<const path_node*> path_tree::children(const path_node& folder) const
     return list;
 }
 
+bool path_tree::hasMoreChildren(const path_node& folder, std::size_t count) const
+{
+    std::uint32_t child = folder.m_first_child;
+    for (; child != 0 && count > 0; --count)
+        child = m_nodes[child].m_next_sibling;
+    return child != 0;
+}
+
 std::vector<const path_node*> path_tree::folders(const path_node& folder) const
 {
     std::vector<const path_node*> list;
@@ -273,7 +281,29 @@ std::vector<const pack_file_node*> path_tree::filesBelow(const path_node& folder
     std::vector<const pack_file_node*> list;
     if (&folder == &m_nodes.front())
         list.reserve(m_nodes.size());
-    // Folder by folder: whole paths would be compared over and over in their long common beginnings.
+    visitFiles(folder, [&list](const path_node& node) { list.push_back(node.m_file); });
+    return list;
+}
+
+std::vector<std::uint32_t> path_tree::fileNumbers() const
+{
+    std::vector<std::uint32_t> list;
+    list.reserve(m_nodes.size());
+    visitFiles(m_nodes.front(),
+               [&](const path_node& node) { list.push_back(static_cast<std::uint32_t>(numberOf(node))); });
+    return list;
+}
+
+const pack_file_node* path_tree::winnerOf(const pack_file_node& file) const
+{
+    const std::string_view path = file.internalPath();
+    return m_nodes[findSlot(path, hashOf(path))->node].m_file;
+}
+
+// Folder by folder: whole paths would be compared over and over in their long common beginnings.
+template <typename visitor>
+void path_tree::visitFiles(const path_node& folder, const visitor& visit) const
+{
     std::vector<ordered_child> waiting; // the next one last
     addChildren(folder, waiting);
     while (!waiting.empty())
@@ -283,9 +313,8 @@ std::vector<const pack_file_node*> path_tree::filesBelow(const path_node& folder
         if (next.is_folder)
             addChildren(*next.node, waiting);
         else
-            list.push_back(next.node->m_file);
+            visit(*next.node);
     }
-    return list;
 }
 
 // What stands in a folder, in reverse order of the paths; a node that is file and folder stands there twice.

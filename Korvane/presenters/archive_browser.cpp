@@ -9,6 +9,30 @@
 namespace korvane
 {
 
+namespace
+{
+
+constexpr std::size_t most_at_once = 20000; // rows that are listed or put in order while a window waits
+
+archive_rows rowsOfFolder(const path_tree& tree, const path_node& folder)
+{
+    std::vector<const path_node*> folders;
+    std::vector<const pack_file_node*> files;
+    for (const path_node* const child : tree.children(folder))
+    {
+        if (tree.isFolder(*child))
+            folders.push_back(child);
+        if (child->file() != nullptr)
+            files.push_back(child->file());
+    }
+    archive_rows rows;
+    rows.setFolders(std::move(folders));
+    rows.add(files);
+    return rows;
+}
+
+} // namespace
+
 void archive_browser::setGame(std::shared_ptr<const game_data> game)
 {
     m_po_game = std::move(game);
@@ -74,45 +98,77 @@ void archive_browser::goUp()
     open(std::string(folderAround(m_folder)));
 }
 
+void archive_browser::clearRows()
+{
+    m_rows.clear();
+    m_due = {};
+    m_is_waiting = false;
+    ++m_number;
+}
+
 void archive_browser::beginList(std::string heading)
 {
     m_heading = std::move(heading);
-    m_rows.clear();
+    clearRows();
     m_sorting = {};
 }
 
 void archive_browser::showFolder()
 {
     m_heading.clear();
-    m_rows.clear();
+    clearRows();
     const path_node* const shown = m_folders.folderAt(m_folders.find(m_folder));
     if (shown == nullptr)
         return;
-    const path_tree& tree = *m_po_game->archives();
-    std::vector<const path_node*> folders;
-    std::vector<const pack_file_node*> files;
-    for (const path_node* const child : tree.children(*shown))
-    {
-        if (tree.isFolder(*child))
-            folders.push_back(child);
-        if (child->file() != nullptr)
-            files.push_back(child->file());
-    }
-    m_rows.setFolders(std::move(folders));
-    m_rows.add(files);
+    const std::shared_ptr<const path_tree>& tree = m_po_game->archives();
+    if (tree->hasMoreChildren(*shown, most_at_once))
+        return makeDue([tree, shown, sorting = m_sorting, hidden = m_po_hidden] {
+            archive_rows rows = rowsOfFolder(*tree, *shown);
+            rows.setHidden(hidden);
+            if (sorting.by)
+                rows.sort(*sorting.by, sorting.is_descending);
+            return rows;
+        });
+    m_rows = rowsOfFolder(*tree, *shown);
+    m_rows.setHidden(m_po_hidden);
     sortAgain();
 }
 
 void archive_browser::sortBy(archive_rows::column wanted)
 {
     m_sorting = {wanted, m_sorting.by == wanted && !m_sorting.is_descending};
+    if (m_is_waiting && isFolderShown() && m_rows.rowCount() == 0)
+        return showFolder(); // in that order
     sortAgain();
 }
 
 void archive_browser::sortAgain()
 {
-    if (m_sorting.by)
-        m_rows.sort(*m_sorting.by, m_sorting.is_descending);
+    if (!m_sorting.by)
+        return;
+    if (m_rows.rowCount() <= most_at_once)
+        return m_rows.sort(*m_sorting.by, m_sorting.is_descending);
+    makeDue([rows = m_rows, sorting = m_sorting] {
+        archive_rows sorted = rows;
+        sorted.sort(*sorting.by, sorting.is_descending);
+        return sorted;
+    });
+}
+
+void archive_browser::makeDue(std::function<archive_rows()> make)
+{
+    m_due = {std::move(make), ++m_number, m_rows.rowCount()};
+    m_is_waiting = true;
+}
+
+bool archive_browser::take(archive_rows rows, const due_rows& made)
+{
+    if (made.number != m_number || made.row_count != m_rows.rowCount())
+        return false;
+    m_rows = std::move(rows);
+    m_rows.setHidden(m_po_hidden);
+    m_is_waiting = false;
+    return true;
 }
 
 std::string archive_browser::status(bool is_searching) const
@@ -126,7 +182,7 @@ std::string archive_browser::status(bool is_searching) const
         text = counted(m_rows.fileCount(), "file");
     if (m_rows.missingCount() > 0)
         text += ", " + grouped(m_rows.missingCount()) + " missing";
-    return text + (is_searching ? ", searching..." : "");
+    return text + (is_searching ? ", searching..." : m_is_waiting ? ", being put in order..." : "");
 }
 
 std::vector<const pack_file_node*> archive_browser::copiesOf(std::size_t row) const

@@ -8,10 +8,12 @@
 #include "Korvane/presenters/archive_rows.h"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace korvane
@@ -60,6 +62,17 @@ public:
     void sortBy(archive_rows::column wanted);
     const archive_sorting& sorting() const { return m_sorting; }
     void sortAgain(); // when more has come
+    // Of very many rows a list or its order takes longer than a window may wait: then they are due. A worker makes
+    // them, and take() shows them. False: other rows have come meanwhile.
+    struct due_rows
+    {
+        std::function<archive_rows()> make; // any thread; empty: nothing is due
+        std::size_t number = 0;
+        std::size_t row_count = 0; // when it became due
+    };
+    due_rows takeDue() { return std::exchange(m_due, {}); }
+    bool take(archive_rows rows, const due_rows& made);
+    bool isWaiting() const { return m_is_waiting; } // for such rows
 
     // --- texts ----------------------------------------------------------------------------------------------------
     // "Files with \"guard\": 1,204 of 1,000,000", "2 folders, 31 files".
@@ -75,6 +88,8 @@ public:
 
 private:
     void enter(std::string folder);
+    void clearRows();
+    void makeDue(std::function<archive_rows()> make);
 
     std::shared_ptr<const game_data> m_po_game;
     std::shared_ptr<const hidden_copies> m_po_hidden;
@@ -85,6 +100,9 @@ private:
     std::vector<std::string> m_history{std::string()};
     std::size_t m_at = 0;
     archive_sorting m_sorting;
+    due_rows m_due;
+    std::size_t m_number = 0;  // of the rows
+    bool m_is_waiting = false; // for those that are due
 };
 
 } // namespace korvane

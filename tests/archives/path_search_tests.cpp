@@ -129,16 +129,21 @@ TEST(path_search, narrowsAndGoesOnWhereItStood)
     EXPECT_FALSE(search.isDone());
     search.find({"1"});
     EXPECT_TRUE(search.advance(50));
-    EXPECT_EQ(search.hits().size(), 50u);
+    EXPECT_EQ(search.hitCount(), 50u);
     search.find({"15"}); // typed on: 115 is kept, and the rest is looked at only from here on
     EXPECT_EQ(search.lookedAt(), 50u);
+    EXPECT_TRUE(search.advance(20));
     EXPECT_EQ(hitsOf(search), std::vector<std::string>{"man_115"});
+    search.find({"15 m"}); // while the former ones are looked at
+    EXPECT_TRUE(search.advance(1000));
+    EXPECT_EQ(hitsOf(search), std::vector<std::string>{"man_115"});
+    EXPECT_EQ(search.lookedAt(), 50u);
     EXPECT_FALSE(search.advance(1000));
-    EXPECT_EQ(search.hits().size(), 11u);
+    EXPECT_EQ(search.hitCount(), 11u);
     search.find({"19"}); // something else: from the beginning
     EXPECT_EQ(search.lookedAt(), 0u);
     EXPECT_FALSE(search.advance(1000));
-    EXPECT_EQ(search.hits().size(), 11u);
+    EXPECT_EQ(search.hitCount(), 11u);
 
     path_search kinds(treeOf({"a.dds", "dds", "b.dds", "b.anim", "dds.x"}));
     kinds.find({"b", "dds"});

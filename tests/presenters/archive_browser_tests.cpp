@@ -102,6 +102,32 @@ TEST_F(archive_browser_test, changesOnTheDiskAreSaidAndWhatWasChosenIsFoundAgain
     EXPECT_EQ(m_browser.rowsOf(chosen), std::vector<std::size_t>{1});
 }
 
+TEST_F(archive_browser_test, veryManyRowsAreMadeBesideTheWindow)
+{
+    std::vector<test::test_entry> many = {{"few\\x", ""}};
+    for (int i = 0; i < 20001; ++i)
+        many.push_back({"many\\" + std::to_string(99999 - i), ""});
+    m_browser.setGame(gameOf(std::move(many), {}));
+    ASSERT_TRUE(m_browser.open("many"));
+    EXPECT_EQ(m_browser.status(false), "0 files, being put in order...");
+    const archive_browser::due_rows due = m_browser.takeDue();
+    EXPECT_FALSE(m_browser.takeDue().make) << "once";
+    ASSERT_TRUE(m_browser.take(due.make(), due));
+    EXPECT_EQ(m_browser.status(false), "20,001 files");
+    EXPECT_EQ(m_browser.rows().text(0, archive_rows::name), "79999");
+    m_browser.sortBy(archive_rows::name);
+    m_browser.sortBy(archive_rows::name); // the newer one counts
+    const archive_browser::due_rows downwards = m_browser.takeDue();
+    EXPECT_FALSE(m_browser.take(due.make(), due));
+    ASSERT_TRUE(m_browser.take(downwards.make(), downwards));
+    EXPECT_EQ(m_browser.rows().text(0, archive_rows::name), "99999");
+    m_browser.sortBy(archive_rows::size);
+    const archive_browser::due_rows late = m_browser.takeDue();
+    ASSERT_TRUE(m_browser.open("few"));
+    EXPECT_FALSE(m_browser.take(late.make(), late));
+    EXPECT_EQ(m_browser.status(false), "1 file");
+}
+
 TEST_F(archive_browser_test, columnsAreSortedAndHiddenCopiesAreKnown)
 {
     m_browser.setGame(usual());
