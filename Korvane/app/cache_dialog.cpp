@@ -18,6 +18,8 @@ cache_dialog::cache_dialog(page_host& host)
     , m_work(host.thread(), {[this](const work_progress& now) {
                                  m_progress.setRange(static_cast<int>(std::max<std::size_t>(1, now.total)));
                                  m_progress.setPosition(static_cast<int>(now.done));
+                                 if (m_is_rebuilding && now.done == now.total && m_stop.isEnabled())
+                                     m_status.setText("Writing...");
                              },
                              [&host](const std::string& line) { host.logLine(line); },
                              [this](const std::string& what) {
@@ -46,7 +48,12 @@ std::optional<layout> cache_dialog::onFill(failure&)
     m_list.onKey = [this](unsigned key) { return key == VK_DELETE && (deleteChosen(), true); };
     m_rebuild.onClick = [this] { rebuild(); };
     m_delete.onClick = [this] { deleteChosen(); };
-    m_stop.onClick = [this] { m_work.requestStop(); };
+    m_stop.onClick = [this] {
+        m_status.setText("Stopping...");
+        m_stop.setEnabled(false);
+        m_close.focus();
+        m_work.requestStop();
+    };
     m_close.onClick = [this] { onCancel(); };
     m_use.onSelect = [this](int position) { setUse(static_cast<cache_use>(position)); };
     m_rebuild.setTip("Reads the archives again, and writes the file");

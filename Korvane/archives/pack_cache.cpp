@@ -100,11 +100,14 @@ private:
 
 // The part that stands by itself: identification, count, and all files of all archives.
 template <typename sink>
-void writeEntries(const path_tree& tree, sink& out)
+void writeEntries(const path_tree& tree, sink& out, const std::stop_token& stop)
 {
     out.text(pack_cache::identification);
     out.u32(static_cast<std::uint32_t>(tree.entryCount()));
     for (const std::span<const pack_file_node>& files : tree.entries())
+    {
+        if (stop.stop_requested())
+            return; // half of it, which nobody keeps
         for (const pack_file_node& file : files)
         {
             out.text(file.fileName());
@@ -117,6 +120,7 @@ void writeEntries(const path_tree& tree, sink& out)
             out.text(file.archive().format);
             out.text(file.timeStamp() != 0 ? std::to_string(file.timeStamp()) : std::string());
         }
+    }
 }
 
 // Folders may be given relative to the one that somebody works in.
@@ -450,7 +454,7 @@ bool pack_cache::write(const indexed_archives& indexed, failure& why, const std:
     if (!image.isPossible())
         return fail(why, failure_kind::refused, "the archives have too many files for a cache", m_path);
     size_counter entries;
-    writeEntries(tree, entries);
+    writeEntries(tree, entries, stop);
     const std::vector<std::byte> list = listOf(indexed);
     trailer end;
     end.list_at = entries.size;
@@ -464,7 +468,10 @@ bool pack_cache::write(const indexed_archives& indexed, failure& why, const std:
                                             static_cast<std::size_t>(end.sizeOf(part)));
     };
     memory_writer out(bytes.mutableBytes());
-    writeEntries(tree, out);
+    if (!stop.stop_requested())
+        writeEntries(tree, out, stop);
+    if (stop.stop_requested())
+        return fail(why, failure_kind::refused, "it was stopped");
     std::copy(list.begin(), list.end(), partOf(trailer::list).begin());
     image.writeTables(partOf(trailer::files).data());
     image.writeText(partOf(trailer::text).data());
