@@ -196,18 +196,21 @@ bool lib3d::createShaders()
            createPixelShader(KORVANE_SURFACE_ALPHA_PS, "surface_alpha_ps", m_surface_alpha_ps) &&
            createPixelShader(KORVANE_FRAME_PS, "frame_ps", m_frame_ps) &&
            createPixelShader(KORVANE_SHADING_PS, "shading_ps", m_shading_ps) &&
-           createPixelShader(KORVANE_SHADING_USUAL_PS, "shading_usual_ps", m_shading_usual_ps);
+           createPixelShader(KORVANE_SHADING_USUAL_PS, "shading_usual_ps", m_shading_usual_ps) &&
+           createPixelShader(KORVANE_PACK_PS, "pack_ps", m_pack_ps);
 }
 
 bool lib3d::createConstantBuffers(const mvp_buffer& vs, const light_buffer& ps)
 {
     const final_pass_buffer final_settings;
+    const packing_buffer packing;
     const auto pose = std::make_unique<pose_buffer>();
     fillEnvironment(m_shading);
     return createConstantBuffer(sizeof vs, &vs, "ModelViewProjectionConstantBuffer", m_vs_buffer) &&
            createConstantBuffer(sizeof *pose, pose.get(), "PoseBuffer", m_pose_buffer) &&
            createConstantBuffer(sizeof ps, &ps, "LightBuffer", m_ps_buffer) &&
            createConstantBuffer(sizeof final_settings, &final_settings, "FinalPassBuffer", m_final_buffer) &&
+           createConstantBuffer(sizeof packing, &packing, "PackingBuffer", m_packing_buffer) &&
            createConstantBuffer(sizeof m_shading, &m_shading, "ShadingBuffer", m_shading_buffer);
 }
 
@@ -434,6 +437,14 @@ void lib3d::drawOver(ID3D11PixelShader& shader, const screen_area& area)
     m_context->OMSetBlendState(m_blend.get(), nullptr, 0xffffffff);
     m_context->OMSetDepthStencilState(m_depth_ignored.get(), 0);
     drawArea(area);
+}
+
+void lib3d::drawPacked(const packing_buffer& settings)
+{
+    m_context->UpdateSubresource(m_packing_buffer.get(), 0, nullptr, &settings, 0, 0);
+    ID3D11Buffer* const buffer = m_packing_buffer.get();
+    m_context->PSSetConstantBuffers(1, 1, &buffer);
+    drawOver(*m_pack_ps.get(), {0, 0, settings.width, settings.height});
 }
 
 // One triangle over the bound target, of which the area is drawn.

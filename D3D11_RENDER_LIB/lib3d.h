@@ -155,8 +155,8 @@ public:
     // around what the marks, those of the normals' target, say.
     void drawFinalPass(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceView* marks,
                        const final_pass_buffer& settings, const screen_area& area, bool has_outlines);
-    // Over the area of the bound target, with what is bound: no depth, no blending.
-    void drawOver(ID3D11PixelShader& shader, const screen_area& area);
+    // Fills the bound target, of the size in the settings, with what pack_ps makes of the bound maps.
+    void drawPacked(const packing_buffer& settings);
     // Shows the view in the area of the bound target, whose size the settings give, with a filter.
     void drawEnlarged(ID3D11ShaderResourceView* shown, const final_pass_buffer& settings, const screen_area& area);
     [[nodiscard]] bool createVertexShader(int resource, std::span<const D3D11_INPUT_ELEMENT_DESC> elements,
@@ -172,6 +172,7 @@ private:
     [[nodiscard]] HRESULT tryDevice(D3D_DRIVER_TYPE type);
     static void setName(ID3D11DeviceChild& object, const char* name);
     void drawArea(const screen_area& area);
+    void drawOver(ID3D11PixelShader& shader, const screen_area& area); // no depth, no blending
     void drawFinished(ID3D11ShaderResourceView* shown, ID3D11ShaderResourceView* marks,
                       const final_pass_buffer& settings, const screen_area& area, ID3D11PixelShader& shader);
     [[nodiscard]] bool createRasterizer(raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_MODE cull, BOOL reversed,
@@ -192,9 +193,10 @@ private:
     com_ptr<ID3D11PixelShader> m_model_ps, m_model_shadow_ps, m_channel_ps, m_wireframe_ps, m_shadow_ps, m_floor_ps,
         m_line_ps, m_line_encoded_ps, m_wireframe_encoded_ps, m_final_ps, m_final_outline_ps, m_final_encoded_ps,
         m_final_encoded_outline_ps, m_enlarged_ps, m_surface_ps, m_surface_alpha_ps, m_frame_ps, m_shading_ps,
-        m_shading_usual_ps;
+        m_shading_usual_ps, m_pack_ps;
     com_ptr<ID3D11InputLayout> m_model_layout, m_line_layout;
-    com_ptr<ID3D11Buffer> m_vs_buffer, m_pose_buffer, m_ps_buffer, m_final_buffer, m_shading_buffer, m_line_buffer;
+    com_ptr<ID3D11Buffer> m_vs_buffer, m_pose_buffer, m_ps_buffer, m_final_buffer, m_shading_buffer, m_packing_buffer,
+        m_line_buffer;
     com_ptr<ID3D11ShaderResourceView> m_specular_cube, m_diffuse_cube, m_reflectance_table;
     com_ptr<ID3D11SamplerState> m_samplers[5];
     com_ptr<ID3D11RasterizerState> m_rasterizers[raster_mode_count];

@@ -1,10 +1,9 @@
 #include "D3D11_RENDER_LIB/packed_maps.h"
 
-#include "D3D11_RENDER_LIB/shader_resources.h"
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstdint>
 
 namespace korvane
 {
@@ -55,17 +54,25 @@ bool map_packer::update(lib3d& library, int channel)
             continue;
         one.packed = std::move(views);
         one.channel = channel;
-        if (!createDevicePart(library) || !createTexture(library, one) || !pack(library, one))
+        if (!createFiller(library) || !createTexture(library, one) || !pack(library, one))
             return false;
     }
     return true;
 }
 
-bool map_packer::createDevicePart(lib3d& library)
+bool map_packer::createFiller(lib3d& library)
 {
-    const packing_buffer nothing;
-    return m_shader || (library.createPixelShader(KORVANE_PACK_PS, "pack_ps", m_shader) &&
-                        library.createConstantBuffer(sizeof nothing, &nothing, "PackingBuffer", m_buffer));
+    if (m_filler)
+        return true;
+    constexpr std::array<std::uint32_t, smallest_side * smallest_side> nothing{};
+    const CD3D11_TEXTURE2D_DESC description(DXGI_FORMAT_R8G8B8A8_UNORM, smallest_side, smallest_side, 1, 3,
+                                            D3D11_BIND_SHADER_RESOURCE, D3D11_USAGE_IMMUTABLE);
+    const D3D11_SUBRESOURCE_DATA contents[] = {{nothing.data(), 16, 0}, {nothing.data(), 8, 0}, {nothing.data(), 4, 0}};
+    com_ptr<ID3D11Texture2D> texture;
+    return library.isMade(library.device().CreateTexture2D(&description, contents, texture.put()), texture,
+                          "map that is not there", source_name) &&
+           library.isMade(library.device().CreateShaderResourceView(texture.get(), nullptr, m_filler.put()), m_filler,
+                          "map that is not there", source_name);
 }
 
 // As large as the largest of the maps.
@@ -111,13 +118,10 @@ bool map_packer::pack(lib3d& library, entry& one)
         context.RSSetViewports(1, &viewport);
         for (std::size_t i = 0; i < kind_count; ++i)
         {
-            ID3D11ShaderResourceView* const view = one.packed[i].get();
+            ID3D11ShaderResourceView* const view = (one.packed[i] ? one.packed[i] : m_filler).get();
             context.PSSetShaderResources(registers[i], 1, &view);
         }
-        context.UpdateSubresource(m_buffer.get(), 0, nullptr, &settings, 0, 0);
-        ID3D11Buffer* const buffer = m_buffer.get();
-        context.PSSetConstantBuffers(1, 1, &buffer);
-        library.drawOver(*m_shader.get(), {0, 0, settings.width, settings.height});
+        library.drawPacked(settings);
     }
     return true;
 }

@@ -61,13 +61,13 @@ private:
         com_ptr<ID3D11Texture2D> texture;
     };
 
-    [[nodiscard]] bool createDevicePart(lib3d& library);
+    [[nodiscard]] bool createFiller(lib3d& library);
     [[nodiscard]] bool createTexture(lib3d& library, entry& one);
     [[nodiscard]] bool pack(lib3d& library, entry& one);
 
     std::map<maps, entry> m_entries;
-    com_ptr<ID3D11PixelShader> m_shader;
-    com_ptr<ID3D11Buffer> m_buffer;
+    texture_view
+        m_filler; // bound for a map that is not there: software devices compile shaders anew for an empty place
 };
 
 } // namespace korvane
