@@ -62,8 +62,7 @@ void file_content_panel::onSize(int width, int height, size_change)
 // ---------------------------------------------------------------------------------------------------------
 
 file_viewer::file_viewer(page_host& host)
-    : dialog_box({"View File", {760, 520}, true})
-    , m_host(host)
+    : file_window(host, {"View File", {760, 520}, true})
     , m_opening(host.thread(),
                 {{}, {}, [this](const std::string& what) { m_status.setText("Cannot be shown: " + what); }})
     , m_reading(host.thread(), {})
@@ -112,7 +111,6 @@ std::optional<layout> file_viewer::onFill(failure& why)
 void file_viewer::onShown()
 {
     m_content.useFixedFont();
-    load();
 }
 
 void file_viewer::onDestroyed()
@@ -121,9 +119,8 @@ void file_viewer::onDestroyed()
     m_reading.stop();
     m_finding.stop();
     m_po_content = nullptr;
-    m_file = {};
     m_rows.restart(0);
-    dialog_box::onDestroyed();
+    file_window::onDestroyed();
 }
 
 void file_viewer::onDpiChanged(unsigned dpi)
@@ -139,31 +136,14 @@ LRESULT file_viewer::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
     return dialog_box::handleMessage(message, wparam, lparam);
 }
 
-void file_viewer::view(const game_file& file)
-{
-    m_file = file;
-    if (isOpen())
-    {
-        load();
-        SetForegroundWindow(handle());
-        return;
-    }
-    failure why;
-    if (!showBeside(m_host.frame(), why))
-        m_host.prompt().show("View File", describe(why), prompt_icon::error);
-}
-
 void file_viewer::load()
 {
-    const pack_file_node* const entry = m_file.entry();
-    const std::string name = displayText(std::string(fileName(m_file.path())));
-    setTitle(entry != nullptr ? name + " - " + displayText(entry->archive().name) : name);
     m_status.setText("Reading...");
     m_content.text.setText("");
     m_po_content = nullptr;
     m_rows.restart(0);
     m_content.bytes.refresh();
-    m_opening.start([this, file = m_file](const work_port&) -> background_task::answer {
+    m_opening.start([this, file = file()](const work_port&) -> background_task::answer {
         auto read = std::make_shared<content>();
         read->file = file;
         if (read->bytes.open(file, read->why))

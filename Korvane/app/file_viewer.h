@@ -6,12 +6,11 @@
 
 #include "EASY_GUI/win32/background_task.h"
 #include "EASY_GUI/win32/combo_box.h"
-#include "EASY_GUI/win32/dialog_box.h"
 #include "EASY_GUI/win32/edit_box.h"
 #include "EASY_GUI/win32/label.h"
 #include "EASY_GUI/win32/list_view.h"
+#include "Korvane/app/file_window.h"
 #include "Korvane/app/filter_field.h"
-#include "Korvane/app/page.h"
 #include "Korvane/game/file_bytes.h"
 #include "Korvane/presenters/hex_rows.h"
 
@@ -45,14 +44,12 @@ private:
     std::optional<font> m_fixed_font; // for columns
 };
 
-class file_viewer : public dialog_box
+class file_viewer : public file_window
 {
 public:
     explicit file_viewer(page_host& host);
     ~file_viewer() override { destroy(); }
 
-    // Opens the window, or shows the file in the one that is open.
-    void view(const game_file& file);
     bool isLoading() const { return m_opening.isRunning() || m_reading.isRunning() || m_finding.isRunning(); }
     std::string status() const { return m_status.text(); }
 
@@ -74,7 +71,7 @@ private:
         failure why; // set: the file cannot be read
     };
 
-    void load();
+    void load() override;
     void take(std::shared_ptr<const content> read);
     void showForm(bool is_text);
     void showStatus(const std::string& addition = {});
@@ -84,9 +81,7 @@ private:
     void findInBytes();
     void goTo();
 
-    page_host& m_host;
     hex_rows m_rows;
-    game_file m_file;
     std::shared_ptr<const content> m_po_content; // null: not read yet
 
     field_name m_form_name, m_find_name, m_position_name;

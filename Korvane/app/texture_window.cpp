@@ -26,8 +26,7 @@ void fill(combo_box& box, const std::vector<std::string>& entries, int chosen)
 } // namespace
 
 texture_window::texture_window(page_host& host)
-    : dialog_box({"View Texture", {720, 560}, true})
-    , m_host(host)
+    : file_window(host, {"View Texture", {720, 560}, true})
     , m_opening(host.thread(),
                 {{}, {}, [this](const std::string& what) { m_image.setEmpty("Cannot be shown: " + what); }})
     , m_decoding(host.thread(),
@@ -81,7 +80,6 @@ std::optional<layout> texture_window::onFill(failure& why)
 void texture_window::onShown()
 {
     SetFocus(m_image.handle());
-    load();
 }
 
 void texture_window::onDestroyed()
@@ -90,30 +88,12 @@ void texture_window::onDestroyed()
     m_decoding.stop();
     m_po_texture = nullptr;
     m_po_decoded = nullptr;
-    m_file = {};
     m_image.setEmpty({});
-    dialog_box::onDestroyed();
-}
-
-void texture_window::view(const game_file& file)
-{
-    m_file = file;
-    if (isOpen())
-    {
-        load();
-        SetForegroundWindow(handle());
-        return;
-    }
-    failure why;
-    if (!showBeside(m_host.frame(), why))
-        m_host.prompt().show("View Texture", describe(why), prompt_icon::error);
+    file_window::onDestroyed();
 }
 
 void texture_window::load()
 {
-    const pack_file_node* const entry = m_file.entry();
-    const std::string name = displayText(std::string(fileName(m_file.path())));
-    setTitle(entry != nullptr ? name + " - " + displayText(entry->archive().name) : name);
     m_decoding.stop();
     m_po_texture = nullptr;
     m_po_decoded = nullptr;
@@ -123,7 +103,7 @@ void texture_window::load()
     m_pixel.setText("");
     fill(m_level, {}, 0);
     fill(m_surface, {}, 0);
-    m_opening.start([this, file = m_file](const work_port&) -> background_task::answer {
+    m_opening.start([this, file = file()](const work_port&) -> background_task::answer {
         auto opened = std::make_shared<looked_texture>();
         failure why;
         if (opened->open(file, why))

@@ -5,10 +5,9 @@
 
 #include "EASY_GUI/win32/background_task.h"
 #include "EASY_GUI/win32/combo_box.h"
-#include "EASY_GUI/win32/dialog_box.h"
 #include "EASY_GUI/win32/image_view.h"
 #include "EASY_GUI/win32/label.h"
-#include "Korvane/app/page.h"
+#include "Korvane/app/file_window.h"
 #include "Korvane/jobs/texture_look.h"
 
 #include <memory>
@@ -18,14 +17,12 @@
 namespace korvane
 {
 
-class texture_window : public dialog_box
+class texture_window : public file_window
 {
 public:
     explicit texture_window(page_host& host);
     ~texture_window() override { destroy(); }
 
-    // Opens the window, or shows the texture in the one that is open, with the channels that were chosen there.
-    void view(const game_file& file);
     bool isLoading() const { return m_opening.isRunning() || m_decoding.isRunning(); }
     std::string status() const { return m_text.text(); }
     double scale() const { return m_image.scale(); }
@@ -43,15 +40,13 @@ private:
         failure why;                            // set: there is nothing to show
     };
 
-    void load();
+    void load() override;
     void take(std::shared_ptr<const looked_texture> opened);
     void decode();
     void take(const shown_pixels& made);
     void showText();
     void showFailure(const failure& why);
 
-    page_host& m_host;
-    game_file m_file;
     std::shared_ptr<const looked_texture> m_po_texture; // null: not read yet
     std::shared_ptr<const picture> m_po_decoded;        // what is shown; null: nothing
     int m_decoded_level = -1, m_decoded_surface = -1;
