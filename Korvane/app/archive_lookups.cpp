@@ -13,8 +13,9 @@ namespace korvane
 namespace
 {
 
-constexpr std::size_t first_step = 20000; // files that are looked at before the first rows are shown
-constexpr std::size_t step = 500000;      // each shows the list again, which takes time, too
+constexpr std::size_t first_step = 20000;              // files that are looked at before the first rows are shown
+constexpr std::size_t step = 500000;                   // each shows the list again, which takes time, too
+constexpr std::chrono::milliseconds between_rows(100); // until more of them are shown
 
 } // namespace
 
@@ -68,6 +69,7 @@ void archive_lookups::search(const path_query& query)
 {
     const std::size_t number = ++m_number;
     m_is_search = true;
+    m_was_told = false;
     std::string heading = "Files";
     if (!query.text.empty())
         heading += " with \"" + displayText(query.text) + "\"";
@@ -125,6 +127,12 @@ void archive_lookups::take(std::size_t number, const file_list& files)
     if (number != m_number)
         return; // of a search that was replaced
     m_browser.rows().add(files);
+    // The first rows at once; to draw all those that come after them would hold up the search.
+    const auto now = std::chrono::steady_clock::now();
+    if (m_was_told && now - m_told_at < between_rows)
+        return;
+    m_was_told = true;
+    m_told_at = now;
     m_told.grown();
 }
 

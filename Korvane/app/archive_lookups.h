@@ -10,6 +10,7 @@
 #include "Korvane/game/usage_index.h"
 #include "Korvane/presenters/archive_browser.h"
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -72,6 +73,8 @@ private:
     std::shared_ptr<known_archives> m_po_known;
     std::size_t m_number = 0; // of the newest question
     bool m_is_search = false;
+    bool m_was_told = false; // of rows of this search
+    std::chrono::steady_clock::time_point m_told_at;
     background_task m_ordering; // beside the questions, of which it knows nothing
     background_task m_work;     // the last member: its work ends first
 };

@@ -367,9 +367,8 @@ void archive_page::search()
         m_browser.showFolder();
         return showPlace();
     }
-    m_lookups.search(query);
     m_list.select(-1);
-    m_list.refresh();
+    m_lookups.search(query); // the list is drawn again with the first rows, which come at once, or when there are none
     m_status.setText(m_browser.status(true));
 }
 
