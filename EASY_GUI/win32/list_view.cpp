@@ -105,10 +105,56 @@ void list_view::setAll(LVITEMW& state)
     InvalidateRect(handle(), nullptr, FALSE);
 }
 
+void list_view::setSelected(int row, bool is_selected)
+{
+    LVITEMW state{};
+    state.stateMask = LVIS_SELECTED;
+    state.state = is_selected ? LVIS_SELECTED : 0u;
+    m_is_set = true;
+    send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&state));
+    m_is_set = false;
+}
+
+// Whether the person goes from the one row that is selected to another one.
+bool list_view::isToSelectAnother(UINT message, WPARAM wparam, LPARAM lparam) const
+{
+    constexpr WPARAM moves[] = {VK_UP, VK_DOWN, VK_PRIOR, VK_NEXT, VK_HOME, VK_END};
+    if (selectedCount() != 1 || (m_options.has_many && (GetKeyState(VK_CONTROL) < 0 || GetKeyState(VK_SHIFT) < 0)))
+        return false;
+    if (message == WM_KEYDOWN)
+        return std::find(std::begin(moves), std::end(moves), wparam) != std::end(moves);
+    if (message == WM_CHAR)
+        return wparam > ' ';
+    if (message != WM_LBUTTONDOWN && message != WM_RBUTTONDOWN)
+        return false;
+    const int row = cellAt({GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)}).first;
+    return row >= 0 && send(LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_SELECTED) == 0;
+}
+
+// Some systems release each row of a list before they select another one, which takes many seconds with millions of
+// rows, unless none is selected by then.
+LRESULT list_view::selectAnother(UINT message, WPARAM wparam, LPARAM lparam)
+{
+    const HWND list = handle();
+    const int former = selected();
+    if (former >= 0)
+        setSelected(former, false);
+    const LRESULT result = control::handleMessage(message, wparam, lparam);
+    if (IsWindow(list) && former >= 0 && selectedCount() == 0 && isRow(former)) // it stays after all
+        setSelected(former, true);
+    return result;
+}
+
 int list_view::selected() const
 {
     if (selectedCount() == 0)
         return -1;
+    const UINT wanted = LVIS_SELECTED | (m_options.has_many ? LVIS_FOCUSED : 0u);
+    // Mostly the row at which a choice began; to look for it takes as long as there are rows before it.
+    const LRESULT begin = send(LVM_GETSELECTIONMARK);
+    if (isRow(static_cast<int>(begin)) &&
+        static_cast<UINT>(send(LVM_GETITEMSTATE, static_cast<WPARAM>(begin), wanted)) == wanted)
+        return static_cast<int>(begin);
     return static_cast<int>(
         send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED | (m_options.has_many ? LVNI_FOCUSED : 0)));
 }
@@ -270,6 +316,13 @@ bool list_view::onNotify(NMHDR& message, LRESULT& result)
         result = findFrom(reinterpret_cast<const NMLVFINDITEMW&>(message));
         return true;
     case LVN_ITEMCHANGED:
+    {
+        const auto& changed = reinterpret_cast<const NMLISTVIEW&>(message);
+        const bool is_selected = (changed.uNewState & ~changed.uOldState & LVIS_SELECTED) != 0;
+        if (!m_is_set)
+            tellSelection(false, is_selected ? changed.iItem : -1);
+        return true;
+    }
     case LVN_ODSTATECHANGED:
         if (!m_is_set)
             tellSelection(false);
@@ -290,10 +343,10 @@ bool list_view::onNotify(NMHDR& message, LRESULT& result)
 
 // Choosing another row first leaves none selected: that is not told before all of the click has happened. Of many rows
 // that change at once the last is told, once.
-void list_view::tellSelection(bool may_be_none)
+void list_view::tellSelection(bool may_be_none, int known)
 {
     // Of many rows at once each is told of: one look at the end will do.
-    const int now = !may_be_none && m_options.has_many ? -1 : selected();
+    const int now = !may_be_none && m_options.has_many ? -1 : known >= 0 ? known : selected();
     if (!may_be_none && now < 0)
     {
         if (!std::exchange(m_is_look_due, true))
@@ -343,6 +396,12 @@ LRESULT list_view::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
             return selectAll(), 0;
         if (const auto act = onKey; act && act(static_cast<unsigned>(wparam)))
             return 0;
+        [[fallthrough]];
+    case WM_CHAR:
+    case WM_LBUTTONDOWN:
+    case WM_RBUTTONDOWN:
+        if (isToSelectAnother(message, wparam, lparam))
+            return selectAnother(message, wparam, lparam);
         break;
     case WM_CONTEXTMENU:
         if (reinterpret_cast<HWND>(wparam) == handle() && onContextMenu)

@@ -60,12 +60,15 @@ protected:
 private:
     void release(UINT states);   // of all rows
     void setAll(LVITEMW& state); // of all rows at once
+    void setSelected(int row, bool is_selected);
+    bool isToSelectAnother(UINT message, WPARAM wparam, LPARAM lparam) const;
+    LRESULT selectAnother(UINT message, WPARAM wparam, LPARAM lparam);
     void giveText(LVITEMW& item);
     LRESULT draw(NMLVCUSTOMDRAW& stage) const;
     int findFrom(const NMLVFINDITEMW& wanted) const;
     void createPictures();
     void fitLastColumn();
-    void tellSelection(bool may_be_none);
+    void tellSelection(bool may_be_none, int known = -1); // the row, where the system has said which
     void tellContextMenu(POINT on_screen);
     std::pair<int, int> cellAt(POINT at) const; // row and column; -1: none
     bool isRow(int row) const { return row >= 0 && static_cast<std::size_t>(row) < m_po_model->rowCount(); }

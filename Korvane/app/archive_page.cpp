@@ -43,6 +43,8 @@ archive_page::archive_page(page_host& host)
                      m_status.setText(m_browser.status(true));
                  },
                  [this] {
+                     if (hasAllChosen()) // while the rows were made
+                         m_keeps_all = true;
                      if (!m_lookups.isSearch())
                          m_list.select(-1);
                      showList();
@@ -63,7 +65,11 @@ void archive_page::arrange()
         .add(m_path, share())
         .add(m_favourites);
     layout finding(layout::direction::across);
-    finding.add(m_find_name).add(m_find, share()).add(m_type, fixed(130)).add(m_archive, fixed(150)).add(m_overview);
+    finding.add(m_find_name)
+        .add(m_find, share(4, 80))
+        .add(m_type, share(1, 70))
+        .add(m_archive, share(1, 70))
+        .add(m_overview);
     layout panes(layout::direction::across, 0);
     panes.add(m_tree, share(m_pane_widths[0], 80))
         .add(m_splitters[0], fixed(splitter::width))
@@ -72,9 +78,9 @@ void archive_page::arrange()
         .add(m_preview, share(m_pane_widths[2], 80));
     m_layout = layout(layout::direction::down);
     m_layout.setMargins(8, 2, 8, 8);
-    if (m_has_news)
-        m_layout.add(layout(layout::direction::across).add(m_news, share()).add(m_reread));
     m_layout.add(std::move(places)).add(std::move(finding)).add(std::move(panes), share(1, 80)).add(m_details);
+    if (m_has_news) // below the list, so that no row moves away under the mouse
+        m_layout.add(layout(layout::direction::across).add(m_news, share()).add(m_reread));
     m_layout.add(layout(layout::direction::across).add(m_status, share()).add(m_open).add(m_take_out));
 }
 
@@ -245,7 +251,13 @@ void archive_page::showDocument()
 void archive_page::keepChosen()
 {
     constexpr std::size_t most = 10000;
+    m_keeps_all = hasAllChosen();
     m_kept = m_list.selectedCount() <= most ? m_browser.pathsOf(m_list.selectedRows()) : std::vector<std::string>();
+}
+
+bool archive_page::hasAllChosen() const
+{
+    return m_list.selectedCount() > 1 && m_list.selectedCount() >= m_browser.rows().rowCount();
 }
 
 void archive_page::chooseKept()
@@ -253,6 +265,8 @@ void archive_page::chooseKept()
     if (m_browser.isWaiting())
         return; // for the rows
     const std::vector<std::size_t> rows = m_browser.rowsOf(std::exchange(m_kept, {}));
+    if (std::exchange(m_keeps_all, false))
+        return m_list.selectAll();
     if (rows.empty())
         return;
     rows.size() == 1 ? m_list.select(static_cast<int>(rows.front())) : m_list.select(rows);

@@ -66,6 +66,7 @@ private:
     void showNews(const std::string& text);
     void keepChosen(); // until there are other rows
     void chooseKept();
+    bool hasAllChosen() const;
     empty_content emptyContent() const;
     void showState();
     void showPlace();  // the folder that the browser is in, everywhere
@@ -115,6 +116,7 @@ private:
     file_viewer m_viewer;
     texture_window m_texture;
     std::vector<std::string> m_kept; // rows that were chosen before the archives were read again
+    bool m_keeps_all = false;        // all rows were
     archive_notice m_notice;
     archive_lookups m_lookups; // the last member: its work ends first
 };

@@ -228,8 +228,9 @@ void archive_page::showMenu(int row, POINT on_screen)
     const auto number = static_cast<std::size_t>(std::max(row, 0));
     const pack_file_node* const file = row < 0 ? nullptr : m_browser.rows().fileAt(number);
     const bool is_folder = row >= 0 && m_browser.rows().folderAt(number) != nullptr;
+    const bool is_one = m_list.selectedCount() == 1; // else only what is done with all of them
     menu_row copies{0, "&Hidden Copies", false, false, {}};
-    const file_list hidden = file != nullptr ? m_browser.copiesOf(number) : file_list();
+    const file_list hidden = file != nullptr && is_one ? m_browser.copiesOf(number) : file_list();
     constexpr std::size_t most = 20;
     for (std::size_t i = 0; i < hidden.size() && i < most; ++i)
     {
@@ -244,14 +245,14 @@ void archive_page::showMenu(int row, POINT on_screen)
     }
     copies.is_enabled = !copies.rows.empty();
     std::vector<menu_row> rows = {
-        {open_row, "&Open\tEnter", file != nullptr || is_folder},
-        {view_row, "&View Text or Bytes\tF4", file != nullptr},
+        {open_row, "&Open\tEnter", is_one && (file != nullptr || is_folder)},
+        {view_row, "&View Text or Bytes\tF4", is_one && file != nullptr},
         {take_out_rows, "&Take Out...", file != nullptr || is_folder},
         {},
-        {who_uses_it, "Where Is This &Used?", row >= 0 && !is_folder},
-        {what_it_needs, "What Does It &Need?", file != nullptr && namesOtherFiles(file->internalPath())},
-        {its_archive, "About Its &Archive...", file != nullptr},
-        {show_its_folder, "Show Its &Folder", file != nullptr && !m_browser.isFolderShown()},
+        {who_uses_it, "Where Is This &Used?", is_one && !is_folder},
+        {what_it_needs, "What Does It &Need?", is_one && file != nullptr && namesOtherFiles(file->internalPath())},
+        {its_archive, "About Its &Archive...", is_one && file != nullptr},
+        {show_its_folder, "Show Its &Folder", is_one && file != nullptr && !m_browser.isFolderShown()},
         {},
         {copy_paths, "&Copy\tCtrl+C", row >= 0},
         m_mod_folder.menu(m_list.selectedRows()),

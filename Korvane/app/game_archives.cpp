@@ -79,14 +79,14 @@ void game_archives::sayNotices(const std::vector<notice>& notices)
 
 void game_archives::sayLeftOut(const std::vector<std::string>& lines)
 {
-    constexpr std::size_t most_named = 3;
+    constexpr std::size_t most_named = 8; // two archives at least: each has four lines at most
     if (lines.empty())
         return;
     std::string text = "Some files are listed in an archive that does not hold them. They are left out:\r\n";
     for (std::size_t i = 0; i < std::min(lines.size(), most_named); ++i)
         text += "\r\n" + displayText(lines[i]);
     if (lines.size() > most_named)
-        text += "\r\nand " + grouped(lines.size() - most_named) + " more (see log.txt)";
+        text += "\r\nand " + counted(lines.size() - most_named, "more line") + " in log.txt";
     m_host.prompt().show("Damaged archive", text + "\r\n\r\nLet the game's store check its files.",
                          prompt_icon::warning);
 }

@@ -34,10 +34,11 @@ bool extraction_folder::locate(std::string_view internal_path, std::string& disk
         return fail(why, failure_kind::refused, "refused: " + reason, std::string(internal_path));
     if (m_layout == extraction_layout::flat)
         relative = std::string(fileName(*relative));
+    relative = displayText(*relative); // a disk's names are text
     if (!claim(*relative))
         return fail(why, failure_kind::refused, "refused: another file has the same path on the disk",
                     std::string(internal_path));
-    disk_path = toUtf8(toPath(m_folder) / toPath(*relative));
+    disk_path = toUtf8((toPath(m_folder) / toPath(*relative)).make_preferred());
     return true;
 }
 

@@ -119,7 +119,7 @@ bool extraction_run::write(const pack_file_node& entry, wanted_picture& picture,
         name.replace(name.size() - 4, 4, extensionOf(*m_options.form)); // of ".dds"
     if (!m_folder.place(name, file.path, why))
         return false;
-    if (fileName(file.path).size() != fileName(name).size())
+    if (fileName(file.path).size() != displayText(fileName(name)).size())
         file.named_like = fileName(name);
     if (picture.is_made)
         return writeOutput(file.path, picture.bytes.bytes(), m_options.overwrites, file.outcome, why);

@@ -34,6 +34,8 @@ bool canWriteBelow(const std::string& folder, failure& why)
     std::filesystem::path there = std::filesystem::absolute(toPath(folder), ignored).lexically_normal();
     while (!std::filesystem::exists(there, ignored) && there.has_relative_path())
         there = there.parent_path();
+    if (!std::filesystem::exists(there, ignored))
+        return fail(why, failure_kind::not_found, "there is no such drive", folder);
     if (!std::filesystem::is_directory(there, ignored))
         return fail(why, failure_kind::unwritable, "the folder cannot be created: a file is in its way", folder);
     failure reason;

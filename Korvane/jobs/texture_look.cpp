@@ -28,6 +28,8 @@ try
 {
     if (!file.read(m_file, why, most_bytes_read))
         return false;
+    if (m_file.empty())
+        return fail(why, failure_kind::malformed, "the file is empty", file.path());
     if (m_file.text().starts_with("DDS "))
     {
         if (!readDds(m_file.bytes(), m_image, why))

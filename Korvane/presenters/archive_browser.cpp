@@ -210,7 +210,8 @@ std::string archive_browser::details(std::size_t row) const
     const std::vector<const pack_file_node*> copies = copiesOf(row);
     if (copies.empty())
         return text + ".";
-    text += ". Hides " + counted(copies.size(), "copy", "copies") + ", because it was read later: ";
+    text += ". Hides " + counted(copies.size(), "copy", "copies") +
+            (from.is_folder ? " of: " : ", for its archive counts more: ");
     constexpr std::size_t most = 4;
     for (std::size_t i = 0; i < copies.size() && i < most; ++i)
         text += (i == 0 ? "" : ", ") + archiveName(copies[i]->archive());

@@ -38,24 +38,20 @@ std::string describeChanges(const archive_stamps& as_read, const archive_stamps&
             added.push_back(path);
 
     std::string text;
-    std::vector<std::string> names;
-    const auto say = [&](const std::vector<std::string>& of, const char* one, const char* many) {
-        if (of.empty())
+    const auto say = [&text](const std::vector<std::string>& paths, const char* one, const char* many) {
+        if (paths.empty())
             return;
-        text += text.empty() ? counted(of.size(), "archive") : ", " + grouped(of.size());
-        text += of.size() == 1 ? one : many;
-        names.insert(names.end(), of.begin(), of.end());
+        constexpr std::size_t most = 3;
+        text += text.empty() ? "" : ", ";
+        for (std::size_t i = 0; i < std::min(most, paths.size()); ++i)
+            text += (i == 0 ? "" : ", ") + displayText(fileName(paths[i]));
+        text += paths.size() > most ? " and " + grouped(paths.size() - most) + " more" : "";
+        text += paths.size() == 1 ? one : many;
     };
     say(changed, " has changed", " have changed");
     say(gone, " is gone", " are gone");
     say(added, " is new", " are new");
-    if (names.empty())
-        return {};
-    constexpr std::size_t most = 3;
-    text += " on the disk: ";
-    for (std::size_t i = 0; i < std::min(most, names.size()); ++i)
-        text += (i == 0 ? "" : ", ") + displayText(fileName(names[i]));
-    return text + (names.size() > most ? ", ..." : "");
+    return text.empty() ? text : "On the disk " + text + ".";
 }
 
 } // namespace korvane

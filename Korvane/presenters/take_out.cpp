@@ -117,7 +117,7 @@ take_out_report reportOf(const extract_job_result& result, const std::string& fo
     take_out_report report;
     report.line = filesExtracted(result.written) + " to " + displayText(folder);
     if (result.kept > 0)
-        report.line += "; " + counted(result.kept, "file") + " that differ were left as they are";
+        report.line += "; " + counted(result.kept, "file that differs was", "files that differ were") + " left alone";
     if (result.failed > 0)
         report.line += "; " + grouped(result.failed) + " failed";
     report.line += is_whole ? "." : "; stopped.";

@@ -92,11 +92,11 @@ TEST_F(archive_browser_test, changesOnTheDiskAreSaidAndWhatWasChosenIsFoundAgain
     const archive_stamps as_read = stampsAsRead(*tree, stampArchives(folders));
     EXPECT_EQ(describeChanges(as_read, stampArchives(folders)), "");
     test::writeBytes(m_folder.file("bad.pack"), "no archive yet");
-    EXPECT_EQ(describeChanges(as_read, stampArchives(folders)), "1 archive has changed on the disk: bad.pack");
+    EXPECT_EQ(describeChanges(as_read, stampArchives(folders)), "On the disk bad.pack has changed.");
     std::filesystem::rename(toPath(m_folder.file("bad.pack")), toPath(m_folder.file("new.pack")));
     test::writeBytes(m_folder.file("other.pack"), "");
     EXPECT_EQ(describeChanges(as_read, stampArchives(folders)),
-              "1 archive is gone, 2 are new on the disk: bad.pack, new.pack, other.pack");
+              "On the disk bad.pack is gone, new.pack, other.pack are new.");
 
     m_browser.setGame(gameOf({{"b\\a", ""}, {"b\\two.anim", "2"}}, {{"b\\zz", ""}}));
     EXPECT_EQ(m_browser.rowsOf(chosen), std::vector<std::size_t>{1});
@@ -153,7 +153,7 @@ TEST_F(archive_browser_test, columnsAreSortedAndHiddenCopiesAreKnown)
     ASSERT_TRUE(one);
     EXPECT_EQ(m_browser.rows().text(*one, archive_rows::overrides), "1");
     EXPECT_EQ(m_browser.details(*one),
-              "b\\one.dds: from upper.pack (PFH4). Hides 1 copy, because it was read later: lower.pack.");
+              "b\\one.dds: from upper.pack (PFH4). Hides 1 copy, for its archive counts more: lower.pack.");
     ASSERT_EQ(m_browser.copiesOf(*one).size(), 1u);
     EXPECT_EQ(m_browser.copiesOf(*one)[0]->size(), 3u);
     m_browser.beginList("What x needs");
