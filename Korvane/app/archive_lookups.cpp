@@ -85,9 +85,10 @@ void archive_lookups::search(const path_query& query)
         path_search& search = *known->search;
         search.find(query);
         std::size_t handed_over = 0;
-        for (bool goes_on = true; goes_on && !work.isStopped();)
+        std::size_t portion = first_step;
+        for (bool goes_on = true; goes_on && !work.isStopped(); portion = handed_over > 0 ? step : portion * 2)
         {
-            goes_on = search.advance(handed_over == 0 ? first_step : step);
+            goes_on = search.advance(portion);
             file_list fresh = search.hits(handed_over);
             handed_over = search.hitCount();
             if (!fresh.empty())
