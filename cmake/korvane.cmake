@@ -21,7 +21,8 @@ endif()
 if(WIN32)
   target_compile_definitions(korvane_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
   target_compile_options(korvane_options INTERFACE -fstack-protector-strong)
-  target_link_options(korvane_options INTERFACE -static -fstack-protector-strong -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+  # No time stamp: built again, the program is the same to the last byte.
+  target_link_options(korvane_options INTERFACE -static -fstack-protector-strong -Wl,--dynamicbase,--nxcompat,--high-entropy-va,--no-insert-timestamp)
 endif()
 
 # korvane_library(NAME SOURCE...): one floor's library.
