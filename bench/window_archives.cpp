@@ -109,6 +109,7 @@ void measureArchives(const installed_program& installed)
     installed.configure(toUtf8(corpus.folder()) + "\\", {}, false);
     const process program('"' + installed.path() + '"');
     const HWND window = watchStart(program, clock_type::now()).window;
+    Sleep(3000); // as a person who looks at the window first
     double page = 0;
     for (int i = 0; i < 3; ++i)
     {

@@ -19,6 +19,8 @@ namespace
 
 constexpr std::string_view archive_columns_name = "archives";
 constexpr std::string_view archive_panes_name = "archive_panes";
+constexpr UINT_PTR creation_timer = 1;
+constexpr UINT until_creation = 1500; // milliseconds; timers wait until nothing else is to be done
 constexpr std::array<std::string_view, 6> types = {"", "rigid_model_v2", "variantmeshdefinition", "dds", "anim", "xml"};
 
 } // namespace
@@ -225,11 +227,30 @@ empty_content archive_page::emptyContent() const
     return content;
 }
 
+// The page has many controls: they are made while nobody waits for them, unless somebody looks at it before.
+LRESULT archive_page::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
+{
+    if (message == WM_TIMER && wparam == creation_timer)
+    {
+        KillTimer(handle(), creation_timer);
+        needControls();
+        return 0;
+    }
+    const LRESULT result = rows_page::handleMessage(message, wparam, lparam);
+    if (message == WM_SHOWWINDOW && wparam != FALSE && std::exchange(m_is_unseen, false))
+        m_lookups.prepare();
+    return result;
+}
+
 void archive_page::showDocument()
 {
-    if (!hasControls())
-        return;
     const std::shared_ptr<const game_data>& game = host().document().game();
+    if (!hasControls())
+    {
+        if (game->archives() != nullptr)
+            SetTimer(handle(), creation_timer, until_creation, nullptr);
+        return;
+    }
     if (m_lookups.knows(game))
         return;
     keepChosen();
@@ -245,7 +266,9 @@ void archive_page::showDocument()
     if (m_lookups.isSearch())
         return search(); // what was found is looked for again
     chooseKept();
-    m_lookups.prepare();
+    m_is_unseen = IsWindowVisible(handle()) == FALSE;
+    if (!m_is_unseen)
+        m_lookups.prepare();
 }
 
 void archive_page::keepChosen()

@@ -48,6 +48,7 @@ public:
 
 protected:
     bool createControls(failure& why) override;
+    LRESULT handleMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
     void applyFont(const font& used) override;
     void onDestroyed() override
     {
@@ -116,6 +117,7 @@ private:
     file_viewer m_viewer;
     texture_window m_texture;
     std::vector<std::string> m_kept; // rows that were chosen before the archives were read again
+    bool m_is_unseen = false;        // filled, and not shown since then
     bool m_keeps_all = false;        // all rows were
     archive_notice m_notice;
     archive_lookups m_lookups; // the last member: its work ends first
