@@ -197,8 +197,8 @@ void mod_folder_commands::remove(const rows_of_list& rows)
                                               : counted(rows.size(), "file or folder", "files and folders");
     if (!m_host.prompt().confirm("Delete From the Mod Folder",
                                  "Move " + what +
-                                     " of the mod folder into the system's bin?\r\n\r\nWhat the archives " +
-                                     "have at the same path counts again then.",
+                                     " of the mod folder into the system's bin?\r\n\r\nWhere an archive has the same " +
+                                     "path, its copy counts again then.",
                                  prompt_answer::no))
         return;
     const std::size_t behind = rows.back() + 1; // which is chosen then, else the one in front
