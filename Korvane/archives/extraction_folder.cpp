@@ -38,7 +38,7 @@ bool extraction_folder::locate(std::string_view internal_path, std::string& disk
     if (!claim(*relative))
         return fail(why, failure_kind::refused, "refused: another file has the same path on the disk",
                     std::string(internal_path));
-    disk_path = toUtf8((toPath(m_folder) / toPath(*relative)).make_preferred());
+    disk_path = toUtf8(toPath(m_folder) / toPath(*relative));
     return true;
 }
 
