@@ -4,6 +4,7 @@
 #include "EASY_GUI/win32/com_ptr.h"
 #include "tests/windows/app/main_window_fixture.h"
 
+#include <atomic>
 #include <map>
 #include <ole2.h>
 #include <thread>
@@ -153,6 +154,7 @@ public:
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE DragEnter(IDataObject*, DWORD, POINTL, DWORD* effect) override
     {
+        m_is_entered = true;
         *effect &= DROPEFFECT_COPY;
         return S_OK;
     }
@@ -161,14 +163,20 @@ public:
         *effect &= DROPEFFECT_COPY;
         return S_OK;
     }
-    HRESULT STDMETHODCALLTYPE DragLeave() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE DragLeave() override
+    {
+        m_is_entered = false;
+        return S_OK;
+    }
     HRESULT STDMETHODCALLTYPE Drop(IDataObject* data, DWORD, POINTL, DWORD* effect) override
     {
         *effect &= DROPEFFECT_COPY;
         m_files = exchange_test::filesOf(*data);
+        m_has_dropped = true;
         return S_OK;
     }
     std::map<std::string, std::string> m_files;
+    std::atomic<bool> m_is_entered = false, m_has_dropped = false; // for the hand, which is another thread
 };
 
 TEST_F(exchange_test, filesAreDraggedIntoAnotherWindow)
@@ -176,30 +184,46 @@ TEST_F(exchange_test, filesAreDraggedIntoAnotherWindow)
     writeArchive({{"a.txt", "fine"}, {"b.txt", "b"}});
     openArchives();
     const ole_session ole;
-    const drop_window other;
+    drop_window other;
     RECT row{LVIR_LABEL, 0, 0, 0};
     SendMessageW(find(control_archive_list), LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row));
     POINT from{row.left + 10, (row.top + row.bottom) / 2};
     ClientToScreen(find(control_archive_list), &from);
-    for (int attempt = 0; attempt < 3 && other.m_files.empty(); ++attempt) // a busy machine may miss a hand's moves
-    {
-        std::thread hand([from] { // the list and the system wait for it in loops of their own
-            const auto act = [](POINT at, DWORD what) {
-                SetCursorPos(at.x, at.y);
-                INPUT input{};
-                input.type = INPUT_MOUSE;
-                input.mi.dwFlags = what;
-                SendInput(1, &input, sizeof input);
-                std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            };
+    std::atomic<bool> is_over = false; // set when the system has seen all that the hand did
+    std::thread hand([&] {             // the list and the system wait for it in loops of their own
+        const auto act = [](POINT at, DWORD what) {
+            SetCursorPos(at.x, at.y);
+            INPUT input{};
+            input.type = INPUT_MOUSE;
+            input.mi.dwFlags = what;
+            SendInput(1, &input, sizeof input);
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        };
+        for (const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(180);
+             !other.m_has_dropped && std::chrono::steady_clock::now() < end;)
+        {
+            // A hand that looks: it presses when the pointer is and stays there (a display says late where its own
+            // pointer was), and goes on when it is seen.
+            other.m_is_entered = false;
+            for (int seen = 0; seen < 4 && std::chrono::steady_clock::now() < end;)
+            {
+                POINT now{};
+                seen = GetCursorPos(&now) && now.x == from.x && now.y == from.y ? seen + 1 : 0;
+                act(from, MOUSEEVENTF_MOVE);
+            }
             act(from, MOUSEEVENTF_LEFTDOWN);
-            for (const POINT at : {POINT{from.x + 30, from.y + 30}, POINT{1240, 740}, POINT{1250, 750}})
-                act(at, MOUSEEVENTF_MOVE);
+            for (LONG step = 0; step < 60 && !other.m_is_entered; ++step)
+                act(step < 3 ? POINT{from.x + 10 * step, from.y + 10 * step} : POINT{1240 + step % 10, 740 + step % 10},
+                    MOUSEEVENTF_MOVE);
             act({1250, 750}, MOUSEEVENTF_LEFTUP);
-        });
-        static_cast<void>(pumpUntil([&other] { return !other.m_files.empty(); }));
-        hand.join();
-    }
+            for (int wait = 0; wait < 40 && other.m_is_entered && !other.m_has_dropped; ++wait)
+                std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        is_over = true;
+    });
+    while (!is_over)
+        static_cast<void>(pumpUntil([&is_over] { return is_over.load(); }));
+    hand.join();
     pump();
     EXPECT_EQ(other.m_files, (std::map<std::string, std::string>{{"a.txt", "4: fine"}}));
     EXPECT_EQ(happened(), "Handed over: 1 file.");
