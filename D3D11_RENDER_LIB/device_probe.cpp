@@ -17,11 +17,13 @@ namespace
 
 using clock = std::chrono::steady_clock;
 
-constexpr UINT size = 256;                         // of target and textures, pixels
-constexpr int rounds = 3;                          // after the first one, which compiles; the fastest one counts
-constexpr double dear_ratio = 4;                   // 10 and more in software, about 1 on a card
-constexpr double dear_seconds = 0.3e-3;            // below that both are only the way to the device and back
-constexpr std::chrono::milliseconds patience{500}; // for a device that never answers
+constexpr UINT size = 256;       // of target and textures, pixels
+constexpr int fewest_rounds = 3; // after the first one, which compiles; the fastest one counts
+constexpr int most_rounds = 24;  // while it is not clear
+constexpr double dear_ratio = 4; // 10 and more in software, about 1 on a card
+constexpr double cheap = 0.3e-3; // seconds; below that both are only the way to the device and back
+constexpr double dear = 1e-3;    // seconds; no card needs so long, but a busy processor may hold up each round
+constexpr std::chrono::seconds patience{2}; // for all of it, or a device that never answers
 
 bool hasSoftwareFlag(ID3D11Device& device)
 {
@@ -64,8 +66,14 @@ public:
         return true;
     }
 
-    // Of a draw that looks at every texel of such a texture once; negative when the device refuses.
-    double secondsOf(DXGI_FORMAT format, UINT bytes_per_row)
+    // Seconds of the fastest draw so far; far too many while there is none.
+    struct looked_at
+    {
+        com_ptr<ID3D11ShaderResourceView> view;
+        double seconds = std::numeric_limits<double>::max();
+    };
+
+    bool createTexture(DXGI_FORMAT format, UINT bytes_per_row, looked_at& made)
     {
         std::vector<std::uint8_t> contents(std::size_t{size} * size * 4); // enough for either
         std::uint32_t state = 1;
@@ -75,41 +83,36 @@ public:
                                                 D3D11_USAGE_IMMUTABLE);
         const D3D11_SUBRESOURCE_DATA data{contents.data(), bytes_per_row, 0};
         com_ptr<ID3D11Texture2D> texture;
-        com_ptr<ID3D11ShaderResourceView> view;
-        if (FAILED(m_device.CreateTexture2D(&description, &data, texture.put())) ||
-            FAILED(m_device.CreateShaderResourceView(texture.get(), nullptr, view.put())))
-            return -1;
-        ID3D11ShaderResourceView* const views[] = {view.get()};
-        m_context.PSSetShaderResources(0, 1, views);
-        double fastest = std::numeric_limits<double>::max();
-        for (int round = 0; round <= rounds; ++round)
-        {
-            const clock::time_point begin = clock::now();
-            m_context.Draw(3, 0);
-            if (!waitForDevice())
-                return -1;
-            if (round > 0)
-                fastest = std::min(fastest, std::chrono::duration<double>(clock::now() - begin).count());
-        }
-        return fastest;
+        return SUCCEEDED(m_device.CreateTexture2D(&description, &data, texture.put())) &&
+               SUCCEEDED(m_device.CreateShaderResourceView(texture.get(), nullptr, made.view.put()));
     }
+
+    // A draw that looks at every texel once. S_FALSE: it has taken longer than there was patience for.
+    HRESULT measure(looked_at& what, bool counts)
+    {
+        ID3D11ShaderResourceView* const views[] = {what.view.get()};
+        m_context.PSSetShaderResources(0, 1, views);
+        const clock::time_point begin = clock::now();
+        m_context.Draw(3, 0);
+        m_context.End(m_done.get());
+        HRESULT answer = S_FALSE;
+        while ((answer = m_context.GetData(m_done.get(), nullptr, 0, 0)) == S_FALSE && isPatient())
+            SwitchToThread();
+        if (counts && answer == S_OK)
+            what.seconds = std::min(what.seconds, std::chrono::duration<double>(clock::now() - begin).count());
+        return answer;
+    }
+
+    bool isPatient() const { return clock::now() < m_end; }
 
 private:
-    bool waitForDevice()
-    {
-        m_context.End(m_done.get());
-        for (const clock::time_point end = clock::now() + patience; clock::now() < end; SwitchToThread())
-            if (const HRESULT answer = m_context.GetData(m_done.get(), nullptr, 0, 0); answer != S_FALSE)
-                return answer == S_OK;
-        return false;
-    }
-
     ID3D11Device& m_device;
     ID3D11DeviceContext& m_context;
     com_ptr<ID3D11RenderTargetView> m_target;
     com_ptr<ID3D11VertexShader> m_vs;
     com_ptr<ID3D11PixelShader> m_ps;
     com_ptr<ID3D11Query> m_done;
+    clock::time_point m_end = clock::now() + patience;
 };
 
 } // namespace
@@ -120,11 +123,23 @@ bool drawsOnProcessor(ID3D11Device& device, ID3D11DeviceContext& context, std::s
     if (hasSoftwareFlag(device))
         return true;
     probe asked(device, context);
-    if (!asked.prepare(vertex_shader, pixel_shader))
+    probe::looked_at plain, blocks;
+    if (!asked.prepare(vertex_shader, pixel_shader) ||
+        !asked.createTexture(DXGI_FORMAT_R8G8B8A8_UNORM, size * 4, plain) ||
+        !asked.createTexture(DXGI_FORMAT_BC7_UNORM, size * 4, blocks)) // four rows of blocks of 16 bytes
         return false;
-    const double plain = asked.secondsOf(DXGI_FORMAT_R8G8B8A8_UNORM, size * 4);
-    const double blocks = asked.secondsOf(DXGI_FORMAT_BC7_UNORM, size * 4); // four rows of blocks of 16 bytes
-    return plain >= 0 && blocks > plain * dear_ratio && blocks > dear_seconds;
+    for (int round = 0; round <= most_rounds && asked.isPatient(); ++round)
+    {
+        if (FAILED(asked.measure(plain, round > 0)) || FAILED(asked.measure(blocks, round > 0)))
+            return false;
+        if (round < fewest_rounds)
+            continue;
+        if (blocks.seconds <= cheap)
+            return false;
+        if (blocks.seconds > plain.seconds * dear_ratio)
+            return true;
+    }
+    return blocks.seconds > dear;
 }
 
 } // namespace korvane

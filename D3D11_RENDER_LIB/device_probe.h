@@ -12,8 +12,9 @@ namespace korvane
 {
 
 // Compares how long a texel of a block-compressed texture takes with one of a plain texture: to a graphics card they
-// are the same, a processor unpacks a block for each. A few milliseconds; leaves the context cleared. A device that
-// refuses anything of it counts as hardware. The bytes are those of the final pass's vertex shader and of probe_ps.
+// are the same, a processor unpacks a block for each. A few milliseconds, more while other programs disturb what is
+// measured; leaves the context cleared. A device that refuses anything of it counts as hardware, one that is slow in
+// everything as a processor. The bytes are those of the final pass's vertex shader and of probe_ps.
 [[nodiscard]] bool drawsOnProcessor(ID3D11Device& device, ID3D11DeviceContext& context,
                                     std::span<const std::byte> vertex_shader, std::span<const std::byte> pixel_shader);
 
