@@ -257,7 +257,27 @@ bool dialog_box::takeOwnKey(MSG& message)
         return false;
     if (message.wParam == VK_ESCAPE)
         return onCancel(), true;
+    if (message.wParam == VK_F1)
+        return askForHelp(), true;
     return message.wParam == VK_RETURN && pressEnter(message);
+}
+
+void dialog_box::askForHelp() const
+{
+    HELPINFO about{};
+    about.cbSize = sizeof about;
+    about.iContextType = HELPINFO_WINDOW;
+    about.hItemHandle = handle();
+    HWND top = handle();
+    for (HWND at = top; at != nullptr; at = GetWindow(at, GW_OWNER))
+    {
+        top = at;
+        if (const auto* const dialog = dynamic_cast<const dialog_box*>(fromHandle(at));
+            dialog != nullptr && about.dwContextId == 0)
+            about.dwContextId = dialog->m_settings.help;
+    }
+    if (top != handle() && about.dwContextId != 0)
+        SendMessageW(top, WM_HELP, 0, reinterpret_cast<LPARAM>(&about));
 }
 
 bool dialog_box::pressEnter(MSG& message)

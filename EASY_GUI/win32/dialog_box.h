@@ -22,6 +22,9 @@ struct dialog_settings
     std::string title;
     SIZE size{};               // of the inside at 96 dots per inch; at least as large as the layout needs
     bool is_resizable = false; // not below what the layout needs
+    // What F1 asks about: the window that owns all dialogs gets WM_HELP with this as the context. 0: what the dialog
+    // below, if any, asks about.
+    DWORD help = 0;
 };
 
 class dialog_box : public window
@@ -75,6 +78,7 @@ private:
     void release();
     bool pressEnter(MSG& message);
     bool takeOwnKey(MSG& message);
+    void askForHelp() const;
 
     dialog_settings m_settings;
     std::optional<layout> m_layout;

@@ -11,7 +11,7 @@ namespace korvane
 {
 
 archive_anim_dialog::archive_anim_dialog(page_host& host)
-    : dialog_box({"Choose From the Archives", {620, 420}, true})
+    : dialog_box({"Choose From the Archives", {620, 420}, true, helpContext(help_topic::blender)})
     , m_po_game(host.document().game())
     , m_listing(host.thread(), {})
 {

@@ -38,6 +38,7 @@ public:
     void showDocument() override;
     void follow() override { m_notice.follow(); }
     HWND firstControl() const override;
+    help_topic helpTopic() const override { return help_topic::archives; }
     bool copyMore() override; // the chosen rows: files, and their internal paths
     bool onPageKey(int command) override;
     bool keep(config_file& config) const override;

@@ -12,7 +12,7 @@ namespace korvane
 {
 
 cache_dialog::cache_dialog(page_host& host)
-    : dialog_box({"Index Cache", {640, 340}, true})
+    : dialog_box({"Index Cache", {640, 340}, true, helpContext(help_topic::cache)})
     , m_host(host)
     , m_rows(cache_places::of(host.config().table(), host.config().path()), host.document().game()->hasArchives())
     , m_work(host.thread(), {[this](const work_progress& now) {

@@ -31,7 +31,7 @@ std::string defaultExportFolder(page_host& host)
 } // namespace
 
 export_dialog::export_dialog(page_host& host, export_choices& choices, folder_port open_folder)
-    : dialog_box({"Export Model+Skeleton+ANIM", {640, 600}, true})
+    : dialog_box({"Export Model+Skeleton+ANIM", {640, 600}, true, helpContext(help_topic::blender)})
     , m_host(host)
     , m_choices(choices)
     , m_open_folder(std::move(open_folder))

@@ -23,6 +23,7 @@ public:
     void show(fbx_report report);
     void showDocument() override;
     HWND firstControl() const override { return m_tree.handle(); }
+    help_topic helpTopic() const override { return help_topic::animation_back; }
     std::string copiedText() const override; // the chosen row
 
 protected:

@@ -24,7 +24,7 @@ constexpr UINT log_pause = 50; // milliseconds, in which hundreds of lines may c
 } // namespace
 
 fbx_to_anim_dialog::fbx_to_anim_dialog(page_host& host, std::string fbx)
-    : dialog_box({"Convert FBX animation to .ANIM", {760, 600}, true})
+    : dialog_box({"Convert FBX animation to .ANIM", {760, 600}, true, helpContext(help_topic::animation_back)})
     , m_host(host)
     , m_form(host.config())
     , m_first_fbx(std::move(fbx))

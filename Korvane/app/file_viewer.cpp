@@ -62,7 +62,7 @@ void file_content_panel::onSize(int width, int height, size_change)
 // ---------------------------------------------------------------------------------------------------------
 
 file_viewer::file_viewer(page_host& host)
-    : file_window(host, {"View File", {760, 520}, true})
+    : file_window(host, {"View File", {760, 520}, true, helpContext(help_topic::archives)})
     , m_opening(host.thread(),
                 {{}, {}, [this](const std::string& what) { m_status.setText("Cannot be shown: " + what); }})
     , m_reading(host.thread(), {})

@@ -86,7 +86,7 @@ LRESULT game_folders_dialog::folder_box::handleMessage(UINT message, WPARAM wpar
 }
 
 game_folders_dialog::game_folders_dialog(page_host& host)
-    : dialog_box({dialog_title, {700, 320}, true})
+    : dialog_box({dialog_title, {700, 320}, true, helpContext(help_topic::first_start)})
     , m_host(host)
     , m_folders(host.config())
     , m_looking(host.thread(), {})

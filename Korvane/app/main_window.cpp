@@ -331,28 +331,6 @@ bool main_window::takesShortcutsOf(HWND top) const
            (m_playback_box.isOpen() && top == m_playback_box.handle());
 }
 
-LRESULT main_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
-{
-    if (message == WM_ENDSESSION && wparam != 0) // the system ends the program now and asks nobody
-    {
-        std::string where;
-        failure why;
-        if (m_ports.keeper.keep(where, why) == edit_keeper::outcome::failed)
-            logLine("main_window: the changes that were not saved could not be kept: " + describe(why));
-    }
-    const bool is_activated = message == WM_ACTIVATEAPP && wparam != FALSE;
-    if (is_activated && m_po_font != nullptr && !isBusy())
-        takeUpConfig();
-    if ((message == WM_TIMER && wparam == look_timer) || is_activated)
-        followFiles();
-    if (message == WM_INITMENUPOPUP)
-    {
-        takeTyped();
-        m_menu.enable([this](document_command command) { return isEnabled(command); });
-    }
-    return window::handleMessage(message, wparam, lparam);
-}
-
 // The same model with other fields: the view keeps its place.
 void main_window::showEdited()
 {

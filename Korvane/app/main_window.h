@@ -45,6 +45,8 @@ struct main_window_ports
     std::function<void(const std::string& path)> open_folder; // shows a file in the system's file manager
     edit_keeper& keeper;                                      // of unsaved edits, and what the last program kept
     std::function<bool(const std::string& path)> open_editor; // opens a picture to be painted; false: nothing can
+    std::function<bool(const std::string& path)> open_page;   // shows a page in the browser; false: nothing can
+    std::string guide_folder;                                 // with a separator at its end
     std::shared_ptr<scene_pictures> pictures = {};            // of models, for previews; may be null
 };
 
@@ -140,6 +142,8 @@ private:
     void picked(const shown_group& group);
     void showView(scene_display::focus wanted);
     void savePicture();
+    help_topic helpTopic() const;
+    void showGuide(help_topic topic);
     void showAbout();
     log_port logPort();
 

@@ -1,4 +1,5 @@
-// What happens when a command is given to the main window, by menu, shortcut, button or tab.
+// What happens when a command is given to the main window, by menu, shortcut, button or tab, and what the system tells
+// it.
 
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/copy_paste.h"
@@ -8,6 +9,8 @@
 #include "Korvane/app/tool_commands.h"
 #include "Korvane/document/recent_files.h"
 #include "Korvane/presenters/help_texts.h"
+
+#include <filesystem>
 
 namespace korvane
 {
@@ -38,7 +41,7 @@ void main_window::nameActions()
         {command::legal, [this] { showLegal(*this); }},
         {command::convert_animation, [this] { convertAnimation(*this); }},
         {command::generate_bone_table, [this] { generateBoneTable(*this); }},
-        {command::guide, [this] { showGuide(*this); }},
+        {command::guide, [this] { showGuide(helpTopic()); }},
         {command::about, [this] { showAbout(); }},
         {command::game_folders, [this] { setUpFolders(); }},
         {command::index_cache, [this] { showIndexCache(*this); }},
@@ -132,6 +135,51 @@ void main_window::savePicture()
     if (!maker)
         return setStatus("There is nothing to be seen in the 3D view yet.");
     korvane::savePicture(*this, maker, m_document.shownName() + ".png");
+}
+
+LRESULT main_window::handleMessage(UINT message, WPARAM wparam, LPARAM lparam)
+{
+    if (message == WM_ENDSESSION && wparam != 0) // the system ends the program now and asks nobody
+    {
+        std::string where;
+        failure why;
+        if (m_ports.keeper.keep(where, why) == edit_keeper::outcome::failed)
+            logLine("main_window: the changes that were not saved could not be kept: " + describe(why));
+    }
+    const bool is_activated = message == WM_ACTIVATEAPP && wparam != FALSE;
+    if (is_activated && m_po_font != nullptr && !isBusy())
+        takeUpConfig();
+    if ((message == WM_TIMER && wparam == look_timer) || is_activated)
+        followFiles();
+    if (message == WM_INITMENUPOPUP)
+    {
+        takeTyped();
+        m_menu.enable([this](document_command command) { return isEnabled(command); });
+    }
+    if (message == WM_HELP) // of a dialog; the system's own for F1, which is a command here, has no context
+        if (const auto* const about = reinterpret_cast<const HELPINFO*>(lparam); about->dwContextId != 0)
+            return showGuide(static_cast<help_topic>(about->dwContextId)), TRUE;
+    return window::handleMessage(message, wparam, lparam);
+}
+
+// Of what is worked with.
+help_topic main_window::helpTopic() const
+{
+    return m_playback_box.isOpen() && GetActiveWindow() == m_playback_box.handle() ? help_topic::playing
+                                                                                   : shownPage().helpTopic();
+}
+
+void main_window::showGuide(help_topic topic)
+{
+    std::error_code error;
+    const std::filesystem::path temporary = std::filesystem::temp_directory_path(error);
+    failure why;
+    const std::optional<std::string> way = wayIntoGuide({m_ports.guide_folder, toUtf8(temporary / "")}, topic, why);
+    if (!way)
+        m_ports.prompt.show("Guide", "The guide cannot be shown.\r\n\r\n" + describe(why), prompt_icon::error);
+    else if (!m_ports.open_page(*way))
+        m_ports.prompt.show("Guide", "No program opens pages here. Open this one with a browser:\r\n\r\n" + *way,
+                            prompt_icon::error);
 }
 
 void main_window::showAbout()

@@ -87,6 +87,16 @@ HWND model_page::firstControl() const
     return host().document().model().hasModel() && hasControls() ? m_panels.lodList() : m_empty.firstControl();
 }
 
+help_topic model_page::helpTopic() const
+{
+    if (!host().document().model().hasModel())
+        return host().document().game()->hasArchives() ? help_topic::unit : help_topic::first_start;
+    const HWND focus = GetFocus();
+    if (m_textures.isOpen() && IsChild(m_textures.handle(), focus))
+        return help_topic::repaint;
+    return focus != nullptr && GetDlgCtrlID(focus) == control_tool_alpha_mode ? help_topic::alpha : help_topic::unit;
+}
+
 std::string model_page::copiedText() const
 {
     const std::string path = m_textures.focusedPath();

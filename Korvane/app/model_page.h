@@ -23,6 +23,7 @@ public:
     void showDocument() override;
     void showSelection() override;
     HWND firstControl() const override;
+    help_topic helpTopic() const override;
     std::string copiedText() const override;      // the path of a texture row, or the group as a text
     bool paste(const std::string& text) override; // a path, into a texture row
     void takeTyped() override { m_textures.takeTyped(); }

@@ -9,6 +9,7 @@
 #include "EASY_GUI/win32/window.h"
 #include "Korvane/document/model_commands.h"
 #include "Korvane/document/open_files.h"
+#include "Korvane/presenters/help_topics.h"
 
 #include <functional>
 #include <memory>
@@ -57,6 +58,12 @@ public:
     virtual bool work(const std::string& title, const std::function<void(const work_port&)>& work) = 0;
 };
 
+// For dialog_settings::help.
+inline DWORD helpContext(help_topic topic)
+{
+    return static_cast<DWORD>(topic);
+}
+
 class page : public window
 {
 public:
@@ -80,6 +87,8 @@ public:
     virtual bool paste(const std::string& /*text*/) { return false; }
     // Escape that no control has used (IDCANCEL), or a command of command_ids.h that is the page's own.
     virtual bool onPageKey(int /*command*/) { return false; }
+    // Where the guide opens, with the focus where it is.
+    virtual help_topic helpTopic() const = 0;
     // What the person arranged here, for the next start. True when the configuration changed.
     virtual bool keep(config_file& /*config*/) const { return false; }
 

@@ -20,7 +20,11 @@ public:
     static constexpr int accepted = 1;
 
     // The settings outlive the dialog, which changes them.
-    explicit picture_dialog(picture_settings& settings) : dialog_box({"Save Picture", {}}), m_settings(settings) {}
+    explicit picture_dialog(picture_settings& settings)
+        : dialog_box({"Save Picture", {}, false, helpContext(help_topic::pictures)})
+        , m_settings(settings)
+    {
+    }
     ~picture_dialog() override { destroy(); }
 
 protected:

@@ -31,7 +31,7 @@ bool isDisabled(HWND control)
 } // namespace
 
 playback_box::playback_box(page_host& host, scene_display& display)
-    : dialog_box({"Play Animation", {500, 520}, true})
+    : dialog_box({"Play Animation", {500, 520}, true, helpContext(help_topic::playing)})
     , m_host(host)
     , m_display(display)
     , m_picker([&host](const std::string& line) { host.logLine(line); })

@@ -25,6 +25,7 @@ public:
 
     void showDocument() override;
     HWND firstControl() const override;
+    help_topic helpTopic() const override { return help_topic::checks; }
     std::string copiedText() const override; // the chosen findings, a line each
     bool keep(config_file& config) const override;
     bool isChecking() const { return m_is_due || m_check.isRunning(); }

@@ -2,6 +2,7 @@
 
 #include "D3D11_RENDER_LIB/d3d_check.h"
 #include "EASY_GUI/services/config_file.h"
+#include "EASY_GUI/services/file_system.h"
 #include "EASY_GUI/services/kernel_handle_win.h"
 #include "EASY_GUI/services/log_file.h"
 #include "EASY_GUI/win32/handle_policies.h"
@@ -96,22 +97,27 @@ void openFolderOf(const std::string& path)
     ShellExecuteW(nullptr, nullptr, L"explorer.exe", arguments.c_str(), nullptr, SW_SHOWNORMAL);
 }
 
+bool openWith(const wchar_t* verb, const std::string& path)
+{
+    SHELLEXECUTEINFOW wanted{};
+    wanted.cbSize = sizeof wanted;
+    wanted.fMask = SEE_MASK_FLAG_NO_UI | SEE_MASK_NOASYNC;
+    wanted.lpVerb = verb;
+    const std::wstring file = toWide(path);
+    wanted.lpFile = file.c_str();
+    wanted.nShow = SW_SHOWNORMAL;
+    return ShellExecuteExW(&wanted) != 0;
+}
+
+bool openPage(const std::string& path)
+{
+    return openWith(L"open", path);
+}
+
 // Painted in what a person has set up for that; a program that only shows pictures comes second.
 bool openEditor(const std::string& path)
 {
-    for (const wchar_t* const verb : {L"edit", L"open"})
-    {
-        SHELLEXECUTEINFOW wanted{};
-        wanted.cbSize = sizeof wanted;
-        wanted.fMask = SEE_MASK_FLAG_NO_UI | SEE_MASK_NOASYNC;
-        wanted.lpVerb = verb;
-        const std::wstring file = toWide(path);
-        wanted.lpFile = file.c_str();
-        wanted.nShow = SW_SHOWNORMAL;
-        if (ShellExecuteExW(&wanted))
-            return true;
-    }
-    return false;
+    return openWith(L"edit", path) || openWith(L"open", path);
 }
 
 constexpr int exit_status = 3; // that of abort()
@@ -172,7 +178,7 @@ int runProgram(const std::string& command_line, log_file& log, edit_keeper& keep
         end.setOwner(owner);
     };
     main_window window({config, "", log, "log.txt", prompt, set_owner, &makeD3dModelView, &openFolderOf, keeper,
-                        &openEditor, std::make_shared<preview_pictures>()},
+                        &openEditor, &openPage, executableFolder(), std::make_shared<preview_pictures>()},
                        command_line, filesOfCommandLine());
     failure why;
     if (!end.open(why) || !window.open(why))

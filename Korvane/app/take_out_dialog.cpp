@@ -8,7 +8,7 @@ namespace korvane
 {
 
 take_out_dialog::take_out_dialog(page_host& host, take_out_choices& choices, std::string note, bool has_textures)
-    : dialog_box({"Take Out", {520, 0}})
+    : dialog_box({"Take Out", {520, 0}, false, helpContext(help_topic::taking_out)})
     , m_host(host)
     , m_choices(choices)
     , m_files(std::move(note))

@@ -39,7 +39,7 @@ class report_dialog : public dialog_box
 {
 public:
     report_dialog(page_host& host, const std::string& title, std::string report)
-        : dialog_box({title, {620, 420}, true})
+        : dialog_box({title, {620, 420}, true, helpContext(help_topic::checks)})
         , m_host(host)
         , m_report(std::move(report))
     {

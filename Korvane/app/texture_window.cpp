@@ -26,7 +26,7 @@ void fill(combo_box& box, const std::vector<std::string>& entries, int chosen)
 } // namespace
 
 texture_window::texture_window(page_host& host)
-    : file_window(host, {"View Texture", {720, 560}, true})
+    : file_window(host, {"View Texture", {720, 560}, true, helpContext(help_topic::archives)})
     , m_opening(host.thread(),
                 {{}, {}, [this](const std::string& what) { m_image.setEmpty("Cannot be shown: " + what); }})
     , m_decoding(host.thread(),

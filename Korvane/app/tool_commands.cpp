@@ -56,12 +56,6 @@ std::string firstTextureFolder(const open_model& model)
 
 } // namespace
 
-void showGuide(page_host& host)
-{
-    help_dialog guide("Guide", {560, 520}, guideTexts());
-    runDialog(host, guide);
-}
-
 void showLegal(page_host& host)
 {
     help_dialog legal("Legal Info About FBX SDK", {440, 280}, legalTexts());

@@ -10,7 +10,6 @@
 namespace korvane
 {
 
-void showGuide(page_host& host);
 void showLegal(page_host& host);
 void testModel(page_host& host); // with a model open
 void replacePathPrefix(page_host& host);

@@ -1,6 +1,6 @@
 #pragma once
 
-// The texts of the Help menu: how the usual things are done, what the program is, whose code it uses. Texts are UTF-8.
+// The texts of the Help menu: what the program is, whose code it uses. Texts are UTF-8.
 
 #include <string>
 #include <vector>
@@ -14,8 +14,6 @@ struct help_paragraph
     std::string text; // "\n" ends a line
 };
 
-// With the shortcuts of the command table at its end.
-[[nodiscard]] std::vector<help_paragraph> guideTexts();
 [[nodiscard]] std::vector<help_paragraph> legalTexts(); // about FBX
 [[nodiscard]] std::string aboutText();                  // lines end in "\r\n"
 

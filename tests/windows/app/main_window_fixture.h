@@ -226,7 +226,9 @@ protected:
                               },
                               [this](const std::string& path) { m_opened_folder = path; },
                               m_keeper,
-                              [this](const std::string& path) { return m_edited_picture = path, true; }},
+                              [this](const std::string& path) { return m_edited_picture = path, true; },
+                              [this](const std::string& path) { return m_opened_page = path, true; },
+                              m_folder},
             "\"" + file + "\"", file.empty() ? std::vector<std::string>() : std::vector{file});
         return m_window->open(why);
     }
@@ -395,6 +397,7 @@ protected:
     bool m_has_graphics = true;
     std::string m_opened_folder;
     std::string m_edited_picture;
+    std::string m_opened_page;
     int m_data_folders = 0;
     std::unique_ptr<main_window> m_window;
     std::unique_ptr<message_loop> m_loop;

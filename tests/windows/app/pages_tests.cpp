@@ -174,11 +174,28 @@ TEST_F(pages_test, dialogsOfCommandsSayAndDoWhatIsAsked)
         inDialog([&] { choose(command); }, act);
     };
     const auto cancel = [](HWND shown) { PostMessageW(shown, WM_CLOSE, 0, 0); };
-    commandWith(document_command::guide, cancel);
     commandWith(document_command::legal, cancel);
     commandWith(document_command::test, cancel);
     EXPECT_EQ(happened().substr(0, 16), "The test is done");
-    commandWith(document_command::replace_path_prefix, [](HWND shown) {
+    // The guide opens at what is worked with: page, field, dialog.
+    const auto leadsTo = [this](const std::string& place) {
+        const std::string page = m_opened_page.empty() ? "" : test::readBytes(m_opened_page);
+        m_opened_page.clear();
+        return page.find("guide.html" + place + "\"") != page.npos;
+    };
+    choose(document_command::guide);
+    EXPECT_TRUE(m_opened_page.empty() && m_prompt.shown.back().second.find("the guide is not there") != std::string::npos);
+    write("guide.html", "<p>Guide</p>");
+    SetFocus(find(control_tool_alpha_mode));
+    press(VK_F1);
+    EXPECT_TRUE(leadsTo("#alpha"));
+    SetFocus(find(control_lod));
+    press(VK_F1);
+    EXPECT_TRUE(leadsTo("#unit"));
+    commandWith(document_command::replace_path_prefix, [&](HWND shown) {
+        PostMessageW(GetDlgItem(shown, control_prefix_replacement), WM_KEYDOWN, VK_F1, 0);
+        pump();
+        EXPECT_TRUE(leadsTo("#repaint"));
         SetWindowTextW(GetDlgItem(shown, control_prefix_replacement), L"new/");
         EXPECT_TRUE(IsWindowEnabled(GetDlgItem(shown, control_prefix_replace)));
         SetWindowTextW(GetDlgItem(shown, control_prefix_wanted), L"nothing so");

@@ -1,0 +1,43 @@
+#pragma once
+
+// The guide: one page for a browser, beside the program, with a place for every page and dialog. Texts are UTF-8.
+
+#include "EASY_GUI/services/failure.h"
+
+#include <optional>
+#include <string>
+
+namespace korvane
+{
+
+// What somebody may want to know about where they are. The numbers go through the system's help messages, in which 0 is
+// nothing.
+enum class help_topic
+{
+    none,
+    start,
+    first_start,
+    unit,
+    playing,
+    repaint,
+    alpha,
+    archives,
+    taking_out,
+    cache,
+    blender,
+    animation_back,
+    pictures,
+    checks,
+};
+
+struct guide_place
+{
+    std::string program_folder; // where the guide is; with a separator at its end
+    std::string own_folder;     // in which the page that leads to the topic may be written; the same
+};
+// The file to be opened in the browser, which shows the guide at the topic. It is a small page that leads there: a
+// system that is asked to open a file at a place in it opens it at its start. Nothing, with the reason: there is no
+// guide, or no way into it.
+[[nodiscard]] std::optional<std::string> wayIntoGuide(const guide_place& where, help_topic topic, failure& why);
+
+} // namespace korvane
