@@ -6,7 +6,7 @@ namespace korvane
 {
 
 archive_overview_dialog::archive_overview_dialog(const archive_overview& shown, std::size_t first)
-    : dialog_box({"Archives", {760, 480}, true, helpContext(help_topic::archives)})
+    : dialog_box({"Archives", {760, 480}, true, helpContext(help_topic::archive_order)})
     , m_shown(shown)
     , m_chosen(first)
 {

@@ -16,7 +16,7 @@ namespace korvane
 {
 
 bone_table_dialog::bone_table_dialog(page_host& host)
-    : dialog_box({"Generate .bone_table From .ANIM", {620, 420}, true, helpContext(help_topic::animation_back)})
+    : dialog_box({"Generate .bone_table From .ANIM", {620, 420}, true, helpContext(help_topic::bone_tables)})
     , m_host(host)
     , m_reading(host.thread(), {})
 {

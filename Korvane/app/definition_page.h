@@ -23,7 +23,7 @@ public:
 
     void showDocument() override;
     HWND firstControl() const override;
-    help_topic helpTopic() const override { return help_topic::unit; }
+    help_topic helpTopic() const override { return help_topic::figure; }
     std::string copiedText() const override; // the path of the chosen element, else its text
     bool keep(config_file& config) const override;
 

@@ -178,7 +178,9 @@ void main_window::showGuide(help_topic topic)
     if (!way)
         m_ports.prompt.show("Guide", "The guide cannot be shown.\r\n\r\n" + describe(why), prompt_icon::error);
     else if (!m_ports.open_page(*way))
-        m_ports.prompt.show("Guide", "No program opens pages here. Open this one with a browser:\r\n\r\n" + *way,
+        m_ports.prompt.show("Guide",
+                            "No program opens pages here. Open this one with a browser:\r\n\r\n" +
+                                m_ports.guide_folder + "guide.html",
                             prompt_icon::error);
 }
 

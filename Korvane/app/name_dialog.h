@@ -21,7 +21,7 @@ public:
     using take_name = std::function<std::string(const std::string& name)>;
 
     name_dialog(std::string former, take_name take)
-        : dialog_box({"Rename", {420, 0}, false, helpContext(help_topic::archives)})
+        : dialog_box({"Rename", {420, 0}, false, helpContext(help_topic::own_files)})
         , m_former(std::move(former))
         , m_take(std::move(take))
     {

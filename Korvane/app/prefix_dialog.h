@@ -23,7 +23,7 @@ public:
 
     // The model stays open meanwhile. wanted stands in the first field at first.
     prefix_dialog(const open_model& model, std::string wanted)
-        : dialog_box({"Replace Path Prefix", {640, 420}, true, helpContext(help_topic::repaint)})
+        : dialog_box({"Replace Path Prefix", {640, 420}, true, helpContext(help_topic::path_prefix)})
         , m_model(model)
         , m_wanted(std::move(wanted))
     {

@@ -21,22 +21,32 @@ std::string_view anchorOf(help_topic topic)
         return "#first-start";
     case help_topic::unit:
         return "#unit";
+    case help_topic::figure:
+        return "#unit-what-it-is-made-of";
     case help_topic::playing:
-        return "#unit";
+        return "#unit-play-an-animation";
     case help_topic::repaint:
         return "#repaint";
+    case help_topic::path_prefix:
+        return "#repaint-change-many-paths-at-once";
     case help_topic::alpha:
         return "#alpha";
     case help_topic::archives:
         return "#archives";
+    case help_topic::archive_order:
+        return "#archives-the-order-of-all-archives";
     case help_topic::taking_out:
-        return "#archives";
+        return "#archives-take-files-out";
+    case help_topic::own_files:
+        return "#archives-put-files-into-the-mod-folder";
     case help_topic::cache:
-        return "#archives";
+        return "#first-start-a-quicker-start";
     case help_topic::blender:
         return "#blender";
     case help_topic::animation_back:
-        return "#blender";
+        return "#blender-make-a-game-animation-of-it";
+    case help_topic::bone_tables:
+        return "#blender-bone-tables";
     case help_topic::pictures:
         return "#pictures";
     case help_topic::checks:
@@ -87,9 +97,8 @@ std::optional<std::string> wayIntoGuide(const guide_place& where, help_topic top
     const std::string page = "<!DOCTYPE html><meta charset=\"utf-8\"><title>Korvane</title>"
                              "<meta http-equiv=\"refresh\" content=\"0; url=" +
                              url + "\"><p><a href=\"" + url + "\">Guide</a></p>\n";
-    if (!writeWholeFile(way, page, why))
-        return std::nullopt;
-    return way;
+    failure unused;
+    return writeWholeFile(way, page, unused) ? way : guide;
 }
 
 } // namespace korvane

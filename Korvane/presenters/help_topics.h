@@ -18,14 +18,19 @@ enum class help_topic
     start,
     first_start,
     unit,
+    figure,
     playing,
     repaint,
+    path_prefix,
     alpha,
     archives,
+    archive_order,
     taking_out,
+    own_files,
     cache,
     blender,
     animation_back,
+    bone_tables,
     pictures,
     checks,
 };
@@ -36,8 +41,8 @@ struct guide_place
     std::string own_folder;     // in which the page that leads to the topic may be written; the same
 };
 // The file to be opened in the browser, which shows the guide at the topic. It is a small page that leads there: a
-// system that is asked to open a file at a place in it opens it at its start. Nothing, with the reason: there is no
-// guide, or no way into it.
+// system that is asked to open a file at a place in it opens it at its start. Where that page cannot be written: the
+// guide itself. Nothing, with the reason: there is no guide.
 [[nodiscard]] std::optional<std::string> wayIntoGuide(const guide_place& where, help_topic topic, failure& why);
 
 } // namespace korvane

@@ -184,7 +184,8 @@ TEST_F(pages_test, dialogsOfCommandsSayAndDoWhatIsAsked)
         return page.find("guide.html" + place + "\"") != page.npos;
     };
     choose(document_command::guide);
-    EXPECT_TRUE(m_opened_page.empty() && m_prompt.shown.back().second.find("the guide is not there") != std::string::npos);
+    EXPECT_TRUE(m_opened_page.empty() &&
+                m_prompt.shown.back().second.find("the guide is not there") != std::string::npos);
     write("guide.html", "<p>Guide</p>");
     SetFocus(find(control_tool_alpha_mode));
     press(VK_F1);
@@ -195,7 +196,7 @@ TEST_F(pages_test, dialogsOfCommandsSayAndDoWhatIsAsked)
     commandWith(document_command::replace_path_prefix, [&](HWND shown) {
         PostMessageW(GetDlgItem(shown, control_prefix_replacement), WM_KEYDOWN, VK_F1, 0);
         pump();
-        EXPECT_TRUE(leadsTo("#repaint"));
+        EXPECT_TRUE(leadsTo("#repaint-change-many-paths-at-once"));
         SetWindowTextW(GetDlgItem(shown, control_prefix_replacement), L"new/");
         EXPECT_TRUE(IsWindowEnabled(GetDlgItem(shown, control_prefix_replace)));
         SetWindowTextW(GetDlgItem(shown, control_prefix_wanted), L"nothing so");
