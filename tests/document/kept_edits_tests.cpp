@@ -114,7 +114,7 @@ TEST_F(kept_edits_test, editsLieOnTheDiskAMomentLaterUntilTheyAreSavedOrUndone)
     const auto becomes = [this](const std::function<bool(const std::string& note)>& is_true) {
         const std::string note = m_kept + "/1/origin.txt";
         std::error_code error;
-        for (int i = 0; i < 500; ++i, std::this_thread::sleep_for(std::chrono::milliseconds(10)))
+        for (int i = 0; i < 6000; ++i, std::this_thread::sleep_for(std::chrono::milliseconds(10)))
             if (is_true(std::filesystem::exists(toPath(note), error) ? readBytes(note) : ""))
                 return true;
         return false;

@@ -34,7 +34,7 @@ protected:
         failure why;
         ASSERT_TRUE(later.open(why)) << describe(why);
         std::size_t done = 0;
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(120);
         const std::function<void()> go = [&] {
             const HWND shown = dialog_box::innermost();
             if (shown != nullptr && (done == steps.size() || std::chrono::steady_clock::now() > end))

@@ -38,7 +38,7 @@ protected:
         ui_thread later;
         failure why;
         ASSERT_TRUE(later.open(why)) << describe(why);
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(120);
         std::size_t next = 0;
         const std::function<void()> look = [&] {
             const HWND shown = dialog_box::innermost();

@@ -284,7 +284,7 @@ protected:
     }
     bool pumpUntil(const std::function<bool()>& is_true)
     {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (!is_true() && std::chrono::steady_clock::now() < end)
         {
             MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);

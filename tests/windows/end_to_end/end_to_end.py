@@ -45,7 +45,7 @@ def windows_path(path):
 def probe(*arguments):
     """The probe's answer; None when there is no such window or control."""
     done = subprocess.run([EMULATOR, PROBE] + [str(argument) for argument in arguments], stdin=subprocess.DEVNULL,
-                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=120)
+                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=300)
     if done.returncode == 2:
         raise AssertionError("wrong use of the probe: %r" % (arguments,))
     if done.returncode != 0:
@@ -61,7 +61,7 @@ def press(*keys):
     subprocess.run(["xdotool", "key", *keys], check=True, timeout=30)
 
 
-def wait_until(condition, seconds=30):
+def wait_until(condition, seconds=120):
     end = time.monotonic() + seconds
     while not condition():
         if time.monotonic() > end:
@@ -201,7 +201,7 @@ class session(unittest.TestCase):
         if self.running and self.running.poll() is None:
             probe("close", TITLE)
             try:
-                self.running.wait(20)
+                self.running.wait(120)
             except subprocess.TimeoutExpired:
                 self.running.kill()
                 self.fail("the program did not end")
@@ -209,12 +209,12 @@ class session(unittest.TestCase):
     def kill(self):
         """The program itself, and not only what has started it."""
         subprocess.run(["pkill", "-KILL", "-f", os.path.basename(self.path("").rstrip("/")) + "/Korvane.exe"], check=True)
-        self.running.wait(30)
+        self.running.wait(120)
 
     def close(self):
         """Ends the program as a person does; its exit status."""
         self.assertTrue(probe("close", TITLE))
-        return self.running.wait(30)
+        return self.running.wait(120)
 
     def log(self):
         with open(self.path("log.txt"), "rb") as file:
@@ -239,8 +239,8 @@ class session(unittest.TestCase):
         model = self.make_demo()
         self.start(windows_path(model))
         title = TITLE + "   RMV2: [" + os.path.basename(model) + "] VMD: [no file loaded]"
-        self.assertEqual(probe("wait", title, 60), title)
-        self.assertTrue(probe("wait", VIEW, 60), "the view did not open: " + self.log())
+        self.assertEqual(probe("wait", title, 120), title)
+        self.assertTrue(probe("wait", VIEW, 120), "the view did not open: " + self.log())
         shown = texts(TITLE)
         self.assertEqual(shown[PATH], windows_path(model))
         self.assertEqual(shown[VERSION], str(self.oracle["version"]))
@@ -275,7 +275,7 @@ class session(unittest.TestCase):
         self.assertTrue(probe("close", VIEW))
         self.assertTrue(probe("gone", VIEW, 20))
         self.assertTrue(probe("click", TITLE, SHOW_VIEW))
-        self.assertTrue(probe("wait", VIEW, 20))
+        self.assertTrue(probe("wait", VIEW, 120))
         log = self.log()
         for line in ("Korvane 0.X debugging log", "assigning accelerators ",
                      "main_window::onCreated(). command line processed: " + windows_path(model),
@@ -312,7 +312,7 @@ class session(unittest.TestCase):
             overlap = len(drawn & expected) / max(1, len(drawn | expected))
             return overlap > 0.95 and texts(TITLE)[STATUS].endswith(status)
 
-        self.assertTrue(wait_until(figure_is_there, 60), "only %.2f of the silhouette agrees with the models; %s; %s" %
+        self.assertTrue(wait_until(figure_is_there), "only %.2f of the silhouette agrees with the models; %s; %s" %
                         (overlap, texts(TITLE)[STATUS], self.log()))
         print("silhouette agrees by %.3f" % overlap)
         return rows
@@ -324,15 +324,15 @@ class session(unittest.TestCase):
                      windows_path(demo) + "\\")
         self.start("pack:" + DEFINITION)
         title = TITLE + "   RMV2: [no file loaded] VMD: [demo_guard.variantmeshdefinition]"
-        self.assertEqual(probe("wait", title, 60), title)
-        self.assertTrue(probe("wait", VIEW, 60), "the view did not open: " + self.log())
+        self.assertEqual(probe("wait", title, 120), title)
+        self.assertTrue(probe("wait", VIEW, 120), "the view did not open: " + self.log())
         self.expect_figure(model, status)
 
         def green_share():
             return share_of_colour(picture(probe("place", VIEW)), lambda r, g, b: g > r + 25 and g > b + 25)
 
         # The textures come after the figure.
-        self.assertTrue(wait_until(lambda: green_share() > 0.005, 30),
+        self.assertTrue(wait_until(lambda: green_share() > 0.005),
                         "the mod's green is not seen: its textures do not win")
         green = green_share()
 
@@ -343,10 +343,10 @@ class session(unittest.TestCase):
         left, top, _, _ = probe("place", TITLE)
         subprocess.run(["xdotool", "mousemove", str(left + 200), str(top - 30), "click", "1"], check=True, timeout=30)
         press("alt+f")
-        time.sleep(0.5)  # until the menu is there
+        time.sleep(2)  # until the menu is there
         press("p")  # Re-read .pack files...
         self.expect_figure(model, without_mod)
-        self.assertTrue(wait_until(lambda: green_share() < green / 10, 30),
+        self.assertTrue(wait_until(lambda: green_share() < green / 10),
                         "the mod's green is still there")
         self.assertEqual(self.log().count("Initializing virtual file system (.pack reading)..."), 2)
         self.assertEqual(self.close(), 0)
@@ -359,21 +359,21 @@ class session(unittest.TestCase):
         with open(model, "rb") as whole, open(broken, "wb") as cut:
             cut.write(whole.read(1000))
         self.start(windows_path(model))
-        self.assertTrue(probe("wait", TITLE + "   RMV2: [my", 60))
-        self.assertTrue(probe("wait", VIEW, 60))
+        self.assertTrue(probe("wait", TITLE + "   RMV2: [my", 120))
+        self.assertTrue(probe("wait", VIEW, 120))
         before = settled(lambda: texts(TITLE))
 
         press("ctrl+o")
-        self.assertTrue(probe("wait", "Open File", 30), "Ctrl+O shows no dialog")
-        time.sleep(0.3)  # until the dialog's edit field has the focus
+        self.assertTrue(probe("wait", "Open File", 120), "Ctrl+O shows no dialog")
+        time.sleep(2)  # until the dialog's edit field has the focus
         subprocess.run(["xdotool", "type", "--delay", "5", windows_path(broken)], check=True, timeout=60)
         press("Return")
-        self.assertTrue(probe("wait", "Error!", 30), "the broken file is not reported")
+        self.assertTrue(probe("wait", "Error!", 120), "the broken file is not reported")
         message = " ".join(control["text"] for control in probe("texts", "Error!"))
         self.assertIn("broken.rigid_model_v2", message)
         self.assertIn("byte ", message)
         press("Return")
-        self.assertTrue(probe("gone", "Error!", 20))
+        self.assertTrue(probe("gone", "Error!", 120))
         self.assertEqual(texts(TITLE), before)
         self.assertTrue(probe("wait", TITLE + "   RMV2: [my", 1))
         self.assertEqual(self.close(), 0)
@@ -388,10 +388,10 @@ class session(unittest.TestCase):
         self.assertNotEqual(former, edited)
         title = TITLE + "   RMV2: [" + os.path.basename(model)
         self.start(windows_path(model))
-        self.assertTrue(probe("wait", title, 60))
+        self.assertTrue(probe("wait", title, 120))
         unedited = probe("wait", title, 1)
         self.assertTrue(probe("choose", TITLE, ALPHA, 1))
-        self.assertEqual(probe("wait", title, 1), unedited + "*[edited]")
+        self.assertTrue(wait_until(lambda: probe("wait", title, 1) == unedited + "*[edited]"))
         self.assertTrue(probe("command", TITLE, UNDO))
         self.assertTrue(wait_until(lambda: probe("wait", title, 1) == unedited))
         self.assertTrue(probe("command", TITLE, REDO))
@@ -412,7 +412,7 @@ class session(unittest.TestCase):
             with open(model, "wb") as file:
                 file.write(edited)
             self.start(windows_path(model))
-            self.assertTrue(probe("wait", title, 60))
+            self.assertTrue(probe("wait", title, 120))
         self.assertEqual(self.close(), 0)
 
 

@@ -34,7 +34,7 @@ void pump()
 }
 
 template <class condition>
-bool pumpUntil(condition&& holds, std::chrono::milliseconds patience = 20s)
+bool pumpUntil(condition&& holds, std::chrono::milliseconds patience = 60s)
 {
     const auto until = clock::now() + patience;
     while (!holds())
@@ -72,21 +72,24 @@ protected:
         ASSERT_TRUE(pumpUntil([this] { return m_window->framesDrawn() > 0; }));
         settle();
     }
-    // Until no frame was drawn for a while.
+    // Until no frame was drawn for a while: a longer one where a frame takes long.
     void settle()
     {
+        const auto begin = clock::now();
+        ASSERT_TRUE(drawsAfter([this] { m_window->redraw(); }));
+        const auto frame = std::chrono::duration_cast<std::chrono::milliseconds>(clock::now() - begin);
         std::uint64_t frames = 0;
         do
         {
             frames = m_window->framesDrawn();
-            pumpUntil([] { return false; }, 250ms);
+            pumpUntil([] { return false; }, 250ms + 10 * frame);
         } while (frames != m_window->framesDrawn());
     }
     bool drawsAfter(const std::function<void()>& action)
     {
         const std::uint64_t frames = m_window->framesDrawn();
         action();
-        return pumpUntil([&] { return m_window->framesDrawn() > frames; }, 5s);
+        return pumpUntil([&] { return m_window->framesDrawn() > frames; });
     }
 
     std::vector<std::string> m_lines;

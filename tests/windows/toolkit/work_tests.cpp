@@ -26,7 +26,7 @@ protected:
     }
     static void pumpUntil(const std::function<bool()>& is_so)
     {
-        const auto end = std::chrono::steady_clock::now() + 10s;
+        const auto end = std::chrono::steady_clock::now() + 60s;
         while (!is_so() && std::chrono::steady_clock::now() < end)
         {
             MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
@@ -36,7 +36,7 @@ protected:
     }
     static void waitForStop(const work_port& port)
     {
-        const auto end = std::chrono::steady_clock::now() + 10s;
+        const auto end = std::chrono::steady_clock::now() + 60s;
         while (!port.isStopped() && std::chrono::steady_clock::now() < end)
             std::this_thread::sleep_for(1ms);
     }
