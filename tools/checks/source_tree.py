@@ -10,6 +10,7 @@ import tempfile
 IGNORED_FOLDERS = {"build", ".git", ".cache", "__pycache__"}
 BINARY_ENDINGS = (".png", ".ico", ".cso", ".dds", ".rigid_model_v2", ".pyc")
 CPP_ENDINGS = (".h", ".cpp")
+only = None  # a set of paths: files() gives none but these
 
 
 def files(root, endings=None):
@@ -17,9 +18,10 @@ def files(root, endings=None):
     result = []
     for folder, folders, names in os.walk(root):
         folders[:] = [name for name in folders if name not in IGNORED_FOLDERS]
-        for name in set(names) - IGNORED_FOLDERS:  # in a work tree of its own, .git is a file
+        for name in set(names) - {".git"}:  # a file in a work tree of its own
             path = os.path.relpath(os.path.join(folder, name), root).replace(os.sep, "/")
-            if not path.endswith(BINARY_ENDINGS) and (endings is None or path.endswith(endings)):
+            if not path.endswith(BINARY_ENDINGS) and (endings is None or path.endswith(endings)) and (
+                    only is None or path in only):
                 result.append(path)
     return sorted(result)
 
@@ -47,10 +49,12 @@ def self_test(find, trees):
 
 
 def main(find, trees, has_trees=True):
-    """The exit status is 1 when the self-test fails or the tree has a fault. has_trees: false for a check that has
-    tested itself on something else."""
+    """CHECK [ROOT [FILE...]]: the exit status is 1 when the self-test fails or the tree, or those files of it, have a
+    fault. has_trees: false for a check that has tested itself on something else."""
+    global only
     if has_trees and not self_test(find, trees):
         sys.exit(1)
+    only = set(sys.argv[2:]) or None
     root = sys.argv[1] if len(sys.argv) > 1 else os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
     complaints = list(find(os.path.realpath(root)))
     for complaint in complaints:
