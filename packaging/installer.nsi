@@ -77,7 +77,9 @@ Section "Korvane" program
 SectionEnd
 
 Section "Start menu" menu
-  CreateShortcut "$SMPROGRAMS\Korvane.lnk" "$INSTDIR\Korvane.exe"
+  CreateDirectory "$SMPROGRAMS\Korvane"
+  CreateShortcut "$SMPROGRAMS\Korvane\Korvane.lnk" "$INSTDIR\Korvane.exe"
+  CreateShortcut "$SMPROGRAMS\Korvane\Korvane Guide.lnk" "$INSTDIR\guide.html"
 SectionEnd
 
 Section /o "Double clicks open models and definitions" associations
@@ -115,7 +117,7 @@ SectionEnd
 
 !insertmacro MUI_FUNCTION_DESCRIPTION_BEGIN
   !insertmacro MUI_DESCRIPTION_TEXT ${program} "The program, its console twin and the guide."
-  !insertmacro MUI_DESCRIPTION_TEXT ${menu} "An entry in the start menu."
+  !insertmacro MUI_DESCRIPTION_TEXT ${menu} "The program and its guide, in the start menu."
   !insertmacro MUI_DESCRIPTION_TEXT ${associations} "For .rigid_model_v2 and .variantmeshdefinition."
   !insertmacro MUI_DESCRIPTION_TEXT ${path} "korvane-cli is found from any folder of a console."
 !insertmacro MUI_FUNCTION_DESCRIPTION_END
@@ -138,7 +140,9 @@ Section "Uninstall"
   ; What was installed, file by file: the folder may hold what the person put there.
   !include "${LIST}"
   Delete "$INSTDIR\uninstall.exe"
-  Delete "$SMPROGRAMS\Korvane.lnk"
+  Delete "$SMPROGRAMS\Korvane\Korvane.lnk"
+  Delete "$SMPROGRAMS\Korvane\Korvane Guide.lnk"
+  RMDir "$SMPROGRAMS\Korvane"
   StrCpy $1 ""
   ${GetParameters} $0
   ClearErrors

@@ -5,6 +5,7 @@
 #include "EASY_GUI/win32/dialog_box.h"
 #include "EASY_GUI/win32/edit_box.h"
 #include "EASY_GUI/win32/label.h"
+#include "Korvane/app/page.h"
 
 #include <functional>
 #include <string>

@@ -7,6 +7,7 @@
 #include "EASY_GUI/win32/edit_box.h"
 #include "EASY_GUI/win32/label.h"
 #include "EASY_GUI/win32/list_view.h"
+#include "Korvane/app/page.h"
 #include "Korvane/document/change_list.h"
 #include "Korvane/document/open_model.h"
 
