@@ -18,7 +18,7 @@ scene_group sceneGroup(const group_data& group)
 {
     scene_group result;
     result.store = &group.store;
-    result.has_alpha = group.alpha_mode == 1;
+    result.has_alpha = (group.alpha_mode_field.isEdited() ? group.alpha_mode_field.u32() : group.alpha_mode) == 1;
     result.has_weights = group.header.vertex_format == 3 || group.header.vertex_format == 4;
     for (std::size_t slot = 0; slot < texture_slot_count; ++slot)
     {

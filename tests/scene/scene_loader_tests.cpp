@@ -99,7 +99,12 @@ TEST_F(scene_loader_test, texturesTakeTheFirstEntryOfTheirTypeAndAreShared)
     fixed_field& path = edited.lods[0].groups[0].textures[0].path_field;
     path = fixed_field(0, stored, field_mode::zero_padded);
     path.setText("second");
-    EXPECT_EQ(loader().loadModel(lent(edited), "Z:/m")->parts[0].textures[0][diffuse_slot]->path(), "second");
+    fixed_field& alpha = edited.lods[0].groups[0].alpha_mode_field;
+    alpha = fixed_field(0, std::span(stored).first(4), field_mode::raw);
+    alpha.setU32(1);
+    const scene_pointer shown = loader().loadModel(lent(edited), "Z:/m");
+    EXPECT_EQ(shown->parts[0].textures[0][diffuse_slot]->path(), "second");
+    EXPECT_TRUE(shown->parts[0].groups()[0].has_alpha);
 }
 
 TEST_F(scene_loader_test, texturesEndAtTheFirstGroupWithoutItsMainOnes)
