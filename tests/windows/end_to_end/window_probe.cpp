@@ -9,7 +9,7 @@
 //   window_probe click TITLE ID            a button
 //   window_probe close TITLE               asks the window to close
 //   window_probe lose TITLE STEP TIMES     the view's next steps lose the graphics device (Korvane/viewer/d3d_window.h)
-//   window_probe place TITLE               its client area on the screen: [left, top, width, height]
+//   window_probe place TITLE [ID]          its client area on the screen, or a control's: [left, top, width, height]
 
 #include "EASY_GUI/win32/wide_text.h"
 
@@ -156,10 +156,11 @@ int act(const std::wstring& action, HWND window, const std::vector<int>& numbers
         printControls(window);
     else if (action == L"place")
     {
+        const HWND of = numbers.empty() ? window : controlOf(window, numbers[0]);
         RECT client{};
         POINT origin{};
-        GetClientRect(window, &client);
-        ClientToScreen(window, &origin);
+        if (!GetClientRect(of, &client) || !ClientToScreen(of, &origin))
+            return 1;
         std::printf("[%ld, %ld, %ld, %ld]\n", origin.x, origin.y, client.right, client.bottom);
     }
     else if (action == L"close")
