@@ -211,6 +211,36 @@ TEST(entry_stream, givesWhatTheWholeReadGivesAndFailsWhereItFails)
     }
 }
 
+TEST(pack_entry, anArchiveThatGotShorterWhileItIsOpenIsSaidHoweverItIsRead)
+{
+    test::test_pack pack;
+    pack.magic = "PFH5";
+    pack.entries = {{"plain", contents(), 0}, {"packed", withLength(contents().size(), zstd(contents())), 1}};
+    const test::temporary_folder folder;
+    const std::string path = folder.file("x.pack");
+    path_tree tree;
+    enterPack(tree, pack, path);
+    std::error_code error;
+    std::filesystem::resize_file(toPath(path), 40, error);
+    const bool is_whole = error.operator bool(); // where nobody may change an open file
+    for (const pack_file_node& entry : tree.entries().front())
+    {
+        memory_file whole;
+        std::vector<std::byte> start(100);
+        std::size_t count = 0;
+        entry_stream stream(entry);
+        std::span<const std::byte> piece;
+        failure of_whole, of_start, of_stream;
+        EXPECT_EQ(readEntry(entry, whole, of_whole), is_whole);
+        EXPECT_EQ(readEntryStart(entry, start, count, of_start), is_whole);
+        EXPECT_EQ(stream.next(piece, of_stream), is_whole);
+        for (const failure& why : {of_whole, of_start, of_stream})
+            EXPECT_TRUE(is_whole || (why.kind == failure_kind::unreadable && why.offset == entry.offset() &&
+                                     why.path.find("x.pack") != std::string::npos))
+                << describe(why);
+    }
+}
+
 TEST(entry_start, isTheBeginningOfTheWholeEntry)
 {
     const std::string text = contents();

@@ -4,8 +4,38 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
+#include <cstdarg>
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace
+{
+
+bool refuses_nameless_files = false;
+int refused = 0;
+
+} // namespace
+
+// This program's own: that of the C library but for file systems that know no file without a name.
+extern "C" int open(const char* path, int flags, ...)
+{
+    std::va_list rest;
+    va_start(rest, flags);
+    const auto mode = va_arg(rest, mode_t); // not looked at where there is none
+    va_end(rest);
+    if (refuses_nameless_files && (flags & O_TMPFILE) == O_TMPFILE)
+    {
+        ++refused;
+        errno = EOPNOTSUPP;
+        return -1;
+    }
+    return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+}
 
 namespace korvane
 {
@@ -71,6 +101,32 @@ TEST(full_disk, theConfigurationStaysWhole)
     EXPECT_FALSE(is_saved);
     EXPECT_EQ(test::readBytes(path), "a=1;");
     EXPECT_EQ(folder.fileCount(), 1u);
+}
+
+TEST(whole_file, isWrittenInTheSameWayWhereEveryFileHasAName)
+{
+    refuses_nameless_files = true;
+    const test::temporary_folder folder;
+    const std::string path = folder.file("model.bin");
+    failure why;
+    for (const std::string& content : {std::string("first"), std::string(3 << 20, 'x'), std::string("old content")})
+    {
+        ASSERT_TRUE(writeWholeFile(path, content, why)) << describe(why);
+        EXPECT_EQ(test::readBytes(path), content);
+        ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
+    }
+    struct stat present = {};
+    EXPECT_TRUE(::stat(path.c_str(), &present) == 0 && (present.st_mode & 07777) == 0640) << "its permissions stay";
+    bool is_written = true;
+    {
+        const tiny_disk disk(100);
+        is_written = writeWholeFile(path, std::string(5000, 'x'), why);
+    }
+    EXPECT_FALSE(is_written);
+    EXPECT_EQ(test::readBytes(path), "old content");
+    EXPECT_EQ(folder.fileCount(), 1u) << "no temporary file";
+    EXPECT_EQ(refused, 4);
+    refuses_nameless_files = false;
 }
 
 } // namespace korvane
