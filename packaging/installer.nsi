@@ -1,5 +1,5 @@
 ; The installer: for one person, into a folder that he may write to, for settings stand beside the program. It never asks
-; for an administrator's rights. packaging/build calls it with VERSION, FILES (the folder that is packed) and OUTPUT.
+; for an administrator's rights. packaging/build calls it with VERSION, FILES (the folder that is packed), SIDE (a picture) and OUTPUT.
 ;
 ; Silently: /S, /D=FOLDER (as the last), /PATH (the console program is found from anywhere), /FILES (double clicks open
 ; models and definitions). The uninstaller keeps settings unless it is told otherwise; silently /SETTINGS removes them.
@@ -29,7 +29,12 @@ ${UnStrRep}
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
 !define MUI_ABORTWARNING
+!define MUI_WELCOMEFINISHPAGE_BITMAP "${SIDE}"
+!define MUI_COMPONENTSPAGE_SMALLDESC
 !define MUI_FINISHPAGE_RUN "$INSTDIR\Korvane.exe"
+!define MUI_FINISHPAGE_SHOWREADME "$INSTDIR\guide.html"
+!define MUI_FINISHPAGE_SHOWREADME_TEXT "Show the guide"
+!define MUI_FINISHPAGE_SHOWREADME_NOTCHECKED
 !insertmacro MUI_PAGE_LICENSE "${FILES}/LICENSE.txt"
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_COMPONENTS
