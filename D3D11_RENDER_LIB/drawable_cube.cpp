@@ -15,8 +15,8 @@ namespace korvane
 namespace
 {
 
-constexpr char source_name[] = "drawable_cube";
-constexpr float size = 0.035f; // of half an edge, in the world of the view
+constexpr char drawable_cube_source[] = "drawable_cube";
+constexpr float edge_half = 0.035f; // in the world of the view
 constexpr const wchar_t* compiler_library = L"d3dcompiler_47.dll";
 
 constexpr std::string_view vertex_source = R"(
@@ -118,15 +118,15 @@ bool drawable_cube::create(lib3d& library, const log_port& log)
     const std::vector<gpu_line_vertex> vertices = cubeVertices();
     return library.isMade(device.CreateVertexShader(vertex_code->GetBufferPointer(), vertex_code->GetBufferSize(),
                                                     nullptr, m_vs.put()),
-                          m_vs, "VS1", source_name) &&
+                          m_vs, "VS1", drawable_cube_source) &&
            library.isMade(device.CreateInputLayout(cube_elements, 2, vertex_code->GetBufferPointer(),
                                                    vertex_code->GetBufferSize(), m_layout.put()),
-                          m_layout, "VS1", source_name) &&
+                          m_layout, "VS1", drawable_cube_source) &&
            library.isMade(device.CreatePixelShader(pixel_code->GetBufferPointer(), pixel_code->GetBufferSize(), nullptr,
                                                    m_ps.put()),
-                          m_ps, "PS_WireameFram", source_name) &&
-           library.createBuffer(D3D11_BIND_VERTEX_BUFFER, std::as_bytes(std::span(vertices)), "cube", source_name,
-                                m_vertices);
+                          m_ps, "PS_WireameFram", drawable_cube_source) &&
+           library.createBuffer(D3D11_BIND_VERTEX_BUFFER, std::as_bytes(std::span(vertices)), "cube",
+                                drawable_cube_source, m_vertices);
 }
 
 void drawable_cube::draw(lib3d& library, frame_constants& frame) const
@@ -134,7 +134,7 @@ void drawable_cube::draw(lib3d& library, frame_constants& frame) const
     if (!m_vertices)
         return;
     const gpu_matrix world = frame.vs.mWorld;
-    frame.vs.mWorld = gpuMatrix(glm::scale(glm::translate(glm::mat4(1), m_place), glm::vec3(size)));
+    frame.vs.mWorld = gpuMatrix(glm::scale(glm::translate(glm::mat4(1), m_place), glm::vec3(edge_half)));
     library.uploadConstants(frame.vs, frame.ps);
     frame.vs.mWorld = world;
     library.useLineShaders(line_depth::tested);

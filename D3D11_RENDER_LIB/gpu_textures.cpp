@@ -10,7 +10,7 @@ namespace korvane
 namespace
 {
 
-constexpr char source_name[] = "sub_mesh";
+constexpr char gpu_textures_source[] = "sub_mesh";
 constexpr std::size_t portion_bytes = std::size_t{2} << 20; // a millisecond or two
 
 // 8 x 8 squares over the whole texture, so that it shows at any size.
@@ -28,7 +28,7 @@ bool createCheckerboard(lib3d& library, texture_view& view)
     failure why;
     if (!createDdsTexture(library.device(), image, view, why))
         return !library.isLost(); // an empty place is all that is left to show
-    return library.isMade(S_OK, view, "checkerboard", source_name);
+    return library.isMade(S_OK, view, "checkerboard", gpu_textures_source);
 }
 
 device_formats formatsOf(lib3d& library)
@@ -59,7 +59,7 @@ bool createPending(lib3d& library, texture_view& view)
     failure why;
     if (!createDdsTexture(library.device(), image, view, why))
         return !library.isLost();
-    return library.isMade(S_OK, view, "texture to come", source_name);
+    return library.isMade(S_OK, view, "texture to come", gpu_textures_source);
 }
 
 } // namespace
@@ -169,7 +169,7 @@ bool gpu_textures::begin(lib3d& library)
     if (!is_made)
         return giveUp(library);
     const texture_view& made = m_upload.view() ? m_upload.view() : view;
-    if (!library.isMade(S_OK, made, read.wanted.texture->path().c_str(), source_name))
+    if (!library.isMade(S_OK, made, read.wanted.texture->path().c_str(), gpu_textures_source))
         return false;
     if (view)
         end(view);

@@ -17,7 +17,7 @@ namespace korvane
 namespace
 {
 
-constexpr char source_name[] = "lib3d";
+constexpr char lib3d_source[] = "lib3d";
 
 const D3D11_INPUT_ELEMENT_DESC model_elements[] = {
     {"POSITION", 0, DXGI_FORMAT_R32G32B32_FLOAT, 0, D3D11_APPEND_ALIGNED_ELEMENT, D3D11_INPUT_PER_VERTEX_DATA, 0},
@@ -112,7 +112,7 @@ bool lib3d::hasSucceeded(device_step step, HRESULT answer, const char* source)
 
 bool lib3d::isLost()
 {
-    return !hasSucceeded(device_step::creation, m_device->GetDeviceRemovedReason(), source_name);
+    return !hasSucceeded(device_step::creation, m_device->GetDeviceRemovedReason(), lib3d_source);
 }
 
 void lib3d::setName(ID3D11DeviceChild& object, const char* name)
@@ -150,7 +150,7 @@ bool lib3d::createConstantBuffer(UINT size, const void* contents, const char* na
     const CD3D11_BUFFER_DESC description(size, D3D11_BIND_CONSTANT_BUFFER);
     D3D11_SUBRESOURCE_DATA data{};
     data.pSysMem = contents;
-    return isMade(m_device->CreateBuffer(&description, &data, buffer.put()), buffer, name, source_name);
+    return isMade(m_device->CreateBuffer(&description, &data, buffer.put()), buffer, name, lib3d_source);
 }
 
 bool lib3d::createVertexShader(int resource, std::span<const D3D11_INPUT_ELEMENT_DESC> elements, const char* name,
@@ -158,17 +158,17 @@ bool lib3d::createVertexShader(int resource, std::span<const D3D11_INPUT_ELEMENT
 {
     const auto code = resourceBytes(resource);
     return isMade(m_device->CreateVertexShader(code.data(), code.size(), nullptr, shader.put()), shader, name,
-                  source_name) &&
+                  lib3d_source) &&
            (layout == nullptr || isMade(m_device->CreateInputLayout(elements.data(), static_cast<UINT>(elements.size()),
                                                                     code.data(), code.size(), layout->put()),
-                                        *layout, name, source_name));
+                                        *layout, name, lib3d_source));
 }
 
 bool lib3d::createPixelShader(int resource, const char* name, com_ptr<ID3D11PixelShader>& shader)
 {
     const auto code = resourceBytes(resource);
     return isMade(m_device->CreatePixelShader(code.data(), code.size(), nullptr, shader.put()), shader, name,
-                  source_name);
+                  lib3d_source);
 }
 
 bool lib3d::createShaders()
@@ -243,7 +243,7 @@ bool lib3d::createSamplers()
         description.ComparisonFunc = D3D11_COMPARISON_NEVER;
         description.MaxLOD = D3D11_FLOAT32_MAX;
         if (!isMade(m_device->CreateSamplerState(&description, m_samplers[i].put()), m_samplers[i], "sampler",
-                    source_name))
+                    lib3d_source))
             return false;
     }
     return true;
@@ -262,7 +262,7 @@ bool lib3d::createRasterizer(raster_mode mode, D3D11_FILL_MODE fill, D3D11_CULL_
     description.SlopeScaledDepthBias = slope_bias;
     description.MultisampleEnable = TRUE; // nothing on targets with one sample
     com_ptr<ID3D11RasterizerState>& state = m_rasterizers[static_cast<int>(mode)];
-    return isMade(m_device->CreateRasterizerState(&description, state.put()), state, "rasterizer", source_name);
+    return isMade(m_device->CreateRasterizerState(&description, state.put()), state, "rasterizer", lib3d_source);
 }
 
 bool lib3d::createStates()
@@ -299,17 +299,18 @@ bool lib3d::createStates()
            createRasterizer(raster_mode::wireframe_over, D3D11_FILL_WIREFRAME, D3D11_CULL_NONE, FALSE, -200, -1.5f) &&
            createRasterizer(raster_mode::shadow, D3D11_FILL_SOLID, D3D11_CULL_NONE, FALSE, 40, 2.0f) &&
            createRasterizer(raster_mode::area, D3D11_FILL_SOLID, D3D11_CULL_NONE, FALSE) &&
-           isMade(m_device->CreateBlendState(&blend, m_blend.put()), m_blend, "blend", source_name) &&
-           isMade(m_device->CreateBlendState(&floor, m_floor_blend.put()), m_floor_blend, "floor blend", source_name) &&
-           isMade(m_device->CreateDepthStencilState(&depth, m_depth.put()), m_depth, "depth", source_name) &&
+           isMade(m_device->CreateBlendState(&blend, m_blend.put()), m_blend, "blend", lib3d_source) &&
+           isMade(m_device->CreateBlendState(&floor, m_floor_blend.put()), m_floor_blend, "floor blend",
+                  lib3d_source) &&
+           isMade(m_device->CreateDepthStencilState(&depth, m_depth.put()), m_depth, "depth", lib3d_source) &&
            isMade(m_device->CreateDepthStencilState(&written, m_stencil_written.put()), m_stencil_written,
-                  "stencil, written", source_name) &&
+                  "stencil, written", lib3d_source) &&
            isMade(m_device->CreateDepthStencilState(&tested, m_stencil_tested.put()), m_stencil_tested,
-                  "stencil, tested", source_name) &&
+                  "stencil, tested", lib3d_source) &&
            isMade(m_device->CreateDepthStencilState(&read, m_depth_read.put()), m_depth_read, "depth, read",
-                  source_name) &&
+                  lib3d_source) &&
            isMade(m_device->CreateDepthStencilState(&ignored, m_depth_ignored.put()), m_depth_ignored, "depth, ignored",
-                  source_name);
+                  lib3d_source);
 }
 
 bool lib3d::createLineBuffer()
@@ -317,7 +318,7 @@ bool lib3d::createLineBuffer()
     const CD3D11_BUFFER_DESC description(line_vertex_capacity * sizeof(gpu_line_vertex), D3D11_BIND_VERTEX_BUFFER,
                                          D3D11_USAGE_DYNAMIC, D3D11_CPU_ACCESS_WRITE);
     return isMade(m_device->CreateBuffer(&description, nullptr, m_line_buffer.put()), m_line_buffer, "bone lines",
-                  source_name);
+                  lib3d_source);
 }
 
 bool lib3d::createAll()

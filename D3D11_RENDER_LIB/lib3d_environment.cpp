@@ -13,7 +13,7 @@ namespace korvane
 namespace
 {
 
-constexpr char source_name[] = "lib3d";
+constexpr char lib3d_environment_source[] = "lib3d";
 
 struct device_image
 {
@@ -48,7 +48,7 @@ bool createCube(lib3d& library, const std::vector<cube_level>& levels, const cha
                                       {levels.front().size, 6, static_cast<UINT>(levels.size()),
                                        DXGI_FORMAT_R16G16B16A16_FLOAT, contents},
                                       view),
-                          view, name, source_name);
+                          view, name, lib3d_environment_source);
 }
 
 HRESULT createImage(lib3d& library, const block_image& image, com_ptr<ID3D11ShaderResourceView>& view)
@@ -84,9 +84,9 @@ bool lib3d::exchangeEnvironment(const environment_images& images)
         answer = createImage(*this, images.reflectance, table);
     if (answer == E_OUTOFMEMORY)
         return true;
-    if (!isMade(answer, specular, "specular environment, whole", source_name) ||
-        !isMade(answer, diffuse, "diffuse environment, whole", source_name) ||
-        !isMade(answer, table, "reflectance of the environment", source_name))
+    if (!isMade(answer, specular, "specular environment, whole", lib3d_environment_source) ||
+        !isMade(answer, diffuse, "diffuse environment, whole", lib3d_environment_source) ||
+        !isMade(answer, table, "reflectance of the environment", lib3d_environment_source))
         return false;
     m_specular_cube = std::move(specular);
     m_diffuse_cube = std::move(diffuse);

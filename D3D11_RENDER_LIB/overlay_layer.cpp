@@ -13,7 +13,7 @@ namespace korvane
 namespace
 {
 
-constexpr char source_name[] = "overlay_layer";
+constexpr char overlay_layer_source[] = "overlay_layer";
 constexpr UINT glyph_register = 13;
 constexpr int glyphs_in_row = 16;
 constexpr int gap = 2; // pixels between glyphs
@@ -113,12 +113,13 @@ bool overlay_layer::create(lib3d& library, unsigned dpi)
     blend.RenderTarget[0].DestBlendAlpha = D3D11_BLEND_ONE;
     com_ptr<ID3D11Texture2D> texture;
     return library.isMade(device.CreateTexture2D(&description, &contents, texture.put()), texture, "glyphs",
-                          source_name) &&
+                          overlay_layer_source) &&
            library.isMade(device.CreateShaderResourceView(texture.get(), nullptr, m_glyphs.put()), m_glyphs, "glyphs",
-                          source_name) &&
+                          overlay_layer_source) &&
            library.isMade(device.CreateBuffer(&vertices, nullptr, m_vertices.put()), m_vertices, "overlay vertices",
-                          source_name) &&
-           library.isMade(device.CreateBlendState(&blend, m_blend.put()), m_blend, "overlay blend", source_name) &&
+                          overlay_layer_source) &&
+           library.isMade(device.CreateBlendState(&blend, m_blend.put()), m_blend, "overlay blend",
+                          overlay_layer_source) &&
            library.createVertexShader(KORVANE_OVERLAY_VS, overlay_elements, "overlay_vs", m_vs, &m_layout) &&
            library.createPixelShader(KORVANE_OVERLAY_PS, "overlay_ps", m_ps);
 }

@@ -11,9 +11,9 @@ namespace korvane
 namespace
 {
 
-constexpr char source_name[] = "packed_maps";
+constexpr char packed_maps_source[] = "packed_maps";
 constexpr std::array<UINT, map_packer::kind_count> registers = {7, 9, 10}; // of shaders/textures.hlsli
-constexpr UINT first_register = 6;                                         // whose bit of bound_... is the first
+constexpr UINT first_map_register = 6;                                     // whose bit of bound_... is the first
 // With mip maps, as most textures have: software devices compile shaders for textures without again.
 constexpr UINT smallest_side = 4;
 
@@ -70,9 +70,9 @@ bool map_packer::createFiller(lib3d& library)
     const D3D11_SUBRESOURCE_DATA contents[] = {{nothing.data(), 16, 0}, {nothing.data(), 8, 0}, {nothing.data(), 4, 0}};
     com_ptr<ID3D11Texture2D> texture;
     return library.isMade(library.device().CreateTexture2D(&description, contents, texture.put()), texture,
-                          "map that is not there", source_name) &&
+                          "map that is not there", packed_maps_source) &&
            library.isMade(library.device().CreateShaderResourceView(texture.get(), nullptr, m_filler.put()), m_filler,
-                          "map that is not there", source_name);
+                          "map that is not there", packed_maps_source);
 }
 
 // As large as the largest of the maps.
@@ -88,9 +88,9 @@ bool map_packer::createTexture(lib3d& library, entry& one)
                                             D3D11_BIND_RENDER_TARGET | D3D11_BIND_SHADER_RESOURCE);
     one.result->levels = std::log2(static_cast<float>(larger));
     return library.isMade(library.device().CreateTexture2D(&description, nullptr, one.texture.put()), one.texture,
-                          "packed maps", source_name) &&
+                          "packed maps", packed_maps_source) &&
            library.isMade(library.device().CreateShaderResourceView(one.texture.get(), nullptr, one.result->view.put()),
-                          one.result->view, "packed maps", source_name);
+                          one.result->view, "packed maps", packed_maps_source);
 }
 
 bool map_packer::pack(lib3d& library, entry& one)
@@ -99,7 +99,7 @@ bool map_packer::pack(lib3d& library, entry& one)
     packing_buffer settings;
     settings.channel = one.channel;
     for (std::size_t i = 0; i < kind_count; ++i)
-        settings.bound |= one.packed[i] ? 1 << (registers[i] - first_register) : 0;
+        settings.bound |= one.packed[i] ? 1 << (registers[i] - first_map_register) : 0;
     D3D11_TEXTURE2D_DESC description{};
     one.texture->GetDesc(&description);
     for (UINT level = 0; level < description.MipLevels; ++level)
@@ -107,7 +107,7 @@ bool map_packer::pack(lib3d& library, entry& one)
         const CD3D11_RENDER_TARGET_VIEW_DESC of_level(D3D11_RTV_DIMENSION_TEXTURE2D, description.Format, level);
         com_ptr<ID3D11RenderTargetView> target;
         if (!library.isMade(library.device().CreateRenderTargetView(one.texture.get(), &of_level, target.put()), target,
-                            "packed maps", source_name))
+                            "packed maps", packed_maps_source))
             return false;
         settings.width = static_cast<std::int32_t>(std::max(description.Width >> level, 1u));
         settings.height = static_cast<std::int32_t>(std::max(description.Height >> level, 1u));

@@ -10,7 +10,7 @@ namespace korvane
 namespace
 {
 
-constexpr char source_name[] = "scene_targets";
+constexpr char scene_targets_source[] = "scene_targets";
 constexpr UINT surface_register = 13;
 
 // As the final pass shows a dark colour: one that is neither bent nor softened.
@@ -66,7 +66,7 @@ bool createTexture(lib3d& library, UINT width, UINT height, DXGI_FORMAT format, 
     description.BindFlags = bind;
     description.CPUAccessFlags = bind ? 0u : UINT{D3D11_CPU_ACCESS_READ};
     return library.isMade(library.device().CreateTexture2D(&description, nullptr, texture.put()), texture, name,
-                          source_name);
+                          scene_targets_source);
 }
 
 } // namespace
@@ -90,15 +90,15 @@ bool scene_targets::create(lib3d& library, UINT width, UINT height, UINT samples
             !createTexture(library, width, height, format, D3D11_BIND_RENDER_TARGET, name, m_drawn[i], m_samples))
             return false;
         if (!library.isMade(device.CreateRenderTargetView(m_drawn[i].get(), nullptr, m_targets[i].put()), m_targets[i],
-                            name, source_name) ||
+                            name, scene_targets_source) ||
             !library.isMade(device.CreateShaderResourceView(m_resolved[i].get(), nullptr, m_views[i].put()), m_views[i],
-                            name, source_name))
+                            name, scene_targets_source))
             return false;
     }
     com_ptr<ID3D11Texture2D> depth;
     if (!createTexture(library, width, height, depth_format, D3D11_BIND_DEPTH_STENCIL, "depth", depth, m_samples) ||
         !library.isMade(device.CreateDepthStencilView(depth.get(), nullptr, m_depth.put()), m_depth, "depth",
-                        source_name))
+                        scene_targets_source))
         return false;
     m_width = width;
     m_height = height;
@@ -116,9 +116,9 @@ bool scene_targets::createLayer(lib3d& library, DXGI_FORMAT format, const char* 
     return createTexture(library, m_width, m_height, format, D3D11_BIND_RENDER_TARGET | D3D11_BIND_SHADER_RESOURCE,
                          name, made.texture) &&
            library.isMade(device.CreateRenderTargetView(made.texture.get(), nullptr, made.target.put()), made.target,
-                          name, source_name) &&
+                          name, scene_targets_source) &&
            library.isMade(device.CreateShaderResourceView(made.texture.get(), nullptr, made.view.put()), made.view,
-                          name, source_name);
+                          name, scene_targets_source);
 }
 
 bool scene_targets::enlargeTo(lib3d& library, UINT width, UINT height)
@@ -241,7 +241,7 @@ bool picture_target::create(lib3d& library, UINT width, UINT height)
     return createTexture(library, width, height, format, D3D11_BIND_RENDER_TARGET, "picture", m_texture) &&
            createTexture(library, width, height, format, 0, "picture, to be read", m_staging) &&
            library.isMade(library.device().CreateRenderTargetView(m_texture.get(), nullptr, m_view.put()), m_view,
-                          "picture", source_name);
+                          "picture", scene_targets_source);
 }
 
 bool picture_target::read(lib3d& library, std::vector<std::uint8_t>& rgba) const
@@ -249,7 +249,8 @@ bool picture_target::read(lib3d& library, std::vector<std::uint8_t>& rgba) const
     library.context().CopyResource(m_staging.get(), m_texture.get());
     D3D11_MAPPED_SUBRESOURCE mapped{};
     if (!library.hasSucceeded(device_step::present,
-                              library.context().Map(m_staging.get(), 0, D3D11_MAP_READ, 0, &mapped), source_name))
+                              library.context().Map(m_staging.get(), 0, D3D11_MAP_READ, 0, &mapped),
+                              scene_targets_source))
         return false;
     const std::size_t row_bytes = std::size_t{m_width} * 4;
     rgba.resize(row_bytes * m_height);

@@ -10,7 +10,7 @@ namespace korvane
 namespace
 {
 
-constexpr char source_name[] = "shadow_map";
+constexpr char shadow_map_source[] = "shadow_map";
 constexpr UINT map_size = 2048;
 constexpr float reach = 2.2f; // of the world that is in the map, from the origin: models are 1.8 wide at most
 constexpr UINT map_register = 3;
@@ -45,13 +45,13 @@ bool shadow_map::create(lib3d& library)
     const shadow_buffer constants;
     com_ptr<ID3D11Texture2D> texture;
     return library.isMade(device.CreateTexture2D(&description, nullptr, texture.put()), texture, "shadow map",
-                          source_name) &&
+                          shadow_map_source) &&
            library.isMade(device.CreateDepthStencilView(texture.get(), &depth, m_depth.put()), m_depth, "shadow map",
-                          source_name) &&
+                          shadow_map_source) &&
            library.isMade(device.CreateShaderResourceView(texture.get(), &view, m_view.put()), m_view, "shadow map",
-                          source_name) &&
+                          shadow_map_source) &&
            library.isMade(device.CreateSamplerState(&sampler, m_sampler.put()), m_sampler, "shadow sampler",
-                          source_name) &&
+                          shadow_map_source) &&
            library.createConstantBuffer(sizeof constants, &constants, "ShadowBuffer", m_constants);
 }
 
@@ -62,7 +62,7 @@ bool shadow_map::createFloor(lib3d& library, const glm::vec3& centre, float half
     const gpu_vertex corners[] = {floorVertex(left, height, front),  floorVertex(left, height, back),
                                   floorVertex(right, height, front), floorVertex(right, height, front),
                                   floorVertex(left, height, back),   floorVertex(right, height, back)};
-    return library.createBuffer(D3D11_BIND_VERTEX_BUFFER, std::as_bytes(std::span(corners)), "floor", source_name,
+    return library.createBuffer(D3D11_BIND_VERTEX_BUFFER, std::as_bytes(std::span(corners)), "floor", shadow_map_source,
                                 m_floor_vertices);
 }
 

@@ -10,7 +10,7 @@ namespace korvane
 namespace
 {
 
-constexpr char source_name[] = "sub_mesh";
+constexpr char sub_mesh_source[] = "sub_mesh";
 constexpr UINT first_register = 6; // t6
 
 ID3D11ShaderResourceView* viewOf(const std::shared_ptr<const gpu_texture>& texture)
@@ -47,10 +47,10 @@ bool sub_mesh::createBuffers(lib3d& library, const scene_group& group, int bone)
     m_index_count = static_cast<UINT>(indices.size());
     if (indices.empty())
         return true;
-    if (!library.createBuffer(D3D11_BIND_INDEX_BUFFER, std::as_bytes(indices), "group indices", source_name,
+    if (!library.createBuffer(D3D11_BIND_INDEX_BUFFER, std::as_bytes(indices), "group indices", sub_mesh_source,
                               m_index_buffer) ||
         !library.createBuffer(D3D11_BIND_VERTEX_BUFFER, store.vertices.size() * sizeof(gpu_vertex), "group vertices",
-                              source_name, m_vertex_buffer))
+                              sub_mesh_source, m_vertex_buffer))
         return false;
     mesh_summary mesh = buildGpuVertices(store, bone, [&](std::size_t first, std::span<const gpu_vertex> vertices) {
         library.fill(*m_vertex_buffer.get(), first * sizeof(gpu_vertex), std::as_bytes(vertices));

@@ -31,6 +31,17 @@ function(korvane_library name)
   target_link_libraries(${name} PUBLIC korvane_options)
 endfunction()
 
+# korvane_glue(TARGET): a target that hands work down and computes little itself. Under sanitizers it is neither optimised
+# nor watched by the fuzzers: compiling it takes a quarter of the time, and its tests hardly longer.
+function(korvane_glue target)
+  if(KORVANE_SANITIZE)
+    target_compile_options(${target} PRIVATE -O0)
+  endif()
+  if(KORVANE_FUZZ)
+    target_compile_options(${target} PRIVATE -fno-sanitize=fuzzer-no-link)
+  endif()
+endfunction()
+
 # korvane_test(NAME SOURCE...): a GoogleTest program. Each of its tests is a ctest entry natively; under Wine, where a
 # process costs much more than a test, the program is one entry. Natively without sanitizers it is built by name only.
 # The tests themselves are not optimised: compiling them would take twice as long as running them does.
@@ -38,6 +49,7 @@ function(korvane_test name)
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE korvane_options GTest::gtest_main)
   target_compile_options(${name} PRIVATE -O0)
+  korvane_glue(${name})
   if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(${name} PRIVATE -Wno-subobject-linkage) # a fixture of one source looks like a header's
   endif()
