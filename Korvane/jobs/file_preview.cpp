@@ -22,7 +22,7 @@ namespace
 
 constexpr std::size_t shown_text = 256 * 1024; // bytes
 constexpr std::size_t shown_hex = 8 * 1024;
-constexpr std::uint64_t most_model = std::uint64_t{256} << 20; // larger ones are shown as bytes
+constexpr std::uint64_t most_model = std::uint64_t{256} << 20; // what is larger says so
 constexpr std::size_t hex_columns = 16;
 
 std::string withLineEnds(std::string_view text)
@@ -111,7 +111,7 @@ file_preview previewContent(const game_file& file, const work_port& work, std::u
 {
     file_preview made;
     failure why;
-    std::vector<std::byte> start(shown_text);
+    std::vector<std::byte> start(shown_text + 3); // so that a character at the cut is seen whole
     std::size_t count = 0;
     const auto giveUp = [&] {
         why.path.clear(); // whoever shows it says it
@@ -150,8 +150,8 @@ file_preview previewContent(const game_file& file, const work_port& work, std::u
         return made;
     }
     std::string encoding;
-    const bool is_all = count < shown_text;
-    if (readText(start, made.text, encoding))
+    const bool is_all = count <= shown_text;
+    if (readText(std::span(start).first(utf8Cut(head, shown_text)), made.text, encoding))
     {
         made.caption = "Text, " + encoding + (is_all ? "" : ", the first 256 KB");
         return made;
@@ -182,11 +182,9 @@ bool readText(std::span<const std::byte> bytes, std::string& text, std::string& 
         const std::string_view content = all.substr(has_mark ? 3 : 0);
         if (!hasTextOnly(content))
             return false;
-        // A text that was cut may end inside of a character.
-        const std::string_view whole = content.substr(0, utf8Cut(content, content.size()));
-        const bool is_utf8 = isUtf8(whole);
+        const bool is_utf8 = isUtf8(content);
         encoding = is_utf8 ? "UTF-8" : "Latin-1";
-        read = is_utf8 ? std::string(whole) : utf8FromLatin1(content);
+        read = is_utf8 ? std::string(content) : utf8FromLatin1(content);
     }
     text = withLineEnds(read);
     return true;

@@ -1,8 +1,11 @@
 // Previews of the page Archives: what is drawn and what is said when nothing is; mip maps and surfaces of textures.
 
+#include "EASY_GUI/services/text.h"
 #include "Korvane/archives/pack_file.h"
+#include "Korvane/jobs/file_preview.h"
 #include "Korvane/jobs/scene_preview.h"
 #include "Korvane/jobs/texture_look.h"
+#include "tests/support/anim_builder.h"
 #include "tests/support/dds_builder.h"
 #include "tests/support/model_builder.h"
 #include "tests/support/pack_builder.h"
@@ -112,6 +115,46 @@ TEST_F(preview_test, aStoppedOneIsNotDrawn)
     const scene_preview made = preview("a.rigid_model_v2", {{}, stop.get_token(), {}, {}});
     EXPECT_EQ(made.text, "");
     EXPECT_EQ(m_pictures.m_po_scene, nullptr);
+}
+
+TEST(file_preview, showsWhatAFileIsOrSaysWhyNot)
+{
+    using namespace std::string_literals;
+    const std::string model = test::test_model().bytes(), anim = test::test_anim().bytes();
+    const std::string long_text = std::string((256 << 10) - 1, 'x') + "\xc3\xa9 and more";
+    const struct
+    {
+        const char* name;
+        std::string bytes;
+        const char* caption; // its beginning
+        const char* text;    // part of it
+    } rows[] = {{"empty.txt", "", "This file is empty.", ""},
+                {"a.rigid_model_v2", model, "Model, version ", "\r\n"},
+                {"half.rigid_model_v2", model.substr(0, model.size() / 2), "Cannot be shown: ", ""},
+                {"only its name.rigid_model_v2", "RMV2", "Cannot be shown: ", ""},
+                {"walk.anim", anim, "Animation of ", "\r\n"},
+                {"half.anim", anim.substr(0, 30), "Cannot be shown: ", ""},
+                {"a.dds", "DDS garbage", "", ""},
+                {"a.tga", "\1\1", "", ""},
+                {"lines.txt", "a\nb\rc\r\nd", "Text, UTF-8", "a\r\nb\r\nc\r\nd"},
+                {"mark.txt", "\xef\xbb\xbf\xe6\x9d\x8e", "Text, UTF-8", "\xe6\x9d\x8e"},
+                {"old.txt", "caf\xe9", "Text, Latin-1", "caf\xc3\xa9"},
+                {"wide.txt", "\xff\xfe\x4e\x67\x3d"s, "Text, UTF-16", "\xe6\x9d\x8e"}, // ends inside of one
+                {"odd.txt", "\xfe\xff\0a\0"s, "Text, UTF-16", "a"},
+                {"long.txt", long_text, "Text, UTF-8, the first 256 KB", "xxx"},
+                {"x.bin", "\0A\x7f"s, "Bytes of the whole file", "00000000  00 41 7f"},
+                {"y.bin", std::string(9000, '\1'), "The first 8 KB, as bytes", "00001ff0  01 01"}};
+    const test::temporary_folder folder;
+    for (const auto& row : rows)
+    {
+        test::writeBytes(folder.file(row.name), row.bytes);
+        const file_preview made = previewFile(game_file(folder.file(row.name)), {});
+        EXPECT_TRUE(made.caption.starts_with(row.caption)) << row.name << ": " << made.caption;
+        EXPECT_FALSE(made.caption.empty()) << row.name;
+        EXPECT_NE(made.text.find(row.text), std::string::npos) << row.name << ": " << made.text.substr(0, 200);
+        EXPECT_TRUE(isUtf8(made.text)) << row.name;
+    }
+    EXPECT_TRUE(previewFile(game_file(folder.file("gone")), {}).caption.starts_with("Cannot be shown: "));
 }
 
 TEST(texture_look, texturesLoseTheirLargeLevelsAlone)
