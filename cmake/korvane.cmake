@@ -18,6 +18,13 @@ endif()
 if(KORVANE_FUZZ)
   target_compile_options(korvane_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
+if(KORVANE_COVERAGE)
+  # Counters of functions that one file alone knows are found by the file's name, and sources that are compiled as one all
+  # have the same: the target's takes its place.
+  target_compile_options(korvane_options INTERFACE -fprofile-instr-generate -fcoverage-mapping
+                                                   "SHELL:-Xclang -main-file-name -Xclang $<TARGET_PROPERTY:NAME>")
+  target_link_options(korvane_options INTERFACE -fprofile-instr-generate)
+endif()
 if(WIN32)
   target_compile_definitions(korvane_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
   target_compile_options(korvane_options INTERFACE -fstack-protector-strong)
