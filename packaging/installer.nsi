@@ -1,5 +1,6 @@
 ; The installer: for one person, into a folder that he may write to, for settings stand beside the program. It never asks
-; for an administrator's rights. packaging/build calls it with VERSION, FILES (the folder that is packed), SIDE (a picture) and OUTPUT.
+; for an administrator's rights. packaging/build calls it with VERSION, FILES (the folder that is packed), SIDE (a picture)
+; and OUTPUT.
 ;
 ; Silently: /S, /D=FOLDER (as the last), /PATH (the console program is found from anywhere), /FILES (double clicks open
 ; models and definitions). The uninstaller keeps settings unless it is told otherwise; silently /SETTINGS removes them.
