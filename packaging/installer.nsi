@@ -164,6 +164,7 @@ Section "Uninstall"
     Delete "$INSTDIR\config.cfg.lock"
   ${EndIf}
   Delete "$INSTDIR\log.txt"
+  Delete "$INSTDIR\guide_place.html"
   Delete "$INSTDIR\packs.cache"
   Delete "$INSTDIR\usage.cache"
   RMDir "$INSTDIR" ; only when nothing is left in it

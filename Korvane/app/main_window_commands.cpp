@@ -10,8 +10,6 @@
 #include "Korvane/document/recent_files.h"
 #include "Korvane/presenters/help_texts.h"
 
-#include <filesystem>
-
 namespace korvane
 {
 
@@ -171,10 +169,8 @@ help_topic main_window::helpTopic() const
 
 void main_window::showGuide(help_topic topic)
 {
-    std::error_code error;
-    const std::filesystem::path temporary = std::filesystem::temp_directory_path(error);
     failure why;
-    const std::optional<std::string> way = wayIntoGuide({m_ports.guide_folder, toUtf8(temporary / "")}, topic, why);
+    const std::optional<std::string> way = wayIntoGuide(m_ports.guide_folder, topic, why);
     if (!way)
         m_ports.prompt.show("Guide", "The guide cannot be shown.\r\n\r\n" + describe(why), prompt_icon::error);
     else if (!m_ports.open_page(*way))

@@ -11,7 +11,7 @@ namespace
 {
 
 constexpr std::string_view guide_name = "guide.html";
-constexpr std::string_view way_name = "korvane_guide.html";
+constexpr std::string_view way_name = "guide_place.html";
 
 std::string_view anchorOf(help_topic topic)
 {
@@ -58,45 +58,24 @@ std::string_view anchorOf(help_topic topic)
     return "";
 }
 
-// "C:\a b\" as "file:///C:/a%20b/", "\\server\share\" as "file://server/share/".
-std::string fileUrl(std::string_view path)
-{
-    constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/:";
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string url = "file:";
-    if (!path.starts_with("\\\\"))
-        url += path.starts_with('/') ? "//" : "///";
-    for (const char each : path)
-    {
-        const char character = each == '\\' ? '/' : each;
-        const auto code = static_cast<unsigned char>(character);
-        if (plain.find(character) != plain.npos)
-            url += character;
-        else
-            url += {'%', digits[code / 16], digits[code % 16]};
-    }
-    return url;
-}
-
 } // namespace
 
-std::optional<std::string> wayIntoGuide(const guide_place& where, help_topic topic, failure& why)
+std::optional<std::string> wayIntoGuide(const std::string& program_folder, help_topic topic, failure& why)
 {
-    const std::string guide = where.program_folder + std::string(guide_name);
+    const std::string guide = program_folder + std::string(guide_name);
     if (std::error_code error; !std::filesystem::is_regular_file(toPath(guide), error))
     {
         fail(why, failure_kind::not_found, "the guide is not there; it comes with the program and belongs beside it",
              guide);
         return std::nullopt;
     }
-    const std::string_view anchor = anchorOf(topic);
-    if (anchor.empty())
+    if (anchorOf(topic).empty())
         return guide;
-    const std::string url = fileUrl(guide) + std::string(anchor);
-    const std::string way = where.own_folder + std::string(way_name);
+    const std::string url = std::string(guide_name) + std::string(anchorOf(topic));
     const std::string page = "<!DOCTYPE html><meta charset=\"utf-8\"><title>Korvane</title>"
                              "<meta http-equiv=\"refresh\" content=\"0; url=" +
                              url + "\"><p><a href=\"" + url + "\">Guide</a></p>\n";
+    const std::string way = program_folder + std::string(way_name);
     failure unused;
     return writeWholeFile(way, page, unused) ? way : guide;
 }

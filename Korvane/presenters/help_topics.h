@@ -35,14 +35,10 @@ enum class help_topic
     checks,
 };
 
-struct guide_place
-{
-    std::string program_folder; // where the guide is; with a separator at its end
-    std::string own_folder;     // in which the page that leads to the topic may be written; the same
-};
-// The file to be opened in the browser, which shows the guide at the topic. It is a small page that leads there: a
-// system that is asked to open a file at a place in it opens it at its start. Where that page cannot be written: the
-// guide itself. Nothing, with the reason: there is no guide.
-[[nodiscard]] std::optional<std::string> wayIntoGuide(const guide_place& where, help_topic topic, failure& why);
+// The file to be opened in the browser, which shows the guide at the topic. It is a small page beside the guide that
+// leads there: a system that is asked to open a file at a place in it opens it at its start. Where that page cannot be
+// written: the guide itself. Nothing, with the reason: there is no guide. The folder ends in a separator.
+[[nodiscard]] std::optional<std::string> wayIntoGuide(const std::string& program_folder, help_topic topic,
+                                                      failure& why);
 
 } // namespace korvane
