@@ -4,6 +4,7 @@
 #include "EASY_GUI/win32/modal_work.h"
 #include "Korvane/app/command_ids.h"
 #include "Korvane/app/installed_stores.h"
+#include "Korvane/jobs/output_paths.h"
 
 #include <algorithm>
 #include <utility>
@@ -190,11 +191,22 @@ void game_folders_dialog::add(game_folders::folder_kind kind)
             return;
     }
     folder_look look;
-    modal_work work{handle(), "Looking at the folder"};
-    if (!work.run([&look, kind, chosen = m_box.text()](const work_port& port) {
+    const auto lookAt = [&] {
+        modal_work work{handle(), "Looking at the folder"};
+        return work.run([&look, kind, chosen = m_box.text()](const work_port& port) {
             look = game_folders::lookAtChosen(kind, chosen, port.stop);
-        }))
+        });
+    };
+    if (!lookAt())
         return;
+    if (const auto offer = game_folders::offerToMake(kind, look);
+        offer && m_host.prompt().confirm(dialog_title, *offer, prompt_answer::yes))
+    {
+        if (failure why; !createFolder(look.folder, why))
+            return m_host.prompt().show(dialog_title, describe(why), prompt_icon::error);
+        if (!lookAt())
+            return;
+    }
     if (const auto problem = m_folders.add(kind, look))
     {
         m_host.prompt().show(dialog_title, *problem, prompt_icon::information);

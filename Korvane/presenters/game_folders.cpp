@@ -141,6 +141,19 @@ folder_look game_folders::lookAtChosen(folder_kind kind, const std::string& chos
                                        : lookAtFolder(folder, stop);
 }
 
+std::optional<std::string> game_folders::offerToMake(folder_kind kind, const folder_look& look)
+{
+    std::string folder = look.folder;
+    while (folder.ends_with('/') || folder.ends_with('\\'))
+        folder.pop_back();
+    const std::filesystem::path path = toPath(folder);
+    std::error_code error;
+    if (kind != folder_kind::mod || look.is_there || !path.is_absolute() || std::filesystem::exists(path, error) ||
+        !std::filesystem::is_directory(path.parent_path(), error))
+        return std::nullopt;
+    return "There is no folder \"" + displayText(folder) + "\". Make it?";
+}
+
 std::optional<std::string> game_folders::add(folder_kind kind, const folder_look& look)
 {
     const std::string shown = "\"" + displayText(look.folder) + "\"";

@@ -46,6 +46,8 @@ public:
     // What a person has chosen or typed, looked at by a worker; blanks and quotation marks around it do not count.
     [[nodiscard]] static folder_look lookAtChosen(folder_kind kind, const std::string& chosen,
                                                   const std::stop_token& stop = {});
+    // A mod folder that is not there, in a folder that is, can be made: the question to the person; nothing for others.
+    [[nodiscard]] static std::optional<std::string> offerToMake(folder_kind kind, const folder_look& look);
     // Adds it behind those of its kind, a mod folder before them. Nothing, or why not, for the person.
     [[nodiscard]] std::optional<std::string> add(folder_kind kind, const folder_look& look);
     // Of the games that were found those whose folder is not in the list yet.

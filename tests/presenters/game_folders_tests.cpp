@@ -62,6 +62,12 @@ TEST_F(game_folders_test, whatIsAddedComesBackAndWhatIsWrongIsSaid)
                    {kind::data, m_folder.file("GAME/Data/"), "in the list already"}};
     for (const auto& row : refused)
         EXPECT_NE(add(folders, row.of, row.chosen).find(row.said), std::string::npos) << row.said;
+    const auto offers = [this](kind of, const std::string& name) {
+        return game_folders::offerToMake(of, game_folders::lookAtChosen(of, m_folder.file(name))).has_value();
+    };
+    EXPECT_TRUE(offers(kind::mod, "mod/new") && offers(kind::mod, "mod/new/"));
+    EXPECT_FALSE(offers(kind::data, "mod/new") || offers(kind::mod, "mod/new/deep") || offers(kind::mod, "mod") ||
+                 offers(kind::mod, "mine/x.dds"));
     ASSERT_EQ(folders.rowCount(), 3u);
     EXPECT_EQ(folders.text(0, 2), "2");
     EXPECT_TRUE(folders.text(1, 0).starts_with("Total War Rome 2 | ")) << folders.text(1, 0);
