@@ -62,7 +62,13 @@ class pages(cli_tests.cli_case):
                 self.assertIn(b'"c:\\games\\total war\\data\\"', file.read())
 
     def test_a_repaint_reaches_the_unit(self):
-        for line in commands_of("docs/repaint.md"):
+        self.run_line("korvane-cli demo-data demo")
+        self.run_line("korvane-cli config add data_paths demo")  # the guide's first page: in the window
+        self.write("shield.png", striped_png(64))
+        lines = commands_of("docs/guide/repaint.md")
+        after = [line for line in lines if "-o after.png" in line]
+        self.assertEqual(len(after), 1)
+        for line in [after[0].replace("after.png --mod my_mod", "before.png")] + lines:
             if not self.runs_here(line):
                 continue
             self.run_line(line)
