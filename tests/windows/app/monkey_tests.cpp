@@ -232,6 +232,17 @@ protected:
             leaveModalLoops();
             pump();
         }
+        // What stands beside the main window: the playback box, files that are looked at.
+        EnumThreadWindows(
+            GetCurrentThreadId(),
+            [](HWND each, LPARAM main) -> BOOL {
+                if (each != reinterpret_cast<HWND>(main) && IsWindowVisible(each) != 0 &&
+                    dynamic_cast<dialog_box*>(window::fromHandle(each)) != nullptr)
+                    PostMessageW(each, WM_CLOSE, 0, 0);
+                return TRUE;
+            },
+            reinterpret_cast<LPARAM>(m_window->handle()));
+        pump();
         ShowWindow(m_window->handle(), SW_RESTORE);
         RECT place{20, 20, 900, 700};
         SendMessageW(m_window->handle(), WM_DPICHANGED, MAKEWPARAM(96, 96), reinterpret_cast<LPARAM>(&place));
