@@ -201,7 +201,7 @@ class demo_animations(cli_tests.cli_case):
     def setUpClass(cls):
         cls.demo = tempfile.mkdtemp(prefix="korvane-demo-")
         cls.addClassCleanup(shutil.rmtree, cls.demo)
-        korvane("demo-data", cls.demo, "--quiet", check=0)
+        cli_tests.make_demo(cls.demo)
         cls.data = ["--data", cls.demo, "--quiet"]
 
     def loose(self, path):

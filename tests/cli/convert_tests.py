@@ -116,7 +116,7 @@ class convert(cli_tests.cli_case):
                 self.assert_motion(anim, 21)
 
     def test_what_was_exported_comes_back(self):
-        korvane("demo-data", self.path("demo"), "--quiet", check=0)
+        cli_tests.make_demo(self.path("demo"))
         model = self.path("demo/rigidmodels/demo/demo_barrel.rigid_model_v2")
         for name in ("humanoid01/gesture/hu1_wave", "humanoid01/die/hu1_die_back", "humanoid01/stand/hu1_pose_parade",
                      "beast01/run/be1_gallop_v5"):  # static values, all tracks, a single frame, few tracks
@@ -304,7 +304,7 @@ class convert(cli_tests.cli_case):
             self.assertIn(what, self.convert("--bone-table", table, check=1)[2].decode())
 
     def test_names_of_other_alphabets_match(self):
-        korvane("demo-data", self.path("demo"), "--quiet", check=0)
+        cli_tests.make_demo(self.path("demo"))
         template = self.write("latin.anim", skeleton(((b"root", -1), (b"H\xfcfte", 0), (b"Fu\xdf", 1))))
         korvane("export", self.path("demo/rigidmodels/demo/demo_barrel.rigid_model_v2"), "-o", self.path("e.fbx"),
                 "--skeleton", template, check=0)
@@ -367,7 +367,7 @@ class convert(cli_tests.cli_case):
 
     def test_a_rider_and_his_horse_are_told_apart(self):
         demo = self.path("demo")
-        korvane("demo-data", demo, "--quiet", check=0)
+        cli_tests.make_demo(demo)
         for rig, name in (("humanoid01", "humanoid01/ride/hu1_ride_gallop"), ("beast01", "beast01/run/be1_gallop")):
             clip = "pack:animations/battle/%s.anim" % name
             skeleton = "pack:animations/skeletons/%s.anim" % rig

@@ -21,7 +21,7 @@ class edit_case(cli_tests.cli_case):
     def setUpClass(cls):
         cls.demo = tempfile.mkdtemp(prefix="korvane-edit-")
         cls.addClassCleanup(shutil.rmtree, cls.demo)
-        korvane("demo-data", cls.demo, "--quiet", check=0)
+        cli_tests.make_demo(cls.demo)
         found = sorted(glob.glob(os.path.join(cls.demo, "**", "*.rigid_model_v2"), recursive=True))
         cls.models = {os.path.basename(path).split(".")[0]: path for path in found}
 

@@ -103,7 +103,7 @@ class export_case(cli_tests.cli_case):
     @classmethod
     def setUpClass(cls):
         cls.demo = os.path.join(os.environ.get("TMPDIR", "/tmp"), "korvane export %d" % os.getpid())
-        korvane("--quiet", "demo-data", cls.demo, check=0)
+        cli_tests.make_demo(cls.demo)
         cls.model = model_oracle.model(read(cls.at(MODEL)))
         cls.skeleton = anim_oracle.Anim(read(cls.at(SKELETON)))
 

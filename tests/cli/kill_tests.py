@@ -28,7 +28,7 @@ class killed(cli_tests.cli_case):
         super().setUp()
         demo = tempfile.mkdtemp(prefix="korvane-kill-")
         self.addCleanup(shutil.rmtree, demo)
-        korvane("demo-data", demo, "--quiet", check=0)
+        cli_tests.make_demo(demo)
         model = glob.glob(os.path.join(demo, "**", "demo_guard.rigid_model_v2"), recursive=True)[0]
         # Bytes behind the last group belong to no field; they are kept.
         self.old = read(model) + random.Random(1).randbytes(size_bytes)

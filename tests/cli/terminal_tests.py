@@ -38,7 +38,7 @@ def screen(sent):
 class terminal(cli_tests.cli_case):
     def test_results_and_notes_stand_on_lines_of_their_own(self):
         demo = self.path("demo")
-        korvane("demo-data", demo, "--quiet", check=0)
+        cli_tests.make_demo(demo)
         models = [os.path.join(demo, "rigidmodels/demo", name + ".rigid_model_v2") for name in
                   ("demo_column", "demo_barrel", "demo_banner")]
         v6 = os.path.join(demo, "variantmeshes/wh_variantmodels/hu1/demo/demo_guard_v6.rigid_model_v2")

@@ -127,7 +127,7 @@ class textures(cli_tests.cli_case):
 
     def test_what_the_models_name_is_what_info_says(self):
         demo = self.path("demo")
-        korvane("demo-data", demo, check=0)
+        cli_tests.make_demo(demo)
         models = json.loads(korvane("variant", self.MODEL, "--data", demo, "--json", check=0)[1])["models"]
         named = set()
         for model in models:

@@ -27,7 +27,7 @@ class usage(cli_tests.cli_case):
     def setUpClass(cls):
         cls.data = tempfile.mkdtemp(prefix="korvane-demo-")
         cls.addClassCleanup(shutil.rmtree, cls.data)
-        korvane("demo-data", cls.data, "--quiet", check=0)
+        cli_tests.make_demo(cls.data)
 
     def walk(self):
         """Who names what: {path: {(user, as)}}, by reading each file that counts."""
